@@ -1,0 +1,33 @@
+# Rules that every target of this project is compiled by.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
+endif()
+
+set(CMAKE_CXX_FLAGS_RELEASE "-O3")
+set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g1")
+set(CMAKE_CXX_FLAGS_SANITIZE "-O1 -g1 -fno-omit-frame-pointer")
+
+add_library(qirnRules INTERFACE)
+target_compile_options(qirnRules INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual -Werror
+    # The same picture on every machine: no fused multiply-add, no rearranged arithmetic.
+    -ffp-contract=off -fno-fast-math)
+target_compile_definitions(qirnRules INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY
+    QT_NO_URL_CAST_FROM_STRING QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(qirnRules INTERFACE -Xclang -fno-pch-timestamp)
+else()
+    target_compile_options(qirnRules INTERFACE -fpch-preprocess)
+endif()
+if(QIRN_SANITIZE)
+    target_compile_options(qirnRules INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined)
+    target_link_options(qirnRules INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,107 @@
+#include "core/PaintDocument.h"
+
+#include "core/PaintEngine.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace qirn {
+
+PaintDocument::PaintDocument(int64_t width, int64_t height, double resolution,
+                             std::optional<PaintColor> background)
+    : dpi(resolution),
+      grid_(std::max<int64_t>(width, 1), std::max<int64_t>(height, 1)) {
+    if (background) {
+        layers_.push_back(std::make_shared<Layer>(QStringLiteral("Background"), grid_));
+        if (background->a > 0) fillLayer(*layers_[0], *background);
+    }
+    layers_.push_back(std::make_shared<Layer>(QStringLiteral("Layer 1"), grid_));
+    activeIndex_ = layerCount() - 1;
+    resetHistory();
+}
+
+PaintDocument::PaintDocument(int64_t width, int64_t height, double resolution, std::vector<LayerRef> layers,
+                             int64_t active)
+    : dpi(resolution),
+      grid_(width, height),
+      layers_(std::move(layers)),
+      activeIndex_(active) {
+    if (layers_.empty()) {
+        layers_.push_back(std::make_shared<Layer>(QStringLiteral("Layer 1"), grid_));
+        activeIndex_ = 0;
+    }
+    require(activeIndex_ >= 0 && activeIndex_ < layerCount());
+    resetHistory();
+}
+
+Layer& PaintDocument::layer(int64_t index) const {
+    require(index >= 0 && index < layerCount());
+    return *layers_[static_cast<std::size_t>(index)];
+}
+
+std::optional<int64_t> PaintDocument::indexOf(const QUuid& id) const {
+    for (std::size_t i = 0; i < layers_.size(); ++i) {
+        if (layers_[i]->id == id) return static_cast<int64_t>(i);
+    }
+    return std::nullopt;
+}
+
+void PaintDocument::setActiveIndex(int64_t index) {
+    activeIndex_ = std::clamp<int64_t>(index, 0, layerCount() - 1);
+}
+
+void PaintDocument::insertLayer(LayerRef layer, int64_t at) {
+    require(layer->grid() == grid_);
+    const int64_t place = std::clamp<int64_t>(at, 0, layerCount());
+    layers_.insert(layers_.begin() + place, std::move(layer));
+    activeIndex_ = place;
+}
+
+void PaintDocument::replaceLayers(std::vector<LayerRef> layers, int64_t active) {
+    require(!layers.empty());
+    for (const LayerRef& layer : layers) require(layer->grid() == grid_);
+    layers_ = std::move(layers);
+    setActiveIndex(active);
+    markAllDirty();
+}
+
+void PaintDocument::replaceCanvas(const TileGrid& grid, std::vector<LayerRef> layers, int64_t active) {
+    const bool changed = !(grid == grid_);
+    grid_ = grid;
+    replaceLayers(std::move(layers), active);
+    if (changed && onGridChange) onGridChange();
+}
+
+void PaintDocument::fillLayer(Layer& layer, const PaintColor& color) {
+    require(layer.grid() == grid_);
+    const PixelBytes pixel = color.premultiplied();
+    auto tile = std::make_shared<Tile>();
+    uint8_t* pixels = tile->writablePixels();
+    for (int i = 0; i < kTilePixels; ++i) std::memcpy(pixels + i * 4, pixel.data(), 4);
+    // Every slot would hold the same bytes, so all share one frozen tile until one of them is painted on.
+    tile->freeze();
+    for (int64_t index = 0; index < grid_.count(); ++index) layer.setTile(index, tile);
+    markAllDirty();
+}
+
+uint64_t PaintDocument::fingerprint() const {
+    using PaintEngine::fnvStep;
+    uint64_t h = fnvStep(PaintEngine::fnvStart, static_cast<uint64_t>(grid_.width));
+    h = fnvStep(h, static_cast<uint64_t>(grid_.height));
+    for (const LayerRef& layer : layers_) h = fnvStep(h, layer->fingerprint());
+    return h;
+}
+
+void PaintDocument::markDirty(const IRect& rect) {
+    for (int64_t index : grid_.tilesIn(rect)) dirty_.add(index);
+}
+
+void PaintDocument::markAllDirty() {
+    dirty_.setAll(grid_.count());
+}
+
+std::vector<int64_t> PaintDocument::takeDirtyTiles() {
+    return dirty_.take();
+}
+
+} // namespace qirn

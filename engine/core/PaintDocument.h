@@ -1,0 +1,114 @@
+#pragma once
+#include "core/DirtyTiles.h"
+#include "core/HistoryMemory.h"
+#include "core/Layer.h"
+#include "core/OnionSkin.h"
+#include "core/TileGrid.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QString>
+
+namespace qirn {
+
+class Selection;
+
+/// The engine's picture: canvas geometry, the stack of layers, the selection, the tiles that must be shown
+/// again, and the undo history. It belongs to the main thread.
+///
+/// Every edit follows one order: change tiles through `Layer::writableTile` or fields directly, mark what is
+/// dirty, and when the user's action is over call `commit` once. The stack is never empty, the active index is
+/// always one of its layers, and every layer has the document's grid.
+class PaintDocument {
+public:
+    /// A new picture; each side is raised to at least 1. Without a background it has one empty "Layer 1"; with
+    /// one, a "Background" of that colour (left without tiles when its alpha is 0) below an active "Layer 1".
+    PaintDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background);
+    /// A picture rebuilt from parts whose grid is that of the size. An empty list becomes one empty "Layer 1";
+    /// otherwise `active` must be the index of a layer.
+    PaintDocument(int64_t width, int64_t height, double dpi, std::vector<LayerRef> layers, int64_t active);
+    PaintDocument(const PaintDocument&) = delete;
+    PaintDocument& operator=(const PaintDocument&) = delete;
+
+    double dpi = 72;                            ///< A label for print; it scales nothing.
+    OnionSkin onion;                            ///< A view setting: kept in files, not in undo states.
+    std::shared_ptr<const Selection> selection; ///< Null: everything is selected.
+    std::function<void()> onGridChange;         ///< Called after the canvas size changed.
+
+    // The stack; index 0 is the bottom.
+    const TileGrid& grid() const { return grid_; }
+    const std::vector<LayerRef>& layers() const { return layers_; }
+    int64_t layerCount() const { return static_cast<int64_t>(layers_.size()); }
+    int64_t activeIndex() const { return activeIndex_; }
+    Layer& activeLayer() const { return *layers_[static_cast<std::size_t>(activeIndex_)]; }
+    Layer& layer(int64_t index) const; ///< A bad index stops the process.
+    std::optional<int64_t> indexOf(const QUuid& id) const;
+    void setActiveIndex(int64_t index); ///< Clamped to the stack.
+    /// Inserts a layer of this grid at an index that is clamped, and makes it active. Marks nothing dirty.
+    void insertLayer(LayerRef layer, int64_t at);
+    /// Puts another stack in place of this one; `layers` is not empty and all of this grid.
+    void replaceLayers(std::vector<LayerRef> layers, int64_t active);
+    /// As above for another canvas size, telling `onGridChange`.
+    void replaceCanvas(const TileGrid& grid, std::vector<LayerRef> layers, int64_t active);
+    /// Fills every tile of a layer of this grid, also beyond the canvas edge, and marks everything dirty.
+    void fillLayer(Layer& layer, const PaintColor& color);
+
+    uint64_t fingerprint() const; ///< Size, order, pixels and settings of the layers; nothing of the view.
+
+    // What the screen has to show again.
+    void markDirty(const IRect& rect);
+    void markAllDirty();
+    std::vector<int64_t> takeDirtyTiles(); ///< Sorted; leaves none.
+
+    // Undo history: whole states that share their tiles with each other and with the live layers.
+    struct State {
+        TileGrid grid;
+        std::vector<LayerState> layers;
+        int64_t active = 0;
+        std::shared_ptr<const Selection> selection;
+        double dpi = 72;
+    };
+    struct HistoryEntry {
+        QString name; ///< What was done to reach the state.
+        State state;
+    };
+    int64_t maxUndoSteps = 100;
+    int64_t maxUndoBytes = 1'500'000'000; ///< Of tile memory held by the history.
+
+    State captureState(); ///< Freezes every tile; copies no pixels.
+    void commit(const QString& name);
+    void perform(const QString& name, const std::function<void()>& body);
+    void undo();               ///< Nothing at the start of the history.
+    void redo();               ///< Nothing at its end.
+    void revertToLastCommit(); ///< Throws away what was not committed, without counting as a change.
+    void resetHistory();       ///< One entry named "Open"; the change count stays.
+    bool canUndo() const { return cursor_ > 0; }
+    bool canRedo() const { return cursor_ + 1 < static_cast<int64_t>(history_.size()); }
+    std::optional<QString> undoName() const;
+    std::optional<QString> redoName() const;
+    int64_t undoDepth() const { return cursor_; }
+    const std::vector<HistoryEntry>& history() const { return history_; }
+    int64_t historyBytes() const { return memory_.bytes(); }
+    /// Goes up with every commit, undo and redo, and only there; what was saved is told by comparing it.
+    int64_t changeCount() const { return changeCount_; }
+
+private:
+    enum class CountsAsChange { no, yes };
+    void restore(const State& state, CountsAsChange counts);
+    void dropOldestEntry();
+
+    TileGrid grid_;
+    std::vector<LayerRef> layers_;
+    int64_t activeIndex_ = 0;
+    DirtyTiles dirty_;
+    std::vector<HistoryEntry> history_; // oldest first
+    int64_t cursor_ = 0;                // the entry that the picture equals
+    int64_t changeCount_ = 0;
+    HistoryMemory memory_;
+};
+
+} // namespace qirn

@@ -1,0 +1,11 @@
+#include "core/PaintEngine.h"
+
+namespace qirn {
+
+uint64_t PaintEngine::fnv(std::span<const uint8_t> bytes) {
+    uint64_t h = fnvStart;
+    for (uint8_t byte : bytes) h = fnvStep(h, byte);
+    return h;
+}
+
+} // namespace qirn

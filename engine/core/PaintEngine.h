@@ -1,0 +1,30 @@
+#pragma once
+#include <cstdint>
+#include <span>
+
+#include <QImage>
+
+namespace qirn {
+
+/// Facts of the whole engine. One pixel format serves everywhere: 8-bit R, G, B, A in memory order,
+/// premultiplied, sRGB without linearisation, rows from the top without padding.
+namespace PaintEngine {
+
+inline constexpr const char* version = "1.0";
+inline constexpr QImage::Format imageFormat = QImage::Format_RGBA8888_Premultiplied;
+inline constexpr int maxCanvasSide = 30000; ///< Pixels; larger files are refused.
+
+inline constexpr uint64_t fnvStart = 0xCBF29CE484222325u;
+inline constexpr uint64_t fnvPrime = 0x100000001B3u;
+
+/// FNV-1a of 64 bits, by which pictures are compared across runs and machines.
+uint64_t fnv(std::span<const uint8_t> bytes);
+
+/// One FNV-1a step with a whole number in place of a byte, as picture fingerprints mix in their fields.
+constexpr uint64_t fnvStep(uint64_t h, uint64_t value) {
+    return (h ^ value) * fnvPrime;
+}
+
+} // namespace PaintEngine
+
+} // namespace qirn

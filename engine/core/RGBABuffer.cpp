@@ -1,0 +1,60 @@
+#include "core/RGBABuffer.h"
+
+#include "core/PaintEngine.h"
+#include "platform/CheckedMath.h"
+#include "platform/QtImages.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace qirn {
+
+RGBABuffer::RGBABuffer(int64_t width, int64_t height)
+    : width_(std::max<int64_t>(width, 1)),
+      height_(std::max<int64_t>(height, 1)),
+      data_(std::make_unique<uint8_t[]>(
+          static_cast<std::size_t>(checkedMultiply(checkedMultiply(width_, height_), 4)))) {}
+
+std::shared_ptr<RGBABuffer> RGBABuffer::fromImage(const QImage& image) {
+    if (image.width() < 1 || image.height() < 1) return nullptr;
+    const QImage converted = inPixelFormat(image);
+    if (converted.isNull()) return nullptr;
+    auto buffer = std::make_shared<RGBABuffer>(image.width(), image.height());
+    for (int y = 0; y < converted.height(); ++y) {
+        std::memcpy(buffer->row(y), converted.constScanLine(y), static_cast<std::size_t>(buffer->width_) * 4);
+    }
+    return buffer;
+}
+
+PixelBytes RGBABuffer::pixel(int64_t x, int64_t y) const {
+    if (x < 0 || y < 0 || x >= width_ || y >= height_) return {};
+    PixelBytes out;
+    std::memcpy(out.data(), row(y) + x * 4, 4);
+    return out;
+}
+
+uint64_t RGBABuffer::fingerprint() const {
+    return PaintEngine::fnv(bytes());
+}
+
+std::shared_ptr<RGBABuffer> RGBABuffer::copy() const {
+    auto twin = std::make_shared<RGBABuffer>(width_, height_);
+    std::memcpy(twin->data(), data(), static_cast<std::size_t>(byteCount()));
+    return twin;
+}
+
+QImage RGBABuffer::makeImage() const {
+    return imageOver(data(), static_cast<int>(width_), static_cast<int>(height_)).copy();
+}
+
+void RGBABuffer::fill(const PaintColor& color) {
+    const PixelBytes pixel = color.premultiplied();
+    for (int64_t i = 0; i < width_ * height_; ++i) std::memcpy(data() + i * 4, pixel.data(), 4);
+}
+
+QImage RGBABuffer::imageOverBytes() {
+    return {data(), static_cast<int>(width_), static_cast<int>(height_), width_ * 4,
+            PaintEngine::imageFormat};
+}
+
+} // namespace qirn

@@ -1,0 +1,47 @@
+#pragma once
+#include "platform/Require.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace qirn {
+
+inline constexpr int kTileSize = 256;                     // pixels on a side
+inline constexpr int kTileRowBytes = kTileSize * 4;       // bytes from one row to the next
+inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
+inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
+
+/// 256 x 256 pixels of one layer: premultiplied 8-bit sRGB RGBA, top row first, 1024 bytes a row.
+///
+/// A tile has no position; its slot in a layer is its place. A tile at the right or bottom edge is full size,
+/// only its part inside the canvas counts. Layers, undo states and snapshots share tiles by reference. A frozen
+/// tile is immutable and may be read from any thread.
+class Tile {
+public:
+    Tile();                           ///< Transparent, not frozen.
+    explicit Tile(const Tile& other); ///< The other tile's pixels, not frozen.
+    ~Tile();
+    Tile& operator=(const Tile&) = delete;
+
+    bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.
+    bool isFrozen() const { return frozen_; }
+    const uint8_t* pixels() const { return pixels_; }
+    std::span<const uint8_t> bytes() const { return {pixels_, kTileBytes}; }
+
+    /// The pixels for writing; stops the process on a frozen tile.
+    uint8_t* writablePixels() {
+        require(!frozen_);
+        return pixels_;
+    }
+    /// Called by whoever makes a second reference to the tile; nothing undoes it.
+    void freeze() { frozen_ = true; }
+
+private:
+    uint8_t* pixels_; // kTileBytes, 64-byte aligned, owned
+    bool frozen_ = false;
+};
+
+using TileRef = std::shared_ptr<Tile>;
+
+} // namespace qirn

@@ -1,0 +1,50 @@
+#include "core/TileArray.h"
+
+#include <atomic>
+
+namespace qirn {
+
+const Tile* TileArray::at(int64_t index) const {
+    return mutableAt(index);
+}
+
+TileRef TileArray::share(int64_t index) const {
+    require(index >= 0 && index < count_);
+    return block_ ? block_->slots[static_cast<std::size_t>(index)] : nullptr;
+}
+
+Tile* TileArray::mutableAt(int64_t index) const {
+    require(index >= 0 && index < count_);
+    return block_ ? block_->slots[static_cast<std::size_t>(index)].get() : nullptr;
+}
+
+void TileArray::set(int64_t index, TileRef tile) {
+    require(index >= 0 && index < count_);
+    if (!tile && !block_) return;
+    Block& block = detached();
+    block.slots[static_cast<std::size_t>(index)] = std::move(tile);
+    block.allFrozen = false;
+}
+
+void TileArray::freezeAll() {
+    if (!block_ || block_->allFrozen) return;
+    for (const TileRef& tile : block_->slots) {
+        if (tile) tile->freeze();
+    }
+    block_->allFrozen = true;
+}
+
+TileArray::Block& TileArray::detached() {
+    if (!block_) {
+        block_ = std::make_shared<Block>();
+        block_->slots.resize(static_cast<std::size_t>(count_));
+    } else if (block_.use_count() > 1) {
+        block_ = std::make_shared<Block>(*block_);
+    } else {
+        // The last other holder may have let go on another thread: its reads come before our writes.
+        std::atomic_thread_fence(std::memory_order_acquire);
+    }
+    return *block_;
+}
+
+} // namespace qirn

@@ -1,0 +1,160 @@
+#include "operations/LayerOperations.h"
+
+#include "compositing/CompositeInputs.h"
+#include "compositing/Compositor.h"
+#include "operations/Selection.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace qirn {
+
+namespace {
+
+QString freeLayerName(const PaintDocument& doc) {
+    for (int64_t n = doc.layerCount();; ++n) {
+        const QString name = QStringLiteral("Layer %1").arg(n);
+        const auto& layers = doc.layers();
+        const bool taken =
+            std::any_of(layers.begin(), layers.end(), [&](const LayerRef& l) { return l->name == name; });
+        if (!taken) return name;
+    }
+}
+
+LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name) {
+    auto layer = std::make_shared<Layer>(name, doc.grid());
+    layer->load(*flattened(doc));
+    return layer;
+}
+
+/// c x (255 - m) / 255, rounded to nearest, for each channel of a pixel.
+void removeCoverage(uint8_t* pixel, uint32_t m) {
+    for (int channel = 0; channel < 4; ++channel) {
+        pixel[channel] = static_cast<uint8_t>((127u + pixel[channel] * (255u - m)) * 32897u >> 23);
+    }
+}
+
+} // namespace
+
+LayerRef addLayer(PaintDocument& doc, std::optional<QString> name, std::optional<int64_t> at) {
+    auto layer = std::make_shared<Layer>(name ? *name : freeLayerName(doc), doc.grid());
+    doc.insertLayer(layer, at.value_or(doc.activeIndex() + 1));
+    return layer;
+}
+
+void insertLayer(PaintDocument& doc, LayerRef layer, int64_t at) {
+    doc.insertLayer(std::move(layer), at);
+    doc.markAllDirty();
+}
+
+LayerRef duplicateLayer(PaintDocument& doc, int64_t index) {
+    Layer& source = doc.layer(index);
+    auto copy = std::make_shared<Layer>(source.name + QStringLiteral(" copy"), doc.grid());
+    copy->opacity = source.opacity;
+    copy->blendMode = source.blendMode;
+    copy->isVisible = source.isVisible;
+    copy->alphaLocked = source.alphaLocked;
+    copy->isClipping = source.isClipping;
+    copy->shareTilesOf(source);
+    insertLayer(doc, copy, index + 1);
+    return copy;
+}
+
+void deleteLayer(PaintDocument& doc, int64_t index) {
+    const int64_t count = doc.layerCount();
+    if (index < 0 || index >= count) return;
+    if (count == 1) {
+        doc.layer(0).removeAllTiles();
+        doc.markAllDirty();
+        return;
+    }
+    std::vector<LayerRef> rest = doc.layers();
+    rest.erase(rest.begin() + index);
+    int64_t active = doc.activeIndex();
+    if (active > count - 2)
+        active = count - 2;
+    else if (active > index)
+        --active;
+    doc.replaceLayers(std::move(rest), active);
+}
+
+void moveLayer(PaintDocument& doc, int64_t from, int64_t to) {
+    if (from < 0 || from >= doc.layerCount()) return;
+    to = std::clamp<int64_t>(to, 0, doc.layerCount() - 1);
+    if (to == from) return;
+    const QUuid active = doc.activeLayer().id;
+    std::vector<LayerRef> layers = doc.layers();
+    const LayerRef moved = layers[static_cast<std::size_t>(from)];
+    layers.erase(layers.begin() + from);
+    layers.insert(layers.begin() + to, moved);
+    doc.replaceLayers(std::move(layers), 0);
+    doc.setActiveIndex(doc.indexOf(active).value_or(0));
+}
+
+void mergeDown(PaintDocument& doc, int64_t index) {
+    if (index < 1 || index >= doc.layerCount()) return;
+    const Layer& upper = doc.layer(index);
+    Layer& lower = doc.layer(index - 1);
+    const CompositeInput inputs[] = {
+        {.tiles = lower.tiles()},
+        {.tiles = upper.tiles(),
+         .opacity = static_cast<float>(upper.opacity),
+         .mode = upper.blendMode,
+         .clipping = upper.isClipping && !lower.isClipping,
+         .visible = upper.isVisible},
+    };
+    std::vector<uint8_t> merged(kTileBytes);
+    upper.tiles().forEachTile([&](int64_t tile, const Tile&) {
+        Compositor::compositeTile(tile, inputs, merged.data());
+        std::memcpy(lower.writableTile(tile).writablePixels(), merged.data(), kTileBytes);
+    });
+    std::vector<LayerRef> layers = doc.layers();
+    layers.erase(layers.begin() + index);
+    doc.replaceLayers(std::move(layers), index - 1);
+}
+
+void mergeVisible(PaintDocument& doc) {
+    const std::vector<LayerRef>& layers = doc.layers();
+    const auto visible = [](const LayerRef& layer) { return layer->isVisible; };
+    if (std::count_if(layers.begin(), layers.end(), visible) < 2) return;
+    const LayerRef topmost = *std::find_if(layers.rbegin(), layers.rend(), visible);
+    const LayerRef merged = finishedPictureAsLayer(doc, QStringLiteral("Merged"));
+    std::vector<LayerRef> stack;
+    int64_t active = 0;
+    for (const LayerRef& layer : layers) {
+        if (layer == topmost) {
+            active = static_cast<int64_t>(stack.size());
+            stack.push_back(merged);
+        } else if (!layer->isVisible) {
+            stack.push_back(layer);
+        }
+    }
+    doc.replaceLayers(std::move(stack), active);
+}
+
+void flattenImage(PaintDocument& doc) {
+    doc.replaceLayers({finishedPictureAsLayer(doc, QStringLiteral("Background"))}, 0);
+}
+
+void clearLayer(PaintDocument& doc, Layer& layer) {
+    if (!doc.selection) {
+        layer.removeAllTiles();
+        doc.markAllDirty();
+        return;
+    }
+    const Selection& selection = *doc.selection;
+    for (int64_t index : doc.grid().tilesIn(selection.bounds())) {
+        if (!layer.tile(index)) continue;
+        const IRect part = doc.grid().rectOf(index);
+        uint8_t* pixels = layer.writableTile(index).writablePixels();
+        for (int64_t y = 0; y < part.h; ++y) {
+            const uint8_t* mask = selection.row(part.y + y) + part.x;
+            for (int64_t x = 0; x < part.w; ++x) {
+                if (mask[x] != 0) removeCoverage(pixels + y * kTileRowBytes + x * 4, mask[x]);
+            }
+        }
+    }
+    doc.markDirty(selection.bounds());
+}
+
+} // namespace qirn

@@ -1,0 +1,42 @@
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+
+#include <QString>
+#include <nlohmann/json.hpp>
+
+namespace qirn {
+
+/// What a file or the defaults store brings. Keys are sorted, so that a hostile object with a million keys does
+/// not cost a quadratic search; of two equal keys the last wins.
+using Json = nlohmann::json;
+/// What we write: keys stay in the order in which they were added.
+using OrderedJson = nlohmann::ordered_json;
+
+inline constexpr int kJsonMaxDepth = 32;
+
+/// Parses UTF-8 text; nothing for malformed text, broken UTF-8, bytes behind the value, or nesting deeper than
+/// `kJsonMaxDepth`. Memory stays in proportion to the text.
+std::optional<Json> parseJson(std::span<const uint8_t> text);
+
+/// A value of the wrong type, or a required key that is missing.
+struct JsonTypeError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Typed reads that never convert between kinds: each throws JsonTypeError. A flag is only true or false. A whole
+// number may be written 300, 300.0 or 3e2, not 300.5 nor beyond 64 bits.
+const Json& jsonMember(const Json& object, const char* key); ///< The member; throws where there is none.
+const Json* jsonOptionalMember(const Json& object, const char* key); ///< Null where it is absent or null.
+QString jsonText(const Json& value);
+double jsonNumber(const Json& value);
+int64_t jsonWhole(const Json& value);
+bool jsonFlag(const Json& value);
+
+/// Compact or (with `indent` of 2, say) pretty-printed UTF-8.
+std::string jsonBytes(const OrderedJson& value, int indent = -1);
+
+} // namespace qirn

@@ -1,0 +1,40 @@
+#include "platform/Parallel.h"
+
+#include <memory>
+
+#include <tbb/global_control.h>
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
+
+namespace qirn {
+
+namespace {
+std::unique_ptr<tbb::global_control>& limit() {
+    static std::unique_ptr<tbb::global_control> control;
+    return control;
+}
+} // namespace
+
+void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) {
+    if (count < 1) return;
+    if (count == 1) return body(0);
+    // One index is one task: a tile is large enough, and uneven tiles spread best that way.
+    tbb::parallel_for(tbb::blocked_range<int64_t>(0, count, 1),
+                      [&body](const tbb::blocked_range<int64_t>& range) {
+                          for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
+                      });
+}
+
+void setConcurrency(int threads) {
+    limit().reset();
+    if (threads > 0) {
+        limit() = std::make_unique<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
+                                                        static_cast<std::size_t>(threads));
+    }
+}
+
+int concurrency() {
+    return static_cast<int>(tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+}
+
+} // namespace qirn
