@@ -1,0 +1,157 @@
+#pragma once
+#include "CanvasOverlay.h"
+#include "CanvasPresentation.h"
+#include "PenInput.h"
+#include "Tool.h"
+#include "ViewTransform.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+class QTabletEvent;
+
+namespace qirn {
+
+class BrushStroke;
+class DocSession;
+class PaintModel;
+
+/// The picture's view: turns pen, mouse, scroll and key events into strokes and model calls, each painted and on
+/// screen before the next event is read, and shows the finished tiles with what is drawn over them.
+///
+/// View points are device pixels with y up; canvas points are pixels with y down.
+class CanvasView : public QWidget {
+    Q_OBJECT
+public:
+    explicit CanvasView(PaintModel& model, QWidget* parent = nullptr);
+    ~CanvasView() override;
+
+    // What the model asks of it.
+    void showSession(DocSession& session);
+    void forgetSession(const DocSession& session); ///< Before the session goes away.
+    void flush();         ///< Recomposites and shows the dirty tiles at once.
+    void scheduleFlush(); ///< The same after the current event, once however often it was asked.
+    enum class AllTiles { no, yes };
+    void refresh(AllTiles all);
+    void updateOverlay(); ///< Ants and previews as the model now has them.
+    void toolDidChange();
+    void prefsChanged();
+    void brushChanged();  ///< The ring follows.
+    bool isBusy() const;  ///< A stroke is in progress.
+    void endStroke();     ///< Ends and commits the stroke in progress, if any.
+
+    // The view.
+    DocSession* session() const { return session_; }
+    QPointF canvasPoint(QPointF viewPoint) const;
+    QPointF viewPoint(QPointF canvasPoint) const;
+    void fit();
+    void actualPixels();
+    void setZoom(double zoom, std::optional<QPointF> around = {});
+    void zoomStep(bool in, std::optional<QPointF> around = {});
+    void rotateView(double degrees);
+    void setRotation(double degrees);
+    void toggleFlipView();
+
+    /// Keys without Command, Option or Control; true when the key meant something here. The window hands on keys
+    /// that no other control took.
+    bool handleKeyPress(QKeyEvent* event);
+    bool handleKeyRelease(QKeyEvent* event);
+
+    /// Where a stroke's seed comes from: the clock, unless a test hands in its own.
+    std::function<uint64_t()> strokeSeed;
+    const CanvasPresentation& presentation() const { return presentation_; }
+
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void tabletEvent(QTabletEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    enum class Drag { none, paint, pan, select, zoomDrag };
+
+    // Gestures (CanvasGestures.cpp).
+    void press(const PenSample& sample);
+    void drag(const PenSample& sample);
+    void release(const PenSample& sample);
+    void hover(const PenSample& sample);
+    void dropGesture();
+    bool beginStroke(const PenSample& sample);
+    void addToStroke(const PenSample& sample);
+    void holdTick();
+    void sampleColor(QPointF canvasPoint);
+    void commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers);
+    QRectF selectionRect(Qt::KeyboardModifiers modifiers) const;
+    void penEndChanged(bool eraser);
+    struct StrokePoint strokePoint(const PenSample& sample);
+    double now() const; ///< Seconds of a clock that never goes back.
+
+    // Keys (CanvasKeys.cpp).
+    bool handleNamedKey(QKeyEvent* event);
+    bool handleCharacter(QKeyEvent* event);
+    void setSpaceDown(bool down);
+    void trackModifier(QKeyEvent* event, bool down);
+
+    // The view (CanvasView.cpp).
+    void applyView(const ViewState& state);
+    void applyViewTransform();
+    void fitIfNeeded();
+    double pixelRatio() const { return devicePixelRatioF(); }
+    QPointF toView(QPointF widgetPoint) const;   // logical widget point to view point
+    QRect toWidget(const QRectF& device) const;  // device rectangle, y down, to logical, outward
+    QPointF deviceOffset() const;                // device pixels from the widget's corner to a whole one
+    QSizeF deviceSize() const;
+    void repaintCanvas(const std::vector<IRect>& canvasRects);
+    void updateCursor(std::optional<QPointF> viewPoint);
+    void updateMouseCursor();
+    void reportCursor(QPointF viewPoint, double pressure);
+    void updateAntsTimer();
+
+    PaintModel& model_;
+    QPointer<DocSession> session_;
+    ViewTransform transform_;
+    CanvasPresentation presentation_;
+    CanvasOverlay overlay_;
+    bool flushScheduled_ = false;
+    QTimer antsTimer_;
+
+    std::unique_ptr<BrushStroke> stroke_;
+    Tool strokeTool_ = Tool::brush;
+    QTimer holdTimer_;
+    double lastHold_ = 0;
+    std::optional<QPointF> lastStrokeEnd_; // canvas
+    QPointF dragStart_;                    // canvas
+    QPointF dragStartView_;
+    QPointF dragCurrent_; // canvas
+    QPointF panStart_;
+    double zoomStart_ = 1;
+    Drag drag_ = Drag::none;
+    bool spaceDown_ = false;
+    bool penDown_ = false;
+    Qt::KeyboardModifiers keysHeld_; // pen events bring none on some desktops
+    std::optional<QPointF> lastMouseView_;
+    SpeedPressure speedPressure_;
+    QPointF lastEventPoint_; // view
+    std::optional<Tool> toolBeforeEraserTip_;
+    std::vector<double> perfSamples_; // milliseconds a point
+    double lastReport_ = -1;
+};
+
+} // namespace qirn

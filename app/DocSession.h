@@ -1,0 +1,54 @@
+#pragma once
+#include "ViewTransform.h"
+#include "core/PaintDocument.h"
+
+#include <cstdint>
+#include <memory>
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+#include <QUrl>
+#include <QUuid>
+
+namespace qirn {
+
+/// One open picture: its document, where it is kept, and its own view. It owns the document and never changes it
+/// for another; sessions are told apart by identity.
+class DocSession : public QObject {
+    Q_OBJECT
+public:
+    enum class Dirty { no, yes };
+
+    /// `url` is empty for a picture that has no native file. `yes` makes a picture that counts as changed until
+    /// it is saved.
+    DocSession(std::unique_ptr<PaintDocument> document, QString name, QUrl url = {}, QUuid id = QUuid::createUuid(),
+               Dirty dirty = Dirty::no);
+
+    const QUuid id; ///< Also names the safety copy.
+    PaintDocument& doc() const { return *document_; }
+
+    QUrl fileURL;         ///< Empty: never saved, or imported from another format.
+    QString name;         ///< As the tab shows it, without extension.
+    int64_t savedChange;  ///< The document's change count at the last save, or -1.
+    int64_t autosavedChange;
+    QDateTime lastAutosave; ///< Null: never.
+    ViewState view;
+    bool needsFit = true; ///< The first showing in a view of usable size fits the picture.
+
+    bool isDirty() const { return document_->changeCount() != savedChange; }
+    int64_t revision() const { return revision_; }
+    /// Raises the revision and tells whoever shows the contents.
+    void announceChange();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    std::unique_ptr<PaintDocument> document_;
+    int64_t revision_ = 0;
+};
+
+using SessionRef = std::shared_ptr<DocSession>;
+
+} // namespace qirn

@@ -1,0 +1,32 @@
+#pragma once
+#include <QList>
+#include <QObject>
+
+class QAction;
+class QMenuBar;
+
+namespace qirn {
+
+class PaintModel;
+
+/// The menu bar: a table that binds items and shortcuts to the model and the canvas. It holds no logic of its own;
+/// titles and enabled states follow the model.
+class PaintCommands : public QObject {
+    Q_OBJECT
+public:
+    /// Fills the menu bar; every action has its command's object name. The model is borrowed.
+    PaintCommands(PaintModel& model, QMenuBar& menuBar);
+
+    QAction* action(const QString& objectName) const; ///< Null for a name that is not in the table.
+
+Q_SIGNALS:
+    void recoverRequested(); ///< "Recover Autosaved Work…": the window shows the list.
+
+private:
+    void refresh();
+
+    PaintModel& model_;
+    QList<QAction*> actions_; // in table order, owned by the menu bar
+};
+
+} // namespace qirn

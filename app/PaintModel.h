@@ -1,0 +1,179 @@
+#pragma once
+#include "CanvasStatus.h"
+#include "DocSession.h"
+#include "PaintPrefs.h"
+#include "RecentColors.h"
+#include "Tool.h"
+#include "UserBrushes.h"
+#include "brush/BrushSettings.h"
+#include "core/PaintColor.h"
+#include "operations/Selection.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+namespace qirn {
+
+class CanvasView;
+class Defaults;
+class Desktop;
+
+/// The one application object: the open pictures, the tool, the colours, a brush for each brush tool, and every
+/// command. Menus, panels and the canvas call it and read it again when it says `changed`; only it and the canvas
+/// change documents. Main thread only.
+class PaintModel : public QObject {
+    Q_OBJECT
+public:
+    enum class LoadStores { no, yes };
+    /// Borrows desktop and defaults for its life. `no` keeps the built-in values and reads nothing stored.
+    PaintModel(LoadStores stores, Desktop& desktop, Defaults& defaults);
+    ~PaintModel() override;
+
+    static PaintModel* shared; ///< The application's own; null in the command modes.
+
+    // --- Choices (PaintModel.cpp)
+    const std::vector<SessionRef>& sessions() const { return sessions_; }
+    DocSession* current() const; ///< Null only before the first picture.
+    Tool tool() const { return tool_; }
+    void setTool(Tool tool); ///< A tool that does not work yet is ignored.
+    const PaintColor& primary() const { return primary_; }
+    const PaintColor& secondary() const { return secondary_; }
+    void setPrimary(const PaintColor& color); ///< As a drag in a colour chooser does: nothing becomes recent.
+    enum class AddRecent { no, yes };
+    void pick(const PaintColor& color, AddRecent addRecent); ///< Made opaque.
+    void pushRecent(const PaintColor& color);
+    const std::vector<PaintColor>& recent() const { return recent_; }
+    void swapColors();
+    void defaultColors();
+    SelectionOp selectionMode() const { return selectionMode_; }
+    void setSelectionMode(SelectionOp mode);
+    bool selectionAntialias() const { return selectionAntialias_; }
+    void setSelectionAntialias(bool on);
+    const PaintPrefs& prefs() const { return prefs_; }
+    void setPrefs(const PaintPrefs& prefs);
+
+    // --- Brushes (PaintModel.cpp)
+    Tool brushTool() const; ///< Tools without a brush edit the Brush tool's.
+    const BrushSettings& activeBrush() const;
+    void setActiveBrush(const BrushSettings& brush); ///< Sanitised; written to the store later.
+    std::vector<BrushSettings> allBrushes() const;   ///< Built-in, then the user's.
+    std::vector<BrushSettings> brushesFor(Tool tool) const;
+    const std::vector<BrushSettings>& userBrushes() const { return userBrushes_; }
+    void choose(const BrushSettings& preset); ///< Switches to the tool of the preset's kind.
+    std::optional<BrushSettings> savedPreset(const BrushSettings& brush) const;
+    void resetBrush();
+    void saveBrushAsNew(const QString& name);
+    void updateUserBrush();
+    void deleteUserBrush(const BrushSettings& preset);
+    static BrushSettings defaultBrush(Tool tool);
+
+    // --- Messages (PaintModel.cpp)
+    const std::optional<QString>& hud() const { return hud_; } ///< The transient line over the canvas.
+    void flash(const QString& text);                           ///< Shown for 2.6 seconds; the newest wins.
+    void alert(const QString& title, const QString& text);
+    bool confirm(const QString& title, const QString& text);
+    void announce() { Q_EMIT changed(); }
+
+    // --- Pictures (PaintModelFiles.cpp)
+    void newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
+                     const QString& name);
+    void newCanvas(); ///< 1920 x 1080 on white, or transparent where the preferences say so.
+    void ensureDocument();
+    void add(SessionRef session);
+    void select(DocSession& session);
+    void openPanel();
+    void open(const QString& path);
+    enum class SaveAs { no, yes };
+    bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when not saved.
+    bool close(DocSession& session);           ///< False when the user cancels.
+    void closeCurrent();
+    bool shouldQuit(); ///< Asks about each picture with unsaved work.
+    void startAutosave();
+    void autosaveTick();
+    const std::optional<QString>& lastAutosaveText() const { return lastAutosaveText_; }
+    /// Puts a recovered picture in, in place of an untouched starter.
+    void addRecovered(SessionRef session);
+
+    // --- Commands (PaintModelEdits.cpp)
+    enum class NeedsUnlockedLayer { no, yes };
+    void edit(const QString& name, const std::function<void(PaintDocument&)>& body,
+              NeedsUnlockedLayer needs = NeedsUnlockedLayer::no);
+    void afterChange(DocSession& session);
+    void undo();
+    void redo();
+    void addLayer();
+    void duplicateLayer();
+    void deleteLayer();
+    void moveLayerUp();
+    void moveLayerDown();
+    void moveLayer(int64_t from, int64_t to);
+    void mergeDown();
+    void mergeVisible();
+    void flatten();
+    void clearLayer();
+    void selectAll();
+    void deselect();
+    void invertSelection();
+    void setLayer(int64_t index, const QString& name, const std::function<void(Layer&)>& change);
+    void toggleClipping();
+    void toggleLock();
+    void toggleAlphaLock();
+    void toggleVisibility();
+    void setActiveLayer(int64_t index);
+    void previewOpacity(int64_t index, double opacity); ///< Live, while a slider moves.
+    void commitOpacity();                               ///< Its one undo step.
+    void setOnion(const std::function<void(OnionSkin&)>& change);
+    void toggleOnion();
+
+    // --- Stored state (PaintModelStore.cpp)
+    void saveState();      ///< Writes what changed now.
+    void saveStateLater(); ///< Queued, so that a press never waits for the disk.
+
+    CanvasStatus& status() { return status_; }
+    CanvasView* canvas() const { return canvas_; }
+    void setCanvas(CanvasView* canvas);
+    bool penIsEraser = false; ///< The eraser end of the pen is down or near.
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void loadState();
+    void applyPrefs();
+    void setToolBrush(Tool tool, const BrushSettings& brush);
+    void saveUserBrushes();
+    bool isUntouchedStarter(const DocSession& session) const;
+    void remove(DocSession& session);
+    void showOnCanvas(DocSession& session);
+
+    Desktop& desktop_;
+    Defaults& defaults_;
+    std::vector<SessionRef> sessions_;
+    QUuid currentID_;
+    Tool tool_ = Tool::brush;
+    PaintColor primary_{0.7, 0.02, 0.08, 1};
+    PaintColor secondary_ = PaintColor::white();
+    std::vector<PaintColor> recent_;
+    std::map<Tool, BrushSettings> toolBrush_;
+    std::vector<BrushSettings> userBrushes_;
+    UserBrushFile userBrushFile_;
+    SelectionOp selectionMode_ = SelectionOp::replace;
+    bool selectionAntialias_ = true;
+    PaintPrefs prefs_;
+    std::optional<QString> hud_;
+    CanvasStatus status_;
+    std::optional<QString> lastAutosaveText_;
+    QPointer<CanvasView> canvas_;
+    QTimer autosaveTimer_;
+    QTimer hudTimer_;
+    QTimer stateTimer_; // single shot, 0 ms: the queued write of the stored state
+};
+
+} // namespace qirn

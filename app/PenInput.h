@@ -1,0 +1,39 @@
+#pragma once
+#include <QPointF>
+#include <Qt>
+
+class QMouseEvent;
+class QTabletEvent;
+
+namespace qirn {
+
+/// What one mouse or pen event brings, in the canvas view's own terms.
+struct PenSample {
+    QPointF view;          ///< Device pixels, y up.
+    double pressure = 1;   ///< 0 to 1 as the device says it.
+    bool fromPen = false;  ///< A mouse has no pressure of its own.
+    double tiltX = 0;      ///< Degrees.
+    double tiltY = 0;
+    double time = 0;       ///< Seconds.
+    Qt::KeyboardModifiers modifiers;
+    int clicks = 1;
+};
+
+/// Pressure made of a mouse's speed: fast is thin.
+class SpeedPressure {
+public:
+    void start(double time, QPointF view);
+    /// 0.15 to 1.0; takes the event as the latest one.
+    double next(double time, QPointF view);
+    /// Takes the event as the latest one.
+    void follow(double time, QPointF view) { start(time, view); }
+
+private:
+    double time_ = 0;
+    QPointF view_;
+};
+
+/// The pressure that reaches the brush: clamped to 0 to 1, then raised to the preference's exponent.
+double shapedPressure(double raw, double curve);
+
+} // namespace qirn

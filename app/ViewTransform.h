@@ -1,0 +1,55 @@
+#pragma once
+#include <optional>
+
+#include <QPointF>
+#include <QSizeF>
+#include <QTransform>
+
+namespace qirn {
+
+/// How one picture is looked at. A view point is one device pixel, with y up.
+struct ViewState {
+    double zoom = 1;      ///< Device pixels on a canvas pixel, 0.01 to 64.
+    QPointF pan;          ///< From the middle of the view to the middle of the picture, y up.
+    double rotation = 0;  ///< Degrees, clockwise on screen.
+    bool flipView = false; ///< Mirrored left to right.
+
+    bool operator==(const ViewState&) const = default;
+};
+
+inline constexpr double kMinZoom = 0.01;
+inline constexpr double kMaxZoom = 64;
+
+/// The arithmetic between canvas coordinates (pixels, y down), view coordinates (device pixels, origin at the
+/// bottom left, y up) and widget coordinates (device pixels, origin at the top left, y down).
+class ViewTransform {
+public:
+    ViewTransform() = default;
+    ViewTransform(QSizeF viewSize, QSizeF canvasSize, const ViewState& state);
+
+    QPointF viewPoint(QPointF canvasPoint) const { return canvasToView_.map(canvasPoint); }
+    QPointF canvasPoint(QPointF viewPoint) const { return viewToCanvas_.map(viewPoint); }
+    const QTransform& canvasToWidget() const { return canvasToWidget_; }
+    /// Between view and widget points, both ways.
+    QPointF flippedVertically(QPointF point) const { return {point.x(), viewSize_.height() - point.y()}; }
+    QSizeF viewSize() const { return viewSize_; }
+
+    /// The state after zooming to `zoom` (clamped), the canvas point under `around` staying there; without one,
+    /// the view's centre.
+    ViewState zoomedTo(double zoom, std::optional<QPointF> around) const;
+    /// The whole picture in the view, upright, with `margin` view points free in both directions together.
+    ViewState fitted(double margin) const;
+
+private:
+    QSizeF viewSize_{1, 1};
+    QSizeF canvasSize_{1, 1};
+    ViewState state_;
+    QTransform canvasToView_;
+    QTransform viewToCanvas_;
+    QTransform canvasToWidget_;
+};
+
+/// The next zoom stop above or below; 64 and 0.05 at the ends.
+double nextZoomStop(double zoom, bool in);
+
+} // namespace qirn
