@@ -21,6 +21,7 @@ namespace qirn {
 class BrushStroke;
 class DocSession;
 class PaintModel;
+struct StrokePoint;
 
 /// The picture's view: turns pen, mouse, scroll and key events into strokes and model calls, each painted and on
 /// screen before the next event is read, and shows the finished tiles with what is drawn over them.
@@ -88,7 +89,9 @@ private:
     enum class Drag { none, paint, pan, select, zoomDrag };
 
     // Gestures (CanvasGestures.cpp).
+    std::optional<PenSample> mouseSample(const QMouseEvent& event) const; ///< Nothing for a pen's echo.
     void press(const PenSample& sample);
+    void beginPan(const PenSample& sample);
     void drag(const PenSample& sample);
     void release(const PenSample& sample);
     void hover(const PenSample& sample);
@@ -96,18 +99,18 @@ private:
     bool beginStroke(const PenSample& sample);
     void addToStroke(const PenSample& sample);
     void holdTick();
+    void cancelStroke(); ///< As if it had not been begun.
     void sampleColor(QPointF canvasPoint);
     void commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers);
     QRectF selectionRect(Qt::KeyboardModifiers modifiers) const;
     void penEndChanged(bool eraser);
-    struct StrokePoint strokePoint(const PenSample& sample);
+    StrokePoint strokePoint(const PenSample& sample);
     double now() const; ///< Seconds of a clock that never goes back.
 
     // Keys (CanvasKeys.cpp).
     bool handleNamedKey(QKeyEvent* event);
     bool handleCharacter(QKeyEvent* event);
     void setSpaceDown(bool down);
-    void trackModifier(QKeyEvent* event, bool down);
 
     // The view (CanvasView.cpp).
     void applyView(const ViewState& state);
@@ -115,7 +118,8 @@ private:
     void fitIfNeeded();
     double pixelRatio() const { return devicePixelRatioF(); }
     QPointF toView(QPointF widgetPoint) const;   // logical widget point to view point
-    QRect toWidget(const QRectF& device) const;  // device rectangle, y down, to logical, outward
+    QRect toWidget(const QRectF& device) const; // device pixels, y down, to logical, outward
+    QRegion toWidget(const QRegion& device) const;
     QPointF deviceOffset() const;                // device pixels from the widget's corner to a whole one
     QSizeF deviceSize() const;
     void repaintCanvas(const std::vector<IRect>& canvasRects);
@@ -145,6 +149,7 @@ private:
     Drag drag_ = Drag::none;
     bool spaceDown_ = false;
     bool penDown_ = false;
+    double lastPenTime_ = -1; // of the latest pen event, by our own clock
     Qt::KeyboardModifiers keysHeld_; // pen events bring none on some desktops
     std::optional<QPointF> lastMouseView_;
     SpeedPressure speedPressure_;

@@ -1,10 +1,12 @@
 #pragma once
+#include "platform/Json.h"
+
 #include <map>
 #include <optional>
-#include <string>
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 namespace qirn {
 
@@ -20,13 +22,16 @@ public:
 
     std::optional<QString> text(const QString& key) const;
     void setText(const QString& key, const QString& text) { setValue(key, text.toUtf8()); }
+    /// The value as JSON; nothing when it is absent or malformed.
+    std::optional<Json> json(const QString& key) const;
+    void setJson(const QString& key, const OrderedJson& value); ///< Compact.
 };
 
 /// The real store: an INI file in the user's configuration folder.
 class UserDefaults final : public Defaults {
 public:
     UserDefaults();
-    explicit UserDefaults(QString file); ///< Another file, for the self-test.
+    explicit UserDefaults(QString file) : file_(std::move(file)) {} ///< Another file, for the self-test.
     std::optional<QByteArray> value(const QString& key) const override;
     void setValue(const QString& key, const QByteArray& value) override;
     void remove(const QString& key) override;

@@ -1,5 +1,4 @@
 #pragma once
-#include <QList>
 #include <QObject>
 
 class QAction;
@@ -26,7 +25,6 @@ private:
     void refresh();
 
     PaintModel& model_;
-    QList<QAction*> actions_; // in table order, owned by the menu bar
 };
 
 } // namespace qirn

@@ -145,6 +145,8 @@ Q_SIGNALS:
     void changed();
 
 private:
+    void finishGesture(); ///< No command runs in the middle of a stroke: it ends first.
+    void toggleActive(const QString& name, bool Layer::*flag);
     void loadState();
     void applyPrefs();
     void setToolBrush(Tool tool, const BrushSettings& brush);

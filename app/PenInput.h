@@ -2,9 +2,6 @@
 #include <QPointF>
 #include <Qt>
 
-class QMouseEvent;
-class QTabletEvent;
-
 namespace qirn {
 
 /// What one mouse or pen event brings, in the canvas view's own terms.
@@ -22,11 +19,10 @@ struct PenSample {
 /// Pressure made of a mouse's speed: fast is thin.
 class SpeedPressure {
 public:
-    void start(double time, QPointF view);
-    /// 0.15 to 1.0; takes the event as the latest one.
+    /// Takes the event as the latest one without asking for a pressure.
+    void follow(double time, QPointF view);
+    /// 0.15 to 1.0, by the way from the latest event, which this one then is.
     double next(double time, QPointF view);
-    /// Takes the event as the latest one.
-    void follow(double time, QPointF view) { start(time, view); }
 
 private:
     double time_ = 0;

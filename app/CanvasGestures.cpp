@@ -1,0 +1,426 @@
+// Pen, mouse, scroll and touchpad events of the canvas, from the event to the stroke or the view.
+#include "CanvasView.h"
+
+#include "DocSession.h"
+#include "PaintModel.h"
+#include "brush/BrushStroke.h"
+#include "compositing/CompositeInputs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QPointingDevice>
+#include <QTabletEvent>
+#include <QWheelEvent>
+
+namespace qirn {
+
+namespace {
+
+constexpr double kClickDistance = 3; // logical points; a shorter selection drag is a click
+constexpr double kWheelNotch = 120;  // what Qt tells for one notch of a wheel
+// A desktop can follow a pen event with a mouse event of its own; one that comes this soon is not a hand's.
+constexpr double kMouseAfterPen = 0.05; // seconds
+
+double secondsOf(const QInputEvent& event, double now) {
+    return event.timestamp() != 0 ? static_cast<double>(event.timestamp()) / 1000.0 : now;
+}
+
+} // namespace
+
+// --- Events
+
+bool CanvasView::event(QEvent* event) {
+    if (event->type() == QEvent::NativeGesture && session_) {
+        auto* gesture = static_cast<QNativeGestureEvent*>(event);
+        const QPointF around = toView(gesture->position());
+        if (gesture->gestureType() == Qt::ZoomNativeGesture) {
+            setZoom(session_->view.zoom * (1 + gesture->value()), around);
+            return true;
+        }
+        if (gesture->gestureType() == Qt::RotateNativeGesture) {
+            setRotation(std::fmod(session_->view.rotation - gesture->value(), 360));
+            return true;
+        }
+    }
+    if (event->type() == QEvent::WindowDeactivate) endStroke();
+    return QWidget::event(event);
+}
+
+bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::TabletEnterProximity) {
+        penEndChanged(static_cast<QTabletEvent*>(event)->pointerType() == QPointingDevice::PointerType::Eraser);
+    } else if (watched == qApp && event->type() == QEvent::TabletLeaveProximity) {
+        // A pen that leaves has let go, even when its release was lost.
+        if (penDown_) {
+            penDown_ = false;
+            endStroke();
+            dropGesture();
+        }
+        penEndChanged(false);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void CanvasView::penEndChanged(bool eraser) {
+    if (!model_.prefs().tabletEraserSwitches || eraser == model_.penIsEraser || stroke_) return;
+    model_.penIsEraser = eraser;
+    if (eraser) {
+        if (model_.tool() != Tool::eraser) {
+            toolBeforeEraserTip_ = model_.tool();
+            model_.setTool(Tool::eraser);
+        }
+    } else if (toolBeforeEraserTip_) {
+        model_.setTool(*std::exchange(toolBeforeEraserTip_, std::nullopt));
+    }
+    updateCursor(lastMouseView_);
+}
+
+void CanvasView::tabletEvent(QTabletEvent* event) {
+    // Always taken: a pen event that is not comes again as a mouse event.
+    event->accept();
+    PenSample sample;
+    sample.view = toView(event->position());
+    sample.pressure = event->pressure();
+    sample.fromPen = true;
+    sample.tiltX = event->xTilt();
+    sample.tiltY = event->yTilt();
+    sample.time = secondsOf(*event, now());
+    sample.modifiers = event->modifiers() | keysHeld_;
+    lastPenTime_ = now();
+    // The end of the pen is read from each event: without a vendor's driver no proximity is ever told.
+    if (!penDown_) penEndChanged(event->pointerType() == QPointingDevice::PointerType::Eraser);
+    switch (event->type()) {
+    case QEvent::TabletPress:
+        if (event->button() == Qt::LeftButton) {
+            penDown_ = true;
+            press(sample);
+        }
+        break;
+    case QEvent::TabletMove: penDown_ ? drag(sample) : hover(sample); break;
+    case QEvent::TabletRelease:
+        if (event->button() == Qt::LeftButton && penDown_) {
+            penDown_ = false;
+            release(sample);
+        }
+        break;
+    default: break;
+    }
+}
+
+std::optional<PenSample> CanvasView::mouseSample(const QMouseEvent& event) const {
+    const bool follows = penDown_ || event.source() != Qt::MouseEventNotSynthesized ||
+                         event.pointingDevice()->type() == QInputDevice::DeviceType::Stylus ||
+                         now() - lastPenTime_ < kMouseAfterPen;
+    if (follows) return std::nullopt;
+    PenSample sample;
+    sample.view = toView(event.position());
+    sample.time = secondsOf(event, now());
+    sample.modifiers = event.modifiers();
+    return sample;
+}
+
+void CanvasView::mousePressEvent(QMouseEvent* event) {
+    if (const auto sample = mouseSample(*event); sample && event->button() == Qt::LeftButton) press(*sample);
+    else if (sample && event->button() == Qt::MiddleButton && drag_ == Drag::none) beginPan(*sample);
+}
+
+void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
+    auto sample = mouseSample(*event);
+    if (!sample || event->button() != Qt::LeftButton) return;
+    sample->clicks = 2;
+    press(*sample);
+}
+
+void CanvasView::mouseMoveEvent(QMouseEvent* event) {
+    const auto sample = mouseSample(*event);
+    if (!sample) return;
+    event->buttons() == Qt::NoButton ? hover(*sample) : drag(*sample);
+}
+
+void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
+    const bool ends = event->button() == Qt::LeftButton || (event->button() == Qt::MiddleButton && drag_ == Drag::pan);
+    if (const auto sample = mouseSample(*event); sample && ends) release(*sample);
+}
+
+void CanvasView::leaveEvent(QEvent*) {
+    lastMouseView_.reset();
+    updateCursor(std::nullopt);
+    CanvasStatus::Cursor cursor = model_.status().cursor();
+    cursor.inside = false;
+    model_.status().setCursor(cursor);
+}
+
+void CanvasView::focusOutEvent(QFocusEvent* event) {
+    // Keys and buttons let go elsewhere are never told.
+    endStroke();
+    keysHeld_ = {};
+    setSpaceDown(false);
+    QWidget::focusOutEvent(event);
+}
+
+void CanvasView::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    if (!session_) return;
+    const bool precise = !event->pixelDelta().isNull();
+    const bool command = event->modifiers().testFlag(Qt::ControlModifier);
+    const QPointF around = toView(event->position());
+    if (precise && !command) {
+        ViewState state = session_->view;
+        const QPointF delta = QPointF(event->pixelDelta()) * pixelRatio();
+        state.pan += QPointF(delta.x(), -delta.y());
+        applyView(state);
+    } else {
+        const double lines = event->angleDelta().y() / kWheelNotch * QApplication::wheelScrollLines();
+        const double exponent = precise ? event->pixelDelta().y() / 100.0 : lines / 10;
+        setZoom(session_->view.zoom * std::exp2(exponent), around);
+    }
+    lastMouseView_ = around;
+    updateCursor(around);
+}
+
+// --- Gestures
+
+void CanvasView::press(const PenSample& sample) {
+    setFocus(Qt::MouseFocusReason);
+    if (!session_ || drag_ != Drag::none) return;
+    const QPointF c = canvasPoint(sample.view);
+    dragStart_ = dragCurrent_ = c;
+    dragStartView_ = sample.view;
+    lastMouseView_ = sample.view;
+    const Tool tool = model_.tool();
+    const bool picks = sample.modifiers.testFlag(Qt::AltModifier) || sample.modifiers.testFlag(Qt::ControlModifier);
+    if (sample.clicks == 2 && tool == Tool::hand) return fit();
+    if (spaceDown_ && sample.modifiers.testFlag(Qt::ControlModifier)) {
+        drag_ = Drag::zoomDrag;
+        zoomStart_ = session_->view.zoom;
+    } else if (spaceDown_ || tool == Tool::hand) {
+        beginPan(sample);
+    } else if (tool == Tool::zoom && sample.modifiers.testFlag(Qt::AltModifier)) {
+        zoomStep(false, sample.view);
+    } else if (tool == Tool::zoom) {
+        drag_ = Drag::zoomDrag;
+        zoomStart_ = session_->view.zoom;
+    } else if (tool == Tool::eyedropper || (picks && rowOf(tool).usesBrush)) {
+        sampleColor(c);
+    } else if (rowOf(tool).usesBrush) {
+        if (beginStroke(sample)) drag_ = Drag::paint;
+    } else if (tool == Tool::selectRect) {
+        drag_ = Drag::select;
+    }
+}
+
+void CanvasView::beginPan(const PenSample& sample) {
+    if (!session_) return;
+    drag_ = Drag::pan;
+    dragStartView_ = sample.view;
+    panStart_ = session_->view.pan;
+    updateMouseCursor();
+}
+
+void CanvasView::drag(const PenSample& sample) {
+    if (!session_) return;
+    lastMouseView_ = sample.view;
+    dragCurrent_ = canvasPoint(sample.view);
+    const QPointF way = sample.view - dragStartView_;
+    switch (drag_) {
+    case Drag::paint: return addToStroke(sample);
+    case Drag::pan: {
+        ViewState state = session_->view;
+        state.pan = panStart_ + way;
+        return applyView(state);
+    }
+    case Drag::zoomDrag: return setZoom(zoomStart_ * std::pow(1.01, way.x()), dragStartView_);
+    case Drag::select: {
+        QPainterPath path;
+        path.addRect(selectionRect(sample.modifiers));
+        const QRegion before = overlay_.previewRegion();
+        overlay_.setPreview(path);
+        update(toWidget(before + overlay_.previewRegion()));
+        break;
+    }
+    case Drag::none: break;
+    }
+    updateCursor(sample.view);
+    reportCursor(sample.view, 0);
+}
+
+void CanvasView::release(const PenSample& sample) {
+    const Drag ended = std::exchange(drag_, Drag::none);
+    if (!session_) return;
+    if (ended == Drag::paint) endStroke();
+    if (ended == Drag::select) {
+        dragCurrent_ = canvasPoint(sample.view);
+        const QPointF way = dragCurrent_ - dragStart_;
+        const double distance = std::hypot(way.x(), way.y()) * session_->view.zoom;
+        if (distance >= kClickDistance * pixelRatio()) {
+            QPainterPath path;
+            path.addRect(selectionRect(sample.modifiers));
+            commitSelection(path, sample.modifiers);
+        } else {
+            model_.deselect();
+        }
+    }
+    updateOverlay();
+    updateMouseCursor();
+}
+
+void CanvasView::hover(const PenSample& sample) {
+    lastMouseView_ = sample.view;
+    updateCursor(sample.view);
+    reportCursor(sample.view, 0);
+}
+
+void CanvasView::dropGesture() {
+    drag_ = Drag::none;
+    updateOverlay();
+    updateMouseCursor();
+}
+
+QRectF CanvasView::selectionRect(Qt::KeyboardModifiers modifiers) const {
+    QPointF to = dragCurrent_;
+    if (modifiers.testFlag(Qt::ShiftModifier)) {
+        const double side = std::max(std::abs(to.x() - dragStart_.x()), std::abs(to.y() - dragStart_.y()));
+        to = dragStart_ + QPointF(to.x() < dragStart_.x() ? -side : side, to.y() < dragStart_.y() ? -side : side);
+    }
+    // Outward to whole pixels.
+    return IRect::covering(QRectF(dragStart_, to).normalized()).rectF();
+}
+
+void CanvasView::commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers) {
+    SelectionOp op = model_.selectionMode();
+    const bool option = modifiers.testFlag(Qt::AltModifier);
+    if (modifiers.testFlag(Qt::ControlModifier)) op = option ? SelectionOp::intersect : SelectionOp::add;
+    else if (option) op = SelectionOp::subtract;
+    PaintDocument& doc = session_->doc();
+    doc.selection = Selection::make(path, op, doc.selection, doc.grid().width, doc.grid().height,
+                                    model_.selectionAntialias() ? Antialias::yes : Antialias::no);
+    doc.commit(tr("Select"));
+    session_->announceChange();
+    model_.announce();
+}
+
+void CanvasView::sampleColor(QPointF canvasPoint) {
+    PaintDocument& doc = session_->doc();
+    const auto x = static_cast<int64_t>(std::floor(canvasPoint.x())), y = static_cast<int64_t>(std::floor(canvasPoint.y()));
+    if (!doc.grid().bounds().contains(x, y)) return;
+    const PixelBytes pixel = model_.prefs().eyedropperAllLayers ? compositePixel(doc, x, y) : doc.activeLayer().pixel(x, y);
+    if (pixel[3] == 0) return model_.flash(tr("Nothing to pick there (transparent)"));
+    const double a = pixel[3];
+    model_.pick(PaintColor(pixel[0] / a, pixel[1] / a, pixel[2] / a), PaintModel::AddRecent::yes);
+}
+
+// --- Strokes
+
+StrokePoint CanvasView::strokePoint(const PenSample& sample) {
+    const QPointF c = canvasPoint(sample.view);
+    double raw = 1;
+    if (sample.fromPen) raw = sample.pressure;
+    else if (model_.prefs().mouseSpeedPressure) raw = speedPressure_.next(sample.time, sample.view);
+    speedPressure_.follow(sample.time, sample.view);
+    lastEventPoint_ = sample.view;
+    return StrokePoint(c.x(), c.y(), shapedPressure(raw, model_.prefs().pressureCurve), sample.tiltX, sample.tiltY, sample.time);
+}
+
+bool CanvasView::beginStroke(const PenSample& sample) {
+    PaintDocument& doc = session_->doc();
+    const Layer& layer = doc.activeLayer();
+    if (layer.isLocked) {
+        model_.flash(tr("The layer \"%1\" is locked — unlock it in the Layers panel").arg(layer.name));
+        return false;
+    }
+    if (!layer.isVisible) {
+        model_.flash(tr("The layer \"%1\" is hidden — show it to paint on it").arg(layer.name));
+        return false;
+    }
+    strokeTool_ = model_.tool();
+    if (strokeTool_ == Tool::brush) model_.pushRecent(model_.primary());
+    BrushSettings settings = model_.activeBrush();
+    if (model_.penIsEraser && settings.kind == BrushKind::paint) settings.kind = BrushKind::erase;
+    const auto active = static_cast<std::size_t>(doc.activeIndex());
+    stroke_ = std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.primary(), strokeSeed());
+    updateAntsTimer();
+    perfSamples_.clear();
+    speedPressure_.follow(sample.time, sample.view);
+    const StrokePoint point = strokePoint(sample);
+    const double start = now();
+    if (sample.modifiers.testFlag(Qt::ShiftModifier) && lastStrokeEnd_) {
+        stroke_->add(StrokePoint(lastStrokeEnd_->x(), lastStrokeEnd_->y(), point.pressure, 0, 0, point.time));
+    }
+    stroke_->add(point);
+    flush();
+    perfSamples_.push_back((now() - start) * 1000);
+    if (settings.airbrush || settings.spray) {
+        lastHold_ = now();
+        holdTimer_.start();
+    }
+    reportCursor(sample.view, point.pressure);
+    return true;
+}
+
+void CanvasView::addToStroke(const PenSample& sample) {
+    if (!stroke_) return;
+    const StrokePoint point = strokePoint(sample);
+    const double start = now();
+    stroke_->add(point);
+    flush();
+    perfSamples_.push_back((now() - start) * 1000);
+    updateCursor(sample.view);
+    reportCursor(sample.view, point.pressure);
+}
+
+void CanvasView::holdTick() {
+    if (!stroke_) return holdTimer_.stop();
+    const double time = now();
+    stroke_->hold(time - std::exchange(lastHold_, time));
+    scheduleFlush();
+}
+
+void CanvasView::cancelStroke() {
+    holdTimer_.stop();
+    if (stroke_ && session_) {
+        stroke_.reset();
+        session_->doc().revertToLastCommit();
+        flush();
+    }
+    dropGesture();
+    model_.announce();
+}
+
+bool CanvasView::isBusy() const { return stroke_ != nullptr; }
+
+void CanvasView::endStroke() {
+    holdTimer_.stop();
+    if (!stroke_ || !session_) return;
+    if (drag_ == Drag::paint) drag_ = Drag::none;
+    const double start = now();
+    stroke_->end();
+    flush();
+    perfSamples_.push_back((now() - start) * 1000);
+    const int64_t dabs = stroke_->dabCount();
+    stroke_.reset();
+    lastStrokeEnd_ = canvasPoint(lastEventPoint_);
+    updateAntsTimer();
+    if (dabs >= 1) {
+        session_->doc().commit(strokeTool_ == Tool::eraser   ? tr("Erase")
+                               : strokeTool_ == Tool::smudge ? tr("Smudge")
+                               : strokeTool_ == Tool::blur   ? tr("Blur")
+                                                             : tr("Brush Stroke"));
+    }
+    session_->announceChange();
+    model_.announce();
+    const auto count = static_cast<double>(perfSamples_.size());
+    const double mean = std::accumulate(perfSamples_.begin(), perfSamples_.end(), 0.0) / count;
+    const double most = *std::max_element(perfSamples_.begin(), perfSamples_.end());
+    model_.status().setLastStrokeStats(tr("Last stroke: %1 points, avg %2 ms, max %3 ms per point, %4 dabs")
+                                           .arg(perfSamples_.size())
+                                           .arg(mean, 0, 'f', 1)
+                                           .arg(most, 0, 'f', 1)
+                                           .arg(dabs));
+}
+
+} // namespace qirn

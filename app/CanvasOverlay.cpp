@@ -1,0 +1,103 @@
+#include "CanvasOverlay.h"
+
+#include <cmath>
+
+#include <QPainter>
+
+namespace qirn {
+
+namespace {
+
+constexpr double kAntsDash = 4;          // logical points, on and off
+constexpr double kAntsSpeed = 8 / 0.6;   // logical points a second
+constexpr int kLongOutline = 2000;       // path elements from which a step costs milliseconds
+constexpr double kPreviewWidth = 1.5;    // logical points
+constexpr double kRingShadowWidth = 2.6; // the white line and 0.8 points of shadow on both sides
+
+QPen pen(const QColor& color, double width) { return {color, width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin}; }
+
+} // namespace
+
+void CanvasOverlay::setView(const QTransform& canvasToWidget, double pixelRatio) {
+    canvasToWidget_ = canvasToWidget;
+    ratio_ = pixelRatio;
+    antsPath_.reset();
+}
+
+void CanvasOverlay::setSelection(SelectionRef selection) {
+    if (selection == selection_) return;
+    selection_ = std::move(selection);
+    antsPath_.reset();
+}
+
+void CanvasOverlay::setPreview(const QPainterPath& path) { preview_ = path; }
+
+const QPainterPath& CanvasOverlay::antsPath() const {
+    if (!antsPath_) antsPath_ = canvasToWidget_.map(selection_->outline());
+    return *antsPath_;
+}
+
+int CanvasOverlay::antsInterval() const {
+    return selection_ && selection_->outline().elementCount() > kLongOutline ? 200 : 50;
+}
+
+void CanvasOverlay::advanceAnts(double seconds) {
+    antsPhase_ = std::fmod(antsPhase_ + kAntsSpeed * seconds, 2 * kAntsDash);
+}
+
+void CanvasOverlay::paint(QPainter& painter) const {
+    painter.setBrush(Qt::NoBrush);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    if (selection_) {
+        painter.setPen(pen(Qt::white, ratio_));
+        painter.drawPath(antsPath());
+        QPen black = pen(Qt::black, ratio_);
+        black.setDashPattern({kAntsDash, kAntsDash}); // in widths of the pen
+        black.setDashOffset(antsPhase_);
+        painter.setPen(black);
+        painter.drawPath(antsPath());
+    }
+    if (!preview_.isEmpty()) {
+        const QPainterPath path = canvasToWidget_.map(preview_);
+        painter.setPen(pen(QColor(0, 0, 0, 150), (kPreviewWidth + 1.5) * ratio_));
+        painter.drawPath(path);
+        painter.setPen(pen(Qt::white, kPreviewWidth * ratio_));
+        painter.drawPath(path);
+    }
+    if (ring_) {
+        const double radius = ring_->diameter / 2;
+        painter.setPen(pen(QColor(0, 0, 0, 140), kRingShadowWidth * ratio_));
+        painter.drawEllipse(ring_->center, radius, radius);
+        painter.setPen(pen(Qt::white, ratio_));
+        painter.drawEllipse(ring_->center, radius, radius);
+    }
+}
+
+QRegion CanvasOverlay::ringRegion() const {
+    if (!ring_) return {};
+    const double radius = ring_->diameter / 2, width = 2 * ratio_ + 1;
+    const auto square = [&](double r) {
+        return QRectF(ring_->center.x() - r, ring_->center.y() - r, 2 * r, 2 * r).toAlignedRect();
+    };
+    // Qt's elliptic regions are polygons: a margin keeps the line itself inside the annulus.
+    const double inner = radius - width - 2;
+    if (inner < 24) return QRegion(square(radius + width));
+    return QRegion(square(radius + width + 1), QRegion::Ellipse) - QRegion(square(inner), QRegion::Ellipse);
+}
+
+QRegion CanvasOverlay::antsRegion() const { return selection_ ? outlineRegion(antsPath()) : QRegion(); }
+
+QRegion CanvasOverlay::previewRegion() const {
+    return preview_.isEmpty() ? QRegion() : outlineRegion(canvasToWidget_.map(preview_));
+}
+
+QRegion CanvasOverlay::outlineRegion(const QPainterPath& path) const {
+    const int width = static_cast<int>(std::ceil(3 * ratio_));
+    const QRect box = path.boundingRect().toAlignedRect().adjusted(-width, -width, width, width);
+    const bool upright = canvasToWidget_.type() <= QTransform::TxScale;
+    // An upright rectangle is painted as a frame; any other outline as its box.
+    if (!upright || path.elementCount() != 5) return box;
+    return QRegion(box) - QRegion(box.adjusted(2 * width, 2 * width, -2 * width, -2 * width));
+}
+
+} // namespace qirn

@@ -1,0 +1,57 @@
+#pragma once
+#include "CanvasWindowImage.h"
+#include "ViewTransform.h"
+#include "core/IRect.h"
+
+#include <cstdint>
+#include <vector>
+
+#include <QImage>
+
+class QPainter;
+
+namespace qirn {
+
+class PaintDocument;
+
+/// Brings finished tiles to the screen: each tile of the picture is composited once, when it first becomes visible
+/// or when it changed, and kept as an opaque image with the checkerboard under it. Zoom, pan, rotation and flip
+/// composite nothing again.
+class CanvasPresentation {
+public:
+    void show(const PaintDocument* document); ///< Null shows nothing. The document is borrowed.
+    void setCheckerSize(double canvasPixels); ///< Side of a square, at least 2.
+
+    /// The view that the next `draw` is for; makes the tiles that it shows and that are not made yet.
+    void look(const ViewTransform& view, double zoom);
+    /// Tiles whose pixels changed. Those on screen are made at once, the others when they are seen. The result is
+    /// what has to be painted again, in canvas pixels.
+    std::vector<IRect> update(const std::vector<int64_t>& dirty);
+    /// Shadow and picture inside `exposed`; both are in device pixels, y down.
+    void draw(QPainter& painter, const QRectF& exposed) const;
+
+    /// How many tiles were composited since the document came in.
+    int64_t tilesComposited() const { return tilesComposited_; }
+    int64_t tileImageBytes() const; ///< Held for tiles that were made; empty tiles hold none.
+
+private:
+    enum class TileState : uint8_t { stale, empty, made };
+
+    void makeVisibleTiles();
+    QImage displayTile(int64_t index, const QImage& composited) const;
+    void dropUnseenTiles();
+
+    const PaintDocument* document_ = nullptr;
+    double checkerSize_ = 12;
+    std::vector<TileState> states_;
+    std::vector<QImage> images_; // Format_RGB32 over the checkerboard, cut to the canvas; null where not made
+    int64_t heldImages_ = 0;
+    TileRange visible_;
+    CanvasWindowImage window_;
+    QTransform canvasToWidget_;
+    double zoom_ = 1;
+    bool quarterTurn_ = true; // edges of the canvas are parallel to the screen's
+    int64_t tilesComposited_ = 0;
+};
+
+} // namespace qirn

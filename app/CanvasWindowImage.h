@@ -1,0 +1,61 @@
+#pragma once
+#include "core/TileGrid.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <QImage>
+
+class QPainter;
+
+namespace qirn {
+
+/// A block of tiles by columns and rows; the ends are outside.
+struct TileRange {
+    int64_t firstCol = 0, firstRow = 0, endCol = 0, endRow = 0;
+
+    bool isEmpty() const { return firstCol >= endCol || firstRow >= endRow; }
+    bool contains(const TileRange& other) const {
+        return other.firstCol >= firstCol && other.firstRow >= firstRow && other.endCol <= endCol &&
+               other.endRow <= endRow;
+    }
+    bool operator==(const TileRange&) const = default;
+};
+
+/// The one image that the view draws: the visible block of tiles side by side, opaque, kept between paints. One
+/// image under the view transform has no seams, as tiles drawn one by one would. Below 50% it holds the tiles
+/// reduced by powers of two, since a painter that shrinks further would alias.
+class CanvasWindowImage {
+public:
+    void reset(const TileGrid& grid); ///< Holds nothing from here on.
+
+    /// Makes room for a block of tiles, each side divided by 2^level; keeps what it already holds of it.
+    void cover(const TileRange& range, int level);
+    const TileRange& range() const { return range_; }
+    int level() const { return level_; }
+
+    bool holds(int64_t index) const; ///< Inside the block, and put since it came in.
+    void drop(int64_t index);        ///< It must be put again before it is shown.
+    struct TilePicture {
+        int64_t index;
+        const QImage* image; ///< Opaque 32-bit RGB, cut to the canvas edge.
+    };
+    /// Copies tiles in, reduced; those outside the block are passed over. In parallel.
+    void put(std::span<const TilePicture> tiles);
+
+    /// Draws the block; the painter's transform is that from canvas to device.
+    void draw(QPainter& painter) const;
+
+private:
+    bool inside(int64_t index) const;
+    std::size_t slotOf(int64_t index) const;
+
+    TileGrid grid_;
+    TileRange range_;
+    int level_ = 0;
+    QImage image_; // Format_RGB32
+    std::vector<bool> held_; // by slot in the block, row by row
+};
+
+} // namespace qirn

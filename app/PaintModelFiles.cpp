@@ -1,0 +1,230 @@
+// The life of a picture: new, opened, saved, closed, recovered.
+#include "PaintModel.h"
+
+#include "AppFolders.h"
+#include "CanvasView.h"
+#include "Desktop.h"
+#include "HostWords.h"
+#include "Recovery.h"
+#include "formats/ImageImport.h"
+#include "formats/PaintFile.h"
+#include "platform/AtomicFile.h"
+
+#include <algorithm>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+
+namespace qirn {
+
+namespace {
+
+constexpr int kAutosaveTick = 10'000;            // milliseconds; shorter than the shortest interval
+constexpr int64_t kMostCanvasPixels = 900'000'000;
+constexpr int kStarterWidth = 1920, kStarterHeight = 1080, kStarterDpi = 72;
+
+QString extension() { return QLatin1String(PaintFile::fileExtension); }
+
+QList<FileType> nativeTypes() { return {{PaintModel::tr("Qirn Paint documents"), {extension()}}}; }
+
+QString standardized(const QString& path) {
+    const QString real = QFileInfo(path).canonicalFilePath();
+    return real.isEmpty() ? QDir::cleanPath(QFileInfo(path).absoluteFilePath()) : real;
+}
+
+/// Throws the format layer's typed error, or a plain one in the system's words when the file cannot be read.
+std::unique_ptr<PaintDocument> readPicture(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) throw FileError(file.errorString());
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFile::NoError) throw FileError(file.errorString());
+    return ImageImport::document(bytes, QFileInfo(path).suffix());
+}
+
+} // namespace
+
+void PaintModel::showOnCanvas(DocSession& session) {
+    if (canvas_) canvas_->showSession(session);
+}
+
+// --- New pictures and tabs
+
+void PaintModel::newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
+                             const QString& name) {
+    if (width > 0 && height > 0 && width > kMostCanvasPixels / height) return;
+    auto doc = std::make_unique<PaintDocument>(width, height, dpi, background);
+    add(std::make_shared<DocSession>(std::move(doc), name.isEmpty() ? tr("Untitled") : name));
+}
+
+void PaintModel::newCanvas() {
+    const auto paper = prefs_.newDocTransparent ? std::nullopt : std::optional(PaintColor::white());
+    newDocument(kStarterWidth, kStarterHeight, kStarterDpi, paper, {});
+}
+
+void PaintModel::ensureDocument() {
+    if (sessions_.empty()) newCanvas();
+}
+
+bool PaintModel::isUntouchedStarter(const DocSession& session) const {
+    return session.fileURL.isEmpty() && !session.isDirty() && session.doc().undoDepth() == 0 &&
+           session.name == tr("Untitled");
+}
+
+void PaintModel::add(SessionRef session) {
+    finishGesture();
+    session->doc().maxUndoSteps = prefs_.undoSteps;
+    if (sessions_.size() == 1 && isUntouchedStarter(*sessions_.front())) {
+        Recovery::discard(sessions_.front()->id, Recovery::MoveToTrash::no);
+        remove(*sessions_.front());
+    }
+    sessions_.push_back(session);
+    currentID_ = session->id;
+    showOnCanvas(*session);
+    announce();
+}
+
+void PaintModel::addRecovered(SessionRef session) {
+    const bool replaces = sessions_.size() == 1 && sessions_.front()->fileURL.isEmpty() &&
+                          !sessions_.front()->isDirty() && sessions_.front()->doc().undoDepth() == 0;
+    if (replaces) {
+        Recovery::discard(sessions_.front()->id, Recovery::MoveToTrash::no);
+        remove(*sessions_.front());
+    }
+    add(std::move(session));
+}
+
+void PaintModel::remove(DocSession& session) {
+    if (canvas_) canvas_->forgetSession(session);
+    std::erase_if(sessions_, [&](const SessionRef& s) { return s.get() == &session; });
+}
+
+void PaintModel::select(DocSession& session) {
+    if (session.id == currentID_) return;
+    finishGesture();
+    currentID_ = session.id;
+    showOnCanvas(session);
+    announce();
+}
+
+// --- Open and save
+
+void PaintModel::openPanel() {
+    finishGesture();
+    for (const QString& path : desktop_.openFiles(nativeTypes())) open(path);
+}
+
+void PaintModel::open(const QString& path) {
+    const QString standard = standardized(path);
+    for (const SessionRef& session : sessions_) {
+        if (!session->fileURL.isEmpty() && standardized(session->fileURL.toLocalFile()) == standard) return select(*session);
+    }
+    const QFileInfo info(path);
+    try {
+        std::unique_ptr<PaintDocument> doc = readPicture(path);
+        const bool native = info.suffix().compare(extension(), Qt::CaseInsensitive) == 0;
+        const QString base = info.completeBaseName();
+        const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
+        add(std::make_shared<DocSession>(std::move(doc), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl()));
+        desktop_.noteRecentFile(info.absoluteFilePath());
+    } catch (const UserFacingError& error) {
+        alert(tr("Couldn't open %1").arg(info.fileName()), error.description());
+    }
+}
+
+bool PaintModel::save(DocSession* session, SaveAs as) {
+    if (!session) session = current();
+    if (!session) return false;
+    finishGesture();
+    QString path = session->fileURL.toLocalFile();
+    if (as == SaveAs::yes || session->fileURL.isEmpty()) {
+        const auto chosen = desktop_.saveFile(
+            session->name + u'.' + extension(), nativeTypes(),
+            tr("Qirn Paint documents keep every layer. Use File → Export for PNG, JPEG, TIFF or PSD."));
+        if (!chosen) return false;
+        path = *chosen;
+    }
+    try {
+        writeAtomically(path, PaintFile::encode(session->doc()));
+    } catch (const UserFacingError& error) {
+        alert(tr("Couldn't save"), error.description() + tr("\n\nYour work is still open and autosaved."));
+        return false;
+    }
+    const QFileInfo info(path);
+    session->fileURL = QUrl::fromLocalFile(info.absoluteFilePath());
+    session->name = info.completeBaseName();
+    session->savedChange = session->autosavedChange = session->doc().changeCount();
+    Recovery::discard(session->id, Recovery::MoveToTrash::no);
+    session->announceChange();
+    announce();
+    desktop_.noteRecentFile(info.absoluteFilePath());
+    flash(tr("Saved %1").arg(info.fileName()));
+    return true;
+}
+
+// --- Close and quit
+
+bool PaintModel::close(DocSession& session) {
+    finishGesture();
+    if (!session.isDirty()) {
+        Recovery::discard(session.id, Recovery::MoveToTrash::no);
+    } else {
+        const int answer = desktop_.ask(
+            tr("Save changes to \"%1\"?").arg(session.name),
+            tr("If you don't save, your changes are moved to the Trash as an autosave copy (you can still get them "
+               "back from the Trash)."),
+            {tr("Save…"), tr("Cancel"), tr("Don't Save")}, 1);
+        if (answer == 1) return false;
+        if (answer == 0 && !save(&session, SaveAs::no)) return false;
+        if (answer == 2) {
+            Recovery::write(session, Recovery::Synchronously::yes);
+            Recovery::discard(session.id, Recovery::MoveToTrash::yes);
+        }
+    }
+    const bool wasCurrent = current() == &session;
+    remove(session);
+    if (wasCurrent) currentID_ = sessions_.empty() ? QUuid() : sessions_.back()->id;
+    ensureDocument();
+    showOnCanvas(*current());
+    announce();
+    return true;
+}
+
+void PaintModel::closeCurrent() {
+    if (DocSession* session = current()) close(*session);
+}
+
+bool PaintModel::shouldQuit() {
+    finishGesture();
+    const std::vector<SessionRef> open = sessions_;
+    for (const SessionRef& session : open) {
+        if (!session->isDirty()) continue;
+        select(*session);
+        if (!close(*session)) return false;
+    }
+    for (const SessionRef& session : sessions_) Recovery::discard(session->id, Recovery::MoveToTrash::no);
+    saveState();
+    return true;
+}
+
+// --- Safety copies
+
+void PaintModel::startAutosave() { autosaveTimer_.start(kAutosaveTick); }
+
+void PaintModel::autosaveTick() {
+    if (prefs_.autosaveSeconds <= 0) return;
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const SessionRef& session : sessions_) {
+        const int64_t changes = session->doc().changeCount();
+        if (changes == session->savedChange || changes == session->autosavedChange) continue;
+        const bool recent = session->lastAutosave.isValid() &&
+                            static_cast<double>(session->lastAutosave.msecsTo(now)) < prefs_.autosaveSeconds * 1000;
+        if (recent || (canvas_ && canvas_->isBusy())) continue;
+        Recovery::write(*session, Recovery::Synchronously::no);
+        lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));
+        announce();
+    }
+}
+
+} // namespace qirn

@@ -1,0 +1,25 @@
+#include "PenInput.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qirn {
+
+void SpeedPressure::follow(double time, QPointF view) {
+    time_ = time;
+    view_ = view;
+}
+
+double SpeedPressure::next(double time, QPointF view) {
+    const double dt = std::max(time - time_, 0.001);
+    const QPointF way = view - view_;
+    const double speed = std::hypot(way.x(), way.y()) / dt; // view points a second
+    follow(time, view);
+    return std::max(std::min(1.2 - speed / 2500, 1.0), 0.15);
+}
+
+double shapedPressure(double raw, double curve) {
+    return std::clamp(std::pow(std::clamp(raw, 0.0, 1.0), curve), 0.0, 1.0);
+}
+
+} // namespace qirn

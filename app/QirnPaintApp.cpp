@@ -1,0 +1,107 @@
+#include "QirnPaintApp.h"
+
+#include "Benchmark.h"
+#include "Defaults.h"
+#include "MainView.h"
+#include "PaintModel.h"
+#include "QirnKit.h"
+#include "QtDesktop.h"
+#include "SelfTest.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QFileOpenEvent>
+#include <QSessionManager>
+
+namespace qirn {
+
+CommandModes::Mode CommandModes::modeOf(const QStringList& arguments) {
+    const QStringList given = arguments.mid(1);
+    if (given.contains(QStringLiteral("--selftest"))) return Mode::selfTest;
+    if (given.contains(QStringLiteral("--benchmark"))) return Mode::benchmark;
+    return Mode::none;
+}
+
+int CommandModes::run(Mode mode) {
+    if (mode == Mode::selfTest) return runSelfTest();
+    runBenchmark();
+    return 0;
+}
+
+namespace {
+
+/// What the desktop tells the application as a whole.
+class PaintAppDelegate : public QObject {
+public:
+    explicit PaintAppDelegate(QApplication& app) : QObject(&app) {
+        app.setQuitOnLastWindowClosed(true);
+        app.installEventFilter(this);
+        // A session that ends asks as quitting does.
+        connect(&app, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& session) {
+            if (session.allowsInteraction() && !shouldTerminate()) session.cancel();
+        });
+    }
+
+    void didFinishLaunching(const QStringList& paths) {
+        if (PaintModel::shared) PaintModel::shared->startAutosave();
+        open(paths);
+    }
+
+    /// Opens files once the events before them are done, so that a launch by double-click finds the model.
+    void open(const QStringList& paths) {
+        QMetaObject::invokeMethod(
+            this,
+            [paths] {
+                for (const QString& path : paths) {
+                    if (PaintModel::shared) PaintModel::shared->open(path);
+                }
+            },
+            Qt::QueuedConnection);
+    }
+
+    static bool shouldTerminate() { return !PaintModel::shared || PaintModel::shared->shouldQuit(); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::FileOpen) {
+            open({static_cast<QFileOpenEvent*>(event)->file()});
+            return true;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+/// Arguments that name existing files; every other one is ignored.
+QStringList filesIn(const QStringList& arguments) {
+    QStringList files;
+    for (const QString& argument : arguments.mid(1)) {
+        if (!argument.startsWith(QStringLiteral("--")) && QFileInfo(argument).isFile()) files << argument;
+    }
+    return files;
+}
+
+} // namespace
+
+int runStudio(int& argc, char** argv) {
+    // Each pen point is painted; none is merged with the next.
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+    QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    QApplication app(argc, argv);
+    app.setApplicationName(QStringLiteral("Qirn Paint"));
+    app.setApplicationDisplayName(QStringLiteral("Qirn Paint"));
+    app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
+    auto* delegate = new PaintAppDelegate(app);
+    QirnKit::install(app);
+    QtDesktop desktop;
+    UserDefaults defaults;
+    PaintModel model(PaintModel::LoadStores::yes, desktop, defaults);
+    PaintModel::shared = &model;
+    MainView window(model);
+    model.ensureDocument();
+    window.show();
+    delegate->didFinishLaunching(filesIn(app.arguments()));
+    return app.exec();
+}
+
+} // namespace qirn
