@@ -63,6 +63,8 @@ PaintModel::~PaintModel() {
     if (shared == this) shared = nullptr;
 }
 
+CanvasView* PaintModel::canvas() const { return canvas_; }
+
 void PaintModel::setCanvas(CanvasView* canvas) {
     canvas_ = canvas;
     if (canvas_ && current()) canvas_->showSession(*current());

@@ -137,7 +137,7 @@ public:
     void saveStateLater(); ///< Queued, so that a press never waits for the disk.
 
     CanvasStatus& status() { return status_; }
-    CanvasView* canvas() const { return canvas_; }
+    CanvasView* canvas() const;
     void setCanvas(CanvasView* canvas);
     bool penIsEraser = false; ///< The eraser end of the pen is down or near.
 

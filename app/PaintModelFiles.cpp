@@ -9,6 +9,7 @@
 #include "formats/ImageImport.h"
 #include "formats/PaintFile.h"
 #include "platform/AtomicFile.h"
+#include "platform/Bytes.h"
 
 #include <algorithm>
 
@@ -34,13 +35,18 @@ QString standardized(const QString& path) {
     return real.isEmpty() ? QDir::cleanPath(QFileInfo(path).absoluteFilePath()) : real;
 }
 
-/// Throws the format layer's typed error, or a plain one in the system's words when the file cannot be read.
+/// A file that cannot be read, in the system's words.
+struct ReadError : DescribedError {
+    explicit ReadError(const QString& description) : DescribedError(description) {}
+};
+
+/// Throws ReadError, or the format layer's typed error.
 std::unique_ptr<PaintDocument> readPicture(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) throw FileError(file.errorString());
+    if (!file.open(QIODevice::ReadOnly)) throw ReadError(file.errorString());
     const QByteArray bytes = file.readAll();
-    if (file.error() != QFile::NoError) throw FileError(file.errorString());
-    return ImageImport::document(bytes, QFileInfo(path).suffix());
+    if (file.error() != QFile::NoError) throw ReadError(file.errorString());
+    return ImageImport::document(bytesOf(bytes), QFileInfo(path).suffix());
 }
 
 } // namespace
@@ -128,7 +134,7 @@ void PaintModel::open(const QString& path) {
         const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
         add(std::make_shared<DocSession>(std::move(doc), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl()));
         desktop_.noteRecentFile(info.absoluteFilePath());
-    } catch (const UserFacingError& error) {
+    } catch (const DescribedError& error) {
         alert(tr("Couldn't open %1").arg(info.fileName()), error.description());
     }
 }
@@ -146,8 +152,8 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
         path = *chosen;
     }
     try {
-        writeAtomically(path, PaintFile::encode(session->doc()));
-    } catch (const UserFacingError& error) {
+        writeAtomically(path, bytesOf(PaintFile::encode(session->doc())));
+    } catch (const DescribedError& error) {
         alert(tr("Couldn't save"), error.description() + tr("\n\nYour work is still open and autosaved."));
         return false;
     }

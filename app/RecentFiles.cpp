@@ -1,6 +1,7 @@
 #include "RecentFiles.h"
 
 #include "platform/AtomicFile.h"
+#include "platform/Bytes.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -49,8 +50,8 @@ void noteRecentFile(const QString& path) {
     const QString longer = recentListWith(list, path, now);
     if (longer == list) return;
     try {
-        writeAtomically(listPath, longer.toUtf8());
-    } catch (const std::exception&) {
+        writeAtomically(listPath, bytesOf(longer.toUtf8()));
+    } catch (const FileError&) {
         // The desktop's list is a convenience; the picture itself is saved.
     }
 }

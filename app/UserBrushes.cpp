@@ -2,8 +2,10 @@
 
 #include "brush/BrushFile.h"
 #include "platform/AtomicFile.h"
+#include "platform/Bytes.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -14,7 +16,7 @@ std::vector<BrushSettings> UserBrushFile::load() {
     if (!file.exists()) return {};
     unreadable_ = true;
     if (!file.open(QIODevice::ReadOnly)) return {};
-    const auto brushes = BrushFile::decode(file.readAll());
+    const auto brushes = BrushFile::decode(bytesOf(file.readAll()));
     if (!brushes) return {};
     unreadable_ = false;
     return *brushes;
@@ -30,8 +32,8 @@ void UserBrushFile::save(const std::vector<BrushSettings>& brushes) {
         unreadable_ = false;
     }
     try {
-        writeAtomically(path_, BrushFile::encode(brushes));
-    } catch (const UserFacingError&) {
+        writeAtomically(path_, bytesOf(BrushFile::encode(brushes)));
+    } catch (const FileError&) {
         // The presets stay in use; the next change tries again.
     }
 }

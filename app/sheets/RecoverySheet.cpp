@@ -2,7 +2,7 @@
 
 #include "PaintModel.h"
 #include "Recovery.h"
-#include "platform/UserFacingError.h"
+#include "platform/DescribedError.h"
 
 #include <set>
 
@@ -108,7 +108,7 @@ bool RecoverySheet::restore(const Recovery::Item& item) {
     try {
         model_.addRecovered(Recovery::restore(item));
         return true;
-    } catch (const UserFacingError& error) {
+    } catch (const DescribedError& error) {
         model_.alert(tr("Couldn't recover %1").arg(item.info.name), error.description());
         return false;
     }

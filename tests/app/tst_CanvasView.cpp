@@ -1,0 +1,587 @@
+#include "brush/BrushLibrary.h"
+#include "brush/BrushStroke.h"
+#include "compositing/CompositeInputs.h"
+#include "support/PenRecording.h"
+#include "support/Pictures.h"
+#include "support/Studio.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+
+#include <QApplication>
+#include <QPaintEvent>
+#include <QSignalSpy>
+#include <QWheelEvent>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+BrushSettings preset(const char* name) { return *BrushLibrary::named(QLatin1String(name)); }
+
+/// A hard dot of a few pixels, the same at any pressure.
+BrushSettings dot(double size = 6) {
+    BrushSettings brush(QStringLiteral("Dot"), QStringLiteral("Test"), BrushKind::paint);
+    brush.size = size;
+    brush.hardness = 1;
+    brush.pressureSize = false;
+    return brush;
+}
+
+/// Notes what a widget is asked to paint.
+class PaintWatcher : public QObject {
+public:
+    explicit PaintWatcher(QWidget& widget) { widget.installEventFilter(this); }
+    QRegion region;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+};
+
+uint64_t layerPrint(Studio& studio) { return studio.layer().fingerprint(); }
+
+} // namespace
+
+class tst_CanvasView : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void aStrokeLandsUnderThePen_data();
+    void aStrokeLandsUnderThePen();
+    void whatIsShownLiesUnderThePen();
+    void penAndEnginePaintTheSamePicture_data();
+    void penAndEnginePaintTheSamePicture();
+    void pressureReachesTheBrush();
+    void oneStrokeIsOneUndoStep_data();
+    void oneStrokeIsOneUndoStep();
+    void aMouseThatFollowsAPenPaintsNothing();
+    void theEraserEndErasesAndGivesTheToolBack_data();
+    void theEraserEndErasesAndGivesTheToolBack();
+    void lockedAndHiddenLayersRefuseInWords();
+    void aLostReleaseEndsTheStroke();
+    void undoDuringAStrokeTakesTheStrokeBack();
+    void escapeDropsTheStroke();
+    void shiftClickDrawsAStraightLine();
+    void optionOrCommandPicksAColour();
+    void heldAirbrushKeepsPainting();
+    void aStrokeRepaintsOnlyItsOwnRegion();
+    void viewChangesCompositeNothing();
+    void noSeamInAnyView_data();
+    void noSeamInAnyView();
+    void tilesAreNearestFromTwoHundredPercent();
+    void theCheckerboardShowsThroughEmptyTiles();
+    void undoShowsTheOldPicture();
+    void aHugeBlankCanvasHoldsNoTileImages();
+    void rectanglesAreSelected_data();
+    void rectanglesAreSelected();
+    void aClickRemovesTheSelection();
+    void keysDoWhatTheyDo();
+    void wheelZoomsAroundThePointer();
+    void theStatusFollowsThePen();
+};
+
+void tst_CanvasView::aStrokeLandsUnderThePen_data() {
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<double>("rotation");
+    QTest::addColumn<bool>("flip");
+    QTest::newRow("plain") << 1.0 << 0.0 << false;
+    QTest::newRow("turned, mirrored, zoomed") << 1.7 << 37.0 << true;
+    QTest::newRow("far out") << 0.1 << -90.0 << false;
+    QTest::newRow("close up") << 32.0 << 12.0 << true;
+}
+
+void tst_CanvasView::aStrokeLandsUnderThePen() {
+    QFETCH(double, zoom);
+    QFETCH(double, rotation);
+    QFETCH(bool, flip);
+    Studio studio;
+    studio.model.setActiveBrush(dot());
+    studio.canvas.setZoom(zoom);
+    studio.canvas.setRotation(rotation);
+    if (flip) studio.canvas.toggleFlipView();
+    const QPointF place(201.5, 148.5);
+    studio.penStroke({place});
+    const auto bounds = studio.layer().contentBounds();
+    QVERIFY(bounds.has_value());
+    QVERIFY2(std::abs(bounds->x + bounds->w / 2.0 - place.x()) <= 0.75 && std::abs(bounds->y + bounds->h / 2.0 - place.y()) <= 0.75,
+             qPrintable(bounds->description()));
+}
+
+void tst_CanvasView::whatIsShownLiesUnderThePen() {
+    Studio studio;
+    studio.model.setActiveBrush(dot(20));
+    studio.model.setPrimary(PaintColor(1, 0, 0));
+    studio.canvas.setZoom(1.4);
+    studio.canvas.setRotation(30);
+    const QPointF place(120, 90);
+    studio.penStroke({place});
+    const QPoint at = studio.widgetPoint(place).toPoint();
+    studio.canvas.toolDidChange();
+    studio.pointerLeaves();
+    const QImage shown = studio.canvas.grab().toImage();
+    QCOMPARE(shown.pixelColor(at), QColor(255, 0, 0));
+    QCOMPARE(shown.pixelColor(at + QPoint(30, 0)), QColor(255, 255, 255));
+}
+
+void tst_CanvasView::penAndEnginePaintTheSamePicture_data() {
+    QTest::addColumn<QString>("brush");
+    QTest::addColumn<bool>("recorded");
+    for (const char* name : {"Studio Pen", "Charcoal", "Spray Can", "Smudge"}) {
+        QTest::addRow("%s, synthetic hand", name) << QString::fromLatin1(name) << false;
+    }
+    QTest::addRow("Ink Brush, recorded hand") << QStringLiteral("Ink Brush") << true;
+}
+
+void tst_CanvasView::penAndEnginePaintTheSamePicture() {
+    QFETCH(QString, brush);
+    QFETCH(bool, recorded);
+    std::vector<PenStroke> strokes = syntheticHand();
+    if (recorded) {
+        const auto recording = recordedHand();
+        if (!recording) QSKIP("There is no pen recording on this machine.");
+        strokes = *recording;
+    }
+    Studio studio;
+    studio.model.newDocument(1200, 900, 72, PaintColor::white(), QStringLiteral("Hand"));
+    studio.canvas.actualPixels();
+    studio.model.choose(*BrushLibrary::named(brush));
+    // A spray burst between two events comes from a timer; the engine's strokes have none.
+    BrushSettings settings = studio.model.activeBrush();
+    settings.airbrush = false;
+    studio.model.setActiveBrush(settings);
+    PaintDocument direct(1200, 900, 72, PaintColor::white());
+    for (const PenStroke& stroke : strokes) {
+        studio.penEvent(QEvent::TabletPress, {stroke[0].x, stroke[0].y}, stroke[0].pressure);
+        for (std::size_t i = 1; i < stroke.size(); ++i) {
+            studio.penEvent(QEvent::TabletMove, {stroke[i].x, stroke[i].y}, stroke[i].pressure);
+        }
+        studio.penEvent(QEvent::TabletRelease, {stroke.back().x, stroke.back().y}, 0);
+        paintStroke(direct, stroke, settings, studio.model.primary(), nullptr, 1);
+    }
+    QCOMPARE(firstDifference(*studio.layer().toBuffer(), *direct.activeLayer().toBuffer()), QString());
+    QVERIFY(brush == QLatin1String("Smudge") || !direct.activeLayer().isEmpty());
+}
+
+void tst_CanvasView::pressureReachesTheBrush() {
+    const auto heightAt = [](double pressure, double curve) {
+        Studio studio;
+        PaintPrefs prefs = studio.model.prefs();
+        prefs.pressureCurve = curve;
+        studio.model.setPrefs(prefs);
+        BrushSettings brush = dot(40);
+        brush.pressureSize = true;
+        brush.minSize = 0;
+        studio.model.setActiveBrush(brush);
+        studio.penStroke({{200, 150}}, pressure);
+        return studio.layer().contentBounds()->h;
+    };
+    QVERIFY(heightAt(0.25, 1) <= 12 && heightAt(0.25, 1) >= 9);
+    QVERIFY(heightAt(1, 1) >= 39);
+    QVERIFY(heightAt(0.25, 0.5) >= 19); // a soft touch
+}
+
+void tst_CanvasView::oneStrokeIsOneUndoStep_data() {
+    QTest::addColumn<int>("tool");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("brush") << int(Tool::brush) << "Brush Stroke";
+    QTest::newRow("eraser") << int(Tool::eraser) << "Erase";
+    QTest::newRow("smudge") << int(Tool::smudge) << "Smudge";
+    QTest::newRow("blur") << int(Tool::blur) << "Blur";
+}
+
+void tst_CanvasView::oneStrokeIsOneUndoStep() {
+    QFETCH(int, tool);
+    QFETCH(QString, name);
+    Studio studio;
+    studio.model.setTool(static_cast<Tool>(tool));
+    studio.penStroke({{50, 50}, {100, 80}, {160, 60}, {220, 140}});
+    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+    QCOMPARE(studio.doc().undoName(), name);
+    QVERIFY(studio.session().isDirty());
+    QVERIFY(studio.model.status().lastStrokeStats()->startsWith(QStringLiteral("Last stroke: 5 points, avg ")));
+}
+
+void tst_CanvasView::aMouseThatFollowsAPenPaintsNothing() {
+    Studio studio;
+    studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
+    studio.mouseEvent(QEvent::MouseButtonPress, {50, 50});
+    studio.penEvent(QEvent::TabletMove, {90, 50}, 1);
+    studio.mouseEvent(QEvent::MouseMove, {90, 50});
+    studio.penEvent(QEvent::TabletRelease, {90, 50}, 0);
+    studio.mouseEvent(QEvent::MouseButtonRelease, {90, 50});
+    studio.mouseDrag({90, 50}, {91, 50});
+    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+    studio.waitForPenEcho();
+    studio.mouseDrag({100, 100}, {150, 100});
+    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+}
+
+void tst_CanvasView::theEraserEndErasesAndGivesTheToolBack_data() {
+    QTest::addColumn<bool>("proximity");
+    QTest::newRow("told by proximity") << true;
+    QTest::newRow("told by the events alone") << false;
+}
+
+void tst_CanvasView::theEraserEndErasesAndGivesTheToolBack() {
+    QFETCH(bool, proximity);
+    Studio studio;
+    studio.model.setActiveBrush(dot(30));
+    studio.penStroke({{100, 100}});
+    const auto near = [&](QEvent::Type type, bool eraser) {
+        const QPointingDevice device(QStringLiteral("p"), 7, QInputDevice::DeviceType::Stylus,
+                                     eraser ? QPointingDevice::PointerType::Eraser : QPointingDevice::PointerType::Pen,
+                                     QInputDevice::Capability::Position, 1, 1);
+        QTabletEvent event(type, &device, {}, {}, 0, 0, 0, 0, 0, 0, {}, Qt::NoButton, Qt::NoButton);
+        QApplication::sendEvent(qApp, &event);
+    };
+    if (proximity) near(QEvent::TabletEnterProximity, true);
+    else studio.penEvent(QEvent::TabletMove, {100, 100}, 0, true);
+    QCOMPARE(studio.model.tool(), Tool::eraser);
+    studio.penEvent(QEvent::TabletPress, {100, 100}, 1, true);
+    studio.penEvent(QEvent::TabletRelease, {100, 100}, 0, true);
+    QCOMPARE(studio.layer().pixel(100, 100)[3], uint8_t{0});
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Erase"));
+    if (proximity) near(QEvent::TabletLeaveProximity, true);
+    else studio.penEvent(QEvent::TabletMove, {100, 100}, 0, false);
+    QCOMPARE(studio.model.tool(), Tool::brush);
+    QVERIFY(!studio.model.penIsEraser);
+}
+
+void tst_CanvasView::lockedAndHiddenLayersRefuseInWords() {
+    Studio studio;
+    studio.model.toggleLock();
+    const int64_t steps = studio.doc().undoDepth();
+    studio.penStroke({{50, 50}, {90, 90}});
+    QCOMPARE(studio.model.hud(), QStringLiteral("The layer \"Layer 1\" is locked — unlock it in the Layers panel"));
+    studio.model.toggleLock();
+    studio.model.toggleVisibility();
+    studio.penStroke({{50, 50}, {90, 90}});
+    QCOMPARE(studio.model.hud(), QStringLiteral("The layer \"Layer 1\" is hidden — show it to paint on it"));
+    QVERIFY(studio.layer().isEmpty());
+    QCOMPARE(studio.doc().undoDepth(), steps + 2);
+    QVERIFY(!studio.canvas.isBusy());
+}
+
+void tst_CanvasView::aLostReleaseEndsTheStroke() {
+    Studio studio;
+    studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
+    QVERIFY(studio.canvas.isBusy());
+    QFocusEvent out(QEvent::FocusOut);
+    QApplication::sendEvent(&studio.canvas, &out);
+    QVERIFY(!studio.canvas.isBusy());
+    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+    // What still comes of that pen paints nothing more.
+    const uint64_t print = layerPrint(studio);
+    studio.penEvent(QEvent::TabletMove, {150, 150}, 1);
+    studio.penEvent(QEvent::TabletRelease, {150, 150}, 0);
+    QCOMPARE(layerPrint(studio), print);
+    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+}
+
+void tst_CanvasView::undoDuringAStrokeTakesTheStrokeBack() {
+    Studio studio;
+    const uint64_t print = studio.doc().fingerprint();
+    studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
+    studio.penEvent(QEvent::TabletMove, {120, 50}, 1);
+    studio.model.undo();
+    QCOMPARE(studio.doc().fingerprint(), print);
+    studio.penEvent(QEvent::TabletMove, {220, 50}, 1);
+    studio.penEvent(QEvent::TabletRelease, {220, 50}, 0);
+    QCOMPARE(studio.doc().fingerprint(), print);
+    studio.model.redo();
+    QVERIFY(studio.doc().fingerprint() != print);
+}
+
+void tst_CanvasView::escapeDropsTheStroke() {
+    Studio studio;
+    const uint64_t print = studio.doc().fingerprint();
+    studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
+    studio.penEvent(QEvent::TabletMove, {120, 50}, 1);
+    studio.key(Qt::Key_Escape);
+    studio.penEvent(QEvent::TabletRelease, {120, 50}, 0);
+    QCOMPARE(studio.doc().fingerprint(), print);
+    QCOMPARE(studio.doc().undoDepth(), int64_t{0});
+}
+
+void tst_CanvasView::shiftClickDrawsAStraightLine() {
+    Studio studio;
+    studio.model.setActiveBrush(dot(8));
+    studio.penStroke({{40, 40}});
+    QCOMPARE(studio.layer().pixel(140, 40)[3], uint8_t{0});
+    studio.penEvent(QEvent::TabletPress, {240, 40}, 1, false, Qt::ShiftModifier);
+    studio.penEvent(QEvent::TabletRelease, {240, 40}, 0);
+    for (int x = 40; x <= 240; x += 5) QCOMPARE(studio.layer().pixel(x, 40)[3], uint8_t{255});
+    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+}
+
+void tst_CanvasView::optionOrCommandPicksAColour() {
+    Studio studio;
+    paintRect(studio.doc(), studio.layer(), {10, 10, 20, 20}, {0, 128, 0, 128});
+    for (const auto modifier : {Qt::AltModifier, Qt::ControlModifier}) {
+        studio.model.setPrimary(PaintColor::black());
+        studio.penEvent(QEvent::TabletPress, {15, 15}, 1, false, modifier);
+        studio.penEvent(QEvent::TabletRelease, {15, 15}, 0);
+        QCOMPARE(studio.model.primary().hex(), QStringLiteral("#7FFF7F")); // over the white paper
+        QCOMPARE(studio.model.recent().front(), studio.model.primary());
+    }
+    PaintPrefs prefs = studio.model.prefs();
+    prefs.eyedropperAllLayers = false;
+    studio.model.setPrefs(prefs);
+    studio.model.setTool(Tool::eyedropper);
+    studio.waitForPenEcho();
+    studio.mouseDrag({15, 15}, {15, 15});
+    QCOMPARE(studio.model.primary().hex(), QStringLiteral("#00FF00"));
+    studio.mouseDrag({100, 100}, {100, 100});
+    QCOMPARE(studio.model.hud(), QStringLiteral("Nothing to pick there (transparent)"));
+    QCOMPARE(studio.doc().undoDepth(), int64_t{0});
+}
+
+void tst_CanvasView::heldAirbrushKeepsPainting() {
+    Studio studio;
+    studio.model.choose(preset("Airbrush Soft"));
+    studio.penEvent(QEvent::TabletPress, {100, 100}, 1);
+    const uint8_t first = studio.layer().pixel(100, 100)[3];
+    QTRY_VERIFY(studio.layer().pixel(100, 100)[3] > first);
+    studio.penEvent(QEvent::TabletRelease, {100, 100}, 0);
+}
+
+void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegion() {
+    Studio studio;
+    studio.model.newDocument(3840, 2160, 72, PaintColor::white(), QStringLiteral("4K"));
+    QTest::qWait(20);
+    studio.model.setActiveBrush(dot(20));
+    const QPointF from(1000, 1000), to(1100, 1050);
+    PaintWatcher watcher(studio.canvas);
+    studio.penStroke({from, {1050, 1020}, to});
+    QTest::qWait(20);
+    const QPointF corner = studio.widgetPoint(from - QPointF(300, 300)), opposite = studio.widgetPoint(to + QPointF(300, 300));
+    const QRect tiles = QRectF(corner, opposite).toAlignedRect();
+    QVERIFY(!watcher.region.isEmpty());
+    QVERIFY2(tiles.contains(watcher.region.boundingRect()), qPrintable(QStringLiteral("%1").arg(watcher.region.boundingRect().width())));
+}
+
+void tst_CanvasView::viewChangesCompositeNothing() {
+    Studio studio;
+    studio.canvas.grab();
+    const int64_t made = studio.canvas.presentation().tilesComposited();
+    QVERIFY(made > 0);
+    for (const double zoom : {0.3, 0.05, 3.0, 1.0}) {
+        studio.canvas.setZoom(zoom);
+        studio.canvas.grab();
+    }
+    studio.canvas.setRotation(40);
+    studio.canvas.toggleFlipView();
+    studio.canvas.grab();
+    QCOMPARE(studio.canvas.presentation().tilesComposited(), made);
+}
+
+void tst_CanvasView::noSeamInAnyView_data() {
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<double>("rotation");
+    int i = 0;
+    for (const double zoom : {0.07, 0.13, 0.25, 0.333, 0.5, 0.73, 0.999, 1.0, 1.37, 2.0, 2.5, 7.77}) {
+        QTest::addRow("%g%%", zoom * 100) << zoom << 0.0;
+        QTest::addRow("%g%% turned", zoom * 100) << zoom << 7.0 + 23.0 * ++i;
+    }
+}
+
+/// Inside a flat picture no pixel differs: neither a gap that would show what lies behind, nor a step at a tile.
+void tst_CanvasView::noSeamInAnyView() {
+    QFETCH(double, zoom);
+    QFETCH(double, rotation);
+    PaintDocument doc(1900, 1300, 72, PaintColor(0, 1, 0));
+    CanvasPresentation presentation;
+    presentation.show(&doc);
+    QImage screen(700, 500, QImage::Format_RGB32);
+    screen.fill(Qt::magenta);
+    const ViewTransform view(screen.size(), QSizeF(1900, 1300), {zoom, {13.4, -7.7}, rotation, rotation > 90});
+    QPainter painter(&screen);
+    presentation.look(view, zoom);
+    presentation.draw(painter, screen.rect());
+    painter.end();
+    const QRectF inside = doc.grid().bounds().rectF().adjusted(3 / zoom, 3 / zoom, -3 / zoom, -3 / zoom);
+    int looked = 0;
+    for (int y = 0; y < screen.height(); ++y) {
+        for (int x = 0; x < screen.width(); ++x) {
+            if (!inside.contains(view.canvasPoint(view.flippedVertically({x + 0.5, y + 0.5})))) continue;
+            ++looked;
+            QVERIFY2(screen.pixel(x, y) == qRgb(0, 255, 0), qPrintable(QStringLiteral("%1,%2: %3").arg(x).arg(y).arg(screen.pixel(x, y), 0, 16)));
+        }
+    }
+    QVERIFY(looked > 1000);
+}
+
+void tst_CanvasView::tilesAreNearestFromTwoHundredPercent() {
+    const auto colours = [](double zoom) {
+        Studio studio;
+        paintRect(studio.doc(), studio.layer(), {200, 0, 200, 300}, {0, 0, 0, 255});
+        studio.canvas.flush();
+        studio.canvas.setZoom(zoom);
+        const QImage shown = studio.canvas.grab().toImage();
+        std::set<QRgb> found;
+        for (int x = 350; x < 450; ++x) found.insert(shown.pixel(x, 300));
+        return found.size();
+    };
+    QCOMPARE(colours(2.0), std::size_t{2});
+    QVERIFY(colours(1.99) > 2);
+}
+
+void tst_CanvasView::theCheckerboardShowsThroughEmptyTiles() {
+    Studio studio;
+    studio.model.newDocument(600, 300, 72, std::nullopt, QStringLiteral("Clear"));
+    studio.canvas.actualPixels();
+    paintRect(studio.doc(), studio.layer(), {0, 0, 100, 100}, {0, 0, 255, 255});
+    studio.canvas.flush();
+    const QImage shown = studio.canvas.grab().toImage();
+    const auto at = [&](double x, double y) { return shown.pixel(studio.widgetPoint({x + 0.5, y + 0.5}).toPoint()); };
+    QCOMPARE(at(50, 50), qRgb(0, 0, 255));
+    // Squares of 12 canvas pixels, the first of the darker grey; also where there is no tile.
+    QCOMPARE(at(120 + 5, 120 + 5), qRgb(179, 179, 179));
+    QCOMPARE(at(132 + 5, 120 + 5), qRgb(219, 219, 219));
+    QCOMPARE(at(528 + 5, 252 + 5), at(120 + 5, 132 + 5));
+}
+
+void tst_CanvasView::undoShowsTheOldPicture() {
+    Studio studio;
+    studio.model.setTool(Tool::hand); // without a ring
+    studio.canvas.grab();
+    const QImage before = studio.canvas.grab().toImage();
+    studio.model.setTool(Tool::brush);
+    studio.penStroke({{50, 50}, {200, 200}});
+    studio.pointerLeaves();
+    QVERIFY(studio.canvas.grab().toImage() != before);
+    studio.model.undo();
+    QCOMPARE(studio.canvas.grab().toImage(), before);
+}
+
+void tst_CanvasView::aHugeBlankCanvasHoldsNoTileImages() {
+    Studio studio;
+    studio.model.newDocument(30000, 30000, 72, std::nullopt, QStringLiteral("Huge"));
+    studio.canvas.fit();
+    studio.canvas.grab();
+    QCOMPARE(studio.canvas.presentation().tileImageBytes(), int64_t{0});
+    std::vector<int64_t> all(static_cast<std::size_t>(studio.doc().grid().count()));
+    std::iota(all.begin(), all.end(), 0);
+    QVERIFY(displayImages(studio.doc(), all).empty());
+    studio.model.setActiveBrush(dot(300));
+    studio.penStroke({{15000, 15000}});
+    studio.canvas.grab();
+    QVERIFY(studio.canvas.presentation().tileImageBytes() <= 9 * kTileBytes);
+}
+
+void tst_CanvasView::rectanglesAreSelected_data() {
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<Qt::KeyboardModifiers>("keys");
+    QTest::addColumn<int>("first");  // value in the part of the first rectangle alone
+    QTest::addColumn<int>("common");
+    QTest::addColumn<int>("second");
+    QTest::newRow("new") << int(SelectionOp::replace) << Qt::KeyboardModifiers() << 0 << 255 << 255;
+    QTest::newRow("add") << int(SelectionOp::add) << Qt::KeyboardModifiers() << 255 << 255 << 255;
+    QTest::newRow("Command adds") << int(SelectionOp::replace) << Qt::KeyboardModifiers(Qt::ControlModifier) << 255 << 255 << 255;
+    QTest::newRow("Option subtracts") << int(SelectionOp::replace) << Qt::KeyboardModifiers(Qt::AltModifier) << 255 << 0 << 0;
+    QTest::newRow("both intersect") << int(SelectionOp::add) << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::AltModifier) << 0 << 255 << 0;
+}
+
+void tst_CanvasView::rectanglesAreSelected() {
+    QFETCH(int, mode);
+    QFETCH(Qt::KeyboardModifiers, keys);
+    QFETCH(int, first);
+    QFETCH(int, common);
+    QFETCH(int, second);
+    Studio studio;
+    studio.model.setTool(Tool::selectRect);
+    studio.mouseDrag({20.6, 20.6}, {99.2, 99.2});
+    QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 80, 80}));
+    studio.model.setSelectionMode(static_cast<SelectionOp>(mode));
+    studio.mouseDrag({60, 60}, {140, 140}, keys);
+    QVERIFY(studio.doc().selection);
+    QCOMPARE(int(studio.doc().selection->value(30, 30)), first);
+    QCOMPARE(int(studio.doc().selection->value(80, 80)), common);
+    QCOMPARE(int(studio.doc().selection->value(130, 130)), second);
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Select"));
+}
+
+void tst_CanvasView::aClickRemovesTheSelection() {
+    Studio studio;
+    studio.model.setTool(Tool::selectRect);
+    studio.mouseDrag({60, 60}, {20, 100}, Qt::ShiftModifier); // a square, away from the start
+    QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 60, 40, 40}));
+    studio.mouseDrag({50, 50}, {51, 51});
+    QVERIFY(!studio.doc().selection);
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Deselect"));
+    const int64_t steps = studio.doc().undoDepth();
+    studio.mouseDrag({50, 50}, {51, 51});
+    QCOMPARE(studio.doc().undoDepth(), steps);
+}
+
+void tst_CanvasView::keysDoWhatTheyDo() {
+    Studio studio;
+    const auto size = [&] { return studio.model.activeBrush().size; };
+    studio.model.setActiveBrush(dot(2));
+    studio.key(Qt::Key_BracketRight, QStringLiteral("]"));
+    QCOMPARE(size(), 3.0); // at least one more
+    studio.key(Qt::Key_BracketLeft, QStringLiteral("["));
+    studio.key(Qt::Key_BracketLeft, QStringLiteral("["));
+    studio.key(Qt::Key_BracketLeft, QStringLiteral("["));
+    studio.key(Qt::Key_BracketLeft, QStringLiteral("["));
+    QVERIFY(size() >= 1);
+    studio.model.setActiveBrush(dot(990));
+    studio.key(Qt::Key_BracketRight, QStringLiteral("]"));
+    QCOMPARE(size(), 1000.0);
+    studio.key(Qt::Key_E, QStringLiteral("e"));
+    QCOMPARE(studio.model.tool(), Tool::eraser);
+    studio.key(Qt::Key_B, QStringLiteral("b"), Qt::ControlModifier);
+    QCOMPARE(studio.model.tool(), Tool::eraser);
+    studio.key(Qt::Key_G, QStringLiteral("g")); // its gestures come later
+    QCOMPARE(studio.model.tool(), Tool::eraser);
+    const PaintColor first = studio.model.primary();
+    studio.key(Qt::Key_X, QStringLiteral("x"));
+    QCOMPARE(studio.model.secondary(), first);
+    studio.key(Qt::Key_D, QStringLiteral("D"), Qt::ShiftModifier);
+    QCOMPARE(studio.model.primary(), PaintColor::black());
+    studio.key(Qt::Key_Period, QStringLiteral("."));
+    QCOMPARE(studio.session().view.rotation, 15.0);
+    studio.key(Qt::Key_W, QStringLiteral("w"));
+    QVERIFY(studio.session().view.flipView);
+    studio.key(Qt::Key_F, QStringLiteral("f"));
+    QCOMPARE(studio.session().view.rotation, 0.0);
+    paintRect(studio.doc(), studio.layer(), {0, 0, 9, 9}, {9, 9, 9, 255});
+    studio.key(Qt::Key_Delete);
+    QVERIFY(studio.layer().isEmpty());
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Clear"));
+}
+
+void tst_CanvasView::wheelZoomsAroundThePointer() {
+    Studio studio;
+    const QPointF place(100, 60);
+    const QPointF at = studio.widgetPoint(place);
+    QWheelEvent wheel(at, studio.canvas.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&studio.canvas, &wheel);
+    QVERIFY(studio.session().view.zoom > 1.05);
+    const QPointF now = studio.widgetPoint(place);
+    QVERIFY(std::hypot(now.x() - at.x(), now.y() - at.y()) < 1.5);
+    const ViewState before = studio.session().view;
+    QWheelEvent pan(at, studio.canvas.mapToGlobal(at), {10, 20}, {40, 80}, Qt::NoButton, {}, Qt::ScrollUpdate, false);
+    QApplication::sendEvent(&studio.canvas, &pan);
+    QCOMPARE(studio.session().view.zoom, before.zoom);
+    QCOMPARE(studio.session().view.pan, before.pan + QPointF(10, -20));
+}
+
+void tst_CanvasView::theStatusFollowsThePen() {
+    Studio studio;
+    studio.penEvent(QEvent::TabletPress, {33.7, 21.2}, 0.5);
+    const CanvasStatus::Cursor cursor = studio.model.status().cursor();
+    QCOMPARE(cursor.x, int64_t{33});
+    QCOMPARE(cursor.y, int64_t{21});
+    QVERIFY(cursor.inside);
+    QVERIFY(std::abs(cursor.pressure - 0.5) < 1e-3);
+    studio.penEvent(QEvent::TabletRelease, {33.7, 21.2}, 0);
+    studio.canvas.setZoom(0.25);
+    QCOMPARE(studio.model.status().view().zoom, 0.25);
+}
+
+QIRN_TEST(tst_CanvasView)
+#include "tst_CanvasView.moc"

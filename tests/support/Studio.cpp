@@ -1,0 +1,85 @@
+#include "support/Studio.h"
+
+#include "DocSession.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPointingDevice>
+#include <QTabletEvent>
+#include <QtTest>
+
+namespace qirn::test {
+
+namespace {
+
+const QPointingDevice& pen(bool eraser) {
+    static const QPointingDevice tip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
+                                     QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 1);
+    static const QPointingDevice end(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Eraser,
+                                     QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 1);
+    return eraser ? end : tip;
+}
+
+} // namespace
+
+Studio::Studio()
+    : base(folder.path()), model(PaintModel::LoadStores::yes, desktop, defaults), canvas(model) {
+    model.setCanvas(&canvas);
+    canvas.strokeSeed = [] { return uint64_t{1}; };
+    model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
+    canvas.resize(800, 600);
+    canvas.show();
+    canvas.actualPixels();
+}
+
+QPointF Studio::widgetPoint(QPointF canvasPoint) const {
+    const QPointF view = canvas.viewPoint(canvasPoint);
+    return QPointF(view.x(), canvas.height() * canvas.devicePixelRatioF() - view.y()) / canvas.devicePixelRatioF();
+}
+
+void Studio::penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser, Qt::KeyboardModifiers modifiers) {
+    const QPointF at = widgetPoint(point);
+    const bool up = type == QEvent::TabletRelease;
+    const Qt::MouseButton button = type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton;
+    QTabletEvent event(type, &pen(eraser), at, canvas.mapToGlobal(at), pressure, 0, 0, 0, 0, 0, modifiers, button,
+                       up ? Qt::NoButton : Qt::LeftButton);
+    QApplication::sendEvent(&canvas, &event);
+}
+
+void Studio::penStroke(const std::vector<QPointF>& points, double pressure) {
+    penEvent(QEvent::TabletPress, points.front(), pressure);
+    for (std::size_t i = 1; i < points.size(); ++i) penEvent(QEvent::TabletMove, points[i], pressure);
+    penEvent(QEvent::TabletRelease, points.back(), 0);
+}
+
+void Studio::mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers) {
+    const QPointF at = widgetPoint(point);
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, at, canvas.mapToGlobal(at), button, held, modifiers);
+    QApplication::sendEvent(&canvas, &event);
+}
+
+void Studio::mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers) {
+    mouseEvent(QEvent::MouseButtonPress, from, modifiers);
+    mouseEvent(QEvent::MouseMove, (from + to) / 2, modifiers);
+    mouseEvent(QEvent::MouseMove, to, modifiers);
+    mouseEvent(QEvent::MouseButtonRelease, to, modifiers);
+}
+
+void Studio::key(int key, const QString& text, Qt::KeyboardModifiers modifiers) {
+    QKeyEvent press(QEvent::KeyPress, key, modifiers, text);
+    QApplication::sendEvent(&canvas, &press);
+    QKeyEvent release(QEvent::KeyRelease, key, modifiers, text);
+    QApplication::sendEvent(&canvas, &release);
+}
+
+void Studio::pointerLeaves() {
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&canvas, &leave);
+}
+
+void Studio::waitForPenEcho() { QTest::qWait(60); }
+
+} // namespace qirn::test

@@ -1,0 +1,49 @@
+#pragma once
+#include "AppFolders.h"
+#include "CanvasView.h"
+#include "Defaults.h"
+#include "PaintModel.h"
+#include "support/ScriptedDesktop.h"
+
+#include <memory>
+
+#include <QEvent>
+#include <QTemporaryDir>
+
+namespace qirn::test {
+
+/// A model with a canvas of 800 x 600 in a world of its own: a private folder, defaults in memory, a scripted
+/// desktop. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the widget.
+struct Studio {
+    struct FolderOverride {
+        explicit FolderOverride(const QString& path) { AppFolders::setBaseOverride(path); }
+        ~FolderOverride() { AppFolders::setBaseOverride({}); }
+    };
+
+    QTemporaryDir folder;
+    FolderOverride base;
+    ScriptedDesktop desktop;
+    MemoryDefaults defaults;
+    PaintModel model;
+    CanvasView canvas;
+
+    Studio();
+
+    DocSession& session() { return *model.current(); }
+    PaintDocument& doc() { return session().doc(); }
+    Layer& layer() { return doc().activeLayer(); }
+    QString path(const QString& name) const { return folder.filePath(name); }
+    QPointF widgetPoint(QPointF canvasPoint) const; ///< Where a canvas point is shown, in widget coordinates.
+
+    // Events as the window system would send them; points are canvas points.
+    void penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser = false, Qt::KeyboardModifiers modifiers = {});
+    void penStroke(const std::vector<QPointF>& points, double pressure = 1);
+    void mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers = {});
+    void mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers = {});
+    void key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {});
+    void pointerLeaves(); ///< The ring goes.
+    /// Lets the time pass in which a mouse event could be the echo of a pen's.
+    void waitForPenEcho();
+};
+
+} // namespace qirn::test
