@@ -72,6 +72,7 @@ private Q_SLOTS:
         const auto layer = std::make_shared<Layer>("a", TileGrid(5, 5));
         QVERIFY(!stopsTheProcess([&] { PaintDocument(5, 5, 72, {layer}, 0); }));
         QVERIFY(stopsTheProcess([&] { PaintDocument(5, 5, 72, {layer}, 1); }));
+        QVERIFY(stopsTheProcess([&] { PaintDocument(5, 300, 72, {layer}, 0); }));
     }
 
     void theActiveLayerIsAlwaysOneOfTheStack() {
