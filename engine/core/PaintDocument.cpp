@@ -31,6 +31,7 @@ PaintDocument::PaintDocument(int64_t width, int64_t height, double resolution, s
         activeIndex_ = 0;
     }
     require(activeIndex_ >= 0 && activeIndex_ < layerCount());
+    for (const LayerRef& layer : layers_) require(layer->grid() == grid_);
     resetHistory();
 }
 

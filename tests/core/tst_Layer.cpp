@@ -1,0 +1,187 @@
+#include "core/Layer.h"
+#include "core/PaintDocument.h"
+#include "core/PaintEngine.h"
+#include "support/Pictures.h"
+#include "support/Stops.h"
+#include "support/TestMain.h"
+
+#include <functional>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+const TileGrid kGrid(600, 300); // 3 x 2 tiles, cut at the right and at the bottom
+
+void put(Layer& layer, int64_t x, int64_t y, const PixelBytes& bytes) {
+    uint8_t* pixels =
+        layer.writableTile((y / kTileSize) * layer.grid().cols + x / kTileSize).writablePixels();
+    std::copy(bytes.begin(), bytes.end(), pixels + (y % kTileSize) * kTileRowBytes + (x % kTileSize) * 4);
+}
+
+uint8_t red(const Layer& layer) {
+    return layer.pixel(300, 10)[0];
+}
+
+} // namespace
+
+class tst_Layer : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void paintingADuplicateLeavesTheOriginal() {
+        Layer original("a", kGrid), copy("b", kGrid);
+        put(original, 300, 10, {50, 0, 0, 255});
+        copy.shareTilesOf(original);
+        QCOMPARE(copy.tile(1), original.tile(1));
+        put(copy, 300, 10, {60, 0, 0, 255});
+        QCOMPARE(int(red(original)), 50);
+        put(original, 300, 10, {70, 0, 0, 255}); // and the other way round
+        QCOMPARE(int(red(copy)), 60);
+        QCOMPARE(int(red(original)), 70);
+    }
+
+    void aStateKeepsItsPixelsWhateverTheLayerDoes() {
+        Layer layer("a", kGrid);
+        put(layer, 300, 10, {50, 0, 0, 255});
+        put(layer, 0, 0, {5, 5, 5, 5});
+        const LayerState state = layer.captureState();
+        const Tile* untouched = layer.tile(0);
+        put(layer, 300, 10, {60, 0, 0, 255});
+        QCOMPARE(layer.tile(0), untouched); // only what is written is copied
+        const Tile* written = layer.tile(1);
+        put(layer, 301, 10, {60, 0, 0, 255});
+        QCOMPARE(layer.tile(1), written); // and copied once
+        put(layer, 0, 299, {9, 9, 9, 9}); // a tile that was absent when the state was taken
+        QCOMPARE(int(red(Layer(state, kGrid))), 50);
+        QVERIFY(!Layer(state, kGrid).tile(3));
+
+        // The tile made after the first state is frozen by the second one.
+        const LayerState second = layer.captureState();
+        put(layer, 0, 299, {1, 1, 1, 1});
+        layer.removeAllTiles();
+        QCOMPARE(int(Layer(second, kGrid).pixel(0, 299)[0]), 9);
+        QCOMPARE(int(red(Layer(second, kGrid))), 60);
+    }
+
+    void aFrozenTileCannotBeWritten() {
+        Tile tile;
+        tile.writablePixels()[3] = 1;
+        tile.freeze();
+        QVERIFY(stopsTheProcess([&] { tile.writablePixels()[3] = 2; }));
+        Tile copy(tile);
+        copy.writablePixels()[3] = 2;
+        QCOMPARE(int(tile.pixels()[3]), 1);
+        QCOMPARE(reinterpret_cast<uintptr_t>(tile.pixels()) % 64, uintptr_t{0});
+    }
+
+    void anIndexOutsideStopsTheProcess() {
+        Layer layer("a", kGrid);
+        QVERIFY(stopsTheProcess([&] { layer.writableTile(6); }));
+        QVERIFY(stopsTheProcess([&] { layer.setTile(-1, nullptr); }));
+        QVERIFY(stopsTheProcess([&] { layer.load(RGBABuffer(599, 300)); }));
+    }
+
+    void loadingAndReadingBackGivesTheSamePicture() {
+        const auto picture = noise(600, 300, 3);
+        for (int64_t y = 0; y < 256; ++y) std::fill_n(picture->row(y) + 256 * 4, 256 * 4, uint8_t{0});
+        picture->row(3)[300 * 4] = 200; // colour without alpha does not make a tile
+        Layer layer("a", kGrid);
+        put(layer, 300, 10, {50, 0, 0, 255});
+        const LayerState before = layer.captureState();
+        layer.load(*picture);
+        QVERIFY(!layer.tile(1));
+        picture->row(3)[300 * 4] = 0;
+        QCOMPARE(firstDifference(*layer.toBuffer(), *picture), QString());
+        QCOMPARE(text(layer.pixel(599, 299)), text(picture->pixel(599, 299)));
+        QCOMPARE(text(layer.pixel(600, 0)), QStringLiteral("0,0,0,0"));
+        QCOMPARE(text(layer.pixel(0, -1)), QStringLiteral("0,0,0,0"));
+        for (int i = 44 * kTileRowBytes; i < kTileBytes; ++i) QCOMPARE(int(layer.tile(5)->pixels()[i]), 0);
+        QCOMPARE(int(red(Layer(before, kGrid))), 50);
+
+        layer.load(RGBABuffer(600, 300));
+        for (int64_t i = 0; i < kGrid.count(); ++i) QVERIFY(!layer.tile(i));
+        QVERIFY(layer.isEmpty());
+    }
+
+    void contentBoundsAreTight() {
+        Layer layer("a", kGrid);
+        QVERIFY(!layer.contentBounds());
+        put(layer, 300, 10, {0, 0, 0, 1});
+        QCOMPARE(*layer.contentBounds(), (IRect{300, 10, 1, 1}));
+        put(layer, 7, 280, {0, 0, 0, 1});
+        put(layer, 310, 10, {0, 0, 0, 1});
+        put(layer, 8, 299, {0, 0, 0, 1});
+        QCOMPARE(*layer.contentBounds(), (IRect{7, 10, 304, 290}));
+
+        Layer beyond("b", kGrid); // alpha only behind the right and the lower edge of the canvas
+        beyond.writableTile(2).writablePixels()[200 * 4 + 3] = 255;
+        beyond.writableTile(3).writablePixels()[100 * kTileRowBytes + 3] = 255;
+        QVERIFY(!beyond.contentBounds());
+        QVERIFY(!beyond.isEmpty());
+    }
+
+    void anErasedLayerIsTheSamePictureAsAnUntouchedOne() {
+        Layer untouched("a", kGrid), erased("a", kGrid);
+        put(erased, 5, 5, {9, 9, 9, 9});
+        QVERIFY(erased.fingerprint() != untouched.fingerprint());
+        put(erased, 5, 5, {9, 9, 9, 0});
+        QVERIFY(erased.isEmpty());
+        QVERIFY(erased.tile(0));
+        QCOMPARE(erased.fingerprint(), untouched.fingerprint());
+    }
+
+    void theFingerprintSeesEverySetting_data() {
+        using Change = std::function<void(Layer&)>;
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<bool>("seen");
+        QTest::newRow("opacity 0.5004") << Change([](Layer& l) { l.opacity = 0.5004; }) << false;
+        QTest::newRow("opacity 0.501") << Change([](Layer& l) { l.opacity = 0.501; }) << true;
+        QTest::newRow("mode") << Change([](Layer& l) { l.blendMode = BlendMode::multiply; }) << true;
+        QTest::newRow("hidden") << Change([](Layer& l) { l.isVisible = false; }) << true;
+        QTest::newRow("lock") << Change([](Layer& l) { l.isLocked = true; }) << true;
+        QTest::newRow("alpha lock") << Change([](Layer& l) { l.alphaLocked = true; }) << true;
+        QTest::newRow("clipping") << Change([](Layer& l) { l.isClipping = true; }) << true;
+        QTest::newRow("name") << Change([](Layer& l) { l.name = QStringLiteral("\U0001F58C"); }) << true;
+        QTest::newRow("a pixel") << Change([](Layer& l) { put(l, 599, 299, {0, 0, 0, 1}); }) << true;
+        QTest::newRow("moved a tile") << Change([](Layer& l) {
+            l.removeAllTiles();
+            put(l, 256, 0, {1, 1, 1, 1});
+        }) << true;
+        QTest::newRow("none") << Change([](Layer&) {}) << false;
+    }
+    void theFingerprintSeesEverySetting() {
+        QFETCH(std::function<void(Layer&)>, change);
+        QFETCH(bool, seen);
+        Layer layer("a", kGrid), other("a", kGrid);
+        for (Layer* l : {&layer, &other}) {
+            l->opacity = 0.5;
+            put(*l, 0, 0, {1, 1, 1, 1});
+        }
+        change(other);
+        QCOMPARE(other.fingerprint() != layer.fingerprint(), seen);
+        // A state brings all of it back.
+        QCOMPARE(Layer(other.captureState(), kGrid).fingerprint(), other.fingerprint());
+    }
+
+    void thumbnailsReduceAndEnlarge() {
+        Layer wide("a", kGrid);
+        wide.load(*noise(600, 300, 11));
+        const auto small = wide.thumbnail(60);
+        QCOMPARE(small->width(), int64_t{60});
+        QCOMPARE(small->height(), int64_t{30});
+        for (int64_t y = 0; y < 30; ++y) {
+            for (int64_t x = 0; x < 60; ++x) QCOMPARE(small->pixel(x, y), wide.pixel(x * 10 + 5, y * 10 + 5));
+        }
+        Layer line("b", TileGrid(1, 3));
+        line.load(*noise(1, 3, 2));
+        const auto large = line.thumbnail(9);
+        QCOMPARE(large->width(), int64_t{3});
+        for (int64_t y = 0; y < 9; ++y) QCOMPARE(large->pixel(2, y), line.pixel(0, y / 3));
+        QCOMPARE(Layer("c", TileGrid(1, 9000)).thumbnail(40)->width(), int64_t{1});
+    }
+};
+
+QIRN_TEST(tst_Layer)
+#include "tst_Layer.moc"

@@ -1,0 +1,155 @@
+#include "compositing/CompositeInputs.h"
+#include "core/PaintDocument.h"
+#include "core/PaintEngine.h"
+#include "operations/LayerOperations.h"
+#include "support/Pictures.h"
+#include "support/Stops.h"
+#include "support/TestMain.h"
+
+#include <fstream>
+
+#include <QElapsedTimer>
+
+#include <unistd.h>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+QStringList names(const PaintDocument& doc) {
+    QStringList list;
+    for (const LayerRef& layer : doc.layers()) list += layer->name;
+    return list;
+}
+
+int64_t residentBytes() {
+    int64_t total = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    return resident * sysconf(_SC_PAGESIZE);
+}
+
+} // namespace
+
+class tst_PaintDocument : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aNewPictureStartsOnAnEmptyLayer_data() {
+        QTest::addColumn<std::optional<PaintColor>>("background");
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<bool>("painted");
+        const QStringList two{"Background", "Layer 1"};
+        QTest::newRow("without background") << std::optional<PaintColor>() << QStringList{"Layer 1"} << false;
+        QTest::newRow("white") << std::optional(PaintColor::white()) << two << true;
+        QTest::newRow("clear") << std::optional(PaintColor(1, 1, 1, 0)) << two << false;
+    }
+    void aNewPictureStartsOnAnEmptyLayer() {
+        QFETCH(std::optional<PaintColor>, background);
+        QFETCH(bool, painted);
+        PaintDocument doc(300, 600, 72, background);
+        QTEST(::names(doc), "names");
+        QCOMPARE(doc.activeIndex(), doc.layerCount() - 1);
+        QVERIFY(doc.activeLayer().isEmpty());
+        QVERIFY(!doc.canUndo());
+        QCOMPARE(doc.changeCount(), 0);
+        for (int64_t i = 0; i < doc.grid().count(); ++i) QCOMPARE(doc.layer(0).tile(i) != nullptr, painted);
+        if (!painted) return;
+        QCOMPARE(doc.layer(0).tile(5)->pixels()[kTileBytes - 1], 255); // also beyond the canvas
+        QCOMPARE(text(compositePixel(doc, 299, 599)), QStringLiteral("255,255,255,255"));
+        QCOMPARE(text(compositePixel(doc, 300, 599)), QStringLiteral("0,0,0,0"));
+        QCOMPARE(text(compositePixel(doc, 0, -1)), QStringLiteral("0,0,0,0"));
+    }
+
+    void sizesBelowOneAreRaised() {
+        PaintDocument doc(0, -5, 72, {});
+        QCOMPARE(doc.grid(), TileGrid(1, 1));
+        QCOMPARE(doc.layerCount(), 1);
+    }
+
+    void aDocumentOfPartsIsChecked() {
+        QCOMPARE(names(PaintDocument(5, 5, 72, {}, 0)), QStringList{"Layer 1"});
+        const auto layer = std::make_shared<Layer>("a", TileGrid(5, 5));
+        QVERIFY(!stopsTheProcess([&] { PaintDocument(5, 5, 72, {layer}, 0); }));
+        QVERIFY(stopsTheProcess([&] { PaintDocument(5, 5, 72, {layer}, 1); }));
+        QVERIFY(stopsTheProcess([&] { PaintDocument(5, 300, 72, {layer}, 0); }));
+    }
+
+    void theActiveLayerIsAlwaysOneOfTheStack() {
+        PaintDocument doc(9, 9, 72, {});
+        addLayer(doc);
+        addLayer(doc);
+        doc.setActiveIndex(99);
+        QCOMPARE(doc.activeIndex(), 2);
+        doc.setActiveIndex(-1);
+        QCOMPARE(doc.activeIndex(), 0);
+        QCOMPARE(doc.indexOf(doc.layer(2).id), std::optional<int64_t>(2));
+        QVERIFY(!doc.indexOf(QUuid::createUuid()));
+    }
+
+    void fillingALayerSharesNothingThatIsPaintedLater() {
+        PaintDocument doc(600, 300, 72, PaintColor(0.5, 0.25, 1, 0.5));
+        QCOMPARE(text(doc.layer(0).pixel(599, 299)), QStringLiteral("64,32,128,128"));
+        doc.takeDirtyTiles();
+        paintRect(doc, doc.layer(0), {10, 10, 1, 1}, {1, 2, 3, 4});
+        QCOMPARE(text(doc.layer(0).pixel(266, 10)), QStringLiteral("64,32,128,128"));
+        QCOMPARE(doc.takeDirtyTiles(), std::vector<int64_t>{0});
+        Layer loose("not in the stack", doc.grid());
+        doc.fillLayer(loose, PaintColor::black());
+        QCOMPARE(doc.takeDirtyTiles().size(), std::size_t{6});
+        QVERIFY(!loose.isEmpty());
+    }
+
+    void onlyTilesOfTheCanvasBecomeDirty() {
+        PaintDocument doc(600, 300, 72, {});
+        QVERIFY(doc.takeDirtyTiles().empty());
+        doc.markDirty({600, 0, 50, 50});
+        doc.markDirty({-50, -50, 50, 50});
+        QVERIFY(doc.takeDirtyTiles().empty());
+        doc.markDirty({500, -10, 500, 20});
+        doc.markDirty({255, 255, 2, 2});
+        QCOMPARE(doc.takeDirtyTiles(), (std::vector<int64_t>{0, 1, 2, 3, 4}));
+        QVERIFY(doc.takeDirtyTiles().empty());
+    }
+
+    void theFingerprintSeesSizeOrderAndSettings() {
+        const auto make = [] { return randomDocument(300, 200, 3, 8); };
+        const uint64_t plain = make()->fingerprint();
+        QCOMPARE(make()->fingerprint(), plain);
+        const auto changed = [&](auto change) {
+            const auto doc = make();
+            change(*doc);
+            return doc->fingerprint() != plain;
+        };
+        QVERIFY(changed([](PaintDocument& d) { moveLayer(d, 0, 1); }));
+        QVERIFY(changed([](PaintDocument& d) { d.layer(1).isVisible = !d.layer(1).isVisible; }));
+        QVERIFY(!changed([](PaintDocument& d) { d.setActiveIndex(0); }));
+        QVERIFY(!changed([](PaintDocument& d) { d.onion.enabled = true; }));
+        QVERIFY(!changed([](PaintDocument& d) { d.commit("nothing"); }));
+        QVERIFY(PaintDocument(300, 200, 72, {}).fingerprint() !=
+                PaintDocument(200, 300, 72, {}).fingerprint());
+    }
+
+    void aHugeBlankPictureCostsNothing() {
+        const int64_t before = residentBytes();
+        QElapsedTimer timer;
+        timer.start();
+        std::vector<LayerRef> layers;
+        const TileGrid grid(30000, 30000);
+        for (int i = 0; i < 1000; ++i) layers.push_back(std::make_shared<Layer>("Layer", grid));
+        PaintDocument doc(30000, 30000, 72, std::move(layers), 999);
+        for (int i = 0; i < 100; ++i) doc.commit("Nothing");
+        for (int i = 0; i < 50; ++i) doc.undo();
+        QVERIFY(doc.activeLayer().isEmpty() && !doc.activeLayer().contentBounds());
+        QVERIFY(displayImages(doc, doc.takeDirtyTiles()).empty());
+        paintRect(doc, doc.layer(500), {29999, 29999, 1, 1}, {9, 9, 9, 9});
+        doc.commit("Dot");
+        QCOMPARE(doc.historyBytes(), kTileBytes);
+        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+        const int64_t grown = residentBytes() - before;
+        QVERIFY2(grown < 64'000'000, qPrintable(QString::number(grown)));
+    }
+};
+
+QIRN_TEST(tst_PaintDocument)
+#include "tst_PaintDocument.moc"

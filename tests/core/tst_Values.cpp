@@ -1,0 +1,262 @@
+#include "core/DirtyTiles.h"
+#include "core/IRect.h"
+#include "core/PaintColor.h"
+#include "core/PaintEngine.h"
+#include "core/RGBABuffer.h"
+#include "core/SeededRandom.h"
+#include "core/TileGrid.h"
+#include "support/Pictures.h"
+#include "support/Stops.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+#include <limits>
+
+#include <QColorSpace>
+#include <QPainter>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+std::vector<IRect> smallRects() {
+    std::vector<IRect> rects;
+    for (int64_t x : {-1, 0, 2}) {
+        for (int64_t y : {-1, 1}) {
+            for (int64_t w : {-1, 0, 1, 3}) {
+                for (int64_t h : {0, 1, 2}) rects.push_back({x, y, w, h});
+            }
+        }
+    }
+    return rects;
+}
+
+} // namespace
+
+class tst_Values : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rectanglesCombineAsSetsOfPixels() {
+        for (const IRect& a : smallRects()) {
+            for (const IRect& b : smallRects()) {
+                const IRect common = a.intersection(b), both = a.united(b);
+                if (common.isEmpty()) QCOMPARE(common, IRect{});
+                for (int64_t y = -2; y < 5; ++y) {
+                    for (int64_t x = -2; x < 7; ++x) {
+                        const bool inA = !a.isEmpty() && a.contains(x, y);
+                        const bool inB = !b.isEmpty() && b.contains(x, y);
+                        QCOMPARE(!common.isEmpty() && common.contains(x, y), inA && inB);
+                        if (inA || inB) QVERIFY(both.contains(x, y));
+                    }
+                }
+                if (a.isEmpty())
+                    QCOMPARE(both, b);
+                else if (b.isEmpty())
+                    QCOMPARE(both, a);
+                else
+                    QCOMPARE(both.maxX(), std::max(a.maxX(), b.maxX()));
+            }
+        }
+        QCOMPARE((IRect{10, 20, 30, 40}.insetBy(-2)), (IRect{8, 18, 34, 44}));
+        QCOMPARE((IRect{10, 20, 3, 40}.insetBy(2)), (IRect{12, 22, -1, 36}));
+        QCOMPARE((IRect{10, 20, 30, 40}.description()), QStringLiteral("(10,20 30x40)"));
+    }
+
+    void coveringRoundsOutward_data() {
+        const double infinity = std::numeric_limits<double>::infinity();
+        QTest::addColumn<QRectF>("rect");
+        QTest::addColumn<IRect>("expected");
+        QTest::newRow("fractions") << QRectF(-0.25, 1.75, 1.5, 1.0) << IRect{-1, 1, 3, 2};
+        QTest::newRow("whole") << QRectF(3, 4, 5, 6) << IRect{3, 4, 5, 6};
+        QTest::newRow("backwards") << QRectF(8, 10, -5, -6) << IRect{3, 4, 5, 6};
+        QTest::newRow("null") << QRectF() << IRect{};
+        QTest::newRow("infinite") << QRectF(-infinity, 0, infinity, 1) << IRect{};
+        QTest::newRow("not a number") << QRectF(0, std::nan(""), 1, 1) << IRect{};
+    }
+    void coveringRoundsOutward() {
+        QFETCH(QRectF, rect);
+        QTEST(IRect::covering(rect), "expected");
+    }
+
+    void noRectangleWraps() {
+        const int64_t top = std::numeric_limits<int64_t>::max();
+        QVERIFY(stopsTheProcess([&] { (void)IRect{top, 0, 1, 1}.maxX(); }));
+        QVERIFY(stopsTheProcess([&] { (void)IRect{0, 0, 1, 1}.insetBy(top); }));
+        QVERIFY(stopsTheProcess([&] { (void)IRect::covering({1e300, 0, 1, 1}); }));
+        QVERIFY(!stopsTheProcess([&] { (void)IRect{top - 1, 0, 1, 1}.maxX(); }));
+    }
+
+    void hexTexts_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QList<int>>("bytes");
+        const QList<int> none;
+        QTest::newRow("six digits") << "#0D0221" << QList<int>{13, 2, 33, 255};
+        QTest::newRow("three digits") << "abc" << QList<int>{0xAA, 0xBB, 0xCC, 255};
+        QTest::newRow("eight digits") << "01fE0300" << QList<int>{1, 254, 3, 0};
+        QTest::newRow("blanks round it") << " \t#F80\n" << QList<int>{255, 136, 0, 255};
+        QTest::newRow("five digits") << "12345" << none;
+        QTest::newRow("a letter beyond F") << "12345G" << none;
+        QTest::newRow("a minus sign") << "-12345" << none;
+        QTest::newRow("two hashes") << "##12345" << none;
+        QTest::newRow("a digit of another script") << QStringLiteral("12345\u0666") << none;
+        QTest::newRow("empty") << "" << none;
+    }
+    void hexTexts() {
+        QFETCH(QString, text);
+        QFETCH(QList<int>, bytes);
+        const auto color = PaintColor::fromHex(text);
+        QCOMPARE(color.has_value(), !bytes.isEmpty());
+        if (!color) return;
+        QCOMPARE((QList<int>{color->r8(), color->g8(), color->b8(), color->a8()}), bytes);
+        PaintColor opaque = *color;
+        opaque.a = 1;
+        QVERIFY(PaintColor::fromHex(color->hex()) == opaque);
+    }
+
+    void hueSaturationAndBrightness_data() {
+        QTest::addColumn<PaintColor>("color");
+        QTest::addColumn<double>("h");
+        QTest::addColumn<double>("s");
+        QTest::addColumn<double>("b");
+        QTest::newRow("black") << PaintColor::black() << 0. << 0. << 0.;
+        QTest::newRow("white") << PaintColor::white() << 0. << 0. << 1.;
+        QTest::newRow("blue") << PaintColor(0, 0, 1) << 2. / 3 << 1. << 1.;
+        QTest::newRow("red wins a tie with green") << PaintColor(1, 1, 0) << 1. / 6 << 1. << 1.;
+        QTest::newRow("green wins a tie with blue") << PaintColor(0, 1, 1) << .5 << 1. << 1.;
+        QTest::newRow("just below red") << PaintColor(1, 0, .5) << 11. / 12 << 1. << 1.;
+    }
+    void hueSaturationAndBrightness() {
+        QFETCH(PaintColor, color);
+        const auto hsb = color.hsb();
+        QTEST(hsb.h, "h");
+        QTEST(hsb.s, "s");
+        QTEST(hsb.b, "b");
+        const PaintColor back = PaintColor::fromHSV(hsb.h, hsb.s, hsb.b);
+        QCOMPARE(back.hex(), color.hex());
+        QCOMPARE(PaintColor::fromHSV(hsb.h - 3, hsb.s, hsb.b).hex(), color.hex());
+    }
+
+    void coloursStayInRange() {
+        QVERIFY(PaintColor(-1, 2, 0.5, 7) == PaintColor(0, 1, 0.5, 1));
+        QVERIFY(PaintColor(std::nan(""), 0, 0, 1) == PaintColor::black());
+        QVERIFY(PaintColor::fromHSV(-1e-17, 1, 1) == PaintColor(1, 0, 0));
+        PaintColor bad;
+        bad.r = 1.5;
+        QVERIFY(stopsTheProcess([&] { (void)bad.r8(); }));
+    }
+
+    void randomNumbersAreTheSameEverywhere() {
+        QCOMPARE(SeededRandom(0).state, uint64_t{1});
+        SeededRandom random(1);
+        QCOMPARE(random.state, uint64_t{0x9E3779B97F4A7C15});
+        QCOMPARE(random.next(), uint64_t{0xDC1B77AE0BF34DAD});
+        SeededRandom a(77), b(77);
+        for (int i = 0; i < 1000; ++i) {
+            const double unit = a.unit();
+            QVERIFY(unit >= 0 && unit < 1);
+            QCOMPARE(b.signedUnit(), 2 * unit - 1);
+        }
+    }
+
+    void hashesAreThoseOfFnv1a() {
+        QCOMPARE(PaintEngine::fnv({}), uint64_t{0xCBF29CE484222325});
+        const uint8_t letters[] = {'f', 'o', 'o', 'b', 'a', 'r'}; // the published test vector
+        QCOMPARE(PaintEngine::fnv(letters), uint64_t{0x85944171F73967E8});
+    }
+
+    void buffersHoldPremultipliedPixels() {
+        RGBABuffer tiny(0, -3);
+        QCOMPARE(tiny.byteCount(), int64_t{4});
+        QCOMPARE(text(tiny.pixel(0, 0)), QStringLiteral("0,0,0,0"));
+        tiny.fill({1, 0, 0, 0.5});
+        QCOMPARE(text(tiny.pixel(0, 0)), QStringLiteral("128,0,0,128"));
+        QCOMPARE(text(tiny.pixel(-1, 0)), QStringLiteral("0,0,0,0"));
+        QCOMPARE(text(tiny.pixel(0, 1)), QStringLiteral("0,0,0,0"));
+
+        const auto picture = noise(37, 11, 5);
+        const auto copy = picture->copy();
+        const QImage image = picture->makeImage();
+        picture->fill(PaintColor::clear());
+        QCOMPARE(firstDifference(*copy, *RGBABuffer::fromImage(image)), QString());
+        QVERIFY(copy->fingerprint() != picture->fingerprint());
+        QVERIFY(!RGBABuffer::fromImage(QImage()));
+    }
+
+    void imagesOfAnyKindBecomeTheOneFormat() {
+        QImage straight(2, 1, QImage::Format_ARGB32);
+        straight.setPixel(0, 0, qRgba(255, 0, 100, 128));
+        straight.setPixel(1, 0, qRgba(9, 9, 9, 0));
+        const auto buffer = RGBABuffer::fromImage(straight);
+        QCOMPARE(text(buffer->pixel(0, 0)), QStringLiteral("128,0,50,128"));
+        QCOMPARE(text(buffer->pixel(1, 0)), QStringLiteral("0,0,0,0"));
+
+        QImage wide(1, 1, QImage::Format_RGB32);
+        wide.fill(qRgb(200, 100, 50));
+        wide.setColorSpace(QColorSpace::DisplayP3);
+        const PixelBytes converted = RGBABuffer::fromImage(wide)->pixel(0, 0);
+        QVERIFY2(converted[0] > 205 && converted[2] < 45, qPrintable(text(converted)));
+    }
+
+    void drawingOverABufferLandsInIt() {
+        RGBABuffer buffer(4, 4);
+        {
+            QImage image = buffer.imageOverBytes();
+            QPainter painter(&image);
+            painter.fillRect(1, 2, 1, 1, QColor(255, 0, 0, 128));
+        }
+        QCOMPARE(text(buffer.pixel(1, 2)), QStringLiteral("128,0,0,128"));
+        QCOMPARE(text(buffer.pixel(2, 1)), QStringLiteral("0,0,0,0"));
+    }
+
+    void gridsCutTheCanvasIntoTiles_data() {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<int>("tiles");
+        QTest::newRow("1 x 1") << 1 << 1 << 1;
+        QTest::newRow("255 x 256") << 255 << 256 << 1;
+        QTest::newRow("257 x 256") << 257 << 256 << 2;
+        QTest::newRow("300 x 200") << 300 << 200 << 2;
+        QTest::newRow("4K") << 3840 << 2160 << 135;
+        QTest::newRow("largest") << 30000 << 30000 << 118 * 118;
+    }
+    void gridsCutTheCanvasIntoTiles() {
+        QFETCH(int, width);
+        QFETCH(int, height);
+        const TileGrid grid(width, height);
+        QTEST(static_cast<int>(grid.count()), "tiles");
+        // The parts cover the canvas without overlap, and a rectangle touches those that it meets.
+        int64_t area = 0;
+        const IRect rects[] = {{250, 250, 12, 12}, {-5, -5, 6, 6},       {256, 0, 256, 1},
+                               {width, 0, 10, 10}, {255, 0, 1, 1},       {-9, 3, 99999, 1},
+                               {5, 5, 0, 9},       {0, 0, width, height}};
+        std::vector<int64_t> touched[std::size(rects)];
+        for (int64_t i = 0; i < grid.count(); ++i) {
+            const IRect part = grid.rectOf(i);
+            QCOMPARE(part.intersection(grid.bounds()), part);
+            area += part.w * part.h;
+            for (std::size_t r = 0; r < std::size(rects); ++r) {
+                if (!part.intersection(rects[r]).isEmpty()) touched[r].push_back(i);
+            }
+        }
+        QCOMPARE(area, int64_t{width} * height);
+        for (std::size_t r = 0; r < std::size(rects); ++r) QCOMPARE(grid.tilesIn(rects[r]), touched[r]);
+    }
+
+    void dirtyTilesAreEachTakenOnce() {
+        DirtyTiles dirty;
+        for (int64_t index : {7, 2, 7, 40, 2}) dirty.add(index);
+        QCOMPARE(dirty.take(), (std::vector<int64_t>{2, 7, 40}));
+        QVERIFY(dirty.take().empty());
+        dirty.add(7);
+        dirty.setAll(3); // a smaller canvas: what was there does not count
+        dirty.add(1);
+        QCOMPARE(dirty.take(), (std::vector<int64_t>{0, 1, 2}));
+        dirty.add(40);
+        QCOMPARE(dirty.take(), (std::vector<int64_t>{40}));
+    }
+};
+
+QIRN_TEST(tst_Values)
+#include "tst_Values.moc"
