@@ -1,0 +1,239 @@
+#include "brush/DabStamp.h"
+
+#include "brush/PaperGrain.h"
+#include "brush/TipEdge.h"
+#include "operations/Selection.h"
+#include "platform/CheckedMath.h"
+#include "platform/Trigonometry.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace qirn {
+
+namespace {
+
+/// The pixels of one row of a tile that a dab reaches.
+struct Row {
+    int64_t count;
+    float* mask;
+    const uint8_t* before; // as before the stroke
+    uint8_t* pixels;       // written, never read
+};
+
+constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
+
+uint8_t byteOf(float v) {
+    return static_cast<uint8_t>(static_cast<int>(v + 0.5f));
+}
+
+// What a pixel becomes at a coverage from 0 to 1, from its bytes before the stroke. Alpha lock has no say over an
+// eraser.
+
+struct Erase {
+    void operator()(const uint8_t* before, float coverage, uint8_t* out) const {
+        const float k = 1 - coverage;
+        for (int c = 0; c < 4; ++c) out[c] = byteOf(k * static_cast<float>(before[c]));
+    }
+};
+
+struct PaintUnderAlphaLock {
+    std::array<float, 3> color; // straight, 0 to 1
+
+    void operator()(const uint8_t* before, float coverage, uint8_t* out) const {
+        if (before[3] == 0) return;
+        const auto alpha = static_cast<float>(before[3]);
+        for (std::size_t c = 0; c < 3; ++c) {
+            const auto v = static_cast<float>(before[c]);
+            out[c] = byteOf(std::min(v + coverage * (color[c] * alpha - v), alpha));
+        }
+        out[3] = before[3];
+    }
+};
+
+struct Paint {
+    std::array<float, 3> color255; // straight, 0 to 255
+
+    void operator()(const uint8_t* before, float coverage, uint8_t* out) const {
+        const float k = 1 - coverage;
+        const float alpha = coverage * 255 + k * static_cast<float>(before[3]);
+        for (std::size_t c = 0; c < 3; ++c) {
+            const auto v = static_cast<float>(before[c]);
+            out[c] = byteOf(std::min(k * v + coverage * color255[c], alpha));
+        }
+        out[3] = static_cast<uint8_t>(static_cast<int>(std::min(alpha + 0.5f, 255.0f)));
+    }
+};
+
+/// Raises the coverage of each pixel towards the dab's and writes those that moved.
+template <class Write>
+void blendRow(const Row& row, const double* coverage, double ceiling, float flow, const Write& write) {
+    for (int64_t i = 0; i < row.count; ++i) {
+        const auto target = static_cast<float>(coverage[i] * ceiling);
+        const float old = row.mask[i];
+        if (old >= target) continue;
+        const float raised = old + (target - old) * flow;
+        row.mask[i] = raised;
+        write(row.before + i * 4, raised, row.pixels + i * 4);
+    }
+}
+
+} // namespace
+
+/// A dab made ready: what does not change from pixel to pixel.
+struct DabStamp::Tip {
+    double cx;
+    double cy;
+    TipEdge edge;
+    double ceiling;
+    float flow;
+    bool textured;
+    bool isRound;
+    double sine = 0;
+    double cosine = 1;
+    double inverse = 1; // of the roundness
+
+    explicit Tip(const Dab& dab)
+        : cx(dab.cx),
+          cy(dab.cy),
+          edge(std::max(dab.radius, 0.5), dab.hardness),
+          ceiling(dab.ceiling),
+          flow(static_cast<float>(dab.flow)),
+          textured(dab.textured),
+          isRound(dab.roundness >= 0.999) {
+        if (isRound) return;
+        const SineCosine turn = sineCosine(dab.angle * std::numbers::pi / 180);
+        sine = turn.sine;
+        cosine = turn.cosine;
+        inverse = 1 / std::max(dab.roundness, 0.05);
+    }
+
+    IRect box() const {
+        const auto side = checkedWhole(std::ceil(2 * edge.r + 3));
+        return {checkedWhole(std::floor(cx - edge.r - 1)), checkedWhole(std::floor(cy - edge.r - 1)), side,
+                side};
+    }
+
+    /// The columns of a row within [first, last) that the tip may reach, with a pixel to spare on both sides, so
+    /// that rounding here never takes a pixel from the exact test.
+    void narrow(double dy, int64_t& first, int64_t& last) const {
+        const double reach = edge.r + 0.5;
+        // The ellipse as a dx^2 + 2 b dx dy + c dy^2 <= reach^2, solved for dx.
+        const double i2 = inverse * inverse;
+        const double a = cosine * cosine + i2 * sine * sine;
+        const double b = sine * cosine * (1 - i2);
+        const double c = sine * sine + i2 * cosine * cosine;
+        const double under = b * b * dy * dy - a * (c * dy * dy - reach * reach);
+        if (under < -1) {
+            last = first;
+            return;
+        }
+        const double half = std::sqrt(std::max(under, 0.0)) / a;
+        const double middle = cx - 0.5 - b * dy / a;
+        first = std::max(first, static_cast<int64_t>(std::floor(middle - half)) - 1);
+        last = std::min(last, static_cast<int64_t>(std::ceil(middle + half)) + 2);
+    }
+
+    template <bool hard, bool round> void cover(double* coverage, int64_t x, double dy, int64_t count) const {
+        const double us = sine * dy, vc = cosine * dy;
+        for (int64_t i = 0; i < count; ++i) {
+            const double dx = static_cast<double>(x + i) + 0.5 - cx;
+            double q;
+            if constexpr (round) {
+                q = dx * dx + dy * dy;
+            } else {
+                const double u = cosine * dx + us;
+                const double v = inverse * (vc - sine * dx);
+                q = u * u + v * v;
+            }
+            const double dist = std::sqrt(q);
+            coverage[i] = hard ? edge.hardCoverage(dist) : edge.softCoverage(dist);
+        }
+    }
+
+    void coverRow(double* coverage, int64_t x, double dy, int64_t count) const {
+        if (edge.isHard)
+            isRound ? cover<true, true>(coverage, x, dy, count) : cover<true, false>(coverage, x, dy, count);
+        else
+            isRound ? cover<false, true>(coverage, x, dy, count)
+                    : cover<false, false>(coverage, x, dy, count);
+    }
+};
+
+DabStamp::DabStamp(PaintDocument& document, Layer& layer, const BrushSettings& brush, const PaintColor& color)
+    : document_(document),
+      layer_(layer),
+      erases_(brush.kind == BrushKind::erase),
+      texture_(static_cast<float>(brush.texture)),
+      textureScale_(brush.textureScale),
+      color_{static_cast<float>(color.r), static_cast<float>(color.g), static_cast<float>(color.b)} {}
+
+IRect DabStamp::stamp(const Dab& dab) {
+    const Tip tip(dab);
+    const IRect box = tip.box().intersection(document_.grid().bounds());
+    if (box.isEmpty() || !(dab.ceiling > 0)) return {};
+    for (int64_t index : document_.grid().tilesIn(box)) {
+        stampTile(tip, index, document_.grid().rectOf(index).intersection(box));
+    }
+    document_.markDirty(box);
+    return box;
+}
+
+void DabStamp::releaseBuffers() {
+    work_.clear();
+}
+
+DabStamp::TileWork& DabStamp::workOn(int64_t index) {
+    TileWork& work = work_[index];
+    if (!work.mask) {
+        work.mask = std::make_unique<Mask>();
+        work.before = layer_.tiles().share(index);
+        if (work.before) work.before->freeze();
+    }
+    return work;
+}
+
+void DabStamp::stampTile(const Tip& tip, int64_t index, const IRect& part) {
+    TileWork& work = workOn(index);
+    uint8_t* pixels = layer_.writableTile(index).writablePixels();
+    const IRect tile = document_.grid().rectOf(index);
+    const Selection* selection = document_.selection.get();
+    std::array<double, kTileSize> coverage;
+    for (int64_t y = part.y; y < part.maxY(); ++y) {
+        const double dy = static_cast<double>(y) + 0.5 - tip.cy;
+        int64_t first = part.x, last = part.maxX();
+        tip.narrow(dy, first, last);
+        if (first >= last) continue;
+        const int64_t count = last - first;
+        tip.coverRow(coverage.data(), first, dy, count);
+        if (tip.textured) applyGrain(coverage.data(), first, y, count);
+        if (selection) {
+            const uint8_t* selected = selection->row(y) + first;
+            for (int64_t i = 0; i < count; ++i) coverage[static_cast<std::size_t>(i)] *= selected[i] / 255.0;
+        }
+        const int64_t place = (y - tile.y) * kTileSize + (first - tile.x);
+        const uint8_t* before =
+            work.before ? std::as_const(*work.before).pixels() + place * 4 : kTransparentRow.data();
+        const Row row{count, work.mask->coverage.data() + place, before, pixels + place * 4};
+        if (erases_)
+            blendRow(row, coverage.data(), tip.ceiling, tip.flow, Erase{});
+        else if (layer_.alphaLocked)
+            blendRow(row, coverage.data(), tip.ceiling, tip.flow, PaintUnderAlphaLock{color_});
+        else
+            blendRow(row, coverage.data(), tip.ceiling, tip.flow,
+                     Paint{{color_[0] * 255, color_[1] * 255, color_[2] * 255}});
+    }
+}
+
+void DabStamp::applyGrain(double* coverage, int64_t x, int64_t y, int64_t count) const {
+    constexpr int64_t mask = PaperGrain::size - 1;
+    const int64_t gy = static_cast<int64_t>(static_cast<double>(y) / textureScale_) & mask;
+    const float* grain = PaperGrain::values().data() + gy * PaperGrain::size;
+    for (int64_t i = 0; i < count; ++i) {
+        const int64_t gx = static_cast<int64_t>(static_cast<double>(x + i) / textureScale_) & mask;
+        coverage[i] *= static_cast<double>(1 - (1 - grain[gx]) * texture_);
+    }
+}
+
+} // namespace qirn

@@ -1,0 +1,265 @@
+#include "brush/SmudgeBlur.h"
+
+#include "operations/Selection.h"
+#include "platform/CheckedMath.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+namespace qirn {
+
+namespace {
+
+constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
+
+uint8_t byteOf(float v) {
+    return static_cast<uint8_t>(static_cast<int>(v + 0.5f));
+}
+
+/// Bytes from the start of a tile to a canvas pixel in it.
+int64_t placeInTile(int64_t x, int64_t y) {
+    return (y % kTileSize) * kTileRowBytes + (x % kTileSize) * 4;
+}
+
+/// Calls visit(index, x, count) for each tile that the canvas pixels [first, last) of a row lie in.
+template <class Visit>
+void forEachTileOfRow(const TileGrid& grid, int64_t first, int64_t last, int64_t y, Visit visit) {
+    for (int64_t x = first; x < last;) {
+        const int64_t next = std::min(last, (x / kTileSize + 1) * kTileSize);
+        visit((y / kTileSize) * grid.cols + x / kTileSize, x, next - x);
+        x = next;
+    }
+}
+
+/// The layer's pixels of part of a tile's row, or zeros where there is no tile.
+const uint8_t* rowInTile(const Layer& layer, int64_t index, int64_t x, int64_t y) {
+    const Tile* tile = layer.tile(index);
+    return tile ? tile->pixels() + placeInTile(x, y) : kTransparentRow.data();
+}
+
+/// How far the selection lets a dab through at a pixel; 0 where it does not.
+float selectedShare(const Selection& selection, int64_t x, int64_t y) {
+    return static_cast<float>(selection.row(y)[x]) / 255.0f;
+}
+
+/// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was.
+void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool keepsAlpha) {
+    std::array<float, 4> was, now;
+    for (std::size_t c = 0; c < 4; ++c) {
+        was[c] = static_cast<float>(pixel[c]);
+        now[c] = was[c] + given * (load[c] - was[c]);
+        load[c] += taken * (was[c] - load[c]);
+    }
+    if (keepsAlpha) now[3] = was[3];
+    for (std::size_t c = 0; c < 4; ++c) pixel[c] = byteOf(std::clamp(std::min(now[c], now[3]), 0.0f, 255.0f));
+}
+
+} // namespace
+
+SmudgeTip::SmudgeTip(PaintDocument& document, Layer& layer, const BrushSettings& brush)
+    : document_(document),
+      layer_(layer),
+      hardness_(brush.hardness),
+      strength_(static_cast<float>(brush.strength)),
+      pick_(static_cast<float>((1 - brush.strength) * 0.6 + 0.15)),
+      halfWidth_(static_cast<int64_t>(std::ceil(brush.size / 2)) + 1) {}
+
+IRect SmudgeTip::dab(double x, double y, double size) {
+    // A whole pixel, so that the carried square does not wander by fractions.
+    const int64_t cx = checkedWhole(std::round(x));
+    const int64_t cy = checkedWhole(std::round(y));
+    const TipEdge edge(std::max(size / 2, 1.0), hardness_);
+    const bool isFirst = load_.empty();
+    const int64_t side = 2 * halfWidth_ + 1;
+    if (isFirst) load_.resize(static_cast<std::size_t>(side * side * 4));
+
+    const TileGrid& grid = document_.grid();
+    IRect touched;
+    for (int64_t dy = -halfWidth_; dy <= halfWidth_; ++dy) {
+        const int64_t py = cy + dy;
+        const double under = (edge.r + 1) * (edge.r + 1) - static_cast<double>(dy * dy);
+        if (py < 0 || py >= grid.height || under < 0) continue;
+        const int64_t half = std::min(halfWidth_, static_cast<int64_t>(std::sqrt(under)) + 1);
+        const int64_t first = std::max<int64_t>(cx - half, 0), last = std::min(cx + half + 1, grid.width);
+        forEachTileOfRow(grid, first, last, py, [&](int64_t index, int64_t px, int64_t count) {
+            const Row row{index, px, py, count, px - cx, dy};
+            float* load = load_.data() + ((dy + halfWidth_) * side + (px - cx + halfWidth_)) * 4;
+            if (isFirst)
+                pickUp(edge, row, load);
+            else
+                touched = touched.united(drag(edge, row, load));
+        });
+    }
+    document_.markDirty(touched);
+    return touched;
+}
+
+/// The distance from the centre; the sum is exact, so that the root is the correctly rounded one.
+double SmudgeTip::Row::distance(int64_t i) const {
+    const auto across = static_cast<double>(dx + i), down = static_cast<double>(dy);
+    return std::sqrt(across * across + down * down);
+}
+
+void SmudgeTip::pickUp(const TipEdge& edge, const Row& row, float* load) const {
+    const uint8_t* pixels = rowInTile(layer_, row.tile, row.x, row.y);
+    for (int64_t i = 0; i < row.count; ++i) {
+        if (!(edge.coverage(row.distance(i)) > 0)) continue;
+        for (int64_t c = 4 * i; c < 4 * i + 4; ++c) load[c] = static_cast<float>(pixels[c]);
+    }
+}
+
+IRect SmudgeTip::drag(const TipEdge& edge, const Row& row, float* load) {
+    const Selection* selection = document_.selection.get();
+    const bool keepsAlpha = layer_.alphaLocked;
+    const uint8_t* pixels = rowInTile(layer_, row.tile, row.x, row.y);
+    uint8_t* writable = nullptr;
+    int64_t firstWritten = row.count, lastWritten = -1;
+    for (int64_t i = 0; i < row.count; ++i) {
+        const double covered = edge.coverage(row.distance(i));
+        if (!(covered > 0)) continue;
+        auto c = static_cast<float>(covered);
+        if (selection) {
+            c *= selectedShare(*selection, row.x + i, row.y);
+            if (!(c > 0)) continue;
+        }
+        if (keepsAlpha && pixels[i * 4 + 3] == 0) continue;
+        if (!writable) {
+            // Reads go on from the copy: nobody else may hold the tile that it was made of.
+            writable = layer_.writableTile(row.tile).writablePixels() + placeInTile(row.x, row.y);
+            pixels = writable;
+            firstWritten = i;
+        }
+        lastWritten = i;
+        smudgePixel(writable + i * 4, load + i * 4, c * strength_, c * pick_, keepsAlpha);
+    }
+    if (!writable) return {};
+    return {row.x + firstWritten, row.y, lastWritten - firstWritten + 1, 1};
+}
+
+BlurTip::BlurTip(PaintDocument& document, Layer& layer, const BrushSettings& brush)
+    : document_(document),
+      layer_(layer),
+      hardness_(brush.hardness),
+      strength_(static_cast<float>(brush.strength)) {}
+
+IRect BlurTip::dab(double x, double y, double size) {
+    const double r = std::max(size / 2, 1.0);
+    const int64_t b = std::clamp<int64_t>(static_cast<int64_t>(r * 0.2), 1, 12);
+    const int64_t side = static_cast<int64_t>(std::ceil(2 * r)) + 1;
+    const IRect area =
+        IRect{checkedWhole(std::floor(x - r)), checkedWhole(std::floor(y - r)), side, side}.intersection(
+            document_.grid().bounds());
+    if (area.isEmpty()) return {};
+    read(area.insetBy(-b));
+    blurRows(area.w, area.h + 2 * b, b);
+    blurColumns(area.w, area.h, b);
+    const TipEdge edge(r, hardness_);
+    for (int64_t py = area.y; py < area.maxY(); ++py) {
+        forEachTileOfRow(
+            document_.grid(), area.x, area.maxX(), py, [&](int64_t index, int64_t px, int64_t count) {
+                const int64_t row = py - area.y, column = px - area.x;
+                const float* source = source_.data() + ((row + b) * (area.w + 2 * b) + column + b) * 4;
+                const float* blurred = blurred_.data() + (row * area.w + column) * 4;
+                mix(edge, {index, px, py, count, x, y}, source, blurred);
+            });
+    }
+    document_.markDirty(area);
+    return area;
+}
+
+/// Fills `source_` with the layer's pixels; those beyond the canvas repeat its edge.
+void BlurTip::read(const IRect& area) {
+    const TileGrid& grid = document_.grid();
+    source_.resize(static_cast<std::size_t>(area.w * area.h * 4));
+    const int64_t first = std::max<int64_t>(area.x, 0), last = std::min(area.maxX(), grid.width);
+    for (int64_t y = area.y; y < area.maxY(); ++y) {
+        const int64_t inside = std::clamp<int64_t>(y, 0, grid.height - 1);
+        float* row = source_.data() + (y - area.y) * area.w * 4;
+        forEachTileOfRow(grid, first, last, inside, [&](int64_t index, int64_t x, int64_t count) {
+            const uint8_t* pixels = rowInTile(layer_, index, x, inside);
+            float* out = row + (x - area.x) * 4;
+            for (int64_t i = 0; i < count * 4; ++i) out[i] = static_cast<float>(pixels[i]);
+        });
+        for (int64_t x = area.x; x < first; ++x)
+            std::copy_n(row + (first - area.x) * 4, 4, row + (x - area.x) * 4);
+        for (int64_t x = last; x < area.maxX(); ++x)
+            std::copy_n(row + (last - 1 - area.x) * 4, 4, row + (x - area.x) * 4);
+    }
+}
+
+/// Box means along each row of `source_` into `rows_`, which is narrower by `b` on both sides. The sums are of
+/// whole numbers below 2^24 and so exact, whatever the order.
+void BlurTip::blurRows(int64_t width, int64_t height, int64_t b) {
+    const auto n = static_cast<float>(2 * b + 1);
+    rows_.resize(static_cast<std::size_t>(width * height * 4));
+    for (int64_t y = 0; y < height; ++y) {
+        const float* in = source_.data() + y * (width + 2 * b) * 4;
+        float* out = rows_.data() + y * width * 4;
+        std::array<float, 4> sum{};
+        for (int64_t i = 0; i < 2 * b * 4; ++i) sum[static_cast<std::size_t>(i % 4)] += in[i];
+        for (int64_t x = 0; x < width; ++x) {
+            for (std::size_t c = 0; c < 4; ++c) {
+                sum[c] += in[(x + 2 * b) * 4 + static_cast<int64_t>(c)];
+                out[x * 4 + static_cast<int64_t>(c)] = sum[c] / n;
+                sum[c] -= in[x * 4 + static_cast<int64_t>(c)];
+            }
+        }
+    }
+}
+
+/// Box means down each column of `rows_` into `blurred_`, which is lower by `b` on both sides. These sums round,
+/// so they slide from the first row on, with the rows beyond it repeating it.
+void BlurTip::blurColumns(int64_t width, int64_t height, int64_t b) {
+    const auto n = static_cast<float>(2 * b + 1);
+    const int64_t floats = width * 4, last = height + 2 * b - 1;
+    blurred_.resize(static_cast<std::size_t>(floats * height));
+    sums_.assign(static_cast<std::size_t>(floats), 0.0f);
+    const auto row = [&](int64_t y) { return rows_.data() + std::clamp<int64_t>(y, 0, last) * floats; };
+    for (int64_t y = -b; y <= b; ++y) {
+        const float* in = row(y);
+        for (int64_t i = 0; i < floats; ++i) sums_[static_cast<std::size_t>(i)] += in[i];
+    }
+    float* sums = sums_.data();
+    for (int64_t y = 0; y < height + b; ++y) {
+        const float* gained = row(y + b + 1);
+        const float* lost = row(y - b);
+        if (y >= b) {
+            float* out = blurred_.data() + (y - b) * floats;
+            for (int64_t i = 0; i < floats; ++i) out[i] = sums[i] / n;
+        }
+        for (int64_t i = 0; i < floats; ++i) sums[i] = (sums[i] + gained[i]) - lost[i];
+    }
+}
+
+void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, const float* blurred) {
+    const Selection* selection = document_.selection.get();
+    const double reach = (edge.r + 1) * (edge.r + 1);
+    const double dy = static_cast<double>(row.y) + 0.5 - row.cy;
+    uint8_t* writable = nullptr;
+    for (int64_t i = 0; i < row.count; ++i, source += 4, blurred += 4) {
+        const double dx = static_cast<double>(row.x + i) + 0.5 - row.cx;
+        if (dx * dx + dy * dy > reach) continue;
+        const double covered = edge.coverage(std::hypot(dx, dy));
+        if (!(covered > 0)) continue;
+        auto c = static_cast<float>(covered);
+        if (selection) {
+            c *= selectedShare(*selection, row.x + i, row.y);
+            if (!(c > 0)) continue;
+        }
+        const float m = c * strength_;
+        std::array<float, 4> now;
+        for (std::size_t k = 0; k < 4; ++k) now[k] = source[k] + m * (blurred[k] - source[k]);
+        if (layer_.alphaLocked) now[3] = source[3];
+        // Flat colour stays as it is and copies no tile.
+        if (std::equal(now.begin(), now.end(), source)) continue;
+        if (!writable) writable = layer_.writableTile(row.tile).writablePixels() + placeInTile(row.x, row.y);
+        const float alpha = std::clamp(now[3], 0.0f, 255.0f);
+        uint8_t* pixel = writable + i * 4;
+        for (std::size_t k = 0; k < 3; ++k) pixel[k] = byteOf(std::max(std::min(now[k], alpha), 0.0f));
+        pixel[3] = byteOf(alpha);
+    }
+}
+
+} // namespace qirn

@@ -1,0 +1,67 @@
+#pragma once
+#include "brush/BrushSettings.h"
+#include "brush/TipEdge.h"
+#include "core/IRect.h"
+#include "core/PaintDocument.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace qirn {
+
+/// Drags paint along: the tip carries a square of pixels, leaves some of it behind and takes up new paint as it
+/// goes. It works on the layer as the last dab left it, and heeds neither opacity, flow, texture nor colour.
+class SmudgeTip {
+public:
+    SmudgeTip(PaintDocument& document, Layer& layer, const BrushSettings& brush);
+
+    /// The centre in canvas pixels, the diameter with pressure and jitter. The first dab only fills the tip.
+    /// Returns what changed, marked dirty.
+    IRect dab(double x, double y, double size);
+
+private:
+    /// Pixels of one row that lie in one tile; `dx`, `dy` lead from the centre to the first of them.
+    struct Row {
+        int64_t tile, x, y, count, dx, dy;
+        double distance(int64_t i) const;
+    };
+    void pickUp(const TipEdge& edge, const Row& row, float* load) const;
+    IRect drag(const TipEdge& edge, const Row& row, float* load); // returns what it wrote
+
+    PaintDocument& document_;
+    Layer& layer_;
+    const double hardness_;
+    const float strength_;
+    const float pick_;        // share of new paint that a dab takes up
+    const int64_t halfWidth_; // of the carried square, pixels
+    std::vector<float> load_; // four channels from 0 to 255 a pixel; empty until the first dab
+};
+
+/// Mixes a box blur of the neighbourhood into the pixels under the tip. Like the smudge it works on the layer as
+/// the last dab left it.
+class BlurTip {
+public:
+    BlurTip(PaintDocument& document, Layer& layer, const BrushSettings& brush);
+
+    /// As above. Returns the square that was looked at, marked dirty.
+    IRect dab(double x, double y, double size);
+
+private:
+    struct Row {
+        int64_t tile, x, y, count;
+        double cx, cy; // of the dab
+    };
+    void read(const IRect& area);
+    void blurRows(int64_t width, int64_t height, int64_t b);
+    void blurColumns(int64_t width, int64_t height, int64_t b);
+    void mix(const TipEdge& edge, const Row& row, const float* source, const float* blurred);
+
+    PaintDocument& document_;
+    Layer& layer_;
+    const double hardness_;
+    const float strength_;
+    // Kept from dab to dab for their memory only; four channels from 0 to 255 a pixel.
+    std::vector<float> source_, rows_, blurred_, sums_;
+};
+
+} // namespace qirn
