@@ -1,0 +1,21 @@
+#pragma once
+#include "core/PaintDocument.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include <QImage>
+#include <QString>
+
+namespace qirn::ImageImport {
+
+/// A document from the bytes of any file that can be opened, told apart by content: the extension is not looked
+/// at. Throws PaintFileError for damage behind a native document's sound manifest, otherwise ExportError.
+std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QString& fileExtension);
+
+/// The picture of a PNG; nothing when it is damaged or claims a size that its bytes cannot hold.
+std::optional<QImage> decodePNG(std::span<const uint8_t> png);
+
+} // namespace qirn::ImageImport
