@@ -59,4 +59,7 @@ std::string manifestText(const Manifest& manifest);
 /// passed over.
 std::optional<Manifest> parseManifest(std::span<const uint8_t> text);
 
+/// The bytes that an entry names in what lies behind the manifest; nothing when they are not all there.
+std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blob, const TileEntry& entry);
+
 } // namespace qirn::PaintFile

@@ -15,9 +15,11 @@ namespace qirn {
 class FileError : public DescribedError {
 public:
     explicit FileError(int systemError); ///< An `errno` value.
+    static FileError notFlushed(int systemError);
     int systemError() const { return systemError_; }
 
 private:
+    FileError(int systemError, const QString& description);
     int systemError_;
 };
 

@@ -1,0 +1,38 @@
+#pragma once
+#include "core/Tile.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace qirn {
+
+// A tile's bytes as a stream of the public LZFSE format. Both directions keep their working memory from call to
+// call; an object serves one thread at a time.
+
+class TileEncoder {
+public:
+    TileEncoder();
+    /// The stream; nothing when it would not be smaller than the tile's own bytes.
+    std::optional<std::vector<uint8_t>> encode(const Tile& tile);
+
+private:
+    std::vector<uint8_t> stream_;
+    std::vector<uint8_t> workspace_;
+};
+
+class TileDecoder {
+public:
+    TileDecoder();
+    /// A tile of the stream's first `kTileBytes` bytes, not frozen; null when it is damaged or holds fewer. What
+    /// stands behind the stream's end mark is not looked at.
+    TileRef decode(std::span<const uint8_t> stream);
+
+private:
+    std::vector<uint8_t> stream_;
+    std::vector<uint8_t> pixels_;
+    std::vector<uint8_t> workspace_;
+};
+
+} // namespace qirn
