@@ -1,0 +1,127 @@
+#include "platform/Json.h"
+#include "support/TestMain.h"
+
+#include <QElapsedTimer>
+
+using namespace qirn;
+
+namespace {
+
+std::optional<Json> parsed(const QByteArray& text) {
+    return parseJson(
+        {reinterpret_cast<const uint8_t*>(text.constData()), static_cast<std::size_t>(text.size())});
+}
+
+/// What a typed read makes of a text: the value as text, or "refused".
+template <class Read> QString outcome(const QByteArray& text, Read read) {
+    try {
+        return QStringLiteral("%1").arg(read(*parsed(text)));
+    } catch (const JsonTypeError&) {
+        return QStringLiteral("refused");
+    }
+}
+
+} // namespace
+
+class tst_Json : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyWholeAndWellFormedTextIsRead_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<bool>("read");
+        const auto row = [](const char* name, const QByteArray& text, bool read) {
+            QTest::newRow(name) << text << read;
+        };
+        row("object", R"({"a":[1,2.5,true,null,"x"]})", true);
+        row("a bare value", "7", true);
+        row("blanks round it", " \n{}\t", true);
+        row("empty", "", false);
+        row("cut off", R"({"a":[1,2)", false);
+        row("cut in a string", "{\"a\":\"x", false);
+        row("something behind it", "{} {}", false);
+        row("a zero byte behind it", QByteArray("{}\0", 3), false);
+        row("a comma too many", "[1,]", false);
+        row("a comment", "/*x*/{}", false);
+        row("broken UTF-8", "\"\xC3\x28\"", false);
+        row("an overlong form", "\"\xC0\x80\"", false);
+        row("half a surrogate pair", R"("\ud83d")", false);
+        row("a number too large", "1e999", false);
+        row("not a number", "NaN", false);
+        row("32 deep", QByteArray(32, '[') + QByteArray(32, ']'), true);
+        row("33 deep", QByteArray(33, '[') + QByteArray(33, ']'), false);
+        row("33 deep, mixed", QByteArray("{\"a\":[").repeated(16) + "{}" + QByteArray("]}").repeated(16),
+            false);
+        row("a million deep", QByteArray(1'000'000, '['), false);
+    }
+    void onlyWholeAndWellFormedTextIsRead() {
+        QFETCH(QByteArray, text);
+        QTEST(parsed(text).has_value(), "read");
+    }
+
+    void theLastOfTwoEqualKeysWins() {
+        const auto json = parsed(R"({"a":{"x":1},"b":[1,[2],3],"a":[4,{"y":5}]})");
+        QCOMPARE(json->dump(), std::string(R"({"a":[4,{"y":5}],"b":[1,[2],3]})"));
+    }
+
+    void aMillionKeysAreReadInTime() {
+        QByteArray text = "{";
+        for (int i = 0; i < 1'000'000; ++i) text += '"' + QByteArray::number(i) + "\":0,";
+        text += "\"end\":1}";
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(jsonWhole(jsonMember(*parsed(text), "end")), 1);
+        QVERIFY(timer.elapsed() < 20'000);
+    }
+
+    void wholeNumbersAreNeverRounded_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("value");
+        const QString refused = QStringLiteral("refused");
+        QTest::newRow("300") << QByteArray("300") << "300";
+        QTest::newRow("300.0") << QByteArray("300.0") << "300";
+        QTest::newRow("3e2") << QByteArray("3e2") << "300";
+        QTest::newRow("-0") << QByteArray("-0") << "0";
+        QTest::newRow("largest") << QByteArray("9223372036854775807") << "9223372036854775807";
+        QTest::newRow("smallest") << QByteArray("-9223372036854775808") << "-9223372036854775808";
+        for (const char* bad : {"300.5", "9223372036854775808", "1e19", "-1e19", "99999999999999999999",
+                                "1e300", "true", "null", "\"3\"", "[3]"}) {
+            QTest::newRow(bad) << QByteArray(bad) << refused;
+        }
+    }
+    void wholeNumbersAreNeverRounded() {
+        QFETCH(QByteArray, text);
+        QTEST(outcome(text, jsonWhole), "value");
+    }
+
+    void kindsAreNeverConverted() {
+        const QString refused = QStringLiteral("refused");
+        for (const char* value : {"0", "1", "\"true\"", "null"}) QCOMPARE(outcome(value, jsonFlag), refused);
+        for (const char* value : {"true", "\"1\"", "null"}) QCOMPARE(outcome(value, jsonNumber), refused);
+        for (const char* value : {"1", "true", "null", "[]"}) QCOMPARE(outcome(value, jsonText), refused);
+        QCOMPARE(outcome("18446744073709551615", jsonNumber), QStringLiteral("1.84467e+19"));
+        QCOMPARE(outcome(R"("\ud83d\ude00")", jsonText), QStringLiteral("\U0001F600"));
+
+        const Json object = *parsed(R"({"a":1,"n":null})");
+        QVERIFY(jsonOptionalMember(object, "a"));
+        QVERIFY(!jsonOptionalMember(object, "n"));
+        QVERIFY(!jsonOptionalMember(object, "b"));
+        QVERIFY(jsonMember(object, "n").is_null());
+        QVERIFY_THROWS_EXCEPTION(JsonTypeError, jsonMember(object, "b"));
+        QVERIFY_THROWS_EXCEPTION(JsonTypeError, jsonMember(*parsed("[]"), "a"));
+        QVERIFY_THROWS_EXCEPTION(JsonTypeError, jsonOptionalMember(*parsed("7"), "a"));
+    }
+
+    void whatIsWrittenKeepsItsOrder() {
+        OrderedJson json;
+        json["z"] = 1;
+        json["a"] = {1.5, "\U0001F58C"};
+        json["m"] = "broken \xFF";
+        QCOMPARE(jsonBytes(json),
+                 std::string("{\"z\":1,\"a\":[1.5,\"\U0001F58C\"],\"m\":\"broken \uFFFD\"}"));
+        QVERIFY(jsonBytes(json, 2).starts_with("{\n  \"z\": 1,\n  \"a\": ["));
+    }
+};
+
+QIRN_TEST(tst_Json)
+#include "tst_Json.moc"
