@@ -7,9 +7,12 @@
 #include "support/TestMain.h"
 
 #include <cmath>
+#include <numeric>
+#include <set>
 
 #include <QApplication>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QWheelEvent>
 
@@ -138,7 +141,7 @@ void tst_CanvasView::penAndEnginePaintTheSamePicture_data() {
 void tst_CanvasView::penAndEnginePaintTheSamePicture() {
     QFETCH(QString, brush);
     QFETCH(bool, recorded);
-    std::vector<PenStroke> strokes = syntheticHand();
+    std::vector<std::vector<StrokePoint>> strokes = syntheticHand();
     if (recorded) {
         const auto recording = recordedHand();
         if (!recording) QSKIP("There is no pen recording on this machine.");
@@ -153,7 +156,7 @@ void tst_CanvasView::penAndEnginePaintTheSamePicture() {
     settings.airbrush = false;
     studio.model.setActiveBrush(settings);
     PaintDocument direct(1200, 900, 72, PaintColor::white());
-    for (const PenStroke& stroke : strokes) {
+    for (const std::vector<StrokePoint>& stroke : strokes) {
         studio.penEvent(QEvent::TabletPress, {stroke[0].x, stroke[0].y}, stroke[0].pressure);
         for (std::size_t i = 1; i < stroke.size(); ++i) {
             studio.penEvent(QEvent::TabletMove, {stroke[i].x, stroke[i].y}, stroke[i].pressure);

@@ -15,7 +15,7 @@ public:
         QStringList buttons;
     };
 
-    std::deque<std::optional<QString>> savePaths; ///< Answers to the save panel, in order.
+    std::deque<QString> savePaths; ///< Answers to the save panel, in order.
     std::deque<QStringList> openPaths;
     std::deque<int> answers; ///< Buttons to press.
 
@@ -26,7 +26,7 @@ public:
 
     std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>&, const QString&) override {
         proposedNames << proposedName;
-        return take(savePaths).value_or(std::nullopt);
+        return take(savePaths);
     }
     QStringList openFiles(const QList<FileType>&) override { return take(openPaths).value_or(QStringList()); }
     int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) override {

@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPointingDevice>
 #include <QTabletEvent>
 #include <QtTest>
 
@@ -13,18 +12,14 @@ namespace qirn::test {
 
 namespace {
 
-const QPointingDevice& pen(bool eraser) {
-    static const QPointingDevice tip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
-                                     QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 1);
-    static const QPointingDevice end(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Eraser,
-                                     QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 1);
-    return eraser ? end : tip;
+constexpr auto kCapabilities = QInputDevice::Capability::Position | QInputDevice::Capability::Pressure;
+
 }
 
-} // namespace
-
 Studio::Studio()
-    : base(folder.path()), model(PaintModel::LoadStores::yes, desktop, defaults), canvas(model) {
+    : base(folder.path()), model(PaintModel::LoadStores::yes, desktop, defaults), canvas(model),
+      penTip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen, kCapabilities, 1, 1),
+      eraserEnd(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Eraser, kCapabilities, 1, 1) {
     model.setCanvas(&canvas);
     canvas.strokeSeed = [] { return uint64_t{1}; };
     model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
@@ -42,7 +37,7 @@ void Studio::penEvent(QEvent::Type type, QPointF point, double pressure, bool er
     const QPointF at = widgetPoint(point);
     const bool up = type == QEvent::TabletRelease;
     const Qt::MouseButton button = type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton;
-    QTabletEvent event(type, &pen(eraser), at, canvas.mapToGlobal(at), pressure, 0, 0, 0, 0, 0, modifiers, button,
+    QTabletEvent event(type, eraser ? &eraserEnd : &penTip, at, canvas.mapToGlobal(at), pressure, 0, 0, 0, 0, 0, modifiers, button,
                        up ? Qt::NoButton : Qt::LeftButton);
     QApplication::sendEvent(&canvas, &event);
 }

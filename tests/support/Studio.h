@@ -8,6 +8,7 @@
 #include <memory>
 
 #include <QEvent>
+#include <QPointingDevice>
 #include <QTemporaryDir>
 
 namespace qirn::test {
@@ -26,6 +27,8 @@ struct Studio {
     MemoryDefaults defaults;
     PaintModel model;
     CanvasView canvas;
+    QPointingDevice penTip;
+    QPointingDevice eraserEnd;
 
     Studio();
 
