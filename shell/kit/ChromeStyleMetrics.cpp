@@ -134,7 +134,7 @@ QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
         return {contents.width() + Metrics::kSpace12 + Metrics::kSpace4 + arrow, Metrics::kControlHeight};
     }
     case CT_ComboBox:
-        return {contents.width() + 2 * Metrics::kControlPadding + Metrics::kChevron + Metrics::kSpace4,
+        return {contents.width() + 2 * Metrics::kControlPadding + Metrics::kChevron + Metrics::kSpace12,
                 Metrics::kControlHeight};
     case CT_SpinBox:
     case CT_LineEdit:
@@ -169,8 +169,11 @@ QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
     const int arrow = Metrics::kChevron + Metrics::kSpace8;
     if (control == CC_ComboBox && part == SC_ComboBoxArrow)
         return {rect.right() + 1 - arrow, rect.top(), arrow - Metrics::kSpace4, rect.height()};
-    if (control == CC_ComboBox && part == SC_ComboBoxEditField)
-        return rect.adjusted(Metrics::kControlPadding, 1, -arrow - Metrics::kSpace4, -1);
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
+        const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+        const int left = combo && combo->editable ? Metrics::kSpace4 : Metrics::kControlPadding;
+        return rect.adjusted(left, 1, -arrow, -1);
+    }
     if (control == CC_SpinBox) {
         const int half = rect.height() / 2;
         const int left = rect.right() + 1 - arrow;
