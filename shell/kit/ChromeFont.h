@@ -1,0 +1,12 @@
+#pragma once
+#include <QFont>
+
+/// The one font family of the interface in its four sizes.
+namespace qirn::ChromeFont {
+
+QFont title(); ///< Semibold.
+QFont body();
+QFont small();
+QFont caption(); ///< Headings of groups: small and medium weight.
+
+} // namespace qirn::ChromeFont

@@ -1,0 +1,37 @@
+#pragma once
+#include <optional>
+
+#include <QString>
+
+namespace qirn {
+
+/// How a number is shown and typed: the shown number is the value times `scale`, with `decimals` places.
+struct SliderFormat {
+    double scale = 1;
+    int decimals = 0;
+    QString suffix;
+
+    static SliderFormat plain(int decimals = 0) { return {1, decimals, {}}; }
+    static SliderFormat percent() { return {100, 0, QStringLiteral("%")}; } ///< A value of 0 to 1.
+    static SliderFormat pixels() { return {1, 0, QStringLiteral(" px")}; }
+    static SliderFormat degrees() { return {1, 0, QStringLiteral("°")}; }
+
+    QString text(double value) const;
+    /// The value meant by a typed text, with or without the suffix, with a point or a comma; nothing if it is no number.
+    std::optional<double> value(const QString& text) const;
+};
+
+/// How a slider's length maps to its values: the place along it is from 0 to 1.
+struct SliderScale {
+    double lower = 0;
+    double upper = 1;
+    double step = 0.01;       ///< What a value is rounded to while it is dragged, and what a key moves it by.
+    bool fineAtStart = false; ///< Small values take more of the length: the square of the place.
+
+    double valueAt(double place) const; ///< Rounded to the step.
+    double placeOf(double value) const; ///< A value outside gives the nearer end.
+    double stepped(double value, int steps) const;
+    double clamped(double value) const;
+};
+
+} // namespace qirn
