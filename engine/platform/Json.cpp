@@ -1,5 +1,6 @@
 #include "platform/Json.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -67,11 +68,15 @@ private:
     std::vector<std::string> keys_;
 };
 
-[[noreturn]] void wrongType(const char* wanted) { throw JsonTypeError(wanted); }
+[[noreturn]] void wrongType(const char* wanted) {
+    throw JsonTypeError(wanted);
+}
 
 } // namespace
 
 std::optional<Json> parseJson(std::span<const uint8_t> text) {
+    // The parser takes a zero byte for the end of the text and would not see what stands behind it.
+    if (std::find(text.begin(), text.end(), 0) != text.end()) return std::nullopt;
     DepthLimitedBuilder builder;
     if (!Json::sax_parse(text.begin(), text.end(), &builder)) return std::nullopt;
     return std::move(builder.root);

@@ -40,6 +40,7 @@ private Q_SLOTS:
         row("cut off", R"({"a":[1,2)", false);
         row("cut in a string", "{\"a\":\"x", false);
         row("something behind it", "{} {}", false);
+        row("a zero byte behind it", QByteArray("{}\0", 3), false);
         row("a comma too many", "[1,]", false);
         row("a comment", "/*x*/{}", false);
         row("broken UTF-8", "\"\xC3\x28\"", false);
