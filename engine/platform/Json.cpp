@@ -68,7 +68,9 @@ private:
     std::vector<std::string> keys_;
 };
 
-[[noreturn]] void wrongType(const char* wanted) { throw JsonTypeError(wanted); }
+[[noreturn]] void wrongType(const char* wanted) {
+    throw JsonTypeError(wanted);
+}
 
 } // namespace
 

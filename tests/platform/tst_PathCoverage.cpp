@@ -112,6 +112,9 @@ private Q_SLOTS:
     void shapesCoverTheirArea_data() {
         QTest::addColumn<QPainterPath>("path");
         QTest::addColumn<bool>("crossesItself");
+        QPainterPath ellipse;
+        ellipse.addEllipse(QRectF(-3.3, 2.2, 30.7, 19.1));
+        QTest::newRow("ellipse over the edge") << ellipse << false;
         QTest::newRow("thin line") << rectangle(3, 10.25, 20, 0.5) << false;
         QTest::newRow("inside one pixel") << rectangle(5.25, 5.25, 0.5, 0.5) << false;
         QTest::newRow("off the canvas") << rectangle(-20, -20, 10, 15) << false;
