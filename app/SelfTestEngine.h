@@ -1,0 +1,26 @@
+#pragma once
+#include "SelfTestReport.h"
+#include "brush/BrushSettings.h"
+#include "core/PaintDocument.h"
+
+#include <memory>
+
+namespace qirn {
+
+/// A hard round brush of one size at any pressure.
+BrushSettings selfTestBrush(double size, double opacity = 1);
+/// A layered picture with every kind of setting.
+std::unique_ptr<PaintDocument> selfTestPicture();
+
+/// The sections of the self-test that need nothing but the engine.
+namespace SelfTestEngine {
+
+void strokes(SelfTestReport& report);
+void blendModes(SelfTestReport& report);
+void undoRedo(SelfTestReport& report);
+void saveReopen(SelfTestReport& report);
+void quickPerformance(SelfTestReport& report);
+
+} // namespace SelfTestEngine
+
+} // namespace qirn
