@@ -19,7 +19,9 @@ QString made(const QString& folder) {
 
 } // namespace
 
-void AppFolders::setBaseOverride(const QString& folder) { baseOverride() = folder; }
+void AppFolders::setBaseOverride(const QString& folder) {
+    baseOverride() = folder;
+}
 
 QString AppFolders::base() {
     if (!baseOverride().isEmpty()) return baseOverride();
@@ -27,8 +29,14 @@ QString AppFolders::base() {
     return made(QDir(data).filePath(QStringLiteral("Qirn Paint")));
 }
 
-QString AppFolders::autosave() { return made(QDir(base()).filePath(QStringLiteral("Autosave"))); }
-QString AppFolders::brushesFile() { return QDir(base()).filePath(QStringLiteral("My Brushes.json")); }
-QString AppFolders::palettesFile() { return QDir(base()).filePath(QStringLiteral("My Palettes.json")); }
+QString AppFolders::autosave() {
+    return made(QDir(base()).filePath(QStringLiteral("Autosave")));
+}
+QString AppFolders::brushesFile() {
+    return QDir(base()).filePath(QStringLiteral("My Brushes.json"));
+}
+QString AppFolders::palettesFile() {
+    return QDir(base()).filePath(QStringLiteral("My Palettes.json"));
+}
 
 } // namespace qirn

@@ -10,8 +10,8 @@ namespace AppFolders {
 /// ends that.
 void setBaseOverride(const QString& folder);
 
-QString base();        ///< "Qirn Paint" in the user's data folder; made where missing, a failure being ignored.
-QString autosave();    ///< The safety copies; made likewise.
+QString base();     ///< "Qirn Paint" in the user's data folder; made where missing, a failure being ignored.
+QString autosave(); ///< The safety copies; made likewise.
 QString brushesFile(); ///< The user's presets.
 QString palettesFile();
 

@@ -22,7 +22,9 @@ constexpr int kPoints = 900; // of a stroke
 
 class Stopwatch {
 public:
-    double milliseconds() const { return std::chrono::duration<double, std::milli>(Clock::now() - start_).count(); }
+    double milliseconds() const {
+        return std::chrono::duration<double, std::milli>(Clock::now() - start_).count();
+    }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -34,7 +36,8 @@ StrokePoint penPoint(int i) {
     const double t = static_cast<double>(i) / kPoints;
     const int m = i % 60;
     const double swing = m < 30 ? m : 60 - m;
-    return {60 + t * (kWidth - 120), kHeight / 2.0 + (swing - 15) * 55, 0.2 + 0.8 * swing / 30, 0, 0, i / 120.0};
+    return {
+        60 + t * (kWidth - 120), kHeight / 2.0 + (swing - 15) * 55, 0.2 + 0.8 * swing / 30, 0, 0, i / 120.0};
 }
 
 /// Paper, three painted layers and an empty one to paint on.
@@ -43,7 +46,8 @@ std::unique_ptr<PaintDocument> paintedDocument() {
     BrushSettings brush = *BrushLibrary::named(QStringLiteral("Soft Round"));
     brush.size = 400;
     for (int layer = 0; layer < 3; ++layer) {
-        BrushStroke stroke(*doc, doc->layers().back(), brush, PaintColor(0.3 * layer, 0.5, 0.9 - 0.3 * layer), 1);
+        BrushStroke stroke(*doc, doc->layers().back(), brush, PaintColor(0.3 * layer, 0.5, 0.9 - 0.3 * layer),
+                           1);
         for (int i = 0; i < kPoints; ++i) {
             StrokePoint point = penPoint(i);
             point.y += 300 * (layer - 1);
@@ -76,8 +80,10 @@ void timeStroke(PaintDocument& doc, double size) {
     doc.commit(QStringLiteral("Brush Stroke"));
     std::sort(samples.begin(), samples.end());
     const double mean = std::accumulate(samples.begin(), samples.end(), 0.0) / kPoints;
-    std::printf(" %4.0f px: avg %6.2f ms  95%% %6.2f ms  max %6.2f ms per point · %5.0f points/s · %lld dabs\n", size, mean,
-                samples[kPoints * 95 / 100], samples.back(), kPoints / seconds, static_cast<long long>(stroke.dabCount()));
+    std::printf(
+        " %4.0f px: avg %6.2f ms  95%% %6.2f ms  max %6.2f ms per point · %5.0f points/s · %lld dabs\n", size,
+        mean, samples[kPoints * 95 / 100], samples.back(), kPoints / seconds,
+        static_cast<long long>(stroke.dabCount()));
     std::fflush(stdout);
 }
 
@@ -93,14 +99,16 @@ void timeRecomposite(PaintDocument& doc) {
 void timeFile(PaintDocument& doc) {
     const Stopwatch saving;
     const QByteArray bytes = PaintFile::encode(doc);
-    std::printf("Save 4K 5-layer document: %.0f ms (%lld MB)\n", saving.milliseconds(), static_cast<long long>(bytes.size() / 1'000'000));
+    std::printf("Save 4K 5-layer document: %.0f ms (%lld MB)\n", saving.milliseconds(),
+                static_cast<long long>(bytes.size() / 1'000'000));
     const Stopwatch opening;
     PaintFile::decode(bytesOf(bytes));
     std::printf("Open it again: %.0f ms\n", opening.milliseconds());
 }
 
 void timeUndo(PaintDocument& doc) {
-    for (int64_t i = 1; i < doc.layerCount(); ++i) doc.fillLayer(doc.layer(i), PaintColor(0.1, 0.2, 0.3, 0.5));
+    for (int64_t i = 1; i < doc.layerCount(); ++i)
+        doc.fillLayer(doc.layer(i), PaintColor(0.1, 0.2, 0.3, 0.5));
     doc.commit(QStringLiteral("Fill"));
     const Stopwatch watch;
     doc.undo();
@@ -110,7 +118,8 @@ void timeUndo(PaintDocument& doc) {
 } // namespace
 
 void runBenchmark() {
-    std::printf("Qirn Paint benchmark — %d×%d canvas, 3 layers + paint layer — %d CPU threads — \n", kWidth, kHeight, concurrency());
+    std::printf("Qirn Paint benchmark — %d×%d canvas, 3 layers + paint layer — %d CPU threads — \n", kWidth,
+                kHeight, concurrency());
     std::fflush(stdout);
     const auto doc = paintedDocument();
     for (const double size : {20.0, 120.0, 400.0, 1000.0}) timeStroke(*doc, size);

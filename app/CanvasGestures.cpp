@@ -53,7 +53,8 @@ bool CanvasView::event(QEvent* event) {
 
 bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
     if (watched == qApp && event->type() == QEvent::TabletEnterProximity) {
-        penEndChanged(static_cast<QTabletEvent*>(event)->pointerType() == QPointingDevice::PointerType::Eraser);
+        penEndChanged(static_cast<QTabletEvent*>(event)->pointerType() ==
+                      QPointingDevice::PointerType::Eraser);
     } else if (watched == qApp && event->type() == QEvent::TabletLeaveProximity) {
         // A pen that leaves has let go, even when its release was lost.
         if (penDown_) {
@@ -101,14 +102,17 @@ void CanvasView::tabletEvent(QTabletEvent* event) {
             press(sample);
         }
         break;
-    case QEvent::TabletMove: penDown_ ? drag(sample) : hover(sample); break;
+    case QEvent::TabletMove:
+        penDown_ ? drag(sample) : hover(sample);
+        break;
     case QEvent::TabletRelease:
         if (event->button() == Qt::LeftButton && penDown_) {
             penDown_ = false;
             release(sample);
         }
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -125,8 +129,10 @@ std::optional<PenSample> CanvasView::mouseSample(const QMouseEvent& event) const
 }
 
 void CanvasView::mousePressEvent(QMouseEvent* event) {
-    if (const auto sample = mouseSample(*event); sample && event->button() == Qt::LeftButton) press(*sample);
-    else if (sample && event->button() == Qt::MiddleButton && drag_ == Drag::none) beginPan(*sample);
+    if (const auto sample = mouseSample(*event); sample && event->button() == Qt::LeftButton)
+        press(*sample);
+    else if (sample && event->button() == Qt::MiddleButton && drag_ == Drag::none)
+        beginPan(*sample);
 }
 
 void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -143,7 +149,8 @@ void CanvasView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
-    const bool ends = event->button() == Qt::LeftButton || (event->button() == Qt::MiddleButton && drag_ == Drag::pan);
+    const bool ends =
+        event->button() == Qt::LeftButton || (event->button() == Qt::MiddleButton && drag_ == Drag::pan);
     if (const auto sample = mouseSample(*event); sample && ends) release(*sample);
 }
 
@@ -193,7 +200,8 @@ void CanvasView::press(const PenSample& sample) {
     dragStartView_ = sample.view;
     lastMouseView_ = sample.view;
     const Tool tool = model_.tool();
-    const bool picks = sample.modifiers.testFlag(Qt::AltModifier) || sample.modifiers.testFlag(Qt::ControlModifier);
+    const bool picks =
+        sample.modifiers.testFlag(Qt::AltModifier) || sample.modifiers.testFlag(Qt::ControlModifier);
     if (sample.clicks == 2 && tool == Tool::hand) return fit();
     if (spaceDown_ && sample.modifiers.testFlag(Qt::ControlModifier)) {
         drag_ = Drag::zoomDrag;
@@ -228,13 +236,15 @@ void CanvasView::drag(const PenSample& sample) {
     dragCurrent_ = canvasPoint(sample.view);
     const QPointF way = sample.view - dragStartView_;
     switch (drag_) {
-    case Drag::paint: return addToStroke(sample);
+    case Drag::paint:
+        return addToStroke(sample);
     case Drag::pan: {
         ViewState state = session_->view;
         state.pan = panStart_ + way;
         return applyView(state);
     }
-    case Drag::zoomDrag: return setZoom(zoomStart_ * std::pow(1.01, way.x()), dragStartView_);
+    case Drag::zoomDrag:
+        return setZoom(zoomStart_ * std::pow(1.01, way.x()), dragStartView_);
     case Drag::select: {
         QPainterPath path;
         path.addRect(selectionRect(sample.modifiers));
@@ -243,7 +253,8 @@ void CanvasView::drag(const PenSample& sample) {
         update(toWidget(before + overlay_.previewRegion()));
         break;
     }
-    case Drag::none: break;
+    case Drag::none:
+        break;
     }
     updateCursor(sample.view);
     reportCursor(sample.view, 0);
@@ -285,7 +296,8 @@ QRectF CanvasView::selectionRect(Qt::KeyboardModifiers modifiers) const {
     QPointF to = dragCurrent_;
     if (modifiers.testFlag(Qt::ShiftModifier)) {
         const double side = std::max(std::abs(to.x() - dragStart_.x()), std::abs(to.y() - dragStart_.y()));
-        to = dragStart_ + QPointF(to.x() < dragStart_.x() ? -side : side, to.y() < dragStart_.y() ? -side : side);
+        to = dragStart_ +
+             QPointF(to.x() < dragStart_.x() ? -side : side, to.y() < dragStart_.y() ? -side : side);
     }
     // Outward to whole pixels.
     return IRect::covering(QRectF(dragStart_, to).normalized()).rectF();
@@ -294,8 +306,10 @@ QRectF CanvasView::selectionRect(Qt::KeyboardModifiers modifiers) const {
 void CanvasView::commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers) {
     SelectionOp op = model_.selectionMode();
     const bool option = modifiers.testFlag(Qt::AltModifier);
-    if (modifiers.testFlag(Qt::ControlModifier)) op = option ? SelectionOp::intersect : SelectionOp::add;
-    else if (option) op = SelectionOp::subtract;
+    if (modifiers.testFlag(Qt::ControlModifier))
+        op = option ? SelectionOp::intersect : SelectionOp::add;
+    else if (option)
+        op = SelectionOp::subtract;
     PaintDocument& doc = session_->doc();
     doc.selection = Selection::make(path, op, doc.selection, doc.grid().width, doc.grid().height,
                                     model_.selectionAntialias() ? Antialias::yes : Antialias::no);
@@ -306,9 +320,11 @@ void CanvasView::commitSelection(const QPainterPath& path, Qt::KeyboardModifiers
 
 void CanvasView::sampleColor(QPointF canvasPoint) {
     PaintDocument& doc = session_->doc();
-    const auto x = static_cast<int64_t>(std::floor(canvasPoint.x())), y = static_cast<int64_t>(std::floor(canvasPoint.y()));
+    const auto x = static_cast<int64_t>(std::floor(canvasPoint.x())),
+               y = static_cast<int64_t>(std::floor(canvasPoint.y()));
     if (!doc.grid().bounds().contains(x, y)) return;
-    const PixelBytes pixel = model_.prefs().eyedropperAllLayers ? compositePixel(doc, x, y) : doc.activeLayer().pixel(x, y);
+    const PixelBytes pixel =
+        model_.prefs().eyedropperAllLayers ? compositePixel(doc, x, y) : doc.activeLayer().pixel(x, y);
     if (pixel[3] == 0) return model_.flash(tr("Nothing to pick there (transparent)"));
     const double a = pixel[3];
     model_.pick(PaintColor(pixel[0] / a, pixel[1] / a, pixel[2] / a), PaintModel::AddRecent::yes);
@@ -319,11 +335,14 @@ void CanvasView::sampleColor(QPointF canvasPoint) {
 StrokePoint CanvasView::strokePoint(const PenSample& sample) {
     const QPointF c = canvasPoint(sample.view);
     double raw = 1;
-    if (sample.fromPen) raw = sample.pressure;
-    else if (model_.prefs().mouseSpeedPressure) raw = speedPressure_.next(sample.time, sample.view);
+    if (sample.fromPen)
+        raw = sample.pressure;
+    else if (model_.prefs().mouseSpeedPressure)
+        raw = speedPressure_.next(sample.time, sample.view);
     speedPressure_.follow(sample.time, sample.view);
     lastEventPoint_ = sample.view;
-    return StrokePoint(c.x(), c.y(), shapedPressure(raw, model_.prefs().pressureCurve), sample.tiltX, sample.tiltY, sample.time);
+    return StrokePoint(c.x(), c.y(), shapedPressure(raw, model_.prefs().pressureCurve), sample.tiltX,
+                       sample.tiltY, sample.time);
 }
 
 bool CanvasView::beginStroke(const PenSample& sample) {
@@ -342,7 +361,8 @@ bool CanvasView::beginStroke(const PenSample& sample) {
     BrushSettings settings = model_.activeBrush();
     if (model_.penIsEraser && settings.kind == BrushKind::paint) settings.kind = BrushKind::erase;
     const auto active = static_cast<std::size_t>(doc.activeIndex());
-    stroke_ = std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.primary(), strokeSeed());
+    stroke_ =
+        std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.primary(), strokeSeed());
     updateAntsTimer();
     perfSamples_.clear();
     speedPressure_.follow(sample.time, sample.view);
@@ -391,7 +411,9 @@ void CanvasView::cancelStroke() {
     model_.announce();
 }
 
-bool CanvasView::isBusy() const { return stroke_ != nullptr; }
+bool CanvasView::isBusy() const {
+    return stroke_ != nullptr;
+}
 
 void CanvasView::endStroke() {
     holdTimer_.stop();

@@ -53,11 +53,16 @@ constexpr CharacterKey kCharacterKeys[] = {
 
 Qt::KeyboardModifier modifierOf(int key) {
     switch (key) {
-    case Qt::Key_Shift: return Qt::ShiftModifier;
-    case Qt::Key_Control: return Qt::ControlModifier;
-    case Qt::Key_Alt: return Qt::AltModifier;
-    case Qt::Key_Meta: return Qt::MetaModifier;
-    default: return Qt::NoModifier;
+    case Qt::Key_Shift:
+        return Qt::ShiftModifier;
+    case Qt::Key_Control:
+        return Qt::ControlModifier;
+    case Qt::Key_Alt:
+        return Qt::AltModifier;
+    case Qt::Key_Meta:
+        return Qt::MetaModifier;
+    default:
+        return Qt::NoModifier;
     }
 }
 
@@ -91,13 +96,19 @@ bool CanvasView::handleKeyRelease(QKeyEvent* event) {
 bool CanvasView::handleNamedKey(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Backspace:
-    case Qt::Key_Delete: model_.clearLayer(); return true;
-    case Qt::Key_Escape:
-        if (drag_ == Drag::none) model_.deselect();
-        else if (drag_ == Drag::paint) cancelStroke();
-        else dropGesture();
+    case Qt::Key_Delete:
+        model_.clearLayer();
         return true;
-    default: return false;
+    case Qt::Key_Escape:
+        if (drag_ == Drag::none)
+            model_.deselect();
+        else if (drag_ == Drag::paint)
+            cancelStroke();
+        else
+            dropGesture();
+        return true;
+    default:
+        return false;
     }
 }
 

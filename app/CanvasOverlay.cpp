@@ -14,7 +14,9 @@ constexpr int kLongOutline = 2000;       // path elements from which a step cost
 constexpr double kPreviewWidth = 1.5;    // logical points
 constexpr double kRingShadowWidth = 2.6; // the white line and 0.8 points of shadow on both sides
 
-QPen pen(const QColor& color, double width) { return {color, width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin}; }
+QPen pen(const QColor& color, double width) {
+    return {color, width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin};
+}
 
 } // namespace
 
@@ -30,7 +32,9 @@ void CanvasOverlay::setSelection(SelectionRef selection) {
     antsPath_.reset();
 }
 
-void CanvasOverlay::setPreview(const QPainterPath& path) { preview_ = path; }
+void CanvasOverlay::setPreview(const QPainterPath& path) {
+    preview_ = path;
+}
 
 const QPainterPath& CanvasOverlay::antsPath() const {
     if (!antsPath_) antsPath_ = canvasToWidget_.map(selection_->outline());
@@ -85,7 +89,9 @@ QRegion CanvasOverlay::ringRegion() const {
     return QRegion(square(radius + width + 1), QRegion::Ellipse) - QRegion(square(inner), QRegion::Ellipse);
 }
 
-QRegion CanvasOverlay::antsRegion() const { return selection_ ? outlineRegion(antsPath()) : QRegion(); }
+QRegion CanvasOverlay::antsRegion() const {
+    return selection_ ? outlineRegion(antsPath()) : QRegion();
+}
 
 QRegion CanvasOverlay::previewRegion() const {
     return preview_.isEmpty() ? QRegion() : outlineRegion(canvasToWidget_.map(preview_));

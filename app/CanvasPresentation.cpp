@@ -67,8 +67,9 @@ void CanvasPresentation::look(const ViewTransform& view, double zoom) {
     const int level = levelFor(zoom);
     if (level != window_.level() || !window_.range().contains(visible_)) {
         // A tile more on each side, so that a slow pan does not rebuild the window at each step.
-        window_.cover({std::max<int64_t>(visible_.firstCol - 1, 0), std::max<int64_t>(visible_.firstRow - 1, 0),
-                       std::min(visible_.endCol + 1, grid.cols), std::min(visible_.endRow + 1, grid.rows)},
+        window_.cover({std::max<int64_t>(visible_.firstCol - 1, 0),
+                       std::max<int64_t>(visible_.firstRow - 1, 0), std::min(visible_.endCol + 1, grid.cols),
+                       std::min(visible_.endRow + 1, grid.rows)},
                       level);
     }
     makeVisibleTiles();
@@ -83,7 +84,8 @@ std::vector<IRect> CanvasPresentation::update(const std::vector<int64_t>& dirty)
         states_[place] = TileState::stale;
         window_.drop(index);
         const int64_t col = index % document_->grid().cols, row = index / document_->grid().cols;
-        if (visible_.contains({col, row, col + 1, row + 1})) changed.push_back(document_->grid().rectOf(index));
+        if (visible_.contains({col, row, col + 1, row + 1}))
+            changed.push_back(document_->grid().rectOf(index));
     }
     makeVisibleTiles();
     return changed;
@@ -116,8 +118,10 @@ void CanvasPresentation::makeVisibleTiles() {
         const auto slot = static_cast<std::size_t>(i);
         const auto place = static_cast<std::size_t>(missing[slot]);
         const auto fresh = finished.find(missing[slot]);
-        if (states_[place] == TileState::empty) bare[slot] = displayTile(missing[slot], {});
-        else if (fresh != finished.end()) images_[place] = displayTile(missing[slot], fresh->second);
+        if (states_[place] == TileState::empty)
+            bare[slot] = displayTile(missing[slot], {});
+        else if (fresh != finished.end())
+            images_[place] = displayTile(missing[slot], fresh->second);
         pictures[slot] = {missing[slot], bare[slot].isNull() ? &images_[place] : &bare[slot]};
     });
     window_.put(pictures);
@@ -127,7 +131,9 @@ void CanvasPresentation::makeVisibleTiles() {
 QImage CanvasPresentation::displayTile(int64_t index, const QImage& composited) const {
     const IRect part = document_->grid().rectOf(index);
     QImage tile(static_cast<int>(part.w), static_cast<int>(part.h), QImage::Format_RGB32);
-    const auto squareOf = [this](int64_t pixel) { return static_cast<int64_t>(static_cast<double>(pixel) / checkerSize_); };
+    const auto squareOf = [this](int64_t pixel) {
+        return static_cast<int64_t>(static_cast<double>(pixel) / checkerSize_);
+    };
     std::vector<int64_t> columns(static_cast<std::size_t>(part.w));
     for (int64_t x = 0; x < part.w; ++x) columns[static_cast<std::size_t>(x)] = squareOf(part.x + x) & 1;
     static constexpr uint8_t kNothing[4] = {};
@@ -136,7 +142,8 @@ QImage CanvasPresentation::displayTile(int64_t index, const QImage& composited) 
         const uint8_t* in = composited.isNull() ? nullptr : composited.constScanLine(y);
         const int64_t rowParity = squareOf(part.y + y) & 1;
         for (int x = 0; x < tile.width(); ++x) {
-            const quint32 grey = columns[static_cast<std::size_t>(x)] == rowParity ? kCheckerDark : kCheckerLight;
+            const quint32 grey =
+                columns[static_cast<std::size_t>(x)] == rowParity ? kCheckerDark : kCheckerLight;
             out[x] = overGrey(in ? in + x * 4 : kNothing, grey);
         }
     }
@@ -148,14 +155,18 @@ void CanvasPresentation::dropUnseenTiles() {
         const auto col = static_cast<int64_t>(place) % document_->grid().cols;
         const auto row = static_cast<int64_t>(place) / document_->grid().cols;
         // At a high zoom the tiles in sight are few; far out their reduced pixels stand in the window already.
-        if (images_[place].isNull() || (window_.level() == 0 && visible_.contains({col, row, col + 1, row + 1}))) continue;
+        if (images_[place].isNull() ||
+            (window_.level() == 0 && visible_.contains({col, row, col + 1, row + 1})))
+            continue;
         images_[place] = {};
         states_[place] = TileState::stale;
         --heldImages_;
     }
 }
 
-int64_t CanvasPresentation::tileImageBytes() const { return heldImages_ * kTileBytes; }
+int64_t CanvasPresentation::tileImageBytes() const {
+    return heldImages_ * kTileBytes;
+}
 
 void CanvasPresentation::draw(QPainter& painter, const QRectF& exposed) const {
     if (!document_) return;

@@ -35,9 +35,12 @@ void drawCanvasShadow(QPainter& painter, const QRectF& canvas) {
                                          {corner.mirrored(false, true), corner.mirrored(true, true)}};
     const QRectF edge = canvas.translated(0, kDrop);
     // Small canvases have no room for two whole corners on a side: the corners shrink.
-    const double reachX = std::min<double>(kReach, edge.width() / 2), reachY = std::min<double>(kReach, edge.height() / 2);
-    const double xs[4] = {edge.left() - kReach, edge.left() + reachX, edge.right() - reachX, edge.right() + kReach};
-    const double ys[4] = {edge.top() - kReach, edge.top() + reachY, edge.bottom() - reachY, edge.bottom() + kReach};
+    const double reachX = std::min<double>(kReach, edge.width() / 2),
+                 reachY = std::min<double>(kReach, edge.height() / 2);
+    const double xs[4] = {edge.left() - kReach, edge.left() + reachX, edge.right() - reachX,
+                          edge.right() + kReach};
+    const double ys[4] = {edge.top() - kReach, edge.top() + reachY, edge.bottom() - reachY,
+                          edge.bottom() + kReach};
     painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
     painter.setRenderHint(QPainter::Antialiasing, false);
     for (int row = 0; row < 3; ++row) {

@@ -40,8 +40,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    template <class T>
-    void set(T& field, const T& value) {
+    template <class T> void set(T& field, const T& value) {
         if (field == value) return;
         field = value;
         Q_EMIT changed();

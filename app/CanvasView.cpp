@@ -18,17 +18,22 @@ namespace qirn {
 
 namespace {
 
-constexpr double kFitMargin = 60;          // logical points, both sides together
-constexpr double kLeastSide = 10;          // a smaller view is still coming up
-constexpr int kMostRepaintRects = 24;      // more are painted as their box
-constexpr int kBackgroundGrey = 31;        // white 0.12
+constexpr double kFitMargin = 60;     // logical points, both sides together
+constexpr double kLeastSide = 10;     // a smaller view is still coming up
+constexpr int kMostRepaintRects = 24; // more are painted as their box
+constexpr int kBackgroundGrey = 31;   // white 0.12
 constexpr double kSecondsBetweenReports = 0.05;
 
-uint64_t clockSeed() { return static_cast<uint64_t>(QDateTime::currentMSecsSinceEpoch()) & 0xFFFFFFu; }
+uint64_t clockSeed() {
+    return static_cast<uint64_t>(QDateTime::currentMSecsSinceEpoch()) & 0xFFFFFFu;
+}
 
 } // namespace
 
-CanvasView::CanvasView(PaintModel& model, QWidget* parent) : QWidget(parent), strokeSeed(clockSeed), model_(model) {
+CanvasView::CanvasView(PaintModel& model, QWidget* parent)
+    : QWidget(parent),
+      strokeSeed(clockSeed),
+      model_(model) {
     setObjectName(QStringLiteral("canvas"));
     setAccessibleName(tr("Canvas"));
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -76,8 +81,8 @@ QPointF CanvasView::toView(QPointF widgetPoint) const {
 QRect CanvasView::toWidget(const QRectF& device) const {
     const QPointF offset = deviceOffset();
     const double ratio = pixelRatio();
-    return QRectF((device.x() + offset.x()) / ratio, (device.y() + offset.y()) / ratio, device.width() / ratio,
-                  device.height() / ratio)
+    return QRectF((device.x() + offset.x()) / ratio, (device.y() + offset.y()) / ratio,
+                  device.width() / ratio, device.height() / ratio)
         .toAlignedRect();
 }
 
@@ -88,9 +93,13 @@ QRegion CanvasView::toWidget(const QRegion& device) const {
     return region;
 }
 
-QPointF CanvasView::canvasPoint(QPointF viewPoint) const { return session_ ? transform_.canvasPoint(viewPoint) : QPointF(); }
+QPointF CanvasView::canvasPoint(QPointF viewPoint) const {
+    return session_ ? transform_.canvasPoint(viewPoint) : QPointF();
+}
 
-QPointF CanvasView::viewPoint(QPointF canvasPoint) const { return session_ ? transform_.viewPoint(canvasPoint) : canvasPoint; }
+QPointF CanvasView::viewPoint(QPointF canvasPoint) const {
+    return session_ ? transform_.viewPoint(canvasPoint) : canvasPoint;
+}
 
 // --- Sessions
 
@@ -123,7 +132,9 @@ void CanvasView::forgetSession(const DocSession& session) {
 
 void CanvasView::fitIfNeeded() {
     const QSizeF size = deviceSize();
-    if (!session_ || !session_->needsFit || !isVisible() || size.width() <= kLeastSide || size.height() <= kLeastSide) return;
+    if (!session_ || !session_->needsFit || !isVisible() || size.width() <= kLeastSide ||
+        size.height() <= kLeastSide)
+        return;
     session_->needsFit = false;
     fit();
 }
@@ -173,7 +184,8 @@ void CanvasView::updateOverlay() {
 void CanvasView::updateAntsTimer() {
     // The ants rest during a stroke: their frame would come between two pen points.
     if (!overlay_.hasAnts() || stroke_ || !isVisible()) return antsTimer_.stop();
-    if (!antsTimer_.isActive() || antsTimer_.interval() != overlay_.antsInterval()) antsTimer_.start(overlay_.antsInterval());
+    if (!antsTimer_.isActive() || antsTimer_.interval() != overlay_.antsInterval())
+        antsTimer_.start(overlay_.antsInterval());
 }
 
 void CanvasView::prefsChanged() {
@@ -187,8 +199,10 @@ void CanvasView::paintEvent(QPaintEvent* event) {
     painter.scale(1 / pixelRatio(), 1 / pixelRatio());
     painter.translate(deviceOffset());
     const QRect box = event->rect();
-    const QRectF exposed(QPointF(box.topLeft()) * pixelRatio() - deviceOffset(), QSizeF(box.size()) * pixelRatio());
-    painter.fillRect(exposed.adjusted(-1, -1, 1, 1), QColor(kBackgroundGrey, kBackgroundGrey, kBackgroundGrey));
+    const QRectF exposed(QPointF(box.topLeft()) * pixelRatio() - deviceOffset(),
+                         QSizeF(box.size()) * pixelRatio());
+    painter.fillRect(exposed.adjusted(-1, -1, 1, 1),
+                     QColor(kBackgroundGrey, kBackgroundGrey, kBackgroundGrey));
     if (!session_) return;
     presentation_.look(transform_, session_->view.zoom);
     presentation_.draw(painter, exposed);
@@ -274,7 +288,9 @@ void CanvasView::toolDidChange() {
     updateOverlay();
 }
 
-void CanvasView::brushChanged() { updateCursor(lastMouseView_); }
+void CanvasView::brushChanged() {
+    updateCursor(lastMouseView_);
+}
 
 void CanvasView::updateCursor(std::optional<QPointF> viewPoint) {
     std::optional<CanvasOverlay::Ring> ring;
@@ -291,10 +307,14 @@ void CanvasView::updateCursor(std::optional<QPointF> viewPoint) {
 
 void CanvasView::updateMouseCursor() {
     const bool hand = spaceDown_ || model_.tool() == Tool::hand;
-    if (hand) setCursor(drag_ == Drag::pan ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
-    else if (model_.tool() == Tool::move) setCursor(Qt::ArrowCursor);
-    else if (model_.tool() == Tool::text) setCursor(Qt::IBeamCursor);
-    else setCursor(Qt::CrossCursor);
+    if (hand)
+        setCursor(drag_ == Drag::pan ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+    else if (model_.tool() == Tool::move)
+        setCursor(Qt::ArrowCursor);
+    else if (model_.tool() == Tool::text)
+        setCursor(Qt::IBeamCursor);
+    else
+        setCursor(Qt::CrossCursor);
 }
 
 void CanvasView::reportCursor(QPointF viewPoint, double pressure) {
@@ -305,7 +325,8 @@ void CanvasView::reportCursor(QPointF viewPoint, double pressure) {
     const TileGrid& grid = session_->doc().grid();
     const bool inside = p.x() >= 0 && p.y() >= 0 && p.x() < static_cast<double>(grid.width) &&
                         p.y() < static_cast<double>(grid.height);
-    model_.status().setCursor({static_cast<int64_t>(std::floor(p.x())), static_cast<int64_t>(std::floor(p.y())), inside, pressure});
+    model_.status().setCursor(
+        {static_cast<int64_t>(std::floor(p.x())), static_cast<int64_t>(std::floor(p.y())), inside, pressure});
 }
 
 } // namespace qirn

@@ -36,16 +36,16 @@ public:
     // What the model asks of it.
     void showSession(DocSession& session);
     void forgetSession(const DocSession& session); ///< Before the session goes away.
-    void flush();         ///< Recomposites and shows the dirty tiles at once.
+    void flush();                                  ///< Recomposites and shows the dirty tiles at once.
     void scheduleFlush(); ///< The same after the current event, once however often it was asked.
     enum class AllTiles { no, yes };
     void refresh(AllTiles all);
     void updateOverlay(); ///< Ants and previews as the model now has them.
     void toolDidChange();
     void prefsChanged();
-    void brushChanged();  ///< The ring follows.
-    bool isBusy() const;  ///< A stroke is in progress.
-    void endStroke();     ///< Ends and commits the stroke in progress, if any.
+    void brushChanged(); ///< The ring follows.
+    bool isBusy() const; ///< A stroke is in progress.
+    void endStroke();    ///< Ends and commits the stroke in progress, if any.
 
     // The view.
     DocSession* session() const { return session_; }
@@ -117,10 +117,10 @@ private:
     void applyViewTransform();
     void fitIfNeeded();
     double pixelRatio() const { return devicePixelRatioF(); }
-    QPointF toView(QPointF widgetPoint) const;   // logical widget point to view point
+    QPointF toView(QPointF widgetPoint) const;  // logical widget point to view point
     QRect toWidget(const QRectF& device) const; // device pixels, y down, to logical, outward
     QRegion toWidget(const QRegion& device) const;
-    QPointF deviceOffset() const;                // device pixels from the widget's corner to a whole one
+    QPointF deviceOffset() const; // device pixels from the widget's corner to a whole one
     QSizeF deviceSize() const;
     void repaintCanvas(const std::vector<IRect>& canvasRects);
     void updateCursor(std::optional<QPointF> viewPoint);
@@ -149,7 +149,7 @@ private:
     Drag drag_ = Drag::none;
     bool spaceDown_ = false;
     bool penDown_ = false;
-    double lastPenTime_ = -1; // of the latest pen event, by our own clock
+    double lastPenTime_ = -1;        // of the latest pen event, by our own clock
     Qt::KeyboardModifiers keysHeld_; // pen events bring none on some desktops
     std::optional<QPointF> lastMouseView_;
     SpeedPressure speedPressure_;

@@ -12,7 +12,9 @@ namespace qirn {
 
 namespace {
 
-int64_t reducedLength(int64_t length, int level) { return (length + (int64_t{1} << level) - 1) >> level; }
+int64_t reducedLength(int64_t length, int level) {
+    return (length + (int64_t{1} << level) - 1) >> level;
+}
 
 /// The plain mean of each block of 2^level x 2^level pixels; blocks at the canvas edge hold fewer.
 void reduceInto(const QImage& tile, int level, uchar* out, qsizetype outStride) {
@@ -31,8 +33,11 @@ void reduceInto(const QImage& tile, int level, uchar* out, qsizetype outStride) 
                 }
             }
             const auto count = static_cast<uint64_t>((bottom - top) * (right - left));
-            const auto mean = [count](uint64_t sum) { return static_cast<quint32>((sum + count / 2) / count); };
-            *target++ = 0xFF000000u | mean(redBlue >> 32) << 16 | mean(green) << 8 | mean(redBlue & 0xFFFFFFFFu);
+            const auto mean = [count](uint64_t sum) {
+                return static_cast<quint32>((sum + count / 2) / count);
+            };
+            *target++ =
+                0xFF000000u | mean(redBlue >> 32) << 16 | mean(green) << 8 | mean(redBlue & 0xFFFFFFFFu);
         }
     }
 }
@@ -57,13 +62,17 @@ void CanvasWindowImage::cover(const TileRange& range, int level) {
     const int64_t side = kTileSize >> level;
     const int64_t width = std::min(range.endCol * kTileSize, grid_.width) - range.firstCol * kTileSize;
     const int64_t height = std::min(range.endRow * kTileSize, grid_.height) - range.firstRow * kTileSize;
-    image_ = QImage(static_cast<int>(reducedLength(width, level)), static_cast<int>(reducedLength(height, level)),
-                    QImage::Format_RGB32);
-    held_.assign(static_cast<std::size_t>((range.endCol - range.firstCol) * (range.endRow - range.firstRow)), false);
+    image_ = QImage(static_cast<int>(reducedLength(width, level)),
+                    static_cast<int>(reducedLength(height, level)), QImage::Format_RGB32);
+    held_.assign(static_cast<std::size_t>((range.endCol - range.firstCol) * (range.endRow - range.firstRow)),
+                 false);
     if (!sameLevel) return;
-    for (int64_t row = std::max(range.firstRow, oldRange.firstRow); row < std::min(range.endRow, oldRange.endRow); ++row) {
-        for (int64_t col = std::max(range.firstCol, oldRange.firstCol); col < std::min(range.endCol, oldRange.endCol); ++col) {
-            const int64_t oldSlot = (row - oldRange.firstRow) * (oldRange.endCol - oldRange.firstCol) + col - oldRange.firstCol;
+    for (int64_t row = std::max(range.firstRow, oldRange.firstRow);
+         row < std::min(range.endRow, oldRange.endRow); ++row) {
+        for (int64_t col = std::max(range.firstCol, oldRange.firstCol);
+             col < std::min(range.endCol, oldRange.endCol); ++col) {
+            const int64_t oldSlot =
+                (row - oldRange.firstRow) * (oldRange.endCol - oldRange.firstCol) + col - oldRange.firstCol;
             if (!oldHeld[static_cast<std::size_t>(oldSlot)]) continue;
             const int64_t index = row * grid_.cols + col;
             held_[slotOf(index)] = true;
@@ -71,8 +80,10 @@ void CanvasWindowImage::cover(const TileRange& range, int level) {
             const auto bytes = static_cast<std::size_t>(reducedLength(tile.w, level) * 4);
             const int64_t rows = reducedLength(tile.h, level);
             for (int64_t y = 0; y < rows; ++y) {
-                std::memcpy(image_.scanLine(static_cast<int>((row - range.firstRow) * side + y)) + (col - range.firstCol) * side * 4,
-                            oldImage.constScanLine(static_cast<int>((row - oldRange.firstRow) * side + y)) + (col - oldRange.firstCol) * side * 4,
+                std::memcpy(image_.scanLine(static_cast<int>((row - range.firstRow) * side + y)) +
+                                (col - range.firstCol) * side * 4,
+                            oldImage.constScanLine(static_cast<int>((row - oldRange.firstRow) * side + y)) +
+                                (col - oldRange.firstCol) * side * 4,
                             bytes);
             }
         }
@@ -89,7 +100,9 @@ std::size_t CanvasWindowImage::slotOf(int64_t index) const {
     return static_cast<std::size_t>(row * (range_.endCol - range_.firstCol) + col);
 }
 
-bool CanvasWindowImage::holds(int64_t index) const { return inside(index) && held_[slotOf(index)]; }
+bool CanvasWindowImage::holds(int64_t index) const {
+    return inside(index) && held_[slotOf(index)];
+}
 
 void CanvasWindowImage::drop(int64_t index) {
     if (inside(index)) held_[slotOf(index)] = false;
@@ -119,7 +132,8 @@ void CanvasWindowImage::put(std::span<const TilePicture> tiles) {
 
 void CanvasWindowImage::draw(QPainter& painter) const {
     if (image_.isNull()) return;
-    const double x = static_cast<double>(range_.firstCol * kTileSize), y = static_cast<double>(range_.firstRow * kTileSize);
+    const double x = static_cast<double>(range_.firstCol * kTileSize),
+                 y = static_cast<double>(range_.firstRow * kTileSize);
     const double right = static_cast<double>(std::min(range_.endCol * kTileSize, grid_.width));
     const double bottom = static_cast<double>(std::min(range_.endRow * kTileSize, grid_.height));
     const double scale = static_cast<double>(int64_t{1} << level_);

@@ -54,7 +54,7 @@ private:
     TileGrid grid_;
     TileRange range_;
     int level_ = 0;
-    QImage image_; // Format_RGB32
+    QImage image_;           // Format_RGB32
     std::vector<bool> held_; // by slot in the block, row by row
 };
 

@@ -15,7 +15,8 @@ std::optional<QString> Defaults::text(const QString& key) const {
 std::optional<Json> Defaults::json(const QString& key) const {
     const std::optional<QByteArray> bytes = value(key);
     if (!bytes) return std::nullopt;
-    return parseJson({reinterpret_cast<const uint8_t*>(bytes->constData()), static_cast<std::size_t>(bytes->size())});
+    return parseJson(
+        {reinterpret_cast<const uint8_t*>(bytes->constData()), static_cast<std::size_t>(bytes->size())});
 }
 
 void Defaults::setJson(const QString& key, const OrderedJson& value) {
@@ -37,9 +38,13 @@ void UserDefaults::setValue(const QString& key, const QByteArray& value) {
     if (settings.value(key).toByteArray() != value) settings.setValue(key, value);
 }
 
-void UserDefaults::remove(const QString& key) { QSettings(file_, QSettings::IniFormat).remove(key); }
+void UserDefaults::remove(const QString& key) {
+    QSettings(file_, QSettings::IniFormat).remove(key);
+}
 
-QStringList UserDefaults::keys() const { return QSettings(file_, QSettings::IniFormat).allKeys(); }
+QStringList UserDefaults::keys() const {
+    return QSettings(file_, QSettings::IniFormat).allKeys();
+}
 
 std::optional<QByteArray> MemoryDefaults::value(const QString& key) const {
     const auto found = values_.find(key);

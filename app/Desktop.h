@@ -22,7 +22,8 @@ public:
                                             const QString& message) = 0;
     virtual QStringList openFiles(const QList<FileType>& types) = 0; ///< Empty when the user cancels.
     /// A message box; the index of the button that was pressed. The first button is the default one.
-    virtual int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) = 0;
+    virtual int ask(const QString& title, const QString& text, const QStringList& buttons,
+                    int cancelButton) = 0;
     virtual void beep() = 0;
     virtual void noteRecentFile(const QString& path) = 0;
 };

@@ -22,15 +22,15 @@ public:
 
     /// `url` is empty for a picture that has no native file. `yes` makes a picture that counts as changed until
     /// it is saved.
-    DocSession(std::unique_ptr<PaintDocument> document, QString name, QUrl url = {}, QUuid id = QUuid::createUuid(),
-               Dirty dirty = Dirty::no);
+    DocSession(std::unique_ptr<PaintDocument> document, QString name, QUrl url = {},
+               QUuid id = QUuid::createUuid(), Dirty dirty = Dirty::no);
 
     const QUuid id; ///< Also names the safety copy.
     PaintDocument& doc() const { return *document_; }
 
-    QUrl fileURL;         ///< Empty: never saved, or imported from another format.
-    QString name;         ///< As the tab shows it, without extension.
-    int64_t savedChange;  ///< The document's change count at the last save, or -1.
+    QUrl fileURL;        ///< Empty: never saved, or imported from another format.
+    QString name;        ///< As the tab shows it, without extension.
+    int64_t savedChange; ///< The document's change count at the last save, or -1.
     int64_t autosavedChange;
     QDateTime lastAutosave; ///< Null: never.
     ViewState view;

@@ -5,7 +5,9 @@
 namespace qirn {
 
 #ifdef Q_OS_MACOS
-QString hostWords(const QString& text) { return text; }
+QString hostWords(const QString& text) {
+    return text;
+}
 #else
 namespace {
 

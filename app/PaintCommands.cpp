@@ -47,11 +47,11 @@ void togglePerformance(PaintModel& model) {
     model.setPrefs(prefs);
 }
 
-template <auto kMethod>
-void call(PaintModel& model) { (model.*kMethod)(); }
+template <auto kMethod> void call(PaintModel& model) {
+    (model.*kMethod)();
+}
 
-template <auto kMethod, auto... kArguments>
-void view(PaintModel& model) {
+template <auto kMethod, auto... kArguments> void view(PaintModel& model) {
     if (CanvasView* canvas = model.canvas()) (canvas->*kMethod)(kArguments...);
 }
 
@@ -70,73 +70,109 @@ void rotateRight(PaintModel& model) {
 void resetRotation(PaintModel& model) {
     if (CanvasView* canvas = model.canvas()) canvas->setRotation(0);
 }
-void save(PaintModel& model) { model.save(nullptr, PaintModel::SaveAs::no); }
-void saveAs(PaintModel& model) { model.save(nullptr, PaintModel::SaveAs::yes); }
+void save(PaintModel& model) {
+    model.save(nullptr, PaintModel::SaveAs::no);
+}
+void saveAs(PaintModel& model) {
+    model.save(nullptr, PaintModel::SaveAs::yes);
+}
 
 constexpr const char* kRecover = "recover";
 constexpr const char* kQuit = "quit";
 
 // The menu bar, in order.
 const CommandRow kCommands[] = {
-    {"File", "newCanvas", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Canvas"), Command | Qt::Key_N, call<&PaintModel::newCanvas>},
-    {"File", "open", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open…"), Command | Qt::Key_O, call<&PaintModel::openPanel>},
+    {"File", "newCanvas", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Canvas"), Command | Qt::Key_N,
+     call<&PaintModel::newCanvas>},
+    {"File", "open", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open…"), Command | Qt::Key_O,
+     call<&PaintModel::openPanel>},
     {"File", kRecover, QT_TRANSLATE_NOOP("qirn::PaintCommands", "Recover Autosaved Work…")},
     {"File", nullptr},
-    {"File", "closePicture", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Close Picture"), Command | Qt::Key_W, call<&PaintModel::closeCurrent>},
+    {"File", "closePicture", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Close Picture"), Command | Qt::Key_W,
+     call<&PaintModel::closeCurrent>},
     {"File", "save", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save"), Command | Qt::Key_S, save},
-    {"File", "saveAs", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save As…"), Command | Shift | Qt::Key_S, saveAs},
+    {"File", "saveAs", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save As…"), Command | Shift | Qt::Key_S,
+     saveAs},
     {"File", nullptr},
     {"File", kQuit, QT_TRANSLATE_NOOP("qirn::PaintCommands", "Quit"), Command | Qt::Key_Q},
 
     {"Edit", "undo", nullptr, Command | Qt::Key_Z, call<&PaintModel::undo>, undoTitle},
     {"Edit", "redo", nullptr, Command | Shift | Qt::Key_Z, call<&PaintModel::redo>, redoTitle},
     {"Edit", nullptr},
-    {"Edit", "clear", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clear (Delete Pixels)"), 0, call<&PaintModel::clearLayer>},
+    {"Edit", "clear", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clear (Delete Pixels)"), 0,
+     call<&PaintModel::clearLayer>},
 
-    {"Select", "selectAll", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select All"), Command | Qt::Key_A, call<&PaintModel::selectAll>},
-    {"Select", "deselect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Deselect"), Command | Qt::Key_D, call<&PaintModel::deselect>},
-    {"Select", "invertSelection", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Invert Selection"), Command | Option | Qt::Key_I, call<&PaintModel::invertSelection>},
+    {"Select", "selectAll", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select All"), Command | Qt::Key_A,
+     call<&PaintModel::selectAll>},
+    {"Select", "deselect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Deselect"), Command | Qt::Key_D,
+     call<&PaintModel::deselect>},
+    {"Select", "invertSelection", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Invert Selection"),
+     Command | Option | Qt::Key_I, call<&PaintModel::invertSelection>},
     {"Select", nullptr},
-    {"Select", "selectRect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rectangle Select (M)"), 0, [](PaintModel& model) { model.setTool(Tool::selectRect); }},
+    {"Select", "selectRect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rectangle Select (M)"), 0,
+     [](PaintModel& model) { model.setTool(Tool::selectRect); }},
 
-    {"Image", "flatten", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flatten Image"), 0, call<&PaintModel::flatten>},
+    {"Image", "flatten", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flatten Image"), 0,
+     call<&PaintModel::flatten>},
 
-    {"Layer", "newLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Layer"), Command | Shift | Qt::Key_N, call<&PaintModel::addLayer>},
-    {"Layer", "duplicateLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Duplicate Layer"), Command | Qt::Key_J, call<&PaintModel::duplicateLayer>},
-    {"Layer", "deleteLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Delete Layer"), 0, call<&PaintModel::deleteLayer>},
+    {"Layer", "newLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Layer"), Command | Shift | Qt::Key_N,
+     call<&PaintModel::addLayer>},
+    {"Layer", "duplicateLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Duplicate Layer"),
+     Command | Qt::Key_J, call<&PaintModel::duplicateLayer>},
+    {"Layer", "deleteLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Delete Layer"), 0,
+     call<&PaintModel::deleteLayer>},
     {"Layer", nullptr},
-    {"Layer", "moveLayerUp", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Up"), Command | Qt::Key_BracketRight, call<&PaintModel::moveLayerUp>},
-    {"Layer", "moveLayerDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Down"), Command | Qt::Key_BracketLeft, call<&PaintModel::moveLayerDown>},
-    {"Layer", "mergeDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Down"), Command | Option | Qt::Key_E, call<&PaintModel::mergeDown>},
-    {"Layer", "mergeVisible", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Visible"), Command | Shift | Qt::Key_E, call<&PaintModel::mergeVisible>},
+    {"Layer", "moveLayerUp", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Up"),
+     Command | Qt::Key_BracketRight, call<&PaintModel::moveLayerUp>},
+    {"Layer", "moveLayerDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Down"),
+     Command | Qt::Key_BracketLeft, call<&PaintModel::moveLayerDown>},
+    {"Layer", "mergeDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Down"),
+     Command | Option | Qt::Key_E, call<&PaintModel::mergeDown>},
+    {"Layer", "mergeVisible", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Visible"),
+     Command | Shift | Qt::Key_E, call<&PaintModel::mergeVisible>},
     {"Layer", nullptr},
-    {"Layer", "clip", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clip to Layer Below"), Command | Option | Qt::Key_G, call<&PaintModel::toggleClipping>},
-    {"Layer", "lock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lock / Unlock Layer"), 0, call<&PaintModel::toggleLock>},
-    {"Layer", "alphaLock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Alpha Lock On / Off"), 0, call<&PaintModel::toggleAlphaLock>},
-    {"Layer", "showHide", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show / Hide Layer"), 0, call<&PaintModel::toggleVisibility>},
+    {"Layer", "clip", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clip to Layer Below"),
+     Command | Option | Qt::Key_G, call<&PaintModel::toggleClipping>},
+    {"Layer", "lock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lock / Unlock Layer"), 0,
+     call<&PaintModel::toggleLock>},
+    {"Layer", "alphaLock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Alpha Lock On / Off"), 0,
+     call<&PaintModel::toggleAlphaLock>},
+    {"Layer", "showHide", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show / Hide Layer"), 0,
+     call<&PaintModel::toggleVisibility>},
     {"Layer", nullptr},
     {"Layer", "onionSkin", nullptr, Command | Option | Qt::Key_K, call<&PaintModel::toggleOnion>, onionTitle},
 
-    {"View", "zoomIn", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom In  (= key)"), Command | Option | Qt::Key_Equal, zoomIn},
-    {"View", "zoomOut", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom Out  (− key)"), Command | Option | Qt::Key_Minus, zoomOut},
-    {"View", "fit", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Fit in Window  (F)"), Command | Option | Qt::Key_0, view<&CanvasView::fit>},
-    {"View", "actualPixels", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Actual Pixels 100%  (1)"), Command | Option | Qt::Key_1, view<&CanvasView::actualPixels>},
+    {"View", "zoomIn", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom In  (= key)"),
+     Command | Option | Qt::Key_Equal, zoomIn},
+    {"View", "zoomOut", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom Out  (− key)"),
+     Command | Option | Qt::Key_Minus, zoomOut},
+    {"View", "fit", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Fit in Window  (F)"),
+     Command | Option | Qt::Key_0, view<&CanvasView::fit>},
+    {"View", "actualPixels", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Actual Pixels 100%  (1)"),
+     Command | Option | Qt::Key_1, view<&CanvasView::actualPixels>},
     {"View", nullptr},
-    {"View", "rotateLeft", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Left 15°  (,)"), 0, rotateLeft},
-    {"View", "rotateRight", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Right 15°  (.)"), 0, rotateRight},
-    {"View", "resetRotation", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Reset Rotation  (/)"), 0, resetRotation},
-    {"View", "flipView", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Flip View (mirror check)  (W)"), 0, view<&CanvasView::toggleFlipView>},
+    {"View", "rotateLeft", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Left 15°  (,)"), 0,
+     rotateLeft},
+    {"View", "rotateRight", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Right 15°  (.)"), 0,
+     rotateRight},
+    {"View", "resetRotation", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Reset Rotation  (/)"), 0,
+     resetRotation},
+    {"View", "flipView", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Flip View (mirror check)  (W)"), 0,
+     view<&CanvasView::toggleFlipView>},
     {"View", nullptr},
-    {"View", "showPerformance", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show Stroke Performance"), 0, togglePerformance, nullptr,
-     [](const PaintModel& model) { return model.prefs().showPerformance; }},
+    {"View", "showPerformance", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show Stroke Performance"), 0,
+     togglePerformance, nullptr, [](const PaintModel& model) { return model.prefs().showPerformance; }},
 };
 
-const char* kMenuTitles[] = {QT_TRANSLATE_NOOP("qirn::PaintCommands", "File"), QT_TRANSLATE_NOOP("qirn::PaintCommands", "Edit"),
-                             QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select"), QT_TRANSLATE_NOOP("qirn::PaintCommands", "Image"),
-                             QT_TRANSLATE_NOOP("qirn::PaintCommands", "Layer"), QT_TRANSLATE_NOOP("qirn::PaintCommands", "View")};
+const char* kMenuTitles[] = {
+    QT_TRANSLATE_NOOP("qirn::PaintCommands", "File"),   QT_TRANSLATE_NOOP("qirn::PaintCommands", "Edit"),
+    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select"), QT_TRANSLATE_NOOP("qirn::PaintCommands", "Image"),
+    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Layer"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "View")};
 
 /// A menu takes "&" for the mark of an access key.
-QString plainTitle(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
+QString plainTitle(QString title) {
+    return title.replace(u'&', QStringLiteral("&&"));
+}
 
 } // namespace
 
@@ -164,7 +200,9 @@ PaintCommands::PaintCommands(PaintModel& model, QMenuBar& menuBar) : QObject(&me
     refresh();
 }
 
-QAction* PaintCommands::action(const QString& objectName) const { return parent()->findChild<QAction*>(objectName); }
+QAction* PaintCommands::action(const QString& objectName) const {
+    return parent()->findChild<QAction*>(objectName);
+}
 
 void PaintCommands::refresh() {
     for (const CommandRow& row : kCommands) {

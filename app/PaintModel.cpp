@@ -17,19 +17,27 @@ constexpr int kMessageTime = 2600; // milliseconds
 
 BrushKind kindOf(Tool tool) {
     switch (tool) {
-    case Tool::eraser: return BrushKind::erase;
-    case Tool::smudge: return BrushKind::smudge;
-    case Tool::blur: return BrushKind::blur;
-    default: return BrushKind::paint;
+    case Tool::eraser:
+        return BrushKind::erase;
+    case Tool::smudge:
+        return BrushKind::smudge;
+    case Tool::blur:
+        return BrushKind::blur;
+    default:
+        return BrushKind::paint;
     }
 }
 
 Tool toolOf(BrushKind kind) {
     switch (kind) {
-    case BrushKind::erase: return Tool::eraser;
-    case BrushKind::smudge: return Tool::smudge;
-    case BrushKind::blur: return Tool::blur;
-    default: return Tool::brush;
+    case BrushKind::erase:
+        return Tool::eraser;
+    case BrushKind::smudge:
+        return Tool::smudge;
+    case BrushKind::blur:
+        return Tool::blur;
+    default:
+        return Tool::brush;
     }
 }
 
@@ -43,7 +51,9 @@ BrushSettings sanitized(BrushSettings brush) {
 PaintModel* PaintModel::shared = nullptr;
 
 PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Defaults& defaults)
-    : desktop_(desktop), defaults_(defaults), userBrushFile_(AppFolders::brushesFile()),
+    : desktop_(desktop),
+      defaults_(defaults),
+      userBrushFile_(AppFolders::brushesFile()),
       prefs_(PaintPrefs::load(defaults)) {
     for (const ToolRow& row : kTools) {
         if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
@@ -63,7 +73,9 @@ PaintModel::~PaintModel() {
     if (shared == this) shared = nullptr;
 }
 
-CanvasView* PaintModel::canvas() const { return canvas_; }
+CanvasView* PaintModel::canvas() const {
+    return canvas_;
+}
 
 void PaintModel::setCanvas(CanvasView* canvas) {
     canvas_ = canvas;
@@ -71,7 +83,8 @@ void PaintModel::setCanvas(CanvasView* canvas) {
 }
 
 DocSession* PaintModel::current() const {
-    const auto found = std::find_if(sessions_.begin(), sessions_.end(), [&](const SessionRef& s) { return s->id == currentID_; });
+    const auto found = std::find_if(sessions_.begin(), sessions_.end(),
+                                    [&](const SessionRef& s) { return s->id == currentID_; });
     if (found != sessions_.end()) return found->get();
     return sessions_.empty() ? nullptr : sessions_.front().get();
 }
@@ -144,7 +157,9 @@ void PaintModel::applyPrefs() {
 
 // --- Brushes
 
-Tool PaintModel::brushTool() const { return rowOf(tool_).usesBrush ? tool_ : Tool::brush; }
+Tool PaintModel::brushTool() const {
+    return rowOf(tool_).usesBrush ? tool_ : Tool::brush;
+}
 
 BrushSettings PaintModel::defaultBrush(Tool tool) {
     const char* name = tool == Tool::eraser   ? "Hard Eraser"
@@ -154,9 +169,13 @@ BrushSettings PaintModel::defaultBrush(Tool tool) {
     return *BrushLibrary::named(QLatin1String(name));
 }
 
-const BrushSettings& PaintModel::activeBrush() const { return toolBrush_.at(brushTool()); }
+const BrushSettings& PaintModel::activeBrush() const {
+    return toolBrush_.at(brushTool());
+}
 
-void PaintModel::setActiveBrush(const BrushSettings& brush) { setToolBrush(brushTool(), brush); }
+void PaintModel::setActiveBrush(const BrushSettings& brush) {
+    setToolBrush(brushTool(), brush);
+}
 
 void PaintModel::setToolBrush(Tool tool, const BrushSettings& brush) {
     toolBrush_.insert_or_assign(tool, sanitized(brush));
@@ -227,7 +246,9 @@ void PaintModel::deleteUserBrush(const BrushSettings& preset) {
     announce();
 }
 
-void PaintModel::saveUserBrushes() { userBrushFile_.save(userBrushes_); }
+void PaintModel::saveUserBrushes() {
+    userBrushFile_.save(userBrushes_);
+}
 
 // --- Messages
 
@@ -237,7 +258,9 @@ void PaintModel::flash(const QString& text) {
     announce();
 }
 
-void PaintModel::alert(const QString& title, const QString& text) { desktop_.ask(title, text, {tr("OK")}, 0); }
+void PaintModel::alert(const QString& title, const QString& text) {
+    desktop_.ask(title, text, {tr("OK")}, 0);
+}
 
 bool PaintModel::confirm(const QString& title, const QString& text) {
     return desktop_.ask(title, text, {tr("OK"), tr("Cancel")}, 1) == 0;

@@ -11,7 +11,8 @@ void PaintModel::finishGesture() {
     if (canvas_) canvas_->endStroke();
 }
 
-void PaintModel::edit(const QString& name, const std::function<void(PaintDocument&)>& body, NeedsUnlockedLayer needs) {
+void PaintModel::edit(const QString& name, const std::function<void(PaintDocument&)>& body,
+                      NeedsUnlockedLayer needs) {
     DocSession* session = current();
     if (!session) return;
     PaintDocument& doc = session->doc();
@@ -75,13 +76,15 @@ void PaintModel::moveLayerUp() {
     const DocSession* session = current();
     // At the top there is nothing to move past, and so no step to undo.
     if (!session || session->doc().activeIndex() + 1 >= session->doc().layerCount()) return;
-    edit(tr("Move Layer Up"), [](PaintDocument& doc) { qirn::moveLayer(doc, doc.activeIndex(), doc.activeIndex() + 1); });
+    edit(tr("Move Layer Up"),
+         [](PaintDocument& doc) { qirn::moveLayer(doc, doc.activeIndex(), doc.activeIndex() + 1); });
 }
 
 void PaintModel::moveLayerDown() {
     const DocSession* session = current();
     if (!session || session->doc().activeIndex() == 0) return;
-    edit(tr("Move Layer Down"), [](PaintDocument& doc) { qirn::moveLayer(doc, doc.activeIndex(), doc.activeIndex() - 1); });
+    edit(tr("Move Layer Down"),
+         [](PaintDocument& doc) { qirn::moveLayer(doc, doc.activeIndex(), doc.activeIndex() - 1); });
 }
 
 void PaintModel::moveLayer(int64_t from, int64_t to) {
@@ -106,7 +109,8 @@ void PaintModel::flatten() {
 
 void PaintModel::clearLayer() {
     edit(
-        tr("Clear"), [](PaintDocument& doc) { qirn::clearLayer(doc, doc.activeLayer()); }, NeedsUnlockedLayer::yes);
+        tr("Clear"), [](PaintDocument& doc) { qirn::clearLayer(doc, doc.activeLayer()); },
+        NeedsUnlockedLayer::yes);
 }
 
 void PaintModel::setLayer(int64_t index, const QString& name, const std::function<void(Layer&)>& change) {
@@ -124,10 +128,18 @@ void PaintModel::toggleActive(const QString& name, bool Layer::*flag) {
     }
 }
 
-void PaintModel::toggleClipping() { toggleActive(tr("Clipping"), &Layer::isClipping); }
-void PaintModel::toggleLock() { toggleActive(tr("Lock"), &Layer::isLocked); }
-void PaintModel::toggleAlphaLock() { toggleActive(tr("Alpha Lock"), &Layer::alphaLocked); }
-void PaintModel::toggleVisibility() { toggleActive(tr("Visibility"), &Layer::isVisible); }
+void PaintModel::toggleClipping() {
+    toggleActive(tr("Clipping"), &Layer::isClipping);
+}
+void PaintModel::toggleLock() {
+    toggleActive(tr("Lock"), &Layer::isLocked);
+}
+void PaintModel::toggleAlphaLock() {
+    toggleActive(tr("Alpha Lock"), &Layer::alphaLocked);
+}
+void PaintModel::toggleVisibility() {
+    toggleActive(tr("Visibility"), &Layer::isVisible);
+}
 
 void PaintModel::setActiveLayer(int64_t index) {
     DocSession* session = current();

@@ -22,13 +22,17 @@ namespace qirn {
 
 namespace {
 
-constexpr int kAutosaveTick = 10'000;            // milliseconds; shorter than the shortest interval
+constexpr int kAutosaveTick = 10'000; // milliseconds; shorter than the shortest interval
 constexpr int64_t kMostCanvasPixels = 900'000'000;
 constexpr int kStarterWidth = 1920, kStarterHeight = 1080, kStarterDpi = 72;
 
-QString extension() { return QLatin1String(PaintFile::fileExtension); }
+QString extension() {
+    return QLatin1String(PaintFile::fileExtension);
+}
 
-QList<FileType> nativeTypes() { return {{PaintModel::tr("Qirn Paint documents"), {extension()}}}; }
+QList<FileType> nativeTypes() {
+    return {{PaintModel::tr("Qirn Paint documents"), {extension()}}};
+}
 
 QString standardized(const QString& path) {
     const QString real = QFileInfo(path).canonicalFilePath();
@@ -124,7 +128,8 @@ void PaintModel::openPanel() {
 void PaintModel::open(const QString& path) {
     const QString standard = standardized(path);
     for (const SessionRef& session : sessions_) {
-        if (!session->fileURL.isEmpty() && standardized(session->fileURL.toLocalFile()) == standard) return select(*session);
+        if (!session->fileURL.isEmpty() && standardized(session->fileURL.toLocalFile()) == standard)
+            return select(*session);
     }
     const QFileInfo info(path);
     try {
@@ -132,7 +137,8 @@ void PaintModel::open(const QString& path) {
         const bool native = info.suffix().compare(extension(), Qt::CaseInsensitive) == 0;
         const QString base = info.completeBaseName();
         const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
-        add(std::make_shared<DocSession>(std::move(doc), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl()));
+        add(std::make_shared<DocSession>(std::move(doc), name,
+                                         native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl()));
         desktop_.noteRecentFile(info.absoluteFilePath());
     } catch (const DescribedError& error) {
         alert(tr("Couldn't open %1").arg(info.fileName()), error.description());
@@ -176,11 +182,11 @@ bool PaintModel::close(DocSession& session) {
     if (!session.isDirty()) {
         Recovery::discard(session.id, Recovery::MoveToTrash::no);
     } else {
-        const int answer = desktop_.ask(
-            tr("Save changes to \"%1\"?").arg(session.name),
-            tr("If you don't save, your changes are moved to the Trash as an autosave copy (you can still get them "
-               "back from the Trash)."),
-            {tr("Save…"), tr("Cancel"), tr("Don't Save")}, 1);
+        const int answer = desktop_.ask(tr("Save changes to \"%1\"?").arg(session.name),
+                                        tr("If you don't save, your changes are moved to the Trash as an "
+                                           "autosave copy (you can still get them "
+                                           "back from the Trash)."),
+                                        {tr("Save…"), tr("Cancel"), tr("Don't Save")}, 1);
         if (answer == 1) return false;
         if (answer == 0 && !save(&session, SaveAs::no)) return false;
         if (answer == 2) {
@@ -216,7 +222,9 @@ bool PaintModel::shouldQuit() {
 
 // --- Safety copies
 
-void PaintModel::startAutosave() { autosaveTimer_.start(kAutosaveTick); }
+void PaintModel::startAutosave() {
+    autosaveTimer_.start(kAutosaveTick);
+}
 
 void PaintModel::autosaveTick() {
     if (prefs_.autosaveSeconds <= 0) return;
@@ -224,8 +232,9 @@ void PaintModel::autosaveTick() {
     for (const SessionRef& session : sessions_) {
         const int64_t changes = session->doc().changeCount();
         if (changes == session->savedChange || changes == session->autosavedChange) continue;
-        const bool recent = session->lastAutosave.isValid() &&
-                            static_cast<double>(session->lastAutosave.msecsTo(now)) < prefs_.autosaveSeconds * 1000;
+        const bool recent =
+            session->lastAutosave.isValid() &&
+            static_cast<double>(session->lastAutosave.msecsTo(now)) < prefs_.autosaveSeconds * 1000;
         if (recent || (canvas_ && canvas_->isBusy())) continue;
         Recovery::write(*session, Recovery::Synchronously::no);
         lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));

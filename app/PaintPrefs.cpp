@@ -8,8 +8,7 @@ namespace qirn {
 namespace {
 
 /// The record's keys are the names of its fields.
-template <class Prefs, class Visit>
-void forEachField(Prefs& prefs, Visit visit) {
+template <class Prefs, class Visit> void forEachField(Prefs& prefs, Visit visit) {
     visit("autosaveSeconds", prefs.autosaveSeconds);
     visit("undoSteps", prefs.undoSteps);
     visit("pressureCurve", prefs.pressureCurve);

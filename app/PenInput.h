@@ -6,12 +6,12 @@ namespace qirn {
 
 /// What one mouse or pen event brings, in the canvas view's own terms.
 struct PenSample {
-    QPointF view;          ///< Device pixels, y up.
-    double pressure = 1;   ///< 0 to 1 as the device says it.
-    bool fromPen = false;  ///< A mouse has no pressure of its own.
-    double tiltX = 0;      ///< Degrees.
+    QPointF view;         ///< Device pixels, y up.
+    double pressure = 1;  ///< 0 to 1 as the device says it.
+    bool fromPen = false; ///< A mouse has no pressure of its own.
+    double tiltX = 0;     ///< Degrees.
     double tiltY = 0;
-    double time = 0;       ///< Seconds.
+    double time = 0; ///< Seconds.
     Qt::KeyboardModifiers modifiers;
     int clicks = 1;
 };

@@ -46,8 +46,8 @@ std::optional<QString> QtDesktop::saveFile(const QString& proposedName, const QL
 }
 
 QStringList QtDesktop::openFiles(const QList<FileType>& types) {
-    const QStringList paths =
-        QFileDialog::getOpenFileNames(QApplication::activeWindow(), {}, startFolder(folder_), filtersOf(types));
+    const QStringList paths = QFileDialog::getOpenFileNames(QApplication::activeWindow(), {},
+                                                            startFolder(folder_), filtersOf(types));
     if (!paths.isEmpty()) folder_ = QFileInfo(paths.constFirst()).absolutePath();
     return paths;
 }
@@ -61,7 +61,7 @@ int QtDesktop::ask(const QString& title, const QString& text, const QStringList&
     QList<QPushButton*> made;
     for (const QString& label : buttons) {
         const bool cancels = made.size() == cancelButton;
-        const auto role = cancels ? QMessageBox::RejectRole
+        const auto role = cancels          ? QMessageBox::RejectRole
                           : made.isEmpty() ? QMessageBox::AcceptRole
                                            : QMessageBox::DestructiveRole;
         made << box.addButton(label, role);
@@ -73,8 +73,12 @@ int QtDesktop::ask(const QString& title, const QString& text, const QStringList&
     return static_cast<int>(pressed < 0 ? cancelButton : pressed);
 }
 
-void QtDesktop::beep() { QApplication::beep(); }
+void QtDesktop::beep() {
+    QApplication::beep();
+}
 
-void QtDesktop::noteRecentFile(const QString& path) { qirn::noteRecentFile(path); }
+void QtDesktop::noteRecentFile(const QString& path) {
+    qirn::noteRecentFile(path);
+}
 
 } // namespace qirn

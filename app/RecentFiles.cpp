@@ -18,20 +18,22 @@ constexpr qint64 kLargestList = 8 * 1024 * 1024; // bytes; a longer one is left 
 QString recentListWith(const QString& list, const QString& path, const QString& utcTime) {
     QString text = list;
     if (text.isEmpty()) {
-        text = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<xbel version=\"1.0\"\n"
-                              "      xmlns:bookmark=\"http://www.freedesktop.org/standards/desktop-bookmarks\"\n"
-                              "      xmlns:mime=\"http://www.freedesktop.org/standards/shared-mime-info\"\n>\n</xbel>\n");
+        text = QStringLiteral(
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<xbel version=\"1.0\"\n"
+            "      xmlns:bookmark=\"http://www.freedesktop.org/standards/desktop-bookmarks\"\n"
+            "      xmlns:mime=\"http://www.freedesktop.org/standards/shared-mime-info\"\n>\n</xbel>\n");
     }
     const qsizetype end = text.lastIndexOf(QStringLiteral("</xbel>"));
     const QString href = QString::fromUtf8(QUrl::fromLocalFile(path).toEncoded()).toHtmlEscaped();
     if (end < 0 || text.contains(QStringLiteral("href=\"%1\"").arg(href))) return list;
-    text.insert(end, QStringLiteral("  <bookmark href=\"%1\" added=\"%2\" modified=\"%2\" visited=\"%2\">\n"
-                                    "    <info>\n      <metadata owner=\"http://freedesktop.org\">\n"
-                                    "        <mime:mime-type type=\"application/x-qirnpaint\"/>\n"
-                                    "        <bookmark:applications>\n"
-                                    "          <bookmark:application name=\"Qirn Paint\" "
-                                    "exec=\"&apos;QirnPaint %u&apos;\" modified=\"%2\" count=\"1\"/>\n"
-                                    "        </bookmark:applications>\n      </metadata>\n    </info>\n  </bookmark>\n")
+    text.insert(end, QStringLiteral(
+                         "  <bookmark href=\"%1\" added=\"%2\" modified=\"%2\" visited=\"%2\">\n"
+                         "    <info>\n      <metadata owner=\"http://freedesktop.org\">\n"
+                         "        <mime:mime-type type=\"application/x-qirnpaint\"/>\n"
+                         "        <bookmark:applications>\n"
+                         "          <bookmark:application name=\"Qirn Paint\" "
+                         "exec=\"&apos;QirnPaint %u&apos;\" modified=\"%2\" count=\"1\"/>\n"
+                         "        </bookmark:applications>\n      </metadata>\n    </info>\n  </bookmark>\n")
                          .arg(href, utcTime));
     return text;
 }

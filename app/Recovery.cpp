@@ -33,9 +33,13 @@ QThreadPool& queue() {
     return *pool;
 }
 
-void finishPendingWork() { queue().waitForDone(); }
+void finishPendingWork() {
+    queue().waitForDone();
+}
 
-QString idText(const QUuid& id) { return id.toString(QUuid::WithoutBraces).toUpper(); }
+QString idText(const QUuid& id) {
+    return id.toString(QUuid::WithoutBraces).toUpper();
+}
 
 QString pathFor(const QUuid& id, const QString& extension) {
     return QDir(AppFolders::autosave()).filePath(idText(id) + u'.' + extension);
@@ -60,7 +64,8 @@ std::optional<Recovery::Info> infoFromFile(const QString& path) {
     try {
         Recovery::Info info;
         info.name = jsonText(jsonMember(*json, "name"));
-        if (const Json* path_ = jsonOptionalMember(*json, "originalPath")) info.originalPath = jsonText(*path_);
+        if (const Json* path_ = jsonOptionalMember(*json, "originalPath"))
+            info.originalPath = jsonText(*path_);
         info.date = QDateTime::fromString(jsonText(jsonMember(*json, "date")), Qt::ISODate);
         info.width = jsonWhole(jsonMember(*json, "width"));
         info.height = jsonWhole(jsonMember(*json, "height"));
@@ -75,11 +80,16 @@ std::optional<Recovery::Info> infoFromFile(const QString& path) {
 /// A copy whose record was lost, as by a crash between the two writes.
 Recovery::Info madeUpInfo(const QFileInfo& file) {
     const QDateTime changed = file.lastModified();
-    return {QCoreApplication::translate("Recovery", "Recovered picture"), std::nullopt,
-            changed.isValid() ? changed : QDateTime::currentDateTime(), 0, 0, 0};
+    return {QCoreApplication::translate("Recovery", "Recovered picture"),
+            std::nullopt,
+            changed.isValid() ? changed : QDateTime::currentDateTime(),
+            0,
+            0,
+            0};
 }
 
-void writeCopy(const DocumentSnapshot& snapshot, const QString& file, const Recovery::Info& info, const QString& infoFile) {
+void writeCopy(const DocumentSnapshot& snapshot, const QString& file, const Recovery::Info& info,
+               const QString& infoFile) {
     try {
         writeAtomically(file, bytesOf(PaintFile::encode(snapshot, kPreviewSide)));
         writeAtomically(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))));
@@ -100,19 +110,22 @@ QImage Recovery::Item::thumbnail() const {
     return PaintFile::thumbnailOf(bytesOf(bytesAt(file))).value_or(QImage());
 }
 
-QString Recovery::fileURL(const QUuid& id) { return pathFor(id, QLatin1String(PaintFile::fileExtension)); }
-QString Recovery::infoURL(const QUuid& id) { return pathFor(id, QStringLiteral("json")); }
+QString Recovery::fileURL(const QUuid& id) {
+    return pathFor(id, QLatin1String(PaintFile::fileExtension));
+}
+QString Recovery::infoURL(const QUuid& id) {
+    return pathFor(id, QStringLiteral("json"));
+}
 
 void Recovery::write(DocSession& session, Synchronously synchronously) {
     DocumentSnapshot frozen = snapshot(session.doc());
-    Info info{session.name, std::nullopt, QDateTime::currentDateTime(), frozen.grid.width, frozen.grid.height,
-              static_cast<int64_t>(frozen.layers.size())};
+    Info info{session.name,      std::nullopt,       QDateTime::currentDateTime(),
+              frozen.grid.width, frozen.grid.height, static_cast<int64_t>(frozen.layers.size())};
     if (!session.fileURL.isEmpty()) info.originalPath = session.fileURL.toLocalFile();
     session.autosavedChange = session.doc().changeCount();
     session.lastAutosave = info.date;
-    queue().start([frozen = std::move(frozen), info, file = fileURL(session.id), infoFile = infoURL(session.id)] {
-        writeCopy(frozen, file, info, infoFile);
-    });
+    queue().start([frozen = std::move(frozen), info, file = fileURL(session.id),
+                   infoFile = infoURL(session.id)] { writeCopy(frozen, file, info, infoFile); });
     if (synchronously == Synchronously::yes) finishPendingWork();
 }
 
@@ -120,8 +133,10 @@ void Recovery::discard(const QUuid& id, MoveToTrash toTrash) {
     finishPendingWork();
     for (const QString& path : {fileURL(id), infoURL(id)}) {
         if (!QFile::exists(path)) continue;
-        if (toTrash == MoveToTrash::yes) moveToTrash(path);
-        else QFile::remove(path);
+        if (toTrash == MoveToTrash::yes)
+            moveToTrash(path);
+        else
+            QFile::remove(path);
     }
 }
 
@@ -134,14 +149,16 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
         if (id.isNull() || excluding.contains(id)) continue;
         items.push_back({id, infoFromFile(infoURL(id)).value_or(madeUpInfo(file)), file.filePath()});
     }
-    std::stable_sort(items.begin(), items.end(), [](const Item& a, const Item& b) { return a.info.date > b.info.date; });
+    std::stable_sort(items.begin(), items.end(),
+                     [](const Item& a, const Item& b) { return a.info.date > b.info.date; });
     return items;
 }
 
 SessionRef Recovery::restore(const Item& item) {
     auto document = PaintFile::decode(bytesOf(bytesAt(item.file)));
-    return std::make_shared<DocSession>(std::move(document), item.info.name + QCoreApplication::translate("Recovery", " (recovered)"),
-                                        QUrl(), item.id, DocSession::Dirty::yes);
+    return std::make_shared<DocSession>(
+        std::move(document), item.info.name + QCoreApplication::translate("Recovery", " (recovered)"), QUrl(),
+        item.id, DocSession::Dirty::yes);
 }
 
 } // namespace qirn

@@ -4,7 +4,9 @@
 
 namespace qirn {
 
-QString toolTitle(Tool tool) { return QCoreApplication::translate("Tool", rowOf(tool).title); }
+QString toolTitle(Tool tool) {
+    return QCoreApplication::translate("Tool", rowOf(tool).title);
+}
 
 std::optional<Tool> toolWithId(const QString& id) {
     for (const ToolRow& row : kTools) {

@@ -45,9 +45,12 @@ inline constexpr std::array<ToolRow, kToolCount> kTools{{
     {Tool::blur, "blur", QT_TRANSLATE_NOOP("Tool", "Blur"), 'R', "smudge-blur", true, true, true},
     {Tool::bucket, "bucket", QT_TRANSLATE_NOOP("Tool", "Bucket Fill"), 'G', "bucket", false, true, false},
     {Tool::gradient, "gradient", QT_TRANSLATE_NOOP("Tool", "Gradient"), 'D', "gradient", false, true, false},
-    {Tool::eyedropper, "eyedropper", QT_TRANSLATE_NOOP("Tool", "Eyedropper"), 'I', "eyedropper", false, false, true},
-    {Tool::selectRect, "selectRect", QT_TRANSLATE_NOOP("Tool", "Rectangle Select"), 'M', "selections", false, false, true},
-    {Tool::selectEllipse, "selectEllipse", QT_TRANSLATE_NOOP("Tool", "Ellipse Select"), 'O', "selections", false, false, false},
+    {Tool::eyedropper, "eyedropper", QT_TRANSLATE_NOOP("Tool", "Eyedropper"), 'I', "eyedropper", false, false,
+     true},
+    {Tool::selectRect, "selectRect", QT_TRANSLATE_NOOP("Tool", "Rectangle Select"), 'M', "selections", false,
+     false, true},
+    {Tool::selectEllipse, "selectEllipse", QT_TRANSLATE_NOOP("Tool", "Ellipse Select"), 'O', "selections",
+     false, false, false},
     {Tool::lasso, "lasso", QT_TRANSLATE_NOOP("Tool", "Lasso Select"), 'L', "selections", false, false, false},
     {Tool::move, "move", QT_TRANSLATE_NOOP("Tool", "Move & Transform"), 'V', "transform", false, true, false},
     {Tool::shape, "shape", QT_TRANSLATE_NOOP("Tool", "Shapes"), 'U', "shapes", false, true, false},
@@ -56,7 +59,9 @@ inline constexpr std::array<ToolRow, kToolCount> kTools{{
     {Tool::zoom, "zoom", QT_TRANSLATE_NOOP("Tool", "Zoom"), 'Z', "navigate", false, false, true},
 }};
 
-constexpr const ToolRow& rowOf(Tool tool) { return kTools[static_cast<std::size_t>(tool)]; }
+constexpr const ToolRow& rowOf(Tool tool) {
+    return kTools[static_cast<std::size_t>(tool)];
+}
 QString toolTitle(Tool tool); ///< In the user's language.
 std::optional<Tool> toolWithId(const QString& id);
 std::optional<Tool> toolWithKey(QChar letter); ///< Case does not count; only tools that work.

@@ -25,7 +25,8 @@ std::vector<BrushSettings> UserBrushFile::load() {
 void UserBrushFile::save(const std::vector<BrushSettings>& brushes) {
     if (unreadable_) {
         const QFileInfo info(path_);
-        const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm.ss.zzz"));
+        const QString stamp =
+            QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm.ss.zzz"));
         const QString aside = info.dir().filePath(
             QStringLiteral("%1 (unreadable, %2).%3").arg(info.completeBaseName(), stamp, info.suffix()));
         if (!QFile::rename(path_, aside)) return;

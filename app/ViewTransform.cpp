@@ -25,7 +25,9 @@ QTransform unsnapped(QSizeF view, QSizeF canvas, const ViewState& state) {
 } // namespace
 
 ViewTransform::ViewTransform(QSizeF viewSize, QSizeF canvasSize, const ViewState& state)
-    : viewSize_(viewSize), canvasSize_(canvasSize), state_(state),
+    : viewSize_(viewSize),
+      canvasSize_(canvasSize),
+      state_(state),
       canvasToView_(unsnapped(viewSize, canvasSize, state)) {
     // The picture's corner falls on a whole device pixel, so that 100% is exact whatever the sizes. Drawing and
     // the pen go through the same value.

@@ -9,9 +9,9 @@ namespace qirn {
 
 /// How one picture is looked at. A view point is one device pixel, with y up.
 struct ViewState {
-    double zoom = 1;      ///< Device pixels on a canvas pixel, 0.01 to 64.
-    QPointF pan;          ///< From the middle of the view to the middle of the picture, y up.
-    double rotation = 0;  ///< Degrees, clockwise on screen.
+    double zoom = 1;       ///< Device pixels on a canvas pixel, 0.01 to 64.
+    QPointF pan;           ///< From the middle of the view to the middle of the picture, y up.
+    double rotation = 0;   ///< Degrees, clockwise on screen.
     bool flipView = false; ///< Mirrored left to right.
 
     bool operator==(const ViewState&) const = default;

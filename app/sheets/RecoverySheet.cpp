@@ -30,7 +30,8 @@ QIcon preview(const Recovery::Item& item, double ratio) {
     pixmap.fill(Qt::transparent);
     const QImage image = item.thumbnail();
     if (!image.isNull()) {
-        pixmap = QPixmap::fromImage(image.scaled(pixmap.size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+        pixmap =
+            QPixmap::fromImage(image.scaled(pixmap.size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
     }
     pixmap.setDevicePixelRatio(ratio);
     return QIcon(pixmap);
@@ -41,9 +42,10 @@ QIcon preview(const Recovery::Item& item, double ratio) {
 RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setWindowTitle(tr("Recover Your Work"));
     setMinimumSize(560, 420);
-    auto* text = new QLabel(tr("Qirn Paint closed without saving these pictures (a crash, power cut or forced quit). "
-                               "Your autosaved copies are safe."),
-                            this);
+    auto* text =
+        new QLabel(tr("Qirn Paint closed without saving these pictures (a crash, power cut or forced quit). "
+                      "Your autosaved copies are safe."),
+                   this);
     text->setWordWrap(true);
     list_ = new QListWidget(this);
     list_->setAccessibleName(tr("Autosaved pictures"));
@@ -77,7 +79,9 @@ RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(paren
     reload();
 }
 
-bool RecoverySheet::isEmpty() const { return items_.empty(); }
+bool RecoverySheet::isEmpty() const {
+    return items_.empty();
+}
 
 void RecoverySheet::reload() {
     items_ = pendingFor(model_);
@@ -86,7 +90,8 @@ void RecoverySheet::reload() {
         const Recovery::Info& info = item.info;
         const QString size = tr("%1 × %2 px · %3 layer(s)").arg(info.width).arg(info.height).arg(info.layers);
         const QString date = QLocale().toString(info.date.toLocalTime(), QLocale::ShortFormat);
-        list_->addItem(new QListWidgetItem(preview(item, devicePixelRatioF()), info.name + u'\n' + date + u'\n' + size));
+        list_->addItem(
+            new QListWidgetItem(preview(item, devicePixelRatioF()), info.name + u'\n' + date + u'\n' + size));
     }
     if (items_.empty()) {
         auto* none = new QListWidgetItem(tr("Nothing to recover."), list_);

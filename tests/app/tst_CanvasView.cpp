@@ -21,7 +21,9 @@ using namespace qirn::test;
 
 namespace {
 
-BrushSettings preset(const char* name) { return *BrushLibrary::named(QLatin1String(name)); }
+BrushSettings preset(const char* name) {
+    return *BrushLibrary::named(QLatin1String(name));
+}
 
 /// A hard dot of a few pixels, the same at any pressure.
 BrushSettings dot(double size = 6) {
@@ -45,7 +47,9 @@ protected:
     }
 };
 
-uint64_t layerPrint(Studio& studio) { return studio.layer().fingerprint(); }
+uint64_t layerPrint(Studio& studio) {
+    return studio.layer().fingerprint();
+}
 
 } // namespace
 
@@ -109,7 +113,8 @@ void tst_CanvasView::aStrokeLandsUnderThePen() {
     studio.penStroke({place});
     const auto bounds = studio.layer().contentBounds();
     QVERIFY(bounds.has_value());
-    QVERIFY2(std::abs(bounds->x + bounds->w / 2.0 - place.x()) <= 0.75 && std::abs(bounds->y + bounds->h / 2.0 - place.y()) <= 0.75,
+    QVERIFY2(std::abs(bounds->x + bounds->w / 2.0 - place.x()) <= 0.75 &&
+                 std::abs(bounds->y + bounds->h / 2.0 - place.y()) <= 0.75,
              qPrintable(bounds->description()));
 }
 
@@ -204,7 +209,8 @@ void tst_CanvasView::oneStrokeIsOneUndoStep() {
     QCOMPARE(studio.doc().undoDepth(), int64_t{1});
     QCOMPARE(studio.doc().undoName(), name);
     QVERIFY(studio.session().isDirty());
-    QVERIFY(studio.model.status().lastStrokeStats()->startsWith(QStringLiteral("Last stroke: 5 points, avg ")));
+    QVERIFY(
+        studio.model.status().lastStrokeStats()->startsWith(QStringLiteral("Last stroke: 5 points, avg ")));
 }
 
 void tst_CanvasView::aMouseThatFollowsAPenPaintsNothing() {
@@ -235,20 +241,25 @@ void tst_CanvasView::theEraserEndErasesAndGivesTheToolBack() {
     studio.penStroke({{100, 100}});
     const auto near = [&](QEvent::Type type, bool eraser) {
         const QPointingDevice device(QStringLiteral("p"), 7, QInputDevice::DeviceType::Stylus,
-                                     eraser ? QPointingDevice::PointerType::Eraser : QPointingDevice::PointerType::Pen,
+                                     eraser ? QPointingDevice::PointerType::Eraser
+                                            : QPointingDevice::PointerType::Pen,
                                      QInputDevice::Capability::Position, 1, 1);
         QTabletEvent event(type, &device, {}, {}, 0, 0, 0, 0, 0, 0, {}, Qt::NoButton, Qt::NoButton);
         QApplication::sendEvent(qApp, &event);
     };
-    if (proximity) near(QEvent::TabletEnterProximity, true);
-    else studio.penEvent(QEvent::TabletMove, {100, 100}, 0, true);
+    if (proximity)
+        near(QEvent::TabletEnterProximity, true);
+    else
+        studio.penEvent(QEvent::TabletMove, {100, 100}, 0, true);
     QCOMPARE(studio.model.tool(), Tool::eraser);
     studio.penEvent(QEvent::TabletPress, {100, 100}, 1, true);
     studio.penEvent(QEvent::TabletRelease, {100, 100}, 0, true);
     QCOMPARE(studio.layer().pixel(100, 100)[3], uint8_t{0});
     QCOMPARE(studio.doc().undoName(), QStringLiteral("Erase"));
-    if (proximity) near(QEvent::TabletLeaveProximity, true);
-    else studio.penEvent(QEvent::TabletMove, {100, 100}, 0, false);
+    if (proximity)
+        near(QEvent::TabletLeaveProximity, true);
+    else
+        studio.penEvent(QEvent::TabletMove, {100, 100}, 0, false);
     QCOMPARE(studio.model.tool(), Tool::brush);
     QVERIFY(!studio.model.penIsEraser);
 }
@@ -258,7 +269,8 @@ void tst_CanvasView::lockedAndHiddenLayersRefuseInWords() {
     studio.model.toggleLock();
     const int64_t steps = studio.doc().undoDepth();
     studio.penStroke({{50, 50}, {90, 90}});
-    QCOMPARE(studio.model.hud(), QStringLiteral("The layer \"Layer 1\" is locked — unlock it in the Layers panel"));
+    QCOMPARE(studio.model.hud(),
+             QStringLiteral("The layer \"Layer 1\" is locked — unlock it in the Layers panel"));
     studio.model.toggleLock();
     studio.model.toggleVisibility();
     studio.penStroke({{50, 50}, {90, 90}});
@@ -360,10 +372,12 @@ void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegion() {
     PaintWatcher watcher(studio.canvas);
     studio.penStroke({from, {1050, 1020}, to});
     QTest::qWait(20);
-    const QPointF corner = studio.widgetPoint(from - QPointF(300, 300)), opposite = studio.widgetPoint(to + QPointF(300, 300));
+    const QPointF corner = studio.widgetPoint(from - QPointF(300, 300)),
+                  opposite = studio.widgetPoint(to + QPointF(300, 300));
     const QRect tiles = QRectF(corner, opposite).toAlignedRect();
     QVERIFY(!watcher.region.isEmpty());
-    QVERIFY2(tiles.contains(watcher.region.boundingRect()), qPrintable(QStringLiteral("%1").arg(watcher.region.boundingRect().width())));
+    QVERIFY2(tiles.contains(watcher.region.boundingRect()),
+             qPrintable(QStringLiteral("%1").arg(watcher.region.boundingRect().width())));
 }
 
 void tst_CanvasView::viewChangesCompositeNothing() {
@@ -400,7 +414,8 @@ void tst_CanvasView::noSeamInAnyView() {
     presentation.show(&doc);
     QImage screen(700, 500, QImage::Format_RGB32);
     screen.fill(Qt::magenta);
-    const ViewTransform view(screen.size(), QSizeF(1900, 1300), {zoom, {13.4, -7.7}, rotation, rotation > 90});
+    const ViewTransform view(screen.size(), QSizeF(1900, 1300),
+                             {zoom, {13.4, -7.7}, rotation, rotation > 90});
     QPainter painter(&screen);
     presentation.look(view, zoom);
     presentation.draw(painter, screen.rect());
@@ -411,7 +426,8 @@ void tst_CanvasView::noSeamInAnyView() {
         for (int x = 0; x < screen.width(); ++x) {
             if (!inside.contains(view.canvasPoint(view.flippedVertically({x + 0.5, y + 0.5})))) continue;
             ++looked;
-            QVERIFY2(screen.pixel(x, y) == qRgb(0, 255, 0), qPrintable(QStringLiteral("%1,%2: %3").arg(x).arg(y).arg(screen.pixel(x, y), 0, 16)));
+            QVERIFY2(screen.pixel(x, y) == qRgb(0, 255, 0),
+                     qPrintable(QStringLiteral("%1,%2: %3").arg(x).arg(y).arg(screen.pixel(x, y), 0, 16)));
         }
     }
     QVERIFY(looked > 1000);
@@ -439,7 +455,9 @@ void tst_CanvasView::theCheckerboardShowsThroughEmptyTiles() {
     paintRect(studio.doc(), studio.layer(), {0, 0, 100, 100}, {0, 0, 255, 255});
     studio.canvas.flush();
     const QImage shown = studio.canvas.grab().toImage();
-    const auto at = [&](double x, double y) { return shown.pixel(studio.widgetPoint({x + 0.5, y + 0.5}).toPoint()); };
+    const auto at = [&](double x, double y) {
+        return shown.pixel(studio.widgetPoint({x + 0.5, y + 0.5}).toPoint());
+    };
     QCOMPARE(at(50, 50), qRgb(0, 0, 255));
     // Squares of 12 canvas pixels, the first of the darker grey; also where there is no tile.
     QCOMPARE(at(120 + 5, 120 + 5), qRgb(179, 179, 179));
@@ -478,14 +496,18 @@ void tst_CanvasView::aHugeBlankCanvasHoldsNoTileImages() {
 void tst_CanvasView::rectanglesAreSelected_data() {
     QTest::addColumn<int>("mode");
     QTest::addColumn<Qt::KeyboardModifiers>("keys");
-    QTest::addColumn<int>("first");  // value in the part of the first rectangle alone
+    QTest::addColumn<int>("first"); // value in the part of the first rectangle alone
     QTest::addColumn<int>("common");
     QTest::addColumn<int>("second");
     QTest::newRow("new") << int(SelectionOp::replace) << Qt::KeyboardModifiers() << 0 << 255 << 255;
     QTest::newRow("add") << int(SelectionOp::add) << Qt::KeyboardModifiers() << 255 << 255 << 255;
-    QTest::newRow("Command adds") << int(SelectionOp::replace) << Qt::KeyboardModifiers(Qt::ControlModifier) << 255 << 255 << 255;
-    QTest::newRow("Option subtracts") << int(SelectionOp::replace) << Qt::KeyboardModifiers(Qt::AltModifier) << 255 << 0 << 0;
-    QTest::newRow("both intersect") << int(SelectionOp::add) << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::AltModifier) << 0 << 255 << 0;
+    QTest::newRow("Command adds") << int(SelectionOp::replace) << Qt::KeyboardModifiers(Qt::ControlModifier)
+                                  << 255 << 255 << 255;
+    QTest::newRow("Option subtracts")
+        << int(SelectionOp::replace) << Qt::KeyboardModifiers(Qt::AltModifier) << 255 << 0 << 0;
+    QTest::newRow("both intersect") << int(SelectionOp::add)
+                                    << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::AltModifier) << 0
+                                    << 255 << 0;
 }
 
 void tst_CanvasView::rectanglesAreSelected() {
@@ -561,13 +583,15 @@ void tst_CanvasView::wheelZoomsAroundThePointer() {
     Studio studio;
     const QPointF place(100, 60);
     const QPointF at = studio.widgetPoint(place);
-    QWheelEvent wheel(at, studio.canvas.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QWheelEvent wheel(at, studio.canvas.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase,
+                      false);
     QApplication::sendEvent(&studio.canvas, &wheel);
     QVERIFY(studio.session().view.zoom > 1.05);
     const QPointF now = studio.widgetPoint(place);
     QVERIFY(std::hypot(now.x() - at.x(), now.y() - at.y()) < 1.5);
     const ViewState before = studio.session().view;
-    QWheelEvent pan(at, studio.canvas.mapToGlobal(at), {10, 20}, {40, 80}, Qt::NoButton, {}, Qt::ScrollUpdate, false);
+    QWheelEvent pan(at, studio.canvas.mapToGlobal(at), {10, 20}, {40, 80}, Qt::NoButton, {}, Qt::ScrollUpdate,
+                    false);
     QApplication::sendEvent(&studio.canvas, &pan);
     QCOMPARE(studio.session().view.zoom, before.zoom);
     QCOMPARE(studio.session().view.pan, before.pan + QPointF(10, -20));

@@ -72,7 +72,8 @@ private Q_SLOTS:
 
 void tst_PaintModel::recentColoursAreFewAndDistinct() {
     std::vector<PaintColor> recent;
-    for (int i = 0; i < 40; ++i) recent = withRecent(recent, PaintColor::fromBytes(static_cast<uint8_t>(i % 25), 0, 0));
+    for (int i = 0; i < 40; ++i)
+        recent = withRecent(recent, PaintColor::fromBytes(static_cast<uint8_t>(i % 25), 0, 0));
     QCOMPARE(recent.size(), std::size_t{18});
     QCOMPARE(recent[0], PaintColor::fromBytes(14, 0, 0));
     recent = withRecent(recent, recent[5]);
@@ -100,7 +101,8 @@ void tst_PaintModel::otherToolsEditTheBrushToolsBrush() {
     QCOMPARE(studio.model.activeBrush().size, 1000.0);
     studio.model.resetBrush();
     QCOMPARE(studio.model.activeBrush(), *BrushLibrary::named(QStringLiteral("Studio Pen")));
-    for (const BrushSettings& smudge : studio.model.brushesFor(Tool::smudge)) QCOMPARE(smudge.kind, BrushKind::smudge);
+    for (const BrushSettings& smudge : studio.model.brushesFor(Tool::smudge))
+        QCOMPARE(smudge.kind, BrushKind::smudge);
     QCOMPARE(studio.model.brushesFor(Tool::lasso).size(), std::size_t{24});
 }
 
@@ -151,7 +153,8 @@ void tst_PaintModel::choicesSurviveARestart() {
 void tst_PaintModel::oneBadValueCostsOnlyItself() {
     Studio studio;
     studio.defaults.setText(QStringLiteral("qirn.pt.tool"), QStringLiteral("eraser"));
-    studio.defaults.setText(QStringLiteral("qirn.pt.colors"), QStringLiteral("[{\"r\":1,\"g\":0,\"b\":0,\"a\":1}]"));
+    studio.defaults.setText(QStringLiteral("qirn.pt.colors"),
+                            QStringLiteral("[{\"r\":1,\"g\":0,\"b\":0,\"a\":1}]"));
     studio.defaults.setText(QStringLiteral("qirn.pt.toolBrushes"), QStringLiteral("{\"brush\":[[["));
     studio.defaults.setText(QStringLiteral("qirn.pt.prefs"), QStringLiteral("{\"undoSteps\":20}"));
     const PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
@@ -171,7 +174,8 @@ void tst_PaintModel::aBrushFileThatCannotBeReadIsMovedAside() {
     QVERIFY(model.userBrushes().empty());
     model.saveBrushAsNew(QStringLiteral("New"));
     QCOMPARE(BrushFile::decode(bytesOf(bytesAt(AppFolders::brushesFile())))->size(), std::size_t{1});
-    const QStringList kept = QDir(AppFolders::base()).entryList({QStringLiteral("My Brushes (unreadable*).json")});
+    const QStringList kept =
+        QDir(AppFolders::base()).entryList({QStringLiteral("My Brushes (unreadable*).json")});
     QCOMPARE(kept.size(), 1);
     QCOMPARE(bytesAt(QDir(AppFolders::base()).filePath(kept[0])), damaged);
 }
@@ -238,7 +242,8 @@ void tst_PaintModel::aPictureIsSavedClosedAndOpenedAgain() {
     Studio studio;
     studio.penStroke({{30, 30}, {200, 150}, {90, 220}}, 0.7);
     studio.model.addLayer();
-    studio.model.setLayer(2, QStringLiteral("Rename Layer"), [](Layer& layer) { layer.name = QStringLiteral("Ébauche ✏️"); });
+    studio.model.setLayer(2, QStringLiteral("Rename Layer"),
+                          [](Layer& layer) { layer.name = QStringLiteral("Ébauche ✏️"); });
     const uint64_t print = studio.doc().fingerprint();
     studio.desktop.savePaths = {studio.path(QStringLiteral("Bild ä.qirnpaint"))};
     QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
@@ -261,7 +266,8 @@ void tst_PaintModel::aFileIsNeverOpenedTwice() {
     Studio studio;
     PaintDocument picture(30, 20, 72, PaintColor::white());
     writeFile(studio.path(QStringLiteral("a.qirnpaint")), PaintFile::encode(picture));
-    studio.desktop.openPaths = {{studio.path(QStringLiteral("a.qirnpaint")), studio.path(QStringLiteral("./a.qirnpaint"))}};
+    studio.desktop.openPaths = {
+        {studio.path(QStringLiteral("a.qirnpaint")), studio.path(QStringLiteral("./a.qirnpaint"))}};
     studio.model.openPanel();
     QCOMPARE(studio.model.sessions().size(), std::size_t{2});
     DocSession* opened = studio.model.current();
@@ -277,7 +283,8 @@ void tst_PaintModel::aFailedSaveLosesNothing() {
     studio.desktop.savePaths = {studio.path(QStringLiteral("no such folder/a.qirnpaint"))};
     QVERIFY(!studio.model.save(nullptr, PaintModel::SaveAs::no));
     QCOMPARE(studio.desktop.asked.back().title, QStringLiteral("Couldn't save"));
-    QVERIFY(studio.desktop.asked.back().text.endsWith(QStringLiteral("\n\nYour work is still open and autosaved.")));
+    QVERIFY(studio.desktop.asked.back().text.endsWith(
+        QStringLiteral("\n\nYour work is still open and autosaved.")));
     QVERIFY(studio.session().isDirty());
     QVERIFY(studio.session().fileURL.isEmpty());
     QCOMPARE(studio.doc().fingerprint(), print);
@@ -288,7 +295,8 @@ void tst_PaintModel::aDamagedFileIsToldInWords() {
     writeFile(studio.path(QStringLiteral("text.qirnpaint")), "not a paint file");
     PaintDocument picture(300, 300, 72, PaintColor::white());
     const QByteArray whole = PaintFile::encode(picture);
-    writeFile(studio.path(QStringLiteral("half.qirnpaint")), whole.first(PaintFile::manifestOf(bytesOf(whole)).blobOffset + 10));
+    writeFile(studio.path(QStringLiteral("half.qirnpaint")),
+              whole.first(PaintFile::manifestOf(bytesOf(whole)).blobOffset + 10));
     for (const char* name : {"text.qirnpaint", "half.qirnpaint", "missing.qirnpaint"}) {
         studio.model.open(studio.path(QLatin1String(name)));
         QCOMPARE(studio.desktop.asked.back().title, QStringLiteral("Couldn't open ") + QLatin1String(name));
@@ -315,7 +323,8 @@ void tst_PaintModel::closingAsksAboutUnsavedWork() {
     studio.desktop.savePaths = {studio.path(QStringLiteral("kept.qirnpaint"))};
     studio.model.closeCurrent();
     QCOMPARE(studio.desktop.asked.front().title, QStringLiteral("Save changes to \"Test\"?"));
-    QCOMPARE(studio.desktop.asked.front().buttons, (QStringList{QStringLiteral("Save…"), QStringLiteral("Cancel"), QStringLiteral("Don't Save")}));
+    QCOMPARE(studio.desktop.asked.front().buttons,
+             (QStringList{QStringLiteral("Save…"), QStringLiteral("Cancel"), QStringLiteral("Don't Save")}));
     QCOMPARE(studio.session().id != id, closes);
     QCOMPARE(QFile::exists(studio.path(QStringLiteral("kept.qirnpaint"))), answer == 0);
     QVERIFY(!QFile::exists(Recovery::fileURL(id)));
@@ -375,12 +384,15 @@ void tst_PaintModel::safetyCopiesAreWrittenAndRemoved() {
 }
 
 void tst_PaintModel::theRecentListKeepsWhatItHolds() {
-    const QString once = recentListWith({}, QStringLiteral("/a b/ä&.qirnpaint"), QStringLiteral("2026-01-02T03:04:05Z"));
+    const QString once =
+        recentListWith({}, QStringLiteral("/a b/ä&.qirnpaint"), QStringLiteral("2026-01-02T03:04:05Z"));
     QVERIFY(once.contains(QStringLiteral("href=\"file:///a%20b/%C3%A4&amp;.qirnpaint\"")));
     QCOMPARE(recentListWith(once, QStringLiteral("/a b/ä&.qirnpaint"), QStringLiteral("later")), once);
-    const QString twice = recentListWith(once, QStringLiteral("/c.qirnpaint"), QStringLiteral("2026-01-02T03:04:05Z"));
+    const QString twice =
+        recentListWith(once, QStringLiteral("/c.qirnpaint"), QStringLiteral("2026-01-02T03:04:05Z"));
     QVERIFY(twice.startsWith(once.chopped(8)));
-    QCOMPARE(recentListWith(QStringLiteral("something else"), QStringLiteral("/c"), {}), QStringLiteral("something else"));
+    QCOMPARE(recentListWith(QStringLiteral("something else"), QStringLiteral("/c"), {}),
+             QStringLiteral("something else"));
 }
 
 void tst_PaintModel::layerCommandsAreUndoSteps() {
@@ -390,13 +402,20 @@ void tst_PaintModel::layerCommandsAreUndoSteps() {
         void (PaintModel::*command)();
         const char* name;
     } commands[] = {
-        {&PaintModel::addLayer, "New Layer"},           {&PaintModel::moveLayerDown, "Move Layer Down"},
-        {&PaintModel::moveLayerUp, "Move Layer Up"},    {&PaintModel::duplicateLayer, "Duplicate Layer"},
-        {&PaintModel::deleteLayer, "Delete Layer"},     {&PaintModel::toggleClipping, "Clipping"},
-        {&PaintModel::toggleVisibility, "Visibility"},  {&PaintModel::toggleAlphaLock, "Alpha Lock"},
-        {&PaintModel::toggleLock, "Lock"},              {&PaintModel::selectAll, "Select All"},
-        {&PaintModel::deselect, "Deselect"},            {&PaintModel::mergeDown, "Merge Down"},
-        {&PaintModel::mergeVisible, "Merge Visible"},   {&PaintModel::flatten, "Flatten Image"},
+        {&PaintModel::addLayer, "New Layer"},
+        {&PaintModel::moveLayerDown, "Move Layer Down"},
+        {&PaintModel::moveLayerUp, "Move Layer Up"},
+        {&PaintModel::duplicateLayer, "Duplicate Layer"},
+        {&PaintModel::deleteLayer, "Delete Layer"},
+        {&PaintModel::toggleClipping, "Clipping"},
+        {&PaintModel::toggleVisibility, "Visibility"},
+        {&PaintModel::toggleAlphaLock, "Alpha Lock"},
+        {&PaintModel::toggleLock, "Lock"},
+        {&PaintModel::selectAll, "Select All"},
+        {&PaintModel::deselect, "Deselect"},
+        {&PaintModel::mergeDown, "Merge Down"},
+        {&PaintModel::mergeVisible, "Merge Visible"},
+        {&PaintModel::flatten, "Flatten Image"},
     };
     std::vector<uint64_t> prints{studio.doc().fingerprint()};
     for (const auto& [command, name] : commands) {

@@ -44,18 +44,22 @@ void tst_ViewTransform::aPointGoesThereAndBackInAnyView() {
     const ViewTransform view({1001, 700}, {333, 222}, {zoom, {12.3, -45.6}, rotation, flip});
     for (const QPointF p : {QPointF(0, 0), QPointF(332.5, 221.5), QPointF(100.25, 7.75)}) {
         const QPointF back = view.canvasPoint(view.viewPoint(p));
-        QVERIFY2(std::hypot(back.x() - p.x(), back.y() - p.y()) < 1e-6, qPrintable(QString::number(back.x())));
+        QVERIFY2(std::hypot(back.x() - p.x(), back.y() - p.y()) < 1e-6,
+                 qPrintable(QString::number(back.x())));
         const QPointF drawn = view.canvasToWidget().map(p);
         QCOMPARE(view.flippedVertically(drawn), view.viewPoint(p));
     }
     // Apart from the step to a whole device pixel the picture's middle stands at the view's middle plus the pan.
     const QPointF middle = view.viewPoint({166.5, 111});
-    QVERIFY(std::abs(middle.x() - (500.5 + 12.3)) <= 0.5 + 1e-9 && std::abs(middle.y() - (350 - 45.6)) <= 0.5 + 1e-9);
+    QVERIFY(std::abs(middle.x() - (500.5 + 12.3)) <= 0.5 + 1e-9 &&
+            std::abs(middle.y() - (350 - 45.6)) <= 0.5 + 1e-9);
 }
 
 void tst_ViewTransform::theViewLooksAsTheWordsSay() {
     const QSizeF size(600, 600), canvas(100, 100);
-    const auto seen = [&](const ViewState& state, QPointF p) { return ViewTransform(size, canvas, state).canvasToWidget().map(p); };
+    const auto seen = [&](const ViewState& state, QPointF p) {
+        return ViewTransform(size, canvas, state).canvasToWidget().map(p);
+    };
     // A quarter turn clockwise brings the top left corner to the top right.
     const QPointF turned = seen({1, {}, 90, false}, {0, 0});
     QVERIFY(turned.x() > 300 && turned.y() < 300);
@@ -75,7 +79,8 @@ void tst_ViewTransform::atOneHundredPercentPixelsMeetDevicePixels() {
     QFETCH(QSizeF, view);
     QFETCH(QSizeF, canvas);
     for (const QPointF pan : {QPointF(0, 0), QPointF(0.3, -17.8)}) {
-        const QPointF corner = ViewTransform(view, canvas, {1, pan, 0, false}).canvasToWidget().map(QPointF(0, 0));
+        const QPointF corner =
+            ViewTransform(view, canvas, {1, pan, 0, false}).canvasToWidget().map(QPointF(0, 0));
         QCOMPARE(corner.x(), std::round(corner.x()));
         QCOMPARE(corner.y(), std::round(corner.y()));
     }
@@ -99,7 +104,8 @@ void tst_ViewTransform::manySmallZoomsDoNotWander() {
     const QSizeF view(901, 701), canvas(500, 400);
     const QPointF pointer(100, 90), under = ViewTransform(view, canvas, state).canvasPoint(pointer);
     for (int i = 0; i < 400; ++i) {
-        state = ViewTransform(view, canvas, state).zoomedTo(state.zoom * (i % 2 ? 1 / 1.013 : 1.013), pointer);
+        state =
+            ViewTransform(view, canvas, state).zoomedTo(state.zoom * (i % 2 ? 1 / 1.013 : 1.013), pointer);
     }
     const QPointF now = ViewTransform(view, canvas, state).viewPoint(under);
     QVERIFY(std::hypot(now.x() - pointer.x(), now.y() - pointer.y()) < 1.5);
@@ -142,7 +148,8 @@ void tst_ViewTransform::keysReadAsTheHostNamesThem() {
     QCOMPARE(hostWords(QStringLiteral("Redo (⇧⌘Z)")), QStringLiteral("Redo (Ctrl+Shift+Z)"));
     QCOMPARE(hostWords(QStringLiteral("Or hold ⌘ to add, ⌥ to subtract, ⌘⌥ to intersect")),
              QStringLiteral("Or hold Ctrl to add, Alt to subtract, Ctrl+Alt to intersect"));
-    QCOMPARE(hostWords(QStringLiteral("a format macOS cannot read.")), QStringLiteral("a format this system cannot read."));
+    QCOMPARE(hostWords(QStringLiteral("a format macOS cannot read.")),
+             QStringLiteral("a format this system cannot read."));
     QCOMPARE(hostWords(QStringLiteral("Tip: hold ⌥ Option with the brush to pick a color")),
              QStringLiteral("Tip: hold Ctrl with the brush to pick a color"));
 #endif

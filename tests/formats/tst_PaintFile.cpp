@@ -68,7 +68,8 @@ void tst_PaintFile::partsLieWhereTheFormatSays() {
     const OrderedJson& manifest = parts.manifest;
     std::string keys;
     for (const auto& [key, value] : manifest.items()) keys += key + " ";
-    QCOMPARE(keys, std::string("format formatVersion app width height dpi active layers onion thumbnail saved "));
+    QCOMPARE(keys,
+             std::string("format formatVersion app width height dpi active layers onion thumbnail saved "));
     QCOMPARE(manifest["format"], "Qirn Paint document");
     QCOMPARE(manifest["formatVersion"], 1);
     QCOMPARE(manifest["app"], "Qirn Paint by Tessaly Works (Qirn) - https://qirnpaint.example");

@@ -42,7 +42,8 @@ QString refusalOf(const QByteArray& file) {
 }
 
 QString damaged(const QString& detail) {
-    return QStringLiteral("The Qirn Paint document is damaged (%1). Try File → Recover Autosaved Work.").arg(detail);
+    return QStringLiteral("The Qirn Paint document is damaged (%1). Try File → Recover Autosaved Work.")
+        .arg(detail);
 }
 
 std::unique_ptr<PaintDocument> richDocument() {

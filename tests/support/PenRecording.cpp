@@ -10,8 +10,7 @@ namespace qirn::test {
 namespace {
 
 /// Adds samples until `length` seconds have passed, 125 a second; shape(t) gives a point for t from 0 to 1.
-template <class Shape>
-std::vector<StrokePoint> drawn(double start, double length, Shape shape) {
+template <class Shape> std::vector<StrokePoint> drawn(double start, double length, Shape shape) {
     std::vector<StrokePoint> points;
     const int count = static_cast<int>(length * 125);
     for (int i = 0; i <= count; ++i) {
@@ -70,7 +69,8 @@ PenStrokes syntheticHand() {
     // A quick scribble that crosses itself, with loops that shrink.
     strokes.push_back(drawn(1, 0.9, [](double t) {
         const double turn = 2 * M_PI * 5 * t, r = 70 * (1 - 0.6 * t);
-        return StrokePoint(150 + 280 * t + r * std::cos(turn), 260 + r * std::sin(turn), 0.35 + 0.3 * std::sin(turn));
+        return StrokePoint(150 + 280 * t + r * std::cos(turn), 260 + r * std::sin(turn),
+                           0.35 + 0.3 * std::sin(turn));
     }));
     // Two taps of the pen, one of them shaking.
     strokes.push_back({StrokePoint(500, 60, 0.7, 0, 0, 2.2)});

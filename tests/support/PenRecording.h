@@ -26,7 +26,8 @@ struct PenAdjustment {
     double scale = 1; ///< First.
     double dx = 0;    ///< Then moved, pixels.
     double dy = 0;
-    bool toSixtyFourths = false; ///< Last: positions to 1/64 pixel, pressure to 1/64, as exact binary fractions.
+    bool toSixtyFourths =
+        false; ///< Last: positions to 1/64 pixel, pressure to 1/64, as exact binary fractions.
 };
 PenStrokes adjusted(const PenStrokes& strokes, const PenAdjustment& how);
 

@@ -24,12 +24,14 @@ public:
     QStringList recentFiles;
     int beeps = 0;
 
-    std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>&, const QString&) override {
+    std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>&,
+                                    const QString&) override {
         proposedNames << proposedName;
         return take(savePaths);
     }
     QStringList openFiles(const QList<FileType>&) override { return take(openPaths).value_or(QStringList()); }
-    int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) override {
+    int ask(const QString& title, const QString& text, const QStringList& buttons,
+            int cancelButton) override {
         asked.push_back({title, text, buttons});
         return take(answers).value_or(cancelButton);
     }
@@ -37,8 +39,7 @@ public:
     void noteRecentFile(const QString& path) override { recentFiles << path; }
 
 private:
-    template <class T>
-    static std::optional<T> take(std::deque<T>& queue) {
+    template <class T> static std::optional<T> take(std::deque<T>& queue) {
         if (queue.empty()) return std::nullopt;
         T first = queue.front();
         queue.pop_front();

@@ -17,9 +17,13 @@ constexpr auto kCapabilities = QInputDevice::Capability::Position | QInputDevice
 }
 
 Studio::Studio()
-    : base(folder.path()), model(PaintModel::LoadStores::yes, desktop, defaults), canvas(model),
-      penTip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen, kCapabilities, 1, 1),
-      eraserEnd(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Eraser, kCapabilities, 1, 1) {
+    : base(folder.path()),
+      model(PaintModel::LoadStores::yes, desktop, defaults),
+      canvas(model),
+      penTip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
+             kCapabilities, 1, 1),
+      eraserEnd(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus,
+                QPointingDevice::PointerType::Eraser, kCapabilities, 1, 1) {
     model.setCanvas(&canvas);
     canvas.strokeSeed = [] { return uint64_t{1}; };
     model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
@@ -30,15 +34,17 @@ Studio::Studio()
 
 QPointF Studio::widgetPoint(QPointF canvasPoint) const {
     const QPointF view = canvas.viewPoint(canvasPoint);
-    return QPointF(view.x(), canvas.height() * canvas.devicePixelRatioF() - view.y()) / canvas.devicePixelRatioF();
+    return QPointF(view.x(), canvas.height() * canvas.devicePixelRatioF() - view.y()) /
+           canvas.devicePixelRatioF();
 }
 
-void Studio::penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser, Qt::KeyboardModifiers modifiers) {
+void Studio::penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser,
+                      Qt::KeyboardModifiers modifiers) {
     const QPointF at = widgetPoint(point);
     const bool up = type == QEvent::TabletRelease;
     const Qt::MouseButton button = type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton;
-    QTabletEvent event(type, eraser ? &eraserEnd : &penTip, at, canvas.mapToGlobal(at), pressure, 0, 0, 0, 0, 0, modifiers, button,
-                       up ? Qt::NoButton : Qt::LeftButton);
+    QTabletEvent event(type, eraser ? &eraserEnd : &penTip, at, canvas.mapToGlobal(at), pressure, 0, 0, 0, 0,
+                       0, modifiers, button, up ? Qt::NoButton : Qt::LeftButton);
     QApplication::sendEvent(&canvas, &event);
 }
 
@@ -75,6 +81,8 @@ void Studio::pointerLeaves() {
     QApplication::sendEvent(&canvas, &leave);
 }
 
-void Studio::waitForPenEcho() { QTest::qWait(60); }
+void Studio::waitForPenEcho() {
+    QTest::qWait(60);
+}
 
 } // namespace qirn::test

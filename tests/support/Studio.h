@@ -39,7 +39,8 @@ struct Studio {
     QPointF widgetPoint(QPointF canvasPoint) const; ///< Where a canvas point is shown, in widget coordinates.
 
     // Events as the window system would send them; points are canvas points.
-    void penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser = false, Qt::KeyboardModifiers modifiers = {});
+    void penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser = false,
+                  Qt::KeyboardModifiers modifiers = {});
     void penStroke(const std::vector<QPointF>& points, double pressure = 1);
     void mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers = {});
     void mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers = {});
