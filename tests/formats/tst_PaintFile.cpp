@@ -264,7 +264,9 @@ void tst_PaintFile::aFlatHugeCanvasIsStoredOnceInMemory() {
     const QByteArray file = PaintFile::encode(doc);
     const auto again = PaintFile::decode(bytesOf(file));
     QCOMPARE(again->historyBytes(), int64_t{kTileBytes});
-    QCOMPARE(again->fingerprint(), doc.fingerprint());
+    const TileArray& filled = again->layer(0).tiles();
+    for (int64_t i = 0; i < filled.count(); ++i) QCOMPARE(filled.at(i), filled.at(0));
+    QVERIFY(std::memcmp(filled.at(0)->pixels(), doc.layer(0).tile(0)->pixels(), kTileBytes) == 0);
     const QImage preview = *PaintFile::thumbnailOf(bytesOf(file));
     QCOMPARE(preview.pixel(0, 0), preview.pixel(319, 319));
     QCOMPARE(preview.pixel(160, 7), qRgba(255, 128, 0, 255));

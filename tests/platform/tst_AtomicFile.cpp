@@ -1,0 +1,293 @@
+#include "platform/AtomicFile.h"
+#include "platform/Bytes.h"
+#include "support/TestMain.h"
+
+#include <cerrno>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace qirn;
+
+namespace {
+
+const QByteArray kOld(5000, 'o');
+const QByteArray kNew(100'000, 'n');
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+}
+
+void put(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+/// The error's number, or 0 when the file was written.
+int errorOf(const QString& path, const FileCalls& calls = FileCalls::ofSystem()) {
+    try {
+        writeAtomically(path, bytesOf(kNew), calls);
+        return 0;
+    } catch (const FileError& error) {
+        return error.systemError();
+    }
+}
+
+mode_t modeOf(const QString& path) {
+    struct stat facts {};
+    return ::stat(QFile::encodeName(path).constData(), &facts) == 0 ? facts.st_mode & 07777 : 0;
+}
+
+int failWith(int error) {
+    errno = error;
+    return -1;
+}
+
+} // namespace
+
+class tst_AtomicFile : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init() { folder_ = std::make_unique<QTemporaryDir>(); }
+
+    void aFileIsMadeOrReplaced();
+    void aFailingCallLeavesTheOldFileWhole_data();
+    void aFailingCallLeavesTheOldFileWhole();
+    void aFailingCallLeavesNothingWhereThereWasNothing();
+    void shortWritesAreContinued();
+    void aDiskThatFillsUpHalfwayIsNoticed();
+    void interruptedCallsAreRepeated();
+    void contentIsFlushedBeforeTheRenameAndTheFolderAfter();
+    void aFolderThatCannotBeFlushedIsReported();
+    void theModeIsKept();
+    void aLinkStaysAndItsTargetIsReplaced();
+    void oddTargetsAreRefused();
+    void errorsAreInWords();
+
+private:
+    QString at(const char* name) const { return folder_->filePath(QString::fromUtf8(name)); }
+    QStringList names() const {
+        return QDir(folder_->path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+};
+
+void tst_AtomicFile::aFileIsMadeOrReplaced() {
+    const QString path = at("Ébauche ✏️.qirnpaint");
+    writeAtomically(path, bytesOf(kOld));
+    QCOMPARE(contentOf(path), kOld);
+    writeAtomically(path, bytesOf(kNew));
+    QCOMPARE(contentOf(path), kNew);
+    writeAtomically(path, {});
+    QCOMPARE(contentOf(path), QByteArray(""));
+    const QString longest = at(QByteArray(255, 'x').constData());
+    writeAtomically(longest, bytesOf(kNew));
+    QCOMPARE(contentOf(longest), kNew);
+    QCOMPARE(names().size(), 2);
+}
+
+void tst_AtomicFile::aFailingCallLeavesTheOldFileWhole_data() {
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<int>("error");
+    QTest::newRow("readlink") << "readlink" << EACCES;
+    QTest::newRow("stat") << "stat" << EIO;
+    QTest::newRow("access") << "access" << EROFS;
+    QTest::newRow("open of the folder") << "open folder" << EMFILE;
+    QTest::newRow("open of the file") << "open file" << ENOSPC;
+    QTest::newRow("fchmod") << "fchmod" << EPERM;
+    QTest::newRow("write") << "write" << ENOSPC;
+    QTest::newRow("write of nothing") << "write nothing" << ENOSPC;
+    QTest::newRow("fsync") << "fsync" << EIO;
+    QTest::newRow("close") << "close" << EDQUOT;
+    QTest::newRow("rename") << "rename" << EACCES;
+}
+
+/// The system's calls with one that fails.
+static FileCalls callsThatFail(const QString& call, int error) {
+    FileCalls calls = FileCalls::ofSystem();
+    const FileCalls& system = FileCalls::ofSystem();
+    if (call == "readlink") calls.readlink = [=](auto...) { return failWith(error); };
+    if (call == "stat") calls.stat = [=](auto...) { return failWith(error); };
+    if (call == "access") calls.access = [=](auto...) { return failWith(error); };
+    if (call.startsWith("open")) {
+        calls.open = [=, &system](const char* path, int flags, mode_t mode) {
+            const bool isFolder = flags & O_DIRECTORY;
+            return isFolder == (call == "open folder") ? failWith(error) : system.open(path, flags, mode);
+        };
+    }
+    if (call == "fchmod") calls.fchmod = [=](auto...) { return failWith(error); };
+    if (call == "write") calls.write = [=](auto...) { return failWith(error); };
+    if (call == "write nothing") calls.write = [](auto...) { return 0; };
+    if (call == "fsync") calls.fsync = [=](int) { return failWith(error); };
+    if (call == "close") {
+        calls.close = [=, &system](int file) {
+            system.close(file);
+            return failWith(error);
+        };
+    }
+    if (call == "rename") calls.rename = [=](auto...) { return failWith(error); };
+    return calls;
+}
+
+void tst_AtomicFile::aFailingCallLeavesTheOldFileWhole() {
+    QFETCH(QString, call);
+    QFETCH(int, error);
+    const QString path = at("picture");
+    put(path, kOld);
+    QCOMPARE(errorOf(path, callsThatFail(call, error)), error);
+    QCOMPARE(contentOf(path), kOld);
+    QCOMPARE(names(), QStringList("picture"));
+    QCOMPARE(errorOf(path), 0);
+}
+
+void tst_AtomicFile::aFailingCallLeavesNothingWhereThereWasNothing() {
+    for (const char* call :
+         {"open folder", "open file", "write", "write nothing", "fsync", "close", "rename"}) {
+        QVERIFY(errorOf(at("picture"), callsThatFail(call, EIO)) != 0);
+        QCOMPARE(names(), QStringList());
+    }
+}
+
+void tst_AtomicFile::shortWritesAreContinued() {
+    FileCalls calls = FileCalls::ofSystem();
+    calls.write = [](int file, const void* bytes, std::size_t count) {
+        return ::write(file, bytes, std::min<std::size_t>(count, 777));
+    };
+    QCOMPARE(errorOf(at("picture"), calls), 0);
+    QCOMPARE(contentOf(at("picture")), kNew);
+}
+
+void tst_AtomicFile::aDiskThatFillsUpHalfwayIsNoticed() {
+    put(at("picture"), kOld);
+    FileCalls calls = FileCalls::ofSystem();
+    std::size_t room = 60'000;
+    calls.write = [&room](int file, const void* bytes, std::size_t count) -> ssize_t {
+        if (room == 0) return failWith(ENOSPC);
+        const ssize_t written = ::write(file, bytes, std::min(count, room));
+        room -= static_cast<std::size_t>(written);
+        return written;
+    };
+    QCOMPARE(errorOf(at("picture"), calls), ENOSPC);
+    QCOMPARE(contentOf(at("picture")), kOld);
+    QCOMPARE(names(), QStringList("picture"));
+}
+
+void tst_AtomicFile::interruptedCallsAreRepeated() {
+    put(at("picture"), kOld);
+    FileCalls calls = FileCalls::ofSystem();
+    int interruptions = 0;
+    const auto everyOther = [&interruptions] { return ++interruptions % 2 == 1; };
+    calls.open = [=](const char* path, int flags, mode_t mode) {
+        return everyOther() ? failWith(EINTR) : ::open(path, flags, mode);
+    };
+    calls.write = [=](int file, const void* bytes, std::size_t count) -> ssize_t {
+        return everyOther() ? failWith(EINTR) : ::write(file, bytes, count);
+    };
+    calls.fsync = [=](int file) { return everyOther() ? failWith(EINTR) : ::fsync(file); };
+    QCOMPARE(errorOf(at("picture"), calls), 0);
+    QCOMPARE(contentOf(at("picture")), kNew);
+}
+
+void tst_AtomicFile::contentIsFlushedBeforeTheRenameAndTheFolderAfter() {
+    FileCalls calls = FileCalls::ofSystem();
+    QStringList order;
+    calls.fsync = [&order](int file) {
+        struct stat facts {};
+        ::fstat(file, &facts);
+        order << (S_ISDIR(facts.st_mode) ? "folder" : facts.st_size == kNew.size() ? "content" : "part");
+        return ::fsync(file);
+    };
+    calls.rename = [&order](const char* from, const char* to) {
+        order << "rename";
+        return ::rename(from, to);
+    };
+    QCOMPARE(errorOf(at("picture"), calls), 0);
+    QCOMPARE(order, QStringList({"content", "rename", "folder"}));
+}
+
+void tst_AtomicFile::aFolderThatCannotBeFlushedIsReported() {
+    FileCalls calls = FileCalls::ofSystem();
+    int error = EIO;
+    calls.fsync = [&error](int file) {
+        struct stat facts {};
+        ::fstat(file, &facts);
+        return S_ISDIR(facts.st_mode) ? failWith(error) : 0;
+    };
+    put(at("picture"), kOld);
+    QCOMPARE(errorOf(at("picture"), calls), EIO);
+    QCOMPARE(contentOf(at("picture")), kNew); // too late to go back, and the new file is whole
+    QCOMPARE(names(), QStringList("picture"));
+    error = EINVAL; // a file system without such a thing
+    QCOMPARE(errorOf(at("picture"), calls), 0);
+}
+
+void tst_AtomicFile::theModeIsKept() {
+    put(at("picture"), kOld);
+    for (const mode_t mode : {0600u, 0664u, 0640u}) {
+        QCOMPARE(::chmod(QFile::encodeName(at("picture")).constData(), mode), 0);
+        QCOMPARE(errorOf(at("picture")), 0);
+        QCOMPARE(modeOf(at("picture")), mode);
+    }
+    const mode_t before = ::umask(027);
+    QCOMPARE(errorOf(at("fresh")), 0);
+    ::umask(before);
+    QCOMPARE(modeOf(at("fresh")), mode_t{0640});
+}
+
+void tst_AtomicFile::aLinkStaysAndItsTargetIsReplaced() {
+    QVERIFY(QDir(folder_->path()).mkpath("deep/deeper"));
+    put(at("deep/deeper/picture"), kOld);
+    const auto link = [&](const char* target, const char* name) {
+        QCOMPARE(::symlink(target, QFile::encodeName(at(name)).constData()), 0);
+    };
+    link("deeper/picture", "deep/relative");
+    link("deep/relative", "link to a link");
+    link("deep/not yet", "dangling");
+    link("ring 2", "ring 1");
+    link("ring 1", "ring 2");
+
+    QCOMPARE(errorOf(at("link to a link")), 0);
+    QCOMPARE(contentOf(at("deep/deeper/picture")), kNew);
+    QVERIFY(QFileInfo(at("link to a link")).isSymLink() && QFileInfo(at("deep/relative")).isSymLink());
+    QCOMPARE(errorOf(at("dangling")), 0);
+    QCOMPARE(contentOf(at("deep/not yet")), kNew);
+    QCOMPARE(errorOf(at("ring 1")), ELOOP);
+
+    // The temporary file is made where the target is, since it may be on another disk.
+    FileCalls calls = FileCalls::ofSystem();
+    QByteArray temporary;
+    calls.rename = [&temporary](const char* from, const char* to) {
+        temporary = from;
+        return ::rename(from, to);
+    };
+    QCOMPARE(errorOf(at("link to a link"), calls), 0);
+    QVERIFY(temporary.contains("/deep/deeper/"));
+}
+
+void tst_AtomicFile::oddTargetsAreRefused() {
+    QVERIFY(QDir(folder_->path()).mkpath("folder"));
+    QCOMPARE(errorOf(at("folder")), EISDIR);
+    QCOMPARE(errorOf(at("no/such/folder")), ENOENT);
+    put(at("file"), kOld);
+    QCOMPARE(errorOf(at("file/in a file")), ENOTDIR);
+    QCOMPARE(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0600), 0);
+    QCOMPARE(errorOf(at("pipe")), EINVAL);
+    QCOMPARE(errorOf(QString()), ENOENT);
+    QCOMPARE(errorOf(at(QByteArray(256, 'x').constData())), ENAMETOOLONG);
+}
+
+void tst_AtomicFile::errorsAreInWords() {
+    QCOMPARE(FileError(ENOSPC).description(), QStringLiteral("There is not enough space on the disk."));
+    const QString other = FileError(EBADF).description();
+    QVERIFY2(other.startsWith("The file could not be written (") && other.endsWith(")."), qPrintable(other));
+    QCOMPARE(QString::fromUtf8(FileError(EBADF).what()), other);
+}
+
+QIRN_TEST(tst_AtomicFile)
+#include "tst_AtomicFile.moc"
