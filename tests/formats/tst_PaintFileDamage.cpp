@@ -411,7 +411,7 @@ void tst_PaintFileDamage::flippedBitsInAStreamNeverCrash() {
     const int64_t length = good.manifest["layers"][0]["tiles"][0]["n"];
     QCOMPARE(good.manifest["layers"][0]["tiles"][0]["c"], 1);
     SeededRandom random(5);
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 1500; ++round) {
         NativeFile file = good;
         // Half of the faults in the header of the first block, where lengths and tables stand.
         const int64_t reach = round % 2 ? length : 700;
@@ -419,7 +419,7 @@ void tst_PaintFileDamage::flippedBitsInAStreamNeverCrash() {
             file.blob[static_cast<qsizetype>(random.next() % static_cast<uint64_t>(reach))] =
                 static_cast<char>(random.next());
         }
-        open(file.joined());
+        refusalOf(file.joined());
     }
 }
 
