@@ -166,7 +166,7 @@ inline void referenceBlendTile(Accumulator& acc, const CompositeInput& input, in
 
 inline uint8_t referenceByte(float f) {
     const float v = f * 255 + 0.5f;
-    return v <= 0 ? uint8_t{0} : v >= 255 ? uint8_t{255} : static_cast<uint8_t>(v);
+    return !(v > 0) ? uint8_t{0} : v >= 255 ? uint8_t{255} : static_cast<uint8_t>(v);
 }
 
 inline std::vector<uint8_t> referenceTile(int64_t index, std::span<const CompositeInput> layers) {
