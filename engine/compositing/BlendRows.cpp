@@ -112,7 +112,7 @@ const ModeLoops& loops(BlendMode mode) {
 
 uint8_t roundedByte(float f) {
     const float v = f * 255 + 0.5f;
-    if (v <= 0) return 0;
+    if (!(v > 0)) return 0; // and for not-a-number, into which malformed pixels can grow
     if (v >= 255) return 255;
     return static_cast<uint8_t>(v);
 }

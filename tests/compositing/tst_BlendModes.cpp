@@ -1,0 +1,172 @@
+#include "compositing/Reference.h"
+#include "core/SeededRandom.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <set>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+const PixelBytes kBackdrop{200, 100, 50, 255};
+const PixelBytes kSource{60, 150, 240, 255};
+
+struct Known {
+    const char* mode;
+    PixelBytes result;
+};
+constexpr Known kKnown[] = {
+    {"normal", {60, 150, 240, 255}},      {"multiply", {47, 59, 47, 255}},
+    {"screen", {213, 191, 243, 255}},     {"overlay", {171, 118, 94, 255}},
+    {"darken", {60, 100, 50, 255}},       {"lighten", {200, 150, 240, 255}},
+    {"colorDodge", {255, 243, 255, 255}}, {"colorBurn", {21, 0, 37, 255}},
+    {"hardLight", {94, 127, 231, 255}},   {"softLight", {177, 111, 106, 255}},
+    {"difference", {140, 50, 190, 255}},  {"exclusion", {166, 132, 196, 255}},
+    {"add", {255, 250, 255, 255}},        {"subtract", {140, 0, 0, 255}},
+    {"linearBurn", {5, 0, 35, 255}},      {"hue", {64, 139, 214, 255}},
+    {"saturation", {215, 95, 35, 255}},   {"color", {52, 142, 232, 255}},
+    {"luminosity", {208, 108, 58, 255}},
+};
+
+/// A premultiplied pixel with many of the values at which formulas change their branch.
+std::array<float, 4> randomPixel(SeededRandom& random) {
+    const uint64_t kind = random.next() % 4;
+    std::array<float, 4> p{};
+    const int a = kind == 0 ? 255 : kind == 1 ? 128 : static_cast<int>(random.next() % 256);
+    for (std::size_t c = 0; c < 3; ++c) {
+        const uint64_t draw = random.next();
+        const int special[] = {0, a, a / 2, a / 4, (a + 1) / 2, 1};
+        const int value =
+            draw % 3 == 0 ? special[(draw >> 8) % 6] : static_cast<int>((draw >> 8) % 256) * a / 255;
+        p[c] = static_cast<float>(value) * (1 / 255.0f);
+    }
+    if (random.next() % 8 == 0) p[1] = p[0]; // equal channels
+    if (random.next() % 8 == 0) p[2] = p[1];
+    p[3] = static_cast<float>(a) * (1 / 255.0f);
+    return p;
+}
+
+QString floats(const std::array<float, 4>& p) {
+    return QStringLiteral("(%1, %2, %3, %4)").arg(p[0]).arg(p[1]).arg(p[2]).arg(p[3]);
+}
+
+int distance(const PixelBytes& a, const PixelBytes& b) {
+    int worst = 0;
+    for (std::size_t c = 0; c < 4; ++c) worst = std::max(worst, std::abs(int(a[c]) - int(b[c])));
+    return worst;
+}
+
+void allModes() {
+    QTest::addColumn<BlendMode>("mode");
+    for (const BlendModeRow& row : kBlendModes) QTest::newRow(row.id) << row.mode;
+}
+
+} // namespace
+
+class tst_BlendModes : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyModeGivesItsKnownColour_data() {
+        QTest::addColumn<int>("row");
+        QCOMPARE(std::size(kKnown), kBlendModes.size());
+        for (int i = 0; i < kBlendModeCount; ++i) QTest::newRow(kKnown[i].mode) << i;
+    }
+    void everyModeGivesItsKnownColour() {
+        QFETCH(int, row);
+        const Known& known = kKnown[row];
+        QCOMPARE(int(*blendModeWithId(known.mode)), row);
+        const PixelBytes got = Compositor::blendBytes(kBackdrop, kSource, BlendMode(row), 1);
+        QVERIFY2(distance(got, known.result) <= 1, qPrintable(text(got)));
+        QCOMPARE(int(got[3]), 255);
+    }
+
+    void halfTransparentColoursMix_data() {
+        QTest::addColumn<BlendMode>("mode");
+        QTest::addColumn<PixelBytes>("backdrop");
+        QTest::addColumn<PixelBytes>("source");
+        QTest::addColumn<float>("opacity");
+        QTest::addColumn<PixelBytes>("result");
+        const PixelBytes half{30, 75, 120, 128};
+        const PixelBytes halfBackdrop{100, 50, 25, 128};
+        QTest::newRow("normal") << BlendMode::normal << kBackdrop << half << 1.f
+                                << PixelBytes{130, 125, 145, 255};
+        QTest::newRow("multiply") << BlendMode::multiply << kBackdrop << half << 1.f
+                                  << PixelBytes{123, 79, 49, 255};
+        QTest::newRow("screen") << BlendMode::screen << kBackdrop << half << 1.f
+                                << PixelBytes{206, 146, 147, 255};
+        QTest::newRow("over half") << BlendMode::multiply << halfBackdrop << kSource << 1.f
+                                   << PixelBytes{54, 104, 143, 255};
+        QTest::newRow("opacity") << BlendMode::normal << kBackdrop << kSource << .5f
+                                 << PixelBytes{130, 125, 145, 255};
+        QTest::newRow("over nothing") << BlendMode::subtract << PixelBytes{} << half << 1.f << half;
+        QTest::newRow("nothing over it")
+            << BlendMode::subtract << kBackdrop << PixelBytes{} << 1.f << kBackdrop;
+        QTest::newRow("opacity 0") << BlendMode::hue << kBackdrop << kSource << 0.f << kBackdrop;
+    }
+    void halfTransparentColoursMix() {
+        QFETCH(BlendMode, mode);
+        QFETCH(PixelBytes, backdrop);
+        QFETCH(PixelBytes, source);
+        QFETCH(float, opacity);
+        QFETCH(PixelBytes, result);
+        const PixelBytes got = Compositor::blendBytes(backdrop, source, mode, opacity);
+        QVERIFY2(distance(got, result) <= 2, qPrintable(text(got)));
+        QCOMPARE(got[3], result[3]);
+    }
+
+    void everyPixelIsThatOfTheFormula_data() { allModes(); }
+    void everyPixelIsThatOfTheFormula() {
+        QFETCH(BlendMode, mode);
+        SeededRandom random(17 + static_cast<uint64_t>(mode));
+        for (int i = 0; i < 100000; ++i) {
+            const auto backdrop = randomPixel(random), source = randomPixel(random);
+            for (bool atop : {false, true}) {
+                auto got = backdrop, wanted = backdrop;
+                Compositor::blendPixel(got.data(), source.data(), mode,
+                                       atop ? Compositor::Atop::yes : Compositor::Atop::no);
+                referencePixel(wanted.data(), {source[0], source[1], source[2]}, source[3], mode, atop);
+                if (std::memcmp(got.data(), wanted.data(), sizeof got) != 0) {
+                    QFAIL(qPrintable(floats(got) + " for " + floats(wanted)));
+                }
+            }
+        }
+    }
+
+    void noGreyOverGreyMakesNotANumber_data() { allModes(); }
+    void noGreyOverGreyMakesNotANumber() {
+        // Rounding makes a grey's luminosity differ from its channels, and the divisor of a clip 0.
+        QFETCH(BlendMode, mode);
+        for (int over = 0; over < 256; ++over) {
+            for (int under = 0; under < 256; ++under) {
+                const float s = static_cast<float>(over) * (1 / 255.0f),
+                            b = static_cast<float>(under) * (1 / 255.0f);
+                const float source[4] = {s, s, s, 1};
+                float pixel[4] = {b, b, b, 1};
+                Compositor::blendPixel(pixel, source, mode, Compositor::Atop::no);
+                const bool fine =
+                    std::all_of(pixel, pixel + 4, [](float v) { return v > -1e-6f && v < 1.00001f; });
+                if (!fine) QFAIL(qPrintable(QString("%1 over %2").arg(over).arg(under)));
+            }
+        }
+    }
+
+    void everyModeIsFoundByItsNameAndItsKey() {
+        std::set<std::string> keys;
+        for (int i = 0; i < kBlendModeCount; ++i) {
+            const BlendModeRow& row = rowOf(BlendMode(i));
+            QCOMPARE(int(row.mode), i);
+            QVERIFY(blendModeWithId(row.id) == row.mode);
+            QCOMPARE(blendModeFromPSD(row.psdKey), row.mode);
+            keys.insert(row.psdKey);
+        }
+        QCOMPARE(keys.size(), std::size_t{kBlendModeCount});
+        QVERIFY(!blendModeWithId("Multiply"));
+        QCOMPARE(blendModeFromPSD("diss"), BlendMode::normal);
+    }
+};
+
+QIRN_TEST(tst_BlendModes)
+#include "tst_BlendModes.moc"

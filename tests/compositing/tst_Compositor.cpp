@@ -1,0 +1,229 @@
+#include "compositing/CompositeInputs.h"
+#include "compositing/Reference.h"
+#include "core/SeededRandom.h"
+#include "operations/LayerOperations.h"
+#include "platform/Parallel.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+const PixelBytes kRed{255, 0, 0, 255}, kBlack{0, 0, 0, 255};
+
+/// One input of noise for a picture of one tile; `absent` leaves the slot empty.
+CompositeInput noiseInput(SeededRandom& random, bool absent) {
+    TileArray tiles(1);
+    if (!absent) {
+        auto tile = std::make_shared<Tile>();
+        std::memcpy(tile->writablePixels(), noise(256, 256, random.next())->data(), kTileBytes);
+        tiles.set(0, std::move(tile));
+    }
+    return {.tiles = tiles};
+}
+
+std::vector<CompositeInput> randomStack(uint64_t seed) {
+    SeededRandom random(seed);
+    const float opacities[] = {1, 1, 0.5f, 0.37f, 1.0f / 255, 0, 1e-30f};
+    std::vector<CompositeInput> stack;
+    const uint64_t count = random.next() % 8;
+    for (uint64_t i = 0; i < count; ++i) {
+        CompositeInput input = noiseInput(random, random.next() % 6 == 0);
+        input.opacity = opacities[random.next() % std::size(opacities)];
+        input.mode = BlendMode(random.next() % kBlendModeCount);
+        input.clipping = random.next() % 2 == 0;
+        input.visible = random.next() % 6 != 0;
+        if (random.next() % 4 == 0) input.tint = Tint{0.95f, 0.2f, static_cast<float>(random.unit()), 0.75f};
+        stack.push_back(std::move(input));
+    }
+    return stack;
+}
+
+/// Compares one composited tile with the reference; empty when equal.
+QString tileDifference(std::span<const CompositeInput> stack) {
+    std::vector<uint8_t> got(kTileBytes, 77);
+    const bool contributed = Compositor::compositeTile(0, stack, got.data());
+    const std::vector<uint8_t> wanted = referenceTile(0, stack);
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        if (got[i] != wanted[i]) return QString("byte %1: %2 for %3").arg(i).arg(got[i]).arg(wanted[i]);
+        if (got[i] > got[i | 3]) return QString("byte %1 above its alpha").arg(i);
+    }
+    const bool blank = std::all_of(wanted.begin(), wanted.end(), [](uint8_t byte) { return byte == 0; });
+    return contributed || blank ? QString() : QString("told that nothing showed");
+}
+
+/// White paper, a black square from 10 to 60, and above it a red sheet that is clipped to the square.
+std::unique_ptr<PaintDocument> clippedPicture() {
+    auto doc = std::make_unique<PaintDocument>(100, 100, 72, PaintColor::white());
+    paintRect(*doc, doc->activeLayer(), {10, 10, 50, 50}, kBlack);
+    doc->fillLayer(*addLayer(*doc, "Red"), PaintColor(1, 0, 0));
+    doc->activeLayer().isClipping = true;
+    return doc;
+}
+
+QString pixelAt(const PaintDocument& doc, int64_t x, int64_t y) {
+    return text(compositePixel(doc, x, y));
+}
+
+} // namespace
+
+class tst_Compositor : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyModeIsThatOfTheReference_data() {
+        QTest::addColumn<BlendMode>("mode");
+        QTest::addColumn<bool>("clipping");
+        for (const BlendModeRow& row : kBlendModes) {
+            QTest::addRow("%s", row.id) << row.mode << false;
+            QTest::addRow("%s, clipped", row.id) << row.mode << true;
+        }
+    }
+    void everyModeIsThatOfTheReference() {
+        QFETCH(BlendMode, mode);
+        QFETCH(bool, clipping);
+        SeededRandom random(5 + static_cast<uint64_t>(mode));
+        std::vector<CompositeInput> stack{noiseInput(random, false), noiseInput(random, false),
+                                          noiseInput(random, false)};
+        stack[1].mode = mode; // as the base of a group, or for itself
+        stack[2].mode = mode;
+        stack[2].clipping = clipping;
+        for (float opacity : {1.0f, 0.4f}) {
+            for (bool tinted : {false, true}) {
+                stack[1].opacity = opacity;
+                stack[2].opacity = 1.3f - opacity;
+                stack[2].tint = tinted ? std::optional(Tint{0.1f, 0.7f, 0.3f, 0.75f}) : std::nullopt;
+                QCOMPARE(tileDifference(stack), QString());
+            }
+        }
+    }
+
+    void randomStacksAreThoseOfTheReference() {
+        for (uint64_t seed = 1; seed <= 60; ++seed) {
+            const QString difference = tileDifference(randomStack(seed));
+            QVERIFY2(difference.isEmpty(), qPrintable(QString("seed %1, ").arg(seed) + difference));
+        }
+    }
+
+    void malformedPixelsNeverBreakTheFormat() {
+        // Colour far above alpha, as a damaged file may hold it, doubles with each layer.
+        TileArray tiles(1);
+        auto tile = std::make_shared<Tile>();
+        SeededRandom random(3);
+        for (int i = 0; i < kTileBytes; ++i) {
+            tile->writablePixels()[i] =
+                static_cast<uint8_t>(i % 4 == 3 ? 1 + random.next() % 3 : random.next());
+        }
+        tiles.set(0, std::move(tile));
+        for (const BlendModeRow& row : kBlendModes) {
+            std::vector<CompositeInput> stack(200, {.tiles = tiles, .mode = row.mode});
+            for (std::size_t i = 100; i < stack.size(); ++i) stack[i].mode = BlendMode(i % kBlendModeCount);
+            std::vector<uint8_t> out(kTileBytes);
+            QVERIFY(Compositor::compositeTile(0, stack, out.data()));
+            bool premultiplied = true;
+            for (std::size_t i = 0; i < out.size(); ++i)
+                premultiplied = premultiplied && out[i] <= out[i | 3];
+            QVERIFY(premultiplied);
+        }
+    }
+
+    void nothingVisibleGivesNothing() {
+        SeededRandom random(1);
+        CompositeInput hidden = noiseInput(random, false), transparent = noiseInput(random, false),
+                       absent = noiseInput(random, true), clipped = noiseInput(random, false);
+        hidden.visible = false;
+        transparent.opacity = 0;
+        clipped.clipping = true;
+        const std::vector<CompositeInput> stacks[] = {{},
+                                                      {hidden},
+                                                      {transparent},
+                                                      {absent},
+                                                      {hidden, clipped, clipped},
+                                                      {absent, clipped},
+                                                      {transparent, clipped}};
+        for (const auto& stack : stacks) {
+            std::vector<uint8_t> out(kTileBytes, 77);
+            QVERIFY(!Compositor::compositeTile(0, stack, out.data()));
+            QCOMPARE(out, std::vector<uint8_t>(kTileBytes));
+        }
+    }
+
+    void aClippedLayerShowsOnlyInsideTheLayerBelow() {
+        const QString red = text(kRed), white = QStringLiteral("255,255,255,255");
+        const auto doc = clippedPicture();
+        QCOMPARE(pixelAt(*doc, 30, 30), red);
+        QCOMPARE(pixelAt(*doc, 9, 30), white);
+        doc->layer(1).isVisible = false; // a hidden base hides its group
+        QCOMPARE(pixelAt(*doc, 30, 30), white);
+        doc->layer(1).isVisible = true;
+        doc->layer(1).opacity = 0.5; // acts on the whole group
+        QCOMPARE(pixelAt(*doc, 30, 30), QStringLiteral("255,128,128,255"));
+        doc->layer(1).opacity = 1;
+
+        // A hidden clipped layer between is passed over: the one above still clips to the same base.
+        Layer& hidden = *addLayer(*doc, "Hidden", 2);
+        doc->fillLayer(hidden, PaintColor(0, 1, 0));
+        hidden.isClipping = true;
+        hidden.isVisible = false;
+        QCOMPARE(pixelAt(*doc, 30, 30), red);
+        QCOMPARE(pixelAt(*doc, 9, 30), white);
+        // A clipped layer's mode acts against its base, not against what lies below.
+        doc->layer(3).blendMode = BlendMode::multiply;
+        QCOMPARE(pixelAt(*doc, 30, 30), text(kBlack));
+    }
+
+    void aClippedLayerAtTheBottomIsABase() {
+        PaintDocument doc(10, 10, 72, {});
+        doc.fillLayer(doc.activeLayer(), PaintColor(1, 0, 0));
+        doc.activeLayer().isClipping = true;
+        QCOMPARE(pixelAt(doc, 5, 5), text(kRed));
+    }
+
+    void overlayOnPaperHasItsKnownFingerprint() {
+        PaintDocument doc(300, 300, 72, PaintColor::fromBytes(200, 100, 50));
+        doc.fillLayer(doc.activeLayer(), PaintColor(60 / 255.0, 150 / 255.0, 240 / 255.0, 0.5));
+        doc.activeLayer().blendMode = BlendMode::overlay;
+        QCOMPARE(flattened(doc)->fingerprint(), uint64_t{0x950C6CF1B09D2D45});
+        QCOMPARE(doc.fingerprint(), uint64_t{0x1D45FF6851CB4346});
+        doc.activeLayer().isVisible = false;
+        QCOMPARE(text(flattened(doc)->pixel(150, 150)), QStringLiteral("200,100,50,255"));
+        QCOMPARE(text(flattened(doc)->pixel(299, 299)), QStringLiteral("200,100,50,255"));
+    }
+
+    void thePictureDoesNotDependOnThreads() {
+        const auto doc = randomDocument(1100, 700, 6, 4);
+        setConcurrency(1);
+        const auto alone = flattened(*doc);
+        for (int threads : {2, 7, 0}) {
+            setConcurrency(threads);
+            QCOMPARE(firstDifference(*flattened(*doc), *alone), QString());
+        }
+        for (int64_t y : {0, 255, 256, 699}) {
+            for (int64_t x : {0, 255, 256, 1099}) QCOMPARE(compositePixel(*doc, x, y), alone->pixel(x, y));
+        }
+    }
+
+    void tileImagesAreThePictureCutAtTheCanvas() {
+        PaintDocument doc(600, 300, 72, {});
+        doc.activeLayer().load(*noise(600, 300, 6));
+        doc.activeLayer().setTile(1, nullptr);
+        const auto picture = flattened(doc);
+        const std::vector<int64_t> wanted{5, 1, 0};
+        const auto images = displayImages(doc, wanted);
+        QCOMPARE(images.size(), std::size_t{2}); // nothing was painted in tile 1
+        for (const auto& [index, image] : images) {
+            const IRect part = doc.grid().rectOf(index);
+            QCOMPARE(image.size(), QSize(static_cast<int>(part.w), static_cast<int>(part.h)));
+            for (int y = 0; y < part.h; ++y) {
+                QVERIFY(std::memcmp(image.constScanLine(y), picture->row(part.y + y) + part.x * 4,
+                                    static_cast<std::size_t>(part.w) * 4) == 0);
+            }
+        }
+        QVERIFY(displayImages(doc, {}).empty());
+    }
+};
+
+QIRN_TEST(tst_Compositor)
+#include "tst_Compositor.moc"

@@ -1,0 +1,113 @@
+#include "compositing/CompositeInputs.h"
+#include "operations/LayerOperations.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+/// "Background" and the layers A to D, each with one pixel, all of them hidden multiply layers at half opacity.
+std::unique_ptr<PaintDocument> animation(const QString& bottom) {
+    auto doc = std::make_unique<PaintDocument>(40, 40, 72, std::nullopt);
+    doc->activeLayer().name = bottom;
+    for (const char* name : {"A", "B", "C", "D"}) addLayer(*doc, name);
+    int64_t x = 0;
+    for (const LayerRef& layer : doc->layers()) {
+        paintRect(*doc, *layer, {x++, 0, 1, 1}, {100, 100, 100, 200});
+        layer->blendMode = BlendMode::multiply;
+        layer->isVisible = false;
+        layer->isClipping = x == 4;
+        layer->opacity = 0.5;
+    }
+    doc->onion.enabled = true;
+    return doc;
+}
+
+/// What goes to the screen: the layer's pixel column, its opacity, "-" when hidden, and its tint.
+QStringList shown(const PaintDocument& doc) {
+    QStringList list;
+    for (const CompositeInput& input : compositeInputs(doc, ForDisplay::yes)) {
+        int column = 0;
+        while (input.tiles.at(0)->pixels()[column * 4 + 3] == 0) ++column;
+        QString line = QStringLiteral("%1 %2").arg(column).arg(static_cast<double>(input.opacity));
+        if (!input.visible) line += '-';
+        if (input.tint) line += input.tint->r > 0.9f ? " red" : " green";
+        if (input.mode != BlendMode::normal || input.clipping) line += " not plain";
+        list += line;
+    }
+    return list;
+}
+
+} // namespace
+
+class tst_OnionSkin : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nearLayersShowAsGhosts_data() {
+        QTest::addColumn<QString>("bottom");
+        QTest::addColumn<int>("active");
+        QTest::addColumn<int>("before");
+        QTest::addColumn<int>("after");
+        QTest::addColumn<bool>("tint");
+        QTest::addColumn<QStringList>("list");
+        const QString paper = QStringLiteral("Background");
+        QTest::newRow("two below") << "Sketch" << 3 << 2 << 0 << true
+                                   << QStringList{"1 0.24 red", "2 0.4 red", "3 0.5"};
+        QTest::newRow("both sides") << "Sketch" << 2 << 1 << 2 << true
+                                    << QStringList{"1 0.4 red", "2 0.5", "3 0.4 green", "4 0.24 green"};
+        QTest::newRow("own colours") << "Sketch" << 1 << 1 << 1 << false
+                                     << QStringList{"0 0.4", "1 0.5", "2 0.4"};
+        QTest::newRow("paper stays") << paper << 2 << 0 << 0 << true << QStringList{"0 0.5-", "2 0.5"};
+        QTest::newRow("paper in range is a ghost")
+            << paper << 1 << 1 << 0 << true << QStringList{"0 0.4 red", "1 0.5"};
+        QTest::newRow("the name is exact") << "background" << 2 << 0 << 0 << true << QStringList{"2 0.5"};
+    }
+    void nearLayersShowAsGhosts() {
+        QFETCH(QString, bottom);
+        QFETCH(int, active);
+        QFETCH(int, before);
+        QFETCH(int, after);
+        QFETCH(bool, tint);
+        const auto doc = animation(bottom);
+        doc->setActiveIndex(active);
+        doc->onion.before = before;
+        doc->onion.after = after;
+        doc->onion.tint = tint;
+        QTEST(shown(*doc), "list");
+    }
+
+    void ghostsNeverReachThePicture() {
+        const auto doc = animation("Sketch");
+        for (const LayerRef& layer : doc->layers()) layer->isVisible = true;
+        doc->onion.enabled = false;
+        const uint64_t off = flattened(*doc)->fingerprint();
+        const PixelBytes pixel = compositePixel(*doc, 3, 0);
+        const QStringList plain = shown(*doc);
+        doc->onion.enabled = true;
+        QCOMPARE(flattened(*doc)->fingerprint(), off);
+        QCOMPARE(compositePixel(*doc, 3, 0), pixel);
+        QVERIFY(shown(*doc) != plain);
+    }
+
+    void aSingleLayerShowsAsItIs() {
+        PaintDocument doc(9, 9, 72, {});
+        doc.activeLayer().blendMode = BlendMode::multiply;
+        doc.onion.enabled = true;
+        QCOMPARE(compositeInputs(doc, ForDisplay::yes)[0].mode, BlendMode::multiply);
+    }
+
+    void aTintLeavesTheCoverageAlone() {
+        const auto doc = animation("Sketch");
+        doc->setActiveIndex(0);
+        const QImage image = displayImages(*doc, std::vector<int64_t>{0}).at(0);
+        const uchar* ghost = image.constScanLine(0) + 4;
+        QCOMPARE(int(ghost[3]), 80);       // 200 x 0.4
+        QVERIFY(ghost[1] > ghost[0] + 20); // pulled towards green
+    }
+};
+
+QIRN_TEST(tst_OnionSkin)
+#include "tst_OnionSkin.moc"

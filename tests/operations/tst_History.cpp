@@ -1,0 +1,339 @@
+#include "core/SeededRandom.h"
+#include "operations/LayerOperations.h"
+#include "operations/Selection.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <set>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+/// One dab of a colour that tells which stroke it was.
+void stroke(PaintDocument& doc, int number) {
+    const int64_t x = number * 37 % doc.grid().width, y = number * 53 % doc.grid().height;
+    const auto shade = static_cast<uint8_t>(number % 251);
+    paintRect(doc, doc.activeLayer(), {x, y, 9, 9}, {shade, 7, 7, 255});
+}
+
+void commitStrokes(PaintDocument& doc, int count) {
+    for (int i = 0; i < count; ++i) {
+        stroke(doc, i);
+        doc.commit(QStringLiteral("Stroke %1").arg(i));
+    }
+}
+
+/// What the history holds, counted afresh: every tile of every state, each once.
+int64_t recounted(const PaintDocument& doc) {
+    std::set<const Tile*> tiles;
+    for (const auto& entry : doc.history()) {
+        for (const LayerState& layer : entry.state.layers) {
+            layer.tiles.forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
+        }
+    }
+    return static_cast<int64_t>(tiles.size()) * kTileBytes;
+}
+
+LayerRef takeOut(PaintDocument& doc, int64_t index) {
+    std::vector<LayerRef> layers = doc.layers();
+    LayerRef taken = layers[static_cast<std::size_t>(index)];
+    layers.erase(layers.begin() + index);
+    doc.replaceLayers(std::move(layers), 0);
+    return taken;
+}
+
+/// One thing that a person may do next, at random.
+void anyAction(PaintDocument& doc, SeededRandom& random) {
+    const auto layer = static_cast<int64_t>(random.next() % static_cast<uint64_t>(doc.layerCount()));
+    const auto other = static_cast<int64_t>(random.next() % 5);
+    switch (random.next() % 14) {
+    case 0:
+        doc.fillLayer(doc.layer(layer), PaintColor(random.unit(), random.unit(), 0));
+        break;
+    case 1:
+        addLayer(doc);
+        break;
+    case 2:
+        if (doc.layerCount() < 6) duplicateLayer(doc, layer);
+        break;
+    case 3:
+        deleteLayer(doc, layer);
+        break;
+    case 4:
+        moveLayer(doc, layer, other);
+        break;
+    case 5:
+        mergeDown(doc, layer);
+        break;
+    case 6:
+        clearLayer(doc, doc.layer(layer));
+        break;
+    case 7:
+        doc.undo();
+        return;
+    case 8:
+        doc.redo();
+        return;
+    case 9:
+        doc.revertToLastCommit();
+        return;
+    case 10: // out of the stack and in again, with a tile that is in two slots
+        if (doc.layerCount() > 1) {
+            const LayerRef taken = takeOut(doc, layer);
+            taken->freezeTiles();
+            taken->setTile(0, taken->tiles().share(1));
+            insertLayer(doc, taken, other);
+        }
+        break;
+    case 11:
+        if (random.next() % 8 == 0) doc.resetHistory();
+        break;
+    default:
+        stroke(doc, static_cast<int>(random.next() % 1000));
+        break;
+    }
+    if (random.next() % 4 != 0) doc.commit("Action");
+}
+
+} // namespace
+
+class tst_History : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aNewPictureHasNothingToUndo() {
+        PaintDocument doc(300, 300, 72, {});
+        QVERIFY(!doc.canUndo() && !doc.canRedo() && !doc.undoName() && !doc.redoName());
+        QCOMPARE(doc.undoDepth(), 0);
+        QCOMPARE(doc.history()[0].name, QStringLiteral("Open"));
+        doc.undo();
+        doc.redo();
+        QCOMPARE(doc.changeCount(), 0);
+    }
+
+    void undoAndRedoGoBackAndForthExactly() {
+        PaintDocument doc(600, 300, 72, PaintColor::white());
+        std::vector<uint64_t> prints{doc.fingerprint()};
+        const QStringList names{"Stroke", "Fill", "New Layer", "Blend"};
+        const auto step = [&](int i) {
+            if (i == 0) stroke(doc, 1);
+            if (i == 1) doc.fillLayer(doc.activeLayer(), PaintColor(0.2, 0.4, 0.6, 0.8));
+            if (i == 2) addLayer(doc);
+            if (i == 3) doc.layer(1).blendMode = BlendMode::multiply;
+        };
+        for (int i = 0; i < 4; ++i) {
+            doc.perform(names[i], [&] { step(i); });
+            prints.push_back(doc.fingerprint());
+            QCOMPARE(*doc.undoName(), names[i]);
+        }
+        const QUuid added = doc.layer(2).id;
+        for (int i = 3; i >= 0; --i) {
+            doc.undo();
+            QCOMPARE(doc.fingerprint(), prints[static_cast<std::size_t>(i)]);
+            QCOMPARE(*doc.redoName(), names[i]);
+            QCOMPARE(doc.undoDepth(), i);
+        }
+        QVERIFY(!doc.canUndo());
+        // Painting on what undo brought back leaves the states alone.
+        stroke(doc, 99);
+        for (std::size_t i = 1; i <= 4; ++i) {
+            doc.redo();
+            QCOMPARE(doc.fingerprint(), prints[i]);
+        }
+        QVERIFY(!doc.canRedo());
+        QCOMPARE(doc.layer(2).id, added);
+        QCOMPARE(doc.changeCount(), 12);
+    }
+
+    void aStateKeepsSelectionActiveLayerAndResolution() {
+        PaintDocument doc(300, 300, 72, PaintColor::white());
+        selectAll(doc);
+        const auto all = doc.selection;
+        doc.commit("Select All");
+        deselect(doc);
+        doc.setActiveIndex(0);
+        doc.dpi = 300;
+        doc.onion.enabled = true;
+        doc.commit("Others");
+        doc.undo();
+        QCOMPARE(doc.selection, all);
+        QCOMPARE(doc.activeIndex(), 1);
+        QCOMPARE(doc.dpi, 72.0);
+        QVERIFY(doc.onion.enabled); // a setting of the view
+        doc.redo();
+        QVERIFY(!doc.selection && doc.activeIndex() == 0 && doc.dpi == 300);
+    }
+
+    void anActionAfterUndoClearsWhatCouldBeRedone() {
+        PaintDocument doc(300, 300, 72, {});
+        commitStrokes(doc, 5);
+        doc.undo();
+        doc.undo();
+        stroke(doc, 70);
+        doc.commit("Other");
+        QVERIFY(!doc.canRedo());
+        QCOMPARE(doc.history().size(), std::size_t{5});
+        QCOMPARE(*doc.undoName(), QStringLiteral("Other"));
+    }
+
+    void eightyStrokesShareTheirTiles() {
+        PaintDocument doc(1200, 900, 72, PaintColor::white());
+        const uint64_t start = doc.fingerprint();
+        const int64_t before = doc.historyBytes();
+        std::vector<uint64_t> prints;
+        int64_t touched = 0;
+        doc.takeDirtyTiles();
+        for (int i = 0; i < 80; ++i) {
+            stroke(doc, i);
+            touched += static_cast<int64_t>(doc.takeDirtyTiles().size());
+            doc.commit("Brush Stroke");
+            prints.push_back(doc.fingerprint());
+        }
+        QCOMPARE(doc.historyBytes() - before, touched * kTileBytes);
+        for (int i = 0; i < 40; ++i) doc.undo();
+        QCOMPARE(doc.fingerprint(), prints[39]);
+        for (int i = 0; i < 40; ++i) doc.undo();
+        QCOMPARE(doc.fingerprint(), start);
+        for (int i = 0; i < 61; ++i) doc.redo();
+        QCOMPARE(doc.fingerprint(), prints[60]);
+    }
+
+    void theOldestStepsGoFirst_data() {
+        QTest::addColumn<int>("maxSteps");
+        QTest::addColumn<int>("commits");
+        QTest::addColumn<int>("entries");
+        QTest::newRow("three of ten") << 3 << 10 << 4;
+        QTest::newRow("just full") << 3 << 3 << 4;
+        QTest::newRow("none still leaves one") << 0 << 5 << 2;
+        QTest::newRow("nonsense too") << -7 << 5 << 2;
+    }
+    void theOldestStepsGoFirst() {
+        QFETCH(int, maxSteps);
+        QFETCH(int, commits);
+        QFETCH(int, entries);
+        PaintDocument doc(300, 300, 72, {});
+        doc.maxUndoSteps = maxSteps;
+        commitStrokes(doc, commits);
+        QCOMPARE(doc.history().size(), std::size_t(entries));
+        QCOMPARE(doc.undoDepth(), entries - 1);
+        QCOMPARE(*doc.undoName(), QStringLiteral("Stroke %1").arg(commits - 1));
+        const uint64_t now = doc.fingerprint();
+        for (int i = 0; i < 20; ++i) doc.undo();
+        QCOMPARE(doc.undoDepth(), 0);
+        for (int i = 0; i < 20; ++i) doc.redo();
+        QCOMPARE(doc.fingerprint(), now);
+    }
+
+    void aShortHistoryIsNeverTrimmedByMemory_data() {
+        QTest::addColumn<int>("entries");
+        QTest::addColumn<int64_t>("maxTiles");
+        QTest::addColumn<int>("left");
+        QTest::newRow("20 entries") << 20 << int64_t{0} << 20;
+        QTest::newRow("21 entries") << 21 << int64_t{0} << 2;
+        QTest::newRow("21, enough") << 21 << int64_t{20} << 21;
+        QTest::newRow("21, one too many") << 21 << int64_t{19} << 19;
+        QTest::newRow("21, room for five") << 21 << int64_t{5} << 5;
+    }
+    void aShortHistoryIsNeverTrimmedByMemory() {
+        QFETCH(int, entries);
+        QFETCH(int64_t, maxTiles);
+        PaintDocument doc(200, 200, 72, {}); // one tile, rewritten by each stroke
+        doc.maxUndoBytes = maxTiles * kTileBytes;
+        commitStrokes(doc, entries - 1);
+        QTEST(static_cast<int>(doc.history().size()), "left");
+        QCOMPARE(doc.undoDepth(), static_cast<int64_t>(doc.history().size()) - 1);
+        QCOMPARE(doc.historyBytes(), recounted(doc));
+    }
+
+    void theMemoryCountIsThatOfARecount() {
+        for (uint64_t seed = 1; seed <= 4; ++seed) {
+            SeededRandom random(seed);
+            PaintDocument doc(700, 300, 72, seed % 2 ? std::optional(PaintColor::white()) : std::nullopt);
+            doc.maxUndoSteps = seed == 1 ? 100 : 25;
+            doc.maxUndoBytes = seed < 3 ? 1'500'000'000 : 30 * kTileBytes;
+            for (int i = 0; i < 400; ++i) {
+                anyAction(doc, random);
+                QCOMPARE(doc.historyBytes(), recounted(doc));
+                QVERIFY(doc.activeIndex() >= 0 && doc.activeIndex() < doc.layerCount());
+            }
+        }
+    }
+
+    void everyStateOfARandomWalkComesBack() {
+        SeededRandom random(21);
+        PaintDocument doc(500, 300, 72, {});
+        std::vector<uint64_t> prints;
+        for (int i = 0; i < 150; ++i) {
+            anyAction(doc, random);
+            doc.commit("Mark");
+            if (doc.undoDepth() < static_cast<int64_t>(prints.size())) {
+                prints.resize(static_cast<std::size_t>(doc.undoDepth()));
+            }
+        }
+        while (true) {
+            prints.push_back(doc.fingerprint());
+            if (!doc.canUndo()) break;
+            doc.undo();
+        }
+        while (doc.canRedo()) {
+            doc.redo();
+            prints.pop_back();
+            QCOMPARE(doc.fingerprint(), prints.back());
+        }
+    }
+
+    void theViewHearsOfANewCanvasSize() {
+        PaintDocument doc(300, 200, 72, {});
+        int calls = 0;
+        doc.onGridChange = [&] {
+            ++calls;
+            QCOMPARE(doc.layer(0).grid(), doc.grid()); // the picture is whole when it is told
+        };
+        stroke(doc, 1);
+        doc.commit("Stroke");
+        const TileGrid turned(200, 300);
+        doc.replaceCanvas(turned, {std::make_shared<Layer>("Turned", turned)}, 0);
+        doc.commit("Rotate");
+        QCOMPARE(calls, 1);
+        doc.undo();
+        QCOMPARE(calls, 2);
+        QCOMPARE(doc.grid(), TileGrid(300, 200));
+        QCOMPARE(doc.takeDirtyTiles().size(), std::size_t{2});
+        doc.undo(); // the size stays
+        doc.redo();
+        QCOMPARE(calls, 2);
+        doc.redo();
+        QCOMPARE(calls, 3);
+        QCOMPARE(doc.grid(), turned);
+    }
+
+    void revertingThrowsAwayWhatWasNotCommitted() {
+        PaintDocument doc(300, 200, 72, PaintColor::white());
+        commitStrokes(doc, 2);
+        const uint64_t committed = doc.fingerprint();
+        doc.takeDirtyTiles();
+        stroke(doc, 50);
+        deleteLayer(doc, 0);
+        doc.revertToLastCommit();
+        QCOMPARE(doc.fingerprint(), committed);
+        QCOMPARE(doc.changeCount(), 2);
+        QCOMPARE(doc.undoDepth(), 2);
+        QCOMPARE(doc.takeDirtyTiles().size(), std::size_t{2});
+    }
+
+    void aScriptedPictureOpensClean() {
+        PaintDocument doc(300, 200, 72, {});
+        commitStrokes(doc, 3);
+        doc.resetHistory();
+        QCOMPARE(doc.history().size(), std::size_t{1});
+        QCOMPARE(doc.history()[0].name, QStringLiteral("Open"));
+        QCOMPARE(doc.changeCount(), 3);
+        QVERIFY(!doc.canUndo());
+        QCOMPARE(doc.historyBytes(), recounted(doc));
+    }
+};
+
+QIRN_TEST(tst_History)
+#include "tst_History.moc"

@@ -1,0 +1,282 @@
+#include "compositing/CompositeInputs.h"
+#include "operations/LayerOperations.h"
+#include "operations/Selection.h"
+#include "support/Pictures.h"
+#include "support/Stops.h"
+#include "support/TestMain.h"
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+std::unique_ptr<PaintDocument> stackOf(const QStringList& names, int64_t active) {
+    std::vector<LayerRef> layers;
+    for (const QString& name : names) layers.push_back(std::make_shared<Layer>(name, TileGrid(300, 200)));
+    return std::make_unique<PaintDocument>(300, 200, 72, std::move(layers), active);
+}
+
+/// The names from the bottom, the active layer's in brackets.
+QString stack(const PaintDocument& doc) {
+    QStringList list;
+    for (int64_t i = 0; i < doc.layerCount(); ++i) {
+        const QString& name = doc.layer(i).name;
+        list += i == doc.activeIndex() ? '[' + name + ']' : name;
+    }
+    return list.join(' ');
+}
+
+QString whole(const PaintDocument& doc, const RGBABuffer& picture) {
+    return firstDifference(*flattened(doc), picture);
+}
+
+} // namespace
+
+class tst_LayerOperations : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void newLayersGetTheFirstFreeNumber_data() {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<int>("active");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("one layer") << QStringList{"Layer 1"} << 0 << "Layer 1 [Layer 2]";
+        QTest::newRow("paper") << QStringList{"Background", "Layer 1"} << 1 << "Background Layer 1 [Layer 2]";
+        QTest::newRow("both") << QStringList{"Layer 1", "Layer 2"} << 0 << "Layer 1 [Layer 3] Layer 2";
+        QTest::newRow("taken") << QStringList{"Layer 2", "Layer 3"} << 1 << "Layer 2 Layer 3 [Layer 4]";
+        QTest::newRow("free below") << QStringList{"Layer 3", "Layer 4"} << 0 << "Layer 3 [Layer 2] Layer 4";
+    }
+    void newLayersGetTheFirstFreeNumber() {
+        QFETCH(QStringList, names);
+        QFETCH(int, active);
+        const auto doc = stackOf(names, active);
+        addLayer(*doc);
+        QTEST(stack(*doc), "result");
+        QVERIFY(doc->takeDirtyTiles().empty()); // an empty layer changes no pixel
+    }
+
+    void placesAreClamped() {
+        const auto doc = stackOf({"a", "b"}, 0);
+        addLayer(*doc, "top", 99);
+        addLayer(*doc, "bottom", -5);
+        QCOMPARE(stack(*doc), QStringLiteral("[bottom] a b top"));
+        insertLayer(*doc, std::make_shared<Layer>("x", doc->grid()), 77);
+        QCOMPARE(stack(*doc), QStringLiteral("bottom a b top [x]"));
+        QCOMPARE(doc->takeDirtyTiles().size(), std::size_t{2});
+        const auto foreign = std::make_shared<Layer>("y", TileGrid(200, 300));
+        QVERIFY(stopsTheProcess([&] { insertLayer(*doc, foreign, 0); }));
+        QVERIFY(stopsTheProcess([&] { duplicateLayer(*doc, 5); }));
+    }
+
+    void deletingKeepsTheSameLayerActive_data() {
+        QTest::addColumn<int>("active");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("below") << 1 << 0 << "[b] c";
+        QTest::newRow("above") << 1 << 2 << "a [b]";
+        QTest::newRow("itself") << 1 << 1 << "a [c]";
+        QTest::newRow("the active top") << 2 << 2 << "a [b]";
+        QTest::newRow("below the active top") << 2 << 0 << "b [c]";
+        QTest::newRow("no layer") << 1 << 3 << "a [b] c";
+        QTest::newRow("negative") << 1 << -1 << "a [b] c";
+    }
+    void deletingKeepsTheSameLayerActive() {
+        QFETCH(int, active);
+        QFETCH(int, index);
+        const auto doc = stackOf({"a", "b", "c"}, active);
+        deleteLayer(*doc, index);
+        QTEST(stack(*doc), "result");
+        QCOMPARE(doc->takeDirtyTiles().empty(), doc->layerCount() == 3);
+    }
+
+    void theOnlyLayerIsEmptiedAndComesBack() {
+        const auto doc = stackOf({"Sky"}, 0);
+        doc->activeLayer().isLocked = true;
+        paintRect(*doc, doc->activeLayer(), {0, 0, 300, 200}, {9, 9, 9, 9});
+        doc->commit("Stroke");
+        const uint64_t painted = doc->fingerprint();
+        deleteLayer(*doc, 0);
+        doc->commit("Delete Layer");
+        QCOMPARE(stack(*doc), QStringLiteral("[Sky]"));
+        QVERIFY(doc->activeLayer().isEmpty() && doc->activeLayer().isLocked);
+        doc->undo();
+        QCOMPARE(doc->fingerprint(), painted);
+    }
+
+    void movingKeepsTheSameLayerActive_data() {
+        QTest::addColumn<int>("active");
+        QTest::addColumn<int>("from");
+        QTest::addColumn<int>("to");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("up") << 0 << 0 << 2 << "b c [a]";
+        QTest::newRow("down across it") << 1 << 2 << 0 << "c a [b]";
+        QTest::newRow("up across it") << 1 << 0 << 2 << "[b] c a";
+        QTest::newRow("far too high") << 2 << 0 << 99 << "b [c] a";
+        QTest::newRow("far too low") << 0 << 2 << -9 << "c [a] b";
+        QTest::newRow("nowhere") << 1 << 1 << 1 << "a [b] c";
+        QTest::newRow("no layer") << 1 << 3 << 0 << "a [b] c";
+        QTest::newRow("negative") << 1 << -1 << 0 << "a [b] c";
+    }
+    void movingKeepsTheSameLayerActive() {
+        QFETCH(int, active);
+        QFETCH(int, from);
+        QFETCH(int, to);
+        const auto doc = stackOf({"a", "b", "c"}, active);
+        const QString before = stack(*doc);
+        moveLayer(*doc, from, to);
+        QTEST(stack(*doc), "result");
+        QCOMPARE(doc->takeDirtyTiles().empty(), stack(*doc) == before);
+    }
+
+    void aDuplicateSharesItsTilesUntilOneIsPainted() {
+        const auto doc = randomDocument(600, 300, 1, 3);
+        Layer& source = doc->layer(0);
+        source.isLocked = source.alphaLocked = source.isClipping = true;
+        source.isVisible = false;
+        const uint64_t before = source.fingerprint();
+        Layer& copy = *duplicateLayer(*doc, 0);
+        QCOMPARE(doc->activeIndex(), 1);
+        QCOMPARE(copy.name, source.name + " copy");
+        QVERIFY(copy.id != source.id && !copy.isLocked);
+        for (int64_t i = 0; i < doc->grid().count(); ++i) QCOMPARE(copy.tile(i), source.tile(i));
+        paintRect(*doc, copy, {250, 250, 20, 20}, {1, 2, 3, 4});
+        QCOMPARE(source.fingerprint(), before);
+        QCOMPARE(copy.tile(2), source.tile(2)); // not touched by the rectangle
+        paintRect(*doc, source, {250, 250, 20, 20}, {1, 2, 3, 4});
+        copy.name = source.name;
+        copy.isLocked = true;
+        QCOMPARE(copy.fingerprint(), source.fingerprint());
+    }
+
+    void mergingDownKeepsThePicture() {
+        for (uint64_t seed = 1; seed <= 12; ++seed) {
+            const auto doc = randomDocument(300, 200, 3, seed);
+            Layer& lower = doc->layer(1);
+            doc->fillLayer(doc->layer(0), PaintColor::white());
+            doc->fillLayer(lower, PaintColor(0.3, 0.6, 0.9));
+            lower.opacity = 1;
+            lower.blendMode = BlendMode::normal;
+            lower.isVisible = true;
+            lower.isClipping = false;
+            const auto before = flattened(*doc);
+            mergeDown(*doc, 2);
+            QCOMPARE(whole(*doc, *before), QString());
+            QCOMPARE(stack(*doc), QStringLiteral("Layer 1 [Layer 2]"));
+        }
+    }
+
+    void mergingDownRespectsTheLayerBelow() {
+        const auto doc = stackOf({"base", "upper"}, 1);
+        Layer &base = doc->layer(0), &upper = doc->layer(1);
+        paintRect(*doc, base, {10, 10, 50, 50}, {0, 0, 0, 255});
+        doc->fillLayer(upper, PaintColor(1, 0, 0));
+        upper.isClipping = true;
+        base.opacity = 0.5;
+        base.isLocked = true;
+        base.blendMode = BlendMode::multiply;
+        doc->commit("Setup");
+        mergeDown(*doc, 1);
+        QCOMPARE(*doc->layer(0).contentBounds(), (IRect{10, 10, 50, 50}));
+        QCOMPARE(text(doc->layer(0).pixel(20, 20)), QStringLiteral("255,0,0,255"));
+        QVERIFY(doc->layer(0).opacity == 0.5 && doc->layer(0).isLocked);
+        QCOMPARE(doc->layer(0).blendMode, BlendMode::multiply);
+
+        // Two layers clipped to a third: the lower one is no base, and the upper one shows beside it too.
+        doc->revertToLastCommit();
+        doc->layer(0).isClipping = true;
+        mergeDown(*doc, 1);
+        QCOMPARE(*doc->layer(0).contentBounds(), (IRect{0, 0, 300, 200}));
+    }
+
+    void mergingAHiddenLayerDropsIt() {
+        const auto doc = stackOf({"a", "b"}, 1);
+        doc->layer(0).load(*noise(300, 200, 4));
+        paintRect(*doc, doc->layer(1), {5, 5, 9, 9}, {9, 9, 9, 9});
+        doc->layer(1).isVisible = false;
+        const uint64_t before = doc->layer(0).fingerprint();
+        const Tile* untouched = doc->layer(0).tile(1);
+        mergeDown(*doc, 1);
+        QCOMPARE(doc->layer(0).fingerprint(), before);
+        QCOMPARE(doc->layer(0).tile(1), untouched);
+        mergeDown(*doc, 0);
+        mergeDown(*doc, 1);
+        QCOMPARE(stack(*doc), QStringLiteral("[a]"));
+    }
+
+    void mergingTheVisibleOnesKeepsTheHidden_data() {
+        QTest::addColumn<QString>("visible");
+        QTest::addColumn<QString>("result");
+        QTest::newRow("one between") << "a-c--"
+                                     << "b [Merged] d e";
+        QTest::newRow("the topmost") << "-b--e"
+                                     << "a c d [Merged]";
+        QTest::newRow("all") << "abcde"
+                             << "[Merged]";
+        QTest::newRow("only one") << "--c--"
+                                  << "a b [c] d e";
+        QTest::newRow("none") << "-----"
+                              << "a b [c] d e";
+    }
+    void mergingTheVisibleOnesKeepsTheHidden() {
+        QFETCH(QString, visible);
+        const auto doc = stackOf({"a", "b", "c", "d", "e"}, 2);
+        for (int i = 0; i < 5; ++i) {
+            doc->layer(i).load(*noise(300, 200, static_cast<uint64_t>(i)));
+            doc->layer(i).isVisible = visible[i] != '-';
+            doc->layer(i).blendMode = BlendMode(i + 3);
+        }
+        doc->onion.enabled = true; // never in the picture
+        const auto before = flattened(*doc);
+        mergeVisible(*doc);
+        QTEST(stack(*doc), "result");
+        QCOMPARE(whole(*doc, *before), QString());
+    }
+
+    void flatteningKeepsOnlyThePicture() {
+        const auto doc = randomDocument(300, 200, 5, 2);
+        doc->layer(2).isVisible = false;
+        const auto before = flattened(*doc);
+        flattenImage(*doc);
+        QCOMPARE(stack(*doc), QStringLiteral("[Background]"));
+        QCOMPARE(whole(*doc, *before), QString());
+        QCOMPARE(doc->takeDirtyTiles().size(), std::size_t{2});
+    }
+
+    void clearingStaysInsideTheSelection() {
+        const auto doc = stackOf({"a"}, 0);
+        Layer& layer = doc->activeLayer();
+        const auto picture = noise(300, 200, 8);
+        layer.load(*picture);
+        std::vector<uint8_t> mask(300 * 200);
+        for (int64_t y = 50; y < 60; ++y) {
+            for (int64_t x = 250; x < 262; ++x)
+                mask[static_cast<std::size_t>(y * 300 + x)] = static_cast<uint8_t>(x);
+        }
+        doc->selection = Selection::fromMask(mask, 300, 200);
+        doc->takeDirtyTiles();
+        clearLayer(*doc, layer);
+        for (int64_t y = 0; y < 200; ++y) {
+            for (int64_t x = 0; x < 300; ++x) {
+                const int m = mask[static_cast<std::size_t>(y * 300 + x)];
+                PixelBytes wanted = picture->pixel(x, y);
+                for (uint8_t& c : wanted)
+                    c = static_cast<uint8_t>((2 * c * (255 - m) + 255) / 510); // to nearest
+                if (layer.pixel(x, y) != wanted) QFAIL(qPrintable(QString("%1,%2").arg(x).arg(y)));
+            }
+        }
+        QCOMPARE(doc->takeDirtyTiles(), (std::vector<int64_t>{0, 1}));
+
+        doc->fillLayer(layer, PaintColor::white());
+        doc->selection = Selection::fromMask(std::vector<uint8_t>(300 * 200, 128), 300, 200);
+        clearLayer(*doc, layer);
+        QCOMPARE(text(layer.pixel(299, 199)), QStringLiteral("127,127,127,127"));
+        clearLayer(*doc, *addLayer(*doc)); // nothing to clear makes no tile
+        QVERIFY(!doc->activeLayer().tile(0));
+        deselect(*doc);
+        clearLayer(*doc, layer);
+        QVERIFY(!layer.tile(0));
+    }
+};
+
+QIRN_TEST(tst_LayerOperations)
+#include "tst_LayerOperations.moc"
