@@ -92,7 +92,7 @@ int runStudio(int& argc, char** argv) {
     app.setApplicationDisplayName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
     auto* delegate = new PaintAppDelegate(app);
-    QirnKit::install(app);
+    QirnKit::install(QStringLiteral("Qirn Paint"));
     QtDesktop desktop;
     UserDefaults defaults;
     PaintModel model(PaintModel::LoadStores::yes, desktop, defaults);
