@@ -1,7 +1,11 @@
 #include "support/PenRecording.h"
 
+#include "platform/Trigonometry.h"
+
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 #include <QFile>
 
@@ -10,8 +14,8 @@ namespace qirn::test {
 namespace {
 
 /// Adds samples until `length` seconds have passed, 125 a second; shape(t) gives a point for t from 0 to 1.
-template <class Shape> std::vector<StrokePoint> drawn(double start, double length, Shape shape) {
-    std::vector<StrokePoint> points;
+template <class Shape> PenStroke drawn(double start, double length, Shape shape) {
+    PenStroke points;
     const int count = static_cast<int>(length * 125);
     for (int i = 0; i <= count; ++i) {
         const double t = static_cast<double>(i) / count;
@@ -22,16 +26,21 @@ template <class Shape> std::vector<StrokePoint> drawn(double start, double lengt
     return points;
 }
 
+/// Sine and cosine of a number of turns.
+SineCosine wave(double turns) {
+    return sineCosine(2 * turns * std::numbers::pi);
+}
+
 double swell(double t) {
-    return 0.05 + 0.9 * std::sin(M_PI * t);
+    return 0.05 + 0.9 * wave(t / 2).sine;
 }
 
 } // namespace
 
-std::optional<PenStrokes> readPenRecording(const QString& path) {
+std::optional<std::vector<PenStroke>> readPenRecording(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    PenStrokes strokes;
+    std::vector<PenStroke> strokes;
     bool isDown = false;
     while (!file.atEnd()) {
         const QByteArray text = file.readLine().simplified();
@@ -54,23 +63,37 @@ std::optional<PenStrokes> readPenRecording(const QString& path) {
     return strokes;
 }
 
-std::optional<PenStrokes> recordedHand() {
-    const QString folder = qEnvironmentVariable("QIRN_DATA");
-    if (folder.isEmpty()) return std::nullopt;
-    return readPenRecording(folder + QStringLiteral("/pen-30s.txt"));
+std::vector<PenStroke> toSixtyFourths(const std::vector<PenStroke>& strokes, double scale, double dx,
+                                      double dy) {
+    const auto rounded = [](double v) { return std::round(v * 64) / 64; };
+    std::vector<PenStroke> result = strokes;
+    for (PenStroke& stroke : result) {
+        for (StrokePoint& point : stroke) {
+            point.x = rounded(point.x * scale + dx);
+            point.y = rounded(point.y * scale + dy);
+            point.pressure = std::max(rounded(point.pressure), 1.0 / 64);
+        }
+    }
+    return result;
 }
 
-PenStrokes syntheticHand() {
-    PenStrokes strokes;
+std::optional<std::vector<PenStroke>> recordedHand(double scale, double dx, double dy) {
+    const QString folder = qEnvironmentVariable("QIRN_DATA");
+    const auto strokes = readPenRecording(folder + QStringLiteral("/pen-30s.txt"));
+    if (folder.isEmpty() || !strokes) return std::nullopt;
+    return toSixtyFourths(*strokes, scale, dx, dy);
+}
+
+std::vector<PenStroke> syntheticHand(double scale, double dx, double dy) {
+    std::vector<PenStroke> strokes;
     // A long S that swells and fades.
-    strokes.push_back(drawn(0, 0.8, [](double t) {
-        return StrokePoint(40 + 520 * t, 120 + 70 * std::sin(2 * M_PI * t), swell(t));
-    }));
+    strokes.push_back(
+        drawn(0, 0.8, [](double t) { return StrokePoint(40 + 520 * t, 120 + 70 * wave(t).sine, swell(t)); }));
     // A quick scribble that crosses itself, with loops that shrink.
     strokes.push_back(drawn(1, 0.9, [](double t) {
-        const double turn = 2 * M_PI * 5 * t, r = 70 * (1 - 0.6 * t);
-        return StrokePoint(150 + 280 * t + r * std::cos(turn), 260 + r * std::sin(turn),
-                           0.35 + 0.3 * std::sin(turn));
+        const auto [sine, cosine] = wave(5 * t);
+        const double r = 70 * (1 - 0.6 * t);
+        return StrokePoint(150 + 280 * t + r * cosine, 260 + r * sine, 0.35 + 0.3 * sine);
     }));
     // Two taps of the pen, one of them shaking.
     strokes.push_back({StrokePoint(500, 60, 0.7, 0, 0, 2.2)});
@@ -80,20 +103,7 @@ PenStrokes syntheticHand() {
         const double along = t < 0.4 ? t / 0.4 * 0.5 : t < 0.6 ? 0.5 : 0.5 + (t - 0.6) / 0.4 * 0.5;
         return StrokePoint(60 + 200 * along, 380 - 40 * along, 1);
     }));
-    return strokes;
-}
-
-PenStrokes adjusted(const PenStrokes& strokes, const PenAdjustment& how) {
-    const auto rounded = [&](double v) { return how.toSixtyFourths ? std::round(v * 64) / 64 : v; };
-    PenStrokes result = strokes;
-    for (auto& stroke : result) {
-        for (StrokePoint& point : stroke) {
-            point.x = rounded(point.x * how.scale + how.dx);
-            point.y = rounded(point.y * how.scale + how.dy);
-            point.pressure = rounded(point.pressure);
-        }
-    }
-    return result;
+    return toSixtyFourths(strokes, scale, dx, dy);
 }
 
 } // namespace qirn::test

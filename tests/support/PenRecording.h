@@ -8,27 +8,23 @@
 
 namespace qirn::test {
 
-/// Strokes of a hand, each from pen down to pen up, in canvas pixels; what the canvas tests and the benchmarks
-/// replay.
-using PenStrokes = std::vector<std::vector<StrokePoint>>;
+/// One stroke of a hand, from pen down to pen up, in canvas pixels.
+using PenStroke = std::vector<StrokePoint>;
 
-/// Reads lines of "time x y pressure" (seconds, canvas pixels, 0 to 1; pressure 0: the pen is up). Nothing when
-/// the file cannot be read or a line is not four numbers.
-std::optional<PenStrokes> readPenRecording(const QString& path);
+/// Reads lines of "time x y pressure" (seconds, canvas pixels, 0 to 1; pressure 0: the pen is up), exactly as they
+/// are. Nothing when the file cannot be read or a line is not four numbers.
+std::optional<std::vector<PenStroke>> readPenRecording(const QString& path);
 
-/// The half minute of a real hand that may lie in the folder that QIRN_DATA names; nothing where it does not.
-std::optional<PenStrokes> recordedHand();
+/// Scaled first, then moved by pixels. Positions and pressure come out as whole 1/64ths (of a pixel, of full
+/// pressure), which survive every conversion on the way through a window; a pen that is down stays down.
+std::vector<PenStroke> toSixtyFourths(const std::vector<PenStroke>& strokes, double scale = 1, double dx = 0,
+                                      double dy = 0);
 
-/// A short hand of our own: swelling curves, a scribble, dots and a slow line, within 600 x 400.
-PenStrokes syntheticHand();
+/// The half minute of a real hand that may lie in the folder that QIRN_DATA names, in 1/64ths; nothing where there
+/// is none.
+std::optional<std::vector<PenStroke>> recordedHand(double scale = 1, double dx = 0, double dy = 0);
 
-struct PenAdjustment {
-    double scale = 1; ///< First.
-    double dx = 0;    ///< Then moved, pixels.
-    double dy = 0;
-    bool toSixtyFourths =
-        false; ///< Last: positions to 1/64 pixel, pressure to 1/64, as exact binary fractions.
-};
-PenStrokes adjusted(const PenStrokes& strokes, const PenAdjustment& how);
+/// A short hand of our own, in 1/64ths: swelling curves, a scribble, taps and a slow line, within 600 x 400.
+std::vector<PenStroke> syntheticHand(double scale = 1, double dx = 0, double dy = 0);
 
 } // namespace qirn::test

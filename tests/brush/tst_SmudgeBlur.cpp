@@ -1,0 +1,207 @@
+#include "brush/BrushLibrary.h"
+#include "brush/BrushStroke.h"
+#include "operations/Selection.h"
+#include "support/Pictures.h"
+#include "support/Strokes.h"
+#include "support/TestMain.h"
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+BrushSettings tip(BrushKind kind, double size, double strength = 0.8) {
+    BrushSettings brush = plainBrush(size, kind);
+    brush.strength = strength;
+    return brush;
+}
+
+/// Red on the left of x = 300, white on the right, or nothing at all there.
+struct TwoColours {
+    explicit TwoColours(const PixelBytes& right = {255, 255, 255, 255}) {
+        paintRect(doc, layer(), {0, 0, 300, 400}, {255, 0, 0, 255});
+        if (right[3] != 0) paintRect(doc, layer(), {300, 0, 300, 400}, right);
+        doc.takeDirtyTiles();
+    }
+    Layer& layer() { return doc.layer(0); }
+    PixelBytes pixel(int64_t x, int64_t y) { return layer().pixel(x, y); }
+    IRect paint(const std::vector<StrokePoint>& points, const BrushSettings& brush) {
+        return paintStroke(doc, points, brush, PaintColor::black(), nullptr, 1);
+    }
+
+    PaintDocument doc{600, 400, 72, std::nullopt};
+};
+
+} // namespace
+
+class tst_SmudgeBlur : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstSmudgeDabOnlyTakesPaintUp() {
+        TwoColours sheet;
+        const uint64_t before = sheet.layer().fingerprint();
+        QCOMPARE(sheet.paint({{300, 200, 1}}, tip(BrushKind::smudge, 40)), IRect{});
+        QCOMPARE(sheet.layer().fingerprint(), before);
+        QVERIFY(sheet.doc.takeDirtyTiles().empty());
+    }
+
+    void smudgingDragsPaintAlong() {
+        TwoColours sheet;
+        sheet.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40));
+        const PixelBytes near = sheet.pixel(325, 200), far = sheet.pixel(350, 200);
+        QVERIFY2(near[1] < 200 && near[0] == 255 && near[3] == 255, qPrintable(text(near)));
+        QVERIFY2(far[1] > near[1], qPrintable(text(far))); // thins out on the way
+        QCOMPARE(sheet.pixel(360, 240), (PixelBytes{255, 255, 255, 255}));
+        // A strong finger carries its paint further than a weak one.
+        TwoColours weak;
+        weak.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40, 0.2));
+        QVERIFY(weak.pixel(335, 200)[1] > sheet.pixel(335, 200)[1]);
+        // Paint goes where there was none, and nothing comes over paint.
+        TwoColours open({0, 0, 0, 0});
+        open.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40));
+        QVERIFY(open.pixel(320, 200)[3] > 100);
+        TwoColours closing({0, 0, 0, 0});
+        closing.paint(line(330, 200, 250, 200, 2), tip(BrushKind::smudge, 40));
+        QVERIFY(closing.pixel(285, 200)[3] < 255);
+    }
+
+    void aSmudgeWithoutStrengthOnlyLooks() {
+        TwoColours sheet;
+        const uint64_t before = sheet.layer().fingerprint();
+        sheet.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40, 0));
+        QCOMPARE(sheet.layer().fingerprint(), before);
+    }
+
+    void flatColourStaysFlat() {
+        for (BrushKind kind : {BrushKind::smudge, BrushKind::blur}) {
+            for (const PixelBytes& bytes : {PixelBytes{10, 100, 200, 255}, {3, 50, 77, 77}}) {
+                PaintDocument doc(600, 400, 72, std::nullopt);
+                paintRect(doc, doc.layer(0), {0, 0, 600, 400}, bytes);
+                const uint64_t before = doc.fingerprint();
+                paintStroke(doc, line(30, 30, 570, 370, 7), tip(kind, 50), PaintColor::black(), nullptr, 1);
+                QCOMPARE(doc.fingerprint(), before);
+            }
+        }
+    }
+
+    void blurringFlatColourCopiesNoTile() {
+        // The canvas's own edge counts as flat too, since it repeats itself outward.
+        PaintDocument doc(600, 400, 72, std::nullopt);
+        paintRect(doc, doc.layer(0), {0, 0, 600, 400}, {10, 100, 200, 255});
+        std::vector<const Tile*> before, after;
+        const auto tiles = [&doc] {
+            std::vector<const Tile*> list;
+            doc.layer(0).tiles().forEachTile([&](int64_t, const Tile& tile) { list.push_back(&tile); });
+            return list;
+        };
+        before = tiles();
+        QVERIFY(!paintStroke(doc, line(0, 0, 599, 399, 9), tip(BrushKind::blur, 60), PaintColor::black(),
+                             nullptr, 1)
+                     .isEmpty());
+        QCOMPARE(tiles(), before);
+        // Nor does it make tiles where there are none.
+        PaintDocument empty(600, 400, 72, std::nullopt);
+        paintStroke(empty, line(0, 0, 599, 399, 9), tip(BrushKind::blur, 60), PaintColor::black(), nullptr,
+                    1);
+        QVERIFY(empty.layer(0).tiles().holdsNothing());
+    }
+
+    void blurringSoftensAnEdge() {
+        TwoColours sheet({0, 0, 0, 255});
+        sheet.paint({{300, 200, 1}}, tip(BrushKind::blur, 60, 1));
+        for (int64_t x = 295; x < 305; ++x) {
+            QVERIFY2(sheet.pixel(x, 200)[0] < sheet.pixel(x - 1, 200)[0],
+                     qPrintable(text(sheet.pixel(x, 200))));
+            QCOMPARE(sheet.pixel(x, 200)[3], uint8_t{255});
+        }
+        // The box has a radius of 6: the step becomes a straight ramp of 13 pixels, the same on both sides.
+        QCOMPARE(sheet.pixel(293, 200), (PixelBytes{255, 0, 0, 255}));
+        QCOMPARE(sheet.pixel(306, 200), (PixelBytes{0, 0, 0, 255}));
+        QCOMPARE(int(sheet.pixel(299, 200)[0]), 137); // 7 of 13 red
+        QCOMPARE(int(sheet.pixel(300, 200)[0]), 118);
+        QCOMPARE(sheet.pixel(300, 240), (PixelBytes{0, 0, 0, 255})); // outside the tip
+    }
+
+    void aBlurRadiusNeverGoesBeyondTwelve() {
+        TwoColours sheet({0, 0, 0, 255});
+        sheet.paint({{300, 200, 1}}, tip(BrushKind::blur, 360, 1));
+        QCOMPARE(sheet.pixel(287, 200), (PixelBytes{255, 0, 0, 255}));
+        QVERIFY(sheet.pixel(288, 200)[0] < 255);
+    }
+
+    void theSelectionHoldsBack_data() {
+        QTest::addColumn<BrushKind>("kind");
+        QTest::newRow("smudge") << BrushKind::smudge;
+        QTest::newRow("blur") << BrushKind::blur;
+    }
+    void theSelectionHoldsBack() {
+        QFETCH(BrushKind, kind);
+        const auto painted = [&](int selected) {
+            TwoColours sheet;
+            std::vector<uint8_t> mask(600 * 400);
+            for (std::size_t i = 0; i < mask.size(); ++i)
+                mask[i] = static_cast<uint8_t>(i / 600 < 200 ? selected : 0);
+            mask[0] = 255;
+            sheet.doc.selection = Selection::fromMask(mask, 600, 400);
+            const std::vector<StrokePoint> points{{290, 200, 1}, {304, 200, 1}};
+            BrushSettings brush = tip(kind, 40, 0.5);
+            brush.spacing = 0.2;
+            sheet.paint(points, brush);
+            for (int64_t y = 200; y < 225; ++y) {
+                for (int64_t x = 270; x < 330; ++x) {
+                    if (sheet.pixel(x, y) != PixelBytes{255, static_cast<uint8_t>(x < 300 ? 0 : 255),
+                                                        static_cast<uint8_t>(x < 300 ? 0 : 255), 255})
+                        qFatal("changed outside the selection");
+                }
+            }
+            return 255 - sheet.pixel(300, 195)[1];
+        };
+        const int full = painted(255), half = painted(128), none = painted(0);
+        QCOMPARE(none, 0);
+        QVERIFY2(half > full / 4 && half < full * 3 / 4,
+                 qPrintable(QStringLiteral("%1 of %2").arg(half).arg(full)));
+    }
+
+    void alphaLockKeepsEveryAlpha_data() { theSelectionHoldsBack_data(); }
+    void alphaLockKeepsEveryAlpha() {
+        QFETCH(BrushKind, kind);
+        PaintDocument doc(600, 400, 72, std::nullopt);
+        doc.layer(0).load(*noise(600, 400, 31));
+        doc.layer(0).alphaLocked = true;
+        const auto before = doc.layer(0).toBuffer();
+        paintStroke(doc, line(40, 200, 560, 230), tip(kind, 60), PaintColor::black(), nullptr, 1);
+        const auto after = doc.layer(0).toBuffer();
+        int changed = 0;
+        for (int64_t y = 0; y < 400; ++y) {
+            for (int64_t x = 0; x < 600; ++x) {
+                const PixelBytes was = before->pixel(x, y), now = after->pixel(x, y);
+                QCOMPARE(now[3], was[3]);
+                for (std::size_t c = 0; c < 3; ++c) QVERIFY(now[c] <= now[3]);
+                changed += was != now;
+            }
+        }
+        QVERIFY(changed > 5000);
+    }
+
+    void paintStaysPremultiplied_data() { theSelectionHoldsBack_data(); }
+    void paintStaysPremultiplied() {
+        QFETCH(BrushKind, kind);
+        PaintDocument doc(600, 400, 72, std::nullopt);
+        doc.layer(0).load(*noise(600, 400, 32));
+        BrushSettings brush = tip(kind, 80);
+        brush.sizeJitter = 1; // dabs wider than the paint that the tip carries
+        brush.scatter = 0.5;
+        paintStroke(doc, line(-40, 20, 640, 380), brush, PaintColor::black(), nullptr, 1);
+        const auto after = doc.layer(0).toBuffer();
+        for (int64_t y = 0; y < 400; ++y) {
+            for (int64_t x = 0; x < 600; ++x) {
+                const PixelBytes p = after->pixel(x, y);
+                QVERIFY2(p[0] <= p[3] && p[1] <= p[3] && p[2] <= p[3], qPrintable(text(p)));
+            }
+        }
+    }
+};
+
+QIRN_TEST(tst_SmudgeBlur)
+#include "tst_SmudgeBlur.moc"
