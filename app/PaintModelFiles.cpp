@@ -10,11 +10,11 @@
 #include "formats/PaintFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/ReadFile.h"
 
 #include <algorithm>
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -39,18 +39,9 @@ QString standardized(const QString& path) {
     return real.isEmpty() ? QDir::cleanPath(QFileInfo(path).absoluteFilePath()) : real;
 }
 
-/// A file that cannot be read, in the system's words.
-struct ReadError : DescribedError {
-    explicit ReadError(const QString& description) : DescribedError(description) {}
-};
-
 /// Throws ReadError, or the format layer's typed error.
 std::unique_ptr<PaintDocument> readPicture(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) throw ReadError(file.errorString());
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFile::NoError) throw ReadError(file.errorString());
-    return ImageImport::document(bytesOf(bytes), QFileInfo(path).suffix());
+    return ImageImport::document(bytesOf(readFile(path)), QFileInfo(path).suffix());
 }
 
 } // namespace

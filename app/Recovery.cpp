@@ -6,6 +6,7 @@
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/Json.h"
+#include "platform/ReadFile.h"
 
 #include <algorithm>
 
@@ -18,8 +19,6 @@
 namespace qirn {
 
 namespace {
-
-constexpr int64_t kPreviewSide = 320; // pixels
 
 /// The one thread of the background work; what is started on it runs in order.
 QThreadPool& queue() {
@@ -57,11 +56,9 @@ OrderedJson infoToJson(const Recovery::Info& info) {
 }
 
 std::optional<Recovery::Info> infoFromFile(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    const std::optional<Json> json = parseJson(bytesOf(file.readAll()));
-    if (!json) return std::nullopt;
     try {
+        const std::optional<Json> json = parseJson(bytesOf(readFile(path)));
+        if (!json) return std::nullopt;
         Recovery::Info info;
         info.name = jsonText(jsonMember(*json, "name"));
         if (const Json* path_ = jsonOptionalMember(*json, "originalPath"))
@@ -72,6 +69,8 @@ std::optional<Recovery::Info> infoFromFile(const QString& path) {
         info.layers = jsonWhole(jsonMember(*json, "layers"));
         if (!info.date.isValid()) return std::nullopt;
         return info;
+    } catch (const ReadError&) {
+        return std::nullopt;
     } catch (const JsonTypeError&) {
         return std::nullopt;
     }
@@ -91,23 +90,21 @@ Recovery::Info madeUpInfo(const QFileInfo& file) {
 void writeCopy(const DocumentSnapshot& snapshot, const QString& file, const Recovery::Info& info,
                const QString& infoFile) {
     try {
-        writeAtomically(file, bytesOf(PaintFile::encode(snapshot, kPreviewSide)));
+        writeAtomically(file, bytesOf(PaintFile::encode(snapshot, PaintFile::kPreviewSide)));
         writeAtomically(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))));
     } catch (const std::exception& error) {
         qWarning("Qirn Paint autosave failed: %s", error.what());
     }
 }
 
-/// The whole file, or an empty array.
-QByteArray bytesAt(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 QImage Recovery::Item::thumbnail() const {
-    return PaintFile::thumbnailOf(bytesOf(bytesAt(file))).value_or(QImage());
+    try {
+        return PaintFile::thumbnailOf(bytesOf(readFile(file))).value_or(QImage());
+    } catch (const ReadError&) {
+        return {};
+    }
 }
 
 QString Recovery::fileURL(const QUuid& id) {
@@ -146,7 +143,9 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
     const QString pattern = QStringLiteral("*.") + QLatin1String(PaintFile::fileExtension);
     for (const QFileInfo& file : folder.entryInfoList({pattern}, QDir::Files)) {
         const QUuid id = QUuid::fromString(file.completeBaseName());
-        if (id.isNull() || excluding.contains(id)) continue;
+        const bool isCopy =
+            !id.isNull() && file.completeBaseName().toUpper() == idText(id); // no braces and the like
+        if (!isCopy || excluding.contains(id)) continue;
         items.push_back({id, infoFromFile(infoURL(id)).value_or(madeUpInfo(file)), file.filePath()});
     }
     std::stable_sort(items.begin(), items.end(),
@@ -155,7 +154,7 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
 }
 
 SessionRef Recovery::restore(const Item& item) {
-    auto document = PaintFile::decode(bytesOf(bytesAt(item.file)));
+    auto document = PaintFile::decode(bytesOf(readFile(item.file)));
     return std::make_shared<DocSession>(
         std::move(document), item.info.name + QCoreApplication::translate("Recovery", " (recovered)"), QUrl(),
         item.id, DocSession::Dirty::yes);
