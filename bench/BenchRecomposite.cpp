@@ -1,0 +1,26 @@
+#include "PaintedPicture.h"
+#include "PlainPass.h"
+#include "compositing/CompositeInputs.h"
+
+#include <benchmark/benchmark.h>
+
+namespace qirn::bench {
+
+namespace {
+
+/// All 135 tiles of five layers, one of them in overlay.
+void fullRecomposite(benchmark::State& state) {
+    const auto doc = paintedPicture(4);
+    doc->markAllDirty();
+    const std::vector<int64_t> tiles = doc->takeDirtyTiles();
+    const Stopwatch watch;
+    for (auto _ : state) benchmark::DoNotOptimize(displayImages(*doc, tiles));
+    const double each = watch.seconds() / static_cast<double>(state.iterations());
+    state.counters["tiles"] = static_cast<double>(tiles.size());
+    state.counters["ratio"] = each / plainPassSeconds(*doc);
+}
+BENCHMARK(fullRecomposite)->MinTime(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+} // namespace qirn::bench
