@@ -8,11 +8,12 @@ using namespace qirn::test;
 
 namespace {
 
-/// "Background" and the layers A to D, each with one pixel, all of them hidden multiply layers at half opacity.
+/// Five layers, each with one pixel, all of them hidden multiply layers at half opacity. The top one has the name of
+/// a paper layer without being one.
 std::unique_ptr<PaintDocument> animation(const QString& bottom) {
     auto doc = std::make_unique<PaintDocument>(40, 40, 72, std::nullopt);
     doc->activeLayer().name = bottom;
-    for (const char* name : {"A", "B", "C", "D"}) addLayer(*doc, name);
+    for (const char* name : {"A", "B", "C", "Background"}) addLayer(*doc, name);
     int64_t x = 0;
     for (const LayerRef& layer : doc->layers()) {
         paintRect(*doc, *layer, {x++, 0, 1, 1}, {100, 100, 100, 200});
