@@ -4,6 +4,7 @@
 
 #include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
+#include <tbb/partitioner.h>
 #include <tbb/task_arena.h>
 
 namespace qirn {
@@ -19,10 +20,12 @@ void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) 
     if (count < 1) return;
     if (count == 1) return body(0);
     // One index is one task: a tile is large enough, and uneven tiles spread best that way.
-    tbb::parallel_for(tbb::blocked_range<int64_t>(0, count, 1),
-                      [&body](const tbb::blocked_range<int64_t>& range) {
-                          for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
-                      });
+    tbb::parallel_for(
+        tbb::blocked_range<int64_t>(0, count, 1),
+        [&body](const tbb::blocked_range<int64_t>& range) {
+            for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
+        },
+        tbb::simple_partitioner());
 }
 
 void setConcurrency(int threads) {
