@@ -1,5 +1,6 @@
 #include "brush/DabStamp.h"
 
+#include "brush/FloatPixel.h"
 #include "brush/PaperGrain.h"
 #include "brush/TipEdge.h"
 #include "operations/Selection.h"
@@ -13,6 +14,12 @@
 namespace qirn {
 
 namespace {
+
+/// Canvas columns from `first` to before `last`.
+struct Columns {
+    int64_t first;
+    int64_t last;
+};
 
 /// The pixels of one row of a tile that a dab reaches.
 struct Row {
@@ -33,36 +40,27 @@ uint8_t byteOf(float v) {
 
 struct Erase {
     void operator()(const uint8_t* before, float coverage, uint8_t* out) const {
-        const float k = 1 - coverage;
-        for (int c = 0; c < 4; ++c) out[c] = byteOf(k * static_cast<float>(before[c]));
+        writePixel(out, (1 - coverage) * readPixel(before));
     }
 };
 
 struct PaintUnderAlphaLock {
-    std::array<float, 3> color; // straight, 0 to 1
+    FloatPixel color; // straight, 0 to 1; alpha 1
 
     void operator()(const uint8_t* before, float coverage, uint8_t* out) const {
         if (before[3] == 0) return;
-        const auto alpha = static_cast<float>(before[3]);
-        for (std::size_t c = 0; c < 3; ++c) {
-            const auto v = static_cast<float>(before[c]);
-            out[c] = byteOf(std::min(v + coverage * (color[c] * alpha - v), alpha));
-        }
-        out[3] = before[3];
+        const FloatPixel was = readPixel(before);
+        const float alpha = was[3];
+        writePixel(out, limited(was + coverage * (color * alpha - was), alpha));
     }
 };
 
 struct Paint {
-    std::array<float, 3> color255; // straight, 0 to 255
+    FloatPixel color; // straight, 0 to 255; alpha 255
 
     void operator()(const uint8_t* before, float coverage, uint8_t* out) const {
-        const float k = 1 - coverage;
-        const float alpha = coverage * 255 + k * static_cast<float>(before[3]);
-        for (std::size_t c = 0; c < 3; ++c) {
-            const auto v = static_cast<float>(before[c]);
-            out[c] = byteOf(std::min(k * v + coverage * color255[c], alpha));
-        }
-        out[3] = static_cast<uint8_t>(static_cast<int>(std::min(alpha + 0.5f, 255.0f)));
+        const FloatPixel now = (1 - coverage) * readPixel(before) + coverage * color;
+        writePixel(out, limited(now, now[3]));
     }
 };
 
@@ -115,49 +113,53 @@ struct DabStamp::Tip {
                 side};
     }
 
-    /// The columns of a row within [first, last) that the tip may reach, with a pixel to spare on both sides, so
-    /// that rounding here never takes a pixel from the exact test.
-    void narrow(double dy, int64_t& first, int64_t& last) const {
-        const double reach = edge.r + 0.5;
-        // The ellipse as a dx^2 + 2 b dx dy + c dy^2 <= reach^2, solved for dx.
+    /// The columns of [first, last) in a row whose pixel centres lie within a distance of the centre, as the tip
+    /// measures it. Exact but for rounding: who asks leaves a margin.
+    Columns columnsWithin(double reach, double dy, Columns row) const {
+        // The ellipse as a dx^2 + 2 b dx dy + c dy^2 = reach^2, solved for dx; a c - b^2 is i2.
         const double i2 = inverse * inverse;
         const double a = cosine * cosine + i2 * sine * sine;
         const double b = sine * cosine * (1 - i2);
-        const double c = sine * sine + i2 * cosine * cosine;
-        const double under = b * b * dy * dy - a * (c * dy * dy - reach * reach);
-        if (under < -1) {
-            last = first;
-            return;
-        }
-        const double half = std::sqrt(std::max(under, 0.0)) / a;
+        const double under = a * reach * reach - i2 * dy * dy;
+        if (reach <= 0 || under < 0) return {row.first, row.first};
+        const double half = std::sqrt(under) / a;
         const double middle = cx - 0.5 - b * dy / a;
-        first = std::max(first, static_cast<int64_t>(std::floor(middle - half)) - 1);
-        last = std::min(last, static_cast<int64_t>(std::ceil(middle + half)) + 2);
+        const auto first = static_cast<int64_t>(std::ceil(middle - half));
+        const auto last = static_cast<int64_t>(std::floor(middle + half)) + 1;
+        const int64_t from = std::clamp(first, row.first, row.last);
+        return {from, std::clamp(last, from, row.last)};
     }
 
-    template <bool hard, bool round> void cover(double* coverage, int64_t x, double dy, int64_t count) const {
-        const double us = sine * dy, vc = cosine * dy;
+    template <bool hard, bool round>
+    void coverEdge(double* coverage, int64_t x, double dy, int64_t count) const {
+        // Copies, so that the compiler need not fear that writing the coverage changes them.
+        const TipEdge e = edge;
+        const double centre = cx, s = sine, c = cosine, inv = inverse;
+        const double us = s * dy, vc = c * dy, dy2 = dy * dy;
         for (int64_t i = 0; i < count; ++i) {
-            const double dx = static_cast<double>(x + i) + 0.5 - cx;
-            double q;
-            if constexpr (round) {
-                q = dx * dx + dy * dy;
-            } else {
-                const double u = cosine * dx + us;
-                const double v = inverse * (vc - sine * dx);
-                q = u * u + v * v;
-            }
-            const double dist = std::sqrt(q);
-            coverage[i] = hard ? edge.hardCoverage(dist) : edge.softCoverage(dist);
+            const double dx = static_cast<double>(static_cast<int32_t>(x + i)) + 0.5 - centre;
+            const double u = c * dx + us;
+            const double v = inv * (vc - s * dx);
+            const double dist = std::sqrt(round ? dx * dx + dy2 : u * u + v * v);
+            coverage[i] = hard ? e.hardCoverage(dist) : e.softCoverage(dist);
         }
     }
 
-    void coverRow(double* coverage, int64_t x, double dy, int64_t count) const {
-        if (edge.isHard)
-            isRound ? cover<true, true>(coverage, x, dy, count) : cover<true, false>(coverage, x, dy, count);
-        else
-            isRound ? cover<false, true>(coverage, x, dy, count)
-                    : cover<false, false>(coverage, x, dy, count);
+    void coverRow(double* coverage, double dy, Columns row) const {
+        const double full = edge.isHard ? edge.r - 0.5 : edge.inner;
+        const Columns solid = columnsWithin(full - 0.01, dy, row);
+        const auto cover = [&](int64_t first, int64_t last) {
+            double* out = coverage + (first - row.first);
+            if (edge.isHard)
+                isRound ? coverEdge<true, true>(out, first, dy, last - first)
+                        : coverEdge<true, false>(out, first, dy, last - first);
+            else
+                isRound ? coverEdge<false, true>(out, first, dy, last - first)
+                        : coverEdge<false, false>(out, first, dy, last - first);
+        };
+        cover(row.first, solid.first);
+        std::fill(coverage + (solid.first - row.first), coverage + (solid.last - row.first), 1.0);
+        cover(solid.last, row.last);
     }
 };
 
@@ -202,11 +204,11 @@ void DabStamp::stampTile(const Tip& tip, int64_t index, const IRect& part) {
     std::array<double, kTileSize> coverage;
     for (int64_t y = part.y; y < part.maxY(); ++y) {
         const double dy = static_cast<double>(y) + 0.5 - tip.cy;
-        int64_t first = part.x, last = part.maxX();
-        tip.narrow(dy, first, last);
-        if (first >= last) continue;
-        const int64_t count = last - first;
-        tip.coverRow(coverage.data(), first, dy, count);
+        // Beyond this no tip has any coverage, which leaves half a pixel for rounding.
+        const Columns reached = tip.columnsWithin(tip.edge.r + 1, dy, {part.x, part.maxX()});
+        const int64_t first = reached.first, count = reached.last - reached.first;
+        if (count == 0) continue;
+        tip.coverRow(coverage.data(), dy, reached);
         if (tip.textured) applyGrain(coverage.data(), first, y, count);
         if (selection) {
             const uint8_t* selected = selection->row(y) + first;
@@ -219,10 +221,11 @@ void DabStamp::stampTile(const Tip& tip, int64_t index, const IRect& part) {
         if (erases_)
             blendRow(row, coverage.data(), tip.ceiling, tip.flow, Erase{});
         else if (layer_.alphaLocked)
-            blendRow(row, coverage.data(), tip.ceiling, tip.flow, PaintUnderAlphaLock{color_});
+            blendRow(row, coverage.data(), tip.ceiling, tip.flow,
+                     PaintUnderAlphaLock{{color_[0], color_[1], color_[2], 1}});
         else
             blendRow(row, coverage.data(), tip.ceiling, tip.flow,
-                     Paint{{color_[0] * 255, color_[1] * 255, color_[2] * 255}});
+                     Paint{FloatPixel{color_[0], color_[1], color_[2], 1} * 255});
     }
 }
 

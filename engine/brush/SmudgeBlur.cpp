@@ -1,22 +1,18 @@
 #include "brush/SmudgeBlur.h"
 
+#include "brush/FloatPixel.h"
 #include "operations/Selection.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 
 namespace qirn {
 
 namespace {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
-
-uint8_t byteOf(float v) {
-    return static_cast<uint8_t>(static_cast<int>(v + 0.5f));
-}
 
 /// Bytes from the start of a tile to a canvas pixel in it.
 int64_t placeInTile(int64_t x, int64_t y) {
@@ -44,16 +40,24 @@ float selectedShare(const Selection& selection, int64_t x, int64_t y) {
     return static_cast<float>(selection.row(y)[x]) / 255.0f;
 }
 
-/// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was.
+/// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was. Both shares are
+/// 0 to 1, so that every value stays between those that were there.
 void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool keepsAlpha) {
-    std::array<float, 4> was, now;
-    for (std::size_t c = 0; c < 4; ++c) {
-        was[c] = static_cast<float>(pixel[c]);
-        now[c] = was[c] + given * (load[c] - was[c]);
-        load[c] += taken * (was[c] - load[c]);
-    }
+    const FloatPixel was = readPixel(pixel), paint = loadPixel(load);
+    FloatPixel now = was + given * (paint - was);
     if (keepsAlpha) now[3] = was[3];
-    for (std::size_t c = 0; c < 4; ++c) pixel[c] = byteOf(std::clamp(std::min(now[c], now[3]), 0.0f, 255.0f));
+    writePixel(pixel, limited(now, now[3]));
+    storePixel(load, paint + taken * (was - paint));
+}
+
+/// Sums that slide leave a trace of rounding, which may fall below 0.
+FloatPixel raisedToZero(FloatPixel pixel) {
+    const FloatPixel zero{};
+    return pixel < zero ? zero : pixel;
+}
+
+bool areEqual(FloatPixel a, FloatPixel b) {
+    return a[0] == b[0] && a[1] == b[1] && a[2] == b[2] && a[3] == b[3];
 }
 
 } // namespace
@@ -106,7 +110,7 @@ void SmudgeTip::pickUp(const TipEdge& edge, const Row& row, float* load) const {
     const uint8_t* pixels = rowInTile(layer_, row.tile, row.x, row.y);
     for (int64_t i = 0; i < row.count; ++i) {
         if (!(edge.coverage(row.distance(i)) > 0)) continue;
-        for (int64_t c = 4 * i; c < 4 * i + 4; ++c) load[c] = static_cast<float>(pixels[c]);
+        storePixel(load + i * 4, readPixel(pixels + i * 4));
     }
 }
 
@@ -180,7 +184,7 @@ void BlurTip::read(const IRect& area) {
         forEachTileOfRow(grid, first, last, inside, [&](int64_t index, int64_t x, int64_t count) {
             const uint8_t* pixels = rowInTile(layer_, index, x, inside);
             float* out = row + (x - area.x) * 4;
-            for (int64_t i = 0; i < count * 4; ++i) out[i] = static_cast<float>(pixels[i]);
+            for (int64_t i = 0; i < count * 4; i += 4) storePixel(out + i, readPixel(pixels + i));
         });
         for (int64_t x = area.x; x < first; ++x)
             std::copy_n(row + (first - area.x) * 4, 4, row + (x - area.x) * 4);
@@ -197,14 +201,12 @@ void BlurTip::blurRows(int64_t width, int64_t height, int64_t b) {
     for (int64_t y = 0; y < height; ++y) {
         const float* in = source_.data() + y * (width + 2 * b) * 4;
         float* out = rows_.data() + y * width * 4;
-        std::array<float, 4> sum{};
-        for (int64_t i = 0; i < 2 * b * 4; ++i) sum[static_cast<std::size_t>(i % 4)] += in[i];
+        FloatPixel sum{};
+        for (int64_t x = 0; x < 2 * b; ++x) sum += loadPixel(in + x * 4);
         for (int64_t x = 0; x < width; ++x) {
-            for (std::size_t c = 0; c < 4; ++c) {
-                sum[c] += in[(x + 2 * b) * 4 + static_cast<int64_t>(c)];
-                out[x * 4 + static_cast<int64_t>(c)] = sum[c] / n;
-                sum[c] -= in[x * 4 + static_cast<int64_t>(c)];
-            }
+            sum += loadPixel(in + (x + 2 * b) * 4);
+            storePixel(out + x * 4, sum / n);
+            sum -= loadPixel(in + x * 4);
         }
     }
 }
@@ -235,6 +237,7 @@ void BlurTip::blurColumns(int64_t width, int64_t height, int64_t b) {
 
 void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, const float* blurred) {
     const Selection* selection = document_.selection.get();
+    const bool keepsAlpha = layer_.alphaLocked;
     const double reach = (edge.r + 1) * (edge.r + 1);
     const double dy = static_cast<double>(row.y) + 0.5 - row.cy;
     uint8_t* writable = nullptr;
@@ -249,16 +252,14 @@ void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, cons
             if (!(c > 0)) continue;
         }
         const float m = c * strength_;
-        std::array<float, 4> now;
-        for (std::size_t k = 0; k < 4; ++k) now[k] = source[k] + m * (blurred[k] - source[k]);
-        if (layer_.alphaLocked) now[3] = source[3];
+        const FloatPixel was = loadPixel(source);
+        FloatPixel now = was + m * (loadPixel(blurred) - was);
+        if (keepsAlpha) now[3] = was[3];
         // Flat colour stays as it is and copies no tile.
-        if (std::equal(now.begin(), now.end(), source)) continue;
+        if (areEqual(now, was)) continue;
         if (!writable) writable = layer_.writableTile(row.tile).writablePixels() + placeInTile(row.x, row.y);
-        const float alpha = std::clamp(now[3], 0.0f, 255.0f);
-        uint8_t* pixel = writable + i * 4;
-        for (std::size_t k = 0; k < 3; ++k) pixel[k] = byteOf(std::max(std::min(now[k], alpha), 0.0f));
-        pixel[3] = byteOf(alpha);
+        now[3] = std::clamp(now[3], 0.0f, 255.0f);
+        writePixel(writable + i * 4, raisedToZero(limited(now, now[3])));
     }
 }
 
