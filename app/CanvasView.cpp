@@ -54,7 +54,9 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     updateMouseCursor();
 }
 
-CanvasView::~CanvasView() = default;
+CanvasView::~CanvasView() {
+    if (session_) session_->doc().onGridChange = nullptr;
+}
 
 double CanvasView::now() const {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();

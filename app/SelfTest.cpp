@@ -13,7 +13,6 @@
 
 #include <QApplication>
 #include <QMouseEvent>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace qirn {
@@ -122,29 +121,6 @@ void canvasPipeline(const SelfTestWorld& world) {
                 canvas.presentation().tilesComposited() == composited);
 }
 
-/// Puts the stored values of the application back as they were.
-class DefaultsGuard {
-public:
-    explicit DefaultsGuard(Defaults& defaults) : defaults_(defaults) {
-        for (const QString& key : ourKeys()) before_[key] = *defaults_.value(key);
-    }
-    ~DefaultsGuard() {
-        for (const QString& key : ourKeys()) {
-            if (!before_.contains(key)) defaults_.remove(key);
-        }
-        for (const auto& [key, value] : before_) defaults_.setValue(key, value);
-    }
-    DefaultsGuard(const DefaultsGuard&) = delete;
-    DefaultsGuard& operator=(const DefaultsGuard&) = delete;
-
-private:
-    QStringList ourKeys() const {
-        return defaults_.keys().filter(QRegularExpression(QStringLiteral("^qirn\\.pt\\.")));
-    }
-    Defaults& defaults_;
-    std::map<QString, QByteArray> before_;
-};
-
 /// Runs a section that needs nothing of the application.
 template <auto kSection> void inEngine(const SelfTestWorld& world) {
     kSection(world.report);
@@ -172,8 +148,8 @@ int runSelfTest() {
     QTemporaryDir folder(QDir::temp().filePath(QStringLiteral("qirn-paint-selftest-XXXXXX")));
     AppFolders::setBaseOverride(folder.path());
     SilentDesktop desktop;
-    UserDefaults defaults;
-    const DefaultsGuard guard(defaults);
+    // A store of its own: the user's is not even opened, so that nothing can interrupt putting it back.
+    UserDefaults defaults(folder.filePath(QStringLiteral("Preferences.ini")));
     SelfTestReport report;
     report.heading();
     for (const auto section : kSections) {

@@ -31,10 +31,6 @@ struct Row {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
 
-uint8_t byteOf(float v) {
-    return static_cast<uint8_t>(static_cast<int>(v + 0.5f));
-}
-
 // What a pixel becomes at a coverage from 0 to 1, from its bytes before the stroke. Alpha lock has no say over an
 // eraser.
 
