@@ -31,10 +31,6 @@ struct Row {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
 
-uint8_t byteOf(float v) {
-    return static_cast<uint8_t>(static_cast<int>(v + 0.5f));
-}
-
 // What a pixel becomes at a coverage from 0 to 1, from its bytes before the stroke. Alpha lock has no say over an
 // eraser.
 
@@ -145,7 +141,9 @@ struct DabStamp::Tip {
         }
     }
 
+    /// The coverage of the row's columns, 0 where the tip does not touch.
     void coverRow(double* coverage, double dy, Columns row) const {
+        // Well inside the tip coverage is 1 without further arithmetic.
         const double full = edge.isHard ? edge.r - 0.5 : edge.inner;
         const Columns solid = columnsWithin(full - 0.01, dy, row);
         const auto cover = [&](int64_t first, int64_t last) {
