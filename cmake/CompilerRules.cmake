@@ -19,7 +19,10 @@ add_library(qirnRules INTERFACE)
 target_compile_options(qirnRules INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual -Werror
     # The same picture on every machine: no fused multiply-add, no rearranged arithmetic.
-    -ffp-contract=off -fno-fast-math)
+    -ffp-contract=off -fno-fast-math
+    # Nobody reads errno or traps after arithmetic: square roots and comparisons may be done for several numbers at
+    # once, with the same bits.
+    -fno-math-errno -fno-trapping-math)
 target_compile_definitions(qirnRules INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY
     QT_NO_URL_CAST_FROM_STRING QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")

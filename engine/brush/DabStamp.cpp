@@ -141,7 +141,9 @@ struct DabStamp::Tip {
         }
     }
 
+    /// The coverage of the row's columns, 0 where the tip does not touch.
     void coverRow(double* coverage, double dy, Columns row) const {
+        // Well inside the tip coverage is 1 without further arithmetic.
         const double full = edge.isHard ? edge.r - 0.5 : edge.inner;
         const Columns solid = columnsWithin(full - 0.01, dy, row);
         const auto cover = [&](int64_t first, int64_t last) {
