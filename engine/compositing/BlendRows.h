@@ -6,17 +6,26 @@
 
 namespace qirn {
 
-/// The loops over runs of pixels, with the mode chosen once a run. An accumulator holds four 32-bit floats a
-/// pixel: r, g, b, a, premultiplied.
+/// Two rows of a tile: an accumulator and a source of this many pixels stay in the nearest cache together.
+inline constexpr int kRunPixels = 512;
 
-/// Lays `count` pixels of premultiplied bytes on an accumulator at an opacity of 0 to 1.
-void blendByteRow(float* acc, const uint8_t* source, int count, float opacity, BlendMode mode,
-                  Compositor::Atop atop, const std::optional<Tint>& tint);
-/// Lays another accumulator on `acc`, all its channels first multiplied by the opacity.
-void blendFloatRow(float* acc, const float* source, int count, float opacity, BlendMode mode);
-/// Sets the accumulator to bytes x opacity / 255: what any mode gives over nothing.
-void copyByteRow(float* acc, const uint8_t* source, int count, float opacity);
+/// A run of pixels as four planes of premultiplied 32-bit floats, 0 to 1, so that a loop does several at once.
+struct PixelRun {
+    alignas(64) float r[kRunPixels];
+    alignas(64) float g[kRunPixels];
+    alignas(64) float b[kRunPixels];
+    alignas(64) float a[kRunPixels];
+};
+
+// The loops over a run. Each pixel gets the bits that Compositor::blendPixel gives it.
+
+void clear(PixelRun& run);
+void loadBytes(PixelRun& run, const uint8_t* bytes, float opacity); ///< Premultiplied bytes x opacity / 255.
+void scale(PixelRun& run, const PixelRun& source, float opacity);   ///< All four channels.
+void tint(PixelRun& run, const Tint& tint);
+/// Lays a source on an accumulator; the mode is chosen once a run.
+void blend(PixelRun& acc, const PixelRun& source, BlendMode mode, Compositor::Atop atop);
 /// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
-void storeByteRow(uint8_t* out, const float* acc, int count);
+void storeBytes(uint8_t* bytes, const PixelRun& run);
 
 } // namespace qirn

@@ -12,12 +12,6 @@ namespace qirn {
 
 namespace {
 
-// A tile is composited in strips, so that the accumulators stay in the nearest cache: pixels do not depend on
-// each other.
-constexpr int kStripRows = 8;
-constexpr int kStripPixels = kStripRows * kTileSize;
-constexpr int kStripFloats = kStripPixels * 4;
-
 /// One input or clipping group that shows in the tile.
 struct Group {
     const CompositeInput* base;
@@ -43,42 +37,43 @@ std::vector<Group> groupsIn(int64_t index, std::span<const CompositeInput> layer
     return groups;
 }
 
-struct TileStrip {
+/// A run of pixels within a tile.
+struct TileRun {
     int64_t index;
-    int firstByte; // of the strip within a tile
+    int firstByte;
 
     const uint8_t* of(const CompositeInput& input) const {
         return input.tiles.at(index)->pixels() + firstByte;
     }
 };
 
-/// Lays one tile's strip on an accumulator. Over nothing any mode is a plain copy.
-void blendStrip(float* acc, const TileStrip& strip, const CompositeInput& input, float opacity,
-                BlendMode mode, Compositor::Atop atop, bool accEmpty) {
-    if (accEmpty && atop == Compositor::Atop::no && !input.tint) {
-        copyByteRow(acc, strip.of(input), kStripPixels, opacity);
-    } else {
-        blendByteRow(acc, strip.of(input), kStripPixels, opacity, mode, atop, input.tint);
-    }
+/// Lays one input's run on an accumulator. Over nothing any mode is a plain copy.
+void blendInput(PixelRun& acc, const TileRun& run, const CompositeInput& input, float opacity, BlendMode mode,
+                Compositor::Atop atop, bool accEmpty) {
+    if (accEmpty && atop == Compositor::Atop::no && !input.tint)
+        return loadBytes(acc, run.of(input), opacity);
+    if (accEmpty) clear(acc);
+    PixelRun source;
+    loadBytes(source, run.of(input), opacity);
+    if (input.tint) tint(source, *input.tint);
+    blend(acc, source, mode, atop);
 }
 
-void compositeGroup(float* acc, const TileStrip& strip, const Group& group, bool accEmpty) {
+void blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty) {
     const CompositeInput& base = *group.base;
     if (group.clipped.empty()) {
-        blendStrip(acc, strip, base, base.opacity, base.mode, Compositor::Atop::no, accEmpty);
-        return;
+        return blendInput(acc, run, base, base.opacity, base.mode, Compositor::Atop::no, accEmpty);
     }
     // The group is built alone, its base at full strength, and then laid down as one layer.
-    alignas(64) float alone[kStripFloats] = {};
-    blendStrip(alone, strip, base, 1, BlendMode::normal, Compositor::Atop::no, true);
+    PixelRun alone;
+    blendInput(alone, run, base, 1, BlendMode::normal, Compositor::Atop::no, true);
     for (const CompositeInput* clipped : group.clipped) {
-        blendStrip(alone, strip, *clipped, clipped->opacity, clipped->mode, Compositor::Atop::yes, false);
+        blendInput(alone, run, *clipped, clipped->opacity, clipped->mode, Compositor::Atop::yes, false);
     }
-    if (accEmpty) {
-        for (int i = 0; i < kStripFloats; ++i) acc[i] = alone[i] * base.opacity;
-    } else {
-        blendFloatRow(acc, alone, kStripPixels, base.opacity, base.mode);
-    }
+    if (accEmpty) return scale(acc, alone, base.opacity);
+    PixelRun scaled;
+    scale(scaled, alone, base.opacity);
+    blend(acc, scaled, base.mode, Compositor::Atop::no);
 }
 
 } // namespace
@@ -89,16 +84,16 @@ bool Compositor::compositeTile(int64_t index, std::span<const CompositeInput> la
         std::memset(out, 0, kTileBytes);
         return false;
     }
-    alignas(64) float acc[kStripFloats];
-    for (int row = 0; row < kTileSize; row += kStripRows) {
-        const TileStrip strip{index, row * kTileRowBytes};
-        std::memset(acc, 0, sizeof acc);
+    // Run by run, so that the accumulators stay in the nearest cache: pixels do not depend on each other.
+    PixelRun acc;
+    for (int first = 0; first < kTilePixels; first += kRunPixels) {
+        const TileRun run{index, first * 4};
         bool empty = true;
         for (const Group& group : groups) {
-            compositeGroup(acc, strip, group, empty);
+            blendGroup(acc, run, group, empty);
             empty = false;
         }
-        storeByteRow(out + strip.firstByte, acc, kStripPixels);
+        storeBytes(out + run.firstByte, acc);
     }
     return true;
 }
