@@ -46,7 +46,10 @@ void BrushPresetMenu::fill() {
             QAction* action = group->addAction(brush.name);
             action->setCheckable(true);
             action->setChecked(brush.id == model_.activeBrush().id);
-            if (action->isChecked() && group != menu()) menu()->setDefaultAction(group->menuAction());
+            if (action->isChecked() && group != menu()) {
+                group->menuAction()->setCheckable(true); // the mark tells where the brush is
+                group->menuAction()->setChecked(true);
+            }
             connect(action, &QAction::triggered, this, [this, brush] { model_.choose(brush); });
         }
     }

@@ -13,10 +13,11 @@
 namespace qirn {
 
 namespace {
-constexpr QRect kPrimary{0, 0, 28, 28};
-constexpr QRect kSecondary{14, 14, 22, 22};
-constexpr QSize kButton{18, 18};
-constexpr int kButtonTop = 40;
+constexpr QRect kPrimary{0, 0, 30, 30};
+constexpr QRect kSecondary{16, 16, 24, 24};
+constexpr QSize kButton{20, 20};
+constexpr int kWidth = 40;
+constexpr int kButtonTop = 46;
 } // namespace
 
 ColorSquare::ColorSquare(const QString& tip, QWidget* parent) : QAbstractButton(parent) {
@@ -47,7 +48,7 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
       model_(model),
       secondary_(new ColorSquare(tr("Second color (click to swap, X)"), this)),
       primary_(new ColorSquare(tr("Paint color"), this)) {
-    setFixedSize(Metrics::kRailButton, kButtonTop + kButton.height());
+    setFixedSize(kWidth, kButtonTop + kButton.height());
     primary_->setGeometry(kPrimary);
     primary_->setFocusPolicy(Qt::NoFocus); // it only shows
     primary_->setObjectName(QStringLiteral("primaryColor"));

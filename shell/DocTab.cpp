@@ -20,6 +20,7 @@ constexpr int kMostName = 200; // longer names end in dots
 constexpr int kLeastName = 48;
 constexpr int kDot = 6;
 constexpr int kCloseButton = 20;
+constexpr int kNameLeft = 20; // behind the dot
 
 class Dot : public QWidget {
 public:
@@ -78,7 +79,7 @@ void DocTab::showSession(const DocSession& session, bool current) {
 
 QSize DocTab::sizeHint() const {
     const int name = std::min(fontMetrics().horizontalAdvance(text()), kMostName);
-    return {Metrics::kSpace12 + kDot + Metrics::kSpace8 + name + Metrics::kSpace8 + kCloseButton +
+    return {kNameLeft + name + Metrics::kSpace8 + kCloseButton +
                 Metrics::kSpace4,
             Metrics::kControlHeight};
 }
@@ -90,7 +91,7 @@ QSize DocTab::minimumSizeHint() const {
 }
 
 void DocTab::resizeEvent(QResizeEvent*) {
-    dot_->setGeometry(Metrics::kSpace8, 0, kDot + Metrics::kSpace8, height());
+    dot_->setGeometry(0, 0, kNameLeft, height());
     const int top = (height() - kCloseButton) / 2;
     close_->setGeometry(width() - kCloseButton - Metrics::kSpace4, top, kCloseButton, kCloseButton);
 }
@@ -109,8 +110,7 @@ void DocTab::paintEvent(QPaintEvent*) {
         ChromePaint::box(painter, rect(), Metrics::kRadius, c.raised, c.edge);
     else if (underMouse())
         ChromePaint::box(painter, rect(), Metrics::kRadius, c.panel, c.divider);
-    const int left = Metrics::kSpace12 + kDot + Metrics::kSpace8;
-    const QRectF name(left, 0, close_->x() - Metrics::kSpace4 - left, height());
+    const QRectF name(kNameLeft, 0, close_->x() - Metrics::kSpace4 - kNameLeft, height());
     ChromePaint::text(painter, name, Qt::AlignLeft | Qt::AlignVCenter, text(),
                       isChecked() || underMouse() ? c.text : c.dim);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))

@@ -70,8 +70,8 @@ QWidget* MainView::body() {
     auto* tools = new ChromePanel(ChromePanel::Surface::panel, Qt::RightEdge, row);
     tools->setFixedWidth(kToolColumn);
     auto* toolColumn = columnIn(tools);
-    toolColumn->setContentsMargins(Metrics::kSpace8, Metrics::kSpace8, Metrics::kSpace8, Metrics::kSpace12);
-    toolColumn->addWidget(new ToolRail(model_, tools));
+    toolColumn->setContentsMargins(0, Metrics::kSpace8, 0, Metrics::kSpace8);
+    toolColumn->addWidget(new ToolRail(model_, tools), 0, Qt::AlignHCenter);
     toolColumn->addStretch();
     toolColumn->addWidget(new ColorWells(model_, tools), 0, Qt::AlignHCenter);
 

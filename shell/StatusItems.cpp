@@ -20,6 +20,7 @@ StatusText::StatusText(const char* name, QWidget* parent) : QWidget(parent) {
     setObjectName(QLatin1String(name));
     setFont(ChromeFont::small());
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    hide(); // until it has a text
 }
 
 void StatusText::setText(const QString& text) {
