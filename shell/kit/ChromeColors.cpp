@@ -67,7 +67,7 @@ ChromeColors ChromeColors::of(const QrKitTheme& theme) {
     c.text = readableOn(theme.text, Qt::white, {c.panel, c.hover, c.pressed, c.well}, kReadable);
     c.dim = readableOn(theme.dim, c.text, {c.canvas, c.panel, c.bar, c.popup, c.raised, c.well}, kReadable);
     c.faint = mix(c.panel, c.dim, 0.5);
-    c.level = surfaceUnder(mix(c.well, theme.accent, 0.5), c.dim, c.well);
+    c.level = surfaceUnder(mix(c.well, theme.accent, 0.34), c.dim, c.well);
     c.selected = surfaceUnder(mix(c.panel, theme.accent, 0.5), c.text, c.panel);
 
     // Light text on the accent looks best; where the accent would have to darken too much for it, dark text.

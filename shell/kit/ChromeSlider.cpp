@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <QAccessible>
 #include <QApplication>
@@ -43,7 +44,7 @@ ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const
     field_->installEventFilter(this);
     atRest_.setSingleShot(true);
     atRest_.setInterval(kRestTime);
-    connect(&atRest_, &QTimer::timeout, this, &ChromeSlider::editingFinished);
+    connect(&atRest_, &QTimer::timeout, this, &ChromeSlider::finish);
 }
 
 void ChromeSlider::setValue(double value) {
@@ -66,6 +67,7 @@ void ChromeSlider::moveTo(double value) {
     const double wanted = scale_.clamped(value);
     if (wanted == value_) return;
     setValue(wanted);
+    announced_ = true;
     Q_EMIT valueChanged(wanted);
 }
 
@@ -76,7 +78,7 @@ void ChromeSlider::step(int steps) {
 
 void ChromeSlider::finish() {
     atRest_.stop();
-    Q_EMIT editingFinished();
+    if (std::exchange(announced_, false)) Q_EMIT editingFinished();
 }
 
 void ChromeSlider::mousePressEvent(QMouseEvent* event) {

@@ -34,7 +34,8 @@ public:
 
 Q_SIGNALS:
     void valueChanged(double value); ///< By the user, also while a drag goes on.
-    void editingFinished(); ///< A drag has ended, a number is typed, keys or wheel have come to rest.
+    void
+    editingFinished(); ///< After changes: a drag has ended, a number is typed, keys or wheel have come to rest.
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -66,7 +67,8 @@ private:
     bool dragging_ = false;
     double dragPlace_ = 0; // along the bar, 0 to 1, not rounded to the step
     double dragX_ = 0;
-    int wheel_ = 0; // angle not yet used, in eighths of a degree
+    int wheel_ = 0;          // angle not yet used, in eighths of a degree
+    bool announced_ = false; // a change that is not finished yet
     QTimer atRest_;
     QLineEdit* field_; // open while visible
     QPointer<QWidget> focusBefore_;

@@ -54,6 +54,7 @@ constexpr Row kRows[] = {
     {Icon::arrowUp, "arrow-up"},
     {Icon::arrowDown, "arrow-down"},
     {Icon::swap, "arrows-exchange"},
+    {Icon::blackWhite, "black-white"},
     {Icon::reset, "refresh"},
     {Icon::chevronUp, "chevron-up"},
     {Icon::chevronDown, "chevron-down"},

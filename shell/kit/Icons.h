@@ -41,6 +41,7 @@ enum class Icon {
     arrowUp,
     arrowDown,
     swap,
+    blackWhite,
     reset,
     chevronUp,
     chevronDown,

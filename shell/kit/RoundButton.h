@@ -1,15 +1,13 @@
 #pragma once
-#include <QToolButton>
-
-#include "Icons.h"
+#include "IconButton.h"
 
 namespace qirn {
 
 /// A flat round icon button, as the tools stand in their rail.
-class RoundButton : public QToolButton {
+class RoundButton : public IconButton {
     Q_OBJECT
 public:
-    RoundButton(Icon icon, const QString& tip, QWidget* parent);
+    using IconButton::IconButton;
 
     QSize sizeHint() const override;
 };

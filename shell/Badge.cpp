@@ -1,0 +1,51 @@
+#include "Badge.h"
+
+#include <QPainter>
+
+#include "ChromeFont.h"
+#include "ChromePaint.h"
+#include "Metrics.h"
+#include "QirnKit.h"
+
+namespace qirn {
+
+namespace {
+
+// The product's name, the same in every language.
+const QString kFirst = QStringLiteral("Qirn");
+const QString kSecond = QStringLiteral("PAINT");
+
+QFont secondFont() {
+    QFont font = ChromeFont::caption();
+    font.setWeight(QFont::DemiBold);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 1.6);
+    return font;
+}
+
+} // namespace
+
+Badge::Badge(QWidget* parent) : QWidget(parent) {
+    setAccessibleName(kFirst + u' ' + kSecond);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+}
+
+QSize Badge::sizeHint() const {
+    const int first = QFontMetrics(ChromeFont::title()).horizontalAdvance(kFirst);
+    return {first + Metrics::kSpace8 + QFontMetrics(secondFont()).horizontalAdvance(kSecond),
+            Metrics::kControlHeight};
+}
+
+void Badge::paintEvent(QPaintEvent*) {
+    const ChromeColors& c = QirnKitHost::colors();
+    QPainter painter(this);
+    painter.setFont(ChromeFont::title());
+    const QFontMetrics title = painter.fontMetrics();
+    const int baseline = (height() + title.capHeight()) / 2; // both words stand on one line
+    painter.setPen(c.text);
+    painter.drawText(0, baseline, kFirst);
+    painter.setFont(secondFont());
+    painter.setPen(c.dim);
+    painter.drawText(title.horizontalAdvance(kFirst) + Metrics::kSpace8 - 1, baseline, kSecond);
+}
+
+} // namespace qirn

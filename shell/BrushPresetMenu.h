@@ -1,0 +1,26 @@
+#pragma once
+#include <QPushButton>
+
+namespace qirn {
+
+class PaintModel;
+
+/// A button with the name of the active brush; it opens the presets of the tool, grouped by category.
+class BrushPresetMenu : public QPushButton {
+    Q_OBJECT
+public:
+    BrushPresetMenu(PaintModel& model, QWidget* parent);
+
+    void refresh();
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void fill(); ///< Just before the menu opens.
+
+    PaintModel& model_;
+};
+
+} // namespace qirn

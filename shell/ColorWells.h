@@ -1,0 +1,40 @@
+#pragma once
+#include <QAbstractButton>
+#include <QWidget>
+
+namespace qirn {
+
+class IconButton;
+class PaintModel;
+
+/// A square of one colour that can be clicked.
+class ColorSquare : public QAbstractButton {
+    Q_OBJECT
+public:
+    ColorSquare(const QString& tip, QWidget* parent);
+
+    void showColor(const QColor& color);
+    QColor color() const { return color_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QColor color_;
+};
+
+/// The paint colour before the second colour, and the buttons that exchange and reset them.
+class ColorWells : public QWidget {
+    Q_OBJECT
+public:
+    ColorWells(PaintModel& model, QWidget* parent);
+
+private:
+    void refresh();
+
+    PaintModel& model_;
+    ColorSquare* secondary_;
+    ColorSquare* primary_;
+};
+
+} // namespace qirn

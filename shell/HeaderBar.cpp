@@ -1,0 +1,121 @@
+#include "HeaderBar.h"
+
+#include <QHBoxLayout>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include "Badge.h"
+#include "DocSession.h"
+#include "DocTab.h"
+#include "HostWords.h"
+#include "IconButton.h"
+#include "Metrics.h"
+#include "PaintModel.h"
+
+namespace qirn {
+
+namespace {
+
+struct HeaderButton {
+    const char* name; ///< Object name.
+    Icon icon;
+    const char* tip;
+    void (*run)(PaintModel&);
+};
+
+constexpr HeaderButton kNew{"headerNew", Icon::plus, QT_TRANSLATE_NOOP("qirn::HeaderBar", "New canvas (⌘N)"),
+                            [](PaintModel& model) { model.newCanvas(); }};
+constexpr HeaderButton kOpen{
+    "headerOpen", Icon::open,
+    QT_TRANSLATE_NOOP("qirn::HeaderBar", "Open a picture or Qirn Paint document (⌘O)"),
+    [](PaintModel& model) { model.openPanel(); }};
+constexpr HeaderButton kSave{"headerSave", Icon::save, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)"),
+                             [](PaintModel& model) { model.save(nullptr, PaintModel::SaveAs::no); }};
+constexpr HeaderButton kUndo{"headerUndo", Icon::undo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo (⌘Z)"),
+                             [](PaintModel& model) { model.undo(); }};
+constexpr HeaderButton kRedo{"headerRedo", Icon::redo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo (⇧⌘Z)"),
+                             [](PaintModel& model) { model.redo(); }};
+
+} // namespace
+
+HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
+    : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
+      model_(model),
+      strip_(new QScrollArea(this)) {
+    setFixedHeight(Metrics::kHeaderHeight);
+    const auto made = [this](const HeaderButton& row) {
+        auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
+        button->setObjectName(QLatin1String(row.name));
+        connect(button, &IconButton::clicked, this, [this, run = row.run] { run(model_); });
+        return button;
+    };
+
+    auto* tabs = new QWidget(strip_);
+    tabRow_ = new QHBoxLayout(tabs);
+    tabRow_->setContentsMargins(0, 0, 0, 0);
+    tabRow_->setSpacing(Metrics::kSpace4);
+    tabRow_->addWidget(made(kNew));
+    tabRow_->addStretch();
+    strip_->setWidget(tabs);
+    strip_->setWidgetResizable(true);
+    strip_->setFrameShape(QFrame::NoFrame);
+    strip_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    strip_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    strip_->setFocusPolicy(Qt::NoFocus);
+    strip_->viewport()->setAutoFillBackground(false);
+    tabs->setAutoFillBackground(false);
+    strip_->viewport()->installEventFilter(this);
+
+    undo_ = made(kUndo);
+    redo_ = made(kRedo);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(Metrics::kSpace12, 0, Metrics::kSpace12, 0);
+    row->setSpacing(Metrics::kSpace4);
+    row->addWidget(new Badge(this));
+    row->addSpacing(Metrics::kSpace12);
+    row->addWidget(strip_, 1);
+    row->addWidget(made(kOpen));
+    row->addWidget(made(kSave));
+    row->addWidget(new ChromeDivider(this));
+    row->addWidget(undo_);
+    row->addWidget(redo_);
+
+    connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
+    refresh();
+}
+
+void HeaderBar::refresh() {
+    const auto& sessions = model_.sessions();
+    while (tabs_.size() < sessions.size()) {
+        auto* tab = new DocTab(model_, strip_->widget());
+        tabRow_->insertWidget(static_cast<int>(tabs_.size()), tab);
+        tabs_.push_back(tab);
+    }
+    while (tabs_.size() > sessions.size()) {
+        tabs_.back()->hide();
+        tabs_.back()->deleteLater(); // it may be the one whose click closed the picture
+        tabs_.pop_back();
+    }
+    for (std::size_t i = 0; i < sessions.size(); ++i) {
+        const bool current = sessions[i].get() == model_.current();
+        const bool cameUp = current && !tabs_[i]->isChecked();
+        tabs_[i]->showSession(*sessions[i], current);
+        if (cameUp)
+            QTimer::singleShot(0, tabs_[i], [this, tab = tabs_[i]] { strip_->ensureWidgetVisible(tab); });
+    }
+    const DocSession* session = model_.current();
+    undo_->setEnabled(session && session->doc().canUndo());
+    redo_->setEnabled(session && session->doc().canRedo());
+}
+
+bool HeaderBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::Wheel) return ChromePanel::eventFilter(watched, event);
+    const QPoint turn = static_cast<QWheelEvent*>(event)->angleDelta();
+    QScrollBar& bar = *strip_->horizontalScrollBar();
+    bar.setValue(bar.value() - turn.x() - turn.y());
+    return true;
+}
+
+} // namespace qirn

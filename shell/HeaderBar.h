@@ -1,0 +1,35 @@
+#pragma once
+#include <vector>
+
+#include "ChromePanel.h"
+
+class QHBoxLayout;
+class QScrollArea;
+
+namespace qirn {
+
+class DocTab;
+class IconButton;
+class PaintModel;
+
+/// The program's badge, a tab for each open picture, and the commands that are always at hand.
+class HeaderBar : public ChromePanel {
+    Q_OBJECT
+public:
+    HeaderBar(PaintModel& model, QWidget* parent);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void refresh();
+
+    PaintModel& model_;
+    QScrollArea* strip_; // tabs that do not fit are scrolled to
+    QHBoxLayout* tabRow_;
+    std::vector<DocTab*> tabs_; // one a session, in their order
+    IconButton* undo_;
+    IconButton* redo_;
+};
+
+} // namespace qirn

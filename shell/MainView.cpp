@@ -1,0 +1,124 @@
+#include "MainView.h"
+
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "CanvasView.h"
+#include "ChromePanel.h"
+#include "ColorChooser.h"
+#include "ColorWells.h"
+#include "HeaderBar.h"
+#include "HudBubble.h"
+#include "LayersPanel.h"
+#include "Metrics.h"
+#include "PaintCommands.h"
+#include "PaintModel.h"
+#include "StatusBar.h"
+#include "ToolOptionsBar.h"
+#include "ToolRail.h"
+#include "sheets/RecoverySheet.h"
+
+namespace qirn {
+
+namespace {
+
+constexpr QSize kSize{1480, 920};
+constexpr QSize kLeastContent{1040, 680};
+constexpr int kToolColumn = Metrics::kRailButton + 2 * Metrics::kSpace8;
+constexpr int kPanelColumn = 256;
+
+QVBoxLayout* columnIn(QWidget* parent) {
+    auto* column = new QVBoxLayout(parent);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    return column;
+}
+
+} // namespace
+
+MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model)) {
+    setWindowTitle(tr("Qirn Paint"));
+    auto* commands = new PaintCommands(model, *menuBar());
+    connect(commands, &PaintCommands::recoverRequested, this, &MainView::showRecovery);
+
+    auto* content = new QWidget(this);
+    content->setMinimumSize(kLeastContent);
+    auto* rows = columnIn(content);
+    rows->addWidget(new HeaderBar(model, content));
+    rows->addWidget(new ToolOptionsBar(model, content));
+    rows->addWidget(body(), 1);
+    rows->addWidget(new StatusBar(model, content));
+    setCentralWidget(content);
+
+    model.setCanvas(canvas_);
+    canvas_->setFocus();
+    resize(screen() ? kSize.boundedTo(screen()->availableSize()) : kSize);
+}
+
+MainView::~MainView() {
+    model_.setCanvas(nullptr);
+}
+
+QWidget* MainView::body() {
+    auto* row = new QWidget(this);
+    auto* across = new QHBoxLayout(row);
+    across->setContentsMargins(0, 0, 0, 0);
+    across->setSpacing(0);
+
+    auto* tools = new ChromePanel(ChromePanel::Surface::panel, Qt::RightEdge, row);
+    tools->setFixedWidth(kToolColumn);
+    auto* toolColumn = columnIn(tools);
+    toolColumn->setContentsMargins(0, Metrics::kSpace8, 0, Metrics::kSpace8);
+    toolColumn->addWidget(new ToolRail(model_, tools), 0, Qt::AlignHCenter);
+    toolColumn->addStretch();
+    toolColumn->addWidget(new ColorWells(model_, tools), 0, Qt::AlignHCenter);
+
+    auto* panels = new ChromePanel(ChromePanel::Surface::panel, Qt::LeftEdge, row);
+    panels->setFixedWidth(kPanelColumn);
+    auto* panelColumn = columnIn(panels);
+    panelColumn->setContentsMargins(Metrics::kSpace12, Metrics::kSpace12, Metrics::kSpace12,
+                                    Metrics::kSpace12);
+    panelColumn->setSpacing(Metrics::kSpace16);
+    panelColumn->addWidget(new ColorChooser(model_, panels));
+    panelColumn->addWidget(new LayersPanel(model_, panels), 1);
+
+    across->addWidget(tools);
+    across->addWidget(canvas_, 1);
+    across->addWidget(panels);
+    new HudBubble(model_, canvas_);
+    return row;
+}
+
+void MainView::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (shown_) return;
+    shown_ = true;
+    QMetaObject::invokeMethod(this, &MainView::offerRecovery, Qt::QueuedConnection);
+}
+
+void MainView::offerRecovery() {
+    RecoverySheet sheet(model_, this);
+    if (!sheet.isEmpty()) sheet.exec();
+}
+
+void MainView::showRecovery() {
+    RecoverySheet sheet(model_, this);
+    sheet.exec();
+}
+
+void MainView::closeEvent(QCloseEvent* event) {
+    event->setAccepted(model_.shouldQuit());
+}
+
+// Keys that no control took mean the canvas.
+void MainView::keyPressEvent(QKeyEvent* event) {
+    if (!canvas_->handleKeyPress(event)) QMainWindow::keyPressEvent(event);
+}
+
+void MainView::keyReleaseEvent(QKeyEvent* event) {
+    if (!canvas_->handleKeyRelease(event)) QMainWindow::keyReleaseEvent(event);
+}
+
+} // namespace qirn

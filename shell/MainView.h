@@ -1,0 +1,37 @@
+#pragma once
+#include <QMainWindow>
+
+namespace qirn {
+
+class CanvasView;
+class HudBubble;
+class PaintCommands;
+class PaintModel;
+
+/// The one main window: menus and header on top, then the options of the tool, the tools with the colours, the
+/// canvas and the panels, and the status bar. Everything in it reads and sets the model, which it borrows.
+class MainView : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit MainView(PaintModel& model);
+    ~MainView() override;
+
+    CanvasView& canvas() { return *canvas_; }
+    void showRecovery(); ///< The list of safety copies, also when it is empty.
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+
+private:
+    QWidget* body();
+    void offerRecovery();
+
+    PaintModel& model_;
+    CanvasView* canvas_;
+    bool shown_ = false;
+};
+
+} // namespace qirn

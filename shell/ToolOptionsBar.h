@@ -1,0 +1,41 @@
+#pragma once
+#include <functional>
+#include <vector>
+
+#include "ChromePanel.h"
+#include "ToolOptionRows.h"
+
+class QLabel;
+
+namespace qirn {
+
+class PaintModel;
+class ViewOptions;
+
+/// The title of the current tool and its options, from the table of `ToolOptionRows`; for Hand and Zoom the view's.
+class ToolOptionsBar : public ChromePanel {
+    Q_OBJECT
+public:
+    ToolOptionsBar(PaintModel& model, QWidget* parent);
+
+private:
+    struct Option {
+        bool (*shows)(Tool);
+        QWidget* widget;
+        std::function<void()> read; ///< Shows the model's value without setting it; may be absent.
+    };
+    Option made(bool (*shows)(Tool), const ToolOptionRows::PresetMenu& row);
+    Option made(bool (*shows)(Tool), const ToolOptionRows::Slider& row);
+    Option made(bool (*shows)(Tool), const ToolOptionRows::Segments& row);
+    Option made(bool (*shows)(Tool), const ToolOptionRows::Toggle& row);
+    Option made(bool (*shows)(Tool), const ToolOptionRows::Button& row);
+    Option made(bool (*shows)(Tool), const ToolOptionRows::Note& row);
+    QString hostTip(const char* tip) const;
+    void refresh();
+
+    PaintModel& model_;
+    QLabel* title_;
+    std::vector<Option> options_;
+};
+
+} // namespace qirn

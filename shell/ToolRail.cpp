@@ -1,0 +1,48 @@
+#include "ToolRail.h"
+
+#include <QVBoxLayout>
+
+#include "Metrics.h"
+#include "PaintModel.h"
+#include "RoundButton.h"
+
+namespace qirn {
+
+namespace {
+
+constexpr std::array<Icon, kToolCount> kToolIcons{
+    // in the order of `Tool`
+    Icon::brush,    Icon::eraser,     Icon::smudge,     Icon::blur,          Icon::bucket,
+    Icon::gradient, Icon::eyedropper, Icon::selectRect, Icon::selectEllipse, Icon::lasso,
+    Icon::move,     Icon::shape,      Icon::text,       Icon::hand,          Icon::zoom,
+};
+
+} // namespace
+
+ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_(model) {
+    setAccessibleName(tr("Tools"));
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(Metrics::kSpace4);
+    for (const ToolRow& row : kTools) {
+        if (!row.works) continue;
+        const QString tip = QStringLiteral("%1 (%2)").arg(toolTitle(row.tool)).arg(QLatin1Char(row.key));
+        auto* button = new RoundButton(kToolIcons[static_cast<std::size_t>(row.tool)], tip, this);
+        button->setObjectName(QLatin1String(row.id));
+        button->setCheckable(true);
+        connect(button, &RoundButton::clicked, this, [this, tool = row.tool] {
+            model_.setTool(tool);
+            refresh(); // a click on the current tool would take its mark away
+        });
+        column->addWidget(button);
+        entries_.push_back({row.tool, button});
+    }
+    connect(&model, &PaintModel::changed, this, &ToolRail::refresh);
+    refresh();
+}
+
+void ToolRail::refresh() {
+    for (const Entry& entry : entries_) entry.button->setChecked(entry.tool == model_.tool());
+}
+
+} // namespace qirn
