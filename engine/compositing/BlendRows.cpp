@@ -141,7 +141,7 @@ void tint(PixelRun& run, const Tint& tint) {
     }
 }
 
-void blend(PixelRun& acc, const PixelRun& source, BlendMode mode, Atop atop) {
+void layOn(PixelRun& acc, const PixelRun& source, BlendMode mode, Atop atop) {
     (atop == Atop::yes ? loops(mode).atop : loops(mode).over)(acc, source);
 }
 

@@ -24,7 +24,7 @@ void loadBytes(PixelRun& run, const uint8_t* bytes, float opacity); ///< Premult
 void scale(PixelRun& run, const PixelRun& source, float opacity);   ///< All four channels.
 void tint(PixelRun& run, const Tint& tint);
 /// Lays a source on an accumulator; the mode is chosen once a run.
-void blend(PixelRun& acc, const PixelRun& source, BlendMode mode, Compositor::Atop atop);
+void layOn(PixelRun& acc, const PixelRun& source, BlendMode mode, Compositor::Atop atop);
 /// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
 void storeBytes(uint8_t* bytes, const PixelRun& run);
 

@@ -56,7 +56,7 @@ void blendInput(PixelRun& acc, const TileRun& run, const CompositeInput& input, 
     PixelRun source;
     loadBytes(source, run.of(input), opacity);
     if (input.tint) tint(source, *input.tint);
-    blend(acc, source, mode, atop);
+    layOn(acc, source, mode, atop);
 }
 
 void blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty) {
@@ -73,7 +73,7 @@ void blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accE
     if (accEmpty) return scale(acc, alone, base.opacity);
     PixelRun scaled;
     scale(scaled, alone, base.opacity);
-    blend(acc, scaled, base.mode, Compositor::Atop::no);
+    layOn(acc, scaled, base.mode, Compositor::Atop::no);
 }
 
 } // namespace
