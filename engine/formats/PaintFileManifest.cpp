@@ -162,7 +162,7 @@ std::optional<Manifest> parseManifest(std::span<const uint8_t> text) {
 std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blob, const TileEntry& entry) {
     const auto size = static_cast<int64_t>(blob.size());
     // Compared without adding: an offset may be any number up to the largest there is.
-    if (entry.o < 0 || entry.n < 1 || entry.o > size || entry.n > size - entry.o) return std::nullopt;
+    if (entry.o < 0 || entry.n < 1 || entry.n > size - entry.o) return std::nullopt;
     return blob.subspan(static_cast<std::size_t>(entry.o), static_cast<std::size_t>(entry.n));
 }
 
