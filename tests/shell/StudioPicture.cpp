@@ -31,9 +31,10 @@ struct Sample {
 };
 
 constexpr Sample kSamples[] = {
-    {"Ink Brush", "#14213D"},      {"Charcoal", "#3A3F47"},      {"Calligraphy Ink", "#B3001B"}, {"Marker", "#00A3E0"},
-    {"Soft Round", "#6A0DAD"},     {"Chalk", "#E07A1F"},         {"Dry Brush", "#4F6D2F"},       {"Spray Can", "#FF1F8F"},
-    {"Pastel Grain", "#0077B6"},   {"Studio Pen", "#0B0C10"},
+    {"Ink Brush", "#14213D"},  {"Charcoal", "#3A3F47"},   {"Calligraphy Ink", "#B3001B"},
+    {"Marker", "#00A3E0"},     {"Soft Round", "#6A0DAD"}, {"Chalk", "#E07A1F"},
+    {"Dry Brush", "#4F6D2F"},  {"Spray Can", "#FF1F8F"},  {"Pastel Grain", "#0077B6"},
+    {"Studio Pen", "#0B0C10"},
 };
 
 /// An S-curve within a cell, swelling from a light touch and back.
@@ -44,7 +45,8 @@ std::vector<StrokePoint> swellingCurve(double left, double middle, double width,
     for (int i = 0; i <= kPoints; ++i) {
         const double t = static_cast<double>(i) / kPoints;
         const double pressure = 0.08 + 0.92 * sineCosine(kPi * t).sine;
-        points.emplace_back(left + t * width, middle + height * sineCosine(2.5 * kPi * t).sine, pressure, 0, 0, t);
+        points.emplace_back(left + t * width, middle + height * sineCosine(2.5 * kPi * t).sine, pressure, 0,
+                            0, t);
     }
     return points;
 }
@@ -65,15 +67,21 @@ private:
         const QPointF view = canvas_.viewPoint({point.x, point.y});
         const QPointF at = QPointF(view.x(), canvas_.height() * ratio - view.y()) / ratio;
         const bool up = type == QEvent::TabletRelease;
-        QTabletEvent event(type, &pen_, at, canvas_.mapToGlobal(at), up ? 0 : point.pressure, 0, 0, 0, 0, 0, {},
-                           type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton, up ? Qt::NoButton : Qt::LeftButton);
+        QTabletEvent event(type, &pen_, at, canvas_.mapToGlobal(at), up ? 0 : point.pressure, 0, 0, 0, 0, 0,
+                           {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
+                           up ? Qt::NoButton : Qt::LeftButton);
         QApplication::sendEvent(&canvas_, &event);
         QApplication::processEvents();
     }
 
     CanvasView& canvas_;
-    const QPointingDevice pen_{QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
-                               QInputDevice::Capability::Pressure, 1, 1};
+    const QPointingDevice pen_{QStringLiteral("pen"),
+                               1,
+                               QInputDevice::DeviceType::Stylus,
+                               QPointingDevice::PointerType::Pen,
+                               QInputDevice::Capability::Pressure,
+                               1,
+                               1};
 };
 
 void paintTenPresets(PaintModel& model, Hand& hand) {
@@ -125,8 +133,10 @@ int main(int argc, char** argv) {
     window.show();
     QTest::qWait(200);
     Hand hand(window.canvas());
-    if (argc > 2) paintRecording(model, hand, QString::fromLocal8Bit(argv[2]));
-    else paintTenPresets(model, hand);
+    if (argc > 2)
+        paintRecording(model, hand, QString::fromLocal8Bit(argv[2]));
+    else
+        paintTenPresets(model, hand);
     QTest::qWait(200);
     return window.grab().save(QString::fromLocal8Bit(argv[1])) ? 0 : 1;
 }

@@ -1,5 +1,216 @@
-#include "MainView.h"
+#include "DocTab.h"
+#include "HudBubble.h"
+#include "StatusItems.h"
+#include "Window.h"
 #include "support/TestMain.h"
-class tst_MainView : public QObject { Q_OBJECT };
+
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QSignalSpy>
+
+using namespace qirn;
+using namespace qirn::test;
+
+class tst_MainView : public QObject {
+    Q_OBJECT
+
+    static QList<DocTab*> tabs(Window& w) {
+        QList<DocTab*> shown;
+        for (DocTab* tab : w.view.findChildren<DocTab*>())
+            if (tab->isVisible()) shown << tab;
+        std::sort(shown.begin(), shown.end(),
+                  [](const DocTab* a, const DocTab* b) { return a->x() < b->x(); });
+        return shown;
+    }
+    static QString status(Window& w, const char* item) { return w.find<StatusText>(item).text(); }
+
+private Q_SLOTS:
+    void initTestCase() { QirnKit::install(QStringLiteral("Qirn Paint")); }
+
+    void theWindowHasItsSizeAndEveryControlAName() {
+        Window w;
+        QCOMPARE(w.view.windowTitle(), QStringLiteral("Qirn Paint"));
+        QVERIFY(w.view.centralWidget()->minimumWidth() >= 1040 &&
+                w.view.centralWidget()->minimumHeight() >= 680);
+        QVERIFY(w.view.minimumSizeHint().width() <= 1040); // its rows fit the smallest window
+        for (QWidget* widget : w.view.findChildren<QWidget*>()) {
+            const bool control =
+                qobject_cast<QAbstractButton*>(widget) || widget->focusPolicy() != Qt::NoFocus;
+            if (control && widget->objectName() != QStringLiteral("qt_menubar_ext_button") &&
+                widget->isVisible() && widget != &w.canvas())
+                QVERIFY2(!widget->accessibleName().isEmpty() ||
+                             !widget->property("text").toString().isEmpty(),
+                         qPrintable(QLatin1String(widget->metaObject()->className()) + u' ' +
+                                    widget->objectName()));
+            for (const char16_t sign : u"⌘⌥⇧") // keys are named as this machine names them
+                if (sign) QVERIFY2(!widget->toolTip().contains(QChar(sign)), qPrintable(widget->toolTip()));
+        }
+    }
+
+    void readingTheModelAgainWritesNothing() {
+        Window w;
+        w.paint();
+        QSignalSpy changed(&w.model, &PaintModel::changed);
+        const int64_t before = w.doc().changeCount();
+        w.model.announce();
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(w.doc().changeCount(), before);
+    }
+
+    void aTabStandsForEachPictureAndSelectsIt() {
+        Window w;
+        w.model.newDocument(200, 100, 72, std::nullopt, QStringLiteral("Second"));
+        QTRY_COMPARE(tabs(w).size(), 2);
+        QCOMPARE(tabs(w)[0]->text(), QStringLiteral("Test"));
+        QVERIFY(tabs(w)[1]->isChecked());
+        QTest::mouseClick(tabs(w)[0], Qt::LeftButton);
+        QCOMPARE(w.model.current()->name, QStringLiteral("Test"));
+        QVERIFY(tabs(w)[0]->isChecked() && !tabs(w)[1]->isChecked());
+        QTest::mouseClick(tabs(w)[0], Qt::LeftButton); // the current one stays marked
+        QVERIFY(tabs(w)[0]->isChecked());
+        QTest::mouseClick(tabs(w)[1]->findChild<QAbstractButton*>(), Qt::LeftButton);
+        QCOMPARE(w.model.sessions().size(), std::size_t(1));
+        QTRY_COMPARE(tabs(w).size(), 1);
+    }
+
+    void thePlusOpensAStarterPicture() {
+        Window w;
+        w.click("headerNew");
+        QCOMPARE(w.model.sessions().size(), std::size_t(2));
+        QCOMPARE(status(w, "size"), QStringLiteral("1920 × 1080 px · 72 DPI"));
+    }
+
+    void theDotStaysUntilASave() {
+        Window w;
+        QVERIFY(!tabs(w)[0]->showsDot());
+        w.paint();
+        QVERIFY(tabs(w)[0]->showsDot());
+        w.click("headerUndo"); // back to the saved state is still not saved
+        QVERIFY(tabs(w)[0]->showsDot());
+        w.desktop.savePaths.push_back(w.folder.filePath(QStringLiteral("kept.qirnpaint")));
+        w.click("headerSave");
+        QVERIFY(!tabs(w)[0]->showsDot());
+        QCOMPARE(tabs(w)[0]->text(), QStringLiteral("kept"));
+    }
+
+    void undoAndRedoAreOfferedWhileTheyWork() {
+        Window w;
+        auto& undo = w.find<QAbstractButton>("headerUndo");
+        auto& redo = w.find<QAbstractButton>("headerRedo");
+        QVERIFY(!undo.isEnabled() && !redo.isEnabled());
+        const uint64_t blank = w.doc().fingerprint();
+        w.paint();
+        QVERIFY(w.doc().fingerprint() != blank);
+        QVERIFY(undo.isEnabled());
+        w.click("headerUndo");
+        QCOMPARE(w.doc().fingerprint(), blank);
+        QVERIFY(!undo.isEnabled() && redo.isEnabled());
+        w.click("headerRedo");
+        QVERIFY(w.doc().fingerprint() != blank);
+    }
+
+    void aLetterMeansTheCanvasUnlessItIsTyped() {
+        Window w;
+        auto& open = w.find<QWidget>("headerOpen");
+        open.setFocus();
+        QTest::keyClick(&open, Qt::Key_E, {});
+        QCOMPARE(w.model.tool(), Tool::eraser);
+        auto& hex = w.find<QLineEdit>("hex");
+        hex.setFocus();
+        hex.clear();
+        QTest::keyClicks(&hex, QStringLiteral("b"));
+        QCOMPARE(hex.text(), QStringLiteral("b"));
+        QCOMPARE(w.model.tool(), Tool::eraser);
+    }
+
+    void theRailMarksTheToolAndSetsIt() {
+        Window w;
+        for (const ToolRow& row : kTools) {
+            auto* button = w.view.findChild<QAbstractButton*>(QLatin1String(row.id));
+            QCOMPARE(button != nullptr, row.works);
+            if (!button) continue;
+            QCOMPARE(button->toolTip(),
+                     QStringLiteral("%1 (%2)").arg(QLatin1String(row.title)).arg(QLatin1Char(row.key)));
+            QTest::mouseClick(button, Qt::LeftButton);
+            QTest::mouseClick(button, Qt::LeftButton); // a second click takes no mark away
+            QCOMPARE(w.model.tool(), row.tool);
+            QVERIFY(button->isChecked());
+            QCOMPARE(QApplication::focusWidget(), &w.canvas()); // the keys stay with the canvas
+        }
+        w.model.setTool(Tool::brush); // from elsewhere
+        QVERIFY(w.find<QAbstractButton>("brush").isChecked());
+        QVERIFY(!w.find<QAbstractButton>("zoom").isChecked());
+    }
+
+    void aMessageStandsOverTheCanvasAndLetsThePenThrough() {
+        Window w;
+        auto& bubble = w.find<HudBubble>();
+        QVERIFY(!bubble.isVisible());
+        w.model.flash(QStringLiteral("Undo Brush Stroke"));
+        QVERIFY(bubble.isVisible());
+        QCOMPARE(bubble.text(), QStringLiteral("Undo Brush Stroke"));
+        QCOMPARE(w.canvas().childAt(bubble.geometry().center()), nullptr);
+        const int middle = w.canvas().width() / 2;
+        QVERIFY(qAbs(bubble.geometry().center().x() - middle) <= 1);
+        w.model.flash(QString(500, u'm')); // longer than the canvas is wide
+        QVERIFY(w.canvas().rect().contains(bubble.geometry()));
+        QTRY_VERIFY_WITH_TIMEOUT(!bubble.isVisible(), 4000);
+    }
+
+    void theStatusBarTellsOfTheCurrentPicture() {
+        Window w;
+        QCOMPARE(status(w, "size"), QStringLiteral("400 × 300 px · 72 DPI"));
+        QCOMPARE(status(w, "layer"), QStringLiteral("Layer: Layer 1"));
+        QCOMPARE(status(w, "undo"), QStringLiteral("Undo: 0 steps"));
+        w.paint();
+        QCOMPARE(status(w, "undo"), QStringLiteral("Undo: 1 steps"));
+        QVERIFY(!w.shows<StatusText>("rotation") && !w.shows<StatusText>("flip") &&
+                !w.shows<StatusText>("stroke"));
+        w.canvas().setRotation(-15);
+        w.canvas().toggleFlipView();
+        QCOMPARE(status(w, "rotation"), QStringLiteral("View rotated -15°"));
+        QCOMPARE(status(w, "flip"), QStringLiteral("View flipped"));
+        w.canvas().actualPixels();
+        QCOMPARE(status(w, "zoom"), QStringLiteral("Zoom 100%"));
+    }
+
+    void theCursorIsDashesOutsideThePicture() {
+        Window w;
+        w.model.status().setCursor({12, 34, true, 0.5});
+        QCOMPARE(status(w, "cursor"), QStringLiteral("X 12  Y 34"));
+        QCOMPARE(w.find<PressureMeter>().pressure(), 0.5);
+        w.model.status().setCursor({-1, 34, false, 0});
+        QCOMPARE(status(w, "cursor"), QStringLiteral("X –  Y –"));
+    }
+
+    void theStrokeLineIsShownOnRequest() {
+        Window w;
+        w.model.status().setLastStrokeStats(QStringLiteral("3.1 ms"));
+        QCOMPARE(status(w, "stroke"), QString());
+        PaintPrefs prefs = w.model.prefs();
+        prefs.showPerformance = true;
+        w.model.setPrefs(prefs);
+        QCOMPARE(status(w, "stroke"), QStringLiteral("3.1 ms"));
+    }
+
+    void closingAsksAboutUnsavedWorkAndCanBeCancelled() {
+        Window w;
+        w.paint();
+        w.desktop.answers.push_back(1); // Cancel
+        QVERIFY(!w.view.close());
+        QVERIFY(w.view.isVisible());
+        w.desktop.answers.push_back(2); // Don't Save
+        QVERIFY(w.view.close());
+    }
+
+    void theMenuBarHasItsMenus() {
+        Window w;
+        QStringList titles;
+        for (const QAction* action : w.view.menuBar()->actions()) titles << action->text().remove(u'&');
+        QCOMPARE(titles, QStringList({"File", "Edit", "Select", "Image", "Layer", "View"}));
+    }
+};
+
 QIRN_TEST(tst_MainView)
 #include "tst_MainView.moc"

@@ -1,0 +1,79 @@
+#pragma once
+#include "AppFolders.h"
+#include "CanvasView.h"
+#include "Defaults.h"
+#include "DocSession.h"
+#include "MainView.h"
+#include "PaintModel.h"
+#include "QirnKit.h"
+#include "support/ScriptedDesktop.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace qirn::test {
+
+/// The real main window in a world of its own, showing a white picture of 400 x 300 named "Test".
+struct Window {
+    struct FolderOverride {
+        explicit FolderOverride(const QString& path) { AppFolders::setBaseOverride(path); }
+        ~FolderOverride() { AppFolders::setBaseOverride({}); }
+    };
+
+    QTemporaryDir folder;
+    FolderOverride base{folder.path()};
+    ScriptedDesktop desktop;
+    MemoryDefaults defaults;
+    PaintModel model{PaintModel::LoadStores::yes, desktop, defaults};
+    MainView view{model};
+
+    Window() {
+        model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
+        view.show();
+        view.activateWindow();
+        [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&view);
+    }
+
+    DocSession& session() { return *model.current(); }
+    PaintDocument& doc() { return session().doc(); }
+    CanvasView& canvas() { return view.canvas(); }
+
+    template <class T> T& find(const char* name) {
+        T* found = view.findChild<T*>(QLatin1String(name));
+        if (!found) qFatal("The window has no %s.", name);
+        return *found;
+    }
+    template <class T> T& find() {
+        T* found = view.findChild<T*>();
+        if (!found) qFatal("The window lacks a part.");
+        return *found;
+    }
+    template <class T> bool shows(const char* name) { return find<T>(name).isVisible(); }
+    void click(const char* name) { QTest::mouseClick(&find<QWidget>(name), Qt::LeftButton); }
+
+    /// A short stroke of the mouse in the middle of the canvas.
+    void paint() {
+        const QPoint middle = canvas().rect().center();
+        QTest::mousePress(&canvas(), Qt::LeftButton, {}, middle);
+        QTest::mouseMove(&canvas(), middle + QPoint(20, 5));
+        QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, middle + QPoint(20, 5));
+    }
+};
+
+/// A drag over a widget from one point to another, as fractions of its width and height.
+inline void dragOver(QWidget& widget, QPointF from, QPointF to) {
+    const auto send = [&](QEvent::Type type, QPointF fraction) {
+        const QPointF at(fraction.x() * widget.width(), fraction.y() * widget.height());
+        QMouseEvent event(type, at, widget.mapToGlobal(at),
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+        QApplication::sendEvent(&widget, &event);
+    };
+    send(QEvent::MouseButtonPress, from);
+    send(QEvent::MouseMove, (from + to) / 2);
+    send(QEvent::MouseMove, to);
+    send(QEvent::MouseButtonRelease, to);
+}
+
+} // namespace qirn::test

@@ -1,0 +1,168 @@
+#include "ChromeSlider.h"
+#include "ColorPlane.h"
+#include "ColorWells.h"
+#include "Window.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+
+using namespace qirn;
+using namespace qirn::test;
+
+class tst_Panels : public QObject {
+    Q_OBJECT
+
+    static void clickRow(Window& w, int row, int x) {
+        auto& list = w.find<QListWidget>("layers");
+        const QRect rect = list.visualItemRect(list.item(row));
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, {rect.left() + x, rect.center().y()});
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QirnKit::install(QStringLiteral("Qirn Paint")); }
+
+    void rowsShowTheStackFromTheTop() {
+        Window w;
+        auto& list = w.find<QListWidget>("layers");
+        w.click("newLayer");
+        QCOMPARE(list.count(), 3);
+        QCOMPARE(list.item(0)->text(), w.doc().layer(2).name);
+        QCOMPARE(list.item(2)->text(), QStringLiteral("Background"));
+        QCOMPARE(list.currentRow(), 0);
+        w.model.undo();
+        QCOMPARE(list.count(), 2);
+        QCOMPARE(list.currentRow(), 2 - 1 - static_cast<int>(w.doc().activeIndex()));
+    }
+
+    void aClickOnARowMakesItsLayerActive() {
+        Window w;
+        clickRow(w, 1, 100);
+        QCOMPARE(w.doc().activeIndex(), 0);
+        clickRow(w, 0, 100);
+        QCOMPARE(w.doc().activeIndex(), 1);
+        QCOMPARE(w.doc().undoDepth(), 0); // choosing is no step
+    }
+
+    void theEyeHidesItsOwnLayerAsOneStep() {
+        Window w;
+        clickRow(w, 1, 12);
+        QVERIFY(!w.doc().layer(0).isVisible);
+        QVERIFY(w.doc().layer(1).isVisible);
+        QCOMPARE(w.doc().activeIndex(), 1); // the eye chooses nothing
+        QCOMPARE(w.doc().undoName().value_or(QString()), QStringLiteral("Visibility"));
+        QCOMPARE(w.doc().undoDepth(), 1);
+        w.model.undo();
+        QVERIFY(w.doc().layer(0).isVisible);
+        QCOMPARE(w.find<QListWidget>("layers").item(1)->checkState(), Qt::Checked);
+    }
+
+    void theKeyboardMovesAndHides() {
+        Window w;
+        auto& list = w.find<QListWidget>("layers");
+        list.setFocus();
+        QTest::keyClick(&list, Qt::Key_Down);
+        QCOMPARE(w.doc().activeIndex(), 0);
+        QTest::keyClick(&list, Qt::Key_Space);
+        QVERIFY(!w.doc().layer(0).isVisible);
+    }
+
+    void opacityIsLiveAndOneStep() {
+        Window w;
+        auto& slider = w.find<ChromeSlider>("layerOpacity");
+        QTest::mousePress(&slider, Qt::LeftButton, {}, {slider.width() / 2, 10});
+        QVERIFY(qAbs(w.doc().activeLayer().opacity - 0.5) < 0.02);
+        QCOMPARE(w.doc().undoDepth(), 0);
+        QTest::mouseRelease(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10});
+        QCOMPARE(w.doc().undoDepth(), 1);
+        QCOMPARE(w.doc().undoName().value_or(QString()), QStringLiteral("Layer Opacity"));
+        const double set = w.doc().activeLayer().opacity;
+        QVERIFY(qAbs(set - 0.25) < 0.02);
+        QTest::mouseClick(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10}); // to where it is
+        QCOMPARE(w.doc().undoDepth(), 1);
+        w.model.undo();
+        QCOMPARE(slider.value(), 1.0);
+    }
+
+    void theBlendModeIsTheActiveLayersAndOneStep() {
+        Window w;
+        auto& menu = w.find<QComboBox>("blendMode");
+        QCOMPARE(menu.count(), kBlendModeCount);
+        menu.setFocus();
+        QTest::keyClick(&menu, Qt::Key_Down);
+        QCOMPARE(w.doc().activeLayer().blendMode, BlendMode::multiply);
+        QCOMPARE(w.doc().undoName().value_or(QString()), QStringLiteral("Blend Mode"));
+        QCOMPARE(w.doc().undoDepth(), 1);
+        clickRow(w, 1, 100);
+        QCOMPARE(menu.currentIndex(), 0);
+        QCOMPARE(w.doc().undoDepth(), 1);
+    }
+
+    void deleteTakesTheActiveLayer() {
+        Window w;
+        w.click("deleteLayer");
+        QCOMPARE(w.doc().layerCount(), 1);
+        QCOMPARE(w.doc().layer(0).name, QStringLiteral("Background"));
+    }
+
+    void wellsShowSwapAndResetTheColours() {
+        Window w;
+        w.model.pick(PaintColor::fromBytes(10, 20, 30), PaintModel::AddRecent::no);
+        auto& primary = w.find<ColorSquare>("primaryColor");
+        QCOMPARE(primary.color(), QColor(10, 20, 30));
+        // The part of the second colour that stands out behind the first.
+        auto& second = w.find<ColorSquare>("secondaryColor");
+        QTest::mouseClick(&second, Qt::LeftButton, {}, {second.width() - 3, second.height() - 3});
+        QCOMPARE(primary.color(), QColor(Qt::white));
+        w.click("swapColors");
+        QCOMPARE(primary.color(), QColor(10, 20, 30));
+        w.click("defaultColors");
+        QCOMPARE(primary.color(), QColor(Qt::black));
+        QCOMPARE(second.color(), QColor(Qt::white));
+    }
+
+    void aDragInThePlaneStaysWithItsPartAndIsNoRecentColour() {
+        Window w;
+        auto& plane = w.find<ColorPlane>();
+        dragOver(plane, {0.5, 0.98}, {0.0, 0.0}); // from the strip of hues up across the square
+        QCOMPARE(plane.color().h, 0.0);
+        const HueColor before = plane.color();
+        dragOver(plane, {0.9, 0.1}, {1.0, 1.5}); // from the square down past the strip
+        QCOMPARE(plane.color().h, before.h);
+        QCOMPARE(plane.color().v, 0.0);
+        QCOMPARE(w.model.primary().hex(), QStringLiteral("#000000"));
+        QVERIFY(w.model.recent().empty());
+    }
+
+    void blackAndGreyKeepTheHue() {
+        Window w;
+        w.model.pick(PaintColor::fromHSV(0.6, 0.8, 0.9), PaintModel::AddRecent::no);
+        auto& plane = w.find<ColorPlane>();
+        const double hue = plane.color().h, saturation = plane.color().s;
+        QVERIFY(qAbs(hue - 0.6) < 0.01);
+        w.model.pick(PaintColor::black(), PaintModel::AddRecent::no);
+        QCOMPARE(plane.color(), (HueColor{hue, saturation, 0}));
+        w.model.pick(PaintColor::white(), PaintModel::AddRecent::no);
+        QCOMPARE(plane.color(), (HueColor{hue, 0, 1}));
+    }
+
+    void hexIsTakenOnReturnAndABadOneChangesNothing() {
+        Window w;
+        auto& hex = w.find<QLineEdit>("hex");
+        hex.setFocus();
+        hex.setText(QStringLiteral("b3001b"));
+        QTest::keyClick(&hex, Qt::Key_Return);
+        QCOMPARE(w.model.primary().hex(), QStringLiteral("#B3001B"));
+        QCOMPARE(w.model.recent().size(), std::size_t(1));
+        QCOMPARE(hex.text(), QStringLiteral("#B3001B"));
+        hex.setText(QStringLiteral("#12"));
+        QTest::keyClick(&hex, Qt::Key_Return);
+        QCOMPARE(w.model.primary().hex(), QStringLiteral("#B3001B"));
+        QCOMPARE(w.model.recent().size(), std::size_t(1));
+    }
+};
+
+QIRN_TEST(tst_Panels)
+#include "tst_Panels.moc"
