@@ -340,10 +340,13 @@ private Q_SLOTS:
         BrushSettings brush = plainBrush(40);
         brush.opacity = 0.5;
         Studio studio(brush);
-        BrushStroke second(studio.doc, studio.doc.layers()[0], brush, kRed, 2);
+        BrushSettings slow = brush;
+        slow.flow = 0.5;
+        BrushStroke second(studio.doc, studio.doc.layers()[0], slow, kRed, 2);
         studio.stroke.begin({100, 100, 1});
         for (const StrokePoint& point : line(60, 100, 140, 100)) second.add(point);
-        QCOMPARE(studio.alpha(100, 100), 192); // half of what the first one left
+        QVERIFY(std::abs(studio.alpha(100, 100) - 192) <=
+                1); // its half over the first one's half, and no more
     }
 
     void aStrokeMayBeDropped() {
