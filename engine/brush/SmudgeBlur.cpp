@@ -50,12 +50,6 @@ void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool kee
     storePixel(load, paint + taken * (was - paint));
 }
 
-/// Sums that slide leave a trace of rounding, which may fall below 0.
-FloatPixel raisedToZero(FloatPixel pixel) {
-    const FloatPixel zero{};
-    return pixel < zero ? zero : pixel;
-}
-
 bool areEqual(FloatPixel a, FloatPixel b) {
     return a[0] == b[0] && a[1] == b[1] && a[2] == b[2] && a[3] == b[3];
 }
@@ -258,8 +252,8 @@ void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, cons
         // Flat colour stays as it is and copies no tile.
         if (areEqual(now, was)) continue;
         if (!writable) writable = layer_.writableTile(row.tile).writablePixels() + placeInTile(row.x, row.y);
-        now[3] = std::clamp(now[3], 0.0f, 255.0f);
-        writePixel(writable + i * 4, raisedToZero(limited(now, now[3])));
+        // A trace of rounding beyond 0 or 255 is less than the half that writing rounds by.
+        writePixel(writable + i * 4, limited(now, now[3]));
     }
 }
 

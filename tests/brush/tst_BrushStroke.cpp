@@ -79,6 +79,15 @@ private Q_SLOTS:
         QCOMPARE(studio.stroke.dabCount(), 1);
         studio.stroke.add({120, 100, 1}); // what was travelled before still counts
         QCOMPARE(studio.stroke.dabCount(), 2);
+        // Nor does pressing harder on the spot change what a held airbrush lays there.
+        BrushSettings brush = plainBrush(40);
+        brush.airbrush = brush.pressureSize = true;
+        brush.minSize = 0;
+        Studio held(brush);
+        held.stroke.begin({100, 100, 0.25});
+        held.stroke.add({100, 100, 1});
+        held.stroke.hold(1);
+        QCOMPARE(held.layer().contentBounds(), (IRect{95, 95, 10, 10}));
     }
 
     void dabsDoNotDependOnHowOftenThePenReports() {
@@ -312,6 +321,32 @@ private Q_SLOTS:
         paintStroke(doc, line(20, 100, 300, 100), plainBrush(10), kRed, nullptr, 1);
         QCOMPARE(doc.takeDirtyTiles(), (std::vector<int64_t>{0, 1}));
         for (int64_t index = 2; index < 16; ++index) QVERIFY(!doc.layer(0).tile(index));
+    }
+
+    void aStrokeSharesTheTilesItFound() {
+        PaintDocument doc(600, 300, 72, std::nullopt);
+        paintRect(doc, doc.layer(0), {0, 0, 600, 300}, {0, 0, 255, 255});
+        std::weak_ptr<Tile> old = doc.layer(0).tiles().share(0);
+        BrushStroke stroke(doc, doc.layers()[0], plainBrush(20), kRed, 1);
+        doc.layer(0).tiles().forEachTile([](int64_t, const Tile& tile) { QVERIFY(tile.isFrozen()); });
+        stroke.begin({100, 100, 1});
+        QVERIFY(!old.expired()); // kept to paint from
+        stroke.end();
+        QVERIFY(old.expired());
+    }
+
+    void twoStrokesAtOnceLieOnTopOfEachOther() {
+        // The second was made before the first one's tiles came to be.
+        BrushSettings brush = plainBrush(40);
+        brush.opacity = 0.5;
+        Studio studio(brush);
+        BrushSettings slow = brush;
+        slow.flow = 0.5;
+        BrushStroke second(studio.doc, studio.doc.layers()[0], slow, kRed, 2);
+        studio.stroke.begin({100, 100, 1});
+        for (const StrokePoint& point : line(60, 100, 140, 100)) second.add(point);
+        QVERIFY(std::abs(studio.alpha(100, 100) - 192) <=
+                1); // its half over the first one's half, and no more
     }
 
     void aStrokeMayBeDropped() {

@@ -155,7 +155,14 @@ private Q_SLOTS:
         SeededRandom random(17);
         PaintDocument doc(300, 280, 72, std::nullopt);
         Layer& layer = doc.layer(0);
-        if (onPaint) layer.load(*noise(300, 280, 5));
+        if (onPaint) {
+            // Any bytes, also those that are no valid pixel, as a file may bring them.
+            RGBABuffer bytes(300, 280);
+            for (int64_t i = 0; i < bytes.byteCount(); ++i) {
+                bytes.data()[i] = random.unit() < 0.1 ? 0 : static_cast<uint8_t>(random.next() >> 40);
+            }
+            layer.load(bytes);
+        }
         layer.freezeTiles();
         layer.alphaLocked = keepsAlpha;
         if (selected) {

@@ -342,13 +342,19 @@ private Q_SLOTS:
         QVERIFY2(full.paintedPixels() > 2 * light.paintedPixels(),
                  qPrintable(QString::number(full.paintedPixels())));
         double farthest = 0;
+        int64_t inner = 0;
         std::array<int, 4> quarters{};
         full.forEachPixel([&](int64_t x, int64_t y, const PixelBytes& p) {
             if (p[3] == 0) return;
-            farthest = std::max(farthest, std::hypot(double(x) + 0.5 - 300, double(y) + 0.5 - 200));
+            const double distance = std::hypot(double(x) + 0.5 - 300, double(y) + 0.5 - 200);
+            farthest = std::max(farthest, distance);
+            inner += distance < 25;
             ++quarters[(x < 300 ? 0 : 1) + (y < 200 ? 0 : 2)];
         });
         QVERIFY2(farthest < 50 + 1.4 + 0.5 && farthest > 45, qPrintable(QString::number(farthest)));
+        // As dense in the middle as elsewhere: a quarter of the area has a quarter of the paint.
+        QVERIFY2(inner > full.paintedPixels() / 6 && inner < full.paintedPixels() / 3,
+                 qPrintable(QString::number(inner)));
         for (int count : quarters) QVERIFY(count > full.paintedPixels() / 8);
         QVERIFY(light.paintedPixels() > 0);
     }

@@ -184,6 +184,27 @@ private Q_SLOTS:
         QVERIFY(changed > 5000);
     }
 
+    void aLockedTipCarriesItsPaintAcrossAGap() {
+        TwoColours sheet;
+        paintRect(sheet.doc, sheet.layer(), {300, 0, 20, 400}, {0, 0, 0, 0});
+        sheet.layer().alphaLocked = true;
+        sheet.paint(line(280, 200, 350, 200, 2), tip(BrushKind::smudge, 40));
+        QCOMPARE(sheet.pixel(310, 200), PixelBytes{});
+        const PixelBytes beyond = sheet.pixel(330, 200); // red and white, and nothing of the gap
+        QVERIFY2(beyond[0] == 255 && beyond[1] < 230, qPrintable(text(beyond)));
+    }
+
+    void theCanvasEdgeRepeatsOutward() {
+        for (const bool right : {false, true}) {
+            PaintDocument doc(300, 200, 72, PaintColor::white());
+            const int64_t edge = right ? 299 : 0;
+            paintRect(doc, doc.layer(0), {edge, 0, 1, 200}, {0, 0, 0, 255});
+            const std::vector<StrokePoint> at{{static_cast<double>(edge) + 0.5, 100, 1}};
+            paintStroke(doc, at, tip(BrushKind::blur, 60, 1), PaintColor::black(), &doc.layer(0), 1);
+            QCOMPARE(int(doc.layer(0).pixel(edge, 100)[0]), 118); // 7 of 13 are the black edge, 6 white
+        }
+    }
+
     void paintStaysPremultiplied_data() { theSelectionHoldsBack_data(); }
     void paintStaysPremultiplied() {
         QFETCH(BrushKind, kind);
