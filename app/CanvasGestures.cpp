@@ -427,6 +427,9 @@ void CanvasView::endStroke() {
     stroke_.reset();
     lastStrokeEnd_ = canvasPoint(lastEventPoint_);
     updateAntsTimer();
+    CanvasStatus::Cursor lifted = model_.status().cursor();
+    lifted.pressure = 0;
+    model_.status().setCursor(lifted);
     if (dabs >= 1) {
         session_->doc().commit(strokeTool_ == Tool::eraser   ? tr("Erase")
                                : strokeTool_ == Tool::smudge ? tr("Smudge")
