@@ -1,6 +1,7 @@
 #include "ChromeStyle.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QMenu>
@@ -42,7 +43,9 @@ void ChromeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     QPainter& p = *painter;
     switch (element) {
     case PE_FrameFocusRect:
-        if (showsFocus(*option)) ChromePaint::focusRing(p, option->rect, Metrics::kRadiusSmall);
+        // The rows of a list draw their own ring.
+        if (showsFocus(*option) && !qobject_cast<const QAbstractItemView*>(widget))
+            ChromePaint::focusRing(p, option->rect, Metrics::kRadiusSmall);
         return;
     case PE_PanelButtonTool:
     case PE_FrameButtonTool:
@@ -140,6 +143,11 @@ void ChromeStyle::drawControl(ControlElement element, const QStyleOption* option
     case CE_TabBarTabLabel:
         if (tab) drawTabLabel(*tab, p);
         return;
+    case CE_HeaderSection:
+    case CE_HeaderEmptyArea:
+        p.fillRect(option->rect, colors.panel);
+        ChromePaint::line(p, option->rect, ChromePaint::Side::bottom, colors.divider);
+        return;
     case CE_Splitter:
         p.fillRect(option->rect, colors.panel);
         return;
@@ -193,6 +201,19 @@ QIcon ChromeStyle::standardIcon(StandardPixmap pixmap, const QStyleOption* optio
         return Icons::of(Icon::arrowUp);
     case SP_FileIcon:
         return Icons::of(Icon::file);
+    case SP_FileDialogBack:
+    case SP_ArrowBack:
+        return Icons::of(Icon::arrowLeft);
+    case SP_ArrowForward:
+        return Icons::of(Icon::arrowRight);
+    case SP_FileDialogListView:
+        return Icons::of(Icon::grid);
+    case SP_FileDialogDetailedView:
+        return Icons::of(Icon::list);
+    case SP_ComputerIcon:
+    case SP_DesktopIcon:
+    case SP_DriveHDIcon:
+        return Icons::of(Icon::computer);
     case SP_DialogCloseButton:
     case SP_LineEditClearButton:
         return Icons::of(Icon::close);

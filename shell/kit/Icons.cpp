@@ -51,6 +51,8 @@ constexpr Row kRows[] = {
     {Icon::clip, "corner-left-down"},
     {Icon::trash, "trash"},
     {Icon::duplicate, "copy"},
+    {Icon::arrowLeft, "arrow-left"},
+    {Icon::arrowRight, "arrow-right"},
     {Icon::arrowUp, "arrow-up"},
     {Icon::arrowDown, "arrow-down"},
     {Icon::swap, "arrows-exchange"},
@@ -67,12 +69,15 @@ constexpr Row kRows[] = {
     {Icon::folder, "folder"},
     {Icon::folderNew, "folder-plus"},
     {Icon::file, "file"},
+    {Icon::computer, "device-desktop"},
+    {Icon::grid, "layout-grid"},
+    {Icon::list, "list"},
 };
 
 constexpr bool inOrder() {
     for (size_t i = 0; i < std::size(kRows); ++i)
         if (kRows[i].icon != static_cast<Icon>(i)) return false;
-    return std::size(kRows) == static_cast<size_t>(Icon::file) + 1;
+    return std::size(kRows) == static_cast<size_t>(kLastIcon) + 1;
 }
 static_assert(inOrder());
 

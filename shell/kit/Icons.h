@@ -38,6 +38,8 @@ enum class Icon {
     clip,
     trash,
     duplicate,
+    arrowLeft,
+    arrowRight,
     arrowUp,
     arrowDown,
     swap,
@@ -54,7 +56,11 @@ enum class Icon {
     folder,
     folderNew,
     file,
+    computer,
+    grid,
+    list,
 };
+inline constexpr Icon kLastIcon = Icon::list;
 
 } // namespace qirn
 

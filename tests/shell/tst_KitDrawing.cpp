@@ -87,7 +87,7 @@ private Q_SLOTS:
 
     void everyIconHasItsFileAndEveryFileIsUsed() {
         std::set<QString> used;
-        for (int i = 0; i <= static_cast<int>(Icon::file); ++i) {
+        for (int i = 0; i <= static_cast<int>(kLastIcon); ++i) {
             const QString file = Icons::file(static_cast<Icon>(i));
             QVERIFY2(QFile::exists(file), qPrintable(file));
             QVERIFY2(used.insert(file).second, qPrintable(file));
