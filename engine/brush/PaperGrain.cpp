@@ -36,7 +36,7 @@ std::vector<float> makeValues() {
     std::vector<float> values(PaperGrain::size * PaperGrain::size, 0.0f);
     SeededRandom random = SeededRandom::fromState(0x51E51D0E685A197Bu);
     for (const auto& [n, weight] : kOctaves) {
-        std::vector<float> lattice(static_cast<std::size_t>(n * n));
+        std::vector<float> lattice(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
         for (float& v : lattice) v = static_cast<float>(random.unit());
         const auto at = [&lattice, size = n](int x, int y) {
             return lattice[static_cast<std::size_t>(y * size + x)];

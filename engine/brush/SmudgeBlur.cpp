@@ -40,8 +40,8 @@ float selectedShare(const Selection& selection, int64_t x, int64_t y) {
     return static_cast<float>(selection.row(y)[x]) / 255.0f;
 }
 
-/// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was. Both shares are
-/// 0 to 1, so that every value stays between those that were there.
+/// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was. Both shares
+/// are 0 to 1, so that every value stays between those that were there.
 void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool keepsAlpha) {
     const FloatPixel was = readPixel(pixel), paint = loadPixel(load);
     FloatPixel now = was + given * (paint - was);

@@ -110,8 +110,8 @@ private Q_SLOTS:
     }
 
     void theStepFollowsThePressureAndHasAFloor() {
-        const auto dabs = [](BrushSettings brush, double pressure) {
-            Studio studio(brush);
+        const auto dabs = [](const BrushSettings& with, double pressure) {
+            Studio studio(with);
             studio.stroke.begin({100, 100, pressure});
             studio.stroke.add({200, 100, pressure});
             return studio.stroke.dabCount();

@@ -207,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(widthAt(1), 40);
         QCOMPARE(widthAt(0.5), 24);
         QCOMPARE(widthAt(0), 8);
-        const auto alphaAt = [](BrushSettings dynamic, double pressure) {
+        const auto alphaAt = [](const BrushSettings& dynamic, double pressure) {
             Sheet sheet;
             sheet.dab(100, 100, dynamic, pressure);
             return sheet.alpha(100, 100);

@@ -9,8 +9,8 @@
 using namespace qirn;
 using namespace qirn::test;
 
-/// The same stroke gives the same bytes with every compiler, at every optimisation, on every processor and with any
-/// number of threads. `tools/stroke-matrix` runs this class for each of them.
+/// The same stroke gives the same bytes with every compiler and optimisation, on every processor and with any number
+/// of threads. `tools/stroke-matrix` runs this class for each of them.
 class tst_StrokeConstants : public QObject {
     Q_OBJECT
 
