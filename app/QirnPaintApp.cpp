@@ -37,7 +37,7 @@ public:
         app.setQuitOnLastWindowClosed(true);
         app.installEventFilter(this);
         // A session that ends asks as quitting does.
-        connect(&app, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& session) {
+        connect(&app, &QGuiApplication::commitDataRequest, this, [](QSessionManager& session) {
             if (session.allowsInteraction() && !shouldTerminate()) session.cancel();
         });
     }
