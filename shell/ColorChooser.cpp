@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
+#include "CanvasView.h"
 #include "ColorPlane.h"
 #include "Metrics.h"
 #include "PaintModel.h"
@@ -52,6 +53,7 @@ void ColorChooser::takeHex() {
     if (!typed) return QApplication::beep();
     lastSet_.clear();
     model_.pick(*typed, PaintModel::AddRecent::yes);
+    if (QWidget* canvas = model_.canvas()) canvas->setFocus(); // done typing: letters mean tools again
 }
 
 void ColorChooser::refresh() {

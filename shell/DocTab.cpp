@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -47,6 +48,7 @@ DocTab::DocTab(PaintModel& model, QWidget* parent)
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     dot_->setToolTip(tr("Not saved yet (autosaved for safety)"));
     close_ = new IconButton(Icon::close, tr("Close this picture"), this);
+    close_->setFocusPolicy(Qt::NoFocus); // Delete on the tab does the same
     close_->setIconSize({Metrics::kChevron, Metrics::kChevron});
     connect(this, &QAbstractButton::clicked, this, [this] {
         if (DocSession* shown = session()) model_.select(*shown);
@@ -79,9 +81,7 @@ void DocTab::showSession(const DocSession& session, bool current) {
 
 QSize DocTab::sizeHint() const {
     const int name = std::min(fontMetrics().horizontalAdvance(text()), kMostName);
-    return {kNameLeft + name + Metrics::kSpace8 + kCloseButton +
-                Metrics::kSpace4,
-            Metrics::kControlHeight};
+    return {kNameLeft + name + Metrics::kSpace8 + kCloseButton + Metrics::kSpace4, Metrics::kControlHeight};
 }
 
 QSize DocTab::minimumSizeHint() const {
@@ -101,6 +101,13 @@ void DocTab::mouseReleaseEvent(QMouseEvent* event) {
         closeSession();
     else
         QAbstractButton::mouseReleaseEvent(event);
+}
+
+void DocTab::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Delete)
+        closeSession();
+    else
+        QAbstractButton::keyPressEvent(event);
 }
 
 void DocTab::paintEvent(QPaintEvent*) {

@@ -1,5 +1,7 @@
 #include "HeaderBar.h"
 
+#include <utility>
+
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -56,7 +58,8 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     tabRow_ = new QHBoxLayout(tabs);
     tabRow_->setContentsMargins(0, 0, 0, 0);
     tabRow_->setSpacing(Metrics::kSpace4);
-    tabRow_->addWidget(made(kNew));
+    new_ = made(kNew);
+    tabRow_->addWidget(new_);
     tabRow_->addStretch();
     strip_->setWidget(tabs);
     strip_->setWidgetResizable(true);
@@ -68,6 +71,8 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     tabs->setAutoFillBackground(false);
     strip_->viewport()->installEventFilter(this);
 
+    auto* open = made(kOpen);
+    auto* save = made(kSave);
     undo_ = made(kUndo);
     redo_ = made(kRedo);
     auto* row = new QHBoxLayout(this);
@@ -76,12 +81,14 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     row->addWidget(new Badge(this));
     row->addSpacing(Metrics::kSpace12);
     row->addWidget(strip_, 1);
-    row->addWidget(made(kOpen));
-    row->addWidget(made(kSave));
+    row->addWidget(open);
+    row->addWidget(save);
     row->addWidget(new ChromeDivider(this));
     row->addWidget(undo_);
     row->addWidget(redo_);
 
+    QWidget* before = new_;
+    for (QWidget* button : {open, save, undo_, redo_}) setTabOrder(std::exchange(before, button), button);
     connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
     refresh();
 }
@@ -91,6 +98,8 @@ void HeaderBar::refresh() {
     while (tabs_.size() < sessions.size()) {
         auto* tab = new DocTab(model_, strip_->widget());
         tabRow_->insertWidget(static_cast<int>(tabs_.size()), tab);
+        if (!tabs_.empty()) setTabOrder(tabs_.back(), tab);
+        setTabOrder(tab, new_);
         tabs_.push_back(tab);
     }
     while (tabs_.size() > sessions.size()) {

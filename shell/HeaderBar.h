@@ -28,6 +28,7 @@ private:
     QScrollArea* strip_; // tabs that do not fit are scrolled to
     QHBoxLayout* tabRow_;
     std::vector<DocTab*> tabs_; // one a session, in their order
+    IconButton* new_;
     IconButton* undo_;
     IconButton* redo_;
 };

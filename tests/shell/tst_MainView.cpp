@@ -74,6 +74,25 @@ private Q_SLOTS:
         QTRY_COMPARE(tabs(w).size(), 1);
     }
 
+    void theTabKeyWalksTheHeaderFromLeftToRight() {
+        Window w;
+        w.model.newDocument(200, 100, 72, std::nullopt, QStringLiteral("Second"));
+        QTRY_COMPARE(tabs(w).size(), 2);
+        w.paint(); // so that Undo can be reached
+        QWidget* at = tabs(w)[0];
+        at->setFocus(Qt::TabFocusReason);
+        QStringList walked;
+        for (int i = 0; i < 5; ++i) {
+            QTest::keyClick(at, Qt::Key_Tab);
+            at = QApplication::focusWidget();
+            walked << (qobject_cast<DocTab*>(at) ? qobject_cast<DocTab*>(at)->text() : at->objectName());
+        }
+        QCOMPARE(walked, QStringList({"Second", "headerNew", "headerOpen", "headerSave", "headerUndo"}));
+        w.desktop.answers.push_back(2); // Don't Save
+        QTest::keyClick(tabs(w)[1], Qt::Key_Delete);
+        QCOMPARE(w.model.sessions().size(), std::size_t(1));
+    }
+
     void thePlusOpensAStarterPicture() {
         Window w;
         w.click("headerNew");

@@ -157,6 +157,7 @@ private Q_SLOTS:
         QCOMPARE(w.model.primary().hex(), QStringLiteral("#B3001B"));
         QCOMPARE(w.model.recent().size(), std::size_t(1));
         QCOMPARE(hex.text(), QStringLiteral("#B3001B"));
+        QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
         hex.setText(QStringLiteral("#12"));
         QTest::keyClick(&hex, Qt::Key_Return);
         QCOMPARE(w.model.primary().hex(), QStringLiteral("#B3001B"));
