@@ -82,6 +82,12 @@ private:
     std::array<uint8_t, kTileRowBytes> span_;
 };
 
+/// Every byte is written, changed or not: so the compiler does many at once.
+void replaceAll(TileMask::Bytes& bytes, uint8_t from, uint8_t to) {
+    std::transform(bytes.get(), bytes.get() + kTilePixels, bytes.get(),
+                   [=](uint8_t byte) { return byte == from ? to : byte; });
+}
+
 /// Pixels of one tile where a fill may come in, all edges inclusive.
 struct Stretch {
     uint8_t left, right, top, bottom;
@@ -141,7 +147,7 @@ public:
         look(tiles_.size(), [](int64_t i) { return i; });
         for (FloodTile& tile : tiles_) {
             if (tile.state == FloodTile::State::open) tile.state = FloodTile::State::filled;
-            if (tile.bytes) std::replace(tile.bytes.get(), tile.bytes.get() + kTilePixels, kOpen, kFilled);
+            if (tile.bytes) replaceAll(tile.bytes, kOpen, kFilled);
         }
     }
 
@@ -151,7 +157,7 @@ public:
             FloodTile& tile = tileAt(index);
             if (tile.state == FloodTile::State::filled) mask.coverWhole(index);
             if (!tile.bytes || !std::memchr(tile.bytes.get(), kFilled, kTilePixels)) continue;
-            std::replace(tile.bytes.get(), tile.bytes.get() + kTilePixels, kOpen, kClosed);
+            replaceAll(tile.bytes, kOpen, kClosed);
             mask.setBytes(index, std::move(tile.bytes));
         }
         return mask;

@@ -1,5 +1,6 @@
 #include "operations/Gradient.h"
 
+#include "core/FloatPixel.h"
 #include "operations/RowPainter.h"
 #include "operations/Selection.h"
 #include "operations/TileParts.h"
@@ -50,30 +51,27 @@ class Ramp {
 public:
     Ramp(const PaintColor& start, const PaintColor& end, double opacity)
         : opacity_(opacity),
-          alpha_(start.a),
-          alphaStep_(end.a - start.a),
-          first_{start.r * start.a, start.g * start.a, start.b * start.a},
-          step_{end.r * end.a - first_[0], end.g * end.a - first_[1], end.b * end.a - first_[2]} {}
+          first_{start.r * start.a, start.g * start.a, start.b * start.a, start.a},
+          step_(Channels{end.r * end.a, end.g * end.a, end.b * end.a, end.a} - first_) {}
 
     /// Straight colours with a 1 behind each, and coverages; a colour without coverage is of no consequence.
     void row(const Row& positions, int64_t count, float* colors, float* coverage) const {
         for (int64_t i = 0; i < count; ++i) {
-            const double t = positions[static_cast<std::size_t>(i)];
-            const double a = alpha_ + alphaStep_ * t;
-            coverage[i] = a > 0 ? static_cast<float>(a * opacity_) : 0;
-            // Where so little alpha is left that none arrives, the division may give anything.
-            const bool isSeen = coverage[i] > 0;
-            for (int c = 0; c < 3; ++c) {
-                colors[i * 4 + c] = isSeen ? static_cast<float>((first_[c] + step_[c] * t) / a) : 0;
-            }
-            colors[i * 4 + 3] = 1;
+            const Channels mixed = first_ + step_ * positions[static_cast<std::size_t>(i)];
+            const auto arriving = static_cast<float>(mixed[3] * opacity_);
+            // Where so little alpha is left that none arrives, the division could give anything.
+            const bool isSeen = arriving > 0;
+            coverage[i] = isSeen ? arriving : 0;
+            storePixel(colors + i * 4,
+                       isSeen ? __builtin_convertvector(mixed / mixed[3], FloatPixel) : FloatPixel{});
         }
     }
 
 private:
+    using Channels = double __attribute__((vector_size(32)));
+
     double opacity_;
-    double alpha_, alphaStep_;
-    double first_[3], step_[3];
+    Channels first_, step_;
 };
 
 } // namespace

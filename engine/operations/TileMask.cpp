@@ -23,6 +23,10 @@ constexpr bool isSet(uint8_t byte) {
     return byte != 0;
 }
 
+constexpr uint8_t larger(uint8_t a, uint8_t b) {
+    return a > b ? a : b;
+}
+
 /// `left` and `right` are the bytes beside the row.
 void growRow(const uint8_t* row, const uint8_t* above, const uint8_t* below, uint8_t left, uint8_t right,
              uint8_t* out) {
@@ -31,8 +35,8 @@ void growRow(const uint8_t* row, const uint8_t* above, const uint8_t* below, uin
     std::copy_n(row, kTileSize, wide.begin() + 1);
     wide.back() = right;
     for (std::size_t x = 0; x < kTileSize; ++x) {
-        const uint8_t across = std::max(std::max(wide[x], wide[x + 1]), wide[x + 2]);
-        out[x] = std::max(across, std::max(above[x], below[x]));
+        const uint8_t across = larger(larger(wide[x], wide[x + 1]), wide[x + 2]);
+        out[x] = larger(across, larger(above[x], below[x]));
     }
 }
 
