@@ -1,8 +1,8 @@
 #include "brush/DabStamp.h"
 
-#include "brush/FloatPixel.h"
 #include "brush/PaperGrain.h"
 #include "brush/TipEdge.h"
+#include "core/FloatPixel.h"
 #include "operations/Selection.h"
 #include "platform/CheckedMath.h"
 #include "platform/Trigonometry.h"

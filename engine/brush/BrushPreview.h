@@ -1,0 +1,20 @@
+#pragma once
+#include "brush/BrushSettings.h"
+#include "core/PaintColor.h"
+
+#include <cstdint>
+
+#include <QImage>
+
+namespace qirn {
+
+/// A sample stroke of a brush, painted by the real engine on a picture of its own.
+namespace BrushPreview {
+
+/// Transparent around the stroke; brushes that need something to work on get a bed of paint. The same arguments
+/// give the same pixels. May be called on any thread.
+QImage render(const BrushSettings& brush, int64_t width, int64_t height, const PaintColor& color);
+
+} // namespace BrushPreview
+
+} // namespace qirn

@@ -1,0 +1,47 @@
+#pragma once
+#include "core/PaintColor.h"
+#include "core/RGBABuffer.h"
+#include "operations/Selection.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+namespace qirn::test {
+
+/// One straight colour (r, g, b) laid on one premultiplied pixel to the extent of `cov`, from 0 to 1: the rule as it
+/// is told, channel by channel.
+inline void layOnPixel(uint8_t* pixel, const std::array<float, 3>& color, float cov, bool alphaLocked) {
+    const float oldAlpha = pixel[3] / 255.0f;
+    if (alphaLocked && pixel[3] == 0) return;
+    for (int c = 0; c < 3; ++c) {
+        const float old = pixel[c] / 255.0f;
+        const float straight = color[static_cast<std::size_t>(c)];
+        const float v =
+            alphaLocked ? old + cov * (oldAlpha * straight - old) : cov * straight + (1.0f - cov) * old;
+        pixel[c] = static_cast<uint8_t>(std::clamp(v * 255.0f + 0.5f, 0.0f, 255.0f));
+    }
+    if (alphaLocked) return;
+    pixel[3] = static_cast<uint8_t>(std::min((cov + (1.0f - cov) * oldAlpha) * 255.0f + 0.5f, 255.0f));
+}
+
+inline std::array<float, 3> straightFloats(const PaintColor& color) {
+    return {static_cast<float>(color.r), static_cast<float>(color.g), static_cast<float>(color.b)};
+}
+
+/// A selection in which every byte may occur; a third is 0 and a third 255, in blocks of 32 x 32 pixels, which leaves
+/// whole tiles empty, full and mixed.
+inline SelectionRef patchySelection(int64_t width, int64_t height, uint64_t seed) {
+    std::vector<uint8_t> mask(static_cast<std::size_t>(width * height));
+    for (int64_t y = 0; y < height; ++y) {
+        for (int64_t x = 0; x < width; ++x) {
+            const uint64_t block =
+                (static_cast<uint64_t>(x / 32 * 7919 + y / 32 * 104729) + seed) * 2654435761u >> 7;
+            const auto soft = static_cast<uint8_t>(x * 5 + y * 3);
+            mask[static_cast<std::size_t>(y * width + x)] = block % 3 == 0 ? 0 : block % 3 == 1 ? 255 : soft;
+        }
+    }
+    return Selection::fromMask(mask, width, height);
+}
+
+} // namespace qirn::test

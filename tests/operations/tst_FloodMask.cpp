@@ -1,0 +1,267 @@
+#include "compositing/CompositeInputs.h"
+#include "core/SeededRandom.h"
+#include "operations/FloodMask.h"
+#include "operations/LayerOperations.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <algorithm>
+#include <deque>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+using Mask = std::vector<uint8_t>; // of the canvas, row by row
+
+bool matches(const PixelBytes& a, const PixelBytes& target, int64_t tolerance) {
+    if (a == target) return true;
+    if (tolerance < 1) return false;
+    for (std::size_t c = 0; c < 4; ++c) {
+        if (std::abs(a[c] - target[c]) > std::min<int64_t>(tolerance, 255)) return false;
+    }
+    return true;
+}
+
+/// A queue of single pixels, and growth round by round over the whole canvas.
+Mask simpleFill(const RGBABuffer& source, int64_t x, int64_t y, const FillOptions& options) {
+    const int64_t w = source.width(), h = source.height();
+    const PixelBytes target = source.pixel(x, y);
+    Mask mask(static_cast<std::size_t>(w * h));
+    const auto at = [&](int64_t px, int64_t py) -> uint8_t& {
+        return mask[static_cast<std::size_t>(py * w + px)];
+    };
+    const auto inside = [&](int64_t px, int64_t py) { return px >= 0 && py >= 0 && px < w && py < h; };
+    constexpr std::pair<int, int> sides[] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
+    if (options.contiguous) {
+        std::deque<std::pair<int64_t, int64_t>> queue{{x, y}};
+        at(x, y) = 255;
+        while (!queue.empty()) {
+            const auto [px, py] = queue.front();
+            queue.pop_front();
+            for (const auto& [dx, dy] : sides) {
+                const int64_t nx = px + dx, ny = py + dy;
+                if (!inside(nx, ny) || at(nx, ny) ||
+                    !matches(source.pixel(nx, ny), target, options.tolerance))
+                    continue;
+                at(nx, ny) = 255;
+                queue.emplace_back(nx, ny);
+            }
+        }
+    } else {
+        for (int64_t py = 0; py < h; ++py) {
+            for (int64_t px = 0; px < w; ++px) {
+                if (matches(source.pixel(px, py), target, options.tolerance)) at(px, py) = 255;
+            }
+        }
+    }
+    for (int64_t round = 0; round < std::min<int64_t>(options.expand, 4); ++round) {
+        const Mask before = mask;
+        for (int64_t py = 0; py < h; ++py) {
+            for (int64_t px = 0; px < w; ++px) {
+                for (const auto& [dx, dy] : sides) {
+                    const int64_t nx = px + dx, ny = py + dy;
+                    if (inside(nx, ny) && before[static_cast<std::size_t>(ny * w + nx)] == 255)
+                        at(px, py) = 255;
+                }
+            }
+        }
+    }
+    return mask;
+}
+
+/// Empty when the mask is the wanted one and its bounds are tight, otherwise what is wrong.
+QString difference(const std::optional<FloodMask>& flood, const Mask& wanted, const TileGrid& grid) {
+    if (!flood) return QStringLiteral("no mask");
+    IRect box;
+    for (int64_t y = 0; y < grid.height; ++y) {
+        for (int64_t x = 0; x < grid.width; ++x) {
+            const uint8_t byte = wanted[static_cast<std::size_t>(y * grid.width + x)];
+            if (byte) box = box.united({x, y, 1, 1});
+            if (flood->mask.value(x, y) != byte)
+                return QStringLiteral("at %1,%2: %3, not %4")
+                    .arg(x)
+                    .arg(y)
+                    .arg(flood->mask.value(x, y))
+                    .arg(byte);
+        }
+    }
+    return flood->bounds == box ? QString() : flood->bounds.description() + ", not " + box.description();
+}
+
+/// Grey of three shades 10 apart, drawn for each block of so many pixels; some blocks are transparent.
+std::unique_ptr<PaintDocument> maze(int64_t width, int64_t height, int64_t block, uint64_t seed) {
+    auto doc = std::make_unique<PaintDocument>(width, height, 72, std::nullopt);
+    SeededRandom random(seed);
+    for (int64_t y = 0; y < height; y += block) {
+        for (int64_t x = 0; x < width; x += block) {
+            const uint64_t draw = random.next() % 20;
+            const auto shade = static_cast<uint8_t>(100 + draw % 3 * 10);
+            if (draw > 0)
+                paintRect(*doc, doc->activeLayer(), {x, y, block, block}, {shade, shade, shade, 255});
+        }
+    }
+    return doc;
+}
+
+FillOptions only(int64_t tolerance, int64_t expand = 0) {
+    return {.tolerance = tolerance, .expand = expand};
+}
+
+int64_t countOf(const FloodMask& flood) {
+    int64_t count = 0;
+    for (int64_t y = flood.bounds.y; y < flood.bounds.maxY(); ++y) {
+        for (int64_t x = flood.bounds.x; x < flood.bounds.maxX(); ++x) count += flood.mask.value(x, y) != 0;
+    }
+    return count;
+}
+
+} // namespace
+
+class tst_FloodMask : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void mazesAreFilledAsByAQueueOfPixels_data() {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<int>("block");
+        QTest::newRow("pixels across seams") << 530 << 300 << 1;
+        QTest::newRow("corridors") << 700 << 520 << 3;
+        QTest::newRow("blocks as large as tiles") << 1000 << 800 << 128;
+        QTest::newRow("one pixel") << 1 << 1 << 1;
+        QTest::newRow("one column") << 1 << 2000 << 2;
+        QTest::newRow("one very long row") << 30000 << 1 << 5;
+    }
+    void mazesAreFilledAsByAQueueOfPixels() {
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(int, block);
+        for (uint64_t seed = 1; seed <= 12; ++seed) {
+            const auto doc = maze(width, height, block, seed);
+            const auto source = doc->activeLayer().toBuffer();
+            SeededRandom random(seed);
+            const auto x = static_cast<int64_t>(random.unit() * width);
+            const auto y = static_cast<int64_t>(random.unit() * height);
+            // With 10 two of the three shades are alike, which is where mazes wind the most.
+            const FillOptions options{.tolerance = seed % 3 == 0 ? 0 : 10,
+                                      .contiguous = seed % 4 != 0,
+                                      .expand = static_cast<int64_t>(seed % 6) - 1};
+            const QString wrong =
+                difference(fillMask(*doc, x, y, options), simpleFill(*source, x, y, options), doc->grid());
+            QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(seed).arg(wrong)));
+        }
+    }
+
+    void aWindingCorridorIsFollowedToItsEnd() {
+        // One corridor of half a million pixels: walls every other row, open at alternate ends.
+        PaintDocument doc(1000, 1000, 72, std::nullopt);
+        for (int64_t y = 1; y < 1000; y += 2) {
+            paintRect(doc, doc.activeLayer(), {y % 4 == 1 ? 0 : 1, y, 999, 1}, {0, 0, 0, 255});
+        }
+        const auto flood = fillMask(doc, 0, 0, only(0));
+        QCOMPARE(countOf(*flood), 500 * 1000 + 500);
+        QCOMPARE(flood->mask.value(500, 998), uint8_t{255});
+        QCOMPARE(flood->mask.value(500, 997), uint8_t{0});
+    }
+
+    void eachChannelHasTheToleranceToItself_data() {
+        QTest::addColumn<PixelBytes>("pixel");
+        QTest::addColumn<int>("tolerance");
+        QTest::addColumn<bool>("match");
+        constexpr PixelBytes clicked{100, 100, 100, 200};
+        QTest::newRow("equal") << clicked << 0 << true;
+        QTest::newRow("one off, exact") << PixelBytes{100, 101, 100, 200} << 0 << false;
+        QTest::newRow("one off, below 0 is exact") << PixelBytes{100, 101, 100, 200} << -7 << false;
+        QTest::newRow("the limit is inside") << PixelBytes{116, 84, 116, 184} << 16 << true;
+        QTest::newRow("red over it") << PixelBytes{117, 100, 100, 200} << 16 << false;
+        QTest::newRow("green under it") << PixelBytes{100, 83, 100, 200} << 16 << false;
+        QTest::newRow("blue over it") << PixelBytes{100, 100, 117, 200} << 16 << false;
+        QTest::newRow("alpha over it") << PixelBytes{100, 100, 100, 217} << 16 << false;
+        QTest::newRow("nothing is too far") << PixelBytes{0, 0, 0, 0} << 255 << true;
+        QTest::newRow("above 255 is 255") << PixelBytes{0, 0, 0, 0} << 100000 << true;
+        QTest::newRow("transparent is a colour as well") << PixelBytes{0, 0, 0, 0} << 199 << false;
+    }
+    void eachChannelHasTheToleranceToItself() {
+        QFETCH(PixelBytes, pixel);
+        QFETCH(int, tolerance);
+        QFETCH(bool, match);
+        PaintDocument doc(2, 1, 72, std::nullopt);
+        paintRect(doc, doc.activeLayer(), {0, 0, 1, 1}, {100, 100, 100, 200});
+        paintRect(doc, doc.activeLayer(), {1, 0, 1, 1}, pixel);
+        QCOMPARE(fillMask(doc, 0, 0, only(tolerance))->bounds.w, match ? 2 : 1);
+        QCOMPARE(fillMask(doc, 1, 0, only(tolerance))->bounds.w, match ? 2 : 1);
+    }
+
+    void everyPixelIsHeldAgainstTheClickedOne() {
+        PaintDocument doc(300, 1, 72, std::nullopt);
+        for (int64_t x = 0; x < 300; ++x) {
+            const auto shade = static_cast<uint8_t>(x / 2);
+            paintRect(doc, doc.activeLayer(), {x, 0, 1, 1}, {shade, shade, shade, 255});
+        }
+        QCOMPARE(fillMask(doc, 100, 0, only(10))->bounds, (IRect{80, 0, 42, 1}));
+    }
+
+    void diagonalNeighboursDoNotConnect() {
+        PaintDocument doc(520, 520, 72, PaintColor::white());
+        doc.setActiveIndex(0);
+        paintRect(doc, doc.activeLayer(), {200, 200, 56, 56}, {9, 9, 9, 255});
+        paintRect(doc, doc.activeLayer(), {256, 256, 50, 50},
+                  {9, 9, 9, 255}); // across the corner of four tiles
+        QCOMPARE(fillMask(doc, 210, 210, only(0))->bounds, (IRect{200, 200, 56, 56}));
+        QCOMPARE(fillMask(doc, 300, 300, only(0))->bounds, (IRect{256, 256, 50, 50}));
+    }
+
+    void growthGoesAcrossSeamsAndStopsAtTheCanvas_data() {
+        QTest::addColumn<int>("expand");
+        QTest::addColumn<IRect>("bounds");
+        QTest::addColumn<int>("count"); // of a diamond, cut at the left edge
+        QTest::newRow("none") << 0 << IRect{0, 255, 1, 1} << 1;
+        QTest::newRow("below none") << -3 << IRect{0, 255, 1, 1} << 1;
+        QTest::newRow("one") << 1 << IRect{0, 254, 2, 3} << 4;
+        QTest::newRow("four") << 4 << IRect{0, 251, 5, 9} << 25;
+        QTest::newRow("nine is four") << 9 << IRect{0, 251, 5, 9} << 25;
+    }
+    void growthGoesAcrossSeamsAndStopsAtTheCanvas() {
+        QFETCH(int, expand);
+        PaintDocument doc(300, 300, 72, std::nullopt);
+        paintRect(doc, doc.activeLayer(), {0, 255, 1, 1}, {50, 50, 50, 255});
+        const auto flood = fillMask(doc, 0, 255, only(0, expand));
+        QTEST(flood->bounds, "bounds");
+        QTEST(static_cast<int>(countOf(*flood)), "count");
+    }
+
+    void nothingIsFoundOutsideTheCanvas() {
+        PaintDocument doc(300, 200, 72, std::nullopt);
+        for (const auto& [x, y] : {std::pair{-1, 0}, {0, -1}, {300, 0}, {0, 200}}) {
+            QVERIFY(!fillMask(doc, x, y, {}));
+        }
+        QCOMPARE(fillMask(doc, 299, 199, {})->bounds, doc.grid().bounds());
+    }
+
+    void anAbsentTileIsATransparentOne() {
+        PaintDocument doc(700, 300, 72, std::nullopt);
+        doc.activeLayer().writableTile(1); // between two that are absent
+        QCOMPARE(fillMask(doc, 10, 10, only(0))->bounds, doc.grid().bounds());
+    }
+
+    void theFinishedPictureIsWhatIsSeen() {
+        const auto doc = randomDocument(530, 300, 4, 7);
+        const FillOptions options{.tolerance = 90, .contiguous = false, .sampleAllLayers = true, .expand = 0};
+        const QString wrong = difference(fillMask(*doc, 260, 150, options),
+                                         simpleFill(*flattened(*doc), 260, 150, options), doc->grid());
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
+        // The onion skin would show the nearest layer only; the picture has them all.
+        PaintDocument ghosts(300, 200, 72, std::nullopt);
+        paintRect(ghosts, ghosts.activeLayer(), {0, 0, 150, 200}, {255, 0, 0, 255});
+        addLayer(ghosts);
+        addLayer(ghosts);
+        ghosts.onion.enabled = true;
+        const auto flood = fillMask(ghosts, 10, 10, {.sampleAllLayers = true, .expand = 0});
+        QCOMPARE(flood->bounds, (IRect{0, 0, 150, 200}));
+    }
+};
+
+QIRN_TEST(tst_FloodMask)
+#include "tst_FloodMask.moc"

@@ -1,0 +1,175 @@
+#include "PaintReference.h"
+#include "operations/Gradient.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+/// The whole gradient over a plain buffer, pixel by pixel.
+void simpleGradient(RGBABuffer& buffer, const Selection* selection, bool locked, const QPointF& from,
+                    const QPointF& to, GradientKind kind, const PaintColor& start, const PaintColor& end,
+                    double opacity) {
+    const double dx = to.x() - from.x(), dy = to.y() - from.y();
+    const double len2 = std::max(dx * dx + dy * dy, 1e-9);
+    const double startRgb[] = {start.r, start.g, start.b}, endRgb[] = {end.r, end.g, end.b};
+    for (int64_t y = 0; y < buffer.height(); ++y) {
+        for (int64_t x = 0; x < buffer.width(); ++x) {
+            const float s = selection ? selection->value(x, y) / 255.0f : 1;
+            const double u = x + 0.5 - from.x(), v = y + 0.5 - from.y();
+            double t = kind == GradientKind::radial ? std::sqrt(u * u + v * v) / std::sqrt(len2)
+                                                    : (dx * u + dy * v) / len2;
+            if (kind == GradientKind::reflected) t = std::abs(t);
+            t = std::clamp(t, 0.0, 1.0);
+            const double a = start.a + (end.a - start.a) * t;
+            if (s == 0 || a <= 0) continue;
+            std::array<float, 3> color;
+            for (std::size_t c = 0; c < 3; ++c) {
+                const double first = startRgb[c] * start.a;
+                color[c] = static_cast<float>((first + (endRgb[c] * end.a - first) * t) / a);
+            }
+            layOnPixel(buffer.row(y) + x * 4, color, s * static_cast<float>(a * opacity), locked);
+        }
+    }
+}
+
+std::unique_ptr<PaintDocument> emptyPicture(int64_t width, int64_t height) {
+    return std::make_unique<PaintDocument>(width, height, 72, std::nullopt);
+}
+
+uint8_t redAt(const PaintDocument& doc, int64_t x, int64_t y) {
+    return doc.activeLayer().pixel(x, y)[0];
+}
+
+constexpr auto linear = GradientKind::linear, radial = GradientKind::radial,
+               reflected = GradientKind::reflected;
+
+} // namespace
+
+class tst_Gradient : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyPixelFollowsTheRules_data() {
+        QTest::addColumn<GradientKind>("kind");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<bool>("locked");
+        QTest::addColumn<double>("endAlpha");
+        QTest::addColumn<double>("opacity");
+        for (const GradientKindRow& row : kGradientKinds) {
+            for (int i = 0; i < 8; ++i) {
+                QTest::addRow("%s %d", row.id, i) << row.kind << (i % 2 == 1) << (i / 2 % 2 == 1)
+                                                  << (i / 4 == 1 ? 0.0 : 1.0) << (i % 3 == 0 ? 1.0 : 0.43);
+            }
+        }
+    }
+    void everyPixelFollowsTheRules() {
+        QFETCH(GradientKind, kind);
+        QFETCH(bool, selected);
+        QFETCH(bool, locked);
+        QFETCH(double, endAlpha);
+        QFETCH(double, opacity);
+        constexpr int64_t w = 600, h = 300;
+        const auto doc = emptyPicture(w, h);
+        doc->activeLayer().load(*noise(w, h, 11));
+        doc->activeLayer().alphaLocked = locked;
+        if (selected) doc->selection = patchySelection(w, h, 2);
+        const PaintColor start(0.95, 0.2, 0.61, 0.9), end(0.1, 0.75, 0.3, endAlpha);
+        const QPointF from(120.3, 250), to(390, 71.75);
+        const auto wanted = doc->activeLayer().toBuffer();
+        simpleGradient(*wanted, doc->selection.get(), locked, from, to, kind, start, end, opacity);
+        doc->takeDirtyTiles();
+        QCOMPARE(gradientFill(*doc, from, to, kind, start, end, opacity),
+                 selected ? doc->selection->bounds() : doc->grid().bounds());
+        QCOMPARE(doc->takeDirtyTiles().size(), std::size_t{6});
+        QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *wanted), QString());
+    }
+
+    void bytesRiseSteadilyAlongTheDrag() {
+        const auto doc = emptyPicture(510, 2);
+        gradientFill(*doc, {0, 0}, {510, 0}, linear, PaintColor::black(), PaintColor::white(), 1);
+        // The centre of pixel x is at (x + 0.5) / 510 of the way: two pixels to a step.
+        for (int64_t x = 0; x < 510; ++x)
+            QCOMPARE(redAt(*doc, x, 1), static_cast<uint8_t>((x + 0.5) / 2 + 0.5));
+        gradientFill(*doc, {100, 0}, {200, 0}, linear, PaintColor::black(), PaintColor::white(), 1);
+        QCOMPARE(redAt(*doc, 0, 0), uint8_t{0});
+        QCOMPARE(redAt(*doc, 509, 0), uint8_t{255});
+    }
+
+    void reflectionIsTheSameOnBothSides() {
+        const auto doc = emptyPicture(600, 3);
+        gradientFill(*doc, {300, 1}, {500, 1}, reflected, PaintColor::black(), PaintColor::white(), 1);
+        for (int64_t d = 0; d < 300; ++d) QCOMPARE(redAt(*doc, 300 + d, 2), redAt(*doc, 299 - d, 2));
+        QCOMPARE(redAt(*doc, 400, 0), uint8_t{128}); // 100.5 / 200
+    }
+
+    void coloursAreMixedPremultiplied() {
+        // Opaque red to transparent blue: no blue ever comes up, red only fades.
+        const auto doc = emptyPicture(300, 1);
+        gradientFill(*doc, {0, 0}, {300, 0}, linear, {1, 0, 0, 1}, {0, 0, 1, 0}, 1);
+        for (int64_t x = 0; x < 300; ++x) {
+            const PixelBytes pixel = doc->activeLayer().pixel(x, 0);
+            QCOMPARE(pixel, (PixelBytes{pixel[3], 0, 0, pixel[3]}));
+        }
+        QCOMPARE(doc->activeLayer().pixel(150, 0)[3], uint8_t{127}); // 1 - 150.5 / 300 of 255 is 127.08
+    }
+
+    void aDragOfNoLength() {
+        for (const auto& [from, centre] : {std::pair{QPointF(60, 40), 255}, {QPointF(60.5, 40.5), 0}}) {
+            const auto doc = emptyPicture(100, 80);
+            for (GradientKind kind : {linear, reflected}) {
+                fillWith(*doc, {9, 9, 9, 255});
+                gradientFill(*doc, from, from, kind, PaintColor::black(), PaintColor::white(), 1);
+                QVERIFY(redAt(*doc, 0, 0) == 0 && redAt(*doc, 60, 40) == 0 && redAt(*doc, 99, 79) == 0);
+            }
+            gradientFill(*doc, from, from, radial, PaintColor::black(), PaintColor::white(), 1);
+            QCOMPARE(redAt(*doc, 59, 40), uint8_t{255});
+            QCOMPARE(int(redAt(*doc, 60, 40)), centre); // the start shows where it is a pixel's centre
+        }
+    }
+
+    void theSmallestAndTheLongestCanvas() {
+        const auto dot = emptyPicture(1, 1);
+        QCOMPARE(gradientFill(*dot, {0, 0}, {1, 0}, linear, PaintColor::black(), PaintColor::white(), 1),
+                 (IRect{0, 0, 1, 1}));
+        QCOMPARE(dot->activeLayer().pixel(0, 0), (PixelBytes{128, 128, 128, 255}));
+        const auto line = emptyPicture(30000, 1);
+        gradientFill(*line, {0, 0}, {30000, 0}, linear, PaintColor::black(), PaintColor::white(), 1);
+        QCOMPARE(redAt(*line, 15000, 0), uint8_t{128});
+        QCOMPARE(redAt(*line, 29999, 0), uint8_t{255});
+    }
+
+    void noAlphaNoPaint() {
+        const auto doc = emptyPicture(300, 300);
+        doc->activeLayer().load(*noise(300, 300, 4));
+        const auto before = doc->activeLayer().toBuffer();
+        gradientFill(*doc, {0, 0}, {300, 0}, radial, {1, 0, 0, 0}, {0, 1, 0, 0}, 1);
+        gradientFill(*doc, {0, 0}, {300, 0}, linear, {1, 0, 0, 1e-300}, {0, 1, 0, 0}, 1);
+        gradientFill(*doc, {0, 0}, {300, 0}, reflected, {1, 0, 0, 1}, {0, 1, 0, 1}, 0);
+        QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
+    }
+
+    void lockedLayersAreLeftAlone() {
+        const auto doc = emptyPicture(300, 300);
+        doc->activeLayer().isLocked = true;
+        QCOMPARE(gradientFill(*doc, {0, 0}, {9, 9}, linear, PaintColor::black(), PaintColor::white(), 1),
+                 IRect());
+        QVERIFY(doc->activeLayer().isEmpty() && doc->takeDirtyTiles().empty());
+        doc->activeLayer().isLocked = false;
+        doc->activeLayer().alphaLocked = true;
+        gradientFill(*doc, {0, 0}, {9, 9}, linear, PaintColor::black(), PaintColor::white(), 1);
+        QVERIFY(doc->activeLayer().tiles().holdsNothing()); // nothing there to keep the alpha of
+    }
+
+private:
+    static void fillWith(PaintDocument& doc, const PixelBytes& pixel) {
+        paintRect(doc, doc.activeLayer(), doc.grid().bounds(), pixel);
+    }
+};
+
+QIRN_TEST(tst_Gradient)
+#include "tst_Gradient.moc"
