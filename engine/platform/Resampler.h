@@ -11,14 +11,6 @@
 
 namespace qirn {
 
-/// Premultiplied RGBA pixels that are only read; they are borrowed.
-struct PixelView {
-    const uint8_t* pixels;
-    int64_t width;
-    int64_t height;
-    int64_t rowBytes;
-};
-
 /// Draws a picture under an affine transform, as if it lay on a transparent plane without end.
 ///
 /// Whole-pixel moves, quarter turns and mirrors copy the bytes. Everything else is filtered (see ScaleWeights)
@@ -44,15 +36,14 @@ public:
 private:
     void reduceSource();
     void copyTo(const TargetBlock& block) const;
-    void turnTo(const TargetBlock& block) const;
 
     PixelView source_;
     std::optional<PixelMap> map_;
     QTransform toSource_; // from target coordinates
     QRectF reach_;
     bool isStraight_ = false; // neither turned nor sheared
-    double widthX_ = 1;       // of the filter, in pixels of the source that is read, at least 1
-    double widthY_ = 1;
+    double filterX_ = 1;      // how far the filter is widened along the axes of the source
+    double filterY_ = 1;
     std::vector<uint8_t> reduced_; // what source_ shows where a turned picture shrinks much
 };
 

@@ -1,11 +1,18 @@
 #pragma once
 #include "platform/ScaleWeights.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <functional>
 
 namespace qirn {
+
+/// Premultiplied RGBA pixels that are only read; they are borrowed.
+struct PixelView {
+    const uint8_t* pixels;
+    int64_t width;
+    int64_t height;
+    int64_t rowBytes;
+};
 
 /// Where `count` pixels of a source row lie, from (x, y) on; `scratch` has room for them and may be filled and
 /// returned. Null when all are transparent.
@@ -26,16 +33,9 @@ struct TargetBlock {
 void scaleBlock(const SourceRows& rows, const ScaleWeights& across, const ScaleWeights& down,
                 const TargetBlock& block);
 
-/// A filtered pixel, on a scale of 0 to 255, as bytes. The filter overshoots at edges: where alpha passes 255 the
-/// colour is taken back with it, so that an opaque edge becomes neither lighter nor darker than its inside.
-inline void storeFiltered(const float* sum, uint8_t* out) {
-    const float alpha = sum[3];
-    const float back = alpha > 255 ? 255 / alpha : 1;
-    const float top = std::clamp(alpha, 0.0f, 255.0f);
-    for (int c = 0; c < 3; ++c) {
-        out[c] = static_cast<uint8_t>(static_cast<int>(std::clamp(sum[c] * back, 0.0f, top) + 0.5f));
-    }
-    out[3] = static_cast<uint8_t>(static_cast<int>(top + 0.5f));
-}
+/// Writes filtered pixels, on a scale of 0 to 255, as bytes; `sums` is used up. The filter overshoots at edges:
+/// where alpha passes 255 the colour is taken back with it, so that an opaque edge becomes neither lighter nor
+/// darker than its inside, and no colour is above its alpha.
+void storeFiltered(float* sums, int64_t count, uint8_t* out);
 
 } // namespace qirn
