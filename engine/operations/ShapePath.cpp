@@ -64,7 +64,9 @@ QPainterPath outlineOf(const QPainterPath& path, double lineWidth) {
     stroker.setWidth(lineWidth);
     stroker.setJoinStyle(Qt::RoundJoin);
     stroker.setCapStyle(Qt::RoundCap);
-    stroker.setCurveThreshold(1.0 / 32);
+    // The outline of a curve is made of curves that are split until they are this close: the default of a quarter of
+    // a pixel shows.
+    stroker.setCurveThreshold(1.0 / 2048);
     return stroker.createStroke(path);
 }
 
