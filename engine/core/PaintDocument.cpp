@@ -67,10 +67,10 @@ void PaintDocument::replaceLayers(std::vector<LayerRef> layers, int64_t active) 
 }
 
 void PaintDocument::replaceCanvas(const TileGrid& grid, std::vector<LayerRef> layers, int64_t active) {
-    const bool changed = !(grid == grid_);
     grid_ = grid;
     replaceLayers(std::move(layers), active);
-    if (changed && onGridChange) onGridChange();
+    if (onGridChange) onGridChange();
+    markAllDirty(); // whatever the listener took
 }
 
 void PaintDocument::fillLayer(Layer& layer, const PaintColor& color) {

@@ -37,7 +37,7 @@ public:
     double dpi = 72;                            ///< A label for print; it scales nothing.
     OnionSkin onion;                            ///< A view setting: kept in files, not in undo states.
     std::shared_ptr<const Selection> selection; ///< Null: everything is selected.
-    std::function<void()> onGridChange;         ///< Called after the canvas size changed.
+    std::function<void()> onGridChange;         ///< Called after the canvas got another size or shape.
 
     // The stack; index 0 is the bottom.
     const TileGrid& grid() const { return grid_; }
@@ -52,7 +52,7 @@ public:
     void insertLayer(LayerRef layer, int64_t at);
     /// Puts another stack in place of this one; `layers` is not empty and all of this grid.
     void replaceLayers(std::vector<LayerRef> layers, int64_t active);
-    /// As above for another canvas size, telling `onGridChange`.
+    /// As above for a reshaped canvas, telling `onGridChange`.
     void replaceCanvas(const TileGrid& grid, std::vector<LayerRef> layers, int64_t active);
     /// Fills every tile of a layer of this grid, also beyond the canvas edge, and marks everything dirty.
     void fillLayer(Layer& layer, const PaintColor& color);

@@ -1,0 +1,64 @@
+#include "operations/RedrawTiles.h"
+#include "operations/TileJobs.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+namespace qirn {
+
+namespace {
+
+IRect mapped(const PixelMap& map, const IRect& rect) {
+    const int64_t x = map.sourceX(rect.x, rect.y), y = map.sourceY(rect.x, rect.y);
+    const int64_t farX = map.sourceX(rect.maxX() - 1, rect.maxY() - 1);
+    const int64_t farY = map.sourceY(rect.maxX() - 1, rect.maxY() - 1);
+    return {std::min(x, farX), std::min(y, farY), std::abs(farX - x) + 1, std::abs(farY - y) + 1};
+}
+
+} // namespace
+
+void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
+    const TileGrid &old = from.grid(), &grid = to.grid();
+    const PixelMap back = map.inverse();
+    const bool tilesOnTiles = map.isMove() && map.x0 % kTileSize == 0 && map.y0 % kTileSize == 0;
+    // Where the pixels come from within up to four tiles, and where they go within the new one.
+    using Key = std::tuple<std::array<const Tile*, 4>, std::array<int64_t, 6>>;
+    TileJobs<Key> jobs;
+    for (int64_t slot : grid.tilesIn(mapped(back, old.bounds()))) {
+        const IRect part = grid.rectOf(slot);
+        const IRect source = mapped(map, part).intersection(old.bounds());
+        const std::vector<int64_t> tiles = old.tilesIn(source);
+        std::array<const Tile*, 4> held{};
+        for (std::size_t i = 0; i < tiles.size(); ++i) held[i] = from.tile(tiles[i]);
+        if (std::all_of(held.begin(), held.end(), [](const Tile* tile) { return !tile; })) continue;
+        if (tilesOnTiles && source.w == kTileSize && source.h == kTileSize) {
+            const TileRef tile = from.tiles().share(tiles[0]);
+            if (tile->isEmpty()) continue;
+            tile->freeze();
+            to.setTile(slot, tile);
+            continue;
+        }
+        const IRect target = mapped(back, source);
+        jobs.add({held,
+                  {source.x % kTileSize, source.y % kTileSize, source.w, source.h, target.x % kTileSize,
+                   target.y % kTileSize}},
+                 slot);
+    }
+    jobs.run(to, [&](const TileJob& job, uint8_t* pixels) {
+        const IRect slot = grid.rectOf(job.first);
+        for (int64_t index : old.tilesIn(mapped(map, slot))) {
+            const Tile* tile = from.tile(index);
+            if (!tile) continue;
+            const IRect place = old.rectOf(index);
+            const IRect target = mapped(back, place).intersection(slot);
+            const int64_t sx = map.sourceX(target.x, target.y) - place.x;
+            const int64_t sy = map.sourceY(target.x, target.y) - place.y;
+            map.copy(tile->pixels() + sy * kTileRowBytes + sx * 4, kTileRowBytes,
+                     pixels + (target.y - slot.y) * kTileRowBytes + (target.x - slot.x) * 4, kTileRowBytes,
+                     target.w, target.h);
+        }
+    });
+}
+
+} // namespace qirn

@@ -1,0 +1,132 @@
+#include "operations/RedrawTiles.h"
+#include "operations/TileJobs.h"
+#include "platform/Parallel.h"
+#include "platform/ScaleBlock.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <tuple>
+#include <unordered_map>
+
+namespace qirn {
+
+namespace {
+
+constexpr int64_t kBandRows = 64; // of a tile, made by one thread
+
+/// Rows of a layer for the scaler: straight from a tile, or put together from several.
+SourceRows rowsOf(const Layer& layer) {
+    return [&layer](int64_t x, int64_t y, int64_t count, uint8_t* scratch) -> const uint8_t* {
+        const int64_t firstTile = y / kTileSize * layer.grid().cols;
+        const int64_t row = y % kTileSize * kTileRowBytes;
+        if (x / kTileSize == (x + count - 1) / kTileSize) {
+            const Tile* tile = layer.tile(firstTile + x / kTileSize);
+            return tile ? tile->pixels() + row + x % kTileSize * 4 : nullptr;
+        }
+        bool empty = true;
+        for (int64_t at = x; at < x + count;) {
+            const int64_t end = std::min((at / kTileSize + 1) * kTileSize, x + count);
+            const auto bytes = static_cast<std::size_t>(end - at) * 4;
+            uint8_t* out = scratch + (at - x) * 4;
+            if (const Tile* tile = layer.tile(firstTile + at / kTileSize)) {
+                std::memcpy(out, tile->pixels() + row + at % kTileSize * 4, bytes);
+                empty = false;
+            } else {
+                std::memset(out, 0, bytes);
+            }
+            at = end;
+        }
+        return empty ? nullptr : scratch;
+    };
+}
+
+ScaleWeights weightsBetween(int64_t oldLength, int64_t newLength) {
+    const double step = static_cast<double>(oldLength) / static_cast<double>(newLength);
+    return {oldLength, step, 0, 0, newLength, Edges::extended};
+}
+
+/// What lies under each column or row of tiles of the new grid.
+std::vector<ScaleWeights::Span> reaches(const ScaleWeights& weights, int64_t length) {
+    std::vector<ScaleWeights::Span> spans;
+    for (int64_t at = 0; at < length; at += kTileSize) {
+        spans.push_back(weights.reachOf(at, std::min<int64_t>(kTileSize, length - at)));
+    }
+    return spans;
+}
+
+/// Tells tiles of one colour, looking at each once.
+class OneColorTiles {
+public:
+    std::optional<PixelBytes> colorOf(const Tile& tile) {
+        const auto [place, isNew] = known_.try_emplace(&tile);
+        const uint8_t* pixels = tile.pixels();
+        if (isNew && std::memcmp(pixels, pixels + 4, kTileBytes - 4) == 0)
+            place->second = PixelBytes{pixels[0], pixels[1], pixels[2], pixels[3]};
+        return place->second;
+    }
+
+private:
+    std::unordered_map<const Tile*, std::optional<PixelBytes>> known_;
+};
+
+struct Under {
+    bool any = false;                ///< Some tile is there.
+    std::optional<PixelBytes> color; ///< All are there and have this one.
+};
+
+Under lookUnder(const Layer& layer, const IRect& rect, OneColorTiles& oneColor) {
+    Under under;
+    bool alike = true;
+    for (int64_t index : layer.grid().tilesIn(rect)) {
+        const Tile* tile = layer.tile(index);
+        const auto color = tile && alike ? oneColor.colorOf(*tile) : std::nullopt;
+        alike = alike && color && (!under.any || color == under.color);
+        under.any = under.any || tile;
+        under.color = alike ? color : std::nullopt;
+    }
+    return under;
+}
+
+void fill(uint8_t* pixels, const IRect& part, const PixelBytes& color) {
+    for (int64_t y = 0; y < part.h; ++y) {
+        for (int64_t x = 0; x < part.w; ++x) std::memcpy(pixels + y * kTileRowBytes + x * 4, color.data(), 4);
+    }
+}
+
+} // namespace
+
+void scaleTiles(Layer& from, Layer& to) {
+    const TileGrid &old = from.grid(), &grid = to.grid();
+    const ScaleWeights across = weightsBetween(old.width, grid.width);
+    const ScaleWeights down = weightsBetween(old.height, grid.height);
+    const auto columns = reaches(across, grid.width), rows = reaches(down, grid.height);
+    OneColorTiles oneColor;
+    // A tile over a single colour depends on that and its part of the canvas, any other on its slot.
+    using Key = std::tuple<std::optional<PixelBytes>, int64_t, int64_t, int64_t>;
+    TileJobs<Key> jobs;
+    std::unordered_map<int64_t, PixelBytes> colors; // of the slots that have one
+    for (int64_t slot = 0; slot < grid.count(); ++slot) {
+        const auto& span = columns[static_cast<std::size_t>(slot % grid.cols)];
+        const auto& lines = rows[static_cast<std::size_t>(slot / grid.cols)];
+        const Under under = lookUnder(from, {span.first, lines.first, span.count, lines.count}, oneColor);
+        if (!under.any) continue;
+        const IRect part = grid.rectOf(slot);
+        if (under.color) colors.emplace(slot, *under.color);
+        jobs.add({under.color, under.color ? -1 : slot, part.w, part.h}, slot);
+    }
+    const SourceRows source = rowsOf(from);
+    jobs.run(to, [&](const TileJob& job, uint8_t* pixels) {
+        const IRect part = grid.rectOf(job.first);
+        if (const auto color = colors.find(job.first); color != colors.end())
+            return fill(pixels, part, color->second);
+        concurrentPerform((part.h + kBandRows - 1) / kBandRows, [&](int64_t band) {
+            const int64_t top = band * kBandRows;
+            scaleBlock(source, across, down,
+                       {part.x, part.y + top, part.w, std::min(kBandRows, part.h - top),
+                        pixels + top * kTileRowBytes, kTileRowBytes});
+        });
+    });
+}
+
+} // namespace qirn

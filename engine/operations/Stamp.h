@@ -1,0 +1,25 @@
+#pragma once
+#include "core/PaintDocument.h"
+#include "core/RGBABuffer.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace qirn {
+
+/// A buffer with its place on the canvas; both are of one size.
+struct PlacedPixels {
+    std::shared_ptr<RGBABuffer> buffer;
+    IRect rect;
+};
+
+enum class UseSelection { no, yes };
+
+/// Lays a buffer (premultiplied, source-over) on a layer with its top left pixel at (x, y): the one way in which
+/// shapes, text and pasted pixels reach a layer. Alpha lock is kept; no tile comes into being where nothing lands.
+/// Returns the part of the canvas under the buffer, marked dirty; the zero rectangle when there is none. Commits
+/// nothing.
+IRect stamp(PaintDocument& doc, const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, double opacity,
+            UseSelection useSelection);
+
+} // namespace qirn

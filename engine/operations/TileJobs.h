@@ -1,0 +1,48 @@
+#pragma once
+#include "core/Layer.h"
+#include "platform/Parallel.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace qirn {
+
+/// A tile to be made, and all slots of the new grid that show it.
+struct TileJob {
+    int64_t first; // its first slot, for which it is made
+    std::vector<int64_t> slots;
+    TileRef made;
+};
+
+/// Tiles to be made for a layer, each once for all slots whose bytes depend on the same things: the key.
+template <class Key> class TileJobs {
+public:
+    void add(const Key& key, int64_t slot) {
+        const auto [place, isNew] = byKey_.try_emplace(key, jobs_.size());
+        if (isNew) jobs_.push_back({slot, {}, nullptr});
+        jobs_[place->second].slots.push_back(slot);
+    }
+
+    /// Runs `draw(job, pixels)` for all in parallel and puts what has alpha into the layer.
+    template <class Draw> void run(Layer& to, Draw draw) {
+        concurrentPerform(static_cast<int64_t>(jobs_.size()), [&](int64_t i) {
+            TileJob& job = jobs_[static_cast<std::size_t>(i)];
+            auto tile = std::make_shared<Tile>();
+            draw(job, tile->writablePixels());
+            if (!tile->isEmpty()) job.made = std::move(tile);
+        });
+        for (TileJob& job : jobs_) {
+            if (!job.made) continue;
+            if (job.slots.size() > 1) job.made->freeze();
+            for (int64_t slot : job.slots) to.setTile(slot, job.made);
+        }
+    }
+
+private:
+    std::map<Key, std::size_t> byKey_;
+    std::vector<TileJob> jobs_;
+};
+
+} // namespace qirn

@@ -1,0 +1,358 @@
+#include "compositing/CompositeInputs.h"
+#include "core/SeededRandom.h"
+#include "operations/Floating.h"
+#include "operations/Selection.h"
+#include "platform/Resampler.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+constexpr int64_t kWidth = 530, kHeight = 300; // 3 x 2 tiles
+
+std::unique_ptr<PaintDocument> documentOf(const RGBABuffer& pixels) {
+    auto doc = std::make_unique<PaintDocument>(pixels.width(), pixels.height(), 72, std::nullopt);
+    doc->activeLayer().load(pixels);
+    doc->commit("Paint");
+    doc->takeDirtyTiles();
+    return doc;
+}
+
+/// A soft mask inside a rectangle: 0, 255 and everything between occur.
+SelectionRef softSelection(int64_t width, int64_t height, const IRect& rect, uint64_t seed) {
+    SeededRandom random(seed);
+    std::vector<uint8_t> mask(static_cast<std::size_t>(width * height));
+    for (int64_t y = rect.y; y < rect.maxY(); ++y) {
+        for (int64_t x = rect.x; x < rect.maxX(); ++x) {
+            const uint64_t draw = random.next();
+            mask[static_cast<std::size_t>(y * width + x)] = draw % 4 == 0   ? 0
+                                                            : draw % 4 == 1 ? 255
+                                                                            : static_cast<uint8_t>(draw >> 8);
+        }
+    }
+    return Selection::fromMask(mask, width, height);
+}
+
+int tileCount(const Layer& layer) {
+    int count = 0;
+    layer.tiles().forEachTile([&](int64_t, const Tile&) { ++count; });
+    return count;
+}
+
+std::shared_ptr<RGBABuffer> filled(int64_t w, int64_t h, const PixelBytes& pixel) {
+    auto buffer = std::make_shared<RGBABuffer>(w, h);
+    for (int64_t i = 0; i < w * h; ++i) std::copy(pixel.begin(), pixel.end(), buffer->data() + i * 4);
+    return buffer;
+}
+
+/// What a stamp makes of one pixel, in the order of operations that files and machines agree on.
+PixelBytes stamped(const PixelBytes& old, const PixelBytes& source, float m, bool alphaLocked) {
+    if (source[3] == 0 || m == 0 || (alphaLocked && old[3] == 0)) return old;
+    const auto byte = [](float v) {
+        return static_cast<uint8_t>(std::clamp(v * 255.0f + 0.5f, 0.0f, 255.0f));
+    };
+    const float s = m * source[3] / 255.0f, d = old[3] / 255.0f;
+    PixelBytes out = old;
+    for (std::size_t c = 0; c < 4; ++c) {
+        const float v = old[c] / 255.0f;
+        if (!alphaLocked) out[c] = byte(m * source[c] / 255.0f + (1 - s) * v);
+        if (alphaLocked && c < 3) out[c] = byte(v + s * (d * source[c] / source[3] - v));
+    }
+    return out;
+}
+
+} // namespace
+
+class tst_Floating : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void stampsFollowTheArithmetic_data() {
+        QTest::addColumn<double>("opacity");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<bool>("alphaLocked");
+        for (double opacity : {1.0, 0.37, 0.0}) {
+            for (bool selected : {false, true}) {
+                for (bool locked : {false, true})
+                    QTest::addRow("%g%s%s", opacity, selected ? " selected" : "", locked ? " locked" : "")
+                        << opacity << selected << locked;
+            }
+        }
+    }
+    void stampsFollowTheArithmetic() {
+        QFETCH(double, opacity);
+        QFETCH(bool, selected);
+        QFETCH(bool, alphaLocked);
+        const auto before = noise(kWidth, kHeight, 1), buffer = noise(300, 280, 2);
+        const auto doc = documentOf(*before);
+        doc->selection = softSelection(kWidth, kHeight, {100, 0, 300, 290}, 3);
+        doc->activeLayer().alphaLocked = alphaLocked;
+        const IRect rect = stamp(*doc, *buffer, 200, -10, doc->activeLayer(), opacity,
+                                 selected ? UseSelection::yes : UseSelection::no);
+        QCOMPARE(rect, (IRect{200, 0, 300, 270}));
+        QCOMPARE(doc->takeDirtyTiles(), (std::vector<int64_t>{0, 1, 3, 4}));
+        for (int64_t y = 0; y < kHeight; ++y) {
+            for (int64_t x = 0; x < kWidth; ++x) {
+                float m = static_cast<float>(opacity);
+                if (selected) m = doc->selection->value(x, y) / 255.0f * m;
+                QCOMPARE(text(doc->activeLayer().pixel(x, y)),
+                         text(stamped(before->pixel(x, y), buffer->pixel(x - 200, y + 10), m, alphaLocked)));
+            }
+        }
+        doc->undo(); // to the empty picture, and forth
+        doc->redo();
+        QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
+    }
+
+    void aStampMakesNoTileWhereNothingLands() {
+        PaintDocument doc(kWidth, kHeight, 72, {});
+        Layer& layer = doc.activeLayer();
+        const auto white = filled(kWidth, kHeight, {255, 255, 255, 255});
+        QCOMPARE(stamp(doc, *white, 0, 0, layer, 0, UseSelection::no), doc.grid().bounds());
+        QCOMPARE(stamp(doc, *white, 0, 0, layer, std::nan(""), UseSelection::no), doc.grid().bounds());
+        QCOMPARE(tileCount(layer), 0);
+        RGBABuffer dot(kWidth, kHeight);
+        dot.row(280)[300 * 4 + 3] = 1; // in tile 4
+        stamp(doc, dot, 0, 0, layer, 1, UseSelection::no);
+        QCOMPARE(tileCount(layer), 1);
+        QVERIFY(layer.tile(4));
+        doc.takeDirtyTiles();
+        for (const auto& [x, y] :
+             {std::pair<int64_t, int64_t>{kWidth, 0}, {0, -kHeight}, {-(int64_t{1} << 60), 5}})
+            QCOMPARE(stamp(doc, *white, x, y, layer, 1, UseSelection::no), IRect{});
+        QVERIFY(doc.takeDirtyTiles().empty());
+        doc.selection = softSelection(kWidth, kHeight, {0, 0, 10, 10}, 1);
+        stamp(doc, *white, 0, 0, layer, 1, UseSelection::yes);
+        QCOMPARE(tileCount(layer), 2);
+    }
+
+    void theHalvesOfALiftAddUp() {
+        const auto before = noise(kWidth, kHeight, 5);
+        const auto doc = documentOf(*before);
+        doc->selection = softSelection(kWidth, kHeight, {200, 100, 300, 190}, 6);
+        const auto floating = liftFloating(*doc);
+        QCOMPARE(floating->origin, doc->selection->bounds());
+        QCOMPARE(floating->layerID, doc->activeLayer().id);
+        QVERIFY(doc->selection);
+        for (int64_t y = 0; y < kHeight; ++y) {
+            for (int64_t x = 0; x < kWidth; ++x) {
+                const PixelBytes old = before->pixel(x, y), kept = doc->activeLayer().pixel(x, y);
+                const PixelBytes lifted =
+                    floating->buffer->pixel(x - floating->origin.x, y - floating->origin.y);
+                const int c = doc->selection->value(x, y);
+                for (std::size_t i = 0; i < 4; ++i) {
+                    QCOMPARE(int(lifted[i]), (c * old[i] + 127) / 255);
+                    QCOMPARE(lifted[i] + kept[i], int(old[i]));
+                }
+            }
+        }
+        const uint64_t changed = doc->fingerprint();
+        doc->commit("Lift");
+        doc->undo();
+        QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
+        doc->redo();
+        QCOMPARE(doc->fingerprint(), changed);
+    }
+
+    void aLiftWithoutASelectionTakesAllAndNoMore() {
+        PaintDocument doc(kWidth, kHeight, 72, {});
+        QVERIFY(!liftFloating(doc)); // nothing there
+        doc.activeLayer().writableTile(0);
+        QVERIFY(!liftFloating(doc));
+        paintRect(doc, doc.activeLayer(), {250, 200, 20, 90}, {1, 2, 3, 4});
+        doc.activeLayer().isLocked = true;
+        const uint64_t before = doc.fingerprint();
+        QVERIFY(!liftFloating(doc));
+        QCOMPARE(doc.fingerprint(), before);
+        doc.activeLayer().isLocked = false;
+        doc.takeDirtyTiles();
+        const auto floating = liftFloating(doc);
+        QCOMPARE(floating->origin, (IRect{250, 200, 20, 90}));
+        QCOMPARE(floating->buffer->pixel(19, 89), (PixelBytes{1, 2, 3, 4}));
+        QVERIFY(doc.activeLayer().isEmpty());
+        QCOMPARE(doc.takeDirtyTiles(), (std::vector<int64_t>{0, 1, 3, 4}));
+    }
+
+    void aLiftOfNothingUnderASelectionMakesNoTile() {
+        PaintDocument doc(kWidth, kHeight, 72, {});
+        doc.selection = softSelection(kWidth, kHeight, {240, 10, 30, 20}, 1);
+        const auto floating = liftFloating(doc);
+        QVERIFY(floating);
+        QCOMPARE(floating->origin, doc.selection->bounds());
+        QCOMPARE(tileCount(doc.activeLayer()), 0);
+        // Tiles inside the box of which no pixel is selected stay shared with the history.
+        doc.activeLayer().load(*noise(kWidth, kHeight, 2));
+        doc.commit("Paint");
+        std::vector<uint8_t> corners(static_cast<std::size_t>(kWidth * kHeight));
+        corners.front() = corners.back() = 200;
+        doc.selection = Selection::fromMask(corners, kWidth, kHeight);
+        liftFloating(doc);
+        int shared = 0;
+        for (int64_t i = 0; i < 6; ++i)
+            shared += doc.activeLayer().tile(i) == doc.history().back().state.layers[0].tiles.at(i);
+        QCOMPARE(shared, 4);
+    }
+
+    void movingByWholePixelsLosesNothing() {
+        const auto before = noise(kWidth, kHeight, 8);
+        const auto doc = documentOf(*before);
+        QPainterPath path;
+        path.addRect(200, 190, 80, 90);
+        doc->selection = Selection::make(path, SelectionOp::replace, {}, kWidth, kHeight, Antialias::no);
+        const auto floating = liftFloating(*doc);
+        // It lands on noise: only there is it mixed.
+        doc->activeLayer().removeAllTiles();
+        const IRect rect = placeFloating(*doc, *floating, QTransform::fromTranslate(300, 240));
+        QCOMPARE(rect, (IRect{300, 240, 80, 60}));
+        for (int64_t y = 0; y < kHeight; ++y) {
+            for (int64_t x = 0; x < kWidth; ++x) {
+                const bool landed = rect.contains(x, y);
+                QCOMPARE(doc->activeLayer().pixel(x, y),
+                         landed ? before->pixel(x - 100, y - 50) : PixelBytes{});
+            }
+        }
+        doc->commit("Transform");
+        doc->undo();
+        QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
+    }
+
+    void puttingBackIsSourceOver() {
+        const auto doc = documentOf(*filled(3, 2, {255, 255, 255, 255}));
+        doc->selection = Selection::fromMask(std::vector<uint8_t>(6, 128), 3, 2);
+        const auto floating = liftFloating(*doc);
+        placeFloating(*doc, *floating, QTransform());
+        QCOMPARE(doc->activeLayer().pixel(2, 1), (PixelBytes{191, 191, 191, 191}));
+        doc->undo();
+        doc->redo();
+        doc->activeLayer().alphaLocked = true; // nothing comes back where nothing is left
+        doc->selection = nullptr;
+        const auto all = liftFloating(*doc);
+        QCOMPARE(placeFloating(*doc, *all, QTransform()), (IRect{0, 0, 3, 2}));
+        QVERIFY(doc->activeLayer().isEmpty());
+    }
+
+    void aTurnAndAScaleBringTheCornersToTheirPlaces() {
+        auto source = filled(20, 10, {0, 0, 0, 255});
+        const PixelBytes marks[] = {
+            {255, 0, 0, 255}, {0, 255, 0, 255}, {0, 0, 255, 255}, {255, 255, 255, 255}};
+        for (int i = 0; i < 4; ++i) {
+            for (int64_t y = 0; y < 4; ++y) {
+                for (int64_t x = 0; x < 4; ++x)
+                    std::copy(marks[i].begin(), marks[i].end(),
+                              source->row(i < 2 ? y : 6 + y) + (i % 2 ? 16 + x : x) * 4);
+            }
+        }
+        PaintDocument doc(600, 600, 72, {});
+        QTransform t;
+        t.translate(300, 250);
+        t.rotate(90);
+        t.scale(2, 2);
+        const Floating floating{source, {0, 0, 20, 10}, doc.activeLayer().id};
+        const IRect rect = placeFloating(doc, floating, t);
+        // The box is (280, 250) to (300, 290) and a soft edge of half a source pixel.
+        QCOMPARE(rect, (IRect{279, 249, 22, 42}));
+        const auto at = [&](int64_t x, int64_t y) { return doc.activeLayer().pixel(x, y); };
+        QCOMPARE(at(296, 254), marks[0]);
+        QCOMPARE(at(296, 286), marks[1]);
+        QCOMPARE(at(284, 254), marks[2]);
+        QCOMPARE(at(284, 286), marks[3]);
+        QCOMPARE(at(290, 270), (PixelBytes{0, 0, 0, 255}));
+        QCOMPARE(at(303, 270), PixelBytes{});
+    }
+
+    void aLargeTransformShowsNoSeams() {
+        const auto source = noise(500, 400, 4);
+        PaintDocument doc(700, 800, 72, {});
+        const Floating floating{source, {0, 0, 500, 400}, doc.activeLayer().id};
+        QTransform t;
+        t.translate(220, -60);
+        t.rotate(31);
+        t.scale(1.3, 0.8);
+        const IRect rect = placeFloating(doc, floating, t);
+        RGBABuffer whole(700, 800);
+        Resampler({source->data(), 500, 400, 2000}, t).draw(0, 0, 700, 800, whole.data());
+        QCOMPARE(firstDifference(*doc.activeLayer().toBuffer(), whole), QString());
+        QVERIFY(rect.y == 0 && rect.maxY() > 512);
+    }
+
+    void pixelsWithoutALayerOrOffTheCanvasAreLost() {
+        const auto doc = documentOf(*noise(kWidth, kHeight, 8));
+        const auto floating = liftFloating(*doc);
+        doc->takeDirtyTiles();
+        for (const QTransform& t :
+             {QTransform::fromTranslate(kWidth, 0), QTransform::fromTranslate(0, -kHeight - 7.5),
+              QTransform::fromTranslate(1e18, 0), QTransform::fromScale(0, 1),
+              QTransform(std::nan(""), 0, 0, 1, 0, 0), QTransform::fromScale(1e300, 1e300)}) {
+            QCOMPARE(placeFloating(*doc, *floating, t), IRect{});
+        }
+        doc->undo();
+        const Floating orphan{floating->buffer, floating->origin, QUuid::createUuid()};
+        QCOMPARE(placeFloating(*doc, orphan, QTransform()), IRect{});
+        QVERIFY(doc->activeLayer().isEmpty());
+    }
+
+    void theSelectionHasNoSayInPlacing() {
+        const auto doc = documentOf(*filled(40, 40, {9, 9, 9, 255}));
+        doc->selection = softSelection(40, 40, {5, 5, 10, 10}, 3);
+        doc->selection = Selection::all(40, 40);
+        const auto floating = liftFloating(*doc);
+        doc->selection = softSelection(40, 40, {0, 0, 1, 1}, 7);
+        placeFloating(*doc, *floating, QTransform());
+        QCOMPARE(doc->activeLayer().pixel(39, 39), (PixelBytes{9, 9, 9, 255}));
+    }
+
+    void copiesAreCutLikeLifts() {
+        auto doc = randomDocument(kWidth, kHeight, 4, 21);
+        doc->activeLayer().isLocked = true; // no hindrance to a copy
+        for (const SelectionRef& selection :
+             {SelectionRef(), softSelection(kWidth, kHeight, {240, 3, 100, 290}, 2)}) {
+            for (Merged merged : {Merged::no, Merged::yes}) {
+                doc->selection = selection;
+                const auto source = merged == Merged::yes ? flattened(*doc) : doc->activeLayer().toBuffer();
+                const uint64_t before = doc->fingerprint();
+                const auto copy = copyPixels(*doc, merged);
+                QCOMPARE(doc->fingerprint(), before);
+                QCOMPARE(copy->rect, selection ? selection->bounds() : IRect({0, 0, kWidth, kHeight}));
+                for (int64_t y = 0; y < copy->rect.h; ++y) {
+                    for (int64_t x = 0; x < copy->rect.w; ++x) {
+                        PixelBytes wanted = source->pixel(copy->rect.x + x, copy->rect.y + y);
+                        const int c = selection ? selection->value(copy->rect.x + x, copy->rect.y + y) : 255;
+                        for (uint8_t& byte : wanted) byte = static_cast<uint8_t>((c * byte + 127) / 255);
+                        QCOMPARE(copy->buffer->pixel(x, y), wanted);
+                    }
+                }
+            }
+        }
+    }
+
+    void copyingNothing() {
+        PaintDocument doc(kWidth, kHeight, 72, PaintColor::white());
+        QVERIFY(!copyPixels(doc, Merged::no)); // the active layer is empty
+        QCOMPARE(copyPixels(doc, Merged::yes)->rect, doc.grid().bounds());
+        doc.selection = softSelection(kWidth, kHeight, {3, 4, 5, 6}, 9);
+        const auto copy = copyPixels(doc, Merged::no);
+        QVERIFY(copy && copy->buffer->fingerprint() == RGBABuffer(copy->rect.w, copy->rect.h).fingerprint());
+    }
+
+    void thinAndHugeCanvasesCostWhatTheyHold() {
+        for (const auto& [w, h] : {std::pair<int64_t, int64_t>{30000, 1}, {1, 1}, {30000, 30000}}) {
+            PaintDocument doc(w, h, 72, {});
+            paintRect(doc, doc.activeLayer(), {w - 1, h - 1, 1, 1}, {5, 6, 7, 8});
+            const auto floating = liftFloating(doc);
+            QCOMPARE(floating->origin, (IRect{w - 1, h - 1, 1, 1}));
+            QCOMPARE(placeFloating(doc, *floating, QTransform::fromTranslate(0, 0)), (IRect{0, 0, 1, 1}));
+            QCOMPARE(doc.activeLayer().pixel(0, 0), (PixelBytes{5, 6, 7, 8}));
+            QCOMPARE(tileCount(doc.activeLayer()), 1);
+            QCOMPARE(copyPixels(doc, Merged::no)->buffer->byteCount(), int64_t{4});
+        }
+    }
+};
+
+QIRN_TEST(tst_Floating)
+#include "tst_Floating.moc"

@@ -1,0 +1,336 @@
+#include "operations/Reshape.h"
+#include "operations/Selection.h"
+#include "platform/Parallel.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+#include <set>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+using Where = std::function<std::pair<int64_t, int64_t>(int64_t x, int64_t y)>;
+
+/// Empty when every pixel of every layer is the one that `where` names in the old picture.
+QString firstMisplaced(const PaintDocument& doc, const PaintDocument& old, const Where& where) {
+    for (int64_t i = 0; i < doc.layerCount(); ++i) {
+        for (int64_t y = 0; y < doc.grid().height; ++y) {
+            for (int64_t x = 0; x < doc.grid().width; ++x) {
+                const auto [ox, oy] = where(x, y);
+                if (doc.layer(i).pixel(x, y) != old.layer(i).pixel(ox, oy))
+                    return QStringLiteral("layer %1 at %2,%3").arg(i).arg(x).arg(y);
+            }
+        }
+    }
+    return {};
+}
+
+/// No byte beyond the edge of the canvas is anything but 0: it would come back when the canvas grows.
+bool edgesAreClean(const PaintDocument& doc) {
+    bool clean = true;
+    for (const LayerRef& layer : doc.layers()) {
+        layer->tiles().forEachTile([&](int64_t index, const Tile& tile) {
+            const IRect part = doc.grid().rectOf(index);
+            for (int64_t i = 0; i < kTilePixels; ++i) {
+                if (i % kTileSize >= part.w || i / kTileSize >= part.h)
+                    clean = clean && tile.pixels()[i * 4 + 3] == 0;
+            }
+        });
+    }
+    return clean;
+}
+
+std::set<const Tile*> tilesOf(const Layer& layer) {
+    std::set<const Tile*> tiles;
+    layer.tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
+    return tiles;
+}
+
+double cubic(double t) {
+    t = std::fabs(t);
+    return t < 1 ? 1.5 * t * t * t - 2.5 * t * t + 1 : t < 2 ? -0.5 * t * t * t + 2.5 * t * t - 4 * t + 2 : 0;
+}
+
+/// The parts that old pixels have in a new one along an axis, those beyond the edge added to the outermost.
+std::map<int64_t, double> parts(int64_t at, int64_t newLength, int64_t oldLength) {
+    const double step = double(oldLength) / double(newLength), width = std::max(step, 1.0);
+    const double centre = (double(at) + 0.5) * step - 0.5;
+    std::map<int64_t, double> weights;
+    double sum = 0;
+    for (double i = std::floor(centre - 2 * width); i <= centre + 2 * width; ++i) {
+        const double w = cubic((i - centre) / width);
+        weights[std::clamp<int64_t>(int64_t(i), 0, oldLength - 1)] += w;
+        sum += w;
+    }
+    for (auto& [i, w] : weights) w /= sum;
+    return weights;
+}
+
+} // namespace
+
+class tst_Reshape : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { setConcurrency(0); }
+
+    void turnsAndFlipsMoveEveryPixel_data() {
+        QTest::addColumn<int64_t>("width");
+        QTest::addColumn<int64_t>("height");
+        QTest::newRow("several tiles") << int64_t{530} << int64_t{300};
+        QTest::newRow("whole tiles") << int64_t{512} << int64_t{256};
+        QTest::newRow("one pixel") << int64_t{1} << int64_t{1};
+        QTest::newRow("a column") << int64_t{1} << int64_t{1000};
+    }
+    void turnsAndFlipsMoveEveryPixel() {
+        QFETCH(int64_t, width);
+        QFETCH(int64_t, height);
+        const auto old = randomDocument(width, height, 3, 11);
+        const int64_t right = width - 1, bottom = height - 1;
+        const Where wheres[] = {[=](int64_t x, int64_t y) { return std::pair(y, bottom - x); },
+                                [=](int64_t x, int64_t y) { return std::pair(right - x, bottom - y); },
+                                [=](int64_t x, int64_t y) { return std::pair(right - y, x); }};
+        for (int turns : {1, 2, 3, -1, -2, -3, 5, 1'000'003}) {
+            const auto doc = randomDocument(width, height, 3, 11);
+            rotate(*doc, turns);
+            QCOMPARE(doc->grid(), turns % 2 ? TileGrid(height, width) : TileGrid(width, height));
+            QCOMPARE(firstMisplaced(*doc, *old, wheres[(turns & 3) - 1]), QString());
+            QVERIFY(edgesAreClean(*doc));
+            rotate(*doc, -turns);
+            QCOMPARE(doc->fingerprint(), old->fingerprint());
+        }
+        const auto doc = randomDocument(width, height, 3, 11);
+        flipCanvas(*doc, FlipAxis::horizontal);
+        QCOMPARE(firstMisplaced(*doc, *old, [=](int64_t x, int64_t y) { return std::pair(right - x, y); }),
+                 QString());
+        flipCanvas(*doc, FlipAxis::vertical);
+        QCOMPARE(firstMisplaced(*doc, *old, wheres[1]), QString());
+        rotate(*doc, 2);
+        QCOMPARE(doc->fingerprint(), old->fingerprint());
+    }
+
+    void theCanvasGrowsAndShrinksRoundItsAnchor_data() {
+        QTest::addColumn<int64_t>("width");
+        QTest::addColumn<int64_t>("height");
+        QTest::addColumn<double>("anchorX");
+        QTest::addColumn<double>("anchorY");
+        QTest::addColumn<int64_t>("dx");
+        QTest::addColumn<int64_t>("dy");
+        const auto row = [](const char* name, int64_t w, int64_t h, double ax, double ay, int64_t dx,
+                            int64_t dy) { QTest::newRow(name) << w << h << ax << ay << dx << dy; };
+        row("top left", 700, 500, 0, 0, 0, 0);
+        row("halves away from zero", 401, 301, 0.5, 0.5, 51, 51);
+        row("also when it shrinks", 199, 99, 0.5, 0.5, -51, -51);
+        row("bottom right", 350, 150, 1, 1, 50, -50);
+        row("the same size", 300, 200, 0.5, 0.5, 0, 0);
+        row("raised to 1 first", -7, 0, 1, 0.5, -299, -100);
+        row("an anchor that is none", 400, 300, std::nan(""), 7, 0, 100);
+    }
+    void theCanvasGrowsAndShrinksRoundItsAnchor() {
+        QFETCH(int64_t, width);
+        QFETCH(int64_t, height);
+        QFETCH(double, anchorX);
+        QFETCH(double, anchorY);
+        QFETCH(int64_t, dx);
+        QFETCH(int64_t, dy);
+        const auto old = randomDocument(300, 200, 2, 5), doc = randomDocument(300, 200, 2, 5);
+        doc->fillLayer(doc->layer(0), PaintColor::white()); // beyond the canvas edge too
+        old->fillLayer(old->layer(0), PaintColor::white());
+        resizeCanvas(*doc, width, height, anchorX, anchorY);
+        QCOMPARE(doc->grid(), TileGrid(std::max<int64_t>(width, 1), std::max<int64_t>(height, 1)));
+        QCOMPARE(firstMisplaced(*doc, *old, [=](int64_t x, int64_t y) { return std::pair(x - dx, y - dy); }),
+                 QString());
+        QVERIFY(edgesAreClean(*doc));
+    }
+
+    void aCropKeepsWhatLiesOnTheCanvas() {
+        const auto old = randomDocument(530, 300, 3, 2);
+        for (const IRect& rect : {IRect{250, 3, 270, 290}, IRect{-50, -60, 200, 100}, IRect{256, 0, 256, 256},
+                                  IRect{500, 290, 1'000'000, 1'000'000}, IRect{0, 0, 530, 300}}) {
+            const auto doc = randomDocument(530, 300, 3, 2);
+            doc->selection = Selection::all(530, 300);
+            const IRect kept = rect.intersection(doc->grid().bounds());
+            cropTo(*doc, rect);
+            QCOMPARE(doc->grid(), TileGrid(kept.w, kept.h));
+            QVERIFY(!doc->selection);
+            QCOMPARE(firstMisplaced(*doc, *old,
+                                    [&](int64_t x, int64_t y) { return std::pair(x + kept.x, y + kept.y); }),
+                     QString());
+            QVERIFY(edgesAreClean(*doc));
+        }
+    }
+
+    void whatChangesNothingKeepsEverything() {
+        const auto doc = randomDocument(100, 50, 2, 3);
+        doc->selection = Selection::all(100, 50);
+        doc->takeDirtyTiles();
+        doc->onGridChange = [] { QFAIL("nothing happened"); };
+        const uint64_t before = doc->fingerprint();
+        for (const IRect& outside :
+             {IRect{100, 0, 5, 5}, IRect{-9, -9, 9, 9}, IRect{5, 5, 0, 5}, IRect{5, 5, -3, 5}})
+            cropTo(*doc, outside);
+        for (int turns : {0, 4, -8}) rotate(*doc, turns);
+        QVERIFY(doc->selection);
+        QVERIFY(doc->takeDirtyTiles().empty());
+        QCOMPARE(doc->fingerprint(), before);
+    }
+
+    void layersKeepWhoTheyAre_data() {
+        QTest::addColumn<std::function<void(PaintDocument&)>>("change");
+        const auto row = [](const char* name, std::function<void(PaintDocument&)> change) {
+            QTest::newRow(name) << change;
+        };
+        row("image size", [](PaintDocument& doc) { resizeImage(doc, 600, 100); });
+        row("the same image size", [](PaintDocument& doc) { resizeImage(doc, 300, 200); });
+        row("canvas size", [](PaintDocument& doc) { resizeCanvas(doc, 90, 900, 0.5, 1); });
+        row("crop", [](PaintDocument& doc) { cropTo(doc, {1, 2, 60, 40}); });
+        row("turn", [](PaintDocument& doc) { rotate(doc, 1); });
+        row("flip", [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::vertical); });
+    }
+    void layersKeepWhoTheyAre() {
+        QFETCH(std::function<void(PaintDocument&)>, change);
+        auto doc = randomDocument(300, 200, 5, 9);
+        doc->setActiveIndex(2);
+        doc->selection = Selection::all(300, 200);
+        doc->commit("Before");
+        const uint64_t before = doc->fingerprint();
+        const int64_t counted = doc->changeCount();
+        doc->takeDirtyTiles();
+        int calls = 0;
+        doc->onGridChange = [&] {
+            ++calls;
+            QVERIFY(!doc->selection);
+            QCOMPARE(doc->layer(0).grid(), doc->grid());
+            doc->takeDirtyTiles();
+        };
+        change(*doc);
+        QCOMPARE(calls, 1);
+        QVERIFY(!doc->selection);
+        QCOMPARE(doc->activeIndex(), int64_t{2});
+        QCOMPARE(doc->changeCount(), counted);
+        QCOMPARE(int64_t(doc->takeDirtyTiles().size()), doc->grid().count());
+        const auto old = doc->history().back().state.layers;
+        for (int64_t i = 0; i < 5; ++i) {
+            const Layer& layer = doc->layer(i);
+            const LayerState& was = old[static_cast<std::size_t>(i)];
+            QVERIFY(layer.id == was.id && layer.name == was.name && layer.opacity == was.opacity &&
+                    layer.blendMode == was.blendMode && layer.isVisible == was.isVisible &&
+                    layer.isLocked == was.isLocked && layer.alphaLocked == was.alphaLocked &&
+                    layer.isClipping == was.isClipping);
+        }
+        doc->onGridChange = nullptr;
+        doc->commit("Reshape");
+        const uint64_t after = doc->fingerprint();
+        doc->undo();
+        QCOMPARE(doc->fingerprint(), before);
+        QCOMPARE(doc->grid(), TileGrid(300, 200));
+        QVERIFY(doc->selection);
+        doc->redo();
+        QCOMPARE(doc->fingerprint(), after);
+    }
+
+    void imageSizeFollowsTheFilterUpToTheEdges_data() {
+        QTest::addColumn<int64_t>("width");
+        QTest::addColumn<int64_t>("height");
+        QTest::newRow("half") << int64_t{150} << int64_t{140};
+        QTest::newRow("double") << int64_t{600} << int64_t{560};
+        QTest::newRow("wider and lower") << int64_t{431} << int64_t{13};
+        QTest::newRow("one pixel") << int64_t{1} << int64_t{1};
+        QTest::newRow("one row") << int64_t{257} << int64_t{1};
+    }
+    void imageSizeFollowsTheFilterUpToTheEdges() {
+        QFETCH(int64_t, width);
+        QFETCH(int64_t, height);
+        const auto source = noise(300, 280, 6);
+        PaintDocument doc(300, 280, 72, {});
+        doc.activeLayer().load(*source);
+        resizeImage(doc, width, height);
+        setConcurrency(1);
+        PaintDocument alone(300, 280, 72, {});
+        alone.activeLayer().load(*source);
+        resizeImage(alone, width, height);
+        QCOMPARE(firstDifference(*doc.activeLayer().toBuffer(), *alone.activeLayer().toBuffer()), QString());
+        double worst = 0;
+        for (int64_t x = 0; x < width; ++x) {
+            const auto across = parts(x, width, 300);
+            for (int64_t y = x % 7; y < height; y += 7) {
+                std::array<double, 4> sum{};
+                for (const auto& [sy, wy] : parts(y, height, 280)) {
+                    for (const auto& [sx, wx] : across) {
+                        for (std::size_t c = 0; c < 4; ++c) sum[c] += wx * wy * source->pixel(sx, sy)[c];
+                    }
+                }
+                const PixelBytes got = doc.activeLayer().pixel(x, y);
+                const double top = std::clamp(sum[3], 0.0, 255.0), back = 255 / std::max(sum[3], 255.0);
+                for (std::size_t c = 0; c < 4; ++c)
+                    worst = std::max(worst, std::fabs(got[c] - std::clamp(sum[c] * back, 0.0, top)));
+            }
+        }
+        QVERIFY2(worst < 0.51, qPrintable(QString::number(worst)));
+        QVERIFY(edgesAreClean(doc));
+    }
+
+    void anOpaquePictureStaysOpaque() {
+        for (const auto& [w, h] : {std::pair<int64_t, int64_t>{999, 333}, {70, 40}, {1, 1}, {30000, 1}}) {
+            PaintDocument doc(300, 200, 72, PaintColor(0.3, 0.6, 0.9));
+            const PixelBytes color = doc.layer(0).pixel(0, 0);
+            paintRect(doc, doc.layer(0), {0, 0, 300, 200}, color); // tiles of their own
+            resizeImage(doc, w, h);
+            for (int64_t y = 0; y < h; ++y) {
+                for (int64_t x = 0; x < w; ++x) QCOMPARE(doc.layer(0).pixel(x, y), color);
+            }
+        }
+    }
+
+    void layersStaySmall() {
+        // 30,000 x 30,000 pixels of which one tile, and a whole background, are there.
+        PaintDocument doc(30000, 30000, 72, PaintColor::white());
+        paintRect(doc, doc.activeLayer(), {20000, 9000, 10, 10}, {9, 8, 7, 255});
+        const auto check = [&](std::size_t backgroundTiles) {
+            QVERIFY2(tilesOf(doc.layer(0)).size() <= backgroundTiles,
+                     qPrintable(QString::number(tilesOf(doc.layer(0)).size())));
+            QVERIFY(tilesOf(doc.layer(1)).size() <= 4);
+            QVERIFY(!doc.layer(1).isEmpty());
+            const int64_t w = doc.grid().width, h = doc.grid().height;
+            for (const auto& [x, y] : {std::pair{w - 1, h - 1}, {int64_t{0}, h - 1}, {w / 2, h / 2}})
+                QCOMPARE(doc.layer(0).pixel(x, y), (PixelBytes{255, 255, 255, 255}));
+        };
+        rotate(doc, 1);
+        check(9);
+        QCOMPARE(doc.layer(1).pixel(20990, 20009), (PixelBytes{9, 8, 7, 255}));
+        flipCanvas(doc, FlipAxis::horizontal);
+        check(16);
+        cropTo(doc, {100, 100, 29000, 29800});
+        check(25);
+        resizeImage(doc, 14500, 14900);
+        check(600); // where not all around is of one colour it is scaled
+    }
+
+    void tilesThatFallOnTilesAreNotCopied() {
+        auto doc = randomDocument(1024, 768, 1, 4);
+        const auto before = tilesOf(doc->layer(0));
+        resizeCanvas(*doc, 1024 + 512, 768 + 100, 1, 0);
+        QCOMPARE(tilesOf(doc->layer(0)), before);
+        doc->commit("Canvas Size");
+        paintRect(*doc, doc->layer(0), {600, 0, 1, 1}, {1, 1, 1, 1});
+        QCOMPARE(tilesOf(doc->layer(0)).size(), before.size()); // one of them is another now
+        doc->revertToLastCommit();
+        QCOMPARE(firstMisplaced(*doc, *randomDocument(1024, 768, 1, 4),
+                                [](int64_t x, int64_t y) { return std::pair(x - 512, y); }),
+                 QString());
+    }
+
+    void alikeTilesAreSharedAndStillPaintedApart() {
+        PaintDocument doc(1000, 1000, 72, PaintColor::white());
+        rotate(doc, 1);
+        QVERIFY(tilesOf(doc.layer(0)).size() <= 9);
+        paintRect(doc, doc.layer(0), {300, 300, 1, 1}, {0, 0, 0, 255});
+        QCOMPARE(doc.layer(0).pixel(556, 556), (PixelBytes{255, 255, 255, 255}));
+    }
+};
+
+QIRN_TEST(tst_Reshape)
+#include "tst_Reshape.moc"

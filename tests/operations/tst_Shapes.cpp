@@ -1,0 +1,248 @@
+#include "operations/ShapePath.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+QPainterPath shape(ShapeKind kind, QPointF a, QPointF b, Constrain constrain = Constrain::no) {
+    return shapePath(kind, a, b, constrain, 6).value();
+}
+
+QPointF endOf(const QPainterPath& path) {
+    return path.elementAt(path.elementCount() - 1);
+}
+
+bool isNear(QPointF a, QPointF b) {
+    return std::hypot(a.x() - b.x(), a.y() - b.y()) < 1e-9;
+}
+
+QPainterPath rectangle(double x, double y, double w, double h) {
+    QPainterPath path;
+    path.addRect(x, y, w, h);
+    return path;
+}
+
+/// The pixel of a rendered shape at a place on the canvas.
+PixelBytes at(const PlacedPixels& pixels, int64_t x, int64_t y) {
+    return pixels.buffer->pixel(x - pixels.rect.x, y - pixels.rect.y);
+}
+
+/// Largest distance of any pixel's alpha from 255 times what `covers` says of 32 x 32 points in it.
+double worstCoverage(const PlacedPixels& pixels, const std::function<bool(double, double)>& covers) {
+    constexpr int kPoints = 32;
+    double worst = 0;
+    for (int64_t y = 0; y < pixels.rect.h; ++y) {
+        for (int64_t x = 0; x < pixels.rect.w; ++x) {
+            int hits = 0;
+            for (int i = 0; i < kPoints * kPoints; ++i) {
+                hits += covers(double(pixels.rect.x + x) + (i % kPoints + 0.5) / kPoints,
+                               double(pixels.rect.y + y) + (i / kPoints + 0.5) / kPoints);
+            }
+            worst = std::max(worst,
+                             std::fabs(pixels.buffer->pixel(x, y)[3] - 255.0 * hits / (kPoints * kPoints)));
+        }
+    }
+    return worst;
+}
+
+double distanceToSegment(QPointF p, QPointF a, QPointF b) {
+    const QPointF way = b - a;
+    const double t = std::clamp(QPointF::dotProduct(p - a, way) / QPointF::dotProduct(way, way), 0.0, 1.0);
+    const QPointF off = p - (a + t * way);
+    return std::hypot(off.x(), off.y());
+}
+
+} // namespace
+
+class tst_Shapes : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyKindHasItsRow() {
+        const char* ids[] = {"rectangle", "roundedRect", "ellipse", "line", "arrow", "star", "polygon"};
+        for (std::size_t i = 0; i < kShapes.size(); ++i) {
+            QCOMPARE(kShapes[i].kind, static_cast<ShapeKind>(i));
+            QCOMPARE(rowOf(kShapes[i].kind).id, ids[i]);
+        }
+        QCOMPARE(rowOf(ShapeKind::polygon).title, "Hexagon");
+    }
+
+    void boxesFillTheDragWhicheverWayItWent() {
+        for (ShapeKind kind : {ShapeKind::rectangle, ShapeKind::roundedRect, ShapeKind::ellipse}) {
+            for (const auto& [a, b] : {std::pair{QPointF(10, 20), QPointF(50, 40)},
+                                       {QPointF(50, 40), QPointF(10, 20)},
+                                       {QPointF(50, 20), QPointF(10, 40)}}) {
+                QCOMPARE(shape(kind, a, b).boundingRect(), QRectF(10, 20, 40, 20));
+            }
+        }
+        const QPainterPath rounded = shape(ShapeKind::roundedRect, {0, 0}, {200, 100});
+        const double r = 18; // 0.18 of 100
+        const double inside = r - r * std::sqrt(0.5) + 0.1;
+        QVERIFY(rounded.contains(QPointF(inside, inside)));
+        QVERIFY(!rounded.contains(QPointF(inside - 0.2, inside - 0.2)));
+        QVERIFY(rounded.contains(QPointF(r, 0.01)) && !rounded.contains(QPointF(r - 4, 0.1)));
+    }
+
+    void starsAndHexagonsStandOnTheirTip() {
+        const QPainterPath star = shape(ShapeKind::star, {0, 0}, {200, 100});
+        const QPainterPath hexagon = shape(ShapeKind::polygon, {0, 0}, {200, 100});
+        const double pi = std::acos(-1);
+        for (const auto& [path, n] : {std::pair{star, 10}, {hexagon, 6}}) {
+            QCOMPARE(path.elementCount(), n + 1); // closed
+            QVERIFY(isNear(endOf(path), path.elementAt(0)));
+            for (int i = 0; i < n; ++i) {
+                const double angle = 2 * pi * i / n - pi / 2, k = n == 10 && i % 2 ? 0.45 : 1;
+                QVERIFY(isNear(path.elementAt(i),
+                               QPointF(100 + std::cos(angle) * 100 * k, 50 + std::sin(angle) * 50 * k)));
+            }
+        }
+        QVERIFY(isNear(star.elementAt(0), QPointF(100, 0)));
+    }
+
+    void constrainedBoxesAreSquareOnTheSideOfTheDrag() {
+        const auto square = [](QPointF b) {
+            return shape(ShapeKind::rectangle, {100, 100}, b, Constrain::yes).boundingRect();
+        };
+        QCOMPARE(square({130, 110}), QRectF(100, 100, 30, 30));
+        QCOMPARE(square({90, 60}), QRectF(60, 60, 40, 40));
+        QCOMPARE(square({90, 170}), QRectF(30, 100, 70, 70));
+        QCOMPARE(square({120, 100}), QRectF(100, 100, 20, 20)); // neither up nor down counts as down
+    }
+
+    void constrainedLinesKeepLengthAndEighths_data() {
+        QTest::addColumn<double>("degrees");
+        QTest::addColumn<double>("snapped");
+        for (const auto& [degrees, snapped] : {std::pair{0.0, 0.0},
+                                               {22.0, 0.0},
+                                               {23.0, 45.0},
+                                               {67.0, 45.0},
+                                               {68.0, 90.0},
+                                               {130.0, 135.0},
+                                               {170.0, 180.0},
+                                               {-170.0, 180.0},
+                                               {-22.0, 0.0},
+                                               {-23.0, -45.0},
+                                               {-100.0, -90.0}}) {
+            QTest::addRow("%g", degrees) << degrees << snapped;
+        }
+    }
+    void constrainedLinesKeepLengthAndEighths() {
+        QFETCH(double, degrees);
+        QFETCH(double, snapped);
+        const double radian = std::acos(-1) / 180;
+        const QPointF a(7, 9), b = a + 50 * QPointF(std::cos(degrees * radian), std::sin(degrees * radian));
+        const QPointF wanted = a + 50 * QPointF(std::cos(snapped * radian), std::sin(snapped * radian));
+        QVERIFY(isNear(endOf(shape(ShapeKind::line, a, b, Constrain::yes)), wanted));
+        QVERIFY(isNear(shape(ShapeKind::arrow, a, b, Constrain::yes).elementAt(1), wanted));
+    }
+
+    void anArrowsHeadPointsBack() {
+        const auto head = [](QPointF a, QPointF b, double width) {
+            const QPainterPath path = *shapePath(ShapeKind::arrow, a, b, Constrain::no, width);
+            const double t = std::atan2(b.y() - a.y(), b.x() - a.x()), h = std::max(4 * width, 10.0);
+            return path.elementCount() == 5 && isNear(path.elementAt(3), b) && path.elementAt(2).isMoveTo() &&
+                   isNear(path.elementAt(2), b - h * QPointF(std::cos(t - 0.45), std::sin(t - 0.45))) &&
+                   isNear(path.elementAt(4), b - h * QPointF(std::cos(t + 0.45), std::sin(t + 0.45)));
+        };
+        QVERIFY(head({10, 20}, {90, 50}, 6));
+        QVERIFY(head({10, 20}, {-90, 10}, 1)); // no shorter than 10 pixels
+    }
+
+    void aDragOfLessThanAPixelIsNoShape() {
+        for (const ShapeRow& row : kShapes) {
+            QVERIFY(!shapePath(row.kind, {5, 5}, {5.9, 4.2}, Constrain::no, 6));
+            QVERIFY(!shapePath(row.kind, {5, 5}, {5, 5}, Constrain::yes, 6));
+            QVERIFY(!shapePath(row.kind, {5, 5}, {std::nan(""), 5}, Constrain::no, 6));
+            QVERIFY(shapePath(row.kind, {5, 5}, {5, 6}, Constrain::no, 6));
+        }
+    }
+
+    void fillsCoverTheirArea() {
+        const auto ellipse = renderShape(shape(ShapeKind::ellipse, {3.3, 4.1}, {40.7, 25.4}),
+                                         PaintColor::black(), {}, 6, Antialias::yes);
+        QCOMPARE(ellipse->rect, (IRect{3 - 8, 4 - 8, 38 + 16, 22 + 16}));
+        QVERIFY2(worstCoverage(*ellipse,
+                               [](double x, double y) {
+                                   return std::pow((x - 22) / 18.7, 2) + std::pow((y - 14.75) / 10.65, 2) <=
+                                          1;
+                               }) < 6,
+                 "ellipse");
+        const auto hard = renderShape(shape(ShapeKind::ellipse, {3.3, 4.1}, {40.7, 25.4}),
+                                      PaintColor::black(), {}, 6, Antialias::no);
+        for (int64_t i = 0; i < hard->rect.w * hard->rect.h; ++i)
+            QVERIFY(hard->buffer->data()[i * 4 + 3] == 0 || hard->buffer->data()[i * 4 + 3] == 255);
+    }
+
+    void outlinesAreRoundAtEndsAndCorners() {
+        const auto line = renderShape(shape(ShapeKind::line, {10.2, 30.7}, {50.1, 12.3}), {},
+                                      PaintColor::black(), 7, Antialias::yes);
+        QVERIFY2(worstCoverage(*line,
+                               [](double x, double y) {
+                                   return distanceToSegment({x, y}, {10.2, 30.7}, {50.1, 12.3}) <= 3.5;
+                               }) < 6,
+                 "line");
+        const auto frame = renderShape(rectangle(10, 10, 30, 20), {}, PaintColor::black(), 6, Antialias::yes);
+        QVERIFY2(worstCoverage(*frame,
+                               [](double x, double y) {
+                                   const QPointF corners[] = {{10, 10}, {40, 10}, {40, 30}, {10, 30}};
+                                   for (int i = 0; i < 4; ++i) {
+                                       if (distanceToSegment({x, y}, corners[i], corners[(i + 1) % 4]) <= 3)
+                                           return true;
+                                   }
+                                   return false;
+                               }) < 6,
+                 "frame");
+        const auto ring = renderShape(shape(ShapeKind::ellipse, {10, 10}, {40, 40}), {}, PaintColor::black(),
+                                      3, Antialias::yes);
+        QVERIFY2(worstCoverage(*ring,
+                               [](double x, double y) {
+                                   return std::fabs(std::hypot(x - 25, y - 25) - 15) <= 1.5;
+                               }) < 6,
+                 "ring");
+    }
+
+    void theOutlineLiesOnTheFill() {
+        const auto both = renderShape(rectangle(10, 10, 20, 20), PaintColor(1, 0, 0, 0.5),
+                                      PaintColor(0, 0, 1, 0.5), 4, Antialias::yes);
+        QCOMPARE(at(*both, 20, 20), (PixelBytes{128, 0, 0, 128}));
+        QCOMPARE(at(*both, 9, 20), (PixelBytes{0, 0, 128, 128}));
+        const PixelBytes over = at(*both, 11, 20); // half blue over half red
+        QVERIFY2(std::abs(over[0] - 64) <= 1 && over[2] == 128 && std::abs(over[3] - 191) <= 1,
+                 qPrintable(text(over)));
+        QCOMPARE(at(*both, 7, 20), PixelBytes{});
+    }
+
+    void withoutColorsNothingIsDrawn() {
+        const auto none = renderShape(rectangle(10, 10, 20, 20), {}, {}, 4, Antialias::yes);
+        QCOMPARE(none->rect, (IRect{4, 4, 32, 32}));
+        QCOMPARE(none->buffer->fingerprint(), RGBABuffer(32, 32).fingerprint());
+        const auto thin = renderShape(rectangle(10, 10, 20, 20), {}, PaintColor::black(), 0, Antialias::yes);
+        QCOMPARE(thin->buffer->fingerprint(), RGBABuffer(24, 24).fingerprint());
+        QVERIFY(renderShape(QPainterPath(), PaintColor::black(), PaintColor::black(), 4, Antialias::yes));
+    }
+
+    void onlyShapesOfSaneSizeAreDrawn() {
+        const PaintColor black = PaintColor::black();
+        QVERIFY(
+            !renderShape(rectangle(0, 0, 39'996, 5), black, {}, 0, Antialias::yes)); // with its margin of 2
+        QVERIFY(!renderShape(rectangle(0, 0, 5, 1e12), black, {}, 0, Antialias::yes));
+        QVERIFY(!renderShape(rectangle(1e17, 0, 5, 5), black, {}, 0, Antialias::yes));
+        for (double width : {1e9, std::numeric_limits<double>::infinity()})
+            QVERIFY(!renderShape(rectangle(0, 0, 5, 5), black, black, width, Antialias::yes));
+        const auto widest = renderShape(rectangle(-3, -2, 39'995, 5), black, black, 0, Antialias::yes);
+        QCOMPARE(widest->rect, (IRect{-5, -4, 39'999, 9}));
+        for (int64_t x = -3; x < 39'992; ++x) QCOMPARE(at(*widest, x, 2)[3], uint8_t{255});
+        QCOMPARE(at(*widest, 39'992, 2), PixelBytes{});
+        const auto highest = renderShape(rectangle(7, 0, 3, 39'995), black, {}, 0, Antialias::yes);
+        for (int64_t y = 0; y < 39'995; ++y) QCOMPARE(at(*highest, 8, y)[3], uint8_t{255});
+    }
+};
+
+QIRN_TEST(tst_Shapes)
+#include "tst_Shapes.moc"

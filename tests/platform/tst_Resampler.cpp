@@ -1,0 +1,346 @@
+#include "core/SeededRandom.h"
+#include "platform/Parallel.h"
+#include "platform/Resampler.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+PixelView viewOf(const RGBABuffer& b) {
+    return {b.data(), b.width(), b.height(), b.width() * 4};
+}
+
+/// The target pixels of a rectangle.
+std::shared_ptr<RGBABuffer> drawn(const RGBABuffer& source, const QTransform& t, const IRect& rect) {
+    auto out = std::make_shared<RGBABuffer>(rect.w, rect.h);
+    out->fill(PaintColor::white()); // every pixel must be written
+    Resampler(viewOf(source), t).draw(rect.x, rect.y, rect.w, rect.h, out->data());
+    return out;
+}
+
+/// About the middle of a picture, which comes to lie at `centre`.
+QTransform turned(const RGBABuffer& source, QPointF centre, double degrees, double scaleX, double scaleY) {
+    QTransform t;
+    t.translate(centre.x(), centre.y());
+    t.rotate(degrees);
+    t.scale(scaleX, scaleY);
+    t.translate(-static_cast<double>(source.width()) / 2, -static_cast<double>(source.height()) / 2);
+    return t;
+}
+
+template <class Pixel> std::shared_ptr<RGBABuffer> picture(int64_t width, int64_t height, Pixel pixel) {
+    auto buffer = std::make_shared<RGBABuffer>(width, height);
+    for (int64_t y = 0; y < height; ++y) {
+        for (int64_t x = 0; x < width; ++x) {
+            const PixelBytes bytes = pixel(x, y);
+            std::copy(bytes.begin(), bytes.end(), buffer->row(y) + x * 4);
+        }
+    }
+    return buffer;
+}
+
+std::shared_ptr<RGBABuffer> gray(int64_t width, int64_t height,
+                                 const std::function<int(int64_t, int64_t)>& value) {
+    return picture(width, height, [&](int64_t x, int64_t y) {
+        const auto v = static_cast<uint8_t>(value(x, y));
+        return PixelBytes{v, v, v, 255};
+    });
+}
+
+double cubic(double t) {
+    t = std::fabs(t);
+    return t < 1 ? 1.5 * t * t * t - 2.5 * t * t + 1 : t < 2 ? -0.5 * t * t * t + 2.5 * t * t - 4 * t + 2 : 0;
+}
+
+/// One target pixel by the definition: every source pixel weighted by its distance along both axes.
+std::array<double, 4> byDefinition(const RGBABuffer& source, const QTransform& t, int64_t x, int64_t y) {
+    const QTransform back = t.inverted();
+    const QPointF at = back.map(QPointF(double(x) + 0.5, double(y) + 0.5)) - QPointF(0.5, 0.5);
+    const double wx = std::max(1.0, std::hypot(back.m11(), back.m21()));
+    const double wy = std::max(1.0, std::hypot(back.m12(), back.m22()));
+    std::array<double, 4> sum{};
+    double all = 0;
+    for (int64_t sy = int64_t(std::floor(at.y() - 2 * wy)); double(sy) <= at.y() + 2 * wy; ++sy) {
+        for (int64_t sx = int64_t(std::floor(at.x() - 2 * wx)); double(sx) <= at.x() + 2 * wx; ++sx) {
+            const double w = cubic((double(sx) - at.x()) / wx) * cubic((double(sy) - at.y()) / wy);
+            const PixelBytes pixel = source.pixel(sx, sy);
+            for (std::size_t c = 0; c < 4; ++c) sum[c] += w * pixel[c];
+            all += w;
+        }
+    }
+    const double back255 = 255 / std::max(sum[3] / all, 255.0);
+    for (std::size_t c = 0; c < 4; ++c)
+        sum[c] = std::clamp(sum[c] / all * back255, 0.0, std::clamp(sum[3] / all, 0.0, 255.0));
+    return sum;
+}
+
+} // namespace
+
+class tst_Resampler : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { setConcurrency(0); }
+
+    void movesTurnsAndMirrorsCopyEveryByte_data() {
+        QTest::addColumn<double>("degrees");
+        QTest::addColumn<bool>("mirrored");
+        for (double degrees : {0.0, 90.0, 180.0, 270.0, -90.0, -180.0, 450.0, 720.0}) {
+            for (bool mirrored : {false, true})
+                QTest::addRow("%g%s", degrees, mirrored ? " mirrored" : "") << degrees << mirrored;
+        }
+    }
+    void movesTurnsAndMirrorsCopyEveryByte() {
+        QFETCH(double, degrees);
+        QFETCH(bool, mirrored);
+        for (const auto& [w, h] : {std::pair{300, 70}, {71, 301}, {1, 1}, {1, 600}}) {
+            const auto source = noise(w, h, 7);
+            // A turn about the middle of w + h odd would end between pixels.
+            const double half = std::fmod(std::fabs(degrees), 180) == 90 && (w + h) % 2 ? 0.5 : 0;
+            const QTransform t = turned(*source, QPointF(w / 2.0 + 40 + half, h / 2.0 - 9 + half), degrees,
+                                        mirrored ? -1 : 1, 1);
+            const Resampler resampler(viewOf(*source), t);
+            QVERIFY(resampler.copies());
+            const IRect rect = IRect::covering(resampler.reach());
+            QCOMPARE(rect.w * rect.h, int64_t{w} * h);
+            const auto out = drawn(*source, t, rect.insetBy(-3));
+            for (int y = 0; y < h; ++y) {
+                for (int x = 0; x < w; ++x) {
+                    const QPointF to = t.map(QPointF(x + 0.5, y + 0.5));
+                    const int64_t tx = int64_t(std::floor(to.x())), ty = int64_t(std::floor(to.y()));
+                    QCOMPARE(out->pixel(tx - rect.x + 3, ty - rect.y + 3), source->pixel(x, y));
+                }
+            }
+            int64_t outside = 0;
+            for (int64_t y = 0; y < out->height(); ++y) {
+                for (int64_t x = 0; x < out->width(); ++x) {
+                    const bool within = x >= 3 && y >= 3 && x < rect.w + 3 && y < rect.h + 3;
+                    outside += !within && out->pixel(x, y) != PixelBytes{};
+                }
+            }
+            QCOMPARE(outside, 0);
+        }
+    }
+
+    void aQuarterTurnThatEndsBetweenPixelsIsStillACopy() {
+        const auto source = noise(8, 5, 3);
+        const auto out = drawn(*source, turned(*source, QPointF(20, 20.5), 90, 1, 1), {0, 0, 40, 40});
+        int64_t copied = 0;
+        for (int64_t y = 0; y < 8; ++y) {
+            for (int64_t x = 0; x < 5; ++x)
+                copied += out->pixel(17 + x, 16 + y) == source->pixel(y, 4 - x); // 17.5 to 22.5, 16.5 to 24.5
+        }
+        QCOMPARE(copied, 40);
+    }
+
+    void otherTransformsFollowTheFilter_data() {
+        QTest::addColumn<QTransform>("transform");
+        QTest::addColumn<double>("tolerance");
+        const auto size = noise(40, 30, 1);
+        const auto at = [&](double degrees, double sx, double sy) {
+            return turned(*size, QPointF(33.4, 29.7), degrees, sx, sy);
+        };
+        QTest::newRow("fraction of a pixel") << at(0, 1, 1) << 0.51;
+        QTest::newRow("larger") << at(0, 1.7, 1.2) << 0.51;
+        QTest::newRow("smaller") << at(0, 0.37, 0.9) << 0.51;
+        QTest::newRow("much smaller") << at(0, 0.04, 0.07) << 0.51;
+        QTest::newRow("mirrored") << at(0, -1.3, 0.8) << 0.51;
+        QTest::newRow("upside down") << at(180, 1.3, 0.8) << 0.51;
+        QTest::newRow("turned") << at(30, 1, 1) << 0.51;
+        QTest::newRow("turned and larger") << at(-77, 1.9, 1.4) << 0.51;
+        QTest::newRow("turned and smaller") << at(20, 0.6, 0.51) << 0.51;
+        QTest::newRow("turned a quarter and smaller") << at(90, 0.6, 1) << 0.51;
+        QTest::newRow("a tiny turn") << at(1e-7, 1.5, 1.5) << 0.51;
+        QTest::newRow("sheared") << QTransform(1, 0.2, 0.3, 1.1, 3, 4) << 0.51;
+        // Reduced before it is turned.
+        QTest::newRow("turned and much smaller") << at(40, 0.2, 0.3) << 8.0;
+    }
+    void otherTransformsFollowTheFilter() {
+        QFETCH(QTransform, transform);
+        QFETCH(double, tolerance);
+        const auto source = noise(40, 30, 5);
+        const auto out = drawn(*source, transform, {-5, -5, 90, 80});
+        double worst = 0;
+        for (int64_t y = 0; y < out->height(); ++y) {
+            for (int64_t x = 0; x < out->width(); ++x) {
+                const auto wanted = byDefinition(*source, transform, x - 5, y - 5);
+                const PixelBytes got = out->pixel(x, y);
+                for (std::size_t c = 0; c < 4; ++c) worst = std::max(worst, std::fabs(got[c] - wanted[c]));
+            }
+        }
+        QVERIFY2(worst < tolerance, qPrintable(QString::number(worst)));
+    }
+
+    void theReachHoldsAllThatIsDrawn() {
+        SeededRandom random(4);
+        for (int i = 0; i < 60; ++i) {
+            const auto source = picture(1 + i % 7, 1 + i % 5, [](int64_t, int64_t) {
+                return PixelBytes{9, 9, 9, 255};
+            });
+            const double degrees = i % 3 == 0 ? 0 : 360 * random.unit();
+            const QTransform t =
+                turned(*source, QPointF(60 + random.unit(), 60 + random.unit()), degrees,
+                       0.1 + 5 * random.unit() * random.unit(), 0.1 + 5 * random.unit() * random.unit());
+            const IRect reach = IRect::covering(Resampler(viewOf(*source), t).reach());
+            const auto out = drawn(*source, t, {0, 0, 120, 120});
+            for (int64_t y = 0; y < 120; ++y) {
+                for (int64_t x = 0; x < 120; ++x) {
+                    if (!reach.contains(x, y))
+                        QVERIFY2(out->pixel(x, y)[3] <= 1, qPrintable(text(out->pixel(x, y))));
+                }
+            }
+        }
+    }
+
+    void aFineCheckerboardShrinksToGray_data() {
+        QTest::addColumn<double>("degrees");
+        QTest::addColumn<double>("scale");
+        for (double degrees : {0.0, 30.0, 45.0, 90.0}) {
+            for (double scale : {0.4, 0.1, 0.0317})
+                QTest::addRow("%g x %g", degrees, scale) << degrees << scale;
+        }
+    }
+    void aFineCheckerboardShrinksToGray() {
+        QFETCH(double, degrees);
+        QFETCH(double, scale);
+        const auto board = gray(1000, 1000, [](int64_t x, int64_t y) { return (x + y) % 2 * 255; });
+        const auto out =
+            drawn(*board, turned(*board, QPointF(10.3, 10.1), degrees, scale, scale), {0, 0, 20, 20});
+        for (int64_t y = 4; y < 16; ++y) {
+            for (int64_t x = 4; x < 16; ++x) {
+                const PixelBytes pixel = out->pixel(x, y);
+                QCOMPARE(int(pixel[3]), 255);
+                QVERIFY2(std::abs(pixel[0] - 127) <= 2, qPrintable(text(pixel)));
+            }
+        }
+    }
+
+    void edgesOnTransparencyKeepTheirColor() {
+        SeededRandom random(8);
+        for (const PixelBytes& color : {PixelBytes{200, 90, 30, 255}, PixelBytes{100, 45, 15, 128}}) {
+            const auto source = picture(40, 40, [&](int64_t x, int64_t y) {
+                return x >= 8 && y >= 8 && x < 32 && y < 32 ? color : PixelBytes{};
+            });
+            for (int i = 0; i < 20; ++i) {
+                const double scale = 0.3 + 2 * random.unit(), degrees = i % 2 ? 360 * random.unit() : 0;
+                const auto out = drawn(*source, turned(*source, QPointF(50.2, 50.7), degrees, scale, scale),
+                                       {0, 0, 100, 100});
+                QCOMPARE(out->pixel(50, 50), color);
+                for (int64_t y = 0; y < 100; ++y) {
+                    for (int64_t x = 0; x < 100; ++x) {
+                        const PixelBytes pixel = out->pixel(x, y);
+                        for (std::size_t c = 0; c < 3; ++c) {
+                            const double wanted = double(pixel[3]) * color[c] / color[3];
+                            QVERIFY2(std::fabs(pixel[c] - wanted) <= 1, qPrintable(text(pixel)));
+                        }
+                    }
+                }
+            }
+        }
+    }
+
+    void noColorIsAboveItsAlpha() {
+        const auto source = noise(64, 64, 12);
+        for (double degrees : {0.0, 33.0}) {
+            for (double scale : {0.45, 0.9, 3.0}) {
+                const auto out =
+                    drawn(*source, turned(*source, QPointF(60, 60), degrees, scale, scale), {0, 0, 120, 120});
+                for (int64_t i = 0; i < 120 * 120; ++i) {
+                    const uint8_t* p = out->data() + i * 4;
+                    QVERIFY(p[0] <= p[3] && p[1] <= p[3] && p[2] <= p[3]);
+                }
+            }
+        }
+    }
+
+    void finePatternsStaySharpNearTheirOwnSize() {
+        // Stripes of two pixels lose a quarter of their contrast to a bilinear filter, and more to a softer one.
+        const auto stripes = gray(200, 200, [](int64_t x, int64_t) { return x % 4 < 2 ? 20 : 220; });
+        for (double degrees : {0.0, 2.0}) {
+            for (double scale : {0.97, 1.0, 1.04}) {
+                const auto out =
+                    drawn(*stripes, turned(*stripes, QPointF(100.3, 100.2), degrees, scale, scale),
+                          {70, 70, 60, 60});
+                std::vector<int> values;
+                for (int64_t i = 0; i < 3600; ++i) values.push_back(out->data()[i * 4]);
+                std::sort(values.begin(), values.end());
+                QVERIFY2(values[3600 * 9 / 10] - values[3600 / 10] > 180,
+                         qPrintable(QString::number(values[3240] - values[360])));
+            }
+        }
+    }
+
+    void aTurnThereAndBackIsNearlyTheSame() {
+        const auto source = gray(120, 120, [](int64_t x, int64_t y) {
+            return int(127 + 60 * std::sin(double(x) / 5) + 60 * std::cos(double(y) / 4));
+        });
+        const auto there = drawn(*source, turned(*source, QPointF(100, 100), 33, 1, 1), {0, 0, 200, 200});
+        const auto back = drawn(*there, turned(*there, QPointF(60, 60), -33, 1, 1), {0, 0, 120, 120});
+        for (int64_t y = 5; y < 115; ++y) {
+            for (int64_t x = 5; x < 115; ++x)
+                QVERIFY(std::abs(back->pixel(x, y)[0] - source->pixel(x, y)[0]) <= 4);
+        }
+    }
+
+    void theSameBytesInAnyPiecesAndOnAnyThreads() {
+        const auto source = noise(90, 130, 2);
+        for (double degrees : {0.0, 90.0, 23.0}) {
+            for (double scale : {0.2, 1.0, 2.6}) {
+                const QTransform t = turned(*source, QPointF(200.25, 170.5), degrees, scale, scale);
+                const auto whole = drawn(*source, t, {0, 0, 420, 350});
+                setConcurrency(1);
+                QCOMPARE(firstDifference(*drawn(*source, t, {0, 0, 420, 350}), *whole), QString());
+                setConcurrency(0);
+                const IRect part{131, 77, 200, 201};
+                const auto piece = drawn(*source, t, part);
+                for (int64_t y = 0; y < part.h; ++y) {
+                    QVERIFY(std::equal(piece->row(y), piece->row(y) + part.w * 4,
+                                       whole->row(part.y + y) + part.x * 4));
+                }
+            }
+        }
+    }
+
+    void hostileTransformsDrawNothingAndEndSoon_data() {
+        QTest::addColumn<QTransform>("transform");
+        const double none = std::numeric_limits<double>::quiet_NaN(),
+                     endless = std::numeric_limits<double>::infinity();
+        QTest::newRow("nan") << QTransform(none, 0, 0, 1, 0, 0);
+        QTest::newRow("nan move") << QTransform(1, 0, 0, 1, none, 0);
+        QTest::newRow("endless move") << QTransform(1, 0, 0, 1, endless, 0);
+        QTest::newRow("endless") << QTransform(endless, 0, 0, endless, 0, 0);
+        QTest::newRow("flat") << QTransform(0, 0, 0, 1, 5, 5);
+        QTest::newRow("a line") << QTransform(1, 1, 1, 1, 5, 5);
+        QTest::newRow("huge") << QTransform(1e300, 0, 0, 1e300, 0, 0);
+        QTest::newRow("tiny") << QTransform(1e-300, 0, 0, 1e-300, 5, 5);
+        QTest::newRow("far away") << QTransform(1, 0, 0, 1, 1e17, 0);
+        QTest::newRow("in perspective") << QTransform(1, 0, 0.01, 0, 1, 0, 0, 0, 1);
+    }
+    void hostileTransformsDrawNothingAndEndSoon() {
+        QFETCH(QTransform, transform);
+        const auto source = noise(50, 50, 1);
+        const auto out = drawn(*source, transform, {-100, -100, 200, 200});
+        QVERIFY(
+            std::all_of(out->bytes().begin(), out->bytes().end(), [](uint8_t byte) { return byte == 0; }));
+        QVERIFY(!Resampler(viewOf(*source), transform).reach().intersects(QRectF(-100, -100, 200, 200)));
+    }
+
+    void extremeTransformsEndSoon() {
+        const auto source = noise(2000, 2000, 1);
+        for (const QTransform& t : {QTransform(1, 1 - 1e-9, 1, 1, 0, 0), QTransform(1e-9, 1, 1e9, 1, 0, 0),
+                                    QTransform(1e9, 0, 0, 1e9, 3, 3), QTransform(1e-9, 0, 0, 1e-9, 3, 3),
+                                    QTransform(1, 0, 1e6, 1, 0, 0), QTransform(1e-6, 0, 0, 1e6, 9, -1e9)}) {
+            const auto out = drawn(*source, t, {0, 0, 1000, 1000});
+            for (int64_t i = 0; i < 1'000'000; ++i) QVERIFY(out->data()[i * 4] <= out->data()[i * 4 + 3]);
+        }
+    }
+};
+
+QIRN_TEST(tst_Resampler)
+#include "tst_Resampler.moc"
