@@ -21,10 +21,13 @@ namespace qirn {
 
 namespace {
 
-constexpr double kClickDistance = 3; // logical points; a shorter selection drag is a click
-constexpr double kWheelNotch = 120;  // what Qt tells for one notch of a wheel
+constexpr double kWheelNotch = 120; // what Qt tells for one notch of a wheel
 // A desktop can follow a pen event with a mouse event of its own; one that comes this soon is not a hand's.
 constexpr double kMouseAfterPen = 0.05; // seconds
+
+bool picksColorWithOption(Tool tool) {
+    return rowOf(tool).usesBrush || tool == Tool::bucket || tool == Tool::gradient || tool == Tool::shape;
+}
 
 double secondsOf(const QInputEvent& event, double now) {
     return event.timestamp() != 0 ? static_cast<double>(event.timestamp()) / 1000.0 : now;
@@ -213,12 +216,12 @@ void CanvasView::press(const PenSample& sample) {
     } else if (tool == Tool::zoom) {
         drag_ = Drag::zoomDrag;
         zoomStart_ = session_->view.zoom;
-    } else if (tool == Tool::eyedropper || (picks && rowOf(tool).usesBrush)) {
+    } else if (tool == Tool::eyedropper || (picks && picksColorWithOption(tool))) {
         sampleColor(c);
     } else if (rowOf(tool).usesBrush) {
         if (beginStroke(sample)) drag_ = Drag::paint;
-    } else if (tool == Tool::selectRect) {
-        drag_ = Drag::select;
+    } else {
+        pressTool(sample);
     }
 }
 
@@ -245,14 +248,9 @@ void CanvasView::drag(const PenSample& sample) {
     }
     case Drag::zoomDrag:
         return setZoom(zoomStart_ * std::pow(1.01, way.x()), dragStartView_);
-    case Drag::select: {
-        QPainterPath path;
-        path.addRect(selectionRect(sample.modifiers));
-        const QRegion before = overlay_.previewRegion();
-        overlay_.setPreview(path);
-        update(toWidget(before + overlay_.previewRegion()));
+    case Drag::tool:
+        dragTool(sample);
         break;
-    }
     case Drag::none:
         break;
     }
@@ -264,17 +262,9 @@ void CanvasView::release(const PenSample& sample) {
     const Drag ended = std::exchange(drag_, Drag::none);
     if (!session_) return;
     if (ended == Drag::paint) endStroke();
-    if (ended == Drag::select) {
+    if (ended == Drag::tool) {
         dragCurrent_ = canvasPoint(sample.view);
-        const QPointF way = dragCurrent_ - dragStart_;
-        const double distance = std::hypot(way.x(), way.y()) * session_->view.zoom;
-        if (distance >= kClickDistance * pixelRatio()) {
-            QPainterPath path;
-            path.addRect(selectionRect(sample.modifiers));
-            commitSelection(path, sample.modifiers);
-        } else {
-            model_.deselect();
-        }
+        releaseTool(sample);
     }
     updateOverlay();
     updateMouseCursor();
@@ -290,32 +280,6 @@ void CanvasView::dropGesture() {
     drag_ = Drag::none;
     updateOverlay();
     updateMouseCursor();
-}
-
-QRectF CanvasView::selectionRect(Qt::KeyboardModifiers modifiers) const {
-    QPointF to = dragCurrent_;
-    if (modifiers.testFlag(Qt::ShiftModifier)) {
-        const double side = std::max(std::abs(to.x() - dragStart_.x()), std::abs(to.y() - dragStart_.y()));
-        to = dragStart_ +
-             QPointF(to.x() < dragStart_.x() ? -side : side, to.y() < dragStart_.y() ? -side : side);
-    }
-    // Outward to whole pixels.
-    return IRect::covering(QRectF(dragStart_, to).normalized()).rectF();
-}
-
-void CanvasView::commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers) {
-    SelectionOp op = model_.selectionMode();
-    const bool option = modifiers.testFlag(Qt::AltModifier);
-    if (modifiers.testFlag(Qt::ControlModifier))
-        op = option ? SelectionOp::intersect : SelectionOp::add;
-    else if (option)
-        op = SelectionOp::subtract;
-    PaintDocument& doc = session_->doc();
-    doc.selection = Selection::make(path, op, doc.selection, doc.grid().width, doc.grid().height,
-                                    model_.selectionAntialias() ? Antialias::yes : Antialias::no);
-    doc.commit(tr("Select"));
-    session_->announceChange();
-    model_.announce();
 }
 
 void CanvasView::sampleColor(QPointF canvasPoint) {

@@ -95,12 +95,25 @@ bool CanvasView::handleKeyRelease(QKeyEvent* event) {
 
 bool CanvasView::handleNamedKey(QKeyEvent* event) {
     switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!model_.transform()) return false;
+        model_.applyTransform();
+        return true;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        return nudge(event->key(), event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1);
     case Qt::Key_Backspace:
     case Qt::Key_Delete:
         model_.clearLayer();
         return true;
     case Qt::Key_Escape:
-        if (drag_ == Drag::none)
+        if (model_.transform()) {
+            dropGesture();
+            model_.cancelTransform();
+        } else if (drag_ == Drag::none)
             model_.deselect();
         else if (drag_ == Drag::paint)
             cancelStroke();
@@ -110,6 +123,19 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
     default:
         return false;
     }
+}
+
+bool CanvasView::nudge(int key, int step) {
+    if (!model_.transform() && model_.tool() == Tool::move) model_.beginTransform();
+    if (!model_.transform()) return model_.tool() == Tool::move;
+    const QPointF way(key == Qt::Key_Left    ? -step
+                      : key == Qt::Key_Right ? step
+                                             : 0,
+                      key == Qt::Key_Up     ? -step
+                      : key == Qt::Key_Down ? step
+                                            : 0);
+    model_.updateTransform([&](TransformState& state) { state.center += way; });
+    return true;
 }
 
 bool CanvasView::handleCharacter(QKeyEvent* event) {

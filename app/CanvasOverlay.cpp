@@ -1,5 +1,8 @@
 #include "CanvasOverlay.h"
 
+#include "ViewTransform.h"
+
+#include <algorithm>
 #include <cmath>
 
 #include <QPainter>
@@ -14,14 +17,18 @@ constexpr int kLongOutline = 2000;       // path elements from which a step cost
 constexpr double kPreviewWidth = 1.5;    // logical points
 constexpr double kRingShadowWidth = 2.6; // the white line and 0.8 points of shadow on both sides
 
+constexpr double kHandleHalfSide = 5, kRotateRadius = 6.5; // logical points
+const QColor kHandleFill = QColor::fromRgbF(0.9f, 0.1f, 0.2f, 0.95f);
+
 QPen pen(const QColor& color, double width) {
     return {color, width, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin};
 }
 
 } // namespace
 
-void CanvasOverlay::setView(const QTransform& canvasToWidget, double pixelRatio) {
+void CanvasOverlay::setView(const QTransform& canvasToWidget, double zoom, double pixelRatio) {
     canvasToWidget_ = canvasToWidget;
+    zoom_ = std::max(zoom, kMinZoom);
     ratio_ = pixelRatio;
     antsPath_.reset();
 }
@@ -34,6 +41,63 @@ void CanvasOverlay::setSelection(SelectionRef selection) {
 
 void CanvasOverlay::setPreview(const QPainterPath& path) {
     preview_ = path;
+}
+
+void CanvasOverlay::setTransform(const std::optional<TransformState>& transform) {
+    if (!transform)
+        floatingImage_ = {};
+    else if (!transform_ || transform_->floating != transform->floating || floatingImage_.isNull()) {
+        floatingImage_ = transform->floating->buffer->makeImage();
+    }
+    transform_ = transform;
+}
+
+QPainterPath CanvasOverlay::handlesPath() const {
+    const double point = ratio_ / zoom_; // canvas pixels
+    const auto corners = transform_->corners();
+    QPainterPath path;
+    path.addPolygon(canvasToWidget_.map(QPolygonF(QList<QPointF>(corners.begin(), corners.end()))));
+    path.closeSubpath();
+    for (const QPointF& corner : corners) {
+        const QPointF at = canvasToWidget_.map(corner);
+        path.addRect(QRectF(at.x() - kHandleHalfSide * ratio_, at.y() - kHandleHalfSide * ratio_,
+                            2 * kHandleHalfSide * ratio_, 2 * kHandleHalfSide * ratio_));
+    }
+    const QPointF rotate = canvasToWidget_.map(transform_->rotateHandle(kRotateHandleDistance * point));
+    path.moveTo(canvasToWidget_.map(transform_->topMiddle()));
+    path.lineTo(rotate);
+    path.addEllipse(rotate, kRotateRadius * ratio_, kRotateRadius * ratio_);
+    return path;
+}
+
+void CanvasOverlay::paintTransform(QPainter& painter) const {
+    const QTransform device = painter.transform();
+    painter.setTransform(transform_->matrix() * canvasToWidget_, true);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom_ < 2);
+    painter.drawImage(0, 0, floatingImage_);
+    painter.setTransform(device);
+
+    const QPainterPath handles = handlesPath();
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    painter.setPen(pen(QColor(0, 0, 0, 150), 3 * ratio_));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(handles);
+    painter.setPen(pen(Qt::white, ratio_));
+    // Only squares and circle are filled: the box's own path comes first in `handles`.
+    painter.drawPath(handles);
+    painter.setBrush(kHandleFill);
+    for (const QPolygonF& part : handles.toSubpathPolygons().mid(1)) {
+        if (part.size() > 2) painter.drawPolygon(part);
+    }
+    painter.setBrush(Qt::NoBrush);
+}
+
+QRegion CanvasOverlay::transformRegion() const {
+    if (!transform_) return {};
+    const double reach = 4 * ratio_;
+    const QRectF pixels = (transform_->matrix() * canvasToWidget_)
+                              .mapRect(QRectF(0, 0, transform_->width(), transform_->height()));
+    return (pixels | handlesPath().boundingRect()).adjusted(-reach, -reach, reach, reach).toAlignedRect();
 }
 
 const QPainterPath& CanvasOverlay::antsPath() const {
@@ -52,6 +116,7 @@ void CanvasOverlay::advanceAnts(double seconds) {
 void CanvasOverlay::paint(QPainter& painter) const {
     painter.setBrush(Qt::NoBrush);
     painter.setRenderHint(QPainter::Antialiasing, true);
+    if (transform_) paintTransform(painter);
     if (selection_) {
         painter.setPen(pen(Qt::white, ratio_));
         painter.drawPath(antsPath());

@@ -1,8 +1,10 @@
 #pragma once
+#include "TransformState.h"
 #include "operations/Selection.h"
 
 #include <optional>
 
+#include <QImage>
 #include <QPainterPath>
 #include <QRegion>
 #include <QTransform>
@@ -23,9 +25,15 @@ public:
         bool operator==(const Ring&) const = default;
     };
 
-    void setView(const QTransform& canvasToWidget, double pixelRatio);
+    // Logical points on screen, whatever the zoom.
+    static constexpr double kHandleReach = 9;           ///< A press this near to a corner takes it.
+    static constexpr double kRotateHandleDistance = 28; ///< Beyond the top edge.
+
+    void setView(const QTransform& canvasToWidget, double zoom, double pixelRatio);
     void setSelection(SelectionRef selection); ///< Null: no ants.
     void setPreview(const QPainterPath& path); ///< Empty: none.
+    void
+    setTransform(const std::optional<TransformState>& transform); ///< Lifted pixels, their box and handles.
     bool hasPreview() const { return !preview_.isEmpty(); }
     void setRing(std::optional<Ring> ring) { ring_ = ring; }
     const std::optional<Ring>& ring() const { return ring_; }
@@ -40,17 +48,23 @@ public:
     QRegion ringRegion() const;
     QRegion antsRegion() const;
     QRegion previewRegion() const;
+    QRegion transformRegion() const;
 
 private:
     const QPainterPath& antsPath() const;
+    QPainterPath handlesPath() const; ///< In device pixels.
+    void paintTransform(QPainter& painter) const;
     QRegion outlineRegion(const QPainterPath& devicePath) const;
 
     QTransform canvasToWidget_;
+    double zoom_ = 1;
     double ratio_ = 1;
     SelectionRef selection_;
     mutable std::optional<QPainterPath> antsPath_; // the outline in device pixels, made once a view
     double antsPhase_ = 0;                         // logical points
     QPainterPath preview_;
+    std::optional<TransformState> transform_;
+    QImage floatingImage_; // of the lifted pixels, made once a lift
     std::optional<Ring> ring_;
 };
 

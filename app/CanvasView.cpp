@@ -176,10 +176,16 @@ void CanvasView::repaintCanvas(const std::vector<IRect>& canvasRects) {
 }
 
 void CanvasView::updateOverlay() {
-    QRegion before = overlay_.antsRegion() + overlay_.previewRegion();
-    overlay_.setSelection(session_ ? session_->doc().selection : nullptr);
+    const auto covered = [this] {
+        return overlay_.antsRegion() + overlay_.previewRegion() + overlay_.transformRegion();
+    };
+    const QRegion before = covered();
+    // A transform shows its box in place of the ants.
+    const bool floating = session_ && session_ == model_.current() && model_.transform();
+    overlay_.setTransform(floating ? model_.transform() : std::nullopt);
+    overlay_.setSelection(session_ && !floating ? session_->doc().selection : nullptr);
     if (drag_ == Drag::none) overlay_.setPreview({});
-    update(toWidget(before + overlay_.antsRegion() + overlay_.previewRegion()));
+    update(toWidget(before + covered()));
     updateAntsTimer();
 }
 
@@ -234,7 +240,7 @@ void CanvasView::applyViewTransform() {
     if (!session_) return;
     const TileGrid& grid = session_->doc().grid();
     transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
-    overlay_.setView(transform_.canvasToWidget(), pixelRatio());
+    overlay_.setView(transform_.canvasToWidget(), session_->view.zoom, pixelRatio());
     updateOverlay();
     updateCursor(lastMouseView_);
     model_.status().setView({session_->view.zoom, session_->view.rotation, session_->view.flipView});

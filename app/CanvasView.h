@@ -3,6 +3,7 @@
 #include "CanvasPresentation.h"
 #include "PenInput.h"
 #include "Tool.h"
+#include "TransformState.h"
 #include "ViewTransform.h"
 
 #include <functional>
@@ -68,6 +69,9 @@ public:
     std::function<uint64_t()> strokeSeed;
     const CanvasPresentation& presentation() const { return presentation_; }
 
+Q_SIGNALS:
+    void textRequested(QPointF canvasPoint); ///< A press of the Text tool; the window asks for the words.
+
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -86,7 +90,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    enum class Drag { none, paint, pan, select, zoomDrag };
+    enum class Drag { none, paint, pan, zoomDrag, tool };
 
     // Gestures (CanvasGestures.cpp).
     std::optional<PenSample> mouseSample(const QMouseEvent& event) const; ///< Nothing for a pen's echo.
@@ -101,15 +105,41 @@ private:
     void holdTick();
     void cancelStroke(); ///< As if it had not been begun.
     void sampleColor(QPointF canvasPoint);
-    void commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers);
-    QRectF selectionRect(Qt::KeyboardModifiers modifiers) const;
     void penEndChanged(bool eraser);
     StrokePoint strokePoint(const PenSample& sample);
     double now() const; ///< Seconds of a clock that never goes back.
 
+    // The tools that do not paint with a brush (CanvasTools.cpp).
+    struct ToolGesture;
+    static const ToolGesture* gestureOf(Tool tool);
+    void pressTool(const PenSample& sample);
+    void dragTool(const PenSample& sample);
+    void releaseTool(const PenSample& sample);
+    bool pressBucket(const PenSample& sample);
+    bool pressOnUnlockedLayer(const PenSample& sample);
+    bool pressSelect(const PenSample& sample);
+    bool pressLasso(const PenSample& sample);
+    bool pressMove(const PenSample& sample);
+    bool pressText(const PenSample& sample);
+    void dragGradient(const PenSample& sample);
+    void dragSelectBox(const PenSample& sample);
+    void dragLasso(const PenSample& sample);
+    void dragMove(const PenSample& sample);
+    void dragShape(const PenSample& sample);
+    void releaseGradient(const PenSample& sample);
+    void releaseSelectBox(const PenSample& sample);
+    void releaseLasso(const PenSample& sample);
+    void releaseShape(const PenSample& sample);
+    QPainterPath selectionBox(Qt::KeyboardModifiers modifiers) const;
+    void commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers);
+    void commitGesture(const QString& name);
+    void showPreview(const QPainterPath& canvasPath);
+    bool refusesLockedLayer();
+
     // Keys (CanvasKeys.cpp).
     bool handleNamedKey(QKeyEvent* event);
     bool handleCharacter(QKeyEvent* event);
+    bool nudge(int key, int step); ///< Moves lifted pixels by whole canvas pixels.
     void setSpaceDown(bool down);
 
     // The view (CanvasView.cpp).
@@ -147,6 +177,11 @@ private:
     QPointF panStart_;
     double zoomStart_ = 1;
     Drag drag_ = Drag::none;
+    const ToolGesture* gesture_ = nullptr; // of the drag in progress
+    std::vector<QPointF> lassoPoints_;     // canvas
+    enum class TransformDrag { move, scale, rotate };
+    TransformDrag transformDrag_ = TransformDrag::move;
+    std::optional<TransformState> dragBase_; // the transform at the press
     bool spaceDown_ = false;
     bool penDown_ = false;
     double lastPenTime_ = -1;        // of the latest pen event, by our own clock

@@ -12,6 +12,16 @@ std::optional<QString> Defaults::text(const QString& key) const {
     return QString::fromUtf8(*bytes);
 }
 
+std::optional<double> Defaults::number(const QString& key) const {
+    bool isNumber = false;
+    const double number = text(key).value_or(QString()).toDouble(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+void Defaults::setNumber(const QString& key, double number) {
+    setText(key, QString::number(number, 'g', 17));
+}
+
 std::optional<Json> Defaults::json(const QString& key) const {
     const std::optional<QByteArray> bytes = value(key);
     if (!bytes) return std::nullopt;

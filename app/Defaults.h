@@ -22,6 +22,8 @@ public:
 
     std::optional<QString> text(const QString& key) const;
     void setText(const QString& key, const QString& text) { setValue(key, text.toUtf8()); }
+    std::optional<double> number(const QString& key) const; ///< Nothing when it is absent or no number.
+    void setNumber(const QString& key, double number);
     /// The value as JSON; nothing when it is absent or malformed.
     std::optional<Json> json(const QString& key) const;
     void setJson(const QString& key, const OrderedJson& value); ///< Compact.

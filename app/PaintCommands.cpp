@@ -24,6 +24,7 @@ struct CommandRow {
     void (*run)(PaintModel&) = nullptr;
     QString (*liveTitle)(const PaintModel&) = nullptr; ///< In place of `title`, asked at each change.
     bool (*checked)(const PaintModel&) = nullptr;      ///< Makes the item checkable.
+    bool (*enabled)(const PaintModel&) = nullptr;      ///< Always, where there is none.
 };
 
 QString undoTitle(const PaintModel& model) {
@@ -39,6 +40,10 @@ QString redoTitle(const PaintModel& model) {
 QString onionTitle(const PaintModel& model) {
     const bool on = model.current() && model.current()->doc().onion.enabled;
     return on ? PaintCommands::tr("Turn Onion Skin Off") : PaintCommands::tr("Turn Onion Skin On");
+}
+
+bool transformPending(const PaintModel& model) {
+    return model.transform().has_value();
 }
 
 void togglePerformance(PaintModel& model) {
@@ -99,8 +104,19 @@ const CommandRow kCommands[] = {
     {"Edit", "undo", nullptr, Command | Qt::Key_Z, call<&PaintModel::undo>, undoTitle},
     {"Edit", "redo", nullptr, Command | Shift | Qt::Key_Z, call<&PaintModel::redo>, redoTitle},
     {"Edit", nullptr},
+    {"Edit", "fillPrimary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Paint Color"),
+     Option | Qt::Key_Backspace, [](PaintModel& model) { model.fillSelection(model.primary()); }},
+    {"Edit", "fillSecondary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Second Color"),
+     Command | Qt::Key_Backspace, [](PaintModel& model) { model.fillSelection(model.secondary()); }},
     {"Edit", "clear", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clear (Delete Pixels)"), 0,
      call<&PaintModel::clearLayer>},
+    {"Edit", nullptr},
+    {"Edit", "freeTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Free Transform"), Command | Qt::Key_T,
+     call<&PaintModel::beginTransform>},
+    {"Edit", "applyTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Apply Transform"), 0,
+     call<&PaintModel::applyTransform>, nullptr, nullptr, transformPending},
+    {"Edit", "cancelTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Cancel Transform"), 0,
+     call<&PaintModel::cancelTransform>, nullptr, nullptr, transformPending},
 
     {"Select", "selectAll", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select All"), Command | Qt::Key_A,
      call<&PaintModel::selectAll>},
@@ -111,7 +127,25 @@ const CommandRow kCommands[] = {
     {"Select", nullptr},
     {"Select", "selectRect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rectangle Select (M)"), 0,
      [](PaintModel& model) { model.setTool(Tool::selectRect); }},
+    {"Select", "selectEllipse", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Ellipse Select (O)"), 0,
+     [](PaintModel& model) { model.setTool(Tool::selectEllipse); }},
+    {"Select", "lasso", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lasso Select (L)"), 0,
+     [](PaintModel& model) { model.setTool(Tool::lasso); }},
+    {"Select", "crop", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Crop to Selection"), 0,
+     call<&PaintModel::cropToSelection>},
 
+    {"Image", "rotateClockwise", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Clockwise"), 0,
+     [](PaintModel& model) { model.rotateCanvas(1); }},
+    {"Image", "rotateCounterClockwise",
+     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Counter-clockwise"), 0,
+     [](PaintModel& model) { model.rotateCanvas(3); }},
+    {"Image", "rotateHalf", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 180°"), 0,
+     [](PaintModel& model) { model.rotateCanvas(2); }},
+    {"Image", "flipHorizontal", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flip Canvas Horizontal"), 0,
+     call<&PaintModel::flipCanvasHorizontal>},
+    {"Image", "flipVertical", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flip Canvas Vertical"), 0,
+     call<&PaintModel::flipCanvasVertical>},
+    {"Image", nullptr},
     {"Image", "flatten", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flatten Image"), 0,
      call<&PaintModel::flatten>},
 
@@ -206,10 +240,11 @@ QAction* PaintCommands::action(const QString& objectName) const {
 
 void PaintCommands::refresh() {
     for (const CommandRow& row : kCommands) {
-        if (!row.liveTitle && !row.checked) continue;
+        if (!row.liveTitle && !row.checked && !row.enabled) continue;
         QAction* item = action(QLatin1String(row.name));
         if (row.liveTitle) item->setText(plainTitle(row.liveTitle(model_)));
         if (row.checked) item->setChecked(row.checked(model_));
+        if (row.enabled) item->setEnabled(row.enabled(model_));
     }
 }
 

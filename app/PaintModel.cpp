@@ -92,8 +92,11 @@ DocSession* PaintModel::current() const {
 // --- Tool and colours
 
 void PaintModel::setTool(Tool tool) {
-    if (tool == tool_ || !rowOf(tool).works) return;
-    finishGesture();
+    if (tool == tool_) return;
+    if (tool_ == Tool::move)
+        finishGesture(); // leaving the Move tool puts the pixels down
+    else if (canvas_)
+        canvas_->endStroke();
     tool_ = tool;
     if (canvas_) canvas_->toolDidChange();
     saveStateLater();
@@ -132,13 +135,10 @@ void PaintModel::defaultColors() {
     announce();
 }
 
-void PaintModel::setSelectionMode(SelectionOp mode) {
-    selectionMode_ = mode;
-    announce();
-}
-
-void PaintModel::setSelectionAntialias(bool on) {
-    selectionAntialias_ = on;
+void PaintModel::setOptions(const ToolOptions& options) {
+    if (options == options_) return;
+    options_ = options;
+    saveStateLater();
     announce();
 }
 

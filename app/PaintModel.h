@@ -4,10 +4,11 @@
 #include "PaintPrefs.h"
 #include "RecentColors.h"
 #include "Tool.h"
+#include "ToolOptions.h"
+#include "TransformState.h"
 #include "UserBrushes.h"
 #include "brush/BrushSettings.h"
 #include "core/PaintColor.h"
-#include "operations/Selection.h"
 
 #include <functional>
 #include <map>
@@ -24,6 +25,7 @@ namespace qirn {
 class CanvasView;
 class Defaults;
 class Desktop;
+struct TextSpec;
 
 /// The one application object: the open pictures, the tool, the colours, a brush for each brush tool, and every
 /// command. Menus, panels and the canvas call it and read it again when it says `changed`; only it and the canvas
@@ -52,10 +54,8 @@ public:
     const std::vector<PaintColor>& recent() const { return recent_; }
     void swapColors();
     void defaultColors();
-    SelectionOp selectionMode() const { return selectionMode_; }
-    void setSelectionMode(SelectionOp mode);
-    bool selectionAntialias() const { return selectionAntialias_; }
-    void setSelectionAntialias(bool on);
+    const ToolOptions& options() const { return options_; }
+    void setOptions(const ToolOptions& options);
     const PaintPrefs& prefs() const { return prefs_; }
     void setPrefs(const PaintPrefs& prefs);
 
@@ -132,10 +132,25 @@ public:
     void setOnion(const std::function<void(OnionSkin&)>& change);
     void toggleOnion();
 
+    void fillSelection(const PaintColor& color);
+    void cropToSelection();
+    void rotateCanvas(int quarterTurns); ///< 1, 2 or 3, clockwise.
+    void flipCanvasHorizontal();
+    void flipCanvasVertical();
+    void placeText(const TextSpec& spec, QPointF at); ///< Canvas point of the text's top left corner.
+
+    // --- The pending transform (PaintModelTransform.cpp)
+    const std::optional<TransformState>& transform() const { return transform_; }
+    void beginTransform(); ///< Lifts the selected pixels, or the whole layer's, and takes the Move tool.
+    void updateTransform(const std::function<void(TransformState&)>& change);
+    void applyTransform();
+    void cancelTransform();
+
     // --- Stored state (PaintModelStore.cpp)
     void saveState();      ///< Writes what changed now.
     void saveStateLater(); ///< Queued, so that a press never waits for the disk.
 
+    Defaults& defaults() const { return defaults_; }
     CanvasStatus& status() { return status_; }
     CanvasView* canvas() const;
     void setCanvas(CanvasView* canvas);
@@ -145,7 +160,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void finishGesture(); ///< No command runs in the middle of a stroke: it ends first.
+    void finishGesture(); ///< No command runs in the middle of a stroke or a transform: they end first.
     void toggleActive(const QString& name, bool Layer::*flag);
     void loadState();
     void applyPrefs();
@@ -166,8 +181,9 @@ private:
     std::map<Tool, BrushSettings> toolBrush_;
     std::vector<BrushSettings> userBrushes_;
     UserBrushFile userBrushFile_;
-    SelectionOp selectionMode_ = SelectionOp::replace;
-    bool selectionAntialias_ = true;
+    ToolOptions options_;
+    std::optional<TransformState> transform_;
+    bool transformLockedAlpha_ = false; // the layer's alpha lock, set aside while its pixels float
     PaintPrefs prefs_;
     std::optional<QString> hud_;
     CanvasStatus status_;

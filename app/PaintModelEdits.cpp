@@ -3,12 +3,17 @@
 
 #include "CanvasView.h"
 #include "Desktop.h"
+#include "TextRenderer.h"
+#include "operations/Fill.h"
 #include "operations/LayerOperations.h"
+#include "operations/Reshape.h"
+#include "operations/Stamp.h"
 
 namespace qirn {
 
 void PaintModel::finishGesture() {
     if (canvas_) canvas_->endStroke();
+    applyTransform();
 }
 
 void PaintModel::edit(const QString& name, const std::function<void(PaintDocument&)>& body,
@@ -34,6 +39,7 @@ void PaintModel::afterChange(DocSession& session) {
 void PaintModel::undo() {
     DocSession* session = current();
     if (!session) return;
+    if (transform_) return cancelTransform();
     finishGesture();
     const std::optional<QString> name = session->doc().undoName();
     if (!name) return desktop_.beep();
@@ -44,7 +50,7 @@ void PaintModel::undo() {
 
 void PaintModel::redo() {
     DocSession* session = current();
-    if (session) finishGesture();
+    if (canvas_) canvas_->endStroke();
     const std::optional<QString> name = session ? session->doc().redoName() : std::nullopt;
     if (!name) return desktop_.beep();
     session->doc().redo();
@@ -195,6 +201,48 @@ void PaintModel::invertSelection() {
     const DocSession* session = current();
     if (!session || !session->doc().selection) return;
     edit(tr("Invert Selection"), [](PaintDocument& doc) { qirn::invertSelection(doc); });
+}
+
+// --- The canvas
+
+void PaintModel::fillSelection(const PaintColor& color) {
+    edit(
+        tr("Fill"), [&](PaintDocument& doc) { qirn::fillSelection(doc, color, 1); }, NeedsUnlockedLayer::yes);
+}
+
+void PaintModel::cropToSelection() {
+    const DocSession* session = current();
+    if (!session) return;
+    finishGesture();
+    if (!session->doc().selection) return flash(tr("Make a selection first"));
+    edit(tr("Crop"), [](PaintDocument& doc) { cropTo(doc, doc.selection->bounds()); });
+}
+
+void PaintModel::rotateCanvas(int quarterTurns) {
+    const QString name = quarterTurns == 1   ? tr("Rotate 90° Clockwise")
+                         : quarterTurns == 2 ? tr("Rotate 180°")
+                                             : tr("Rotate 90° Counter-clockwise");
+    edit(name, [=](PaintDocument& doc) { rotate(doc, quarterTurns); });
+}
+
+void PaintModel::flipCanvasHorizontal() {
+    edit(tr("Flip Canvas Horizontal"), [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::horizontal); });
+}
+
+void PaintModel::flipCanvasVertical() {
+    edit(tr("Flip Canvas Vertical"), [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::vertical); });
+}
+
+void PaintModel::placeText(const TextSpec& spec, QPointF at) {
+    const auto rendered = TextRenderer::render(spec);
+    if (!rendered) return flash(tr("Type some text first"));
+    edit(tr("Text"), [&](PaintDocument& doc) {
+        QString words = spec.text.left(24);
+        words.replace(u'\n', u' ');
+        qirn::addLayer(doc, tr("Text: %1").arg(words));
+        stamp(doc, *rendered->buffer, static_cast<int64_t>(at.x() + rendered->x),
+              static_cast<int64_t>(at.y() + rendered->y), doc.activeLayer(), 1, UseSelection::no);
+    });
 }
 
 } // namespace qirn

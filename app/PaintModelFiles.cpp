@@ -226,7 +226,9 @@ void PaintModel::autosaveTick() {
         const bool recent =
             session->lastAutosave.isValid() &&
             static_cast<double>(session->lastAutosave.msecsTo(now)) < prefs_.autosaveSeconds * 1000;
-        if (recent || (canvas_ && canvas_->isBusy())) continue;
+        // Lifted pixels are in no layer: a copy of such a moment would lack them.
+        const bool floating = transform_ && session.get() == current();
+        if (recent || floating || (canvas_ && canvas_->isBusy())) continue;
         Recovery::write(*session, Recovery::Synchronously::no);
         lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));
         announce();

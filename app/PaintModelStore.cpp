@@ -11,6 +11,7 @@ namespace {
 
 const QString kToolBrushesKey = QStringLiteral("qirn.pt.toolBrushes");
 const QString kColorsKey = QStringLiteral("qirn.pt.colors");
+const QString kFillKey = QStringLiteral("qirn.pt.fill");
 const QString kToolKey = QStringLiteral("qirn.pt.tool");
 
 /// The brush of each tool that has one; nothing when the record as a whole does not decode.
@@ -58,9 +59,16 @@ void PaintModel::loadState() {
             recent_.assign(colors.begin() + 2, colors.begin() + static_cast<std::ptrdiff_t>(end));
         }
     }
+    if (const auto record = defaults_.json(kFillKey)) {
+        try {
+            options_.fill = FillOptions::fromJson(*record);
+        } catch (const JsonTypeError&) {
+            // The built-in values stay.
+        }
+    }
     if (const auto id = defaults_.text(kToolKey)) {
         const std::optional<Tool> tool = toolWithId(*id);
-        if (tool && rowOf(*tool).works) tool_ = *tool;
+        if (tool) tool_ = *tool;
     }
 }
 
@@ -76,6 +84,7 @@ void PaintModel::saveState() {
     OrderedJson colors = OrderedJson::array({colorToJson(primary_), colorToJson(secondary_)});
     for (const PaintColor& color : recent_) colors.push_back(colorToJson(color));
     defaults_.setJson(kColorsKey, colors);
+    defaults_.setJson(kFillKey, options_.fill.toJson());
     defaults_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
 }
 

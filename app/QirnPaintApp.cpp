@@ -4,9 +4,13 @@
 #include "Defaults.h"
 #include "MainView.h"
 #include "PaintModel.h"
+#include "PaintSample.h"
 #include "QirnKit.h"
 #include "QtDesktop.h"
 #include "SelfTest.h"
+#include "platform/DescribedError.h"
+
+#include <cstdio>
 
 #include <QApplication>
 #include <QFileInfo>
@@ -15,15 +19,41 @@
 
 namespace qirn {
 
+namespace {
+
+/// What follows the first "--make-sample"; empty when nothing does.
+QString samplePath(const QStringList& arguments) {
+    const qsizetype at = arguments.indexOf(QStringLiteral("--make-sample"), 1);
+    return at < 0 ? QString() : arguments.value(at + 1);
+}
+
+int makeSample(const QString& path) {
+    int argc = 1;
+    char name[] = "QirnPaint";
+    char* argv[] = {name, nullptr};
+    const QGuiApplication app(argc, argv); // for the text
+    try {
+        PaintSample::write(path);
+    } catch (const DescribedError& error) {
+        std::printf("Sample failed: %s\n", qPrintable(error.description()));
+        return 1;
+    }
+    std::printf("Sample written: %s\n", qPrintable(path));
+    return 0;
+}
+
+} // namespace
+
 CommandModes::Mode CommandModes::modeOf(const QStringList& arguments) {
     const QStringList given = arguments.mid(1);
     if (given.contains(QStringLiteral("--selftest"))) return Mode::selfTest;
     if (given.contains(QStringLiteral("--benchmark"))) return Mode::benchmark;
-    return Mode::none;
+    return samplePath(arguments).isEmpty() ? Mode::none : Mode::makeSample;
 }
 
-int CommandModes::run(Mode mode) {
+int CommandModes::run(Mode mode, const QStringList& arguments) {
     if (mode == Mode::selfTest) return runSelfTest();
+    if (mode == Mode::makeSample) return makeSample(samplePath(arguments));
     runBenchmark();
     return 0;
 }

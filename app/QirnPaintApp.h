@@ -8,11 +8,11 @@ namespace qirn {
 /// The command-line modes, which open no window.
 namespace CommandModes {
 
-enum class Mode { none, selfTest, benchmark };
+enum class Mode { none, selfTest, benchmark, makeSample };
 /// What the arguments (the program's name first) ask for; the self-test wins over the benchmark.
 Mode modeOf(const QStringList& arguments);
-/// Runs the mode and returns the process's exit code.
-int run(Mode mode);
+/// Runs the mode with the same arguments and returns the process's exit code.
+int run(Mode mode, const QStringList& arguments);
 
 } // namespace CommandModes
 

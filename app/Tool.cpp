@@ -17,7 +17,7 @@ std::optional<Tool> toolWithId(const QString& id) {
 
 std::optional<Tool> toolWithKey(QChar letter) {
     for (const ToolRow& row : kTools) {
-        if (row.works && letter.toUpper() == QLatin1Char(row.key)) return row.tool;
+        if (letter.toUpper() == QLatin1Char(row.key)) return row.tool;
     }
     return std::nullopt;
 }

@@ -34,29 +34,28 @@ struct ToolRow {
     const char* helpTopic;
     bool usesBrush;
     bool edits; ///< Changes pixels.
-    bool works; ///< Has its gestures; only these are offered.
 };
 
 inline constexpr int kToolCount = 15;
 inline constexpr std::array<ToolRow, kToolCount> kTools{{
-    {Tool::brush, "brush", QT_TRANSLATE_NOOP("Tool", "Brush"), 'B', "brush", true, true, true},
-    {Tool::eraser, "eraser", QT_TRANSLATE_NOOP("Tool", "Eraser"), 'E', "eraser", true, true, true},
-    {Tool::smudge, "smudge", QT_TRANSLATE_NOOP("Tool", "Smudge"), 'S', "smudge-blur", true, true, true},
-    {Tool::blur, "blur", QT_TRANSLATE_NOOP("Tool", "Blur"), 'R', "smudge-blur", true, true, true},
-    {Tool::bucket, "bucket", QT_TRANSLATE_NOOP("Tool", "Bucket Fill"), 'G', "bucket", false, true, false},
-    {Tool::gradient, "gradient", QT_TRANSLATE_NOOP("Tool", "Gradient"), 'D', "gradient", false, true, false},
-    {Tool::eyedropper, "eyedropper", QT_TRANSLATE_NOOP("Tool", "Eyedropper"), 'I', "eyedropper", false, false,
-     true},
+    {Tool::brush, "brush", QT_TRANSLATE_NOOP("Tool", "Brush"), 'B', "brush", true, true},
+    {Tool::eraser, "eraser", QT_TRANSLATE_NOOP("Tool", "Eraser"), 'E', "eraser", true, true},
+    {Tool::smudge, "smudge", QT_TRANSLATE_NOOP("Tool", "Smudge"), 'S', "smudge-blur", true, true},
+    {Tool::blur, "blur", QT_TRANSLATE_NOOP("Tool", "Blur"), 'R', "smudge-blur", true, true},
+    {Tool::bucket, "bucket", QT_TRANSLATE_NOOP("Tool", "Bucket Fill"), 'G', "bucket", false, true},
+    {Tool::gradient, "gradient", QT_TRANSLATE_NOOP("Tool", "Gradient"), 'D', "gradient", false, true},
+    {Tool::eyedropper, "eyedropper", QT_TRANSLATE_NOOP("Tool", "Eyedropper"), 'I', "eyedropper", false,
+     false},
     {Tool::selectRect, "selectRect", QT_TRANSLATE_NOOP("Tool", "Rectangle Select"), 'M', "selections", false,
-     false, true},
+     false},
     {Tool::selectEllipse, "selectEllipse", QT_TRANSLATE_NOOP("Tool", "Ellipse Select"), 'O', "selections",
-     false, false, false},
-    {Tool::lasso, "lasso", QT_TRANSLATE_NOOP("Tool", "Lasso Select"), 'L', "selections", false, false, false},
-    {Tool::move, "move", QT_TRANSLATE_NOOP("Tool", "Move & Transform"), 'V', "transform", false, true, false},
-    {Tool::shape, "shape", QT_TRANSLATE_NOOP("Tool", "Shapes"), 'U', "shapes", false, true, false},
-    {Tool::text, "text", QT_TRANSLATE_NOOP("Tool", "Text"), 'T', "text", false, true, false},
-    {Tool::hand, "hand", QT_TRANSLATE_NOOP("Tool", "Hand (Pan)"), 'H', "navigate", false, false, true},
-    {Tool::zoom, "zoom", QT_TRANSLATE_NOOP("Tool", "Zoom"), 'Z', "navigate", false, false, true},
+     false, false},
+    {Tool::lasso, "lasso", QT_TRANSLATE_NOOP("Tool", "Lasso Select"), 'L', "selections", false, false},
+    {Tool::move, "move", QT_TRANSLATE_NOOP("Tool", "Move & Transform"), 'V', "transform", false, true},
+    {Tool::shape, "shape", QT_TRANSLATE_NOOP("Tool", "Shapes"), 'U', "shapes", false, true},
+    {Tool::text, "text", QT_TRANSLATE_NOOP("Tool", "Text"), 'T', "text", false, true},
+    {Tool::hand, "hand", QT_TRANSLATE_NOOP("Tool", "Hand (Pan)"), 'H', "navigate", false, false},
+    {Tool::zoom, "zoom", QT_TRANSLATE_NOOP("Tool", "Zoom"), 'Z', "navigate", false, false},
 }};
 
 constexpr const ToolRow& rowOf(Tool tool) {

@@ -10,5 +10,5 @@ int main(int argc, char** argv) {
     if (mode == CommandModes::Mode::none) return runStudio(argc, argv);
     // No window ever opens in these, so none needs a display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    return CommandModes::run(mode);
+    return CommandModes::run(mode, arguments);
 }

@@ -19,6 +19,7 @@
 #include "ToolOptionsBar.h"
 #include "ToolRail.h"
 #include "sheets/RecoverySheet.h"
+#include "sheets/TextSheet.h"
 
 namespace qirn {
 
@@ -52,6 +53,8 @@ MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(mo
     rows->addWidget(new StatusBar(model, content));
     setCentralWidget(content);
 
+    connect(canvas_, &CanvasView::textRequested, this,
+            [this](QPointF at) { TextSheet(model_, at, this).exec(); });
     model.setCanvas(canvas_);
     canvas_->setFocus();
     resize(screen() ? kSize.boundedTo(screen()->availableSize()) : kSize);

@@ -28,12 +28,14 @@ struct Slider {
     void (*set)(PaintModel&, double);
 };
 struct Segments {
-    const char* label; ///< Only read out.
-    std::array<const char*, 4> titles;
+    const char* label;                 ///< Only read out.
+    std::array<const char*, 4> titles; ///< The last ones may be null.
     const char* tip;
     int (*get)(const PaintModel&);
     void (*set)(PaintModel&, int);
 };
+/// A menu of the shapes.
+struct ShapeMenu {};
 struct Toggle {
     const char* label;
     const char* tip;
@@ -49,8 +51,8 @@ struct Note {
 };
 
 struct Row {
-    bool (*shows)(Tool); ///< For which tools it is there.
-    std::variant<PresetMenu, Slider, Segments, Toggle, Button, Note> control;
+    bool (*shows)(const PaintModel&); ///< When it is there.
+    std::variant<PresetMenu, Slider, Segments, ShapeMenu, Toggle, Button, Note> control;
 };
 
 std::span<const Row> all(); ///< In the order in which they stand in the bar.

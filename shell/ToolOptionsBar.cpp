@@ -1,5 +1,7 @@
 #include "ToolOptionsBar.h"
 
+#include <QComboBox>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -20,8 +22,8 @@ namespace qirn {
 
 namespace {
 
-bool movesView(Tool tool) {
-    return tool == Tool::hand || tool == Tool::zoom;
+bool movesView(const PaintModel& model) {
+    return model.tool() == Tool::hand || model.tool() == Tool::zoom;
 }
 
 } // namespace
@@ -57,14 +59,14 @@ QString ToolOptionsBar::hostTip(const char* tip) const {
     return tip ? hostWords(tr(tip)) : QString();
 }
 
-ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptionRows::PresetMenu&) {
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::PresetMenu&) {
     auto* menu = new BrushPresetMenu(model_, this);
     return {shows, menu, [menu] { menu->refresh(); }};
 }
 
-ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptionRows::Slider& row) {
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::Slider& row) {
     auto* slider = new ChromeSlider(tr(row.label), row.scale, ToolOptionRows::formatOf(row.show), this);
-    slider->setObjectName(QLatin1String(row.label));
+    slider->setObjectName(QString::fromUtf8(row.label));
     slider->setToolTip(hostTip(row.tip));
     slider->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     connect(slider, &ChromeSlider::valueChanged, this,
@@ -72,20 +74,37 @@ ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptio
     return {shows, slider, [this, slider, get = row.get] { slider->setValue(get(model_)); }};
 }
 
-ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptionRows::Segments& row) {
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::Segments& row) {
     QStringList titles;
-    for (const char* title : row.titles) titles << tr(title);
+    for (const char* title : row.titles) {
+        if (title) titles << tr(title);
+    }
     auto* segments = new ChromeSegments(tr(row.label), titles, this);
-    segments->setObjectName(QLatin1String(row.label));
+    segments->setObjectName(QString::fromUtf8(row.label));
     segments->setToolTip(hostTip(row.tip));
     connect(segments, &ChromeSegments::picked, this,
             [this, set = row.set](int index) { set(model_, index); });
     return {shows, segments, [this, segments, get = row.get] { segments->setChosen(get(model_)); }};
 }
 
-ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptionRows::Toggle& row) {
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::ShapeMenu&) {
+    auto* menu = new QComboBox(this);
+    menu->setObjectName(QStringLiteral("Shape"));
+    menu->setAccessibleName(tr("Shape"));
+    for (const ShapeRow& shape : kShapes)
+        menu->addItem(QCoreApplication::translate("ShapeKind", shape.title));
+    connect(menu, &QComboBox::activated, this, [this](int index) {
+        ToolOptions options = model_.options();
+        options.shapeKind = static_cast<ShapeKind>(index);
+        model_.setOptions(options);
+    });
+    return {shows, menu,
+            [this, menu] { menu->setCurrentIndex(static_cast<int>(model_.options().shapeKind)); }};
+}
+
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::Toggle& row) {
     auto* toggle = new ChromeToggle(tr(row.label), this);
-    toggle->setObjectName(QLatin1String(row.label));
+    toggle->setObjectName(QString::fromUtf8(row.label));
     toggle->setToolTip(hostTip(row.tip));
     connect(toggle, &ChromeToggle::toggled, this, [this, set = row.set](bool on) { set(model_, on); });
     return {shows, toggle, [this, toggle, get = row.get] {
@@ -94,22 +113,22 @@ ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptio
             }};
 }
 
-ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptionRows::Button& row) {
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::Button& row) {
     auto* button = new QPushButton(tr(row.label), this);
-    button->setObjectName(QLatin1String(row.label));
+    button->setObjectName(QString::fromUtf8(row.label));
     button->setFocusPolicy(Qt::TabFocus);
     connect(button, &QPushButton::clicked, this, [this, run = row.run] { run(model_); });
     return {shows, button, {}};
 }
 
-ToolOptionsBar::Option ToolOptionsBar::made(bool (*shows)(Tool), const ToolOptionRows::Note& row) {
+ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::Note& row) {
     return {shows, new ChromeNote(hostWords(tr(row.text)), this), {}};
 }
 
 void ToolOptionsBar::refresh() {
     title_->setText(toolTitle(model_.tool()));
     for (const Option& option : options_) {
-        option.widget->setVisible(option.shows(model_.tool()));
+        option.widget->setVisible(option.shows(model_));
         if (option.read) option.read();
     }
 }

@@ -19,17 +19,19 @@ public:
     ToolOptionsBar(PaintModel& model, QWidget* parent);
 
 private:
+    using Shows = bool (*)(const PaintModel&);
     struct Option {
-        bool (*shows)(Tool);
+        Shows shows;
         QWidget* widget;
         std::function<void()> read; ///< Shows the model's value without setting it; may be absent.
     };
-    Option made(bool (*shows)(Tool), const ToolOptionRows::PresetMenu& row);
-    Option made(bool (*shows)(Tool), const ToolOptionRows::Slider& row);
-    Option made(bool (*shows)(Tool), const ToolOptionRows::Segments& row);
-    Option made(bool (*shows)(Tool), const ToolOptionRows::Toggle& row);
-    Option made(bool (*shows)(Tool), const ToolOptionRows::Button& row);
-    Option made(bool (*shows)(Tool), const ToolOptionRows::Note& row);
+    Option made(Shows shows, const ToolOptionRows::PresetMenu& row);
+    Option made(Shows shows, const ToolOptionRows::Slider& row);
+    Option made(Shows shows, const ToolOptionRows::Segments& row);
+    Option made(Shows shows, const ToolOptionRows::ShapeMenu& row);
+    Option made(Shows shows, const ToolOptionRows::Toggle& row);
+    Option made(Shows shows, const ToolOptionRows::Button& row);
+    Option made(Shows shows, const ToolOptionRows::Note& row);
     QString hostTip(const char* tip) const;
     void refresh();
 

@@ -25,7 +25,6 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Metrics::kSpace4);
     for (const ToolRow& row : kTools) {
-        if (!row.works) continue;
         const QString tip = QStringLiteral("%1 (%2)").arg(toolTitle(row.tool)).arg(QLatin1Char(row.key));
         auto* button = new RoundButton(kToolIcons[static_cast<std::size_t>(row.tool)], tip, this);
         button->setObjectName(QLatin1String(row.id));

@@ -520,7 +520,9 @@ void tst_CanvasView::rectanglesAreSelected() {
     studio.model.setTool(Tool::selectRect);
     studio.mouseDrag({20.6, 20.6}, {99.2, 99.2});
     QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 80, 80}));
-    studio.model.setSelectionMode(static_cast<SelectionOp>(mode));
+    ToolOptions options = studio.model.options();
+    options.selectionMode = static_cast<SelectionOp>(mode);
+    studio.model.setOptions(options);
     studio.mouseDrag({60, 60}, {140, 140}, keys);
     QVERIFY(studio.doc().selection);
     QCOMPARE(int(studio.doc().selection->value(30, 30)), first);
@@ -560,8 +562,8 @@ void tst_CanvasView::keysDoWhatTheyDo() {
     QCOMPARE(studio.model.tool(), Tool::eraser);
     studio.key(Qt::Key_B, QStringLiteral("b"), Qt::ControlModifier);
     QCOMPARE(studio.model.tool(), Tool::eraser);
-    studio.key(Qt::Key_G, QStringLiteral("g")); // its gestures come later
-    QCOMPARE(studio.model.tool(), Tool::eraser);
+    studio.key(Qt::Key_G, QStringLiteral("g"));
+    QCOMPARE(studio.model.tool(), Tool::bucket);
     const PaintColor first = studio.model.primary();
     studio.key(Qt::Key_X, QStringLiteral("x"));
     QCOMPARE(studio.model.secondary(), first);

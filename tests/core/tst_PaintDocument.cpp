@@ -8,7 +8,6 @@
 
 #include <fstream>
 
-
 #include <unistd.h>
 
 using namespace qirn;

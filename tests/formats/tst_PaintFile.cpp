@@ -13,7 +13,6 @@
 #include <cstring>
 #include <set>
 
-
 using namespace qirn;
 using namespace qirn::test;
 

@@ -1,7 +1,6 @@
 #include "platform/Json.h"
 #include "support/TestMain.h"
 
-
 using namespace qirn;
 
 namespace {

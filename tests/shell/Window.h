@@ -39,10 +39,14 @@ struct Window {
     PaintDocument& doc() { return session().doc(); }
     CanvasView& canvas() { return view.canvas(); }
 
+    /// Of two controls of one name, as two tools can have, the one that is shown.
     template <class T> T& find(const char* name) {
-        T* found = view.findChild<T*>(QLatin1String(name));
-        if (!found) qFatal("The window has no %s.", name);
-        return *found;
+        const QList<T*> found = view.findChildren<T*>(QString::fromUtf8(name));
+        if (found.isEmpty()) qFatal("The window has no %s.", name);
+        for (T* control : found) {
+            if (control->isVisible()) return *control;
+        }
+        return *found.front();
     }
     template <class T> T& find() {
         T* found = view.findChild<T*>();

@@ -147,7 +147,7 @@ private Q_SLOTS:
         Window w;
         for (const ToolRow& row : kTools) {
             auto* button = w.view.findChild<QAbstractButton*>(QLatin1String(row.id));
-            QCOMPARE(button != nullptr, row.works);
+            QVERIFY(button != nullptr);
             if (!button) continue;
             QCOMPARE(button->toolTip(),
                      QStringLiteral("%1 (%2)").arg(QLatin1String(row.title)).arg(QLatin1Char(row.key)));

@@ -2,10 +2,13 @@
 #include "ChromeSegments.h"
 #include "ChromeSlider.h"
 #include "ChromeToggle.h"
+#include "ToolOptionsBar.h"
 #include "Window.h"
 #include "support/TestMain.h"
 
 #include <set>
+
+#include <algorithm>
 
 #include <QLabel>
 #include <QMenu>
@@ -18,14 +21,22 @@ class tst_ToolOptions : public QObject {
     Q_OBJECT
 
     static QStringList shownControls(Window& w) {
-        static const QStringList known{
-            "Brush preset",      "Size",           "Opacity",      "Flow", "Strength", "Stabilizer",
-            "Sample all layers", "Selection mode", "Smooth edges", "All",  "None",     "Invert",
-            "Rotate view"};
+        static const QStringList known{"Brush preset",   "Size",         "Opacity",
+                                       "Flow",           "Strength",     "Stabilizer",
+                                       "Tolerance",      "Contiguous",   "Sample all layers",
+                                       "Grow",           "Type",         "Color → transparent",
+                                       "Shape",          "Fill",         "Outline",
+                                       "Line width",     "Transform",    "Scale",
+                                       "Rotate",         "Flip ↔",       "Apply (Return)",
+                                       "Selection mode", "Smooth edges", "All",
+                                       "None",           "Invert",       "Rotate view"};
+        const auto& bar = w.find<ToolOptionsBar>();
         QStringList shown;
-        for (const QString& name : known)
-            if (const auto* widget = w.view.findChild<QWidget*>(name); widget && widget->isVisible())
+        for (const QString& name : known) {
+            const auto named = bar.findChildren<QWidget*>(name);
+            if (std::any_of(named.begin(), named.end(), [](QWidget* widget) { return widget->isVisible(); }))
                 shown << name;
+        }
         return shown;
     }
 
@@ -45,6 +56,13 @@ private Q_SLOTS:
         QTest::newRow("eyedropper") << Tool::eyedropper << "Eyedropper" << QStringList{"Sample all layers"};
         QTest::newRow("select") << Tool::selectRect << "Rectangle Select"
                                 << QStringList{"Selection mode", "Smooth edges", "All", "None", "Invert"};
+        QTest::newRow("bucket") << Tool::bucket << "Bucket Fill"
+                                << QStringList{"Tolerance", "Contiguous", "Sample all layers", "Grow"};
+        QTest::newRow("gradient") << Tool::gradient << "Gradient"
+                                  << QStringList{"Opacity", "Type", "Color → transparent"};
+        QTest::newRow("shape") << Tool::shape << "Shapes"
+                               << QStringList{"Shape", "Fill", "Outline", "Line width"};
+        QTest::newRow("move") << Tool::move << "Move & Transform" << QStringList{"Transform"};
         QTest::newRow("hand") << Tool::hand << "Hand (Pan)" << QStringList{"Rotate view"};
         QTest::newRow("zoom") << Tool::zoom << "Zoom" << QStringList{"Rotate view"};
     }
@@ -54,6 +72,21 @@ private Q_SLOTS:
         w.model.setTool(tool);
         QTEST(w.find<QLabel>("toolTitle").text(), "title");
         QTEST(shownControls(w), "controls");
+    }
+
+    void liftedPixelsHaveTheirOwnOptions() {
+        Window w;
+        w.paint();
+        w.model.beginTransform();
+        QCOMPARE(shownControls(w), (QStringList{"Scale", "Rotate", "Flip ↔", "Apply (Return)"}));
+        w.find<ChromeSlider>("Scale").setFocus();
+        w.model.updateTransform([](TransformState& state) { state.scaleX = state.scaleY = 2; });
+        QCOMPARE(w.find<ChromeSlider>("Scale").value(), 2.0);
+        w.click("Flip ↔");
+        QVERIFY(w.model.transform()->flipH);
+        w.model.setTool(Tool::bucket);
+        QVERIFY(!w.model.transform());
+        QCOMPARE(w.model.current()->doc().undoName(), QStringLiteral("Transform"));
     }
 
     void aSliderSetsTheBrushOfItsTool() {
@@ -120,11 +153,13 @@ private Q_SLOTS:
         for (auto* part : mode.findChildren<QAbstractButton*>())
             if (part->accessibleName().endsWith(QStringLiteral("Subtract")))
                 QTest::mouseClick(part, Qt::LeftButton);
-        QCOMPARE(w.model.selectionMode(), SelectionOp::subtract);
-        w.model.setSelectionMode(SelectionOp::intersect);
+        QCOMPARE(w.model.options().selectionMode, SelectionOp::subtract);
+        ToolOptions options = w.model.options();
+        options.selectionMode = SelectionOp::intersect;
+        w.model.setOptions(options);
         QCOMPARE(mode.chosen(), 3);
         w.click("Smooth edges");
-        QVERIFY(!w.model.selectionAntialias());
+        QVERIFY(!w.model.options().selectionAntialias);
         w.click("All");
         QVERIFY(w.doc().selection);
         w.click("None");

@@ -1,0 +1,25 @@
+#pragma once
+#include "operations/Fill.h"
+#include "operations/Gradient.h"
+#include "operations/Selection.h"
+#include "operations/ShapePath.h"
+
+namespace qirn {
+
+/// The options of the tools that have no brush.
+struct ToolOptions {
+    FillOptions fill;
+    GradientKind gradientKind = GradientKind::linear;
+    bool gradientToTransparent = false; ///< From the paint colour to nothing, otherwise to the second colour.
+    double gradientOpacity = 1;
+    ShapeKind shapeKind = ShapeKind::rectangle;
+    bool shapeFill = true;
+    bool shapeOutline = false;
+    double shapeLineWidth = 6; ///< Canvas pixels.
+    SelectionOp selectionMode = SelectionOp::replace;
+    bool selectionAntialias = true;
+
+    bool operator==(const ToolOptions&) const = default;
+};
+
+} // namespace qirn

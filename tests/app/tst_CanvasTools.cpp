@@ -1,0 +1,381 @@
+#include "TextSpec.h"
+#include "compositing/CompositeInputs.h"
+#include "operations/LayerOperations.h"
+#include "support/Pictures.h"
+#include "support/Studio.h"
+#include "support/TestMain.h"
+
+#include <cmath>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+void setOptions(Studio& studio, const std::function<void(ToolOptions&)>& change) {
+    ToolOptions options = studio.model.options();
+    change(options);
+    studio.model.setOptions(options);
+}
+
+/// A red square on the active layer, committed.
+constexpr IRect kSquare{100, 80, 40, 30};
+constexpr PixelBytes kRed{255, 0, 0, 255};
+
+void paintSquare(Studio& studio) {
+    paintRect(studio.doc(), studio.layer(), kSquare, kRed);
+    studio.doc().commit(QStringLiteral("Square"));
+}
+
+} // namespace
+
+class tst_CanvasTools : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void everyToolHasAKeyAndAGesture();
+    void theBucketFillsAndRemembersTheColour();
+    void aGradientRunsFromPressToRelease();
+    void shapesAreDrawnInTheirColours_data();
+    void shapesAreDrawnInTheirColours();
+    void lockedLayersRefuseEveryTool();
+    void ellipsesAndLassosSelect();
+    void aLassoOfTwoPointsIsAClick();
+    void movedPixelsKeepTheirBytesAndTheirSelection();
+    void aTransformIsOneUndoStep_data();
+    void aTransformIsOneUndoStep();
+    void escapeAndUndoPutPixelsBack();
+    void handlesScaleAndTurn();
+    void arrowsNudge();
+    void nothingToMoveIsTold();
+    void alphaLockLosesNothing();
+    void noSafetyCopyOfFloatingPixels();
+    void textBecomesALayer();
+};
+
+void tst_CanvasTools::everyToolHasAKeyAndAGesture() {
+    Studio studio;
+    for (const ToolRow& row : kTools) {
+        studio.key(0, QString(QLatin1Char(row.key)).toLower());
+        QCOMPARE(studio.model.tool(), row.tool);
+        studio.mouseDrag({30, 30}, {90, 70}); // none of them stops the program, whatever it does
+        studio.key(Qt::Key_Escape);
+    }
+}
+
+void tst_CanvasTools::theBucketFillsAndRemembersTheColour() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.setTool(Tool::bucket);
+    studio.model.setPrimary(PaintColor(0, 0, 1));
+    studio.mouseDrag({110.9, 90.2}, {110.9, 90.2});
+    QCOMPARE(studio.layer().pixel(139, 109), (PixelBytes{0, 0, 255, 255}));
+    QCOMPARE(studio.layer().pixel(140, 100), (PixelBytes{0, 0, 255, 255})); // grown by a pixel
+    QCOMPARE(studio.layer().pixel(142, 100)[3], uint8_t{0});
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Bucket Fill"));
+    QCOMPARE(studio.model.recent().front(), PaintColor(0, 0, 1));
+    studio.mouseDrag({-5, 20}, {-5, 20});
+    QCOMPARE(studio.model.hud(), QStringLiteral("Click inside the picture to fill"));
+    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+}
+
+void tst_CanvasTools::aGradientRunsFromPressToRelease() {
+    Studio studio;
+    studio.model.setTool(Tool::gradient);
+    studio.model.setPrimary(PaintColor::black());
+    studio.mouseDrag({100, 50}, {300, 50});
+    QCOMPARE(studio.layer().pixel(50, 10), (PixelBytes{0, 0, 0, 255}));
+    QCOMPARE(studio.layer().pixel(350, 290), (PixelBytes{255, 255, 255, 255}));
+    QVERIFY(std::abs(studio.layer().pixel(200, 150)[0] - 128) <= 2);
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Gradient"));
+    studio.mouseDrag({100, 50}, {100.5, 50});
+    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+    studio.model.undo();
+    setOptions(studio, [](ToolOptions& options) { options.gradientToTransparent = true; });
+    studio.mouseDrag({100, 50}, {300, 50});
+    QCOMPARE(studio.layer().pixel(350, 290)[3], uint8_t{0});
+}
+
+void tst_CanvasTools::shapesAreDrawnInTheirColours_data() {
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<bool>("fill");
+    QTest::addColumn<bool>("outline");
+    QTest::addColumn<QString>("inside"); // empty: transparent
+    QTest::addColumn<QString>("edge");
+    QTest::addColumn<QString>("undo"); // empty: refused
+    const int rectangle = int(ShapeKind::rectangle), line = int(ShapeKind::line);
+    QTest::newRow("filled") << rectangle << true << false << "#FF0000"
+                            << "#FF0000"
+                            << "Rectangle";
+    QTest::newRow("outlined") << rectangle << false << true << ""
+                              << "#FF0000"
+                              << "Rectangle";
+    QTest::newRow("both") << rectangle << true << true << "#FF0000"
+                          << "#0000FF"
+                          << "Rectangle";
+    QTest::newRow("neither") << rectangle << false << false << ""
+                             << ""
+                             << "";
+    QTest::newRow("a line is always drawn") << line << true << false << "#FF0000"
+                                            << "#FF0000"
+                                            << "Line";
+    QTest::newRow("hexagon") << int(ShapeKind::polygon) << true << false << "#FF0000"
+                             << ""
+                             << "Hexagon";
+}
+
+void tst_CanvasTools::shapesAreDrawnInTheirColours() {
+    QFETCH(int, kind);
+    QFETCH(bool, fill);
+    QFETCH(bool, outline);
+    QFETCH(QString, inside);
+    QFETCH(QString, edge);
+    QFETCH(QString, undo);
+    Studio studio;
+    studio.model.setTool(Tool::shape);
+    setOptions(studio, [&](ToolOptions& options) {
+        options.shapeKind = static_cast<ShapeKind>(kind);
+        options.shapeFill = fill;
+        options.shapeOutline = outline;
+    });
+    studio.model.setPrimary(PaintColor(0, 0, 1));
+    studio.model.swapColors();
+    studio.model.setPrimary(PaintColor(1, 0, 0));
+    studio.mouseDrag({50, 50}, {250, 150});
+    const auto colourAt = [&](int64_t x, int64_t y) {
+        const PixelBytes p = studio.layer().pixel(x, y);
+        return p[3] == 0 ? QString() : PaintColor::fromBytes(p[0], p[1], p[2]).hex();
+    };
+    QCOMPARE(colourAt(150, 100), inside);
+    QCOMPARE(colourAt(51, 51), edge);
+    QCOMPARE(studio.doc().undoName().value_or(QString()), undo);
+    if (undo.isEmpty()) QCOMPARE(studio.model.hud(), QStringLiteral("Turn on Fill or Outline for shapes"));
+}
+
+void tst_CanvasTools::lockedLayersRefuseEveryTool() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.toggleLock();
+    const uint64_t print = studio.doc().fingerprint();
+    for (const Tool tool : {Tool::bucket, Tool::gradient, Tool::shape, Tool::move}) {
+        studio.model.flash(QString());
+        studio.model.setTool(tool);
+        studio.mouseDrag({110, 90}, {200, 150});
+        QCOMPARE(studio.model.hud(), QStringLiteral("The layer is locked"));
+    }
+    QCOMPARE(studio.doc().fingerprint(), print);
+    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+}
+
+void tst_CanvasTools::ellipsesAndLassosSelect() {
+    Studio studio;
+    studio.model.setTool(Tool::selectEllipse);
+    studio.mouseDrag({100, 100}, {200, 160});
+    QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
+    QCOMPARE(int(studio.doc().selection->value(102, 102)), 0);
+    studio.model.setTool(Tool::lasso);
+    const auto lasso = [&](Qt::KeyboardModifiers keys) {
+        studio.mouseEvent(QEvent::MouseButtonPress, {20, 20}, keys);
+        for (const QPointF& p : {QPointF(80, 20), QPointF(80, 80), QPointF(20, 80)})
+            studio.mouseEvent(QEvent::MouseMove, p, keys);
+        studio.mouseEvent(QEvent::MouseButtonRelease, {20, 80}, keys);
+    };
+    lasso(Qt::ShiftModifier); // adds, with this tool alone
+    QCOMPARE(int(studio.doc().selection->value(50, 50)), 255);
+    QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
+    lasso({});
+    QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 60, 60}));
+}
+
+void tst_CanvasTools::aLassoOfTwoPointsIsAClick() {
+    Studio studio;
+    studio.model.selectAll();
+    studio.model.setTool(Tool::lasso);
+    studio.mouseDrag({50, 50}, {50.5, 50.5});
+    QVERIFY(!studio.doc().selection);
+}
+
+void tst_CanvasTools::movedPixelsKeepTheirBytesAndTheirSelection() {
+    Studio studio;
+    studio.layer().load(*noise(400, 300, 9));
+    studio.doc().commit(QStringLiteral("Noise"));
+    const auto before = studio.layer().toBuffer();
+    QPainterPath path;
+    path.addRect(100, 80, 40, 30);
+    studio.doc().selection = Selection::make(path, SelectionOp::replace, nullptr, 400, 300, Antialias::yes);
+    studio.model.setTool(Tool::move);
+    studio.mouseDrag({110, 90}, {217, 163});
+    QVERIFY(studio.model.transform());
+    QCOMPARE(studio.layer().pixel(120, 90)[3], uint8_t{0}); // they float
+    studio.key(Qt::Key_Return);
+    QVERIFY(!studio.model.transform());
+    QCOMPARE(studio.doc().selection->bounds(), (IRect{207, 153, 40, 30}));
+    for (int64_t y = 0; y < 30; ++y) {
+        for (int64_t x = 0; x < 40; ++x) {
+            const PixelBytes moved = before->pixel(100 + x, 80 + y);
+            if (moved[3] == 255) QCOMPARE(studio.layer().pixel(207 + x, 153 + y), moved);
+        }
+    }
+    studio.model.undo();
+    QCOMPARE(firstDifference(*studio.layer().toBuffer(), *before), QString());
+}
+
+void tst_CanvasTools::aTransformIsOneUndoStep_data() {
+    QTest::addColumn<int>("way");
+    for (const char* way : {"return", "command", "another tool", "another layer", "save", "menu"})
+        QTest::newRow(way) << 0;
+}
+
+void tst_CanvasTools::aTransformIsOneUndoStep() {
+    const QByteArray way = QTest::currentDataTag();
+    Studio studio;
+    paintSquare(studio);
+    studio.model.setTool(Tool::move);
+    studio.mouseDrag({110, 90}, {160, 120});
+    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+    if (way == "return")
+        studio.key(Qt::Key_Return);
+    else if (way == "command")
+        studio.model.addLayer();
+    else if (way == "another tool")
+        studio.model.setTool(Tool::brush);
+    else if (way == "another layer")
+        studio.model.setActiveLayer(0);
+    else if (way == "menu")
+        studio.model.applyTransform();
+    else {
+        studio.desktop.savePaths = {studio.path(QStringLiteral("moved.qirnpaint"))};
+        QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
+    }
+    QVERIFY(!studio.model.transform());
+    QCOMPARE(studio.doc().layer(1).pixel(155, 115), kRed);
+    QCOMPARE(studio.doc().layer(1).pixel(110, 90)[3], uint8_t{0});
+    if (way == "command") {
+        QCOMPARE(studio.doc().undoName(), QStringLiteral("New Layer"));
+        studio.model.undo();
+    }
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Transform"));
+    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+}
+
+void tst_CanvasTools::escapeAndUndoPutPixelsBack() {
+    Studio studio;
+    paintSquare(studio);
+    const uint64_t print = studio.doc().fingerprint();
+    for (const bool escape : {true, false}) {
+        studio.model.setTool(Tool::move);
+        studio.mouseDrag({110, 90}, {160, 120});
+        QVERIFY(studio.doc().fingerprint() != print);
+        if (escape)
+            studio.key(Qt::Key_Escape);
+        else
+            studio.model.undo();
+        QVERIFY(!studio.model.transform());
+        QCOMPARE(studio.doc().fingerprint(), print);
+        QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+    }
+}
+
+void tst_CanvasTools::handlesScaleAndTurn() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.selectAll();
+    studio.model.deselect();
+    studio.model.beginTransform();
+    QCOMPARE(studio.model.tool(), Tool::move);
+    const QPointF center(120, 95);
+    QCOMPARE(studio.model.transform()->center, center);
+    // The corner at 140, 110: to double the distance keeps the proportions, with Shift each axis for itself.
+    studio.mouseDrag({140, 110}, {160, 125});
+    QCOMPARE(studio.model.transform()->scaleX, 2.0);
+    QCOMPARE(studio.model.transform()->scaleY, 2.0);
+    studio.mouseDrag({160, 125}, {140, 125}, Qt::ShiftModifier);
+    QCOMPARE(studio.model.transform()->scaleX, 1.0);
+    QCOMPARE(studio.model.transform()->scaleY, 2.0);
+    // The rotate handle stands 28 points above the top edge, at y 65.
+    studio.mouseDrag({120, 37}, {170, 90}, Qt::ShiftModifier);
+    QCOMPARE(studio.model.transform()->angle, 90.0);
+    studio.model.updateTransform([](TransformState& state) { state.scaleY = 1; });
+    studio.model.applyTransform();
+    const auto bounds = studio.layer().contentBounds();
+    QCOMPARE(*bounds, (IRect{105, 75, 30, 40}));
+    QCOMPARE(studio.layer().pixel(106, 76), kRed);
+}
+
+void tst_CanvasTools::arrowsNudge() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.setTool(Tool::move);
+    studio.key(Qt::Key_Left);
+    studio.key(Qt::Key_Down, {}, Qt::ShiftModifier);
+    studio.key(Qt::Key_Return);
+    QCOMPARE(*studio.layer().contentBounds(), (IRect{99, 90, 40, 30}));
+    studio.model.setTool(Tool::brush);
+    studio.key(Qt::Key_Left);
+    QVERIFY(!studio.model.transform());
+}
+
+void tst_CanvasTools::nothingToMoveIsTold() {
+    Studio studio;
+    const uint64_t print = studio.doc().fingerprint();
+    studio.model.beginTransform();
+    QCOMPARE(studio.model.hud(), QStringLiteral("Nothing to move on this layer"));
+    paintSquare(studio);
+    QPainterPath path;
+    path.addRect(0, 0, 20, 20);
+    studio.doc().selection = Selection::make(path, SelectionOp::replace, nullptr, 400, 300, Antialias::yes);
+    studio.doc().commit(QStringLiteral("Select"));
+    studio.model.flash(QString());
+    studio.model.beginTransform();
+    QCOMPARE(studio.model.hud(), QStringLiteral("Nothing to move on this layer"));
+    QVERIFY(!studio.model.transform());
+    QVERIFY(studio.doc().selection);
+    QVERIFY(studio.doc().fingerprint() != print);
+    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+}
+
+void tst_CanvasTools::alphaLockLosesNothing() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.toggleAlphaLock();
+    studio.model.setTool(Tool::move);
+    studio.mouseDrag({110, 90}, {210, 190});
+    studio.key(Qt::Key_Return);
+    QCOMPARE(*studio.layer().contentBounds(), (IRect{200, 180, 40, 30}));
+    QVERIFY(studio.layer().alphaLocked);
+}
+
+void tst_CanvasTools::noSafetyCopyOfFloatingPixels() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.beginTransform();
+    studio.model.autosaveTick();
+    QVERIFY(!studio.model.lastAutosaveText());
+    studio.model.applyTransform();
+    studio.model.autosaveTick();
+    QVERIFY(studio.model.lastAutosaveText());
+}
+
+void tst_CanvasTools::textBecomesALayer() {
+    Studio studio;
+    studio.model.selectAll();
+    const auto selection = studio.doc().selection;
+    TextSpec spec;
+    spec.text = QStringLiteral("Words in two lines\nand more than 24 letters");
+    spec.size = 20;
+    studio.model.placeText(spec, {50, 40});
+    QCOMPARE(studio.layer().name, QStringLiteral("Text: Words in two lines and m").left(30));
+    QCOMPARE(studio.doc().undoName(), QStringLiteral("Text"));
+    QCOMPARE(studio.doc().selection, selection);
+    const IRect bounds = *studio.layer().contentBounds();
+    QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
+             qPrintable(bounds.description()));
+    studio.model.undo();
+    QCOMPARE(studio.doc().layerCount(), int64_t{2});
+    spec.text = QStringLiteral(" \n\t ");
+    studio.model.placeText(spec, {50, 40});
+    QCOMPARE(studio.model.hud(), QStringLiteral("Type some text first"));
+    QCOMPARE(studio.doc().layerCount(), int64_t{2});
+}
+
+QIRN_TEST(tst_CanvasTools)
+#include "tst_CanvasTools.moc"

@@ -1,0 +1,143 @@
+#include "PaintSample.h"
+#include "TextRenderer.h"
+#include "compositing/CompositeInputs.h"
+#include "support/Pictures.h"
+#include "support/TestMain.h"
+
+#include <QFontInfo>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+TextSpec words(const QString& text) {
+    TextSpec spec;
+    spec.text = text;
+    spec.fontFamily = QStringLiteral("Inter");
+    spec.size = 60;
+    spec.color = PaintColor(1, 0, 0);
+    return spec;
+}
+
+/// Covered pixels of one row.
+int64_t inkInRow(const RGBABuffer& buffer, int64_t y) {
+    int64_t ink = 0;
+    for (int64_t x = 0; x < buffer.width(); ++x) ink += buffer.pixel(x, y)[3] > 127;
+    return ink;
+}
+
+int64_t firstInk(const RGBABuffer& buffer, int64_t fromRow, int64_t toRow) {
+    for (int64_t x = 0; x < buffer.width(); ++x) {
+        for (int64_t y = fromRow; y < toRow; ++y) {
+            if (buffer.pixel(x, y)[3] > 127) return x;
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+class tst_Text : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void wordsStandUprightInTheirColour() {
+        const auto t = TextRenderer::render(words(QStringLiteral("T")));
+        QCOMPARE(t->x, int64_t{-4});
+        QCOMPARE(t->y, int64_t{-4});
+        int64_t top = 0;
+        while (inkInRow(*t->buffer, top) == 0) ++top;
+        int64_t bottom = t->buffer->height() - 1;
+        while (inkInRow(*t->buffer, bottom) == 0) --bottom;
+        // The bar of a T is at the top.
+        QVERIFY(inkInRow(*t->buffer, top + 3) > 2 * inkInRow(*t->buffer, bottom - 3));
+        QCOMPARE(t->buffer->pixel(t->buffer->width() / 2, (top + bottom) / 2), (PixelBytes{255, 0, 0, 255}));
+        QCOMPARE(t->buffer->pixel(0, 0), PixelBytes{});
+    }
+
+    void blankAndHugeTextGiveNothing() {
+        QVERIFY(!TextRenderer::render(words(QStringLiteral(" \n\t"))));
+        TextSpec huge = words(QString(500, u'W'));
+        huge.size = 2000;
+        QVERIFY(!TextRenderer::render(huge));
+    }
+
+    void linesAreAlignedWithinTheWidest() {
+        int64_t starts[3];
+        for (int alignment = 0; alignment < 3; ++alignment) {
+            TextSpec spec = words(QStringLiteral("MMMMMM\nM"));
+            spec.alignment = alignment;
+            const auto text = TextRenderer::render(spec);
+            starts[alignment] =
+                firstInk(*text->buffer, text->buffer->height() / 2 + 10, text->buffer->height());
+        }
+        QVERIFY(starts[0] < 20);
+        QVERIFY(starts[1] > starts[0] + 80);
+        QVERIFY(std::abs((starts[2] - starts[1]) - (starts[1] - starts[0])) <= 2);
+        const auto one = TextRenderer::render(words(QStringLiteral("M")));
+        const auto two = TextRenderer::render(words(QStringLiteral("M\nM")));
+        QVERIFY(two->buffer->height() - 8 >= 2 * (one->buffer->height() - 8) - 2);
+    }
+
+    void anOutlineIsInTheSecondColour() {
+        TextSpec spec = words(QStringLiteral("I"));
+        spec.size = 200;
+        spec.outline = true;
+        spec.outlineColor = PaintColor(0, 0, 1);
+        spec.outlineWidth = 6;
+        const auto text = TextRenderer::render(spec);
+        QCOMPARE(text->x, int64_t{-10});
+        const int64_t middle = text->buffer->height() / 2;
+        const int64_t edge = firstInk(*text->buffer, middle, middle + 1);
+        QCOMPARE(text->buffer->pixel(edge + 4, middle), (PixelBytes{0, 0, 255, 255}));
+        QCOMPARE(text->buffer->pixel(edge + 18, middle), (PixelBytes{255, 0, 0, 255}));
+    }
+
+    void aMissingFamilyIsReplacedByTheInterfacesOwn() {
+        TextSpec spec = words(QStringLiteral("a"));
+        spec.fontFamily = QStringLiteral("No Such Family 3000");
+        QCOMPARE(TextRenderer::font(spec).family(), QStringLiteral("Inter"));
+        spec.size = 1;
+        QCOMPARE(TextRenderer::font(spec).pixelSize(), 4);
+        QVERIFY(TextRenderer::font(spec).bold());
+    }
+
+    void complexScriptsAndEmojiAreDrawn() {
+        for (const char* text : {"Ébauche", "مرحبا", "日本", "✏️", "a\u0301"}) {
+            const auto drawn = TextRenderer::render(words(QString::fromUtf8(text)));
+            QVERIFY(drawn.has_value());
+            QVERIFY(drawn->buffer->fingerprint() !=
+                    RGBABuffer(drawn->buffer->width(), drawn->buffer->height()).fingerprint());
+        }
+    }
+
+    void theSampleIsTheSameTwice() {
+        const auto sample = PaintSample::make();
+        QCOMPARE(PaintSample::make()->fingerprint(), sample->fingerprint());
+        const QStringList names{QStringLiteral("Night sky"),
+                                QStringLiteral("Mesas"),
+                                QStringLiteral("Sunset glow"),
+                                QStringLiteral("Stars (spray)"),
+                                QStringLiteral("Title"),
+                                QStringLiteral("Chrome (clipped)"),
+                                QStringLiteral("Candy paint (clipped, Color)"),
+                                QStringLiteral("Sparkles (Add)"),
+                                QStringLiteral("Ink")};
+        QCOMPARE(sample->layerCount(), int64_t{names.size()});
+        for (int64_t i = 0; i < names.size(); ++i) QCOMPARE(sample->layer(i).name, names[i]);
+        QCOMPARE(sample->activeLayer().name, QStringLiteral("Ink"));
+        QCOMPARE(sample->undoDepth(), int64_t{0});
+        QCOMPARE(sample->changeCount(), int64_t{0});
+        for (int64_t i = 0; i < names.size(); ++i) QVERIFY(!sample->layer(i).isEmpty());
+        // Chrome and candy show only inside the letters: without the title neither is seen.
+        const auto whole = flattened(*sample);
+        sample->layer(4).isVisible = false;
+        const auto without = flattened(*sample);
+        sample->layer(5).isVisible = sample->layer(6).isVisible = false;
+        QCOMPARE(firstDifference(*without, *flattened(*sample)), QString());
+        QVERIFY(whole->fingerprint() != without->fingerprint());
+    }
+};
+
+QIRN_TEST(tst_Text)
+#include "tst_Text.moc"
