@@ -4,6 +4,7 @@
 #include "brush/BrushStroke.h"
 #include "compositing/CompositeInputs.h"
 #include "formats/PaintFile.h"
+#include "operations/Fill.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
@@ -115,6 +116,13 @@ void timeUndo(PaintDocument& doc) {
     std::printf("Undo a 4-layer change: %.1f ms\n", watch.milliseconds());
 }
 
+void timeBucket(PaintDocument& doc) {
+    addLayer(doc);
+    const Stopwatch watch;
+    bucketFill(doc, 5, 5, PaintColor(0.2, 0.6, 0.3), FillOptions(), 1);
+    std::printf("Bucket fill of the whole 4K layer: %.0f ms\n", watch.milliseconds());
+}
+
 } // namespace
 
 void runBenchmark() {
@@ -126,6 +134,7 @@ void runBenchmark() {
     timeRecomposite(*doc);
     timeFile(*doc);
     timeUndo(*doc);
+    timeBucket(*doc);
     std::fflush(stdout);
 }
 

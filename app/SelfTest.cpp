@@ -130,10 +130,13 @@ template <auto kSection> void inEngine(const SelfTestWorld& world) {
 constexpr void (*kSections[])(const SelfTestWorld&) = {
     inEngine<SelfTestEngine::strokes>,
     inEngine<SelfTestEngine::blendModes>,
+    inEngine<SelfTestEngine::bucket>,
     inEngine<SelfTestEngine::undoRedo>,
     inEngine<SelfTestEngine::saveReopen>,
+    inEngine<SelfTestEngine::canvasOps>,
     recovery,
     persistence,
+    inEngine<SelfTestEngine::presets>,
     canvasPipeline,
     inEngine<SelfTestEngine::quickPerformance>,
 };

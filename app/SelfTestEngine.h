@@ -17,8 +17,11 @@ namespace SelfTestEngine {
 
 void strokes(SelfTestReport& report);
 void blendModes(SelfTestReport& report);
+void bucket(SelfTestReport& report);
 void undoRedo(SelfTestReport& report);
 void saveReopen(SelfTestReport& report);
+void canvasOps(SelfTestReport& report);
+void presets(SelfTestReport& report);
 void quickPerformance(SelfTestReport& report);
 
 } // namespace SelfTestEngine
