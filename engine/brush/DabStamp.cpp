@@ -2,7 +2,7 @@
 
 #include "brush/PaperGrain.h"
 #include "brush/TipEdge.h"
-#include "core/FloatPixel.h"
+#include "platform/FloatPixel.h"
 #include "operations/Selection.h"
 #include "platform/CheckedMath.h"
 #include "platform/Trigonometry.h"

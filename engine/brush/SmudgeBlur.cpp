@@ -1,6 +1,6 @@
 #include "brush/SmudgeBlur.h"
 
-#include "core/FloatPixel.h"
+#include "platform/FloatPixel.h"
 #include "operations/Selection.h"
 #include "platform/CheckedMath.h"
 

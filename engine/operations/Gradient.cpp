@@ -1,6 +1,6 @@
 #include "operations/Gradient.h"
 
-#include "core/FloatPixel.h"
+#include "platform/FloatPixel.h"
 #include "operations/RowPainter.h"
 #include "operations/Selection.h"
 #include "operations/TileParts.h"

@@ -1,6 +1,6 @@
 #include "operations/RowPainter.h"
 
-#include "core/FloatPixel.h"
+#include "platform/FloatPixel.h"
 
 namespace qirn {
 

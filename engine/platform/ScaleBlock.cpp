@@ -1,6 +1,6 @@
 #include "platform/ScaleBlock.h"
 
-#include "platform/Float4.h"
+#include "platform/FloatPixel.h"
 
 #include <algorithm>
 #include <vector>
@@ -19,9 +19,9 @@ void filterRow(const float* source, int64_t left, const ScaleWeights& across, co
     for (int64_t x = 0; x < block.width; ++x, out += 4) {
         const ScaleWeights::Span span = across.of(block.x + x);
         const float* pixel = source + (span.first - left) * 4;
-        Float4 sum{};
-        for (int64_t i = 0; i < span.count; ++i) sum += span.weights[i] * loadFloats(pixel + i * 4);
-        storeFloats(out, sum);
+        FloatPixel sum{};
+        for (int64_t i = 0; i < span.count; ++i) sum += span.weights[i] * loadPixel(pixel + i * 4);
+        storePixel(out, sum);
     }
 }
 
@@ -75,12 +75,12 @@ void addRow(float* sums, const float* row, float weight, int64_t floats) {
 void addFourRows(float* sums, const float* const* rows, const float* weights, int64_t floats) {
     const float *a = rows[0], *b = rows[1], *c = rows[2], *d = rows[3];
     for (int64_t i = 0; i < floats; i += 4) {
-        Float4 sum = loadFloats(sums + i);
-        sum += weights[0] * loadFloats(a + i);
-        sum += weights[1] * loadFloats(b + i);
-        sum += weights[2] * loadFloats(c + i);
-        sum += weights[3] * loadFloats(d + i);
-        storeFloats(sums + i, sum);
+        FloatPixel sum = loadPixel(sums + i);
+        sum += weights[0] * loadPixel(a + i);
+        sum += weights[1] * loadPixel(b + i);
+        sum += weights[2] * loadPixel(c + i);
+        sum += weights[3] * loadPixel(d + i);
+        storePixel(sums + i, sum);
     }
 }
 
@@ -118,11 +118,11 @@ void storeFiltered(float* sums, int64_t count, uint8_t* out) {
         const float alpha = sums[i * 4 + 3];
         const float top = std::clamp(alpha, 0.0f, 255.0f);
         const float back = 255 / std::max(alpha, 255.0f);
-        const Float4 least{}, most = least + top;
-        Float4 pixel = loadFloats(sums + i * 4) * back;
+        const FloatPixel least{}, most = least + top;
+        FloatPixel pixel = loadPixel(sums + i * 4) * back;
         pixel = pixel > least ? pixel : least;
         pixel = pixel < most ? pixel : most;
-        storeFloats(sums + i * 4, pixel + 0.5f);
+        storePixel(sums + i * 4, pixel + 0.5f);
     }
     for (int64_t i = 0; i < count * 4; ++i) out[i] = static_cast<uint8_t>(static_cast<int>(sums[i]));
 }

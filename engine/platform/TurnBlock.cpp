@@ -1,6 +1,6 @@
 #include "platform/TurnBlock.h"
 
-#include "platform/Float4.h"
+#include "platform/FloatPixel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,9 +30,9 @@ Taps tapsAt(double at, double width, int count) {
     if (count == 4 && width == 1) {
         // The four values of `cubicFilter` at once, as polynomials of the distance from the second pixel.
         const float t = distance - 1;
-        constexpr Float4 cubic{-0.5f, 1.5f, -1.5f, 0.5f}, square{1, -2.5f, 2, -0.5f},
+        constexpr FloatPixel cubic{-0.5f, 1.5f, -1.5f, 0.5f}, square{1, -2.5f, 2, -0.5f},
             linear{-0.5f, 0, 0.5f, 0}, constant{0, 1, 0, 0};
-        storeFloats(taps.weights, ((cubic * t + square) * t + linear) * t + constant);
+        storePixel(taps.weights, ((cubic * t + square) * t + linear) * t + constant);
         return taps;
     }
     const auto narrow = static_cast<float>(1 / width);
@@ -47,34 +47,29 @@ Taps tapsAt(double at, double width, int count) {
 
 /// Sums `rows` lines of four or eight source pixels, all of which are there; weights beyond the filter are 0.
 template <int kFours>
-Float4 sumOfRectangle(const PixelView& source, const Taps& across, const Taps& down, int rows) {
+FloatPixel sumOfRectangle(const PixelView& source, const Taps& across, const Taps& down, int rows) {
     const uint8_t* corner = source.pixels + down.first * source.rowBytes + across.first * 4;
-    Float4 sum{};
+    FloatPixel sum{};
     for (int j = 0; j < rows; ++j) {
-        Float4 lineSum{};
-        for (int four = 0; four < kFours; ++four) {
-            const FourPixels line(corner + j * source.rowBytes + four * 16);
-            for (int i = 0; i < 4; ++i) lineSum += across.weights[four * 4 + i] * line.pixel[i];
-        }
+        FloatPixel lineSum{};
+        const uint8_t* line = corner + j * source.rowBytes;
+        for (int i = 0; i < 4 * kFours; ++i) lineSum += across.weights[i] * readPixel(line + i * 4);
         sum += down.weights[j] * lineSum;
     }
     return sum;
 }
 
 /// As above where only pixels inside the source count.
-Float4 sumOfInside(const PixelView& source, const Taps& across, int columns, const Taps& down, int rows) {
-    Float4 sum{};
+FloatPixel sumOfInside(const PixelView& source, const Taps& across, int columns, const Taps& down, int rows) {
+    FloatPixel sum{};
     for (int j = 0; j < rows; ++j) {
         const int64_t y = down.first + j;
         if (y < 0 || y >= source.height) continue;
-        Float4 lineSum{};
+        FloatPixel lineSum{};
         for (int i = 0; i < columns; ++i) {
             const int64_t x = across.first + i;
             if (x < 0 || x >= source.width) continue;
-            const uint8_t* p = source.pixels + y * source.rowBytes + x * 4;
-            const Float4 pixel{static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2]),
-                               static_cast<float>(p[3])};
-            lineSum += across.weights[i] * pixel;
+            lineSum += across.weights[i] * readPixel(source.pixels + y * source.rowBytes + x * 4);
         }
         sum += down.weights[j] * lineSum;
     }
@@ -118,15 +113,15 @@ void turnBlock(const PixelView& source, const QTransform& toSource, double filte
             const double centreX = static_cast<double>(x) + 0.5;
             const double sx = toSource.m11() * centreX + baseX, sy = toSource.m12() * centreX + baseY;
             if (!(sx > lowX && sx < highX && sy > lowY && sy < highY)) {
-                storeFloats(sum, Float4{});
+                storePixel(sum, FloatPixel{});
                 continue;
             }
             const Taps across = tapsAt(sx, filterX, columns), down = tapsAt(sy, filterY, rows);
             const bool inside = across.first >= 0 && across.first + padded <= source.width &&
                                 down.first >= 0 && down.first + rows <= source.height;
             const auto sumOf = padded == 4 ? sumOfRectangle<1> : sumOfRectangle<2>;
-            storeFloats(sum, inside ? sumOf(source, across, down, rows)
-                                    : sumOfInside(source, across, columns, down, rows));
+            storePixel(sum, inside ? sumOf(source, across, down, rows)
+                                   : sumOfInside(source, across, columns, down, rows));
         }
         storeFiltered(sums.data(), end - first, out + (first - block.x) * 4);
     }
