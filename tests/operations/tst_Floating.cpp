@@ -298,13 +298,14 @@ private Q_SLOTS:
     }
 
     void theSelectionHasNoSayInPlacing() {
-        const auto doc = documentOf(*filled(40, 40, {9, 9, 9, 255}));
-        doc->selection = softSelection(40, 40, {5, 5, 10, 10}, 3);
-        doc->selection = Selection::all(40, 40);
-        const auto floating = liftFloating(*doc);
-        doc->selection = softSelection(40, 40, {0, 0, 1, 1}, 7);
-        placeFloating(*doc, *floating, QTransform());
-        QCOMPARE(doc->activeLayer().pixel(39, 39), (PixelBytes{9, 9, 9, 255}));
+        for (const QTransform& t : {QTransform(), QTransform::fromScale(1.5, 1.5)}) {
+            const auto doc = documentOf(*filled(40, 40, {9, 9, 9, 255}));
+            doc->selection = Selection::all(40, 40);
+            const auto floating = liftFloating(*doc);
+            doc->selection = softSelection(40, 40, {0, 0, 2, 2}, 7);
+            placeFloating(*doc, *floating, t);
+            QCOMPARE(doc->activeLayer().pixel(38, 38), (PixelBytes{9, 9, 9, 255}));
+        }
     }
 
     void copiesAreCutLikeLifts() {

@@ -274,11 +274,12 @@ private Q_SLOTS:
     }
 
     void anOpaquePictureStaysOpaque() {
-        for (const auto& [w, h] : {std::pair<int64_t, int64_t>{999, 333}, {70, 40}, {1, 1}, {30000, 1}}) {
+        for (const auto& [w, h] : {std::pair<int64_t, int64_t>{1001, 700}, {70, 40}, {1, 1}, {30000, 1}}) {
             PaintDocument doc(300, 200, 72, PaintColor(0.3, 0.6, 0.9));
             const PixelBytes color = doc.layer(0).pixel(0, 0);
             paintRect(doc, doc.layer(0), {0, 0, 300, 200}, color); // tiles of their own
             resizeImage(doc, w, h);
+            QVERIFY(edgesAreClean(doc));
             for (int64_t y = 0; y < h; ++y) {
                 for (int64_t x = 0; x < w; ++x) QCOMPARE(doc.layer(0).pixel(x, y), color);
             }
@@ -321,6 +322,41 @@ private Q_SLOTS:
         QCOMPARE(firstMisplaced(*doc, *randomDocument(1024, 768, 1, 4),
                                 [](int64_t x, int64_t y) { return std::pair(x - 512, y); }),
                  QString());
+    }
+
+    void aSharedTileIsNotPaintedTwice() {
+        PaintDocument doc(512, 256, 72, {});
+        paintRect(doc, doc.activeLayer(), {0, 0, 512, 256}, {9, 9, 9, 255});
+        const LayerRef old = doc.layers()[0]; // not yet in the history, so its tiles are its own
+        resizeCanvas(doc, 512, 600, 0, 0);
+        paintRect(doc, doc.activeLayer(), {5, 5, 1, 1}, {1, 2, 3, 4});
+        QCOMPARE(old->pixel(5, 5), (PixelBytes{9, 9, 9, 255}));
+    }
+
+    void flatTilesOfSeveralColorsAreScaledToo() {
+        const auto source = std::make_shared<RGBABuffer>(1280, 768);
+        const PixelBytes colors[] = {{200, 0, 0, 255}, {0, 0, 200, 255}, {0, 0, 0, 0}};
+        for (int64_t y = 0; y < 768; ++y) {
+            for (int64_t x = 0; x < 1280; ++x) {
+                const PixelBytes& color = colors[(x / 256 / 2 + y / 256) % 3];
+                std::copy(color.begin(), color.end(), source->row(y) + x * 4);
+            }
+        }
+        PaintDocument doc(1280, 768, 72, {});
+        doc.activeLayer().load(*source);
+        resizeImage(doc, 960, 576); // three quarters: most new tiles lie on several old ones
+        for (int64_t y = 5; y < 576; y += 3) {
+            for (int64_t x = 5; x < 960; x += 3) {
+                const int64_t fromX = x * 4 / 3, fromY = y * 4 / 3;
+                if (source->pixel(fromX - 4, fromY - 4) != source->pixel(fromX + 4, fromY + 4) ||
+                    source->pixel(fromX - 4, fromY + 4) != source->pixel(fromX + 4, fromY - 4) ||
+                    source->pixel(fromX, fromY) != source->pixel(fromX + 4, fromY - 4)) {
+                    continue; // on an edge
+                }
+                QCOMPARE(text(doc.activeLayer().pixel(x, y)), text(source->pixel(fromX, fromY)));
+            }
+        }
+        QVERIFY(edgesAreClean(doc));
     }
 
     void alikeTilesAreSharedAndStillPaintedApart() {
