@@ -83,6 +83,8 @@ private Q_SLOTS:
         QTest::newRow("lock, opaque") << half << 1.0 << 1.0 << true << PixelBytes{128, 64, 0, 128};
         QTest::newRow("lock, half") << white << 1.0 << 0.5 << true << PixelBytes{255, 191, 128, 255};
         QTest::newRow("lock, nothing there") << none << 1.0 << 1.0 << true << none;
+        QTest::newRow("lock, colour without alpha")
+            << PixelBytes{9, 8, 7, 0} << 1.0 << 1.0 << true << PixelBytes{9, 8, 7, 0};
     }
     void valuesAreThoseOfTheRules() {
         QFETCH(PixelBytes, before);
@@ -103,7 +105,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("locked");
         QTest::addColumn<double>("opacity");
         int row = 0;
-        for (double opacity : {1.0, 0.37}) {
+        for (double opacity : {1.0, 0.6}) {
             for (int i = 0; i < 8; ++i) {
                 QTest::addRow("%d", row++) << (i % 2 == 1) << (i / 2 % 2 == 1) << (i / 4 == 1) << opacity;
             }
@@ -180,6 +182,13 @@ private Q_SLOTS:
         doc->commit(QStringLiteral("Fill"));
         doc->undo();
         QCOMPARE(doc->fingerprint(), before);
+    }
+
+    void anEvenlySoftSelectionIsSoft() {
+        const auto doc = emptyPicture(600, 300);
+        doc->selection = Selection::fromMask(std::vector<uint8_t>(600 * 300, 51), 600, 300);
+        fillSelection(*doc, kOrange, 1);
+        for (int64_t x : {0, 300, 599}) QCOMPARE(pixelOf(*doc, x, 255), (PixelBytes{51, 26, 0, 51}));
     }
 
     void slotsFilledAllOverShareOneTileUntilPaintedOn() {

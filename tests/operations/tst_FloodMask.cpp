@@ -213,6 +213,13 @@ private Q_SLOTS:
         QCOMPARE(fillMask(doc, 300, 300, only(0))->bounds, (IRect{256, 256, 50, 50}));
     }
 
+    void oppositeEdgesDoNotConnect() {
+        PaintDocument doc(512, 512, 72, std::nullopt);
+        for (int64_t y : {0, 256}) paintRect(doc, doc.activeLayer(), {0, y, 512, 100}, {9, 9, 9, 255});
+        QCOMPARE(fillMask(doc, 0, 300, only(0))->bounds, (IRect{0, 256, 512, 100}));
+        QCOMPARE(fillMask(doc, 511, 50, only(0))->bounds, (IRect{0, 0, 512, 100}));
+    }
+
     void growthGoesAcrossSeamsAndStopsAtTheCanvas_data() {
         QTest::addColumn<int>("expand");
         QTest::addColumn<IRect>("bounds");

@@ -143,6 +143,17 @@ private Q_SLOTS:
         QCOMPARE(redAt(*line, 29999, 0), uint8_t{255});
     }
 
+    void tilesOutsideTheSelectionAreNotMade() {
+        const auto doc = emptyPicture(900, 10);
+        std::vector<uint8_t> mask(900 * 10);
+        mask.front() = mask.back() = 1;
+        doc->selection = Selection::fromMask(mask, 900, 10);
+        QCOMPARE(gradientFill(*doc, {0, 0}, {900, 0}, linear, PaintColor::black(), PaintColor::white(), 1),
+                 doc->grid().bounds());
+        const Layer& layer = doc->activeLayer();
+        QVERIFY(layer.tile(0) && !layer.tile(1) && !layer.tile(2) && layer.tile(3));
+    }
+
     void noAlphaNoPaint() {
         const auto doc = emptyPicture(300, 300);
         doc->activeLayer().load(*noise(300, 300, 4));
