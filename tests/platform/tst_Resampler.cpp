@@ -179,18 +179,20 @@ private Q_SLOTS:
 
     void theReachHoldsAllThatIsDrawn() {
         SeededRandom random(4);
-        for (int i = 0; i < 60; ++i) {
+        for (int i = 0; i < 300; ++i) {
             const auto source = picture(1 + i % 7, 1 + i % 5, [](int64_t, int64_t) {
                 return PixelBytes{9, 9, 9, 255};
             });
             const double degrees = i % 3 == 0 ? 0 : 360 * random.unit();
-            const QTransform t =
-                turned(*source, QPointF(60 + random.unit(), 60 + random.unit()), degrees,
-                       0.1 + 5 * random.unit() * random.unit(), 0.1 + 5 * random.unit() * random.unit());
+            const QPointF centre = QPointF(60, 60) + QPointF(1, 1) * random.unit();
+            const double scaleX = 0.1 + 5 * random.unit() * random.unit();
+            const double scaleY = i % 2 == 0 ? scaleX : 0.1 + 5 * random.unit() * random.unit();
+            const QTransform t = turned(*source, centre, degrees, scaleX, scaleY);
             const IRect reach = IRect::covering(Resampler(viewOf(*source), t).reach());
             const auto out = drawn(*source, t, {0, 0, 120, 120});
             for (int64_t y = 0; y < 120; ++y) {
                 for (int64_t x = 0; x < 120; ++x) {
+                    // A level may be left where a turned picture is reduced before, and rounded on the way.
                     if (!reach.contains(x, y))
                         QVERIFY2(out->pixel(x, y)[3] <= 1, qPrintable(text(out->pixel(x, y))));
                 }
