@@ -93,8 +93,8 @@ Resampler::Resampler(const PixelView& source, const QTransform& toTarget)
     toSource_ = *inverse;
     filterX_ = filterWidth(toSource_.m11(), toSource_.m21());
     filterY_ = filterWidth(toSource_.m12(), toSource_.m22());
-    // Beyond an edge the filter is positive up to here, and a pixel is drawn where its centre lies.
-    const auto soft = [](double width) { return width > 1 ? 0.7 * width : 0.5; };
+    // Beyond an edge the filter is nowhere positive farther than this, and a pixel is drawn where its centre lies.
+    const auto soft = [](double width) { return width > 1 ? width : 0.5; };
     const QRectF picture(0, 0, static_cast<double>(source.width), static_cast<double>(source.height));
     const QRectF softPicture =
         picture.adjusted(-soft(filterX_), -soft(filterY_), soft(filterX_), soft(filterY_));

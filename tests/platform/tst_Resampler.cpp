@@ -179,24 +179,22 @@ private Q_SLOTS:
 
     void theReachHoldsAllThatIsDrawn() {
         SeededRandom random(4);
-        for (int i = 0; i < 60; ++i) {
+        for (int i = 0; i < 300; ++i) {
             const auto source = picture(1 + i % 7, 1 + i % 5, [](int64_t, int64_t) {
                 return PixelBytes{9, 9, 9, 255};
             });
             const double degrees = i % 3 == 0 ? 0 : 360 * random.unit();
-            // One draw after the other: compilers differ in the order of arguments.
-            const double x = 60 + random.unit(), y = 60 + random.unit();
-            const double scaleX =
-                0.5 + 5 * random.unit() * random.unit(); // smaller ones spread tails of 3 in 255
-            const double scaleY = 0.5 + 5 * random.unit() * random.unit();
-            const QTransform t = turned(*source, QPointF(x, y), degrees, scaleX, scaleY);
+            const QPointF centre = QPointF(60, 60) + QPointF(1, 1) * random.unit();
+            const double scaleX = 0.1 + 5 * random.unit() * random.unit();
+            const double scaleY = i % 2 == 0 ? scaleX : 0.1 + 5 * random.unit() * random.unit();
+            const QTransform t = turned(*source, centre, degrees, scaleX, scaleY);
             const IRect reach = IRect::covering(Resampler(viewOf(*source), t).reach());
             const auto out = drawn(*source, t, {0, 0, 120, 120});
-            for (int64_t py = 0; py < 120; ++py) {
-                for (int64_t px = 0; px < 120; ++px) {
-                    // What the filter's last ripples leave outside is not to be seen.
-                    if (!reach.contains(px, py))
-                        QVERIFY2(out->pixel(px, py)[3] <= 1, qPrintable(text(out->pixel(px, py))));
+            for (int64_t y = 0; y < 120; ++y) {
+                for (int64_t x = 0; x < 120; ++x) {
+                    // A level may be left where a turned picture is reduced before, and rounded on the way.
+                    if (!reach.contains(x, y))
+                        QVERIFY2(out->pixel(x, y)[3] <= 1, qPrintable(text(out->pixel(x, y))));
                 }
             }
         }
