@@ -61,6 +61,8 @@ private Q_SLOTS:
         world_ = std::make_unique<QTemporaryDir>();
         QVERIFY(QDir(world_->path()).mkpath(QStringLiteral("cwd")));
         qputenv("XDG_DATA_HOME", QFile::encodeName(world_->filePath(QStringLiteral("data"))));
+        // Files go to the Trash of the home folder only when they lie on its disk.
+        qputenv("HOME", QFile::encodeName(world_->path()));
         before_ = QDir::currentPath();
         QVERIFY(QDir::setCurrent(world_->filePath(QStringLiteral("cwd"))));
     }

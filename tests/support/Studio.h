@@ -8,6 +8,7 @@
 #include <memory>
 
 #include <QEvent>
+#include <QFile>
 #include <QPointingDevice>
 #include <QTemporaryDir>
 
@@ -17,7 +18,12 @@ namespace qirn::test {
 /// desktop. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the widget.
 struct Studio {
     struct FolderOverride {
-        explicit FolderOverride(const QString& path) { AppFolders::setBaseOverride(path); }
+        explicit FolderOverride(const QString& path) {
+            AppFolders::setBaseOverride(path);
+            // What goes to the Trash goes to one of the test's own.
+            qputenv("HOME", QFile::encodeName(path));
+            qputenv("XDG_DATA_HOME", QFile::encodeName(path + QStringLiteral("/data")));
+        }
         ~FolderOverride() { AppFolders::setBaseOverride({}); }
     };
 
