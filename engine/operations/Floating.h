@@ -11,8 +11,7 @@
 namespace qirn {
 
 /// Pixels lifted off a layer, until they are put down elsewhere.
-class Floating {
-public:
+struct Floating {
     const std::shared_ptr<const RGBABuffer> buffer;
     const IRect origin; ///< Where they were, in canvas pixels.
     const QUuid layerID;
