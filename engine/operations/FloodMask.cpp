@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace qirn {
@@ -226,7 +228,7 @@ private:
             const auto left = static_cast<uint8_t>(before - row);
             while (at < row + kTileSize && *at == kOpen) ++at;
             const auto right = static_cast<uint8_t>(at - row - 1);
-            std::memset(row + left, kFilled, static_cast<std::size_t>(right - left + 1));
+            std::fill(row + left, at, kFilled);
 
             if (y > 0)
                 stack.push_back({left, right, static_cast<uint8_t>(y - 1), static_cast<uint8_t>(y - 1)});

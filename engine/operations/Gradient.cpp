@@ -1,9 +1,9 @@
 #include "operations/Gradient.h"
 
-#include "platform/FloatPixel.h"
 #include "operations/RowPainter.h"
 #include "operations/Selection.h"
 #include "operations/TileParts.h"
+#include "platform/FloatPixel.h"
 
 #include <algorithm>
 #include <array>
