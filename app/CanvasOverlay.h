@@ -34,7 +34,6 @@ public:
     void setPreview(const QPainterPath& path); ///< Empty: none.
     void
     setTransform(const std::optional<TransformState>& transform); ///< Lifted pixels, their box and handles.
-    bool hasPreview() const { return !preview_.isEmpty(); }
     void setRing(std::optional<Ring> ring) { ring_ = ring; }
     const std::optional<Ring>& ring() const { return ring_; }
 

@@ -136,22 +136,21 @@ void tst_CanvasView::whatIsShownLiesUnderThePen() {
 
 void tst_CanvasView::penAndEnginePaintTheSamePicture_data() {
     QTest::addColumn<QString>("brush");
-    QTest::addColumn<bool>("recorded");
+    QTest::addColumn<std::vector<std::vector<StrokePoint>>>("strokes");
     for (const char* name : {"Studio Pen", "Charcoal", "Spray Can", "Smudge"}) {
-        QTest::addRow("%s, synthetic hand", name) << QString::fromLatin1(name) << false;
+        QTest::addRow("%s, synthetic hand", name) << QString::fromLatin1(name) << syntheticHand();
     }
-    QTest::addRow("Ink Brush, recorded hand") << QStringLiteral("Ink Brush") << true;
+    // A real hand where a recording lies on this machine, as it is and scaled up.
+    for (const double scale : {1.0, 2.0}) {
+        if (const auto hand = recordedHand(scale)) {
+            QTest::addRow("Ink Brush, recorded hand x %g", scale) << QStringLiteral("Ink Brush") << *hand;
+        }
+    }
 }
 
 void tst_CanvasView::penAndEnginePaintTheSamePicture() {
     QFETCH(QString, brush);
-    QFETCH(bool, recorded);
-    std::vector<std::vector<StrokePoint>> strokes = syntheticHand();
-    if (recorded) {
-        const auto recording = recordedHand();
-        if (!recording) QSKIP("There is no pen recording on this machine.");
-        strokes = *recording;
-    }
+    QFETCH(std::vector<std::vector<StrokePoint>>, strokes);
     Studio studio;
     studio.model.newDocument(1200, 900, 72, PaintColor::white(), QStringLiteral("Hand"));
     studio.canvas.actualPixels();
