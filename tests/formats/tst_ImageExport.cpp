@@ -230,6 +230,8 @@ void tst_ImageExport::everyFormatReadsBackAsItWas_data() {
         for (const double dpi : {300.0, 72.0, 96.0, 1.0, 65'535.0})
             QTest::addRow("%s at %g", row.id, dpi) << static_cast<int>(row.format) << dpi << dpi;
     }
+    QTest::newRow("png in tenths") << static_cast<int>(ExportFormat::png) << 72.3 << 72.3;
+    QTest::newRow("tiff in tenths") << static_cast<int>(ExportFormat::tiff) << 72.3 << 72.3;
     QTest::newRow("jpeg in whole dots") << static_cast<int>(ExportFormat::jpeg) << 72.3 << 72.0;
     QTest::newRow("jpeg at its limit") << static_cast<int>(ExportFormat::jpeg) << 99'999.0 << 65'535.0;
 }
