@@ -102,7 +102,8 @@ bool isHeif(std::span<const uint8_t> file) {
 std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
     const Context context(heif_context_alloc());
     if (!context) return std::nullopt;
-    heif_context_set_maximum_image_size_limit(context.get(), PaintEngine::maxCanvasSide);
+    // The library refuses a side that equals its limit.
+    heif_context_set_maximum_image_size_limit(context.get(), PaintEngine::maxCanvasSide + 1);
     if (!isFine(heif_context_read_from_memory_without_copy(context.get(), file.data(), file.size(), nullptr)))
         return std::nullopt;
     heif_image_handle* found = nullptr;
@@ -116,7 +117,7 @@ std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
         return std::nullopt;
     // A mosaic says its size once more.
     heif_context_set_maximum_image_size_limit(context.get(),
-                                              static_cast<int>(std::max(codedWidth, codedHeight)));
+                                              static_cast<int>(std::max(codedWidth, codedHeight) + 1));
 
     const bool isDeep = heif_image_handle_get_luma_bits_per_pixel(handle.get()) > 8;
     heif_image* decoded = nullptr;
