@@ -1,7 +1,10 @@
 #include "formats/ImageExport.h"
 
+#include "compositing/CompositeInputs.h"
 #include "core/PaintEngine.h"
 #include "formats/AreaReducer.h"
+#include "formats/JpegWriter.h"
+#include "formats/TiffWriter.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
 
@@ -24,7 +27,26 @@ QString translated(const char* text) {
     return QCoreApplication::translate("ExportError", text);
 }
 
+std::optional<QByteArray> encoded(const RGBABuffer& picture, ExportFormat format, double dpi,
+                                  double jpegQuality, const PaintColor& jpegBackground) {
+    switch (format) {
+    case ExportFormat::png:
+        return ImageExport::pngData(
+            imageOver(picture.data(), static_cast<int>(picture.width()), static_cast<int>(picture.height())),
+            dpi);
+    case ExportFormat::jpeg:
+        return jpegBytes(*ImageExport::onBackground(picture, jpegBackground), jpegQuality, dpi);
+    case ExportFormat::tiff:
+        return tiffBytes(picture, dpi);
+    }
+    return std::nullopt;
+}
+
 } // namespace
+
+QString displayName(ExportFormat format) {
+    return QCoreApplication::translate("ExportFormat", rowOf(format).displayName);
+}
 
 ExportError ExportError::cannotEncode(const QString& formatName) {
     return ExportError(translated("The picture could not be saved as %1.").arg(formatName));
@@ -33,6 +55,29 @@ ExportError ExportError::cannotEncode(const QString& formatName) {
 ExportError ExportError::cannotRead() {
     return ExportError(
         translated("This picture could not be opened. It may be damaged or in a format macOS cannot read."));
+}
+
+QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
+                             const PaintColor& jpegBackground) {
+    auto bytes = encoded(*flattened(doc), format, doc.dpi, jpegQuality, jpegBackground);
+    if (!bytes) throw ExportError::cannotEncode(displayName(format));
+    return *std::move(bytes);
+}
+
+std::shared_ptr<RGBABuffer> ImageExport::onBackground(const RGBABuffer& picture,
+                                                      const PaintColor& background) {
+    auto result = std::make_shared<RGBABuffer>(picture.width(), picture.height());
+    const PixelBytes below{background.r8(), background.g8(), background.b8(), 255};
+    concurrentPerform(picture.height(), [&](int64_t y) {
+        const uint8_t* from = picture.row(y);
+        uint8_t* to = result->row(y);
+        for (int64_t x = 0; x < picture.width(); ++x, from += 4, to += 4) {
+            const int through = 255 - from[3];
+            for (std::size_t c = 0; c < 4; ++c)
+                to[c] = static_cast<uint8_t>(from[c] + (below[c] * through + 127) / 255);
+        }
+    });
+    return result;
 }
 
 std::optional<QByteArray> ImageExport::pngData(const QImage& image, double dpi) {

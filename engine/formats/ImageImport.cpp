@@ -4,7 +4,9 @@
 #include "formats/ImageExport.h"
 #include "formats/PaintFile.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 
 #include <QBuffer>
@@ -13,6 +15,8 @@
 namespace qirn {
 
 namespace {
+
+const QString kLayerName = QStringLiteral("Background");
 
 constexpr std::array<uint8_t, 8> kPngSignature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 // Deflate turns one byte into at most 1,032.
@@ -59,7 +63,29 @@ bool backsItsSize(std::span<const uint8_t> png) {
 
 std::unique_ptr<PaintDocument> ImageImport::document(std::span<const uint8_t> file, const QString&) {
     if (PaintFile::infoOf(file)) return PaintFile::decode(file);
-    throw ExportError::cannotRead();
+    auto picture = decode(file);
+    if (!picture) throw ExportError::cannotRead();
+    const RGBABuffer& pixels = *picture->pixels;
+    const TileGrid grid(pixels.width(), pixels.height());
+    auto layer = std::make_shared<Layer>(kLayerName, grid);
+    layer->load(pixels);
+    return std::make_unique<PaintDocument>(pixels.width(), pixels.height(), picture->dpi,
+                                           std::vector<LayerRef>{std::move(layer)}, 0);
+}
+
+std::optional<ImageImport::DecodedPicture> ImageImport::decode(std::span<const uint8_t> file) {
+    const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(file.data()),
+                                               static_cast<qsizetype>(file.size()));
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (std::max(size.width(), size.height()) > PaintEngine::maxCanvasSide) return std::nullopt;
+    const QImage image = reader.read();
+    auto pixels = RGBABuffer::fromImage(image);
+    if (!pixels) return std::nullopt;
+    return DecodedPicture{std::move(pixels), std::round(image.dotsPerMeterX() * 0.0254)};
 }
 
 std::optional<QImage> ImageImport::decodePNG(std::span<const uint8_t> png) {

@@ -15,6 +15,15 @@ namespace qirn::ImageImport {
 /// at. Throws PaintFileError for damage behind a native document's sound manifest, otherwise ExportError.
 std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QString& fileExtension);
 
+struct DecodedPicture {
+    std::shared_ptr<RGBABuffer> pixels; ///< Upright, in the document's colours.
+    double dpi = 72;
+};
+
+/// The picture of a file other than a native document; nothing when it is none, is damaged beyond use, has a side of
+/// more than 30,000 pixels, or claims a size that its bytes cannot hold.
+std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
+
 /// The picture of a PNG; nothing when it is damaged or claims a size that its bytes cannot hold.
 std::optional<QImage> decodePNG(std::span<const uint8_t> png);
 
