@@ -281,7 +281,10 @@ std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file) {
     std::vector<LayerRef> layers;
     const int64_t length = in.u32();
     const int64_t end = in.pos() + length;
-    if (length >= 5 && in.u32() != 0) layers = readLayers(in, std::abs(int64_t{in.i16()}), grid);
+    if (length >= 5 && in.u32() != 0) {
+        const int64_t count = in.i16(); // negative where the finished picture has its own transparency
+        layers = readLayers(in, std::abs(count), grid);
+    }
     if (layers.empty()) {
         in.moveTo(end);
         layers.push_back(readFinishedPicture(in, head, grid));
