@@ -1,52 +1,55 @@
 #pragma once
-#include "core/IRect.h"
-#include "core/PaintDocument.h"
+#include "formats/InflateStream.h"
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-namespace qirn::PSDFile {
+namespace qirn {
 
-inline constexpr int kPlanes = 4;        // red, green, blue, alpha
-inline constexpr int64_t kBandRows = 32; // divides the height of a tile
+struct PSDSections;
 
-/// Packed rows of a part of the picture that lies within one row of tiles.
-struct PackedBand {
-    std::array<std::vector<uint8_t>, kPlanes> bytes;
-};
-
-/// A rectangle of the canvas as four planes of straight colour, each row packed for itself. It is cut into bands, which
-/// are packed side by side and stay where they are until the file is put together.
-class PackedPlanes {
+/// The first channels of a Photoshop file's merged picture, row by row. A file holds them one whole channel behind the other
+/// and packed in one of four ways; here the rows of all of them come side by side, as samples high byte
+/// first, without ever holding a whole channel.
+class PSDPlanes {
 public:
-    explicit PackedPlanes(const IRect& rect); ///< Nothing packed yet; `rect` lies in the canvas.
+    /// Borrows the file's bytes. Throws BEReader::Short where they cannot hold that many channels of that size.
+    PSDPlanes(const PSDSections& sections, int channels);
 
-    const IRect& rect() const { return rect_; }
-    const std::vector<uint16_t>& counts(int plane) const { return counts_[static_cast<std::size_t>(plane)]; }
-    const std::vector<PackedBand>& bands() const { return bands_; }
-    int64_t bandCount() const { return static_cast<int64_t>(bands_.size()); }
-    IRect bandRect(int64_t band) const;
-    int64_t planeBytes(int plane) const; ///< Of all rows.
-
-    /// Packs one band; returns its bytes. `tiles` are the pixels of the canvas's row of tiles in which the band lies,
-    /// null for a transparent tile.
-    int64_t packBand(int64_t band, std::span<const uint8_t* const> tiles);
+    int64_t rowBytes() const { return rowBytes_; }
+    int64_t rowsAtOnce() const { return rowsAtOnce_; }
+    /// Makes up to `rowsAtOnce` rows ready. Bands are asked for from top to bottom without a gap. Throws
+    /// BEReader::Short for damage, as `readRow` does.
+    void loadBand(int64_t firstRow, int64_t rows);
+    /// Any row of the band, `rowBytes` long. May be called from several threads at once.
+    void readRow(int channel, int64_t y, std::span<uint8_t> into) const;
 
 private:
-    int64_t packTransparent(int64_t band);
+    enum class Packing : uint16_t { none = 0, runs = 1, deflated = 2, deflatedDifferences = 3 };
 
-    IRect rect_;
-    std::array<std::vector<uint16_t>, kPlanes> counts_;
-    std::vector<PackedBand> bands_;
+    void findRuns(const PSDSections& sections, std::span<const uint8_t> bytes);
+    void startStreams(std::span<const uint8_t> bytes);
+    bool isDeflated() const { return packing_ >= Packing::deflated; }
+    std::size_t bandOffset(int channel, int64_t rowInBand) const;
+
+    Packing packing_;
+    int depth_;
+    int channels_;
+    int64_t height_;
+    int64_t rowBytes_;
+    int64_t rowsAtOnce_;
+
+    std::span<const uint8_t> planes_;    // not packed or in runs
+    std::vector<int64_t> rowStarts_;     // in runs: offsets in `planes_`, channel by channel, with the end
+    std::vector<InflateStream> streams_; // deflated: one a channel, each at the next band's first row
+    std::vector<uint8_t> band_;          // deflated: unpacked rows, channel by channel
+    int64_t bandStart_ = 0;
 };
 
-/// Every layer's content in stack order, an empty rectangle for a layer without any; stops early, unfinished, once the
-/// packed bytes exceed `most`. In parallel.
-std::vector<PackedPlanes> packLayers(const PaintDocument& doc, int64_t most);
+/// Undoes in place what storing a row as differences did to it: each whole sample of 8 or 16 bits is its difference
+/// from the one on its left. Rows of 32-bit floats were first split into all first bytes, all second bytes and so
+/// on, and then taken as 8-bit samples.
+void undoDifferences(std::span<uint8_t> row, int depth);
 
-/// The finished picture of the whole canvas, composited a few rows of tiles at a time. In parallel.
-PackedPlanes packFinishedPicture(const PaintDocument& doc);
-
-} // namespace qirn::PSDFile
+} // namespace qirn

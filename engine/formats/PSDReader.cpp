@@ -272,6 +272,12 @@ PSDFile::PSDError PSDFile::PSDError::unsupported(const QString& feature) {
         QStringLiteral("This Photoshop file uses a feature Qirn Paint can't read (%1).").arg(feature));
 }
 
+PSDFile::PSDError PSDFile::PSDError::noMergedPicture() {
+    return PSDError(QStringLiteral(
+        "This Photoshop file was saved without a flattened picture, and its layers use a feature "
+        "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
+}
+
 std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file) {
     BEReader in(file);
     const Head head = readHead(in);

@@ -2,7 +2,7 @@
 #include "formats/ByteReader.h"
 #include "formats/ImageExport.h"
 #include "formats/PSDFile.h"
-#include "formats/PSDPlanes.h"
+#include "formats/PSDPacking.h"
 #include "formats/StraightPixels.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
