@@ -3,6 +3,8 @@
 #include "formats/HeifReader.h"
 #include "formats/ImageExport.h"
 #include "formats/JpegReader.h"
+#include "formats/PSDFile.h"
+#include "formats/PSDPicture.h"
 #include "formats/PaintFile.h"
 #include "formats/PngReader.h"
 #include "formats/QtReader.h"
@@ -26,14 +28,27 @@ struct Reader {
     std::optional<DecodedPicture> (*read)(Bytes);
 };
 constexpr Reader kReaders[] = {
-    {isPng, readPng},   {isJpeg, readJpeg}, {isTiff, readTiff}, {isWebP, readWebP},
-    {isHeif, readHeif}, {isGif, readGif},   {isBmp, readBmp},
+    {isPng, readPng},
+    {isJpeg, readJpeg},
+    {isTiff, readTiff},
+    {isWebP, readWebP},
+    {PSDPicture::isPhotoshopFile, PSDPicture::decode},
+    {isHeif, readHeif},
+    {isGif, readGif},
+    {isBmp, readBmp},
 };
 
 } // namespace
 
 std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&) {
     if (PaintFile::infoOf(file)) return PaintFile::decode(file);
+    if (PSDPicture::isPhotoshopFile(file)) {
+        try {
+            return PSDFile::read(file);
+        } catch (const std::exception&) {
+            // Whatever its layers lack, the finished picture beside them may still be shown as one.
+        }
+    }
     auto picture = decode(file);
     if (!picture) throw ExportError::cannotRead();
     const RGBABuffer& pixels = *picture->pixels;
