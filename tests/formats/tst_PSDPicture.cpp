@@ -413,13 +413,16 @@ void tst_PSDPicture::oneStraightPixelMeansThatNoneIsOnWhite() {
 }
 
 void tst_PSDPicture::anyFloatIsAColorAndACoverage() {
+    const QColorSpace linear(QColorSpace::Primaries::DciP3D65, QColorSpace::TransferFunction::Linear);
+    const QByteArray profile = resource(1039, linear.iccProfile());
     constexpr uint32_t kInfinite = 0x7F800000;
     constexpr uint32_t kNoNumber = 0x7FC00000;
-    const auto compare = [](uint32_t bits, bool isFull) {
+    const auto compare = [&](uint32_t bits, bool isFull) {
         const QString opaque = isFull ? "255,255,255,255" : "0,0,0,255";
         QCOMPARE(decodedPixel(pixelFile(gray, 32, {bits})), opaque);
         QCOMPARE(decodedPixel(pixelFile(gray, 32, {bits, bitsOf(0.5)})),
                  QString(opaque).replace("255", "128"));
+        QCOMPARE(decodedPixel(pixelFile(rgb, 32, {bits, bits, bits}, {}, profile)), opaque);
         for (const QByteArray& layers : {QByteArray(), layerCount(-1)})
             QCOMPARE(decodedPixel(pixelFile(gray, 32, {bitsOf(1), bits}, layers)),
                      isFull ? opaque : "0,0,0,0");
@@ -598,7 +601,8 @@ void tst_PSDPicture::aLyingSizeIsRefused() {
         file.packing = packing;
         for (const auto& [width, height] : sizes) {
             BEWriter out;
-            out.bytes(file.bytes() + QByteArray(400'000, '\0')); // all the lengths of rows without bytes
+            // Without the picture, but with all the lengths of rows of no bytes.
+            out.bytes(file.bytes().chopped(file.picture().size()) + QByteArray(400'000, '\0'));
             out.patchU32(14, height);
             out.patchU32(18, width);
             QVERIFY(!PSDPicture::decode(bytesOf(out.data())));
