@@ -1,5 +1,8 @@
+#include "core/PaintDocument.h"
 #include "core/SeededRandom.h"
 #include "formats/ByteReader.h"
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
 #include "formats/PSDFile.h"
 #include "formats/PSDPicture.h"
 #include "formats/PackBits.h"
@@ -264,6 +267,7 @@ private Q_SLOTS:
     void resolutionIsInPixelsAnInch();
     void aFileSavedWithoutAPictureIsSaidToBe_data();
     void aFileSavedWithoutAPictureIsSaidToBe();
+    void aFileOpensInLayersWhereTheyCanBeRead();
     void aFileCutAnywhereGivesNothing_data();
     void aFileCutAnywhereGivesNothing();
     void damagedBytesDoNoHarm_data();
@@ -503,6 +507,22 @@ void tst_PSDPicture::aFileSavedWithoutAPictureIsSaidToBe() {
                     "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
     }
     QCOMPARE(refused, isRefused);
+}
+
+void tst_PSDPicture::aFileOpensInLayersWhereTheyCanBeRead() {
+    const auto doc = randomDocument(300, 40, 3, 1);
+    const QByteArray layered = PSDFile::write(*doc, PSDFile::Layered::yes);
+    QCOMPARE(ImageImport::document(bytesOf(layered), "")->layerCount(), doc->layerCount());
+
+    File file = pixelFile(gray, 16, {65535}, layerCount(1, "Lr16"));
+    const auto flat = ImageImport::document(bytesOf(file.bytes()), "png");
+    QCOMPARE(flat->layerCount(), int64_t{1});
+    QCOMPARE(flat->layers()[0]->name, QString("Background"));
+    QCOMPARE(text(flat->layers()[0]->toBuffer()->pixel(0, 0)), QString("255,255,255,255"));
+
+    file.resources = psdResource(1057, {}, big32(1) + '\0');
+    QVERIFY_THROWS_EXCEPTION(PSDFile::PSDError, ImageImport::document(bytesOf(file.bytes()), "psd"));
+    QVERIFY_THROWS_EXCEPTION(ExportError, ImageImport::document(bytesOf(file.bytes().left(30)), "psd"));
 }
 
 static void addPackings() {
