@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include <QApplication>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
@@ -25,12 +26,17 @@ public:
     std::optional<QString> saveFile(const QString&, const QList<FileType>&, const QString&) override {
         return std::nullopt;
     }
-    QStringList openFiles(const QList<FileType>&) override { return {}; }
+    QStringList openFiles(const QList<FileType>&, Several) override { return {}; }
     int ask(const QString&, const QString&, const QStringList&, int cancelButton) override {
         return cancelButton;
     }
     void beep() override {}
     void noteRecentFile(const QString&) override {}
+    const QMimeData& clipboard() override { return *clipboard_; }
+    void setClipboard(std::unique_ptr<QMimeData> content) override { clipboard_ = std::move(content); }
+
+private:
+    std::unique_ptr<QMimeData> clipboard_ = std::make_unique<QMimeData>();
 };
 
 struct SelfTestWorld {
