@@ -2,6 +2,7 @@
 
 #include "core/PaintEngine.h"
 #include "formats/ImageExport.h"
+#include "formats/PSDPicture.h"
 #include "formats/PaintFile.h"
 
 #include <algorithm>
@@ -74,6 +75,7 @@ std::unique_ptr<PaintDocument> ImageImport::document(std::span<const uint8_t> fi
 }
 
 std::optional<ImageImport::DecodedPicture> ImageImport::decode(std::span<const uint8_t> file) {
+    if (PSDPicture::isPhotoshopFile(file)) return PSDPicture::decode(file);
     const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(file.data()),
                                                static_cast<qsizetype>(file.size()));
     QBuffer buffer;

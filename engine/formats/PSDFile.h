@@ -32,6 +32,7 @@ namespace PSDFile {
 class PSDError : public DescribedError {
 public:
     static PSDError unsupported(const QString& feature); ///< "16-bit color", ...
+    static PSDError noMergedPicture();
 
 private:
     using DescribedError::DescribedError;
