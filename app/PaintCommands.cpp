@@ -111,6 +111,12 @@ const CommandRow kCommands[] = {
      call<&PaintModel::importBrushes>},
     {"File", "exportBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Brushes…"), 0,
      call<&PaintModel::exportBrushes>},
+    {"File", "importPalette", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Palettes…"), 0,
+     call<&PaintModel::importPalette>},
+    {"File", "exportGpl", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .gpl…"), 0,
+     [](PaintModel& model) { model.exportPalette(PaintModel::PaletteFile::gpl); }},
+    {"File", "exportAco", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .aco…"), 0,
+     [](PaintModel& model) { model.exportPalette(PaintModel::PaletteFile::aco); }},
     {"File", nullptr},
     {"File", kQuit, QT_TRANSLATE_NOOP("qirn::PaintCommands", "Quit"), Command | Qt::Key_Q},
 

@@ -5,6 +5,7 @@
 #include "CanvasView.h"
 #include "Defaults.h"
 #include "Desktop.h"
+#include "formats/PaletteLibrary.h"
 
 #include <algorithm>
 
@@ -22,6 +23,8 @@ PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Defaults& defaults)
     : desktop_(desktop),
       defaults_(defaults),
       userBrushFile_(AppFolders::brushesFile()),
+      userPaletteFile_(AppFolders::palettesFile()),
+      paletteID_(PaletteLibrary::builtIn().front().id),
       prefs_(PaintPrefs::load(defaults)) {
     for (const ToolRow& row : kTools) {
         if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));

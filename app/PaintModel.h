@@ -8,6 +8,7 @@
 #include "ToolOptions.h"
 #include "TransformState.h"
 #include "UserBrushes.h"
+#include "UserPalettes.h"
 #include "brush/BrushSettings.h"
 #include "core/PaintColor.h"
 #include "formats/ImageExport.h"
@@ -81,6 +82,23 @@ public:
     void exportBrushes(); ///< The user's presets; without any, the active brush.
     void importBrushes();
     static BrushSettings defaultBrush(Tool tool);
+
+    // --- Palettes (PaintModelPalettes.cpp). A built-in one is never changed: an edit goes to the user's own copy.
+    std::vector<Palette> allPalettes() const; ///< Built-in, then the user's.
+    const std::vector<Palette>& userPalettes() const { return userPalettes_; }
+    const Palette& currentPalette() const; ///< The first built-in one where the chosen one is gone.
+    void selectPalette(const QUuid& id);
+    enum class FromRecent { no, yes };
+    void newPalette(const QString& name,
+                    FromRecent fromRecent); ///< Of the paint colour, or of the recent ones.
+    std::size_t editablePaletteIndex(); ///< Among the user's own, where the copy is made that an edit needs.
+    void addToPalette(const PaintColor& color);
+    void removeFromPalette(std::size_t index);
+    void renamePalette(const QString& name);
+    void deletePalette();
+    void importPalette();
+    enum class PaletteFile { gpl, aco };
+    void exportPalette(PaletteFile file);
 
     // --- Messages (PaintModel.cpp)
     const std::optional<QString>& hud() const { return hud_; } ///< The transient line over the canvas.
@@ -190,6 +208,8 @@ private:
     void applyPrefs();
     void setToolBrush(Tool tool, const BrushSettings& brush);
     void saveUserBrushes();
+    std::size_t addOwnPalette(Palette palette); ///< Made the current one; its index among the user's own.
+    void savePalettes();
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);
     void showOnCanvas(DocSession& session);
@@ -205,6 +225,9 @@ private:
     std::map<Tool, BrushSettings> toolBrush_;
     std::vector<BrushSettings> userBrushes_;
     UserBrushFile userBrushFile_;
+    std::vector<Palette> userPalettes_;
+    UserPaletteFile userPaletteFile_;
+    QUuid paletteID_; // of the current palette
     ToolOptions options_;
     std::optional<TransformState> transform_;
     bool transformLockedAlpha_ = false;   // the layer's alpha lock, set aside while its pixels float

@@ -74,6 +74,7 @@ void persistence(const SelfTestWorld& world) {
         prefs.undoSteps = 60;
         model.setPrefs(prefs);
         model.saveBrushAsNew(QStringLiteral("Self-test brush"));
+        model.addToPalette(PaintColor(0.25, 0.5, 0.75));
         model.saveState();
     }
     const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.defaults);
@@ -84,6 +85,9 @@ void persistence(const SelfTestWorld& world) {
                 model.primary() == PaintColor(0.25, 0.5, 0.75) && model.recent().size() == 1);
     world.check("The preferences come back", model.prefs().undoSteps == 60);
     world.check("The user's presets come back", model.userBrushes().size() == 1);
+    world.check("An edit of a built-in palette went to a copy, which comes back",
+                model.userPalettes().size() == 1 && model.currentPalette() == model.userPalettes()[0] &&
+                    model.currentPalette().colors.size() == model.allPalettes()[0].colors.size() + 1);
 }
 
 void canvasPipeline(const SelfTestWorld& world) {
@@ -136,6 +140,8 @@ constexpr void (*kSections[])(const SelfTestWorld&) = {
     inEngine<SelfTestEngine::bucket>,
     inEngine<SelfTestEngine::undoRedo>,
     inEngine<SelfTestEngine::saveReopen>,
+    inEngine<SelfTestEngine::exports>,
+    inEngine<SelfTestEngine::palettes>,
     inEngine<SelfTestEngine::canvasOps>,
     recovery,
     persistence,
