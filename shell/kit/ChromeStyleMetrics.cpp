@@ -23,6 +23,8 @@ int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return Metrics::kCheckBox;
+    case PM_FocusFrameHMargin: // text in a row of a list, from the edge of the row
+        return Metrics::kSpace8;
     case PM_CheckBoxLabelSpacing:
     case PM_RadioButtonLabelSpacing:
         return Metrics::kSpace8;
