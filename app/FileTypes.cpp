@@ -66,8 +66,7 @@ QList<FileType> FileTypes::palettes() {
 FileType FileTypes::exported(ExportFormat format) {
     const QString extension = QLatin1String(rowOf(format).fileExtension);
     for (const FileType& type : import()) {
-        if (type.extensions.contains(extension))
-            return {type.description, QStringList{extension} + type.extensions}; // the format's own first
+        if (type.extensions.front() == extension) return type;
     }
     return {extension.toUpper(), {extension}};
 }
