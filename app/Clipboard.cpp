@@ -59,8 +59,12 @@ private:
 
 std::shared_ptr<const RGBABuffer> decoded(const QByteArray& bytes) {
     if (bytes.isEmpty()) return nullptr;
-    const auto picture = ImageImport::decode(bytesOf(bytes));
-    return picture ? picture->pixels : nullptr;
+    try {
+        const auto picture = ImageImport::decode(bytesOf(bytes));
+        return picture ? picture->pixels : nullptr;
+    } catch (const DescribedError&) {
+        return nullptr; // a file without a picture of its layers
+    }
 }
 
 std::shared_ptr<const RGBABuffer> decodedFile(const QString& path) {

@@ -107,11 +107,11 @@ void PaintModel::importImageAsLayer() {
 }
 
 void PaintModel::importImage(const QString& path) {
-    std::optional<ImageImport::DecodedPicture> picture;
+    std::optional<DecodedPicture> picture;
     try {
         picture = ImageImport::decode(bytesOf(readFile(path)));
-    } catch (const ReadError&) {
-        // Told below.
+    } catch (const DescribedError&) {
+        // Told below, as whatever else is no picture.
     }
     if (!picture) return alert(tr("Couldn't import"), tr("This picture could not be read."));
     pasteBuffer(*picture->pixels, QFileInfo(path).completeBaseName(), std::nullopt);

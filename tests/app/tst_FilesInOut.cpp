@@ -5,8 +5,10 @@
 #include "brush/BrushLibrary.h"
 #include "compositing/CompositeInputs.h"
 #include "formats/ImageImport.h"
+#include "formats/PSDFile.h"
 #include "platform/Bytes.h"
 #include "sheets/ExportSheet.h"
+#include "support/PSDFiles.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
@@ -127,12 +129,22 @@ private Q_SLOTS:
         QCOMPARE(studio.model.hud(), QStringLiteral("Pasted as a new layer — use Move (V) to position it"));
         QCOMPARE(text(studio.layer().pixel(180 + 7, 140 + 9)), text(picture->pixel(7, 9)));
         writeFile(path, "no picture");
+        // Its layers alone: such a file has no picture to import.
+        PSDParts layers;
+        layers.resources = psdResource(1057, {}, big32(1) + '\0');
+        layers.records = {PSDRecord{}};
+        const QString psd = studio.path(QStringLiteral("layers.psd"));
+        writeFile(psd, layers.joined());
+        QVERIFY_THROWS_EXCEPTION(PSDFile::PSDError, ImageImport::decode(bytesOf(bytesAt(psd))));
         const int64_t before = studio.doc().changeCount();
-        studio.model.importImage(path);
-        studio.model.importImage(studio.path(QStringLiteral("missing.png")));
-        QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
+        for (const QString& file : {path, studio.path(QStringLiteral("missing.png")), psd})
+            studio.model.importImage(file);
+        studio.desktop.content->setUrls({QUrl::fromLocalFile(psd)});
+        studio.model.paste();
+        QCOMPARE(studio.model.hud(), QStringLiteral("There's no picture on the clipboard"));
+        QCOMPARE(studio.desktop.asked.size(), std::size_t{3});
         QCOMPARE(studio.desktop.asked[0].title, QStringLiteral("Couldn't import"));
-        QCOMPARE(studio.desktop.asked[1].text, QStringLiteral("This picture could not be read."));
+        QCOMPARE(studio.desktop.asked[2].text, QStringLiteral("This picture could not be read."));
         QCOMPARE(studio.doc().changeCount(), before);
     }
 
