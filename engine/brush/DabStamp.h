@@ -1,5 +1,6 @@
 #pragma once
 #include "brush/BrushSettings.h"
+#include "brush/DabRows.h"
 #include "core/IRect.h"
 #include "core/PaintColor.h"
 #include "core/PaintDocument.h"
@@ -46,11 +47,17 @@ private:
         std::unique_ptr<Mask> mask;
         TileRef before; // null: transparent before the stroke
     };
-    struct Tip;
+    /// One tile's share of a dab.
+    struct TileJob {
+        TileWork* work;
+        uint8_t* pixels;
+        IRect tile; // its part of the canvas
+        IRect box;  // of the dab, inside the canvas
+    };
 
     TileWork& workOn(int64_t index);
-    void stampTile(const Tip& tip, int64_t index, const IRect& part);
-    void applyGrain(double* coverage, int64_t x, int64_t y, int64_t count) const;
+    void stampTile(const TipShape& tip, const Dab& dab, const TileJob& job) const;
+    RowOf<float> grainOf(int64_t tileX, int64_t y, Columns blocks) const;
 
     PaintDocument& document_;
     Layer& layer_;

@@ -39,6 +39,12 @@ HWY_INLINE float absolute(float a) {
 HWY_INLINE float squareRoot(float a) {
     return std::sqrt(a);
 }
+HWY_INLINE double select(bool condition, double yes, double no) {
+    return condition ? yes : no;
+}
+HWY_INLINE double squareRoot(double a) {
+    return std::sqrt(a);
+}
 HWY_INLINE bool both(bool a, bool b) {
     return a && b;
 }
@@ -49,7 +55,9 @@ HWY_INLINE bool either(bool a, bool b) {
 #if QIRN_PLAIN_TARGET
 
 inline constexpr int kLanes = 1;
+inline constexpr int kDoubleLanes = 1;
 using Floats = float;
+using Doubles = double;
 using Words = uint32_t; ///< One 32-bit word a lane.
 
 HWY_INLINE Floats loadFloats(const float* from) {
@@ -85,6 +93,31 @@ HWY_INLINE Words truncated(Floats v) {
 HWY_INLINE Words smaller(Words a, Words b) {
     return b < a ? b : a;
 }
+HWY_INLINE Words select(bool condition, Words yes, Words no) {
+    return condition ? yes : no;
+}
+HWY_INLINE bool anyOf(bool condition) {
+    return condition;
+}
+HWY_INLINE Doubles loadDoubles(const double* from) {
+    return *from;
+}
+HWY_INLINE void storeDoubles(Doubles v, double* to) {
+    *to = v;
+}
+HWY_INLINE void storeNarrowed(Doubles v, float* to) {
+    *to = static_cast<float>(v);
+}
+HWY_INLINE Doubles widened(const float* from) {
+    return static_cast<double>(*from);
+}
+HWY_INLINE Doubles widened(const uint8_t* from) {
+    return static_cast<double>(*from);
+}
+/// 0, 1, 2 and so on, a number a lane.
+HWY_INLINE Doubles laneNumbers() {
+    return 0;
+}
 /// 0 to 255; also 0 for what is no number.
 HWY_INLINE Floats clampedToByte(Floats v) {
     v = v > 0 ? v : 0;
@@ -106,6 +139,18 @@ struct Floats {
 };
 struct Condition {
     hn::MFromD<FloatTag> m;
+};
+
+using DoubleTag = hn::ScalableTag<double>;
+inline constexpr int kDoubleLanes = HWY_LANES(double);
+struct Doubles {
+    hn::VFromD<DoubleTag> v;
+
+    HWY_INLINE explicit Doubles(hn::VFromD<DoubleTag> lanes) : v(lanes) {}
+    HWY_INLINE Doubles(double all) : v(hn::Set(DoubleTag(), all)) {}
+};
+struct DoubleCondition {
+    hn::MFromD<DoubleTag> m;
 };
 using Words = hn::VFromD<WordTag>;
 
@@ -208,6 +253,62 @@ HWY_INLINE Words smaller(Words a, Words b) {
 }
 HWY_INLINE Floats clampedToByte(Floats v) {
     return smaller(Floats(255), larger(Floats(0), v));
+}
+
+HWY_INLINE Words select(Condition condition, Words yes, Words no) {
+    return hn::IfThenElse(hn::RebindMask(WordTag(), condition.m), yes, no);
+}
+HWY_INLINE bool anyOf(Condition condition) {
+    return !hn::AllFalse(FloatTag(), condition.m);
+}
+
+HWY_INLINE Doubles operator+(Doubles a, Doubles b) {
+    return Doubles(hn::Add(a.v, b.v));
+}
+HWY_INLINE Doubles operator-(Doubles a, Doubles b) {
+    return Doubles(hn::Sub(a.v, b.v));
+}
+HWY_INLINE Doubles operator*(Doubles a, Doubles b) {
+    return Doubles(hn::Mul(a.v, b.v));
+}
+HWY_INLINE Doubles operator/(Doubles a, Doubles b) {
+    return Doubles(hn::Div(a.v, b.v));
+}
+HWY_INLINE DoubleCondition operator>(Doubles a, Doubles b) {
+    return {hn::Gt(a.v, b.v)};
+}
+HWY_INLINE DoubleCondition operator<=(Doubles a, Doubles b) {
+    return {hn::Le(a.v, b.v)};
+}
+HWY_INLINE DoubleCondition operator>=(Doubles a, Doubles b) {
+    return {hn::Ge(a.v, b.v)};
+}
+HWY_INLINE Doubles select(DoubleCondition condition, Doubles yes, Doubles no) {
+    return Doubles(hn::IfThenElse(condition.m, yes.v, no.v));
+}
+HWY_INLINE Doubles squareRoot(Doubles a) {
+    return Doubles(hn::Sqrt(a.v));
+}
+HWY_INLINE Doubles loadDoubles(const double* from) {
+    return Doubles(hn::Load(DoubleTag(), from));
+}
+HWY_INLINE void storeDoubles(Doubles v, double* to) {
+    hn::Store(v.v, DoubleTag(), to);
+}
+HWY_INLINE void storeNarrowed(Doubles v, float* to) {
+    const hn::Rebind<float, DoubleTag> narrow;
+    hn::Store(hn::DemoteTo(narrow, v.v), narrow, to);
+}
+HWY_INLINE Doubles widened(const float* from) {
+    return Doubles(hn::PromoteTo(DoubleTag(), hn::Load(hn::Rebind<float, DoubleTag>(), from)));
+}
+HWY_INLINE Doubles widened(const uint8_t* from) {
+    const hn::Rebind<int32_t, DoubleTag> whole;
+    return Doubles(
+        hn::PromoteTo(DoubleTag(), hn::PromoteTo(whole, hn::Load(hn::Rebind<uint8_t, DoubleTag>(), from))));
+}
+HWY_INLINE Doubles laneNumbers() {
+    return Doubles(hn::Iota(DoubleTag(), 0));
 }
 
 #endif
