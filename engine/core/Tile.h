@@ -1,4 +1,5 @@
 #pragma once
+#include "core/TileMemory.h"
 #include "platform/Require.h"
 
 #include <cstdint>
@@ -21,24 +22,23 @@ class Tile {
 public:
     Tile();                           ///< Transparent, not frozen.
     explicit Tile(const Tile& other); ///< The other tile's pixels, not frozen.
-    ~Tile();
     Tile& operator=(const Tile&) = delete;
 
     bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.
     bool isFrozen() const { return frozen_; }
-    const uint8_t* pixels() const { return pixels_; }
-    std::span<const uint8_t> bytes() const { return {pixels_, kTileBytes}; }
+    const uint8_t* pixels() const { return pixels_.get(); }
+    std::span<const uint8_t> bytes() const { return {pixels_.get(), kTileBytes}; }
 
     /// The pixels for writing; stops the process on a frozen tile.
     uint8_t* writablePixels() {
         require(!frozen_);
-        return pixels_;
+        return pixels_.get();
     }
     /// Called by whoever makes a second reference to the tile; nothing undoes it.
     void freeze() { frozen_ = true; }
 
 private:
-    uint8_t* pixels_; // kTileBytes, 64-byte aligned, owned
+    TileMemory::Block pixels_; // kTileBytes, page-aligned
     bool frozen_ = false;
 };
 
