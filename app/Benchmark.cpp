@@ -3,6 +3,7 @@
 #include "CanvasPresentation.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
+#include "formats/PSDFile.h"
 #include "formats/PaintFile.h"
 #include "operations/Fill.h"
 #include "operations/LayerOperations.h"
@@ -114,6 +115,10 @@ void timeFile(PaintDocument& doc) {
     const Stopwatch opening;
     PaintFile::decode(bytesOf(bytes));
     std::printf("Open it again: %.0f ms\n", opening.milliseconds());
+    const Stopwatch exporting;
+    const qsizetype exported = PSDFile::write(doc, PSDFile::Layered::yes).size();
+    std::printf("Export layered PSD: %.0f ms (%lld MB)\n", exporting.milliseconds(),
+                static_cast<long long>(exported / 1'000'000));
 }
 
 void timeUndo(PaintDocument& doc) {

@@ -10,18 +10,6 @@ namespace qirn {
 
 namespace {
 
-/// The 36 characters of a written UUID, digits of either case; what else Qt would read is no identifier here.
-QUuid writtenUuid(const QString& text) {
-    const auto isHyphen = [&](qsizetype i) { return i == 8 || i == 13 || i == 18 || i == 23; };
-    if (text.size() != 36) throw JsonTypeError("UUID");
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i].unicode();
-        const bool isDigit = (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-        if (isHyphen(i) ? c != u'-' : !isDigit) throw JsonTypeError("UUID");
-    }
-    return QUuid::fromString(text);
-}
-
 QString optionalText(const Json& record, const char* key, const char* fallback) {
     const Json* value = jsonOptionalMember(record, key);
     return value ? jsonText(*value) : QString::fromUtf8(fallback);
@@ -83,7 +71,7 @@ BrushSettings BrushSettings::fromJson(const Json& record) {
     const QString category = optionalText(record, "category", "My Brushes");
     const BrushKind kind = kindOf(record);
     std::optional<QUuid> id;
-    if (const Json* value = jsonOptionalMember(record, "id")) id = writtenUuid(jsonText(*value));
+    if (const Json* value = jsonOptionalMember(record, "id")) id = jsonUuid(*value);
     BrushSettings brush(name, category, kind, id);
     for (const BrushField& field : kBrushFields) {
         const Json* value = jsonOptionalMember(record, field.key);
@@ -97,7 +85,7 @@ BrushSettings BrushSettings::fromJson(const Json& record) {
 
 OrderedJson BrushSettings::toJson() const {
     OrderedJson record = OrderedJson::object();
-    record["id"] = id.toString(QUuid::WithoutBraces).toUpper().toStdString();
+    record["id"] = uuidText(id);
     record["name"] = name.toStdString();
     record["category"] = category.toStdString();
     record["kind"] = rowOf(kind).id;

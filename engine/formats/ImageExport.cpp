@@ -1,13 +1,18 @@
 #include "formats/ImageExport.h"
 
+#include "compositing/CompositeInputs.h"
 #include "core/PaintEngine.h"
 #include "formats/AreaReducer.h"
+#include "formats/JpegWriter.h"
+#include "formats/PSDFile.h"
+#include "formats/TiffWriter.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -24,7 +29,28 @@ QString translated(const char* text) {
     return QCoreApplication::translate("ExportError", text);
 }
 
+std::optional<QByteArray> encoded(const PaintDocument& doc, ExportFormat format, double jpegQuality,
+                                  const PaintColor& jpegBackground) {
+    switch (format) {
+    case ExportFormat::png:
+        return ImageExport::pngData(flattenedImage(doc), doc.dpi);
+    case ExportFormat::jpeg:
+        return jpegBytes(*ImageExport::onBackground(*flattened(doc), jpegBackground), jpegQuality, doc.dpi);
+    case ExportFormat::tiff:
+        return tiffBytes(*flattened(doc), doc.dpi);
+    case ExportFormat::psdLayered:
+        return PSDFile::write(doc, PSDFile::Layered::yes);
+    case ExportFormat::psdFlat:
+        return PSDFile::write(doc, PSDFile::Layered::no);
+    }
+    return std::nullopt;
+}
+
 } // namespace
+
+QString displayName(ExportFormat format) {
+    return QCoreApplication::translate("ExportFormat", rowOf(format).displayName);
+}
 
 ExportError ExportError::cannotEncode(const QString& formatName) {
     return ExportError(translated("The picture could not be saved as %1.").arg(formatName));
@@ -33,6 +59,33 @@ ExportError ExportError::cannotEncode(const QString& formatName) {
 ExportError ExportError::cannotRead() {
     return ExportError(
         translated("This picture could not be opened. It may be damaged or in a format macOS cannot read."));
+}
+
+QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
+                             const PaintColor& jpegBackground) {
+    std::optional<QByteArray> bytes;
+    try {
+        bytes = encoded(doc, format, jpegQuality, jpegBackground);
+    } catch (const std::bad_alloc&) { // a picture whose copy this machine has no memory for
+    }
+    if (!bytes) throw ExportError::cannotEncode(displayName(format));
+    return *std::move(bytes);
+}
+
+std::shared_ptr<RGBABuffer> ImageExport::onBackground(const RGBABuffer& picture,
+                                                      const PaintColor& background) {
+    auto result = std::make_shared<RGBABuffer>(picture.width(), picture.height());
+    const PixelBytes below{background.r8(), background.g8(), background.b8(), 255};
+    concurrentPerform(picture.height(), [&](int64_t y) {
+        const uint8_t* from = picture.row(y);
+        uint8_t* to = result->row(y);
+        for (int64_t x = 0; x < picture.width(); ++x, from += 4, to += 4) {
+            const int through = 255 - from[3];
+            for (std::size_t c = 0; c < 4; ++c)
+                to[c] = static_cast<uint8_t>(from[c] + (below[c] * through + 127) / 255);
+        }
+    });
+    return result;
 }
 
 std::optional<QByteArray> ImageExport::pngData(const QImage& image, double dpi) {

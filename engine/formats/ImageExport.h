@@ -1,7 +1,10 @@
 #pragma once
+#include "core/RGBABuffer.h"
 #include "platform/DescribedError.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include <QByteArray>
@@ -10,6 +13,36 @@
 #include <QString>
 
 namespace qirn {
+
+class PaintDocument;
+
+/// What a picture can be saved as beside the native document, in the order of the list that a user chooses from.
+enum class ExportFormat { png, jpeg, tiff, psdLayered, psdFlat };
+
+struct ExportFormatRow {
+    ExportFormat format;
+    const char* id;          ///< As settings store it.
+    const char* displayName; ///< English source text.
+    const char* fileExtension;
+};
+
+inline constexpr std::array kExportFormats{
+    ExportFormatRow{ExportFormat::png, "png", QT_TRANSLATE_NOOP("ExportFormat", "PNG (keeps transparency)"),
+                    "png"},
+    ExportFormatRow{ExportFormat::jpeg, "jpeg", QT_TRANSLATE_NOOP("ExportFormat", "JPEG (photos, smallest)"),
+                    "jpg"},
+    ExportFormatRow{ExportFormat::tiff, "tiff", QT_TRANSLATE_NOOP("ExportFormat", "TIFF (print, lossless)"),
+                    "tiff"},
+    ExportFormatRow{ExportFormat::psdLayered, "psdLayered",
+                    QT_TRANSLATE_NOOP("ExportFormat", "Photoshop PSD (layers kept)"), "psd"},
+    ExportFormatRow{ExportFormat::psdFlat, "psdFlat",
+                    QT_TRANSLATE_NOOP("ExportFormat", "Photoshop PSD (flattened)"), "psd"},
+};
+
+constexpr const ExportFormatRow& rowOf(ExportFormat format) {
+    return kExportFormats[static_cast<std::size_t>(format)];
+}
+QString displayName(ExportFormat format); ///< In the user's language.
 
 /// A picture that could not be turned into a file's bytes, or bytes that are no picture.
 class ExportError : public DescribedError {
@@ -24,6 +57,15 @@ private:
 
 /// Finished pictures as images and as file bytes.
 namespace ImageExport {
+
+/// The finished picture, without hidden layers, as the bytes of a file that notes the document's resolution and nothing
+/// else. JPEG alone asks for a quality, brought into 0.05 to 1, and for the colour under what is transparent. Runs where
+/// the document is owned; throws ExportError.
+QByteArray data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
+                const PaintColor& jpegBackground);
+
+/// The picture laid over an opaque colour, whose own alpha is not looked at.
+std::shared_ptr<RGBABuffer> onBackground(const RGBABuffer& picture, const PaintColor& background);
 
 /// A PNG with its resolution noted; nothing for a null image.
 std::optional<QByteArray> pngData(const QImage& image, double dpi);

@@ -40,7 +40,7 @@ OrderedJson written(const OnionSkin& onion) {
 OrderedJson written(const LayerEntry& layer) {
     OrderedJson tiles = OrderedJson::array();
     for (const TileEntry& tile : layer.tiles) tiles.push_back(written(tile));
-    return {{"id", layer.id.toString(QUuid::WithoutBraces).toUpper().toStdString()},
+    return {{"id", uuidText(layer.id)},
             {"name", layer.name.toStdString()},
             {"opacity", finiteOr(layer.opacity, 1)},
             {"blend", layer.blend.toStdString()},
@@ -71,19 +71,6 @@ OnionSkin readOnion(const Json& json) {
             .afterColor = readColor(jsonMember(json, "afterColor"))};
 }
 
-/// Only the 36-character form with hyphens: Qt's own reader also takes others.
-QUuid readId(const Json& json) {
-    const QString text = jsonText(json);
-    if (text.size() != 36) throw JsonTypeError("id");
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const ushort c = text[i].unicode();
-        const bool hyphenPlace = i == 8 || i == 13 || i == 18 || i == 23;
-        const bool digit = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-        if (hyphenPlace ? c != '-' : !digit) throw JsonTypeError("id");
-    }
-    return QUuid::fromString(text);
-}
-
 /// Only 2026-03-01T12:30:05Z. The form is compared with the moment's own, since Qt's reader forgives; and date and
 /// time are read apart, since together they would be local, where some hours do not exist.
 QDateTime readMoment(const Json& json) {
@@ -102,7 +89,7 @@ const Json& list(const Json& json) {
 
 LayerEntry readLayer(const Json& json) {
     LayerEntry layer;
-    layer.id = readId(jsonMember(json, "id"));
+    layer.id = jsonUuid(jsonMember(json, "id"));
     layer.name = jsonText(jsonMember(json, "name"));
     layer.opacity = jsonNumber(jsonMember(json, "opacity"));
     layer.blend = jsonText(jsonMember(json, "blend"));

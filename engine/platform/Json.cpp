@@ -122,6 +122,22 @@ bool jsonFlag(const Json& value) {
     return value.get<bool>();
 }
 
+QUuid jsonUuid(const Json& value) {
+    const QString text = jsonText(value);
+    if (text.size() != 36) wrongType("UUID");
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        const bool isHyphenPlace = i == 8 || i == 13 || i == 18 || i == 23;
+        const bool isDigit = (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+        if (isHyphenPlace ? c != u'-' : !isDigit) wrongType("UUID");
+    }
+    return QUuid::fromString(text);
+}
+
+std::string uuidText(const QUuid& id) {
+    return id.toString(QUuid::WithoutBraces).toUpper().toStdString();
+}
+
 std::string jsonBytes(const OrderedJson& value, int indent) {
     return value.dump(indent, ' ', false, OrderedJson::error_handler_t::replace);
 }

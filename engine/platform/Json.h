@@ -6,6 +6,7 @@
 #include <string>
 
 #include <QString>
+#include <QUuid>
 #include <nlohmann/json.hpp>
 
 namespace qirn {
@@ -35,6 +36,9 @@ QString jsonText(const Json& value);
 double jsonNumber(const Json& value);
 int64_t jsonWhole(const Json& value);
 bool jsonFlag(const Json& value);
+/// Only the 36 characters of a written UUID, digits of either case; what else Qt's own reader takes throws.
+QUuid jsonUuid(const Json& value);
+std::string uuidText(const QUuid& id); ///< The 36 characters, in upper case.
 
 /// Compact or (with `indent` of 2, say) pretty-printed UTF-8.
 std::string jsonBytes(const OrderedJson& value, int indent = -1);

@@ -1,6 +1,8 @@
+#include "compositing/CompositeInputs.h"
 #include "core/RGBABuffer.h"
 #include "core/SeededRandom.h"
 #include "formats/AreaReducer.h"
+#include "formats/ByteReader.h"
 #include "formats/ImageExport.h"
 #include "formats/ImageImport.h"
 #include "platform/Bytes.h"
@@ -37,6 +39,44 @@ double average(const RGBABuffer& source, const RGBABuffer& target, int64_t tx, i
     return sum / (sx * sy);
 }
 
+QByteArray exported(const PaintDocument& doc, ExportFormat format, double quality = 1) {
+    return ImageExport::data(doc, format, quality, PaintColor(1, 1, 1, 0.3));
+}
+
+/// The types of a PNG's chunks, those of a JPEG's segments before its pixels, or the tags of a TIFF's only directory.
+QStringList marksIn(const QByteArray& file) {
+    QStringList marks;
+    const auto bytes = bytesOf(file);
+    if (file.startsWith("\x89PNG")) {
+        BEReader in(bytes.subspan(8));
+        while (in.remaining() > 0) {
+            const uint32_t length = in.u32();
+            const auto type = in.slice(4);
+            marks += QString::fromLatin1(reinterpret_cast<const char*>(type.data()), 4);
+            in.skip(int64_t{length} + 4);
+        }
+    } else if (file.startsWith("\xFF\xD8")) {
+        BEReader in(bytes.subspan(2));
+        while (marks.value(marks.size() - 1) != u"ffda") {
+            marks += QString::number(in.u16(), 16);
+            in.skip(in.u16() - 2);
+        }
+    } else if (file.startsWith(QByteArray("II*\0", 4))) {
+        const auto number = [&](qsizetype at, int size) {
+            uint32_t value = 0;
+            for (int i = 0; i < size; ++i)
+                value |= uint32_t{bytes[static_cast<std::size_t>(at + i)]} << (8 * i);
+            return value;
+        };
+        const uint32_t directory = number(4, 4);
+        const uint32_t count = number(directory, 2);
+        for (uint32_t i = 0; i < count; ++i) marks += QString::number(number(directory + 2 + 12 * i, 2));
+        if (number(directory + 2 + 12 * count, 4) != 0) marks += QStringLiteral("another picture");
+    }
+    marks.removeDuplicates(); // several blocks of pixels, several tables
+    return marks;
+}
+
 } // namespace
 
 class tst_ImageExport : public QObject {
@@ -54,6 +94,14 @@ private Q_SLOTS:
     void everyPixelValueSurvivesPNG();
     void aPNGKeepsItsResolution();
     void aNullImageIsNoPNG();
+
+    void everyFormatReadsBackAsItWas_data();
+    void everyFormatReadsBackAsItWas();
+    void aFileNotesItsResolutionAndNothingElse_data();
+    void aFileNotesItsResolutionAndNothingElse();
+    void qualityIsBroughtIntoItsRange();
+    void transparencyInAJPEGShowsTheBackground();
+    void aHiddenLayerIsInNoFlattenedExport();
 };
 
 void tst_ImageExport::sidesAreCutToWholePixels_data() {
@@ -172,6 +220,109 @@ void tst_ImageExport::aPNGKeepsItsResolution() {
 
 void tst_ImageExport::aNullImageIsNoPNG() {
     QVERIFY(!ImageExport::pngData(QImage(), 72));
+}
+
+void tst_ImageExport::everyFormatReadsBackAsItWas_data() {
+    QTest::addColumn<int>("format");
+    QTest::addColumn<double>("dpi");
+    QTest::addColumn<double>("expected");
+    for (const auto& row : kExportFormats) {
+        for (const double dpi : {300.0, 72.0, 96.0, 1.0, 32'767.0})
+            QTest::addRow("%s at %g", row.id, dpi) << static_cast<int>(row.format) << dpi << dpi;
+    }
+    QTest::newRow("png in tenths") << static_cast<int>(ExportFormat::png) << 72.3 << 72.3;
+    QTest::newRow("tiff in tenths") << static_cast<int>(ExportFormat::tiff) << 72.3 << 72.3;
+    QTest::newRow("jpeg in whole dots") << static_cast<int>(ExportFormat::jpeg) << 72.3 << 72.0;
+    QTest::newRow("jpeg at its limit") << static_cast<int>(ExportFormat::jpeg) << 99'999.0 << 65'535.0;
+}
+
+void tst_ImageExport::everyFormatReadsBackAsItWas() {
+    QFETCH(int, format);
+    QFETCH(double, dpi);
+    QFETCH(double, expected);
+    const bool isExact = static_cast<ExportFormat>(format) != ExportFormat::jpeg;
+    auto doc = isExact ? randomDocument(333, 222, 3, 5)
+                       : std::make_unique<PaintDocument>(333, 222, 72, PaintColor(0.2, 0.5, 0.9));
+    doc->dpi = dpi;
+    const auto picture = ImageImport::decode(bytesOf(exported(*doc, static_cast<ExportFormat>(format))));
+    QVERIFY(picture);
+    QCOMPARE(picture->dpi, expected);
+    if (isExact) {
+        QCOMPARE(firstDifference(*picture->pixels, *flattened(*doc)), QString());
+    } else {
+        const PixelBytes pixel = picture->pixels->pixel(332, 221);
+        const bool isNear =
+            std::abs(pixel[0] - 51) <= 1 && std::abs(pixel[1] - 128) <= 1 && std::abs(pixel[2] - 230) <= 1;
+        QVERIFY2(isNear, qPrintable(text(pixel)));
+        QCOMPARE(picture->pixels->width(), 333);
+    }
+}
+
+void tst_ImageExport::aFileNotesItsResolutionAndNothingElse_data() {
+    QTest::addColumn<int>("format");
+    QTest::addColumn<QStringList>("marks");
+    QTest::newRow("png") << static_cast<int>(ExportFormat::png)
+                         << QStringList{"IHDR", "pHYs", "IDAT", "IEND"};
+    // JFIF, quantisation, frame, codes, pixels.
+    QTest::newRow("jpeg") << static_cast<int>(ExportFormat::jpeg)
+                          << QStringList{"ffe0", "ffdb", "ffc0", "ffc4", "ffda"};
+    // Sizes, bits, LZW, RGB, strips, samples, rows, lengths, resolution, planes, unit, predictor, alpha.
+    QTest::newRow("tiff") << static_cast<int>(ExportFormat::tiff)
+                          << QStringList{"256", "257", "258", "259", "262", "273", "277", "278",
+                                         "279", "282", "283", "284", "296", "317", "338"};
+}
+
+void tst_ImageExport::aFileNotesItsResolutionAndNothingElse() {
+    QFETCH(int, format);
+    QFETCH(QStringList, marks);
+    QCOMPARE(marksIn(exported(*randomDocument(600, 300, 2, 8), static_cast<ExportFormat>(format))), marks);
+}
+
+void tst_ImageExport::qualityIsBroughtIntoItsRange() {
+    const auto doc = randomDocument(100, 80, 2, 3);
+    const auto atQuality = [&](double quality) { return exported(*doc, ExportFormat::jpeg, quality); };
+    QCOMPARE(atQuality(0), atQuality(0.05));
+    QCOMPARE(atQuality(std::nan("")), atQuality(0.05));
+    QCOMPARE(atQuality(2), atQuality(1));
+    QVERIFY(atQuality(0.05).size() < atQuality(0.5).size());
+    QVERIFY(atQuality(0.5).size() < atQuality(1).size());
+}
+
+void tst_ImageExport::transparencyInAJPEGShowsTheBackground() {
+    const auto source = noise(64, 64, 4);
+    const auto flat = ImageExport::onBackground(*source, PaintColor(0.8, 0.4, 0.2, 0));
+    const double below[3] = {204, 102, 51};
+    for (int64_t y = 0; y < 64; ++y) {
+        for (int64_t x = 0; x < 64; ++x) {
+            const PixelBytes from = source->pixel(x, y);
+            const PixelBytes to = flat->pixel(x, y);
+            QCOMPARE(to[3], 255);
+            for (std::size_t c = 0; c < 3; ++c)
+                QCOMPARE(static_cast<double>(to[c]),
+                         std::round(from[c] + below[c] * (255 - from[3]) / 255.0));
+        }
+    }
+    PaintDocument doc(40, 40, 72, PaintColor(1, 0, 0, 0.5));
+    const auto jpeg =
+        ImageImport::decode(bytesOf(ImageExport::data(doc, ExportFormat::jpeg, 1, PaintColor(0, 0, 1))));
+    const PixelBytes mixed = jpeg->pixels->pixel(20, 20);
+    QVERIFY2(std::abs(mixed[0] - 128) <= 2 && mixed[1] <= 2 && std::abs(mixed[2] - 127) <= 2,
+             qPrintable(text(mixed)));
+}
+
+void tst_ImageExport::aHiddenLayerIsInNoFlattenedExport() {
+    PaintDocument doc(300, 20, 72, PaintColor(0.5, 0.5, 0.5));
+    const auto plain = [&](ExportFormat format) { return exported(doc, format); };
+    for (const auto& row : kExportFormats) {
+        if (row.format == ExportFormat::psdLayered) continue; // keeps it, hidden
+        const QByteArray before = plain(row.format);
+        paintRect(doc, doc.layer(1), {3, 3, 200, 9}, {200, 0, 0, 255});
+        doc.layer(1).isVisible = false;
+        QCOMPARE(plain(row.format), before);
+        doc.layer(1).isVisible = true;
+        QVERIFY(plain(row.format) != before);
+        doc.layer(1).removeAllTiles();
+    }
 }
 
 QIRN_TEST(tst_ImageExport)

@@ -1,0 +1,37 @@
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// Run-length code of Photoshop's rows: a signed byte n, then n + 1 bytes as they are (n >= 0), or one byte that
+/// stands 1 - n times (n < 0; -128 stands for nothing).
+namespace qirn::PSDFile {
+
+/// Bytes that the packed form of a row never exceeds.
+constexpr std::size_t packedBound(std::size_t count) {
+    return count + (count + 127) / 128;
+}
+
+/// Writes the packed row to `out`, which has room for `packedBound` bytes; returns the end of what it wrote.
+uint8_t* packBits(std::span<const uint8_t> row, uint8_t* out);
+/// The same bytes, found one at a time: the reference for the form above, and for rows of any length.
+uint8_t* packBitsPlainly(std::span<const uint8_t> row, uint8_t* out);
+
+/// Fills the row: zeros follow where the packed bytes hold less, and what they hold beyond it is not looked at.
+/// Throws BEReader::Short when they end within a step that the row still needs.
+void unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> row);
+
+/// A row of `expected` bytes of which only a part is wanted, from byte `from` on: writes `part` as far as the packed
+/// bytes reach and returns how many bytes that is. Walks the whole row, and throws as above.
+std::size_t unpackPart(std::span<const uint8_t> packed, int64_t expected, int64_t from,
+                       std::span<uint8_t> part);
+
+/// The rows of a plane, packed one by one.
+struct PackedRows {
+    std::vector<uint16_t> counts; ///< Packed bytes of each row.
+    std::vector<uint8_t> data;    ///< All rows, one after the other.
+};
+PackedRows rle(std::span<const uint8_t> plane, int64_t w, int64_t h);
+
+} // namespace qirn::PSDFile

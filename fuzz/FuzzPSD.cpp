@@ -1,0 +1,50 @@
+#include "core/PaintDocument.h"
+#include "formats/ByteReader.h"
+#include "formats/PSDFile.h"
+#include "platform/Bytes.h"
+#include "platform/DescribedError.h"
+#include "platform/Require.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+using namespace qirn;
+
+namespace {
+
+std::unique_ptr<PaintDocument> opened(std::span<const uint8_t> file) {
+    try {
+        return PSDFile::read(file);
+    } catch (const DescribedError&) {
+        return nullptr;
+    } catch (const BEReader::Short&) {
+        return nullptr;
+    }
+}
+
+/// Pictures that would take the run too long to compare, though the program opens them.
+bool isSmall(const PaintDocument& doc) {
+    constexpr int64_t kMostTiles = 64;
+    return doc.grid().count() * doc.layerCount() <= kMostTiles;
+}
+
+} // namespace
+
+/// A name's zeros at its ends are not kept by the format, and a layer without a name gets one.
+void makeNamesPlain(const PaintDocument& doc) {
+    for (const LayerRef& layer : doc.layers()) {
+        layer->name.remove(QChar(QChar::Null));
+        if (layer->name.isEmpty()) layer->name = QStringLiteral("Unnamed");
+    }
+}
+
+/// Any bytes are refused or opened; what opened and is written again opens as the same picture.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+    const auto doc = opened({data, size});
+    if (!doc || !isSmall(*doc)) return 0;
+    makeNamesPlain(*doc);
+    const auto again = opened(bytesOf(PSDFile::write(*doc, PSDFile::Layered::yes)));
+    require(again && again->fingerprint() == doc->fingerprint());
+    return 0;
+}

@@ -1,0 +1,158 @@
+#include "formats/ColorProfile.h"
+#include "platform/Bytes.h"
+#include "support/Profiles.h"
+#include "support/TestMain.h"
+
+#include <array>
+#include <cmath>
+#include <cstring>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+using Rgba = std::array<uint8_t, 4>;
+
+QString told(const Rgba& c) {
+    return QStringLiteral("%1,%2,%3,%4").arg(c[0]).arg(c[1]).arg(c[2]).arg(c[3]);
+}
+
+template <class T> Rgba converted(const ColorProfile& profile, const std::vector<T>& pixel) {
+    Rgba out{};
+    profile.convert(pixel.data(), out.data(), 1);
+    return out;
+}
+
+double encodedSrgb(double light) {
+    return 255 * (light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055);
+}
+
+} // namespace
+
+class tst_ColorProfile : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void withoutAProfileColorsAreThoseOfTheScreen();
+    void linearLightIsEncodedToTheNearestStep();
+    void sixteenBitsAreRounded();
+    void aProfileThatIsSrgbChangesNothing();
+    void wideColorsComeOutAsTheFormulaSays();
+    void aTableOfInksIsFollowed();
+    void brokenProfilesAreNone();
+};
+
+void tst_ColorProfile::withoutAProfileColorsAreThoseOfTheScreen() {
+    const auto plain = [](ColorModel model, bool hasAlpha, bool isInverted,
+                          const std::vector<uint8_t>& pixel) {
+        return converted(ColorProfile::standard({model, SampleType::u8, hasAlpha, isInverted}), pixel);
+    };
+    QCOMPARE(plain(ColorModel::rgb, true, false, {1, 2, 3, 4}), (Rgba{1, 2, 3, 4}));
+    QCOMPARE(plain(ColorModel::rgb, false, false, {1, 2, 3}), (Rgba{1, 2, 3, 255}));
+    QCOMPARE(plain(ColorModel::gray, true, false, {9, 70}), (Rgba{9, 9, 9, 70}));
+    QCOMPARE(plain(ColorModel::cmyk, false, false, {255, 0, 0, 0}), (Rgba{0, 255, 255, 255}));
+    QCOMPARE(plain(ColorModel::cmyk, false, true, {255, 0, 255, 128}), (Rgba{128, 0, 128, 255}));
+    QCOMPARE(told(plain(ColorModel::lab, false, false, {255, 128, 128})), told({255, 255, 255, 255}));
+    QCOMPARE(told(plain(ColorModel::lab, true, false, {0, 128, 128, 5})), told({0, 0, 0, 5}));
+    // L 53.4, a 80, b 67: the red of sRGB, near enough.
+    const Rgba red = plain(ColorModel::lab, false, false, {138, 209, 198});
+    QVERIFY(red[0] >= 252 && red[1] <= 20 && red[2] <= 20);
+}
+
+void tst_ColorProfile::linearLightIsEncodedToTheNearestStep() {
+    const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::f32});
+    for (int i = -10; i <= 1010; ++i) {
+        const float light = static_cast<float>(i) / 1000;
+        const double exact = encodedSrgb(std::clamp<double>(light, 0, 1));
+        QVERIFY(std::abs(converted(gray, std::vector{light})[0] - exact) <= 0.5 + 1e-3);
+    }
+    QCOMPARE(converted(gray, std::vector{std::nanf("")}), (Rgba{0, 0, 0, 255}));
+}
+
+void tst_ColorProfile::sixteenBitsAreRounded() {
+    const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::u16, true});
+    for (int v = 0; v < 65536; v += 7) {
+        const auto byte = static_cast<uint8_t>(std::lround(v / 257.0));
+        QCOMPARE(converted(gray, std::vector<uint16_t>{static_cast<uint16_t>(v), static_cast<uint16_t>(v)}),
+                 (Rgba{byte, byte, byte, byte}));
+    }
+}
+
+void tst_ColorProfile::aProfileThatIsSrgbChangesNothing() {
+    const auto profile =
+        ColorProfile::embedded(bytesOf(srgbProfile()), {ColorModel::rgb, SampleType::u8, true});
+    QVERIFY(profile);
+    for (int i = 0; i < 256; ++i) {
+        const auto v = static_cast<uint8_t>(i);
+        const Rgba color{v, static_cast<uint8_t>(255 - v), static_cast<uint8_t>(v * 7), v};
+        QCOMPARE(converted(*profile, std::vector<uint8_t>(color.begin(), color.end())), color);
+    }
+}
+
+void tst_ColorProfile::wideColorsComeOutAsTheFormulaSays() {
+    // Display P3 to linear sRGB, as published with the colour space.
+    const double matrix[3][3] = {{1.2249, -0.2247, 0}, {-0.0420, 1.0419, 0}, {-0.0197, -0.0786, 1.0979}};
+    const auto decoded = [](double v) {
+        return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    for (const SampleType sample : {SampleType::u8, SampleType::u16}) {
+        const auto profile = ColorProfile::embedded(bytesOf(displayP3Profile()), {ColorModel::rgb, sample});
+        QVERIFY(profile);
+        for (int i = 0; i < 6 * 6 * 6; ++i) {
+            const std::vector<uint8_t> in{static_cast<uint8_t>(i % 6 * 51),
+                                          static_cast<uint8_t>(i / 6 % 6 * 51),
+                                          static_cast<uint8_t>(i / 36 * 51)};
+            std::vector<uint16_t> wide;
+            for (const uint8_t v : in) wide.push_back(static_cast<uint16_t>(v * 257));
+            const Rgba out = sample == SampleType::u8 ? converted(*profile, in) : converted(*profile, wide);
+            for (std::size_t c = 0; c < 3; ++c) {
+                double light = 0;
+                for (std::size_t k = 0; k < 3; ++k) light += matrix[c][k] * decoded(in[k] / 255.0);
+                const double exact = encodedSrgb(std::clamp(light, 0.0, 1.0));
+                QVERIFY2(std::abs(out[c] - exact) <= 1.5,
+                         qPrintable(QStringLiteral("%1: %2 for %3").arg(i).arg(out[c]).arg(exact)));
+            }
+        }
+    }
+}
+
+void tst_ColorProfile::aTableOfInksIsFollowed() {
+    // The test's press: no ink is white, cyan alone is a colour that no plain formula gives.
+    const auto profile = ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk});
+    const auto inverted =
+        ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk, SampleType::u8, false, true});
+    const auto wide = ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk, SampleType::u16});
+    QVERIFY(profile && inverted && wide);
+    const Rgba white = converted(*profile, std::vector<uint8_t>{0, 0, 0, 0});
+    QVERIFY(white[0] >= 254 && white[1] >= 254 && white[2] >= 254);
+    const Rgba cyan = converted(*profile, std::vector<uint8_t>{255, 0, 0, 0});
+    QVERIFY2(std::abs(cyan[0] - kPressCyan[0]) <= 2 && std::abs(cyan[1] - kPressCyan[1]) <= 2 &&
+                 std::abs(cyan[2] - kPressCyan[2]) <= 2,
+             qPrintable(QStringLiteral("%1 %2 %3").arg(cyan[0]).arg(cyan[1]).arg(cyan[2])));
+    QCOMPARE(converted(*inverted, std::vector<uint8_t>{0, 255, 255, 255}), cyan);
+    const Rgba wideCyan = converted(*wide, std::vector<uint16_t>{65535, 0, 0, 0});
+    for (std::size_t c = 0; c < 3; ++c) QVERIFY(std::abs(wideCyan[c] - cyan[c]) <= 1);
+}
+
+void tst_ColorProfile::brokenProfilesAreNone() {
+    const QByteArray good = displayP3Profile();
+    const auto accepted = [](const QByteArray& icc, ColorModel model = ColorModel::rgb) {
+        return ColorProfile::embedded(bytesOf(icc), {model}).has_value();
+    };
+    QVERIFY(accepted(good));
+    QVERIFY(!accepted({}));
+    QVERIFY(!accepted(QByteArray(5000, 'x')));
+    QVERIFY(!accepted(good, ColorModel::gray));
+    QVERIFY(!accepted(pressProfile()));
+    for (qsizetype cut = 1; cut < good.size(); cut += 37)
+        accepted(good.left(cut)); // no crash, whatever it says
+    for (qsizetype at = 0; at < good.size(); at += 17) {
+        QByteArray damaged = good;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0xFF);
+        if (const auto profile = ColorProfile::embedded(bytesOf(damaged), {}))
+            converted(*profile, std::vector<uint8_t>{1, 2, 3});
+    }
+}
+
+QIRN_TEST(tst_ColorProfile)
+#include "tst_ColorProfile.moc"

@@ -1,0 +1,97 @@
+#include "support/Profiles.h"
+
+#include <algorithm>
+
+#include <lcms2.h>
+
+namespace qirn::test {
+
+namespace {
+
+QByteArray saved(cmsHPROFILE profile) {
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile, nullptr, &size);
+    QByteArray bytes(static_cast<qsizetype>(size), '\0');
+    cmsSaveProfileToMem(profile, bytes.data(), &size);
+    cmsCloseProfile(profile);
+    return bytes;
+}
+
+QByteArray rgbProfile(const cmsCIExyYTRIPLE& primaries, cmsToneCurve* curve) {
+    const cmsCIExyY d65{0.3127, 0.3290, 1};
+    cmsToneCurve* curves[3] = {curve, curve, curve};
+    QByteArray bytes = saved(cmsCreateRGBProfile(&d65, &primaries, curves));
+    cmsFreeToneCurve(curve);
+    return bytes;
+}
+
+cmsToneCurve* srgbCurve() {
+    const double parameters[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    return cmsBuildParametricToneCurve(nullptr, 4, parameters);
+}
+
+struct Press {
+    cmsHTRANSFORM toLab;
+};
+
+/// Each ink lets through its share of red, green and blue; the result as Lab.
+cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void* press) {
+    const double inks[4][3] = {{kPressCyan[0] / 255.0, kPressCyan[1] / 255.0, kPressCyan[2] / 255.0},
+                               {0.8, 0.1, 0.5},
+                               {1, 0.9, 0.1},
+                               {0, 0, 0}};
+    cmsUInt16Number rgb[3];
+    for (int c = 0; c < 3; ++c) {
+        double light = 1;
+        for (int i = 0; i < 4; ++i) light *= 1 - in[i] / 65535.0 * (1 - inks[i][c]);
+        rgb[c] = static_cast<cmsUInt16Number>(light * 65535 + 0.5);
+    }
+    cmsDoTransform(static_cast<Press*>(press)->toLab, rgb, out, 1);
+    return TRUE;
+}
+
+} // namespace
+
+QByteArray srgbProfile() {
+    return saved(cmsCreate_sRGBProfile());
+}
+
+QByteArray displayP3Profile() {
+    return rgbProfile({{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}}, srgbCurve());
+}
+
+QByteArray adobeRgbProfile() {
+    return rgbProfile({{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}},
+                      cmsBuildGamma(nullptr, 563 / 256.0));
+}
+
+QByteArray grayProfile(double gamma) {
+    cmsToneCurve* curve = cmsBuildGamma(nullptr, gamma);
+    QByteArray bytes = saved(cmsCreateGrayProfile(cmsD50_xyY(), curve));
+    cmsFreeToneCurve(curve);
+    return bytes;
+}
+
+QByteArray pressProfile() {
+    const cmsHPROFILE srgb = cmsCreate_sRGBProfile();
+    const cmsHPROFILE lab = cmsCreateLab2Profile(nullptr);
+    Press press{cmsCreateTransform(srgb, TYPE_RGB_16, lab, TYPE_LabV2_16, INTENT_RELATIVE_COLORIMETRIC, 0)};
+    const cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
+    cmsSetProfileVersion(profile, 2.4);
+    cmsSetDeviceClass(profile, cmsSigOutputClass);
+    cmsSetColorSpace(profile, cmsSigCmykData);
+    cmsSetPCS(profile, cmsSigLabData);
+    cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, 4, 3);
+    cmsStage* table = cmsStageAllocCLut16bit(nullptr, 5, 4, 3, nullptr);
+    cmsStageSampleCLut16bit(table, inkToLab, &press, 0);
+    cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, table);
+    cmsWriteTag(profile, cmsSigAToB0Tag, pipeline);
+    cmsWriteTag(profile, cmsSigMediaWhitePointTag, cmsD50_XYZ());
+    cmsPipelineFree(pipeline);
+    cmsDeleteTransform(press.toLab);
+    cmsCloseProfile(srgb);
+    cmsCloseProfile(lab);
+    return saved(profile);
+}
+
+} // namespace qirn::test
