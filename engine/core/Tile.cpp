@@ -4,6 +4,27 @@
 
 namespace qirn {
 
+namespace {
+std::atomic<int64_t> heldByForms = 0;
+} // namespace
+
+StoredForm::StoredForm(Coding how, std::vector<uint8_t> stream) : coding(how), bytes(std::move(stream)) {
+    heldByForms += static_cast<int64_t>(bytes.size());
+}
+
+StoredForm::~StoredForm() {
+    heldByForms -= static_cast<int64_t>(bytes.size());
+}
+
+int64_t StoredForm::heldBytes() {
+    return heldByForms;
+}
+
+void Tile::remember(std::shared_ptr<const StoredForm> form) const {
+    require(frozen_);
+    if (StoredForm::heldBytes() <= StoredForm::mostBytes) storedForm_ = std::move(form);
+}
+
 Tile::Tile() : pixels_(TileMemory::take()) {
     std::memset(pixels_.get(), 0, kTileBytes);
 }

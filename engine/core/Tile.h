@@ -2,9 +2,11 @@
 #include "core/TileMemory.h"
 #include "platform/Require.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace qirn {
 
@@ -12,6 +14,24 @@ inline constexpr int kTileSize = 256;                     // pixels on a side
 inline constexpr int kTileRowBytes = kTileSize * 4;       // bytes from one row to the next
 inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
 inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
+
+/// A tile as a file stores it, remembered with the tile so that saving again costs only what changed since. All
+/// that is remembered together stays under a limit; what would go beyond is simply not kept.
+class StoredForm {
+public:
+    enum class Coding { blank, raw, lzfse }; ///< Nothing; the tile's own bytes; `bytes`.
+    static constexpr int64_t mostBytes = 256LL * 1024 * 1024;
+
+    StoredForm(Coding coding, std::vector<uint8_t> bytes);
+    ~StoredForm();
+    StoredForm(const StoredForm&) = delete;
+    StoredForm& operator=(const StoredForm&) = delete;
+
+    static int64_t heldBytes(); ///< Of all there are.
+
+    const Coding coding;
+    const std::vector<uint8_t> bytes;
+};
 
 /// 256 x 256 pixels of one layer: premultiplied 8-bit sRGB RGBA, top row first, 1024 bytes a row.
 ///
@@ -37,8 +57,13 @@ public:
     /// Called by whoever makes a second reference to the tile; nothing undoes it.
     void freeze() { frozen_ = true; }
 
+    /// What was remembered of a frozen tile; null when nothing was. Any thread may ask and remember.
+    std::shared_ptr<const StoredForm> storedForm() const { return storedForm_.load(); }
+    void remember(std::shared_ptr<const StoredForm> form) const;
+
 private:
     TileMemory::Block pixels_; // kTileBytes, page-aligned
+    mutable std::atomic<std::shared_ptr<const StoredForm>> storedForm_;
     bool frozen_ = false;
 };
 
