@@ -18,6 +18,9 @@ namespace {
 constexpr std::size_t kLargestProfile = 16u << 20; // bytes; those of presses with many tables have 3 MB
 constexpr uint32_t kLargestAllocation = 64u << 20; // bytes that the colour library may take at once
 
+// y = (a x + b)^g from d on, c x below it: g, a, b, c, d.
+constexpr std::array<double, 5> kSrgbCurve{2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+
 // The colour library's allocations, so that a lying profile is refused and not obeyed.
 void* allocate(cmsContext, cmsUInt32Number bytes) {
     return bytes > kLargestAllocation ? nullptr : std::malloc(bytes);
@@ -228,19 +231,23 @@ ColorProfile ColorProfile::standard(const PixelLayout& layout) {
     return result;
 }
 
-std::optional<ColorProfile> ColorProfile::calibrated(const Chromaticities& places, double gamma,
-                                                     const PixelLayout& layout) {
-    if (layout.model != ColorModel::rgb || !(gamma > 0.1 && gamma < 10)) return std::nullopt;
+std::optional<ColorProfile> ColorProfile::calibrated(const Chromaticities& places,
+                                                     std::optional<double> power, const PixelLayout& layout) {
+    const bool isGray = layout.model == ColorModel::gray;
+    if (!isGray && layout.model != ColorModel::rgb) return std::nullopt;
+    if (power && !(*power > 0.1 && *power < 10)) return std::nullopt;
     const Context context = makeContext();
     if (!context) return std::nullopt;
     const auto library = static_cast<cmsContext>(context.get());
+    cmsToneCurve* const curve =
+        power ? cmsBuildGamma(library, *power) : cmsBuildParametricToneCurve(library, 4, kSrgbCurve.data());
+    if (!curve) return std::nullopt;
     const cmsCIExyY white{places.whiteX, places.whiteY, 1};
     const cmsCIExyYTRIPLE primaries{
         {places.redX, places.redY, 1}, {places.greenX, places.greenY, 1}, {places.blueX, places.blueY, 1}};
-    cmsToneCurve* const curve = cmsBuildGamma(library, gamma);
-    if (!curve) return std::nullopt;
     cmsToneCurve* const curves[3] = {curve, curve, curve};
-    const Profile profile(cmsCreateRGBProfileTHR(library, &white, &primaries, curves));
+    const Profile profile(isGray ? cmsCreateGrayProfileTHR(library, cmsD50_xyY(), curve)
+                                 : cmsCreateRGBProfileTHR(library, &white, &primaries, curves));
     cmsFreeToneCurve(curve);
     if (!profile) return std::nullopt;
     ColorProfile result(layout);

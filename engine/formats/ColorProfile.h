@@ -31,14 +31,14 @@ public:
     /// For a file that says nothing: grey and RGB are sRGB, in 32 bits linear; the inks of CMYK are ideal; Lab is
     /// relative to D50.
     static ColorProfile standard(const PixelLayout& layout);
-    /// RGB by the places of its primaries and white in the CIE diagram, and a gamma by which stored values are
-    /// raised to become light. Nothing for numbers that describe no colours.
+    /// By the places of the primaries and of white in the CIE diagram, and the power by which stored values become
+    /// light (none: the curve of sRGB). Grey has only the latter. Nothing for numbers that describe no colours.
     struct Chromaticities {
         double whiteX, whiteY, redX, redY, greenX, greenY, blueX, blueY;
         bool operator==(const Chromaticities&) const = default;
     };
     static constexpr Chromaticities srgbChromaticities{0.3127, 0.329, 0.64, 0.33, 0.3, 0.6, 0.15, 0.06};
-    static std::optional<ColorProfile> calibrated(const Chromaticities& places, double gamma,
+    static std::optional<ColorProfile> calibrated(const Chromaticities& places, std::optional<double> power,
                                                   const PixelLayout& layout);
 
     const PixelLayout& layout() const { return layout_; }

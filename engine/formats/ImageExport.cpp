@@ -4,6 +4,7 @@
 #include "core/PaintEngine.h"
 #include "formats/AreaReducer.h"
 #include "formats/JpegWriter.h"
+#include "formats/PSDFile.h"
 #include "formats/TiffWriter.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -27,17 +29,19 @@ QString translated(const char* text) {
     return QCoreApplication::translate("ExportError", text);
 }
 
-std::optional<QByteArray> encoded(const RGBABuffer& picture, ExportFormat format, double dpi,
-                                  double jpegQuality, const PaintColor& jpegBackground) {
+std::optional<QByteArray> encoded(const PaintDocument& doc, ExportFormat format, double jpegQuality,
+                                  const PaintColor& jpegBackground) {
     switch (format) {
     case ExportFormat::png:
-        return ImageExport::pngData(
-            imageOver(picture.data(), static_cast<int>(picture.width()), static_cast<int>(picture.height())),
-            dpi);
+        return ImageExport::pngData(flattenedImage(doc), doc.dpi);
     case ExportFormat::jpeg:
-        return jpegBytes(*ImageExport::onBackground(picture, jpegBackground), jpegQuality, dpi);
+        return jpegBytes(*ImageExport::onBackground(*flattened(doc), jpegBackground), jpegQuality, doc.dpi);
     case ExportFormat::tiff:
-        return tiffBytes(picture, dpi);
+        return tiffBytes(*flattened(doc), doc.dpi);
+    case ExportFormat::psdLayered:
+        return PSDFile::write(doc, PSDFile::Layered::yes);
+    case ExportFormat::psdFlat:
+        return PSDFile::write(doc, PSDFile::Layered::no);
     }
     return std::nullopt;
 }
@@ -59,7 +63,11 @@ ExportError ExportError::cannotRead() {
 
 QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
                              const PaintColor& jpegBackground) {
-    auto bytes = encoded(*flattened(doc), format, doc.dpi, jpegQuality, jpegBackground);
+    std::optional<QByteArray> bytes;
+    try {
+        bytes = encoded(doc, format, jpegQuality, jpegBackground);
+    } catch (const std::bad_alloc&) { // a picture whose copy this machine has no memory for
+    }
     if (!bytes) throw ExportError::cannotEncode(displayName(format));
     return *std::move(bytes);
 }

@@ -17,7 +17,7 @@ namespace qirn {
 class PaintDocument;
 
 /// What a picture can be saved as beside the native document, in the order of the list that a user chooses from.
-enum class ExportFormat { png, jpeg, tiff };
+enum class ExportFormat { png, jpeg, tiff, psdLayered, psdFlat };
 
 struct ExportFormatRow {
     ExportFormat format;
@@ -33,6 +33,10 @@ inline constexpr std::array kExportFormats{
                     "jpg"},
     ExportFormatRow{ExportFormat::tiff, "tiff", QT_TRANSLATE_NOOP("ExportFormat", "TIFF (print, lossless)"),
                     "tiff"},
+    ExportFormatRow{ExportFormat::psdLayered, "psdLayered",
+                    QT_TRANSLATE_NOOP("ExportFormat", "Photoshop PSD (layers kept)"), "psd"},
+    ExportFormatRow{ExportFormat::psdFlat, "psdFlat",
+                    QT_TRANSLATE_NOOP("ExportFormat", "Photoshop PSD (flattened)"), "psd"},
 };
 
 constexpr const ExportFormatRow& rowOf(ExportFormat format) {

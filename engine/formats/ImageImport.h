@@ -1,5 +1,6 @@
 #pragma once
 #include "core/PaintDocument.h"
+#include "formats/DecodedPicture.h"
 
 #include <cstdint>
 #include <memory>
@@ -15,11 +16,6 @@ namespace qirn::ImageImport {
 /// at. Throws PaintFileError for damage behind a native document's sound manifest, PSDFile::PSDError for a
 /// Photoshop file that was saved without a picture of what its layers show, otherwise ExportError.
 std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QString& fileExtension);
-
-struct DecodedPicture {
-    std::shared_ptr<RGBABuffer> pixels; ///< Upright, in the document's colours.
-    double dpi = 72;
-};
 
 /// The picture of a file other than a native document; nothing when it is none, is damaged beyond use, has a side of
 /// more than 30,000 pixels, or claims a size that its bytes cannot hold. Throws PSDFile::PSDError as above.

@@ -67,14 +67,14 @@ bool PSDPicture::isPhotoshopFile(std::span<const uint8_t> file) {
     return file.size() >= kSignature.size() && std::equal(kSignature.begin(), kSignature.end(), file.begin());
 }
 
-std::optional<ImageImport::DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) {
+std::optional<DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) {
     try {
         const auto sections = psdSectionsOf(file);
         if (!sections || !isOpenable(*sections)) return std::nullopt;
         const bool isThere =
             sections->hasMergedPicture && std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
         if (sections->hasLayers && !isThere) throw PSDFile::PSDError::noMergedPicture();
-        return ImageImport::DecodedPicture{pictureOf(*sections), sections->dpi};
+        return DecodedPicture{pictureOf(*sections), sections->dpi};
     } catch (const BEReader::Short&) {
         return std::nullopt;
     }

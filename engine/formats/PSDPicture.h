@@ -1,5 +1,5 @@
 #pragma once
-#include "formats/ImageImport.h"
+#include "formats/DecodedPicture.h"
 
 #include <cstdint>
 #include <optional>
@@ -15,6 +15,6 @@ bool isPhotoshopFile(std::span<const uint8_t> file);
 /// Nothing for what is no such file, for one wider or higher than 30,000 pixels, and for a damaged one: whatever is
 /// missing of the picture, none of it is given. Throws PSDFile::PSDError for a sound file that was saved without a
 /// merged picture.
-std::optional<ImageImport::DecodedPicture> decode(std::span<const uint8_t> file);
+std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
 
 } // namespace qirn::PSDPicture

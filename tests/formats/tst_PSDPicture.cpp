@@ -1,10 +1,14 @@
+#include "core/PaintDocument.h"
 #include "core/SeededRandom.h"
 #include "formats/ByteReader.h"
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
 #include "formats/PSDFile.h"
 #include "formats/PSDPicture.h"
 #include "formats/PackBits.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
+#include "support/PSDFiles.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
@@ -111,25 +115,6 @@ struct File {
         return lengths.data() + rows;
     }
 };
-
-QByteArray resource(uint16_t identifier, const QByteArray& data, const QByteArray& name = "") {
-    BEWriter out;
-    out.bytes(QByteArray("8BIM"));
-    out.u16(identifier);
-    out.u8(static_cast<uint8_t>(name.size()));
-    out.bytes(name);
-    out.zeros((name.size() + 1) % 2);
-    out.u32(static_cast<uint32_t>(data.size()));
-    out.bytes(data);
-    out.zeros(data.size() % 2);
-    return out.take();
-}
-
-QByteArray number(uint32_t value) {
-    BEWriter out;
-    out.u32(value);
-    return out.take();
-}
 
 const QByteArray kResolutionTail("\0\1\0\1\0\1\0\0\0\1\0\1", 12);
 
@@ -282,6 +267,7 @@ private Q_SLOTS:
     void resolutionIsInPixelsAnInch();
     void aFileSavedWithoutAPictureIsSaidToBe_data();
     void aFileSavedWithoutAPictureIsSaidToBe();
+    void aFileOpensInLayersWhereTheyCanBeRead();
     void aFileCutAnywhereGivesNothing_data();
     void aFileCutAnywhereGivesNothing();
     void damagedBytesDoNoHarm_data();
@@ -345,8 +331,8 @@ void tst_PSDPicture::everyColorModeDepthAndPackingOpens() {
 void tst_PSDPicture::theFirstExtraChannelIsTransparencyWhereTheFileSaysSo_data() {
     addPixelColumns();
     const QByteArray none;
-    const QByteArray saved = resource(1053, number(7));
-    const QByteArray transparency = resource(1053, number(0));
+    const QByteArray saved = psdResource(1053, {}, big32(7));
+    const QByteArray transparency = psdResource(1053, {}, big32(0));
     // 60% of red 1, green 0.5, blue 0, on white and straight.
     const Samples onWhite{255, 179, 102, 153};
     const Samples onWhite16{65535, 45875, 26214, 39321};
@@ -413,13 +399,16 @@ void tst_PSDPicture::oneStraightPixelMeansThatNoneIsOnWhite() {
 }
 
 void tst_PSDPicture::anyFloatIsAColorAndACoverage() {
+    const QColorSpace linear(QColorSpace::Primaries::DciP3D65, QColorSpace::TransferFunction::Linear);
+    const QByteArray profile = psdResource(1039, {}, linear.iccProfile());
     constexpr uint32_t kInfinite = 0x7F800000;
     constexpr uint32_t kNoNumber = 0x7FC00000;
-    const auto compare = [](uint32_t bits, bool isFull) {
+    const auto compare = [&](uint32_t bits, bool isFull) {
         const QString opaque = isFull ? "255,255,255,255" : "0,0,0,255";
         QCOMPARE(decodedPixel(pixelFile(gray, 32, {bits})), opaque);
         QCOMPARE(decodedPixel(pixelFile(gray, 32, {bits, bitsOf(0.5)})),
                  QString(opaque).replace("255", "128"));
+        QCOMPARE(decodedPixel(pixelFile(rgb, 32, {bits, bits, bits}, {}, profile)), opaque);
         for (const QByteArray& layers : {QByteArray(), layerCount(-1)})
             QCOMPARE(decodedPixel(pixelFile(gray, 32, {bitsOf(1), bits}, layers)),
                      isFull ? opaque : "0,0,0,0");
@@ -431,9 +420,7 @@ void tst_PSDPicture::anyFloatIsAColorAndACoverage() {
 
 void tst_PSDPicture::theTransparentPaletteEntryIsClear_data() {
     addPixelColumns();
-    const auto entry = [](char index, const char* name) {
-        return resource(1047, QByteArray(1, '\0') + index, name);
-    };
+    const auto entry = [](uint32_t index, const char* name) { return psdResource(1047, name, big16(index)); };
     QTest::newRow("this one") << pixelFile(indexed, 8, {3}, {}, entry(3, "odd")) << "0,0,0,0";
     QTest::newRow("another") << pixelFile(indexed, 8, {3}, {}, entry(4, "even")) << "3,252,86,255";
     File cut = pixelFile(indexed, 8, {3});
@@ -448,10 +435,10 @@ void tst_PSDPicture::theTransparentPaletteEntryIsClear() {
 void tst_PSDPicture::aProfileIsUsedWhereItFits_data() {
     addPixelColumns();
     const QByteArray icc = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
-    const QByteArray adobe = resource(1039, icc);
-    const QByteArray broken = resource(1039, icc.left(200));
+    const QByteArray adobe = psdResource(1039, {}, icc);
+    const QByteArray broken = psdResource(1039, {}, icc.left(200));
     const QColorSpace linearP3(QColorSpace::Primaries::DciP3D65, QColorSpace::TransferFunction::Linear);
-    const QByteArray linear = resource(1039, linearP3.iccProfile());
+    const QByteArray linear = psdResource(1039, {}, linearP3.iccProfile());
     const Samples floats{bitsOf(0.2), bitsOf(0.5), bitsOf(0.2)};
     // Computed from the definitions of the colour spaces.
     QTest::newRow("8 bits") << pixelFile(rgb, 8, {100, 150, 200}, {}, adobe) << "66,151,203,255";
@@ -470,14 +457,14 @@ void tst_PSDPicture::aProfileIsUsedWhereItFits() {
 void tst_PSDPicture::resolutionIsInPixelsAnInch_data() {
     QTest::addColumn<QByteArray>("resources");
     QTest::addColumn<double>("dpi");
-    const auto stored = [](uint32_t value) { return resource(1005, number(value) + kResolutionTail); };
+    const auto stored = [](uint32_t value) { return psdResource(1005, {}, big32(value) + kResolutionTail); };
     QTest::newRow("missing") << QByteArray() << 72.0;
     QTest::newRow("300.5") << stored(300 * 65536 + 32768) << 300.5;
-    QTest::newRow("behind others") << resource(1060, "abc", "a name") + stored(96 * 65536) << 96.0;
+    QTest::newRow("behind others") << psdResource(1060, "a name", "abc") + stored(96 * 65536) << 96.0;
     QTest::newRow("behind what is no resource") << "8BIX" + stored(96 * 65536) << 72.0;
     QTest::newRow("none") << stored(0) << 72.0;
     QTest::newRow("less than one") << stored(65535) << 72.0;
-    QTest::newRow("too short") << resource(1005, "ab") + resource(1047, "ab") << 72.0;
+    QTest::newRow("too short") << psdResource(1005, {}, "ab") + psdResource(1047, {}, "ab") << 72.0;
 }
 
 void tst_PSDPicture::resolutionIsInPixelsAnInch() {
@@ -506,7 +493,7 @@ void tst_PSDPicture::aFileSavedWithoutAPictureIsSaidToBe() {
     QFETCH(bool, hasPicture);
     QFETCH(bool, isRefused);
     File file = pixelFile(gray, 16, {65535}, layers);
-    if (flag >= 0) file.resources = resource(1057, number(1) + static_cast<char>(flag));
+    if (flag >= 0) file.resources = psdResource(1057, {}, big32(1) + static_cast<char>(flag));
     QByteArray bytes = file.bytes();
     if (!hasPicture) bytes.chop(4);
     bool refused = false;
@@ -520,6 +507,22 @@ void tst_PSDPicture::aFileSavedWithoutAPictureIsSaidToBe() {
                     "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
     }
     QCOMPARE(refused, isRefused);
+}
+
+void tst_PSDPicture::aFileOpensInLayersWhereTheyCanBeRead() {
+    const auto doc = randomDocument(300, 40, 3, 1);
+    const QByteArray layered = PSDFile::write(*doc, PSDFile::Layered::yes);
+    QCOMPARE(ImageImport::document(bytesOf(layered), "")->layerCount(), doc->layerCount());
+
+    File file = pixelFile(gray, 16, {65535}, layerCount(1, "Lr16"));
+    const auto flat = ImageImport::document(bytesOf(file.bytes()), "png");
+    QCOMPARE(flat->layerCount(), int64_t{1});
+    QCOMPARE(flat->layers()[0]->name, QString("Background"));
+    QCOMPARE(text(flat->layers()[0]->toBuffer()->pixel(0, 0)), QString("255,255,255,255"));
+
+    file.resources = psdResource(1057, {}, big32(1) + '\0');
+    QVERIFY_THROWS_EXCEPTION(PSDFile::PSDError, ImageImport::document(bytesOf(file.bytes()), "psd"));
+    QVERIFY_THROWS_EXCEPTION(ExportError, ImageImport::document(bytesOf(file.bytes().left(30)), "psd"));
 }
 
 static void addPackings() {
@@ -542,7 +545,8 @@ static File packedFile() {
     file.width = 9;
     file.height = 7;
     file.sampleAt = noiseOf(rgb, 16);
-    file.resources = resource(1005, number(65536 * 300) + kResolutionTail) + resource(1053, number(0));
+    file.resources =
+        psdResource(1005, {}, big32(65536 * 300) + kResolutionTail) + psdResource(1053, {}, big32(0));
     file.layers = layerCount(-1, "Lr16", isLarge);
     return file;
 }
@@ -598,7 +602,8 @@ void tst_PSDPicture::aLyingSizeIsRefused() {
         file.packing = packing;
         for (const auto& [width, height] : sizes) {
             BEWriter out;
-            out.bytes(file.bytes() + QByteArray(400'000, '\0')); // all the lengths of rows without bytes
+            // Without the picture, but with all the lengths of rows of no bytes.
+            out.bytes(file.bytes().chopped(file.picture().size()) + QByteArray(400'000, '\0'));
             out.patchU32(14, height);
             out.patchU32(18, width);
             QVERIFY(!PSDPicture::decode(bytesOf(out.data())));
