@@ -41,6 +41,7 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setTabletTracking(true);
+    setAcceptDrops(true);
     holdTimer_.setTimerType(Qt::PreciseTimer);
     holdTimer_.setInterval(1000 / 60);
     connect(&holdTimer_, &QTimer::timeout, this, &CanvasView::holdTick);

@@ -1,8 +1,11 @@
 #pragma once
+#include <memory>
 #include <optional>
 
 #include <QString>
 #include <QStringList>
+
+class QMimeData;
 
 namespace qirn {
 
@@ -11,21 +14,26 @@ struct FileType {
     QStringList extensions; ///< Without the dot.
 };
 
-/// What the application asks of the desktop, so that tests can answer in a person's place. All of it is modal and
-/// on the main thread.
+/// What the application asks of the desktop, so that tests can answer in a person's place. Panels and boxes are
+/// modal; all of it is on the main thread.
 class Desktop {
 public:
     virtual ~Desktop() = default;
 
-    /// A path to write to, or nothing when the user cancels. `message` stands in the panel where it has a place.
+    /// A path to write to with an extension of the first type, or nothing when the user cancels. `message` stands
+    /// in the panel where it has a place.
     virtual std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>& types,
                                             const QString& message) = 0;
-    virtual QStringList openFiles(const QList<FileType>& types) = 0; ///< Empty when the user cancels.
+    enum class Several { no, yes };
+    virtual QStringList openFiles(const QList<FileType>& types, Several several) = 0; ///< Empty: cancelled.
     /// A message box; the index of the button that was pressed. The first button is the default one.
     virtual int ask(const QString& title, const QString& text, const QStringList& buttons,
                     int cancelButton) = 0;
     virtual void beep() = 0;
     virtual void noteRecentFile(const QString& path) = 0;
+    /// What lies on the clipboard; borrowed until control returns to the event loop.
+    virtual const QMimeData& clipboard() = 0;
+    virtual void setClipboard(std::unique_ptr<QMimeData> content) = 0;
 };
 
 } // namespace qirn

@@ -56,6 +56,10 @@ template <auto kMethod> void call(PaintModel& model) {
     (model.*kMethod)();
 }
 
+template <PaintSheet kSheet> void sheet(PaintModel& model) {
+    model.requestSheet(kSheet);
+}
+
 template <auto kMethod, auto... kArguments> void view(PaintModel& model) {
     if (CanvasView* canvas = model.canvas()) (canvas->*kMethod)(kArguments...);
 }
@@ -82,7 +86,6 @@ void saveAs(PaintModel& model) {
     model.save(nullptr, PaintModel::SaveAs::yes);
 }
 
-constexpr const char* kRecover = "recover";
 constexpr const char* kQuit = "quit";
 
 // The menu bar, in order.
@@ -91,18 +94,43 @@ const CommandRow kCommands[] = {
      call<&PaintModel::newCanvas>},
     {"File", "open", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open…"), Command | Qt::Key_O,
      call<&PaintModel::openPanel>},
-    {"File", kRecover, QT_TRANSLATE_NOOP("qirn::PaintCommands", "Recover Autosaved Work…")},
+    {"File", "importLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Picture as Layer…"),
+     Command | Shift | Qt::Key_I, call<&PaintModel::importImageAsLayer>},
+    {"File", "recover", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Recover Autosaved Work…"), 0,
+     sheet<PaintSheet::recovery>},
     {"File", nullptr},
     {"File", "closePicture", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Close Picture"), Command | Qt::Key_W,
      call<&PaintModel::closeCurrent>},
     {"File", "save", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save"), Command | Qt::Key_S, save},
     {"File", "saveAs", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save As…"), Command | Shift | Qt::Key_S,
      saveAs},
+    {"File", "export", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export (PNG, JPEG, TIFF, PSD)…"),
+     Command | Qt::Key_E, sheet<PaintSheet::exportPicture>},
+    {"File", nullptr},
+    {"File", "importBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Brushes…"), 0,
+     call<&PaintModel::importBrushes>},
+    {"File", "exportBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Brushes…"), 0,
+     call<&PaintModel::exportBrushes>},
+    {"File", "importPalette", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Palettes…"), 0,
+     call<&PaintModel::importPalette>},
+    {"File", "exportGpl", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .gpl…"), 0,
+     [](PaintModel& model) { model.exportPalette(PaintModel::PaletteFile::gpl); }},
+    {"File", "exportAco", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .aco…"), 0,
+     [](PaintModel& model) { model.exportPalette(PaintModel::PaletteFile::aco); }},
     {"File", nullptr},
     {"File", kQuit, QT_TRANSLATE_NOOP("qirn::PaintCommands", "Quit"), Command | Qt::Key_Q},
 
     {"Edit", "undo", nullptr, Command | Qt::Key_Z, call<&PaintModel::undo>, undoTitle},
     {"Edit", "redo", nullptr, Command | Shift | Qt::Key_Z, call<&PaintModel::redo>, redoTitle},
+    {"Edit", nullptr},
+    {"Edit", "cut", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Cut"), Command | Qt::Key_X,
+     call<&PaintModel::cut>},
+    {"Edit", "copy", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Copy"), Command | Qt::Key_C,
+     [](PaintModel& model) { model.copy(Merged::no); }},
+    {"Edit", "copyMerged", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Copy Merged"),
+     Command | Shift | Qt::Key_C, [](PaintModel& model) { model.copy(Merged::yes); }},
+    {"Edit", "paste", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Paste as New Layer"), Command | Qt::Key_V,
+     call<&PaintModel::paste>},
     {"Edit", nullptr},
     {"Edit", "fillPrimary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Paint Color"),
      Option | Qt::Key_Backspace, [](PaintModel& model) { model.fillSelection(model.primary()); }},
@@ -228,7 +256,6 @@ PaintCommands::PaintCommands(PaintModel& model, QMenuBar& menuBar) : QObject(&me
             if (row.run) connect(action, &QAction::triggered, this, [this, run = row.run] { run(model_); });
         }
     }
-    connect(action(QLatin1String(kRecover)), &QAction::triggered, this, &PaintCommands::recoverRequested);
     connect(action(QLatin1String(kQuit)), &QAction::triggered, menuBar.window(), &QWidget::close);
     connect(&model, &PaintModel::changed, this, &PaintCommands::refresh);
     refresh();

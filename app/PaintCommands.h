@@ -18,9 +18,6 @@ public:
 
     QAction* action(const QString& objectName) const; ///< Null for a name that is not in the table.
 
-Q_SIGNALS:
-    void recoverRequested(); ///< "Recover Autosaved Work…": the window shows the list.
-
 private:
     void refresh();
 

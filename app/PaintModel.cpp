@@ -1,11 +1,11 @@
-// Choices, colours, brushes and messages; the other subjects of the model have files of their own.
+// Choices, colours and messages; the other subjects of the model have files of their own.
 #include "PaintModel.h"
 
 #include "AppFolders.h"
 #include "CanvasView.h"
 #include "Defaults.h"
 #include "Desktop.h"
-#include "brush/BrushLibrary.h"
+#include "formats/PaletteLibrary.h"
 
 #include <algorithm>
 
@@ -15,37 +15,6 @@ namespace {
 
 constexpr int kMessageTime = 2600; // milliseconds
 
-BrushKind kindOf(Tool tool) {
-    switch (tool) {
-    case Tool::eraser:
-        return BrushKind::erase;
-    case Tool::smudge:
-        return BrushKind::smudge;
-    case Tool::blur:
-        return BrushKind::blur;
-    default:
-        return BrushKind::paint;
-    }
-}
-
-Tool toolOf(BrushKind kind) {
-    switch (kind) {
-    case BrushKind::erase:
-        return Tool::eraser;
-    case BrushKind::smudge:
-        return Tool::smudge;
-    case BrushKind::blur:
-        return Tool::blur;
-    default:
-        return Tool::brush;
-    }
-}
-
-BrushSettings sanitized(BrushSettings brush) {
-    brush.sanitize();
-    return brush;
-}
-
 } // namespace
 
 PaintModel* PaintModel::shared = nullptr;
@@ -54,6 +23,8 @@ PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Defaults& defaults)
     : desktop_(desktop),
       defaults_(defaults),
       userBrushFile_(AppFolders::brushesFile()),
+      userPaletteFile_(AppFolders::palettesFile()),
+      paletteID_(PaletteLibrary::builtIn().front().id),
       prefs_(PaintPrefs::load(defaults)) {
     for (const ToolRow& row : kTools) {
         if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
@@ -153,101 +124,6 @@ void PaintModel::setPrefs(const PaintPrefs& prefs) {
 void PaintModel::applyPrefs() {
     for (const SessionRef& session : sessions_) session->doc().maxUndoSteps = prefs_.undoSteps;
     if (canvas_) canvas_->prefsChanged();
-}
-
-// --- Brushes
-
-Tool PaintModel::brushTool() const {
-    return rowOf(tool_).usesBrush ? tool_ : Tool::brush;
-}
-
-BrushSettings PaintModel::defaultBrush(Tool tool) {
-    const char* name = tool == Tool::eraser   ? "Hard Eraser"
-                       : tool == Tool::smudge ? "Smudge"
-                       : tool == Tool::blur   ? "Blur"
-                                              : "Studio Pen";
-    return *BrushLibrary::named(QLatin1String(name));
-}
-
-const BrushSettings& PaintModel::activeBrush() const {
-    return toolBrush_.at(brushTool());
-}
-
-void PaintModel::setActiveBrush(const BrushSettings& brush) {
-    setToolBrush(brushTool(), brush);
-}
-
-void PaintModel::setToolBrush(Tool tool, const BrushSettings& brush) {
-    toolBrush_.insert_or_assign(tool, sanitized(brush));
-    if (canvas_) canvas_->brushChanged();
-    saveStateLater();
-    announce();
-}
-
-std::vector<BrushSettings> PaintModel::allBrushes() const {
-    std::vector<BrushSettings> all = BrushLibrary::builtIn();
-    all.insert(all.end(), userBrushes_.begin(), userBrushes_.end());
-    return all;
-}
-
-std::vector<BrushSettings> PaintModel::brushesFor(Tool tool) const {
-    std::vector<BrushSettings> brushes = allBrushes();
-    std::erase_if(brushes, [kind = kindOf(tool)](const BrushSettings& brush) { return brush.kind != kind; });
-    return brushes;
-}
-
-void PaintModel::choose(const BrushSettings& preset) {
-    const Tool tool = toolOf(preset.kind);
-    setToolBrush(tool, preset);
-    setTool(tool);
-}
-
-std::optional<BrushSettings> PaintModel::savedPreset(const BrushSettings& brush) const {
-    for (const BrushSettings& preset : allBrushes()) {
-        if (preset.id == brush.id) return preset;
-    }
-    return std::nullopt;
-}
-
-void PaintModel::resetBrush() {
-    if (const auto preset = savedPreset(activeBrush())) setActiveBrush(*preset);
-}
-
-void PaintModel::saveBrushAsNew(const QString& name) {
-    BrushSettings copy = activeBrush();
-    copy.id = QUuid::createUuid();
-    copy.name = name.isEmpty() ? tr("My Brush") : name;
-    copy.category = QLatin1String(kUserBrushCategory);
-    copy.isBuiltIn = false;
-    userBrushes_.push_back(copy);
-    saveUserBrushes();
-    setActiveBrush(copy);
-    flash(tr("Saved brush \"%1\"").arg(copy.name));
-}
-
-void PaintModel::updateUserBrush() {
-    const auto same = [&](const BrushSettings& brush) { return brush.id == activeBrush().id; };
-    const auto found = std::find_if(userBrushes_.begin(), userBrushes_.end(), same);
-    if (found == userBrushes_.end()) return;
-    *found = activeBrush();
-    saveUserBrushes();
-    flash(tr("Updated \"%1\"").arg(found->name));
-}
-
-void PaintModel::deleteUserBrush(const BrushSettings& preset) {
-    if (!confirm(tr("Delete the brush \"%1\"?").arg(preset.name),
-                 tr("Only this brush preset is removed. Your pictures are not changed."))) {
-        return;
-    }
-    const bool active = activeBrush().id == preset.id;
-    std::erase_if(userBrushes_, [id = preset.id](const BrushSettings& brush) { return brush.id == id; });
-    saveUserBrushes();
-    if (active) setActiveBrush(defaultBrush(brushTool()));
-    announce();
-}
-
-void PaintModel::saveUserBrushes() {
-    userBrushFile_.save(userBrushes_);
 }
 
 // --- Messages

@@ -2,13 +2,17 @@
 #include "CanvasStatus.h"
 #include "DocSession.h"
 #include "PaintPrefs.h"
+#include "PaintSheet.h"
 #include "RecentColors.h"
 #include "Tool.h"
 #include "ToolOptions.h"
 #include "TransformState.h"
 #include "UserBrushes.h"
+#include "UserPalettes.h"
 #include "brush/BrushSettings.h"
 #include "core/PaintColor.h"
+#include "formats/ImageExport.h"
+#include "operations/Floating.h"
 
 #include <functional>
 #include <map>
@@ -17,8 +21,11 @@
 #include <vector>
 
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
 #include <QTimer>
+
+class QMimeData;
 
 namespace qirn {
 
@@ -59,7 +66,7 @@ public:
     const PaintPrefs& prefs() const { return prefs_; }
     void setPrefs(const PaintPrefs& prefs);
 
-    // --- Brushes (PaintModel.cpp)
+    // --- Brushes (PaintModelBrushes.cpp)
     Tool brushTool() const; ///< Tools without a brush edit the Brush tool's.
     const BrushSettings& activeBrush() const;
     void setActiveBrush(const BrushSettings& brush); ///< Sanitised; written to the store later.
@@ -72,7 +79,26 @@ public:
     void saveBrushAsNew(const QString& name);
     void updateUserBrush();
     void deleteUserBrush(const BrushSettings& preset);
+    void exportBrushes(); ///< The user's presets; without any, the active brush.
+    void importBrushes();
     static BrushSettings defaultBrush(Tool tool);
+
+    // --- Palettes (PaintModelPalettes.cpp). A built-in one is never changed: an edit goes to the user's own copy.
+    std::vector<Palette> allPalettes() const; ///< Built-in, then the user's.
+    const std::vector<Palette>& userPalettes() const { return userPalettes_; }
+    const Palette& currentPalette() const; ///< The first built-in one where the chosen one is gone.
+    void selectPalette(const QUuid& id);
+    enum class FromRecent { no, yes };
+    void newPalette(const QString& name,
+                    FromRecent fromRecent); ///< Of the paint colour, or of the recent ones.
+    std::size_t editablePaletteIndex(); ///< Among the user's own, where the copy is made that an edit needs.
+    void addToPalette(const PaintColor& color);
+    void removeFromPalette(std::size_t index);
+    void renamePalette(const QString& name);
+    void deletePalette();
+    void importPalette();
+    enum class PaletteFile { gpl, aco };
+    void exportPalette(PaletteFile file);
 
     // --- Messages (PaintModel.cpp)
     const std::optional<QString>& hud() const { return hud_; } ///< The transient line over the canvas.
@@ -80,6 +106,7 @@ public:
     void alert(const QString& title, const QString& text);
     bool confirm(const QString& title, const QString& text);
     void announce() { Q_EMIT changed(); }
+    void requestSheet(PaintSheet sheet) { Q_EMIT sheetRequested(sheet); }
 
     // --- Pictures (PaintModelFiles.cpp)
     void newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
@@ -92,7 +119,9 @@ public:
     void open(const QString& path);
     enum class SaveAs { no, yes };
     bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when not saved.
-    bool close(DocSession& session);           ///< False when the user cancels.
+    /// Writes a copy in another format; the picture stays as dirty as it was.
+    void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
+    bool close(DocSession& session); ///< False when the user cancels.
     void closeCurrent();
     bool shouldQuit(); ///< Asks about each picture with unsaved work.
     void startAutosave();
@@ -139,6 +168,16 @@ public:
     void flipCanvasVertical();
     void placeText(const TextSpec& spec, QPointF at); ///< Canvas point of the text's top left corner.
 
+    // --- Pictures out and in (PaintModelClipboard.cpp)
+    void copy(Merged merged); ///< Lifted pixels stay where they are and are not copied.
+    void cut();
+    void paste();
+    /// As a new layer, never cut by the selection; centred where no place of the top left pixel is given.
+    void pasteBuffer(const RGBABuffer& buffer, const QString& name, std::optional<QPoint> at);
+    void importImageAsLayer();
+    void importImage(const QString& path);
+    bool drop(const QMimeData& offer); ///< False when nothing in it is of use; files are read after the call.
+
     // --- The pending transform (PaintModelTransform.cpp)
     const std::optional<TransformState>& transform() const { return transform_; }
     void beginTransform(); ///< Lifts the selected pixels, or the whole layer's, and takes the Move tool.
@@ -158,14 +197,19 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void sheetRequested(PaintSheet sheet); ///< By a menu or a button, for the window to show.
 
 private:
+    bool copyPicture(Merged merged);
+    std::optional<QPoint> placeOfCopy(const RGBABuffer& buffer) const;
     void finishGesture(); ///< No command runs in the middle of a stroke or a transform: they end first.
     void toggleActive(const QString& name, bool Layer::*flag);
     void loadState();
     void applyPrefs();
     void setToolBrush(Tool tool, const BrushSettings& brush);
     void saveUserBrushes();
+    std::size_t addOwnPalette(Palette palette); ///< Made the current one; its index among the user's own.
+    void savePalettes();
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);
     void showOnCanvas(DocSession& session);
@@ -181,9 +225,13 @@ private:
     std::map<Tool, BrushSettings> toolBrush_;
     std::vector<BrushSettings> userBrushes_;
     UserBrushFile userBrushFile_;
+    std::vector<Palette> userPalettes_;
+    UserPaletteFile userPaletteFile_;
+    QUuid paletteID_; // of the current palette
     ToolOptions options_;
     std::optional<TransformState> transform_;
-    bool transformLockedAlpha_ = false; // the layer's alpha lock, set aside while its pixels float
+    bool transformLockedAlpha_ = false;   // the layer's alpha lock, set aside while its pixels float
+    std::optional<IRect> lastCopyOrigin_; // where the latest copy was taken, canvas pixels
     PaintPrefs prefs_;
     std::optional<QString> hud_;
     CanvasStatus status_;

@@ -4,6 +4,7 @@
 #include "AppFolders.h"
 #include "CanvasView.h"
 #include "Desktop.h"
+#include "FileTypes.h"
 #include "HostWords.h"
 #include "Recovery.h"
 #include "formats/ImageImport.h"
@@ -28,10 +29,6 @@ constexpr int kStarterWidth = 1920, kStarterHeight = 1080, kStarterDpi = 72;
 
 QString extension() {
     return QLatin1String(PaintFile::fileExtension);
-}
-
-QList<FileType> nativeTypes() {
-    return {{PaintModel::tr("Qirn Paint documents"), {extension()}}};
 }
 
 QString standardized(const QString& path) {
@@ -113,7 +110,7 @@ void PaintModel::select(DocSession& session) {
 
 void PaintModel::openPanel() {
     finishGesture();
-    for (const QString& path : desktop_.openFiles(nativeTypes())) open(path);
+    for (const QString& path : desktop_.openFiles(FileTypes::open(), Desktop::Several::yes)) open(path);
 }
 
 void PaintModel::open(const QString& path) {
@@ -125,7 +122,7 @@ void PaintModel::open(const QString& path) {
     const QFileInfo info(path);
     try {
         std::unique_ptr<PaintDocument> doc = readPicture(path);
-        const bool native = info.suffix().compare(extension(), Qt::CaseInsensitive) == 0;
+        const bool native = FileTypes::isNative(path);
         const QString base = info.completeBaseName();
         const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
         add(std::make_shared<DocSession>(std::move(doc), name,
@@ -143,7 +140,7 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     QString path = session->fileURL.toLocalFile();
     if (as == SaveAs::yes || session->fileURL.isEmpty()) {
         const auto chosen = desktop_.saveFile(
-            session->name + u'.' + extension(), nativeTypes(),
+            FileTypes::fileName(session->name, extension()), {FileTypes::native()},
             tr("Qirn Paint documents keep every layer. Use File → Export for PNG, JPEG, TIFF or PSD."));
         if (!chosen) return false;
         path = *chosen;
@@ -164,6 +161,23 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     desktop_.noteRecentFile(info.absoluteFilePath());
     flash(tr("Saved %1").arg(info.fileName()));
     return true;
+}
+
+void PaintModel::exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground) {
+    const DocSession* session = current();
+    if (!session) return;
+    finishGesture();
+    const FileType type = FileTypes::exported(format);
+    const auto path =
+        desktop_.saveFile(FileTypes::fileName(session->name, type.extensions.front()), {type}, {});
+    if (!path) return;
+    try {
+        writeAtomically(*path,
+                        bytesOf(ImageExport::data(session->doc(), format, jpegQuality, jpegBackground)));
+    } catch (const DescribedError& error) {
+        return alert(tr("Couldn't export"), error.description());
+    }
+    flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
 }
 
 // --- Close and quit

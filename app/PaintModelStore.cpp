@@ -11,6 +11,7 @@ namespace {
 
 const QString kToolBrushesKey = QStringLiteral("qirn.pt.toolBrushes");
 const QString kColorsKey = QStringLiteral("qirn.pt.colors");
+const QString kPaletteKey = QStringLiteral("qirn.pt.palette");
 const QString kFillKey = QStringLiteral("qirn.pt.fill");
 const QString kToolKey = QStringLiteral("qirn.pt.tool");
 
@@ -50,6 +51,7 @@ void PaintModel::loadState() {
         }
     }
     userBrushes_ = userBrushFile_.load();
+    userPalettes_ = userPaletteFile_.load();
     if (const auto list = defaults_.json(kColorsKey)) {
         const std::vector<PaintColor> colors = decodeColors(*list);
         if (colors.size() >= 2) {
@@ -58,6 +60,10 @@ void PaintModel::loadState() {
             const std::size_t end = std::min(colors.size(), 2 + kRecentColors);
             recent_.assign(colors.begin() + 2, colors.begin() + static_cast<std::ptrdiff_t>(end));
         }
+    }
+    if (const auto text = defaults_.text(kPaletteKey)) {
+        const QUuid id(*text);
+        if (!id.isNull()) paletteID_ = id;
     }
     if (const auto record = defaults_.json(kFillKey)) {
         try {
@@ -84,6 +90,7 @@ void PaintModel::saveState() {
     OrderedJson colors = OrderedJson::array({colorToJson(primary_), colorToJson(secondary_)});
     for (const PaintColor& color : recent_) colors.push_back(colorToJson(color));
     defaults_.setJson(kColorsKey, colors);
+    defaults_.setText(kPaletteKey, paletteID_.toString(QUuid::WithoutBraces).toUpper());
     defaults_.setJson(kFillKey, options_.fill.toJson());
     defaults_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
 }

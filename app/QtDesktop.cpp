@@ -1,12 +1,15 @@
 #include "QtDesktop.h"
 
+#include "FileTypes.h"
 #include "HostWords.h"
 #include "RecentFiles.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QStandardPaths>
 
@@ -26,6 +29,15 @@ QString filtersOf(const QList<FileType>& types) {
     return filters.join(QStringLiteral(";;"));
 }
 
+/// All kinds at once first, and last every file: what a file is shows in its content.
+QString filtersToOpen(const QList<FileType>& types) {
+    QStringList all;
+    for (const FileType& type : types) all << type.extensions;
+    return QStringList{filterOf({QCoreApplication::translate("qirn::QtDesktop", "All of these"), all}),
+                       filtersOf(types), QCoreApplication::translate("qirn::QtDesktop", "All files (*)")}
+        .join(QStringLiteral(";;"));
+}
+
 QString startFolder(const QString& last) {
     if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
     return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
@@ -39,17 +51,46 @@ std::optional<QString> QtDesktop::saveFile(const QString& proposedName, const QL
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.selectFile(proposedName);
     if (!types.isEmpty() && !types[0].extensions.isEmpty()) dialog.setDefaultSuffix(types[0].extensions[0]);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    const QString path = dialog.selectedFiles().constFirst();
-    folder_ = QFileInfo(path).absolutePath();
-    return path;
+    while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        const QString chosen = dialog.selectedFiles().constFirst();
+        const QString path = types.isEmpty() ? chosen : FileTypes::withExtension(chosen, types[0]);
+        // The panel has asked about the name as it was typed.
+        if (path == chosen || !QFileInfo::exists(path) || mayReplace(path)) {
+            folder_ = QFileInfo(path).absolutePath();
+            return path;
+        }
+    }
+    return std::nullopt;
 }
 
-QStringList QtDesktop::openFiles(const QList<FileType>& types) {
-    const QStringList paths = QFileDialog::getOpenFileNames(QApplication::activeWindow(), {},
-                                                            startFolder(folder_), filtersOf(types));
+bool QtDesktop::mayReplace(const QString& path) {
+    const QString title =
+        QCoreApplication::translate("qirn::QtDesktop", "Replace \"%1\"?").arg(QFileInfo(path).fileName());
+    const QString text =
+        QCoreApplication::translate("qirn::QtDesktop", "A file of this name is there already.");
+    return ask(title, text,
+               {QCoreApplication::translate("qirn::QtDesktop", "Replace"),
+                QCoreApplication::translate("qirn::QtDesktop", "Cancel")},
+               1) == 0;
+}
+
+QStringList QtDesktop::openFiles(const QList<FileType>& types, Several several) {
+    QFileDialog dialog(QApplication::activeWindow(), {}, startFolder(folder_), filtersToOpen(types));
+    dialog.setFileMode(several == Several::yes ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+    if (dialog.exec() != QDialog::Accepted) return {};
+    const QStringList paths = dialog.selectedFiles();
     if (!paths.isEmpty()) folder_ = QFileInfo(paths.constFirst()).absolutePath();
     return paths;
+}
+
+const QMimeData& QtDesktop::clipboard() {
+    static const QMimeData kNothing;
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    return content ? *content : kNothing;
+}
+
+void QtDesktop::setClipboard(std::unique_ptr<QMimeData> content) {
+    QGuiApplication::clipboard()->setMimeData(content.release()); // takes it
 }
 
 int QtDesktop::ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) {

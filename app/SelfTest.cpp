@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include <QApplication>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
@@ -25,12 +26,17 @@ public:
     std::optional<QString> saveFile(const QString&, const QList<FileType>&, const QString&) override {
         return std::nullopt;
     }
-    QStringList openFiles(const QList<FileType>&) override { return {}; }
+    QStringList openFiles(const QList<FileType>&, Several) override { return {}; }
     int ask(const QString&, const QString&, const QStringList&, int cancelButton) override {
         return cancelButton;
     }
     void beep() override {}
     void noteRecentFile(const QString&) override {}
+    const QMimeData& clipboard() override { return *clipboard_; }
+    void setClipboard(std::unique_ptr<QMimeData> content) override { clipboard_ = std::move(content); }
+
+private:
+    std::unique_ptr<QMimeData> clipboard_ = std::make_unique<QMimeData>();
 };
 
 struct SelfTestWorld {
@@ -68,6 +74,7 @@ void persistence(const SelfTestWorld& world) {
         prefs.undoSteps = 60;
         model.setPrefs(prefs);
         model.saveBrushAsNew(QStringLiteral("Self-test brush"));
+        model.addToPalette(PaintColor(0.25, 0.5, 0.75));
         model.saveState();
     }
     const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.defaults);
@@ -78,6 +85,9 @@ void persistence(const SelfTestWorld& world) {
                 model.primary() == PaintColor(0.25, 0.5, 0.75) && model.recent().size() == 1);
     world.check("The preferences come back", model.prefs().undoSteps == 60);
     world.check("The user's presets come back", model.userBrushes().size() == 1);
+    world.check("An edit of a built-in palette went to a copy, which comes back",
+                model.userPalettes().size() == 1 && model.currentPalette() == model.userPalettes()[0] &&
+                    model.currentPalette().colors.size() == model.allPalettes()[0].colors.size() + 1);
 }
 
 void canvasPipeline(const SelfTestWorld& world) {
@@ -130,6 +140,8 @@ constexpr void (*kSections[])(const SelfTestWorld&) = {
     inEngine<SelfTestEngine::bucket>,
     inEngine<SelfTestEngine::undoRedo>,
     inEngine<SelfTestEngine::saveReopen>,
+    inEngine<SelfTestEngine::exports>,
+    inEngine<SelfTestEngine::palettes>,
     inEngine<SelfTestEngine::canvasOps>,
     recovery,
     persistence,

@@ -20,6 +20,8 @@ void blendModes(SelfTestReport& report);
 void bucket(SelfTestReport& report);
 void undoRedo(SelfTestReport& report);
 void saveReopen(SelfTestReport& report);
+void exports(SelfTestReport& report);
+void palettes(SelfTestReport& report);
 void canvasOps(SelfTestReport& report);
 void presets(SelfTestReport& report);
 void quickPerformance(SelfTestReport& report);

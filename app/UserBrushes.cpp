@@ -1,42 +1,32 @@
 #include "UserBrushes.h"
 
 #include "brush/BrushFile.h"
-#include "platform/AtomicFile.h"
-#include "platform/Bytes.h"
-
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 namespace qirn {
 
 std::vector<BrushSettings> UserBrushFile::load() {
-    QFile file(path_);
-    if (!file.exists()) return {};
-    unreadable_ = true;
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    const auto brushes = BrushFile::decode(bytesOf(file.readAll()));
-    if (!brushes) return {};
-    unreadable_ = false;
-    return *brushes;
+    std::vector<BrushSettings> brushes;
+    file_.load([&](std::span<const uint8_t> text) {
+        const auto decoded = BrushFile::decode(text);
+        if (decoded) brushes = *decoded;
+        return decoded.has_value();
+    });
+    return brushes;
 }
 
 void UserBrushFile::save(const std::vector<BrushSettings>& brushes) {
-    if (unreadable_) {
-        const QFileInfo info(path_);
-        const QString stamp =
-            QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm.ss.zzz"));
-        const QString aside = info.dir().filePath(
-            QStringLiteral("%1 (unreadable, %2).%3").arg(info.completeBaseName(), stamp, info.suffix()));
-        if (!QFile::rename(path_, aside)) return;
-        unreadable_ = false;
+    file_.save(BrushFile::encode(brushes));
+}
+
+std::optional<std::vector<BrushSettings>> brushesToImport(std::span<const uint8_t> text) {
+    auto brushes = BrushFile::decode(text);
+    if (!brushes) return std::nullopt;
+    for (BrushSettings& brush : *brushes) {
+        brush.id = QUuid::createUuid();
+        brush.isBuiltIn = false;
+        brush.category = QLatin1String(kUserBrushCategory);
     }
-    try {
-        writeAtomically(path_, bytesOf(BrushFile::encode(brushes)));
-    } catch (const FileError&) {
-        // The presets stay in use; the next change tries again.
-    }
+    return brushes;
 }
 
 } // namespace qirn

@@ -1,4 +1,5 @@
 #pragma once
+#include "UserFile.h"
 #include "brush/BrushSettings.h"
 
 #include <vector>
@@ -9,18 +10,20 @@ namespace qirn {
 
 inline constexpr const char* kUserBrushCategory = "My Brushes";
 
-/// The file that keeps the user's own presets. A file that is there but does not decode is never overwritten: the
-/// first save moves it aside under a name that tells so.
+/// The file that keeps the user's own presets.
 class UserBrushFile {
 public:
-    explicit UserBrushFile(QString path) : path_(std::move(path)) {}
+    explicit UserBrushFile(QString path) : file_(std::move(path)) {}
 
     std::vector<BrushSettings> load(); ///< Empty when there is no file or it cannot be read.
     void save(const std::vector<BrushSettings>& brushes); ///< A failure is not reported.
 
 private:
-    QString path_;
-    bool unreadable_ = false;
+    UserFile file_;
 };
+
+/// What a brush file holds, as presets of the user's own: each with a fresh identity, so that no import meets a
+/// preset that is there. Nothing when the file as a whole cannot be read.
+std::optional<std::vector<BrushSettings>> brushesToImport(std::span<const uint8_t> text);
 
 } // namespace qirn

@@ -35,6 +35,9 @@ constexpr HeaderButton kOpen{
     [](PaintModel& model) { model.openPanel(); }};
 constexpr HeaderButton kSave{"headerSave", Icon::save, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)"),
                              [](PaintModel& model) { model.save(nullptr, PaintModel::SaveAs::no); }};
+constexpr HeaderButton kExport{"headerExport", Icon::exportPicture,
+                               QT_TRANSLATE_NOOP("qirn::HeaderBar", "Export PNG, JPEG, TIFF or PSD (⌘E)"),
+                               [](PaintModel& model) { model.requestSheet(PaintSheet::exportPicture); }};
 constexpr HeaderButton kUndo{"headerUndo", Icon::undo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo (⌘Z)"),
                              [](PaintModel& model) { model.undo(); }};
 constexpr HeaderButton kRedo{"headerRedo", Icon::redo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo (⇧⌘Z)"),
@@ -73,6 +76,7 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
 
     auto* open = made(kOpen);
     auto* save = made(kSave);
+    auto* exporter = made(kExport);
     undo_ = made(kUndo);
     redo_ = made(kRedo);
     auto* row = new QHBoxLayout(this);
@@ -83,12 +87,14 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     row->addWidget(strip_, 1);
     row->addWidget(open);
     row->addWidget(save);
+    row->addWidget(exporter);
     row->addWidget(new ChromeDivider(this));
     row->addWidget(undo_);
     row->addWidget(redo_);
 
     QWidget* before = new_;
-    for (QWidget* button : {open, save, undo_, redo_}) setTabOrder(std::exchange(before, button), button);
+    for (QWidget* button : {open, save, exporter, undo_, redo_})
+        setTabOrder(std::exchange(before, button), button);
     connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
     refresh();
 }

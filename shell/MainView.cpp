@@ -18,6 +18,7 @@
 #include "StatusBar.h"
 #include "ToolOptionsBar.h"
 #include "ToolRail.h"
+#include "sheets/ExportSheet.h"
 #include "sheets/RecoverySheet.h"
 #include "sheets/TextSheet.h"
 
@@ -41,8 +42,8 @@ QVBoxLayout* columnIn(QWidget* parent) {
 
 MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model)) {
     setWindowTitle(tr("Qirn Paint"));
-    auto* commands = new PaintCommands(model, *menuBar());
-    connect(commands, &PaintCommands::recoverRequested, this, &MainView::showRecovery);
+    new PaintCommands(model, *menuBar());
+    connect(&model, &PaintModel::sheetRequested, this, &MainView::showSheet);
 
     auto* content = new QWidget(this);
     content->setMinimumSize(kLeastContent);
@@ -106,9 +107,15 @@ void MainView::offerRecovery() {
     if (!sheet.isEmpty()) sheet.exec();
 }
 
-void MainView::showRecovery() {
-    RecoverySheet sheet(model_, this);
-    sheet.exec();
+void MainView::showSheet(PaintSheet sheet) {
+    switch (sheet) {
+    case PaintSheet::recovery:
+        RecoverySheet(model_, this).exec();
+        break;
+    case PaintSheet::exportPicture:
+        ExportSheet(model_, this).exec();
+        break;
+    }
 }
 
 void MainView::closeEvent(QCloseEvent* event) {

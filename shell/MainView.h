@@ -1,6 +1,8 @@
 #pragma once
 #include <QMainWindow>
 
+#include "PaintSheet.h"
+
 namespace qirn {
 
 class CanvasView;
@@ -17,7 +19,6 @@ public:
     ~MainView() override;
 
     CanvasView& canvas() { return *canvas_; }
-    void showRecovery(); ///< The list of safety copies, also when it is empty.
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -28,6 +29,7 @@ protected:
 private:
     QWidget* body();
     void offerRecovery();
+    void showSheet(PaintSheet sheet);
 
     PaintModel& model_;
     CanvasView* canvas_;

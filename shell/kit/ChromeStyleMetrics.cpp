@@ -1,4 +1,5 @@
 #include <QAbstractItemView>
+#include <QListView>
 #include <QStyleOption>
 #include <QTextOption>
 
@@ -23,6 +24,9 @@ int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return Metrics::kCheckBox;
+    case PM_FocusFrameHMargin: // text in a row of a list, from the edge of the row; columns have no room to give
+        return qobject_cast<const QListView*>(widget) ? Metrics::kSpace8
+                                                      : QProxyStyle::pixelMetric(metric, option, widget);
     case PM_CheckBoxLabelSpacing:
     case PM_RadioButtonLabelSpacing:
         return Metrics::kSpace8;

@@ -1,7 +1,11 @@
 #pragma once
 #include "Desktop.h"
+#include "FileTypes.h"
 
 #include <deque>
+#include <memory>
+
+#include <QMimeData>
 
 namespace qirn::test {
 
@@ -23,13 +27,17 @@ public:
     QStringList proposedNames;
     QStringList recentFiles;
     int beeps = 0;
+    std::unique_ptr<QMimeData> content = std::make_unique<QMimeData>(); ///< On the clipboard.
 
-    std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>&,
+    std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>& types,
                                     const QString&) override {
         proposedNames << proposedName;
-        return take(savePaths);
+        const auto path = take(savePaths);
+        return path ? std::optional(FileTypes::withExtension(*path, types.front())) : std::nullopt;
     }
-    QStringList openFiles(const QList<FileType>&) override { return take(openPaths).value_or(QStringList()); }
+    QStringList openFiles(const QList<FileType>&, Several) override {
+        return take(openPaths).value_or(QStringList());
+    }
     int ask(const QString& title, const QString& text, const QStringList& buttons,
             int cancelButton) override {
         asked.push_back({title, text, buttons});
@@ -37,6 +45,8 @@ public:
     }
     void beep() override { ++beeps; }
     void noteRecentFile(const QString& path) override { recentFiles << path; }
+    const QMimeData& clipboard() override { return *content; }
+    void setClipboard(std::unique_ptr<QMimeData> copied) override { content = std::move(copied); }
 
 private:
     template <class T> static std::optional<T> take(std::deque<T>& queue) {

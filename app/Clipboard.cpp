@@ -1,0 +1,159 @@
+#include "Clipboard.h"
+
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
+#include "formats/TiffWriter.h"
+#include "platform/Bytes.h"
+#include "platform/QtImages.h"
+#include "platform/ReadFile.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+#include <QUrl>
+
+namespace qirn {
+
+namespace {
+
+const QString kPng = QStringLiteral("image/png");
+const QString kTiff = QStringLiteral("image/tiff");
+
+/// Holds the pixels themselves, so that copying waits for no encoder and pasting here for no decoder.
+class CopiedPicture final : public QMimeData {
+public:
+    CopiedPicture(std::shared_ptr<const RGBABuffer> pixels, double dpi)
+        : pixels_(std::move(pixels)),
+          dpi_(dpi) {}
+
+    const std::shared_ptr<const RGBABuffer>& pixels() const { return pixels_; }
+    QStringList formats() const override { return {kPng, kTiff}; }
+    bool hasFormat(const QString& type) const override { return formats().contains(type); }
+
+protected:
+    QVariant retrieveData(const QString& type, QMetaType) const override {
+        if (type == kPng) {
+            if (png_.isEmpty()) png_ = ImageExport::pngData(image(), dpi_).value_or(QByteArray());
+            return png_;
+        }
+        if (type == kTiff) {
+            if (tiff_.isEmpty()) tiff_ = tiffBytes(*pixels_, dpi_).value_or(QByteArray());
+            return tiff_;
+        }
+        return {};
+    }
+
+private:
+    QImage image() const {
+        return imageOver(pixels_->data(), static_cast<int>(pixels_->width()),
+                         static_cast<int>(pixels_->height()));
+    }
+
+    std::shared_ptr<const RGBABuffer> pixels_;
+    double dpi_;
+    mutable QByteArray png_; // made once: clipboard programs ask again and again
+    mutable QByteArray tiff_;
+};
+
+std::shared_ptr<const RGBABuffer> decoded(const QByteArray& bytes) {
+    if (bytes.isEmpty()) return nullptr;
+    try {
+        const auto picture = ImageImport::decode(bytesOf(bytes));
+        return picture ? picture->pixels : nullptr;
+    } catch (const DescribedError&) {
+        return nullptr; // a file without a picture of its layers
+    }
+}
+
+std::shared_ptr<const RGBABuffer> decodedFile(const QString& path) {
+    try {
+        return decoded(readFile(path));
+    } catch (const ReadError&) {
+        return nullptr;
+    }
+}
+
+std::shared_ptr<const RGBABuffer> pngOrTiff(const QMimeData& offer) {
+    if (const auto* ours = dynamic_cast<const CopiedPicture*>(&offer)) return ours->pixels();
+    for (const QString& type : {kPng, kTiff}) {
+        if (!offer.hasFormat(type)) continue;
+        if (auto pixels = decoded(offer.data(type))) return pixels;
+    }
+    return nullptr;
+}
+
+bool isPictureType(const QString& type) {
+    return type.startsWith(QStringLiteral("image/"));
+}
+
+/// Other programs offer BMP alone, or an image that the toolkit passes on.
+std::shared_ptr<const RGBABuffer> otherForm(const QMimeData& offer) {
+    for (const QString& type : offer.formats()) {
+        if (!isPictureType(type) || type == kPng || type == kTiff) continue;
+        if (auto pixels = decoded(offer.data(type))) return pixels;
+    }
+    return offer.hasImage() ? RGBABuffer::fromImage(qvariant_cast<QImage>(offer.imageData())) : nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<QMimeData> Clipboard::copied(std::shared_ptr<const RGBABuffer> buffer, double dpi) {
+    return std::make_unique<CopiedPicture>(std::move(buffer), dpi);
+}
+
+std::optional<QString> Clipboard::firstFile(const QMimeData& offer) {
+    for (const QUrl& url : offer.urls()) {
+        if (url.isLocalFile()) return url.toLocalFile();
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<const RGBABuffer> Clipboard::picture(const QMimeData& offer) {
+    auto pixels = pngOrTiff(offer);
+    return pixels ? pixels : otherForm(offer);
+}
+
+std::shared_ptr<const RGBABuffer> Clipboard::pictureOrFile(const QMimeData& offer) {
+    if (auto pixels = pngOrTiff(offer)) return pixels;
+    if (const auto path = firstFile(offer)) {
+        if (auto pixels = decodedFile(*path)) return pixels;
+    }
+    return otherForm(offer);
+}
+
+bool Clipboard::mayHoldPicture(const QMimeData& offer) {
+    const QStringList formats = offer.formats();
+    return firstFile(offer) || offer.hasImage() || std::any_of(formats.begin(), formats.end(), isPictureType);
+}
+
+namespace {
+
+/// The text fields differ in type only.
+template <class Field> bool doneIn(QWidget* widget, Clipboard::TextAction action) {
+    auto* field = qobject_cast<Field*>(widget);
+    if (!field || (field->isReadOnly() && action != Clipboard::TextAction::copy)) return false;
+    switch (action) {
+    case Clipboard::TextAction::copy:
+        field->copy();
+        break;
+    case Clipboard::TextAction::cut:
+        field->cut();
+        break;
+    case Clipboard::TextAction::paste:
+        field->paste();
+        break;
+    }
+    return true;
+}
+
+} // namespace
+
+bool Clipboard::doneInTextField(TextAction action) {
+    QWidget* focus = QApplication::focusWidget();
+    return doneIn<QLineEdit>(focus, action) || doneIn<QPlainTextEdit>(focus, action) ||
+           doneIn<QTextEdit>(focus, action);
+}
+
+} // namespace qirn

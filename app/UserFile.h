@@ -1,0 +1,26 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <span>
+
+#include <QByteArray>
+#include <QString>
+
+namespace qirn {
+
+/// One file of the user's own, such as the presets. A file that is there but cannot be read is never overwritten:
+/// the first save moves it aside under a name that tells so.
+class UserFile {
+public:
+    explicit UserFile(QString path) : path_(std::move(path)) {}
+
+    /// Hands the content to `decode`, which says whether it could be read; nothing happens where there is no file.
+    void load(const std::function<bool(std::span<const uint8_t>)>& decode);
+    void save(const QByteArray& bytes); ///< A failure is not reported.
+
+private:
+    QString path_;
+    bool unreadable_ = false;
+};
+
+} // namespace qirn
