@@ -5,24 +5,21 @@
 #include "formats/AreaReducer.h"
 #include "formats/JpegWriter.h"
 #include "formats/PSDFile.h"
+#include "formats/PngWriter.h"
 #include "formats/TiffWriter.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <new>
 
-#include <QBuffer>
 #include <QCoreApplication>
-#include <QImageWriter>
 
 namespace qirn {
 
 namespace {
 
-constexpr double kMetersPerInch = 0.0254;
 constexpr int kBandRows = 16;
 
 QString translated(const char* text) {
@@ -33,7 +30,7 @@ std::optional<QByteArray> encoded(const PaintDocument& doc, ExportFormat format,
                                   const PaintColor& jpegBackground) {
     switch (format) {
     case ExportFormat::png:
-        return ImageExport::pngData(flattenedImage(doc), doc.dpi);
+        return pngBytes(flattened(doc)->imageOverBytes(), doc.dpi);
     case ExportFormat::jpeg:
         return jpegBytes(*ImageExport::onBackground(*flattened(doc), jpegBackground), jpegQuality, doc.dpi);
     case ExportFormat::tiff:
@@ -89,18 +86,9 @@ std::shared_ptr<RGBABuffer> ImageExport::onBackground(const RGBABuffer& picture,
 }
 
 std::optional<QByteArray> ImageExport::pngData(const QImage& image, double dpi) {
-    if (image.isNull()) return std::nullopt;
-    QImage marked = image;
-    const double perMeter = dpi / kMetersPerInch;
-    if (perMeter >= 1 && perMeter <= INT_MAX) {
-        marked.setDotsPerMeterX(static_cast<int>(std::lround(perMeter)));
-        marked.setDotsPerMeterY(static_cast<int>(std::lround(perMeter)));
-    }
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, "png");
-    if (!writer.write(marked)) return std::nullopt;
-    return bytes;
+    const QImage picture = image.isNull() ? image : inPixelFormat(image);
+    if (picture.isNull()) return std::nullopt;
+    return pngBytes(picture, dpi);
 }
 
 QSize ImageExport::scaledSize(int64_t width, int64_t height, int64_t maxSide) {

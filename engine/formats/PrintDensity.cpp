@@ -17,9 +17,9 @@ double inRange(double dpi) {
 /// The whole number, or the tenth, that lies within the rounding (in dots per inch); otherwise the value itself.
 double snapped(double dpi, double wholeRounding, double tenthRounding) {
     const double whole = std::round(dpi);
-    if (std::abs(dpi - whole) <= wholeRounding) return whole;
+    if (whole >= 1 && std::abs(dpi - whole) <= wholeRounding) return whole;
     const double tenth = std::round(dpi * 10) / 10;
-    return std::abs(dpi - tenth) <= tenthRounding ? tenth : dpi;
+    return tenth > 0 && std::abs(dpi - tenth) <= tenthRounding ? tenth : dpi;
 }
 
 } // namespace

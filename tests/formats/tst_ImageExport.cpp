@@ -93,6 +93,7 @@ private Q_SLOTS:
     void aUniformPartIsReducedAsItsPixels();
     void everyPixelValueSurvivesPNG();
     void aPNGKeepsItsResolution();
+    void aPNGIsTheSameOnAnyNumberOfThreads();
     void aNullImageIsNoPNG();
 
     void everyFormatReadsBackAsItWas_data();
@@ -216,6 +217,22 @@ void tst_ImageExport::aPNGKeepsItsResolution() {
     const int unknown = perMeter(std::nan(""));
     QCOMPARE(perMeter(-1), unknown);
     QCOMPARE(perMeter(1e300), unknown);
+}
+
+void tst_ImageExport::aPNGIsTheSameOnAnyNumberOfThreads() {
+    // Several bands; opaque ones without alpha. Read by Qt, whose codec is another one than ours.
+    const auto clear = noise(1200, 900, 3);
+    const auto opaque = ImageExport::onBackground(*clear, PaintColor::white());
+    for (const auto& picture : {clear, opaque}) {
+        const auto png = ImageExport::pngData(picture->makeImage(), 72);
+        setConcurrency(1);
+        QCOMPARE(ImageExport::pngData(picture->makeImage(), 72), png);
+        setConcurrency(0);
+        const QImage read = QImage::fromData(*png, "png");
+        QCOMPARE(read.hasAlphaChannel(), picture == clear);
+        QCOMPARE(firstDifference(*RGBABuffer::fromImage(read), *picture), QString());
+        QCOMPARE(firstDifference(*ImageImport::decode(bytesOf(*png))->pixels, *picture), QString());
+    }
 }
 
 void tst_ImageExport::aNullImageIsNoPNG() {

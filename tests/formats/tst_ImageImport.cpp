@@ -1,0 +1,587 @@
+#include "core/SeededRandom.h"
+#include "formats/ExifTags.h"
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
+#include "formats/PrintDensity.h"
+#include "platform/Bytes.h"
+#include "support/PictureFiles.h"
+#include "support/Pictures.h"
+#include "support/Profiles.h"
+#include "support/TestMain.h"
+
+#include <array>
+#include <cmath>
+#include <cstring>
+
+#include <QFile>
+
+#include <sys/resource.h>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+constexpr int kWidth = 48;
+constexpr int kHeight = 32;
+
+/// Six flat blocks of 16 x 16 pixels, all different, so that each turn shows and a JPEG keeps them.
+QImage blocks(bool hasAlpha = false) {
+    QImage image(kWidth, kHeight, hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+    const QColor colors[6] = {{200, 30, 30},   {30, 200, 30}, {30, 30, 200},
+                              {220, 220, 220}, {20, 20, 20},  {200, 200, 30}};
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            QColor color = colors[y / 16 * 3 + x / 16];
+            if (hasAlpha) color.setAlpha(255 - x - y * 3);
+            image.setPixelColor(x, y, color);
+        }
+    }
+    return image;
+}
+
+QByteArray testData(const char* name) {
+    QFile file(QStringLiteral(QIRN_TEST_DATA "/") + QLatin1String(name));
+    if (!file.open(QIODevice::ReadOnly)) qFatal("no %s", name);
+    return file.readAll();
+}
+
+std::optional<DecodedPicture> decoded(const QByteArray& file) {
+    return ImageImport::decode(bytesOf(file));
+}
+
+/// The largest difference of any channel, or a thousand where there is no picture of this size.
+int distance(const std::optional<DecodedPicture>& picture, const QImage& expected) {
+    const auto other = RGBABuffer::fromImage(expected);
+    if (!picture || picture->pixels->width() != other->width() ||
+        picture->pixels->height() != other->height())
+        return 1000;
+    int largest = 0;
+    for (int64_t i = 0; i < other->byteCount(); ++i)
+        largest = std::max(largest, std::abs(picture->pixels->data()[i] - other->data()[i]));
+    return largest;
+}
+
+PixelBytes firstPixel(const QByteArray& file) {
+    const auto picture = decoded(file);
+    return picture ? picture->pixels->pixel(0, 0) : PixelBytes{1, 2, 3, 4};
+}
+
+bool isNear(const PixelBytes& a, const PixelBytes& b, int distance) {
+    for (std::size_t c = 0; c < 4; ++c) {
+        if (std::abs(a[c] - b[c]) > distance) return false;
+    }
+    return true;
+}
+
+QByteArray jpegOf(const QImage& image) {
+    PaintDocument doc(image.width(), image.height(), 72, std::nullopt);
+    doc.layer(0).load(*RGBABuffer::fromImage(image));
+    return ImageExport::data(doc, ExportFormat::jpeg, 1, PaintColor::white());
+}
+
+QByteArray rgbBytes(const QImage& image) {
+    QByteArray bytes;
+    for (int y = 0; y < image.height(); ++y)
+        bytes.append(reinterpret_cast<const char*>(image.constScanLine(y)), image.width() * 3);
+    return bytes;
+}
+
+QByteArray tiffOf(const QImage& image, std::vector<TiffEntry> more = {}) {
+    auto entries =
+        tiffTags(static_cast<uint32_t>(image.width()), static_cast<uint32_t>(image.height()), 2, 3, 8);
+    entries.insert(entries.end(), more.begin(), more.end());
+    return tiffFile(std::move(entries), rgbBytes(image));
+}
+
+TiffEntry profileTag(const QByteArray& profile) {
+    const auto bytes = bytesOf(profile);
+    return {34675, 1, {bytes.begin(), bytes.end()}};
+}
+
+/// One pixel of a TIFF with samples of 8 or 16 bits, low byte first.
+QByteArray onePixelTiff(uint32_t photometric, uint32_t bits, const std::vector<uint32_t>& samples,
+                        std::vector<TiffEntry> more = {}) {
+    QByteArray pixel;
+    for (const uint32_t sample : samples) {
+        pixel.append(static_cast<char>(sample));
+        for (uint32_t b = 8; b < bits; b += 8) pixel.append(static_cast<char>(sample >> b));
+    }
+    auto entries = tiffTags(1, 1, photometric, static_cast<uint32_t>(samples.size()), bits);
+    entries.insert(entries.end(), more.begin(), more.end());
+    return tiffFile(std::move(entries), pixel);
+}
+
+QByteArray webpOf(const QImage& image, const QByteArray& profile, const QByteArray& exif) {
+    return extendedWebP(written(image, "webp"), image.width(), image.height(), profile, exif);
+}
+
+QImage flat(const QColor& color, QImage::Format format = QImage::Format_RGB888) {
+    QImage image(16, 16, format);
+    image.fill(color);
+    return image;
+}
+
+/// A small sound file of each format, the larger ones of few bytes.
+std::vector<std::pair<const char*, QByteArray>> soundFiles() {
+    return {{"png", withPngChunk(written(blocks(true), "png"), "iCCP", iccpBody(displayP3Profile()))},
+            {"jpeg", withJpegSegment(jpegOf(blocks()), 0xE1, QByteArray("Exif\0\0", 6) + exifBlock(6, 300))},
+            {"tiff", tiffOf(blocks(), {{274, 3, {5}}, {282, 5, {300, 1}}})},
+            {"bmp", written(blocks(), "bmp")},
+            {"webp", webpOf(blocks(true), displayP3Profile(), exifBlock(3, 300))},
+            {"gif", testData("blocks.gif")},
+            {"heic", testData("turned.heic")}};
+}
+
+} // namespace
+
+class tst_ImageImport : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void eachFormatGivesItsPixels_data();
+    void eachFormatGivesItsPixels();
+    void everyOrientationStandsUpright_data();
+    void everyOrientationStandsUpright();
+    void aTurnedHeicIsTurnedOnce();
+    void embeddedColorsBecomeScreenColors_data();
+    void embeddedColorsBecomeScreenColors();
+    void screenColorsStayExact();
+    void sixteenBitsAreRoundedNotCut();
+    void premultipliedSamplesAreKept();
+    void densitiesAreThoseThatWereMeant_data();
+    void densitiesAreThoseThatWereMeant();
+    void aDensityIsReadFromEachFormat_data();
+    void aDensityIsReadFromEachFormat();
+    void tooLargeASideIsRefused();
+    void aHeaderAloneTakesNoMemory_data();
+    void aHeaderAloneTakesNoMemory();
+    void cutFilesNeverCrash();
+    void damagedFilesNeverCrash();
+    void aFileCutLateGivesItsUpperPart();
+    void anOpenedPictureIsOneLayer();
+};
+
+void tst_ImageImport::eachFormatGivesItsPixels_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QImage>("expected");
+    QTest::addColumn<int>("tolerance");
+    const QImage opaque = blocks();
+    const QImage clear = blocks(true);
+    QTest::newRow("png") << written(opaque, "png") << opaque << 0;
+    QTest::newRow("png with alpha") << written(clear, "png") << clear << 0;
+    const QImage gray = opaque.convertToFormat(QImage::Format_Grayscale8);
+    QTest::newRow("png grey") << written(gray, "png") << gray << 0;
+    const QImage indexed = opaque.convertToFormat(QImage::Format_Indexed8);
+    QTest::newRow("png with palette") << written(indexed, "png") << opaque << 0;
+    const QImage mono = opaque.convertToFormat(QImage::Format_Mono);
+    QTest::newRow("png of one bit") << written(mono, "png") << mono << 0;
+    QTest::newRow("jpeg") << jpegOf(opaque) << opaque << 2;
+    QTest::newRow("jpeg grey") << written(gray, "jpg") << gray << 2;
+    QTest::newRow("bmp") << written(opaque, "bmp") << opaque << 0;
+    QTest::newRow("bmp with palette") << written(indexed, "bmp") << opaque << 0;
+    QTest::newRow("webp") << written(clear, "webp") << clear << 0;
+    QTest::newRow("gif") << testData("blocks.gif") << opaque << 0;
+    QTest::newRow("heic") << testData("blocks.heic") << opaque << 4;
+    QTest::newRow("tiff") << tiffOf(opaque) << opaque << 0;
+    QTest::newRow("tiff by Qt") << written(clear.convertToFormat(QImage::Format_ARGB32), "tiff") << clear
+                                << 1;
+    QTest::newRow("tiff with palette") << written(indexed, "tiff") << opaque << 0;
+    QTest::newRow("tiff of one bit") << written(mono, "tiff") << mono << 0;
+    QByteArray planes;
+    const QByteArray rgb = rgbBytes(opaque);
+    for (int c = 0; c < 3; ++c) {
+        for (qsizetype i = c; i < rgb.size(); i += 3) planes.append(rgb[i]);
+    }
+    auto tags = tiffTags(kWidth, kHeight, 2, 3, 8);
+    tags.back() = {284, 3, {2}};
+    tags.erase(tags.begin() + 3); // no word about compression means none
+    // One strip a plane.
+    const auto planeBytes = static_cast<uint32_t>(planes.size() / 3);
+    QByteArray header = tiffFile(tags, planes);
+    QTest::newRow("tiff in planes") << [&] {
+        auto planar = tags;
+        const auto at = static_cast<uint32_t>(header.size() - planes.size() + 16); // two values more, twice
+        planar.push_back({273, 4, {at + 8, at + 8 + planeBytes, at + 8 + 2 * planeBytes}});
+        planar.push_back({279, 4, {planeBytes, planeBytes, planeBytes}});
+        const QByteArray front = tiffFile(planar);
+        return front + QByteArray(static_cast<qsizetype>(at) + 8 - front.size(), '\0') + planes;
+    }() << opaque << 0;
+}
+
+void tst_ImageImport::eachFormatGivesItsPixels() {
+    QFETCH(QByteArray, file);
+    QFETCH(QImage, expected);
+    QFETCH(int, tolerance);
+    QVERIFY2(distance(decoded(file), expected) <= tolerance,
+             qPrintable(QString::number(distance(decoded(file), expected))));
+}
+
+void tst_ImageImport::everyOrientationStandsUpright_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QImage>("expected");
+    const QImage stored = blocks();
+    // Where the stored first row and first column belong, in EXIF's words.
+    const struct {
+        uint32_t number;
+        char row, column; // Top, Bottom, Left, Right
+    } ways[] = {{1, 'T', 'L'}, {2, 'T', 'R'}, {3, 'B', 'R'}, {4, 'B', 'L'},
+                {5, 'L', 'T'}, {6, 'R', 'T'}, {7, 'R', 'B'}, {8, 'L', 'B'}};
+    for (const auto& way : ways) {
+        const bool isSwapped = way.row == 'L' || way.row == 'R';
+        QImage upright(isSwapped ? stored.size().transposed() : stored.size(), stored.format());
+        for (int row = 0; row < kHeight; ++row) {
+            for (int column = 0; column < kWidth; ++column) {
+                const int byRow = way.row == 'B' || way.row == 'R' ? kHeight - 1 - row : row;
+                const int byColumn = way.column == 'B' || way.column == 'R' ? kWidth - 1 - column : column;
+                upright.setPixelColor(isSwapped ? byRow : byColumn, isSwapped ? byColumn : byRow,
+                                      stored.pixelColor(column, row));
+            }
+        }
+        const auto order = way.number % 2 == 0 ? ByteOrder::little : ByteOrder::big;
+        const QByteArray exif = exifBlock(way.number, 0, 1, 2, order);
+        QTest::addRow("jpeg %u", way.number)
+            << withJpegSegment(jpegOf(stored), 0xE1, QByteArray("Exif\0\0", 6) + exif) << upright;
+        QTest::addRow("tiff %u", way.number) << tiffOf(stored, {{274, 3, {way.number}}}) << upright;
+        QTest::addRow("png %u", way.number) << withPngChunk(written(stored, "png"), "eXIf", exif) << upright;
+        QTest::addRow("webp %u", way.number) << webpOf(stored, {}, exif) << upright;
+        // A palette goes through the library's own conversion, which must not turn as well.
+        QByteArray indexed = written(stored.convertToFormat(QImage::Format_Indexed8), "tiff");
+        const qsizetype at = indexed.indexOf(QByteArray("\x12\x01\x03\x00\x01\x00\x00\x00", 8));
+        QVERIFY(at > 0);
+        indexed[at + 8] = static_cast<char>(way.number);
+        QTest::addRow("tiff with palette %u", way.number) << indexed << upright;
+    }
+}
+
+void tst_ImageImport::everyOrientationStandsUpright() {
+    QFETCH(QByteArray, file);
+    QFETCH(QImage, expected);
+    QVERIFY2(distance(decoded(file), expected) <= 2,
+             qPrintable(QString::number(distance(decoded(file), expected))));
+}
+
+void tst_ImageImport::aTurnedHeicIsTurnedOnce() {
+    // tests/data/README.md: blocks, to be turned a quarter clockwise, with the same said in its EXIF.
+    QTransform turn;
+    turn.rotate(90);
+    const auto picture = decoded(testData("turned.heic"));
+    QVERIFY2(distance(picture, blocks().transformed(turn)) <= 4,
+             qPrintable(QString::number(distance(picture, blocks().transformed(turn)))));
+    QCOMPARE(picture->dpi, 300.0);
+}
+
+void tst_ImageImport::embeddedColorsBecomeScreenColors_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QColor>("expected");
+    const QColor stored(60, 200, 90);
+    const QColor fromP3(0, 203, 73); // by the formulas published with the spaces
+    const QColor fromAdobe(0, 201, 80);
+    const QColor grayStored(128, 128, 128);
+    const QColor fromLinear(188, 188, 188);
+    const QByteArray p3 = displayP3Profile();
+    QTest::newRow("png P3") << withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(p3)) << fromP3;
+    QTest::newRow("png 16 bits P3") << withPngChunk(written(flat(stored, QImage::Format_RGBX64), "png"),
+                                                    "iCCP", iccpBody(p3))
+                                    << fromP3;
+    QTest::newRow("png Adobe") << withPngChunk(written(flat(stored), "png"), "iCCP",
+                                               iccpBody(adobeRgbProfile()))
+                               << fromAdobe;
+    QTest::newRow("png grey") << withPngChunk(written(flat(grayStored, QImage::Format_Grayscale8), "png"),
+                                              "iCCP", iccpBody(grayProfile(1)))
+                              << fromLinear;
+    QTest::newRow("png linear gamma")
+        << withPngChunk(written(flat(grayStored), "png"), "gAMA", bigEndianWords({100000})) << fromLinear;
+    QTest::newRow("png P3 by its primaries")
+        << withPngChunk(withPngChunk(written(flat(stored), "png"), "gAMA", bigEndianWords({45455})), "cHRM",
+                        bigEndianWords({31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000}))
+        << fromP3;
+    QTest::newRow("jpeg P3") << withJpegProfile(jpegOf(flat(stored)), p3) << fromP3;
+    QTest::newRow("tiff P3") << tiffOf(flat(stored), {profileTag(p3)}) << fromP3;
+    QTest::newRow("webp P3") << webpOf(flat(stored), p3, {}) << fromP3;
+    QTest::newRow("broken") << withPngChunk(written(flat(stored), "png"), "iCCP",
+                                            iccpBody(QByteArray(400, 'x')))
+                            << stored;
+    QTest::newRow("of another model") << withJpegProfile(jpegOf(flat(stored)), grayProfile(1)) << stored;
+
+    const QColor press(kPressCyan[0], kPressCyan[1], kPressCyan[2]);
+    const QByteArray cyan = QByteArray("\xFF\0\0\0", 4).repeated(256);
+    const QByteArray inverted = QByteArray("\0\xFF\xFF\xFF", 4).repeated(256);
+    QTest::newRow("jpeg inks") << withJpegProfile(cmykJpeg(cyan, 16, 16, false), pressProfile()) << press;
+    QTest::newRow("jpeg Adobe's inks")
+        << withJpegProfile(cmykJpeg(inverted, 16, 16, true), pressProfile()) << press;
+    QTest::newRow("jpeg Adobe's inks, no profile") << cmykJpeg(inverted, 16, 16, true) << QColor(0, 255, 255);
+    QTest::newRow("tiff inks") << onePixelTiff(5, 8, {255, 0, 0, 0}, {profileTag(pressProfile())}) << press;
+    QTest::newRow("tiff 16-bit inks")
+        << onePixelTiff(5, 16, {65535, 0, 0, 0}, {profileTag(pressProfile())}) << press;
+    QTest::newRow("tiff inks, no profile") << onePixelTiff(5, 8, {0, 255, 255, 0}) << QColor(255, 0, 0);
+    QTest::newRow("tiff 16 bits P3") << onePixelTiff(2, 16, {60 * 257, 200 * 257, 90 * 257}, {profileTag(p3)})
+                                     << fromP3;
+    QTest::newRow("tiff Lab") << onePixelTiff(8, 8, {128, 0, 0}) << QColor(119, 119, 119);
+    QTest::newRow("tiff Lab, a below 0") << onePixelTiff(8, 8, {153, 0xCE, 0x32}) << QColor(53, 166, 43);
+    QTest::newRow("tiff 16-bit Lab") << onePixelTiff(8, 16, {153 * 257, 0xCE00, 0x3200})
+                                     << QColor(53, 166, 43);
+    QTest::newRow("tiff white is 0") << onePixelTiff(0, 8, {55}) << QColor(200, 200, 200);
+}
+
+void tst_ImageImport::embeddedColorsBecomeScreenColors() {
+    QFETCH(QByteArray, file);
+    QFETCH(QColor, expected);
+    const PixelBytes pixel = firstPixel(file);
+    const PixelBytes wanted{static_cast<uint8_t>(expected.red()), static_cast<uint8_t>(expected.green()),
+                            static_cast<uint8_t>(expected.blue()), 255};
+    QVERIFY2(isNear(pixel, wanted, 2), qPrintable(text(pixel)));
+}
+
+void tst_ImageImport::screenColorsStayExact() {
+    const QImage image = noise(40, 40, 6)->makeImage().convertToFormat(QImage::Format_RGBA8888);
+    const QByteArray plain = written(image, "png");
+    const auto srgbChromaticities = bigEndianWords({31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000});
+    const QByteArray gamma = bigEndianWords({45455});
+    QCOMPARE(distance(decoded(withPngChunk(plain, "sRGB", QByteArray(1, '\0'))), image), 0);
+    QCOMPARE(distance(decoded(withPngChunk(plain, "gAMA", gamma)), image), 0);
+    QCOMPARE(distance(decoded(withPngChunk(withPngChunk(plain, "gAMA", gamma), "cHRM", srgbChromaticities)),
+                      image),
+             0);
+    QCOMPARE(distance(decoded(withPngChunk(plain, "iCCP", iccpBody(srgbProfile()))), image), 0);
+    QCOMPARE(distance(decoded(webpOf(image, srgbProfile(), {})), image), 0);
+}
+
+void tst_ImageImport::sixteenBitsAreRoundedNotCut() {
+    QImage image(256, 256, QImage::Format_Grayscale16);
+    for (int i = 0; i < 65536; ++i)
+        reinterpret_cast<uint16_t*>(image.scanLine(i / 256))[i % 256] = static_cast<uint16_t>(i);
+    const auto png = decoded(written(image, "png"));
+    QVERIFY(png);
+    for (int i = 0; i < 65536; ++i)
+        QCOMPARE(png->pixels->pixel(i % 256, i / 256)[0], static_cast<uint8_t>(std::lround(i / 257.0)));
+    for (const uint32_t v : {127u, 128u, 129u, 385u, 386u, 65406u, 65407u})
+        QCOMPARE(firstPixel(onePixelTiff(1, 16, {v}))[1], static_cast<uint8_t>(std::lround(v / 257.0)));
+}
+
+void tst_ImageImport::premultipliedSamplesAreKept() {
+    QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {10, 100, 7, 101}, {{338, 3, {1}}}))),
+             QStringLiteral("10,100,7,101"));
+    // Straight ones are multiplied, and a fourth sample that says nothing is no alpha.
+    QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {255, 100, 0, 51}, {{338, 3, {2}}}))),
+             QStringLiteral("51,20,0,51"));
+    QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {255, 100, 0, 51}, {{338, 3, {0}}}))),
+             QStringLiteral("255,100,0,255"));
+    // Light beyond its coverage cannot be shown.
+    QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {200, 0, 0, 100}, {{338, 3, {1}}}))),
+             QStringLiteral("100,0,0,100"));
+}
+
+void tst_ImageImport::densitiesAreThoseThatWereMeant_data() {
+    QTest::addColumn<double>("read");
+    QTest::addColumn<double>("meant");
+    QTest::newRow("PNG 300") << dpiFromMeters(11811) << 300.0;
+    QTest::newRow("PNG 72") << dpiFromMeters(2835) << 72.0;
+    QTest::newRow("PNG 72, cut") << dpiFromMeters(2834) << 72.0;
+    QTest::newRow("PNG 72.3") << dpiFromMeters(2846) << 72.3;
+    QTest::newRow("PNG, nothing nice") << dpiFromMeters(2848) << 2848 * 0.0254;
+    QTest::newRow("per cm") << dpiFromCentimeters(118.11) << 300.0;
+    QTest::newRow("whole per cm") << dpiFromCentimeters(118) << 300.0;
+    QTest::newRow("inches, noisy") << dpiFromInches(299.9994) << 300.0;
+    QTest::newRow("inches, meant so") << dpiFromInches(299.5) << 299.5;
+    QTest::newRow("nothing") << dpiFromInches(0) << 72.0;
+    QTest::newRow("below nothing") << dpiFromMeters(-5) << 72.0;
+    QTest::newRow("not a number") << dpiFromInches(std::nan("")) << 72.0;
+    QTest::newRow("endless") << dpiFromCentimeters(HUGE_VAL) << 72.0;
+    QTest::newRow("tiny") << dpiFromInches(1e-9) << 1.0;
+    QTest::newRow("huge") << dpiFromMeters(0x7FFFFFFF) << 100'000.0;
+    for (int dpi = 1; dpi <= 2400; dpi += 1) {
+        const bool isKept = dpiFromMeters(std::lround(dpi / 0.0254)) == dpi && dpiFromInches(dpi) == dpi &&
+                            dpiFromCentimeters(std::round(dpi / 2.54 * 100) / 100) == dpi;
+        if (!isKept) QTest::addRow("%d", dpi) << 0.0 << static_cast<double>(dpi);
+    }
+}
+
+void tst_ImageImport::densitiesAreThoseThatWereMeant() {
+    QFETCH(double, read);
+    QFETCH(double, meant);
+    QCOMPARE(read, meant);
+}
+
+void tst_ImageImport::aDensityIsReadFromEachFormat_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<double>("dpi");
+    QImage image = blocks();
+    image.setDotsPerMeterX(11811);
+    image.setDotsPerMeterY(11811);
+    const QByteArray bare = jpegOf(blocks()); // 72 in its JFIF
+    const QByteArray withoutJfif = bare.left(2) + bare.mid(20);
+    const QByteArray exif = QByteArray("Exif\0\0", 6) + exifBlock(0, 118, 1, 3);
+    QByteArray inCentimeters = bare;
+    inCentimeters[13] = 2;
+    inCentimeters[15] = 118;
+    QByteArray aspect = bare;
+    aspect[13] = 0;
+    const auto png = [](uint32_t dots, char unit) {
+        QByteArray file = written(blocks(), "png");
+        file.remove(33, 21); // Qt's own
+        return withPngChunk(file, "pHYs", bigEndianWords({dots, dots}) + unit);
+    };
+    QTest::newRow("png") << png(11811, 1) << 300.0;
+    QTest::newRow("png aspect only") << png(11811, 0) << 72.0;
+    QTest::newRow("png 0") << png(0, 1) << 72.0;
+    QTest::newRow("png hostile") << png(0x7FFFFFFF, 1) << 100'000.0;
+    QTest::newRow("jpeg inches") << jpegOf(blocks()) << 72.0;
+    QTest::newRow("jpeg centimetres") << inCentimeters << 300.0;
+    QTest::newRow("jpeg aspect only") << aspect << 72.0;
+    QTest::newRow("jpeg EXIF") << withJpegSegment(withoutJfif, 0xE1, exif) << 300.0;
+    QTest::newRow("jpeg JFIF before EXIF") << withJpegSegment(bare, 0xE1, exif) << 72.0;
+    QTest::newRow("tiff inches") << tiffOf(blocks(), {{282, 5, {300, 1}}, {296, 3, {2}}}) << 300.0;
+    QTest::newRow("tiff inches unsaid") << tiffOf(blocks(), {{282, 5, {3000, 10}}}) << 300.0;
+    QTest::newRow("tiff centimetres") << tiffOf(blocks(), {{282, 5, {11811, 100}}, {296, 3, {3}}}) << 300.0;
+    QTest::newRow("tiff no unit") << tiffOf(blocks(), {{282, 5, {300, 1}}, {296, 3, {1}}}) << 72.0;
+    QTest::newRow("tiff by nothing") << tiffOf(blocks(), {{282, 5, {300, 0}}}) << 72.0;
+    QTest::newRow("tiff missing") << tiffOf(blocks()) << 72.0;
+    QTest::newRow("bmp") << written(image, "bmp") << 300.0;
+    QTest::newRow("webp EXIF") << webpOf(blocks(), {}, exifBlock(1, 300)) << 300.0;
+    QTest::newRow("webp missing") << written(image, "webp") << 72.0;
+    QTest::newRow("gif") << testData("blocks.gif") << 72.0;
+    QTest::newRow("heic missing") << testData("blocks.heic") << 72.0;
+}
+
+void tst_ImageImport::aDensityIsReadFromEachFormat() {
+    QFETCH(QByteArray, file);
+    QFETCH(double, dpi);
+    const auto picture = decoded(file);
+    QVERIFY(picture);
+    QCOMPARE(picture->dpi, dpi);
+}
+
+void tst_ImageImport::tooLargeASideIsRefused() {
+    for (const char* format : {"png", "jpg", "tiff", "bmp"}) {
+        QImage wide(30'001, 100, QImage::Format_RGB888);
+        wide.fill(Qt::red);
+        QVERIFY(!decoded(written(wide, format)));
+        QVERIFY(!decoded(written(QImage(wide.constBits(), 3, 30'001, 12, QImage::Format_RGB888), format)));
+        QVERIFY(decoded(written(wide.copy(0, 0, 30'000, 2), format)));
+    }
+    QImage wide(30'001, 1, QImage::Format_RGB888);
+    wide.fill(0);
+    const QByteArray file = written(wide, "png");
+    QVERIFY_THROWS_EXCEPTION(ExportError, ImageImport::document(bytesOf(file), {}));
+}
+
+void tst_ImageImport::aHeaderAloneTakesNoMemory_data() {
+    QTest::addColumn<QByteArray>("file");
+    const auto patched = [](QByteArray file, qsizetype at, const QByteArray& bytes) {
+        return file.replace(at, bytes.size(), bytes);
+    };
+    const QByteArray sides16("\x30\x75\x30\x75", 4); // 30,000 low byte first, twice
+    const QByteArray sides32("\x30\x75\0\0\x30\x75\0\0", 8);
+    QByteArray png = written(blocks(), "png").mid(0, 8);
+    const QByteArray ihdr = bigEndianWords({30'000, 30'000}) + QByteArray("\x10\x06\0\0\0", 5);
+    png = withPngChunk(png + QByteArray(25, 'x'), "IHDR", ihdr); // in the place of the first chunk
+    png.remove(8, 25);
+    QTest::newRow("png") << png + withPngChunk(QByteArray(33, ' '), "IDAT", QByteArray(80, 'x')).mid(33);
+    const QByteArray jpeg = jpegOf(blocks());
+    const qsizetype frame = jpeg.indexOf("\xFF\xC0");
+    QTest::newRow("jpeg") << patched(jpeg, frame + 5, QByteArray("\x75\x30\x75\x30", 4));
+    QByteArray progressive = patched(jpeg, frame + 5, QByteArray("\x75\x30\x75\x30", 4));
+    progressive[frame + 1] = '\xC2';
+    QTest::newRow("jpeg progressive") << progressive;
+    auto tags = tiffTags(30'000, 30'000, 2, 3, 16);
+    for (const uint32_t compression : {1u, 5u, 7u, 8u, 32773u}) {
+        tags[3].values = {compression};
+        QTest::addRow("tiff %u", compression) << tiffFile(tags, QByteArray(200, '\0'));
+        auto tiled = tags;
+        tiled.erase(tiled.begin() + 6);
+        tiled.insert(tiled.end(),
+                     {{322, 4, {1u << 20}}, {323, 4, {1u << 20}}, {324, 4, {8}}, {325, 4, {100}}});
+        tiled[0].values = tiled[1].values = {900};
+        QTest::addRow("tiff tiles %u", compression) << tiffFile(tiled);
+    }
+    QTest::newRow("bmp") << patched(written(blocks(), "bmp"), 18, sides32);
+    QTest::newRow("bmp of runs") << patched(
+        patched(written(blocks().convertToFormat(QImage::Format_Indexed8), "bmp"), 18, sides32), 30,
+        QByteArray("\1\0\0\0", 4));
+    QTest::newRow("gif") << patched(testData("blocks.gif"), 6, sides16);
+    QTest::newRow("webp") << patched(webpOf(flat(Qt::red), srgbProfile(), {}), 24,
+                                     QByteArray("\xFE\x3F\0\xFE\x3F\0", 6));
+    QByteArray heic = testData("blocks.heic");
+    for (qsizetype at = heic.indexOf("ispe"); at > 0; at = heic.indexOf("ispe", at + 1))
+        heic = patched(heic, at + 8, bigEndianWords({29'000, 29'000}));
+    QTest::newRow("heic") << heic;
+}
+
+void tst_ImageImport::aHeaderAloneTakesNoMemory() {
+    QFETCH(QByteArray, file);
+    const auto kilobytes = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss; // the most there ever was
+    };
+    const long before = kilobytes();
+    QVERIFY(!decoded(file));
+    QVERIFY2(kilobytes() - before < 64 * 1024, qPrintable(QString::number(kilobytes() - before)));
+}
+
+void tst_ImageImport::cutFilesNeverCrash() {
+    for (const auto& [name, file] : soundFiles()) {
+        const auto whole = decoded(file);
+        QVERIFY2(whole, name);
+        for (qsizetype cut = 0; cut < file.size(); cut += 1 + file.size() / 150) {
+            const auto picture = decoded(file.left(cut));
+            if (picture) QVERIFY(picture->pixels->width() <= 30'000 && picture->pixels->height() <= 30'000);
+        }
+    }
+}
+
+void tst_ImageImport::damagedFilesNeverCrash() {
+    SeededRandom random(11);
+    for (const auto& [name, file] : soundFiles()) {
+        for (int i = 0; i < 150; ++i) {
+            QByteArray damaged = file;
+            const int bytes = 1 + static_cast<int>(random.next() % 6);
+            for (int b = 0; b < bytes; ++b) {
+                const auto at = static_cast<qsizetype>(
+                    random.next() % static_cast<uint64_t>(std::min<qsizetype>(file.size(), 4000)));
+                damaged[at] = static_cast<char>(random.next());
+            }
+            if (const auto picture = decoded(damaged)) {
+                QVERIFY(picture->dpi >= 1 && picture->dpi <= 100'000);
+                for (int64_t p = 0; p < picture->pixels->byteCount(); p += 4) {
+                    const uint8_t* pixel = picture->pixels->data() + p;
+                    QVERIFY(pixel[0] <= pixel[3] && pixel[1] <= pixel[3] && pixel[2] <= pixel[3]);
+                }
+            }
+        }
+    }
+}
+
+void tst_ImageImport::aFileCutLateGivesItsUpperPart() {
+    const auto source = noise(200, 200, 2);
+    const QImage image = source->makeImage();
+    PaintDocument doc(200, 200, 72, std::nullopt);
+    doc.layer(0).load(*source);
+    const QByteArray files[] = {written(image, "png"),
+                                ImageExport::data(doc, ExportFormat::tiff, 1, PaintColor::white())};
+    for (const QByteArray& file : files) {
+        const auto picture = decoded(file.left(file.size() * 2 / 3));
+        if (!picture) continue; // a TIFF has its directory at the end
+        QCOMPARE(picture->pixels->height(), 200);
+        QCOMPARE(std::memcmp(picture->pixels->data(), source->data(), 200 * 4 * 100), 0);
+        QCOMPARE(text(picture->pixels->pixel(100, 199)), QStringLiteral("0,0,0,0"));
+    }
+}
+
+void tst_ImageImport::anOpenedPictureIsOneLayer() {
+    QImage image = blocks(true);
+    image.setDotsPerMeterX(11811);
+    const QByteArray png = written(image, "png");
+    const auto doc = ImageImport::document(bytesOf(png), QStringLiteral("psd")); // the name lies
+    QCOMPARE(doc->layerCount(), 1);
+    QCOMPARE(doc->activeIndex(), 0);
+    QCOMPARE(doc->layer(0).name, QStringLiteral("Background"));
+    QCOMPARE(doc->dpi, 300.0);
+    QCOMPARE(doc->history().size(), 1u);
+    QCOMPARE(doc->history()[0].name, QStringLiteral("Open"));
+    QVERIFY(!doc->canUndo() && !doc->canRedo());
+    QCOMPARE(firstDifference(*doc->layer(0).toBuffer(), *RGBABuffer::fromImage(image)), QString());
+}
+
+QIRN_TEST(tst_ImageImport)
+#include "tst_ImageImport.moc"

@@ -1,0 +1,50 @@
+#pragma once
+#include <cstdint>
+#include <vector>
+
+#include <QByteArray>
+#include <QImage>
+
+namespace qirn::test {
+
+// Picture files put together block by block, so that tests may say and lie what they like.
+
+/// As Qt writes it, without loss where the format can.
+QByteArray written(const QImage& image, const char* format);
+
+/// With one more chunk right behind the header.
+QByteArray withPngChunk(const QByteArray& png, const char* type, const QByteArray& body);
+QByteArray iccpBody(const QByteArray& profile);
+/// Numbers high byte first, four bytes each.
+QByteArray bigEndianWords(const std::vector<uint32_t>& words);
+
+/// With one more segment right behind the start mark; 0xE1 is EXIF's, 0xE2 that of profiles.
+QByteArray withJpegSegment(const QByteArray& jpeg, uint8_t marker, const QByteArray& body);
+QByteArray withJpegProfile(const QByteArray& jpeg, const QByteArray& profile);
+/// A JPEG of these inks (four bytes a pixel, as they lie in the file), of full quality; with Adobe's mark or without.
+QByteArray cmykJpeg(const QByteArray& inks, int width, int height, bool isAdobe);
+
+/// An extended WebP made of a plain one, with these chunks; empty ones are left out.
+QByteArray extendedWebP(const QByteArray& plain, int width, int height, const QByteArray& profile,
+                        const QByteArray& exif);
+
+struct TiffEntry {
+    uint16_t tag;
+    uint16_t
+        type; ///< 1: bytes, 3: 16-bit numbers, 4: 32-bit numbers, 5: fractions of two 32-bit numbers each.
+    std::vector<uint32_t> values;
+};
+enum class ByteOrder { little, big };
+/// A TIFF directory with its values, then the pixels in one strip (none: an EXIF block). Tags in rising order; those of
+/// the strip are added.
+QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels = {},
+                    ByteOrder order = ByteOrder::little);
+/// The tags that every picture needs.
+std::vector<TiffEntry> tiffTags(uint32_t width, uint32_t height, uint32_t photometric, uint32_t samples,
+                                uint32_t bits);
+/// An EXIF block with these tags; an orientation or a density of 0 is left out. The unit is 2 for inches, 3 for
+/// centimetres.
+QByteArray exifBlock(uint32_t orientation, uint32_t dots = 0, uint32_t below = 1, uint32_t unit = 2,
+                     ByteOrder order = ByteOrder::little);
+
+} // namespace qirn::test
