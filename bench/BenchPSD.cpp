@@ -40,7 +40,7 @@ public:
         const auto doc = paintedPicture(1);
         for (const auto& plane : PSDFile::planes(*doc->layer(layer).toBuffer(), doc->grid().bounds()))
             bytes_.insert(bytes_.end(), plane.begin(), plane.end());
-        packed_.resize(bytes_.size() + bytes_.size() / 64);
+        packed_.resize(bytes_.size() + bytes_.size() / 64 + PSDFile::kPackingSlack);
     }
 
     template <class Pack> void forEachRow(Pack pack) {

@@ -43,7 +43,7 @@ int64_t PackedPlanes::planeBytes(int plane) const {
 int64_t PackedPlanes::packTransparent(int64_t band) {
     const IRect part = bandRect(band);
     const std::vector<uint8_t> zeros(static_cast<std::size_t>(part.w));
-    std::vector<uint8_t> row(packedBound(zeros.size()));
+    std::vector<uint8_t> row(packedRoom(zeros.size()));
     row.resize(static_cast<std::size_t>(packBits(zeros, row.data()) - row.data()));
     for (std::size_t plane = 0; plane < kPlanes; ++plane) {
         std::fill_n(counts_[plane].begin() + (part.y - rect_.y), part.h, static_cast<uint16_t>(row.size()));
@@ -63,7 +63,7 @@ int64_t PackedPlanes::packBand(int64_t band, std::span<const uint8_t* const> til
         return packTransparent(band);
 
     const auto width = static_cast<std::size_t>(part.w);
-    const std::size_t planeRoom = packedBound(width) * static_cast<std::size_t>(part.h);
+    const std::size_t planeRoom = packedRoom(width) * static_cast<std::size_t>(part.h);
     const auto room = std::make_unique_for_overwrite<uint8_t[]>(kPlanes * planeRoom);
     std::vector<uint8_t> rows(kPlanes * width); // absent tiles leave their zeros
     std::array<uint8_t*, kPlanes> ends{};

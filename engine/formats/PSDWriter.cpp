@@ -168,7 +168,7 @@ QByteArray u16Bytes(uint16_t value) {
 }
 
 [[noreturn]] void refuse() {
-    throw ExportError::cannotEncode(QStringLiteral("Photoshop PSD"));
+    throw ExportError::cannotEncode(displayName(ExportFormat::psdLayered));
 }
 
 } // namespace

@@ -12,8 +12,10 @@ namespace qirn {
 
 namespace {
 
-constexpr std::size_t kLongestStep = 128; // bytes of one run or one literal stretch
+constexpr std::size_t kLongestStep = 128;    // bytes of one run or one literal stretch
+constexpr int64_t kRoomyStep = kLongestStep; // blocks fill it exactly
 constexpr std::size_t kLongestMask = 32768;
+constexpr std::size_t kCopiedAtOnce = PSDFile::kPackingSlack;
 
 /// For every byte of a row, whether the next byte is equal to it, as one bit each: runs are then found 64 bytes at
 /// a time. The last byte of a row has no next one.
@@ -69,13 +71,17 @@ std::size_t runAt(const EqualNeighbours& equal, std::size_t at) {
     return std::min(run, kLongestStep);
 }
 
+/// Where three equal bytes begin, as bits; the last bit cannot tell.
+uint64_t triplesOf(uint64_t pairs) {
+    return pairs & (pairs >> 1);
+}
+
 /// How many bytes from `at` on come before three equal ones; `left` bytes are there.
 std::size_t literalsAt(const EqualNeighbours& equal, std::size_t at, std::size_t left) {
     const std::size_t most = std::min(left, kLongestStep);
     for (std::size_t count = 0; count < most; count += 63) {
-        const uint64_t pairs = equal.from(at + count);
-        const uint64_t triples = pairs & (pairs >> 1); // the last bit cannot tell
-        if (triples) return std::min(most, count + static_cast<std::size_t>(std::countr_zero(triples)));
+        if (const uint64_t triples = triplesOf(equal.from(at + count)))
+            return std::min(most, count + static_cast<std::size_t>(std::countr_zero(triples)));
     }
     return most;
 }
@@ -92,21 +98,66 @@ uint8_t* writeLiterals(const uint8_t* bytes, std::size_t count, uint8_t* out) {
     return out + count;
 }
 
+/// The same for bytes of which 128 can be read: whole blocks, as most stretches are shorter than one.
+uint8_t* writeLiteralsByBlocks(const uint8_t* bytes, std::size_t count, uint8_t* out) {
+    *out++ = static_cast<uint8_t>(count - 1);
+    for (std::size_t at = 0; at < count; at += kCopiedAtOnce)
+        std::memcpy(out + at, bytes + at, kCopiedAtOnce);
+    return out + count;
+}
+
+void copyStep(uint8_t* out, const uint8_t* in, int64_t count, bool isRun) {
+    if (isRun) {
+        std::memset(out, *in, static_cast<std::size_t>(count));
+    } else {
+        std::memcpy(out, in, static_cast<std::size_t>(count));
+    }
+}
+
+/// The same where a whole step could be read and written. Up to a block less one byte is written behind it.
+void copyByBlocks(uint8_t* out, const uint8_t* in, int64_t count, bool isRun) {
+    for (int64_t at = 0; at < count; at += kCopiedAtOnce) {
+        if (isRun) {
+            std::memset(out + at, *in, kCopiedAtOnce);
+        } else {
+            std::memcpy(out + at, in + at, kCopiedAtOnce);
+        }
+    }
+}
+
+/// A row of equal bytes.
+uint8_t* packFlat(uint8_t byte, std::size_t n, uint8_t* out) {
+    for (; n > kLongestStep; n -= kLongestStep) out = writeRun(byte, kLongestStep, out);
+    return n > 1 ? writeRun(byte, n, out) : writeLiterals(&byte, 1, out);
+}
+
 } // namespace
 
 uint8_t* PSDFile::packBits(std::span<const uint8_t> row, uint8_t* out) {
     const std::size_t n = row.size();
     if (n == 0 || n > kLongestMask) return packBitsPlainly(row, out);
+    const uint8_t* const bytes = row.data();
+    if (std::memcmp(bytes, bytes + 1, n - 1) == 0) return packFlat(bytes[0], n, out);
     const EqualNeighbours equal(row);
     for (std::size_t i = 0; i < n;) {
-        std::size_t count = runAt(equal, i);
-        if (count > 1) {
-            out = writeRun(row[i], count, out);
-        } else {
-            count = literalsAt(equal, i, n - i);
-            out = writeLiterals(row.data() + i, count, out);
+        uint64_t pairs = equal.from(i);
+        std::size_t known = 64; // how many of the pairs tell something
+        if ((pairs & 1) == 0) {
+            const uint64_t triples = triplesOf(pairs);
+            const std::size_t count =
+                triples ? static_cast<std::size_t>(std::countr_zero(triples)) : literalsAt(equal, i, n - i);
+            out = n - i < kLongestStep ? writeLiterals(bytes + i, count, out)
+                                       : writeLiteralsByBlocks(bytes + i, count, out);
+            i += count;
+            if (triples == 0) continue;
+            // As most stretches do, this one ended within the pairs: a run follows.
+            pairs >>= count;
+            known -= count;
         }
-        i += count;
+        auto run = static_cast<std::size_t>(std::countr_one(pairs));
+        run = run < known ? run + 1 : runAt(equal, i);
+        out = writeRun(bytes[i], run, out);
+        i += run;
     }
     return out;
 }
@@ -144,19 +195,19 @@ std::size_t PSDFile::unpackPart(std::span<const uint8_t> packed, int64_t expecte
         const bool isRun = step < 0;
         const int64_t count = isRun ? 1 - step : step + 1;
         if (end - in < (isRun ? 1 : count)) throw BEReader::Short();
-        const int64_t first = std::max<int64_t>(at, 0), last = std::min(at + count, length);
-        if (first < last) {
-            const auto n = static_cast<std::size_t>(last - first);
-            if (isRun) {
-                std::memset(part.data() + first, *in, n);
-            } else {
-                std::memcpy(part.data() + first, in + (first - at), n);
-            }
+        if (at >= 0 && length - at >= kRoomyStep && end - in >= kRoomyStep) {
+            copyByBlocks(part.data() + at, in, count, isRun);
+        } else {
+            const int64_t first = std::max<int64_t>(at, 0), last = std::min(at + count, length);
+            if (first < last)
+                copyStep(part.data() + first, in + (isRun ? 0 : first - at), last - first, isRun);
         }
         in += isRun ? 1 : count;
         at += count;
     }
-    return static_cast<std::size_t>(std::clamp<int64_t>(at, 0, length));
+    const int64_t reach = std::clamp<int64_t>(at, 0, length);
+    std::fill_n(part.begin() + reach, std::min<int64_t>(kCopiedAtOnce, length - reach), uint8_t{0});
+    return static_cast<std::size_t>(reach);
 }
 
 void PSDFile::unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> row) {
@@ -168,7 +219,7 @@ PSDFile::PackedRows PSDFile::rle(std::span<const uint8_t> plane, int64_t w, int6
     require(w >= 0 && h >= 0 && static_cast<int64_t>(plane.size()) == w * h);
     const auto width = static_cast<std::size_t>(w);
     PackedRows packed;
-    std::vector<uint8_t> row(packedBound(width));
+    std::vector<uint8_t> row(packedRoom(width));
     for (std::size_t y = 0; y < static_cast<std::size_t>(h); ++y) {
         const uint8_t* end = packBits(plane.subspan(y * width, width), row.data());
         packed.counts.push_back(static_cast<uint16_t>(end - row.data()));

@@ -8,12 +8,15 @@
 /// stands 1 - n times (n < 0; -128 stands for nothing).
 namespace qirn::PSDFile {
 
-/// Bytes that the packed form of a row never exceeds.
-constexpr std::size_t packedBound(std::size_t count) {
-    return count + (count + 127) / 128;
+inline constexpr std::size_t kPackingSlack = 16;
+
+/// Room that a row of so many bytes needs to be packed into: its packed form is never longer than all but the last
+/// `kPackingSlack` of them, which may be written over.
+constexpr std::size_t packedRoom(std::size_t count) {
+    return count + (count + 127) / 128 + kPackingSlack;
 }
 
-/// Writes the packed row to `out`, which has room for `packedBound` bytes; returns the end of what it wrote.
+/// Writes the packed row to `out`, where `packedRoom` is; returns the end of it.
 uint8_t* packBits(std::span<const uint8_t> row, uint8_t* out);
 /// The same bytes, found one at a time: the reference for the form above, and for rows of any length.
 uint8_t* packBitsPlainly(std::span<const uint8_t> row, uint8_t* out);
@@ -23,7 +26,8 @@ uint8_t* packBitsPlainly(std::span<const uint8_t> row, uint8_t* out);
 void unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> row);
 
 /// A row of `expected` bytes of which only a part is wanted, from byte `from` on: writes `part` as far as the packed
-/// bytes reach and returns how many bytes that is. Walks the whole row, and throws as above.
+/// bytes reach, returns how many bytes that is, and leaves the others as they are or 0. Walks the whole row, and throws
+/// as above.
 std::size_t unpackPart(std::span<const uint8_t> packed, int64_t expected, int64_t from,
                        std::span<uint8_t> part);
 

@@ -102,7 +102,7 @@ struct File {
                     rows += plain;
                     continue;
                 }
-                std::vector<uint8_t> packed(PSDFile::packedBound(static_cast<std::size_t>(plain.size())));
+                std::vector<uint8_t> packed(PSDFile::packedRoom(static_cast<std::size_t>(plain.size())));
                 packed.resize(static_cast<std::size_t>(PSDFile::packBits(bytesOf(plain), packed.data()) -
                                                        packed.data()));
                 if (isLarge) lengths.u16(0);

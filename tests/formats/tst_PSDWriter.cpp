@@ -22,7 +22,7 @@ namespace {
 /// the other: what the writer's bands, tables of zeros and parallel copies have to come to.
 QByteArray packedPlainly(const std::vector<uint8_t>& plane, int64_t w, QByteArray& counts) {
     QByteArray rows;
-    std::vector<uint8_t> packed(PSDFile::packedBound(static_cast<std::size_t>(w)));
+    std::vector<uint8_t> packed(PSDFile::packedRoom(static_cast<std::size_t>(w)));
     for (std::size_t at = 0; at < plane.size(); at += static_cast<std::size_t>(w)) {
         const std::span row(plane.data() + at, static_cast<std::size_t>(w));
         const auto size = PSDFile::packBitsPlainly(row, packed.data()) - packed.data();

@@ -1,0 +1,76 @@
+#include "compositing/CompositeInputs.h"
+#include "core/PaintDocument.h"
+#include "formats/PSDFile.h"
+#include "operations/LayerOperations.h"
+#include "support/Pictures.h"
+
+#include <cstdio>
+
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+using namespace qirn;
+
+namespace {
+
+void save(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) std::exit(1);
+}
+
+/// Colour as Photoshop files have it, so that no other rounding gets between.
+QImage straightImage(const RGBABuffer& buffer, const IRect& rect) {
+    QImage image(static_cast<int>(rect.w), static_cast<int>(rect.h), QImage::Format_RGBA8888);
+    const auto planes = PSDFile::planes(buffer, rect);
+    for (int64_t i = 0; i < rect.w * rect.h; ++i) {
+        uint8_t* pixel = image.scanLine(static_cast<int>(i / rect.w)) + 4 * (i % rect.w);
+        for (std::size_t c = 0; c < 4; ++c) pixel[c] = planes[c][static_cast<std::size_t>(i)];
+    }
+    return image;
+}
+
+/// A layer of each blend mode with noise in a rectangle of its own, one hidden, one clipped, one empty.
+std::unique_ptr<PaintDocument> document() {
+    auto doc = std::make_unique<PaintDocument>(400, 300, 150, PaintColor(0.9, 0.8, 0.7));
+    for (const BlendModeRow& row : kBlendModes) {
+        const auto i = static_cast<int64_t>(row.mode);
+        addLayer(*doc, QString::fromUtf8(row.id) + QStringLiteral(" é"));
+        Layer& layer = doc->activeLayer();
+        layer.blendMode = row.mode;
+        layer.opacity = static_cast<double>(255 - 9 * i) / 255;
+        layer.isVisible = row.mode != BlendMode::screen;
+        layer.isClipping = row.mode == BlendMode::overlay;
+        RGBABuffer canvas(400, 300);
+        const auto noise = test::noise(150, 90, static_cast<uint64_t>(i + 1));
+        for (int64_t y = 0; y < 90; ++y)
+            std::copy_n(noise->row(y), 150 * 4, canvas.row(y + 10 * i) + 4 * (12 * i));
+        layer.load(canvas);
+    }
+    addLayer(*doc, QStringLiteral("empty"));
+    return doc;
+}
+
+} // namespace
+
+/// Writes what tools/check-interop shows to other programs: the files, and what they are to be read as.
+int main(int argc, char** argv) {
+    if (argc != 2) return 2;
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const auto doc = document();
+    save(folder.filePath("layered.psd"), PSDFile::write(*doc, PSDFile::Layered::yes));
+    save(folder.filePath("flat.psd"), PSDFile::write(*doc, PSDFile::Layered::no));
+    straightImage(*flattened(*doc), doc->grid().bounds()).save(folder.filePath("finished.png"));
+    QString list;
+    QTextStream lines(&list);
+    for (int64_t i = 0; i < doc->layerCount(); ++i) {
+        const Layer& layer = doc->layer(i);
+        const IRect rect = layer.contentBounds().value_or(IRect{0, 0, 1, 1});
+        straightImage(*layer.toBuffer(), rect).save(folder.filePath(QStringLiteral("layer-%1.png").arg(i)));
+        lines << layer.name << '\t' << rowOf(layer.blendMode).id << '\t' << std::lround(layer.opacity * 255)
+              << '\t' << layer.isVisible << '\t' << layer.isClipping << '\t' << rect.x << '\t' << rect.y
+              << '\n';
+    }
+    save(folder.filePath("layers.tsv"), list.toUtf8());
+    return 0;
+}
