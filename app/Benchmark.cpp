@@ -1,8 +1,8 @@
 #include "Benchmark.h"
 
+#include "CanvasPresentation.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
-#include "compositing/CompositeInputs.h"
 #include "formats/PSDFile.h"
 #include "formats/PaintFile.h"
 #include "operations/Fill.h"
@@ -60,11 +60,20 @@ std::unique_ptr<PaintDocument> paintedDocument() {
         addLayer(*doc);
     }
     doc->commit(QStringLiteral("Prepare"));
-    displayImages(*doc, doc->takeDirtyTiles());
     return doc;
 }
 
+/// The whole canvas on a screen of its size, as the canvas view keeps it.
+CanvasPresentation onScreen(PaintDocument& doc) {
+    CanvasPresentation presentation;
+    presentation.show(&doc);
+    doc.takeDirtyParts(); // all are new to the screen
+    presentation.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    return presentation;
+}
+
 void timeStroke(PaintDocument& doc, double size) {
+    CanvasPresentation screen = onScreen(doc);
     BrushSettings brush = *BrushLibrary::named(QStringLiteral("Soft Round"));
     brush.size = size;
     BrushStroke stroke(doc, doc.layers().back(), brush, PaintColor(0.7, 0.02, 0.08), 1);
@@ -73,12 +82,11 @@ void timeStroke(PaintDocument& doc, double size) {
     for (int i = 0; i < kPoints; ++i) {
         const Stopwatch point;
         stroke.add(penPoint(i));
-        displayImages(doc, doc.takeDirtyTiles());
+        screen.update(doc.takeDirtyParts());
         samples.push_back(point.milliseconds());
     }
     stroke.end();
     const double seconds = whole.milliseconds() / 1000;
-    displayImages(doc, doc.takeDirtyTiles());
     doc.commit(QStringLiteral("Brush Stroke"));
     std::sort(samples.begin(), samples.end());
     const double mean = std::accumulate(samples.begin(), samples.end(), 0.0) / kPoints;
@@ -90,10 +98,11 @@ void timeStroke(PaintDocument& doc, double size) {
 }
 
 void timeRecomposite(PaintDocument& doc) {
+    CanvasPresentation screen = onScreen(doc);
     doc.markAllDirty();
-    const std::vector<int64_t> tiles = doc.takeDirtyTiles();
+    const std::vector<DirtyTile> tiles = doc.takeDirtyParts();
     const Stopwatch watch;
-    displayImages(doc, tiles);
+    screen.update(tiles);
     std::printf("Full-screen recomposite (%zu tiles, %lld layers, overlay blend): %.0f ms\n", tiles.size(),
                 static_cast<long long>(doc.layerCount()), watch.milliseconds());
 }

@@ -1,7 +1,8 @@
 #pragma once
 #include "CanvasWindowImage.h"
 #include "ViewTransform.h"
-#include "core/IRect.h"
+#include "compositing/ScreenTiles.h"
+#include "core/DirtyTiles.h"
 
 #include <cstdint>
 #include <vector>
@@ -26,7 +27,7 @@ public:
     void look(const ViewTransform& view, double zoom);
     /// Tiles whose pixels changed. Those on screen are made at once, the others when they are seen. The result is
     /// what has to be painted again, in canvas pixels.
-    std::vector<IRect> update(const std::vector<int64_t>& dirty);
+    std::vector<IRect> update(const std::vector<DirtyTile>& dirty);
     /// Shadow and picture inside `exposed`; both are in device pixels, y down.
     void draw(QPainter& painter, const QRectF& exposed) const;
 
@@ -38,13 +39,15 @@ private:
     enum class TileState : uint8_t { stale, empty, made };
 
     void makeVisibleTiles();
-    QImage displayTile(int64_t index, const QImage& composited) const;
+    /// Draws these parts into the images of their tiles where they are out of date, and copies them to the window.
+    void drawIntoWindow(const std::vector<DirtyTile>& tiles);
+    bool isVisible(int64_t index) const;
     void dropUnseenTiles();
 
     const PaintDocument* document_ = nullptr;
-    double checkerSize_ = 12;
+    Checkerboard board_;
     std::vector<TileState> states_;
-    std::vector<QImage> images_; // Format_RGB32 over the checkerboard, cut to the canvas; null where not made
+    std::vector<QImage> images_; // Format_RGB32 over the checkerboard, whole tiles; null where not made
     int64_t heldImages_ = 0;
     TileRange visible_;
     CanvasWindowImage window_;

@@ -147,7 +147,7 @@ void CanvasView::fitIfNeeded() {
 void CanvasView::flush() {
     flushScheduled_ = false;
     if (!session_) return;
-    const std::vector<int64_t> dirty = session_->doc().takeDirtyTiles();
+    const std::vector<DirtyTile> dirty = session_->doc().takeDirtyParts();
     if (dirty.empty()) return;
     repaintCanvas(presentation_.update(dirty));
 }

@@ -16,30 +16,41 @@ int64_t reducedLength(int64_t length, int level) {
     return (length + (int64_t{1} << level) - 1) >> level;
 }
 
-/// The plain mean of each block of 2^level x 2^level pixels; blocks at the canvas edge hold fewer.
-void reduceInto(const QImage& tile, int level, uchar* out, qsizetype outStride) {
+/// The plain mean of each block of 2^level x 2^level pixels that lies in the part, which is in the tile's pixels and
+/// ends at the canvas edge: blocks there hold fewer. `out` is where the tile's first block goes.
+void reduceInto(const QImage& tile, const IRect& part, int level, uchar* out, qsizetype outStride) {
     const int side = 1 << level;
-    for (int top = 0; top < tile.height(); top += side, out += outStride) {
-        const int bottom = std::min(top + side, tile.height());
-        auto* target = reinterpret_cast<quint32*>(out);
-        for (int left = 0; left < tile.width(); left += side) {
-            const int right = std::min(left + side, tile.width());
+    const int right = static_cast<int>(part.maxX()), bottom = static_cast<int>(part.maxY());
+    for (int top = static_cast<int>(part.y) >> level << level; top < bottom; top += side) {
+        auto* target = reinterpret_cast<quint32*>(out + (top >> level) * outStride);
+        for (int left = static_cast<int>(part.x) >> level << level; left < right; left += side) {
             uint64_t redBlue = 0, green = 0; // two channels of up to 2^24 in one word
-            for (int y = top; y < bottom; ++y) {
+            const int endX = std::min(left + side, right), endY = std::min(top + side, bottom);
+            for (int y = top; y < endY; ++y) {
                 const auto* row = reinterpret_cast<const quint32*>(tile.constScanLine(y));
-                for (int x = left; x < right; ++x) {
+                for (int x = left; x < endX; ++x) {
                     redBlue += (static_cast<uint64_t>(row[x] & 0xFF0000) << 16) | (row[x] & 0xFF);
                     green += (row[x] >> 8) & 0xFF;
                 }
             }
-            const auto count = static_cast<uint64_t>((bottom - top) * (right - left));
+            const auto count = static_cast<uint64_t>((endY - top) * (endX - left));
             const auto mean = [count](uint64_t sum) {
                 return static_cast<quint32>((sum + count / 2) / count);
             };
-            *target++ =
+            target[left >> level] =
                 0xFF000000u | mean(redBlue >> 32) << 16 | mean(green) << 8 | mean(redBlue & 0xFFFFFFFFu);
         }
     }
+}
+
+/// A part in the tile's own pixels, grown to whole blocks of 2^level as far as the canvas goes.
+IRect blocksOf(const IRect& part, const IRect& tile, int level) {
+    const int64_t side = int64_t{1} << level;
+    const auto down = [side](int64_t v) { return v / side * side; };
+    const auto up = [side](int64_t v) { return (v + side - 1) / side * side; };
+    const int64_t x = down(part.x - tile.x), y = down(part.y - tile.y);
+    return {x, y, std::min(up(part.maxX() - tile.x), tile.w) - x,
+            std::min(up(part.maxY() - tile.y), tile.h) - y};
 }
 
 } // namespace
@@ -108,24 +119,28 @@ void CanvasWindowImage::drop(int64_t index) {
     if (inside(index)) held_[slotOf(index)] = false;
 }
 
-void CanvasWindowImage::put(std::span<const TilePicture> tiles) {
+void CanvasWindowImage::put(std::span<const DirtyTile> tiles,
+                            const std::function<QImage(const DirtyTile&)>& imageOf) {
     if (image_.isNull()) return;
     uchar* bits = image_.bits(); // once, before the loop: it may copy an image that a painter still holds
     const qsizetype stride = image_.bytesPerLine();
     concurrentPerform(static_cast<int64_t>(tiles.size()), [&](int64_t i) {
-        const TilePicture& tile = tiles[static_cast<std::size_t>(i)];
+        const DirtyTile& tile = tiles[static_cast<std::size_t>(i)];
+        const QImage image = imageOf(tile);
         if (!inside(tile.index)) return;
         const int64_t side = kTileSize >> level_;
         const int64_t x = (tile.index % grid_.cols - range_.firstCol) * side;
         const int64_t y = (tile.index / grid_.cols - range_.firstRow) * side;
         uchar* out = bits + y * stride + x * 4;
-        if (level_ > 0) return reduceInto(*tile.image, level_, out, stride);
-        for (int row = 0; row < tile.image->height(); ++row) {
-            std::memcpy(out + row * stride, tile.image->constScanLine(row),
-                        static_cast<std::size_t>(tile.image->width()) * 4);
+        const IRect part = blocksOf(tile.part, grid_.rectOf(tile.index), level_);
+        if (level_ > 0) return reduceInto(image, part, level_, out, stride);
+        for (int64_t row = part.y; row < part.maxY(); ++row) {
+            std::memcpy(out + row * stride + part.x * 4,
+                        image.constScanLine(static_cast<int>(row)) + part.x * 4,
+                        static_cast<std::size_t>(part.w) * 4);
         }
     });
-    for (const TilePicture& tile : tiles) {
+    for (const DirtyTile& tile : tiles) {
         if (inside(tile.index)) held_[slotOf(tile.index)] = true;
     }
 }

@@ -1,7 +1,9 @@
 #pragma once
+#include "core/DirtyTiles.h"
 #include "core/TileGrid.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -37,12 +39,9 @@ public:
 
     bool holds(int64_t index) const; ///< Inside the block, and put since it came in.
     void drop(int64_t index);        ///< It must be put again before it is shown.
-    struct TilePicture {
-        int64_t index;
-        const QImage* image; ///< Opaque 32-bit RGB, cut to the canvas edge.
-    };
-    /// Copies tiles in, reduced; those outside the block are passed over. In parallel.
-    void put(std::span<const TilePicture> tiles);
+    /// Copies parts of tiles in, reduced; those outside the block are passed over. `imageOf` gives the tile's image:
+    /// opaque 32-bit RGB, a whole tile also at the canvas edge. It is called in parallel, once for each.
+    void put(std::span<const DirtyTile> tiles, const std::function<QImage(const DirtyTile&)>& imageOf);
 
     /// Draws the block; the painter's transform is that from canvas to device.
     void draw(QPainter& painter) const;

@@ -7,6 +7,7 @@
 #include "FileTypes.h"
 #include "HostWords.h"
 #include "Recovery.h"
+#include "core/TileMemory.h"
 #include "formats/ImageImport.h"
 #include "formats/PaintFile.h"
 #include "platform/AtomicFile.h"
@@ -201,6 +202,7 @@ bool PaintModel::close(DocSession& session) {
     }
     const bool wasCurrent = current() == &session;
     remove(session);
+    TileMemory::trim();
     if (wasCurrent) currentID_ = sessions_.empty() ? QUuid() : sessions_.back()->id;
     ensureDocument();
     showOnCanvas(*current());

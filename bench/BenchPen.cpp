@@ -1,9 +1,10 @@
-// What stands between the pen and the screen: one point painted and its dirty tiles composited for display.
+// What stands between the pen and the screen: one point painted, what it changed composited and put into the image
+// that the screen shows.
+#include "CanvasPresentation.h"
 #include "PaintedPicture.h"
 #include "PlainPass.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
-#include "compositing/CompositeInputs.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,14 +33,17 @@ void penPointOn4K(benchmark::State& state) {
     const double plain = plainPassSeconds(*doc), plainBytes = static_cast<double>(plainPassBytes(*doc));
     std::vector<double> points;
     double tiles = 0, dabs = 0;
+    CanvasPresentation screen;
+    screen.show(doc.get());
+    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     for (auto _ : state) {
         BrushStroke stroke(*doc, doc->layers().back(), brush, PaintColor(0.7, 0.02, 0.08), 1);
         double whole = 0;
         for (int i = 0; i < kPoints; ++i) {
             const Stopwatch watch;
             stroke.add(penPoint(i));
-            const std::vector<int64_t> dirty = doc->takeDirtyTiles();
-            benchmark::DoNotOptimize(displayImages(*doc, dirty));
+            const std::vector<DirtyTile> dirty = doc->takeDirtyParts();
+            benchmark::DoNotOptimize(screen.update(dirty));
             points.push_back(watch.seconds());
             whole += points.back();
             tiles += static_cast<double>(dirty.size());
@@ -48,7 +52,7 @@ void penPointOn4K(benchmark::State& state) {
         dabs += static_cast<double>(stroke.dabCount());
         state.SetIterationTime(whole);
         doc->revertToLastCommit();
-        doc->takeDirtyTiles();
+        screen.update(doc->takeDirtyParts());
     }
     std::sort(points.begin(), points.end());
     const auto count = static_cast<double>(points.size());
@@ -66,6 +70,7 @@ BENCHMARK(penPointOn4K)
     ->Arg(20)
     ->Arg(120)
     ->Arg(400)
+    ->Arg(1000)
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

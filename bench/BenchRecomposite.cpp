@@ -1,6 +1,6 @@
+#include "CanvasPresentation.h"
 #include "PaintedPicture.h"
 #include "PlainPass.h"
-#include "compositing/CompositeInputs.h"
 
 #include <benchmark/benchmark.h>
 
@@ -11,10 +11,13 @@ namespace {
 /// All 135 tiles of five layers, one of them in overlay.
 void fullRecomposite(benchmark::State& state) {
     const auto doc = paintedPicture(4);
+    CanvasPresentation screen;
+    screen.show(doc.get());
+    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     doc->markAllDirty();
-    const std::vector<int64_t> tiles = doc->takeDirtyTiles();
+    const std::vector<DirtyTile> tiles = doc->takeDirtyParts();
     const Stopwatch watch;
-    for (auto _ : state) benchmark::DoNotOptimize(displayImages(*doc, tiles));
+    for (auto _ : state) benchmark::DoNotOptimize(screen.update(tiles));
     const double each = watch.seconds() / static_cast<double>(state.iterations());
     state.counters["tiles"] = static_cast<double>(tiles.size());
     state.counters["ratio"] = each / plainPassSeconds(*doc);

@@ -1,13 +1,14 @@
 #pragma once
 #include "brush/BrushSettings.h"
+#include "brush/TileDab.h"
 #include "core/IRect.h"
 #include "core/PaintColor.h"
 #include "core/PaintDocument.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 namespace qirn {
 
@@ -39,26 +40,18 @@ public:
     void releaseBuffers(); ///< The stroke is over: frees every mask and lets the old tiles go.
 
 private:
-    struct alignas(64) Mask {
-        std::array<float, kTilePixels> coverage;
-    };
     struct TileWork {
-        std::unique_ptr<Mask> mask;
-        TileRef before; // null: transparent before the stroke
+        TileMemory::Block mask; // a float a pixel: the stroke's coverage, 0 to 1
+        TileRef before;         // null: transparent before the stroke
     };
-    struct Tip;
-
     TileWork& workOn(int64_t index);
-    void stampTile(const Tip& tip, int64_t index, const IRect& part);
-    void applyGrain(double* coverage, int64_t x, int64_t y, int64_t count) const;
+    TileDab tileDab(int64_t index, const IRect& box);
 
     PaintDocument& document_;
     Layer& layer_;
-    const bool erases_;
-    const float texture_;
-    const double textureScale_;
-    const std::array<float, 3> color_; // straight, 0 to 1
+    const DabInk ink_; // what holds for every dab of the stroke
     std::unordered_map<int64_t, TileWork> work_;
+    std::vector<TileDab> tiles_; // of the dab at hand
 };
 
 } // namespace qirn

@@ -1,8 +1,8 @@
 #include "brush/SmudgeBlur.h"
 
-#include "platform/FloatPixel.h"
 #include "operations/Selection.h"
 #include "platform/CheckedMath.h"
+#include "platform/FloatPixel.h"
 
 #include <algorithm>
 #include <array>

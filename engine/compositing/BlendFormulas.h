@@ -1,42 +1,23 @@
-#pragma once
-#include <algorithm>
-#include <cmath>
-
 // The colour that each blend mode gives, on straight channels from 0 to 1: Cs is the source, Cb the backdrop.
-// Written once over the number type V, so that `float` gives the reference and lanes of floats the fast rows.
+// Written once over the number type V, so that `float` gives the reference and lanes of floats the fast rows; like
+// platform/Lanes.h, included once for each instruction set.
 // The formulas are those of the PDF blend modes (ISO 32000-1, 11.3.5) and the usual linear ones beside them.
-namespace qirn::blend {
+#include "platform/Lanes.h"
 
-// What a number type offers besides its operators; these are the scalar ones.
-inline float select(bool condition, float yes, float no) {
-    return condition ? yes : no;
-}
-inline float smaller(float a, float b) {
-    return b < a ? b : a;
-}
-inline float larger(float a, float b) {
-    return a < b ? b : a;
-}
-inline float absolute(float a) {
-    return std::fabs(a);
-}
-inline float squareRoot(float a) {
-    return std::sqrt(a);
-}
-inline bool both(bool a, bool b) {
-    return a && b;
-}
-inline bool either(bool a, bool b) {
-    return a || b;
-}
-inline bool neither(bool a, bool b) {
-    return !a && !b;
-}
+#if defined(QIRN_COMPOSITING_BLENDFORMULAS_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef QIRN_COMPOSITING_BLENDFORMULAS_H
+#undef QIRN_COMPOSITING_BLENDFORMULAS_H
+#else
+#define QIRN_COMPOSITING_BLENDFORMULAS_H
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace qirn::HWY_NAMESPACE::blend {
 
 template <class V> struct Rgb { V r, g, b; };
 
 /// A mode that works on each channel for itself has `channel`; the others have `colour`.
-template <class Mode, class V> Rgb<V> blendColour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+template <class Mode, class V> HWY_INLINE Rgb<V> blendColour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
     if constexpr (Mode::separable) {
         return {Mode::channel(Cb.r, Cs.r), Mode::channel(Cb.g, Cs.g), Mode::channel(Cb.b, Cs.b)};
     } else {
@@ -57,43 +38,43 @@ struct Normal {
     static constexpr bool isNormal = true;
 };
 struct Multiply : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return Cs * Cb; }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return Cs * Cb; }
 };
 struct Screen : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return Cs + Cb - Cs * Cb; }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return Cs + Cb - Cs * Cb; }
 };
 struct Overlay : Separable {
-    template <class V> static V channel(V Cb, V Cs) {
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V t = V(2) * Cb - V(1);
         return select(Cb > V(0.5f), Cs + t - Cs * t, V(2) * Cs * Cb);
     }
 };
 struct Darken : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return smaller(Cs, Cb); }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return smaller(Cs, Cb); }
 };
 struct Lighten : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return larger(Cs, Cb); }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return larger(Cs, Cb); }
 };
 struct ColorDodge : Separable {
-    template <class V> static V channel(V Cb, V Cs) {
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V dodged = smaller(V(1), Cb / (V(1) - Cs));
         return select(Cb <= V(0), V(0), select(Cs >= V(1), V(1), dodged));
     }
 };
 struct ColorBurn : Separable {
-    template <class V> static V channel(V Cb, V Cs) {
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V burned = V(1) - smaller(V(1), (V(1) - Cb) / Cs);
         return select(Cb >= V(1), V(1), select(Cs <= V(0), V(0), burned));
     }
 };
 struct HardLight : Separable {
-    template <class V> static V channel(V Cb, V Cs) {
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V t = V(2) * Cs - V(1);
         return select(Cs > V(0.5f), t + Cb - t * Cb, Cs * V(2) * Cb);
     }
 };
 struct SoftLight : Separable {
-    template <class V> static V channel(V Cb, V Cs) {
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V d = select(Cb > V(0.25f), squareRoot(Cb), ((V(16) * Cb - V(12)) * Cb + V(4)) * Cb);
         const V dark = Cb - (V(1) - V(2) * Cs) * Cb * (V(1) - Cb);
         const V light = Cb + (V(2) * Cs - V(1)) * (d - Cb);
@@ -101,86 +82,91 @@ struct SoftLight : Separable {
     }
 };
 struct Difference : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return absolute(Cb - Cs); }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return absolute(Cb - Cs); }
 };
 struct Exclusion : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return Cs + Cb - Cs * V(2) * Cb; }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return Cs + Cb - Cs * V(2) * Cb; }
 };
 struct Add : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return smaller(V(1), Cs + Cb); }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return smaller(V(1), Cs + Cb); }
 };
 struct Subtract : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return larger(V(0), Cb - Cs); }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return larger(V(0), Cb - Cs); }
 };
 struct LinearBurn : Separable {
-    template <class V> static V channel(V Cb, V Cs) { return larger(V(0), Cs + Cb - V(1)); }
+    template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return larger(V(0), Cs + Cb - V(1)); }
 };
 
-template <class V> V luminosityOf(const Rgb<V>& c) {
+template <class V> HWY_INLINE V luminosityOf(const Rgb<V>& c) {
     return V(0.3f) * c.r + V(0.59f) * c.g + V(0.11f) * c.b;
 }
-template <class V> V largest(const Rgb<V>& c) {
+template <class V> HWY_INLINE V largest(const Rgb<V>& c) {
     return larger(larger(c.r, c.g), c.b);
 }
-template <class V> V smallest(const Rgb<V>& c) {
+template <class V> HWY_INLINE V smallest(const Rgb<V>& c) {
     return smaller(smaller(c.r, c.g), c.b);
 }
-template <class V> V saturationOf(const Rgb<V>& c) {
+template <class V> HWY_INLINE V saturationOf(const Rgb<V>& c) {
     return largest(c) - smallest(c);
 }
 
 /// Brings channels below 0 or above 1 back into range along the line to the colour's grey. A step whose divisor
 /// is 0, as rounding makes it for ordinary greys, leaves the channels alone: a not-a-number would survive every
 /// layer above.
-template <class V> Rgb<V> clipColor(Rgb<V> c) {
+template <class V> HWY_INLINE Rgb<V> clipColor(Rgb<V> c) {
     const V grey = luminosityOf(c), low = smallest(c), high = largest(c);
     const auto raise = both(low < V(0), grey - low != V(0));
     const V up = grey / (grey - low);
-    const auto raised = [&](V v) { return select(raise, grey + (v - grey) * up, v); };
-    c = {raised(c.r), raised(c.g), raised(c.b)};
+    c = {select(raise, grey + (c.r - grey) * up, c.r), select(raise, grey + (c.g - grey) * up, c.g),
+         select(raise, grey + (c.b - grey) * up, c.b)};
     const auto lower = both(high > V(1), high - grey != V(0));
     const V down = (V(1) - grey) / (high - grey);
-    const auto lowered = [&](V v) { return select(lower, grey + down * (v - grey), v); };
-    return {lowered(c.r), lowered(c.g), lowered(c.b)};
+    return {select(lower, grey + down * (c.r - grey), c.r), select(lower, grey + down * (c.g - grey), c.g),
+            select(lower, grey + down * (c.b - grey), c.b)};
 }
 
-template <class V> Rgb<V> setLuminosity(const Rgb<V>& c, V luminosity) {
+template <class V> HWY_INLINE Rgb<V> setLuminosity(const Rgb<V>& c, V luminosity) {
     const V d = luminosity - luminosityOf(c);
     return clipColor(Rgb<V>{c.r + d, c.g + d, c.b + d});
 }
 
 /// The smallest channel becomes 0, the largest the saturation itself, the third keeps its proportion. Of equal
 /// channels the last in r, g, b order counts as the largest.
-template <class V> Rgb<V> setSaturation(const Rgb<V>& c, V saturation) {
+template <class V> HWY_INLINE Rgb<V> setSaturation(const Rgb<V>& c, V saturation) {
     const V high = largest(c), low = smallest(c);
     const V range = high - low;
     const auto coloured = high > low;
-    const auto scaled = [&](V v) { return select(coloured, (v - low) * saturation / range, V(0)); };
+    const Rgb<V> scaled{select(coloured, (c.r - low) * saturation / range, V(0)),
+                        select(coloured, (c.g - low) * saturation / range, V(0)),
+                        select(coloured, (c.b - low) * saturation / range, V(0))};
     const V full = select(coloured, saturation, V(0));
     const auto bIsHigh = c.b == high, gIsHigh = c.g == high;
-    return {select(either(bIsHigh, gIsHigh), scaled(c.r), full),
-            select(both(gIsHigh, !bIsHigh), full, scaled(c.g)), select(bIsHigh, full, scaled(c.b))};
+    return {select(either(bIsHigh, gIsHigh), scaled.r, full), select(both(gIsHigh, !bIsHigh), full, scaled.g),
+            select(bIsHigh, full, scaled.b)};
 }
 
 struct Hue : WholeColour {
-    template <class V> static Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(setSaturation(Cs, saturationOf(Cb)), luminosityOf(Cb));
     }
 };
 struct Saturation : WholeColour {
-    template <class V> static Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(setSaturation(Cb, saturationOf(Cs)), luminosityOf(Cb));
     }
 };
 struct Color : WholeColour {
-    template <class V> static Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(Cs, luminosityOf(Cb));
     }
 };
 struct Luminosity : WholeColour {
-    template <class V> static Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(Cb, luminosityOf(Cs));
     }
 };
 
-} // namespace qirn::blend
+} // namespace qirn::HWY_NAMESPACE::blend
+HWY_AFTER_NAMESPACE();
+
+#endif // once for each instruction set

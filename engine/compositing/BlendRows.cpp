@@ -1,29 +1,30 @@
 #include "compositing/BlendRows.h"
 
-#include "compositing/BlendFormulas.h"
-
-#include <algorithm>
 #include <cstring>
 
-namespace qirn {
+// This file once more for each instruction set; the best that the machine has is chosen at run time.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "compositing/BlendRows.cpp"
+#include <hwy/foreach_target.h>
+
+#include "compositing/BlendFormulas.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace qirn::HWY_NAMESPACE {
 
 using Compositor::Atop;
 
-namespace {
+/// One premultiplied pixel, 0 to 1, or several side by side.
+template <class V> struct Pixel { V r, g, b, a; };
 
-/// One premultiplied pixel, 0 to 1.
-struct Pixel {
-    float r, g, b, a;
-};
-
-Pixel select(bool condition, const Pixel& yes, const Pixel& no) {
-    return {condition ? yes.r : no.r, condition ? yes.g : no.g, condition ? yes.b : no.b,
-            condition ? yes.a : no.a};
+template <class C, class V> HWY_INLINE Pixel<V> select(C condition, const Pixel<V>& yes, const Pixel<V>& no) {
+    return {select(condition, yes.r, no.r), select(condition, yes.g, no.g), select(condition, yes.b, no.b),
+            select(condition, yes.a, no.a)};
 }
 
 /// The source over the backdrop where both have coverage.
-template <class Mode, Atop kAtop> Pixel mixed(const Pixel& p, const Pixel& s) {
-    const float rest = 1 - s.a;
+template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> mixed(const Pixel<V>& p, const Pixel<V>& s) {
+    const V rest = V(1) - s.a;
     if constexpr (Mode::isNormal) {
         if constexpr (kAtop == Atop::yes) {
             return {s.r * p.a + p.r * rest, s.g * p.a + p.g * rest, s.b * p.a + p.b * rest, p.a};
@@ -31,51 +32,53 @@ template <class Mode, Atop kAtop> Pixel mixed(const Pixel& p, const Pixel& s) {
             return {s.r + p.r * rest, s.g + p.g * rest, s.b + p.b * rest, s.a + p.a * rest};
         }
     } else {
-        const blend::Rgb<float> Cs{s.r / s.a, s.g / s.a, s.b / s.a};
-        const blend::Rgb<float> Cb{p.r / p.a, p.g / p.a, p.b / p.a};
-        const blend::Rgb<float> B = blend::blendColour<Mode>(Cb, Cs);
-        const float m = p.a * s.a;
+        const blend::Rgb<V> Cs{s.r / s.a, s.g / s.a, s.b / s.a};
+        const blend::Rgb<V> Cb{p.r / p.a, p.g / p.a, p.b / p.a};
+        const blend::Rgb<V> B = blend::blendColour<Mode>(Cb, Cs);
+        const V m = p.a * s.a;
         if constexpr (kAtop == Atop::yes) {
             return {m * B.r + rest * p.r, m * B.g + rest * p.g, m * B.b + rest * p.b, p.a};
         } else {
-            const float clear = 1 - p.a;
+            const V clear = V(1) - p.a;
             return {clear * s.r + rest * p.r + m * B.r, clear * s.g + rest * p.g + m * B.g,
                     clear * s.b + rest * p.b + m * B.b, rest * p.a + s.a};
         }
     }
 }
 
-/// Without branches, so that a compiler can do several pixels at once: what is not wanted is computed and dropped.
-template <class Mode, Atop kAtop> Pixel blended(const Pixel& p, const Pixel& s) {
-    Pixel result = mixed<Mode, kAtop>(p, s);
-    if constexpr (!Mode::isNormal) result = select(p.a <= 0, kAtop == Atop::yes ? p : s, result);
-    return select(s.a <= 0, p, result);
+/// Without branches, so that several pixels go side by side: what is not wanted is computed and dropped.
+template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> blended(const Pixel<V>& p, const Pixel<V>& s) {
+    Pixel<V> result = mixed<Mode, kAtop>(p, s);
+    if constexpr (!Mode::isNormal) result = select(p.a <= V(0), kAtop == Atop::yes ? p : s, result);
+    return select(s.a <= V(0), p, result);
 }
 
-template <class Mode, Atop kAtop> void blendRun(PixelRun& acc, const PixelRun& source) {
-    for (int i = 0; i < kRunPixels; ++i) {
-        const Pixel p{acc.r[i], acc.g[i], acc.b[i], acc.a[i]};
-        const Pixel s{source.r[i], source.g[i], source.b[i], source.a[i]};
-        const Pixel result = blended<Mode, kAtop>(p, s);
-        acc.r[i] = result.r;
-        acc.g[i] = result.g;
-        acc.b[i] = result.b;
-        acc.a[i] = result.a;
-    }
+HWY_INLINE Pixel<Floats> loadPixels(const PixelRun& run, int at) {
+    return {loadFloats(run.r + at), loadFloats(run.g + at), loadFloats(run.b + at), loadFloats(run.a + at)};
 }
 
-template <class Mode> Pixel onePixel(const Pixel& p, const Pixel& s, Atop atop) {
-    return atop == Atop::yes ? blended<Mode, Atop::yes>(p, s) : blended<Mode, Atop::no>(p, s);
+HWY_INLINE void storePixels(const Pixel<Floats>& p, PixelRun& run, int at) {
+    storeFloats(p.r, run.r + at);
+    storeFloats(p.g, run.g + at);
+    storeFloats(p.b, run.b + at);
+    storeFloats(p.a, run.a + at);
 }
 
+HWY_INLINE Pixel<Floats> pixelsOf(Words words, Floats k) {
+    return {byteOf<0>(words) * k, byteOf<8>(words) * k, byteOf<16>(words) * k, byteOf<24>(words) * k};
+}
+
+template <class Mode, Atop kAtop> HWY_ATTR void blendRun(PixelRun& acc, const PixelRun& source, int count) {
+    for (int i = 0; i < count; i += kLanes)
+        storePixels(blended<Mode, kAtop>(loadPixels(acc, i), loadPixels(source, i)), acc, i);
+}
+
+using RunBlender = void (*)(PixelRun&, const PixelRun&, int count);
 struct ModeLoops {
-    void (*over)(PixelRun&, const PixelRun&);
-    void (*atop)(PixelRun&, const PixelRun&);
-    Pixel (*pixel)(const Pixel&, const Pixel&, Atop);
+    RunBlender over, atop;
 };
-
 template <class Mode> constexpr ModeLoops loopsOf() {
-    return {blendRun<Mode, Atop::no>, blendRun<Mode, Atop::yes>, onePixel<Mode>};
+    return {blendRun<Mode, Atop::no>, blendRun<Mode, Atop::yes>};
 }
 
 // In the order of BlendMode.
@@ -89,76 +92,193 @@ constexpr ModeLoops kLoops[kBlendModeCount] = {
     loopsOf<blend::Luminosity>(),
 };
 
-const ModeLoops& loops(BlendMode mode) {
-    return kLoops[static_cast<std::size_t>(mode)];
+HWY_ATTR void LoadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity) {
+    const Floats k(opacity / 255);
+    int i = 0;
+    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
+        for (int x = 0; x < shape.width; x += kLanes, i += kLanes)
+            storePixels(pixelsOf(loadWords(bytes + x * 4), k), run, i);
+    }
 }
 
-/// 0 to 255; also 0 for not-a-number, into which malformed pixels can grow.
-uint32_t roundedByte(float f) {
-    float v = f * 255 + 0.5f;
-    v = v > 0 ? v : 0;
-    v = v < 255 ? v : 255;
-    return static_cast<uint32_t>(static_cast<int32_t>(v));
+HWY_ATTR void Scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity) {
+    const Floats k(opacity);
+    for (int i = 0; i < shape.count(); i += kLanes) {
+        const Pixel<Floats> p = loadPixels(source, i);
+        storePixels({p.r * k, p.g * k, p.b * k, p.a * k}, run, i);
+    }
 }
 
-float byteAt(uint32_t word, int shift) {
-    return static_cast<float>(static_cast<int32_t>((word >> shift) & 0xFF));
+HWY_ATTR void TintRun(PixelRun& run, RunShape shape, const Tint& tint) {
+    const Floats r(tint.r), g(tint.g), b(tint.b), amount(tint.amount);
+    for (int i = 0; i < shape.count(); i += kLanes) {
+        const Pixel<Floats> p = loadPixels(run, i);
+        storePixels({p.r + (r * p.a - p.r) * amount, p.g + (g * p.a - p.g) * amount,
+                     p.b + (b * p.a - p.b) * amount, p.a},
+                    run, i);
+    }
 }
 
-} // namespace
+HWY_ATTR void LayOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Atop atop) {
+    const ModeLoops& loops = kLoops[static_cast<std::size_t>(mode)];
+    (atop == Atop::yes ? loops.atop : loops.over)(acc, source, shape.count());
+}
+
+HWY_ATTR void LayBytesOn(PixelRun& acc, TileBytes bytes, RunShape shape, float opacity) {
+    const Floats k(opacity / 255);
+    int i = 0;
+    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
+        for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
+            const Pixel<Floats> s = pixelsOf(loadWords(bytes + x * 4), k);
+            storePixels(blended<blend::Normal, Atop::no>(loadPixels(acc, i), s), acc, i);
+        }
+    }
+}
+
+HWY_INLINE Words roundedByte(Floats v) {
+    return truncated(clampedToByte(v * Floats(255) + Floats(0.5f)));
+}
+
+struct PixelWords {
+    Words r, g, b, a;
+};
+HWY_INLINE PixelWords roundedPixels(const PixelRun& run, int at) {
+    const Pixel<Floats> p = loadPixels(run, at);
+    const Words a = roundedByte(p.a);
+    return {smaller(roundedByte(p.r), a), smaller(roundedByte(p.g), a), smaller(roundedByte(p.b), a), a};
+}
+
+HWY_ATTR void StoreBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
+    int i = 0;
+    for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
+        for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
+            const PixelWords p = roundedPixels(run, i);
+            storeWords(p.r | shiftedUp<8>(p.g) | shiftedUp<16>(p.b) | shiftedUp<24>(p.a), out + x * 4);
+        }
+    }
+}
+
+/// v / 255 for v below 65,790, to the nearest lower whole number.
+HWY_INLINE Words over255(Words v) {
+    return shiftedDown<23>(v * allWords(0x8081));
+}
+
+HWY_ATTR void StoreOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
+                           const uint32_t* const* greys) {
+    const Words full = allWords(255), half = allWords(127), opaque = allWords(0xFF000000u);
+    int i = 0;
+    for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
+        const uint8_t* grey = reinterpret_cast<const uint8_t*>(greys[y]);
+        for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
+            const PixelWords p = roundedPixels(run, i);
+            const Words behind = over255(loadWords(grey + x * 4) * (full - p.a) + half);
+            storeWords(opaque | shiftedUp<16>(p.r + behind) | shiftedUp<8>(p.g + behind) | (p.b + behind),
+                       out + x * 4);
+        }
+    }
+}
+
+} // namespace qirn::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace qirn {
+
+using Compositor::Atop;
+
+HWY_EXPORT(LoadBytes);
+HWY_EXPORT(Scale);
+HWY_EXPORT(TintRun);
+HWY_EXPORT(LayOn);
+HWY_EXPORT(LayBytesOn);
+HWY_EXPORT(StoreBytes);
+HWY_EXPORT(StoreOnBoard);
+
+namespace {
+constexpr uint32_t kOpaque = 0xFF000000u; // the alpha byte of a pixel's word
+}
 
 void clear(PixelRun& run) {
     std::memset(&run, 0, sizeof run);
 }
 
-void loadBytes(PixelRun& run, const uint8_t* bytes, float opacity) {
-    const float k = opacity / 255;
-    for (int i = 0; i < kRunPixels; ++i) {
-        uint32_t word; // red lies in the lowest byte
-        std::memcpy(&word, bytes + i * 4, 4);
-        run.r[i] = byteAt(word, 0) * k;
-        run.g[i] = byteAt(word, 8) * k;
-        run.b[i] = byteAt(word, 16) * k;
-        run.a[i] = byteAt(word, 24) * k;
-    }
+void loadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity) {
+    HWY_DYNAMIC_DISPATCH(LoadBytes)(run, bytes, shape, opacity);
 }
 
-void scale(PixelRun& run, const PixelRun& source, float opacity) {
-    for (int i = 0; i < kRunPixels; ++i) {
-        run.r[i] = source.r[i] * opacity;
-        run.g[i] = source.g[i] * opacity;
-        run.b[i] = source.b[i] * opacity;
-        run.a[i] = source.a[i] * opacity;
-    }
+void scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity) {
+    HWY_DYNAMIC_DISPATCH(Scale)(run, source, shape, opacity);
 }
 
-void tint(PixelRun& run, const Tint& tint) {
-    for (int i = 0; i < kRunPixels; ++i) {
-        const float a = run.a[i];
-        run.r[i] = run.r[i] + (tint.r * a - run.r[i]) * tint.amount;
-        run.g[i] = run.g[i] + (tint.g * a - run.g[i]) * tint.amount;
-        run.b[i] = run.b[i] + (tint.b * a - run.b[i]) * tint.amount;
-    }
+void tint(PixelRun& run, RunShape shape, const Tint& tint) {
+    HWY_DYNAMIC_DISPATCH(TintRun)(run, shape, tint);
 }
 
-void layOn(PixelRun& acc, const PixelRun& source, BlendMode mode, Atop atop) {
-    (atop == Atop::yes ? loops(mode).atop : loops(mode).over)(acc, source);
+void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Atop atop) {
+    HWY_DYNAMIC_DISPATCH(LayOn)(acc, source, shape, mode, atop);
 }
 
-void storeBytes(uint8_t* bytes, const PixelRun& run) {
-    for (int i = 0; i < kRunPixels; ++i) {
-        const uint32_t a = roundedByte(run.a[i]);
-        const uint32_t r = std::min(roundedByte(run.r[i]), a);
-        const uint32_t g = std::min(roundedByte(run.g[i]), a);
-        const uint32_t b = std::min(roundedByte(run.b[i]), a);
-        const uint32_t word = r | g << 8 | b << 16 | a << 24;
-        std::memcpy(bytes + i * 4, &word, 4);
-    }
+void layBytesOn(PixelRun& acc, TileBytes bytes, RunShape shape, float opacity) {
+    HWY_DYNAMIC_DISPATCH(LayBytesOn)(acc, bytes, shape, opacity);
 }
+
+void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
+    HWY_DYNAMIC_DISPATCH(StoreBytes)(out, rowBytes, run, shape);
+}
+
+void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
+                  const uint32_t* const* greys) {
+    HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, greys);
+}
+
+Coverage coverageOf(TileBytes bytes, RunShape shape) {
+    uint32_t all = kOpaque, any = 0;
+    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
+        for (int x = 0; x < shape.width; x += kRunStep) {
+            for (int i = 0; i < kRunStep; ++i) {
+                uint32_t word;
+                std::memcpy(&word, bytes + (x + i) * 4, 4);
+                all &= word;
+                any |= word;
+            }
+            if ((all & kOpaque) != kOpaque && any != 0) return Coverage::some;
+        }
+    }
+    return any == 0 ? Coverage::none : Coverage::full;
+}
+
+namespace {
+
+using PlainPixel = HWY_NAMESPACE::Pixel<float>;
+
+template <class Mode> PlainPixel onePixel(const PlainPixel& p, const PlainPixel& s, Atop atop) {
+    return atop == Atop::yes ? HWY_NAMESPACE::blended<Mode, Atop::yes>(p, s)
+                             : HWY_NAMESPACE::blended<Mode, Atop::no>(p, s);
+}
+
+namespace modes = HWY_NAMESPACE::blend;
+// In the order of BlendMode.
+constexpr PlainPixel (*kOnePixel[kBlendModeCount])(const PlainPixel&, const PlainPixel&, Atop) = {
+    onePixel<modes::Normal>,     onePixel<modes::Multiply>,   onePixel<modes::Screen>,
+    onePixel<modes::Overlay>,    onePixel<modes::Darken>,     onePixel<modes::Lighten>,
+    onePixel<modes::ColorDodge>, onePixel<modes::ColorBurn>,  onePixel<modes::HardLight>,
+    onePixel<modes::SoftLight>,  onePixel<modes::Difference>, onePixel<modes::Exclusion>,
+    onePixel<modes::Add>,        onePixel<modes::Subtract>,   onePixel<modes::LinearBurn>,
+    onePixel<modes::Hue>,        onePixel<modes::Saturation>, onePixel<modes::Color>,
+    onePixel<modes::Luminosity>,
+};
+
+/// 0 to 255; also 0 for not-a-number, into which malformed pixels can grow.
+uint8_t roundedByte(float f) {
+    const float v = f * 255 + 0.5f;
+    return static_cast<uint8_t>(v > 0 ? (v < 255 ? v : 255) : 0);
+}
+
+} // namespace
 
 void Compositor::blendPixel(float* pixel, const float source[4], BlendMode mode, Atop atop) {
-    const Pixel result = loops(mode).pixel({pixel[0], pixel[1], pixel[2], pixel[3]},
-                                           {source[0], source[1], source[2], source[3]}, atop);
+    const PlainPixel result = kOnePixel[static_cast<std::size_t>(mode)](
+        {pixel[0], pixel[1], pixel[2], pixel[3]}, {source[0], source[1], source[2], source[3]}, atop);
     std::memcpy(pixel, &result, sizeof result);
 }
 
@@ -172,8 +292,9 @@ PixelBytes Compositor::blendBytes(const PixelBytes& backdrop, const PixelBytes& 
     }
     blendPixel(pixel, s, mode, Atop::no);
     PixelBytes out;
-    for (std::size_t c = 0; c < 4; ++c) out[c] = static_cast<uint8_t>(roundedByte(pixel[c]));
+    for (std::size_t c = 0; c < 4; ++c) out[c] = roundedByte(pixel[c]);
     return out;
 }
 
 } // namespace qirn
+#endif

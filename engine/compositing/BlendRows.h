@@ -1,6 +1,7 @@
 #pragma once
 #include "compositing/Compositor.h"
 #include "core/BlendMode.h"
+#include "core/Tile.h"
 
 #include <cstdint>
 
@@ -8,6 +9,8 @@ namespace qirn {
 
 /// Two rows of a tile: an accumulator and a source of this many pixels stay in the nearest cache together.
 inline constexpr int kRunPixels = 512;
+/// Runs are as wide as a multiple of this, so that the widest vectors come out even.
+inline constexpr int kRunStep = 16;
 
 /// A run of pixels as four planes of premultiplied 32-bit floats, 0 to 1, so that a loop does several at once.
 struct PixelRun {
@@ -17,15 +20,36 @@ struct PixelRun {
     alignas(64) float a[kRunPixels];
 };
 
-// The loops over a run. Each pixel gets the bits that Compositor::blendPixel gives it.
+/// The pixels of a run: a block of a tile, row by row. Width is a multiple of kRunStep.
+struct RunShape {
+    int width;
+    int rows;
+
+    int count() const { return width * rows; }
+};
+
+/// Bytes of a block of pixels, premultiplied RGBA; a row of a tile lies `kTileRowBytes` behind the one above.
+using TileBytes = const uint8_t*;
+
+// The loops over a run. Each pixel gets the bits that Compositor::blendPixel gives it, on every instruction set.
 
 void clear(PixelRun& run);
-void loadBytes(PixelRun& run, const uint8_t* bytes, float opacity); ///< Premultiplied bytes x opacity / 255.
-void scale(PixelRun& run, const PixelRun& source, float opacity);   ///< All four channels.
-void tint(PixelRun& run, const Tint& tint);
+void loadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity);    ///< Bytes x opacity / 255.
+void scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity); ///< All four channels.
+void tint(PixelRun& run, RunShape shape, const Tint& tint);
 /// Lays a source on an accumulator; the mode is chosen once a run.
-void layOn(PixelRun& acc, const PixelRun& source, BlendMode mode, Compositor::Atop atop);
+void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Compositor::Atop atop);
+/// `loadBytes` and `layOn` with `normal`, which most layers have, in one pass.
+void layBytesOn(PixelRun& acc, TileBytes bytes, RunShape shape, float opacity);
 /// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
-void storeBytes(uint8_t* bytes, const PixelRun& run);
+/// Rows of the result lie `rowBytes` apart.
+void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape);
+/// The same rounded pixels over opaque grey, as words 0xFFRRGGBB; `greys` points to a word a pixel for each row.
+void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
+                  const uint32_t* const* greys);
+
+enum class Coverage { none, some, full };
+/// `none` when every byte is 0, `full` when every alpha byte is 255.
+Coverage coverageOf(TileBytes bytes, RunShape shape);
 
 } // namespace qirn

@@ -1,29 +1,32 @@
 #include "core/DirtyTiles.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 namespace qirn {
 
-void DirtyTiles::add(int64_t index) {
-    const auto place = static_cast<std::size_t>(index);
-    if (place >= present_.size()) present_.resize(place + 1);
-    if (present_[place]) return;
-    present_[place] = true;
-    listed_.push_back(index);
+void DirtyTiles::add(int64_t index, const IRect& part) {
+    const auto slot = static_cast<std::size_t>(index);
+    if (slot >= places_.size()) places_.resize(slot + 1, -1);
+    if (places_[slot] < 0) {
+        places_[slot] = static_cast<int32_t>(listed_.size());
+        listed_.push_back({index, part});
+    } else {
+        IRect& listed = listed_[static_cast<std::size_t>(places_[slot])].part;
+        listed = listed.united(part);
+    }
 }
 
-void DirtyTiles::setAll(int64_t count) {
-    listed_.resize(static_cast<std::size_t>(count));
-    std::iota(listed_.begin(), listed_.end(), 0);
-    present_.assign(listed_.size(), true);
+void DirtyTiles::clear() {
+    listed_.clear();
+    places_.clear();
 }
 
-std::vector<int64_t> DirtyTiles::take() {
-    std::vector<int64_t> taken = std::exchange(listed_, {});
-    for (int64_t index : taken) present_[static_cast<std::size_t>(index)] = false;
-    std::sort(taken.begin(), taken.end());
+std::vector<DirtyTile> DirtyTiles::take() {
+    std::vector<DirtyTile> taken = std::exchange(listed_, {});
+    for (const DirtyTile& tile : taken) places_[static_cast<std::size_t>(tile.index)] = -1;
+    std::sort(taken.begin(), taken.end(),
+              [](const DirtyTile& a, const DirtyTile& b) { return a.index < b.index; });
     return taken;
 }
 

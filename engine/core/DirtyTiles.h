@@ -1,19 +1,29 @@
 #pragma once
+#include "core/IRect.h"
+
 #include <cstdint>
 #include <vector>
 
 namespace qirn {
 
+/// A tile whose image on screen is out of date, and the part of it that changed.
+struct DirtyTile {
+    int64_t index = 0;
+    IRect part; ///< In canvas pixels, inside the tile's own part of the canvas.
+
+    bool operator==(const DirtyTile&) const = default;
+};
+
 /// The set of tiles whose image on screen is out of date. Adding one again and again costs nothing.
 class DirtyTiles {
 public:
-    void add(int64_t index);
-    void setAll(int64_t count);  ///< Every index below `count`, in place of what was there.
-    std::vector<int64_t> take(); ///< Sorted from small to large; leaves none.
+    void add(int64_t index, const IRect& part);
+    void clear();
+    std::vector<DirtyTile> take(); ///< Sorted by index; leaves none.
 
 private:
-    std::vector<int64_t> listed_; // each once, in order of arrival
-    std::vector<bool> present_;   // by index
+    std::vector<DirtyTile> listed_; // each tile once, in order of arrival
+    std::vector<int32_t> places_;   // by index: where it is listed, or -1
 };
 
 } // namespace qirn

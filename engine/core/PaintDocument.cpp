@@ -94,14 +94,21 @@ uint64_t PaintDocument::fingerprint() const {
 }
 
 void PaintDocument::markDirty(const IRect& rect) {
-    for (int64_t index : grid_.tilesIn(rect)) dirty_.add(index);
+    for (int64_t index : grid_.tilesIn(rect)) dirty_.add(index, grid_.rectOf(index).intersection(rect));
 }
 
 void PaintDocument::markAllDirty() {
-    dirty_.setAll(grid_.count());
+    dirty_.clear(); // of tiles that another canvas had
+    markDirty(grid_.bounds());
 }
 
 std::vector<int64_t> PaintDocument::takeDirtyTiles() {
+    std::vector<int64_t> indices;
+    for (const DirtyTile& tile : takeDirtyParts()) indices.push_back(tile.index);
+    return indices;
+}
+
+std::vector<DirtyTile> PaintDocument::takeDirtyParts() {
     return dirty_.take();
 }
 

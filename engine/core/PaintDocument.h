@@ -62,7 +62,8 @@ public:
     // What the screen has to show again.
     void markDirty(const IRect& rect);
     void markAllDirty();
-    std::vector<int64_t> takeDirtyTiles(); ///< Sorted; leaves none.
+    std::vector<int64_t> takeDirtyTiles();   ///< Sorted; leaves none.
+    std::vector<DirtyTile> takeDirtyParts(); ///< The same with the part of each tile that changed.
 
     // Undo history: whole states that share their tiles with each other and with the live layers.
     struct State {

@@ -1,32 +1,41 @@
 #include "core/Tile.h"
 
 #include <cstring>
-#include <new>
 
 namespace qirn {
 
 namespace {
-constexpr std::align_val_t kAlignment{64};
-uint8_t* allocatePixels() {
-    return static_cast<uint8_t*>(::operator new(kTileBytes, kAlignment));
-}
+std::atomic<int64_t> heldByForms = 0;
 } // namespace
 
-Tile::Tile() : pixels_(allocatePixels()) {
-    std::memset(pixels_, 0, kTileBytes);
+StoredForm::StoredForm(Coding how, std::vector<uint8_t> stream) : coding(how), bytes(std::move(stream)) {
+    heldByForms += static_cast<int64_t>(bytes.size());
 }
 
-Tile::Tile(const Tile& other) : pixels_(allocatePixels()) {
-    std::memcpy(pixels_, other.pixels_, kTileBytes);
+StoredForm::~StoredForm() {
+    heldByForms -= static_cast<int64_t>(bytes.size());
 }
 
-Tile::~Tile() {
-    ::operator delete(pixels_, kAlignment);
+int64_t StoredForm::heldBytes() {
+    return heldByForms;
+}
+
+void Tile::remember(std::shared_ptr<const StoredForm> form) const {
+    require(frozen_);
+    if (StoredForm::heldBytes() <= StoredForm::mostBytes) storedForm_ = std::move(form);
+}
+
+Tile::Tile() : pixels_(TileMemory::take()) {
+    std::memset(pixels_.get(), 0, kTileBytes);
+}
+
+Tile::Tile(const Tile& other) : pixels_(TileMemory::take()) {
+    std::memcpy(pixels_.get(), other.pixels(), kTileBytes);
 }
 
 bool Tile::isEmpty() const {
     for (int i = 3; i < kTileBytes; i += 4) {
-        if (pixels_[i] != 0) return false;
+        if (pixels()[i] != 0) return false;
     }
     return true;
 }

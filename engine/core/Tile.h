@@ -1,9 +1,12 @@
 #pragma once
+#include "core/TileMemory.h"
 #include "platform/Require.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace qirn {
 
@@ -11,6 +14,24 @@ inline constexpr int kTileSize = 256;                     // pixels on a side
 inline constexpr int kTileRowBytes = kTileSize * 4;       // bytes from one row to the next
 inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
 inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
+
+/// A tile as a file stores it, remembered with the tile so that saving again costs only what changed since. All
+/// that is remembered together stays under a limit; what would go beyond is simply not kept.
+class StoredForm {
+public:
+    enum class Coding { blank, raw, lzfse }; ///< Nothing; the tile's own bytes; `bytes`.
+    static constexpr int64_t mostBytes = 256LL * 1024 * 1024;
+
+    StoredForm(Coding coding, std::vector<uint8_t> bytes);
+    ~StoredForm();
+    StoredForm(const StoredForm&) = delete;
+    StoredForm& operator=(const StoredForm&) = delete;
+
+    static int64_t heldBytes(); ///< Of all there are.
+
+    const Coding coding;
+    const std::vector<uint8_t> bytes;
+};
 
 /// 256 x 256 pixels of one layer: premultiplied 8-bit sRGB RGBA, top row first, 1024 bytes a row.
 ///
@@ -21,24 +42,28 @@ class Tile {
 public:
     Tile();                           ///< Transparent, not frozen.
     explicit Tile(const Tile& other); ///< The other tile's pixels, not frozen.
-    ~Tile();
     Tile& operator=(const Tile&) = delete;
 
     bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.
     bool isFrozen() const { return frozen_; }
-    const uint8_t* pixels() const { return pixels_; }
-    std::span<const uint8_t> bytes() const { return {pixels_, kTileBytes}; }
+    const uint8_t* pixels() const { return pixels_.get(); }
+    std::span<const uint8_t> bytes() const { return {pixels_.get(), kTileBytes}; }
 
     /// The pixels for writing; stops the process on a frozen tile.
     uint8_t* writablePixels() {
         require(!frozen_);
-        return pixels_;
+        return pixels_.get();
     }
     /// Called by whoever makes a second reference to the tile; nothing undoes it.
     void freeze() { frozen_ = true; }
 
+    /// What was remembered of a frozen tile; null when nothing was. Any thread may ask and remember.
+    std::shared_ptr<const StoredForm> storedForm() const { return storedForm_.load(); }
+    void remember(std::shared_ptr<const StoredForm> form) const;
+
 private:
-    uint8_t* pixels_; // kTileBytes, 64-byte aligned, owned
+    TileMemory::Block pixels_; // kTileBytes, page-aligned
+    mutable std::atomic<std::shared_ptr<const StoredForm>> storedForm_;
     bool frozen_ = false;
 };
 

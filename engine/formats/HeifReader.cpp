@@ -2,6 +2,7 @@
 
 #include "core/PaintEngine.h"
 #include "formats/ExifTags.h"
+#include "formats/HevcSize.h"
 #include "formats/PictureBuilder.h"
 #include "formats/PrintDensity.h"
 
@@ -115,6 +116,8 @@ std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
     if (!isReadableSize(codedWidth, codedHeight) ||
         !backs(file.size(), kPixelsAByte, codedWidth, codedHeight))
         return std::nullopt;
+    const HevcSize toDecode = largestHevcSize(file);
+    if (!backs(file.size(), kPixelsAByte, toDecode.width, toDecode.height)) return std::nullopt;
     // A mosaic says its size once more.
     heif_context_set_maximum_image_size_limit(context.get(),
                                               static_cast<int>(std::max(codedWidth, codedHeight) + 1));

@@ -20,16 +20,7 @@ using namespace PaintFile;
 constexpr std::size_t kTilesAtOnce = 4; // with one encoder; few, so that the load spreads over the cores
 constexpr double kPreviewDpi = 72;
 
-/// A tile as it goes into the file: as a stream, as its own bytes, or not at all.
-struct StoredTile {
-    std::optional<std::vector<uint8_t>> stream;
-    std::span<const uint8_t> raw; // the tile's own; empty for a tile without alpha
-
-    std::span<const uint8_t> bytes() const { return stream ? std::span<const uint8_t>(*stream) : raw; }
-    int64_t coding() const { return stream ? kCodingLzfse : kCodingRaw; }
-};
-
-/// Every tile of a snapshot, stored once however many slots share it.
+/// Every tile of a snapshot as it goes into the file, once however many slots share it.
 class StoredTiles {
 public:
     explicit StoredTiles(const DocumentSnapshot& snapshot) {
@@ -39,23 +30,29 @@ public:
                 if (places_.emplace(&tile, tiles.size()).second) tiles.push_back(&tile);
             });
         }
-        stored_.resize(tiles.size());
-        const std::size_t chunks = (tiles.size() + kTilesAtOnce - 1) / kTilesAtOnce;
+        forms_.resize(tiles.size());
+        std::vector<std::size_t> unknown;
+        for (std::size_t i = 0; i < tiles.size(); ++i) {
+            forms_[i] = tiles[i]->storedForm();
+            if (!forms_[i]) unknown.push_back(i);
+        }
+        const std::size_t chunks = (unknown.size() + kTilesAtOnce - 1) / kTilesAtOnce;
         concurrentPerform(static_cast<int64_t>(chunks), [&](int64_t chunk) {
             TileEncoder encoder;
             const std::size_t first = static_cast<std::size_t>(chunk) * kTilesAtOnce;
-            for (std::size_t i = first; i < std::min(first + kTilesAtOnce, tiles.size()); ++i) {
-                if (tiles[i]->isEmpty()) continue;
-                stored_[i] = {encoder.encode(*tiles[i]), tiles[i]->bytes()};
+            for (std::size_t i = first; i < std::min(first + kTilesAtOnce, unknown.size()); ++i) {
+                const Tile& tile = *tiles[unknown[i]];
+                forms_[unknown[i]] = encoder.encode(tile);
+                if (tile.isFrozen()) tile.remember(forms_[unknown[i]]);
             }
         });
     }
 
-    const StoredTile& operator[](const Tile& tile) const { return stored_[places_.at(&tile)]; }
+    const StoredForm& operator[](const Tile& tile) const { return *forms_[places_.at(&tile)]; }
 
 private:
     std::unordered_map<const Tile*, std::size_t> places_;
-    std::vector<StoredTile> stored_;
+    std::vector<std::shared_ptr<const StoredForm>> forms_;
 };
 
 /// What follows the manifest, as pieces that stay where they are until the file is put together.
@@ -86,8 +83,11 @@ LayerEntry entryOf(const LayerState& layer, const StoredTiles& stored, Blob& blo
                      .clipping = layer.isClipping,
                      .tiles = {}};
     layer.tiles.forEachTile([&](int64_t index, const Tile& tile) {
-        const StoredTile& kept = stored[tile];
-        if (!kept.bytes().empty()) entry.tiles.push_back(blob.add(index, kept.bytes(), kept.coding()));
+        const StoredForm& form = stored[tile];
+        if (form.coding == StoredForm::Coding::lzfse)
+            entry.tiles.push_back(blob.add(index, form.bytes, kCodingLzfse));
+        else if (form.coding == StoredForm::Coding::raw)
+            entry.tiles.push_back(blob.add(index, tile.bytes(), kCodingRaw));
     });
     return entry;
 }

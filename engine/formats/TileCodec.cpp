@@ -20,11 +20,16 @@ constexpr std::size_t kLongestStream = 4 * std::size_t{kTileBytes};
 
 TileEncoder::TileEncoder() : stream_(kStreamCapacity), workspace_(lzfse_encode_scratch_size()) {}
 
-std::optional<std::vector<uint8_t>> TileEncoder::encode(const Tile& tile) {
+std::shared_ptr<const StoredForm> TileEncoder::encode(const Tile& tile) {
+    using Coding = StoredForm::Coding;
+    const auto form = [](Coding coding, std::vector<uint8_t> bytes = {}) {
+        return std::make_shared<const StoredForm>(coding, std::move(bytes));
+    };
+    if (tile.isEmpty()) return form(Coding::blank);
     const std::size_t length =
         lzfse_encode_buffer(stream_.data(), stream_.size(), tile.pixels(), kTileBytes, workspace_.data());
-    if (length < 1 || length >= kTileBytes) return std::nullopt;
-    return std::vector<uint8_t>(stream_.data(), stream_.data() + length);
+    if (length < 1 || length >= kTileBytes) return form(Coding::raw);
+    return form(Coding::lzfse, std::vector<uint8_t>(stream_.data(), stream_.data() + length));
 }
 
 TileDecoder::TileDecoder() : pixels_(kTileBytes + 2 * kGuardBytes), workspace_(lzfse_decode_scratch_size()) {}

@@ -14,8 +14,8 @@ namespace qirn {
 class TileEncoder {
 public:
     TileEncoder();
-    /// The stream; nothing when it would not be smaller than the tile's own bytes.
-    std::optional<std::vector<uint8_t>> encode(const Tile& tile);
+    /// Blank for a tile without alpha, raw where the stream would not be smaller than the tile's own bytes.
+    std::shared_ptr<const StoredForm> encode(const Tile& tile);
 
 private:
     std::vector<uint8_t> stream_;

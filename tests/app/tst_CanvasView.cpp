@@ -1,6 +1,7 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "compositing/CompositeInputs.h"
+#include "core/SeededRandom.h"
 #include "support/PenRecording.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
@@ -81,6 +82,8 @@ private Q_SLOTS:
     void tilesAreNearestFromTwoHundredPercent();
     void theCheckerboardShowsThroughEmptyTiles();
     void undoShowsTheOldPicture();
+    void aPartDrawnAgainIsThatOfAFreshView_data();
+    void aPartDrawnAgainIsThatOfAFreshView();
     void aHugeBlankCanvasHoldsNoTileImages();
     void rectanglesAreSelected_data();
     void rectanglesAreSelected();
@@ -475,6 +478,40 @@ void tst_CanvasView::undoShowsTheOldPicture() {
     QVERIFY(studio.canvas.grab().toImage() != before);
     studio.model.undo();
     QCOMPARE(studio.canvas.grab().toImage(), before);
+}
+
+void tst_CanvasView::aPartDrawnAgainIsThatOfAFreshView_data() {
+    QTest::addColumn<double>("zoom");
+    for (const double zoom : {0.11, 0.3, 0.5, 1.0, 1.7}) QTest::addRow("%g%%", zoom * 100) << zoom;
+}
+
+void tst_CanvasView::aPartDrawnAgainIsThatOfAFreshView() {
+    QFETCH(double, zoom);
+    PaintDocument doc(900, 700, 72, std::nullopt);
+    const ViewTransform view(QSize(600, 500), QSizeF(900, 700), {zoom, {3.5, -2}, 0, false});
+    const auto shown = [&](CanvasPresentation& presentation) {
+        QImage screen(600, 500, QImage::Format_RGB32);
+        screen.fill(Qt::gray);
+        QPainter painter(&screen);
+        presentation.look(view, zoom);
+        presentation.draw(painter, screen.rect());
+        painter.end();
+        return screen;
+    };
+    CanvasPresentation live;
+    live.show(&doc);
+    shown(live);
+    SeededRandom random(8);
+    for (int i = 0; i < 40; ++i) {
+        const auto below = [&](uint64_t end) { return static_cast<int64_t>(random.next() % end); };
+        const IRect rect{below(880), below(680), 1 + below(90), 1 + below(90)};
+        const auto alpha = static_cast<uint8_t>(below(256));
+        paintRect(doc, doc.activeLayer(), rect.intersection(doc.grid().bounds()), {alpha, 0, 0, alpha});
+        live.update(doc.takeDirtyParts());
+    }
+    CanvasPresentation fresh;
+    fresh.show(&doc);
+    QCOMPARE(shown(live), shown(fresh));
 }
 
 void tst_CanvasView::aHugeBlankCanvasHoldsNoTileImages() {

@@ -2,6 +2,7 @@
 #include "brush/PaperGrain.h"
 #include "brush/StrokeConstants.h"
 #include "core/PaintEngine.h"
+#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
 #include "support/Strokes.h"
 #include "support/TestMain.h"
@@ -26,8 +27,10 @@ private Q_SLOTS:
         const StrokeConstant& wanted = kStrokeConstants[row];
         const auto brush = BrushLibrary::named(QString::fromLatin1(wanted.name));
         QVERIFY(brush);
-        for (int threads : {1, 0}) {
-            setConcurrency(threads);
+        const std::vector<std::string> sets = instructionSets();
+        for (std::size_t i = 0; i <= sets.size(); ++i) {
+            useInstructionSet(i < sets.size() ? sets[i] : std::string());
+            setConcurrency(i < sets.size() ? 1 : 0);
             const ZigzagResult got = paintZigzag(*brush);
             const QString line = QString::asprintf("    {\"%s\", 0x%016llXu, %lld},", wanted.name,
                                                    static_cast<unsigned long long>(got.fingerprint),
@@ -35,7 +38,10 @@ private Q_SLOTS:
             QVERIFY2(got.fingerprint == wanted.fingerprint && got.dabCount == wanted.dabCount,
                      qPrintable(line));
         }
+    }
+    void cleanup() {
         setConcurrency(0);
+        useInstructionSet({});
     }
 
     void everyPresetIsInTheTable() {

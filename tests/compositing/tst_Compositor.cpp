@@ -1,7 +1,9 @@
 #include "compositing/CompositeInputs.h"
 #include "compositing/Reference.h"
+#include "compositing/ScreenTiles.h"
 #include "core/SeededRandom.h"
 #include "operations/LayerOperations.h"
+#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
@@ -19,6 +21,13 @@ CompositeInput noiseInput(SeededRandom& random, bool absent) {
     if (!absent) {
         auto tile = std::make_shared<Tile>();
         std::memcpy(tile->writablePixels(), noise(256, 256, random.next())->data(), kTileBytes);
+        // Blank and opaque bands, which take roads of their own.
+        for (int y = 0; y < kTileSize; y += 32) {
+            uint8_t* band = tile->writablePixels() + y * kTileRowBytes;
+            const uint64_t kind = random.next() % 4;
+            if (kind == 0) std::memset(band, 0, 32 * kTileRowBytes);
+            for (int i = 0; kind == 1 && i < 32 * kTileRowBytes; i += 4) band[i + 3] = 255;
+        }
         tiles.set(0, std::move(tile));
     }
     return {.tiles = tiles};
@@ -73,6 +82,8 @@ class tst_Compositor : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { useInstructionSet({}); }
+
     void everyModeIsThatOfTheReference_data() {
         QTest::addColumn<BlendMode>("mode");
         QTest::addColumn<bool>("clipping");
@@ -100,10 +111,48 @@ private Q_SLOTS:
         }
     }
 
+    void randomStacksAreThoseOfTheReference_data() {
+        QTest::addColumn<QString>("instructions");
+        for (const std::string& name : instructionSets()) QTest::addRow("%s", name.c_str()) << name.c_str();
+    }
     void randomStacksAreThoseOfTheReference() {
+        QFETCH(QString, instructions);
+        useInstructionSet(instructions.toStdString());
         for (uint64_t seed = 1; seed <= 60; ++seed) {
             const QString difference = tileDifference(randomStack(seed));
             QVERIFY2(difference.isEmpty(), qPrintable(QString("seed %1, ").arg(seed) + difference));
+        }
+    }
+
+    void theScreenShowsTheRoundedPixelsOverGrey_data() { randomStacksAreThoseOfTheReference_data(); }
+    void theScreenShowsTheRoundedPixelsOverGrey() {
+        QFETCH(QString, instructions);
+        useInstructionSet(instructions.toStdString());
+        const TileGrid grid(250, 256); // cut at the right
+        SeededRandom random(4);
+        for (uint64_t seed = 1; seed <= 12; ++seed) {
+            const std::vector<CompositeInput> stack = randomStack(seed);
+            const std::vector<uint8_t> pixels = referenceTile(0, stack);
+            IRect part =
+                IRect{static_cast<int64_t>(random.next() % 250), static_cast<int64_t>(random.next() % 256),
+                      static_cast<int64_t>(1 + random.next() % 250),
+                      static_cast<int64_t>(1 + random.next() % 256)}
+                    .intersection(grid.bounds());
+            std::vector<uint32_t> screen(kTilePixels);
+            drawForScreen({0, part}, stack, grid, {7.5}, reinterpret_cast<uint8_t*>(screen.data()),
+                          kTileRowBytes);
+            for (int64_t y = part.y; y < part.maxY(); ++y) {
+                for (int64_t x = part.x; x < part.maxX(); ++x) {
+                    const uint8_t* p = pixels.data() + (y * kTileSize + x) * 4;
+                    const bool dark = (static_cast<int>(static_cast<double>(x) / 7.5) +
+                                       static_cast<int>(static_cast<double>(y) / 7.5)) %
+                                          2 ==
+                                      0;
+                    const int behind = ((dark ? 179 : 219) * (255 - p[3]) + 127) / 255;
+                    QCOMPARE(screen[static_cast<std::size_t>(y * kTileSize + x)],
+                             qRgb(p[0] + behind, p[1] + behind, p[2] + behind));
+                }
+            }
         }
     }
 

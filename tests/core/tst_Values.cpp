@@ -246,15 +246,15 @@ private Q_SLOTS:
 
     void dirtyTilesAreEachTakenOnce() {
         DirtyTiles dirty;
-        for (int64_t index : {7, 2, 7, 40, 2}) dirty.add(index);
-        QCOMPARE(dirty.take(), (std::vector<int64_t>{2, 7, 40}));
+        dirty.add(7, {0, 0, 2, 2});
+        dirty.add(2, {5, 5, 1, 1});
+        dirty.add(7, {8, 4, 2, 2}); // one part that holds both
+        QCOMPARE(dirty.take(), (std::vector<DirtyTile>{{2, {5, 5, 1, 1}}, {7, {0, 0, 10, 6}}}));
         QVERIFY(dirty.take().empty());
-        dirty.add(7);
-        dirty.setAll(3); // a smaller canvas: what was there does not count
-        dirty.add(1);
-        QCOMPARE(dirty.take(), (std::vector<int64_t>{0, 1, 2}));
-        dirty.add(40);
-        QCOMPARE(dirty.take(), (std::vector<int64_t>{40}));
+        dirty.add(40, {1, 1, 1, 1});
+        dirty.clear();
+        dirty.add(1, {0, 0, 4, 4});
+        QCOMPARE(dirty.take(), (std::vector<DirtyTile>{{1, {0, 0, 4, 4}}}));
     }
 };
 

@@ -1,5 +1,5 @@
 #include "core/SeededRandom.h"
-#include "formats/ExifTags.h"
+#include "formats/HevcSize.h"
 #include "formats/ImageExport.h"
 #include "formats/ImageImport.h"
 #include "formats/PrintDensity.h"
@@ -152,6 +152,7 @@ private Q_SLOTS:
     void densitiesAreThoseThatWereMeant();
     void aDensityIsReadFromEachFormat_data();
     void aDensityIsReadFromEachFormat();
+    void aHeicTellsWhatItsDecoderWillTake();
     void tooLargeASideIsRefused();
     void aHeaderAloneTakesNoMemory_data();
     void aHeaderAloneTakesNoMemory();
@@ -449,6 +450,43 @@ void tst_ImageImport::aDensityIsReadFromEachFormat() {
     const auto picture = decoded(file);
     QVERIFY(picture);
     QCOMPARE(picture->dpi, dpi);
+}
+
+void tst_ImageImport::aHeicTellsWhatItsDecoderWillTake() {
+    const QByteArray file = testData("blocks.heic");
+    const HevcSize told = largestHevcSize(bytesOf(file));
+    QCOMPARE(told.width, 64); // whole blocks of the encoder, of which the picture is a part
+    QCOMPARE(told.height, 64);
+
+    // A set as an attacker would write it: 30,000 x 20,000, two sub-layers, with the filler bytes that it needs.
+    QString bits = QStringLiteral("0000") + "001" + "1" + QString(96, u'0') + "11" + QString(14, u'0') +
+                   QString(96, u'0');
+    const auto addNumber = [&](uint32_t value) {
+        const QString digits = QString::number(value + 1, 2);
+        bits += QString(digits.size() - 1, u'0') + digits;
+    };
+    for (const uint32_t value : {0u, 1u, 30'000u, 20'000u}) addNumber(value);
+    bits += QString(16, u'1');
+    QByteArray unit("\x42\x01", 2);
+    int zeros = 0;
+    for (qsizetype i = 0; i + 8 <= bits.size(); i += 8) {
+        const auto byte = static_cast<char>(bits.mid(i, 8).toInt(nullptr, 2));
+        if (zeros == 2 && (byte & ~3) == 0) {
+            unit.append('\3');
+            zeros = 0;
+        }
+        unit.append(byte);
+        zeros = byte == 0 ? zeros + 1 : 0;
+    }
+    const QByteArray box =
+        "hvcC" + QByteArray(22, '\0') + QByteArray("\1\x21\0\1\0", 5) + static_cast<char>(unit.size()) + unit;
+    const HevcSize lie = largestHevcSize(bytesOf(file + box));
+    QCOMPARE(lie.width, 30'000);
+    QCOMPARE(lie.height, 20'000);
+    for (qsizetype cut = 4; cut < box.size() - 2; ++cut)
+        QCOMPARE(largestHevcSize(bytesOf(box.left(cut))).width, 0);
+    // The box lies where no reader looks, but nobody has to know that.
+    QVERIFY(!decoded(file + box));
 }
 
 void tst_ImageImport::tooLargeASideIsRefused() {

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void aReopenedPictureIsTheSame();
     void randomPicturesSurviveASecondSaving();
     void bytesDoNotDependOnThreads();
+    void savingAgainGivesTheBytesOfAFirstSave();
     void aSnapshotKeepsThePictureOfItsMoment();
     void noiseIsStoredRaw();
     void aTransparentTileVanishes();
@@ -139,6 +140,21 @@ void tst_PaintFile::bytesDoNotDependOnThreads() {
     const QByteArray alone = PaintFile::encode(*doc, kMoment);
     setConcurrency(8);
     QCOMPARE(PaintFile::encode(*doc, kMoment), alone);
+}
+
+void tst_PaintFile::savingAgainGivesTheBytesOfAFirstSave() {
+    const int64_t heldBefore = StoredForm::heldBytes();
+    auto doc = richDocument();
+    const QByteArray first = PaintFile::encode(*doc, kMoment);
+    QVERIFY(StoredForm::heldBytes() > heldBefore); // remembered with the tiles
+    QCOMPARE(PaintFile::encode(*doc, kMoment), first);
+    paintRect(*doc, doc->activeLayer(), {3, 3, 40, 40}, {9, 8, 7, 200});
+    const QByteArray second = PaintFile::encode(*doc, kMoment);
+    // A reopened picture remembers nothing yet.
+    QCOMPARE(PaintFile::encode(*PaintFile::decode(bytesOf(second)), kMoment), second);
+    QVERIFY(second != first);
+    doc.reset();
+    QCOMPARE(StoredForm::heldBytes(), heldBefore);
 }
 
 void tst_PaintFile::aSnapshotKeepsThePictureOfItsMoment() {

@@ -53,7 +53,15 @@ cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void*
 } // namespace
 
 QByteArray srgbProfile() {
-    return saved(cmsCreate_sRGBProfile());
+    // As files have it: the curve as a table, a primary rounded. Some colours come out a step off.
+    constexpr cmsUInt32Number kEntries = 1024;
+    cmsToneCurve* const formula = srgbCurve();
+    cmsUInt16Number table[kEntries];
+    for (cmsUInt32Number i = 0; i < kEntries; ++i)
+        table[i] = cmsEvalToneCurve16(formula, static_cast<cmsUInt16Number>(i * 65535 / (kEntries - 1)));
+    cmsFreeToneCurve(formula);
+    return rgbProfile({{0.64, 0.33, 1}, {0.2999, 0.6, 1}, {0.15, 0.06, 1}},
+                      cmsBuildTabulatedToneCurve16(nullptr, kEntries, table));
 }
 
 QByteArray displayP3Profile() {

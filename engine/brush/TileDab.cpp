@@ -1,0 +1,297 @@
+#include "brush/TileDab.h"
+
+#include "brush/PaperGrain.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+// This file once more for each instruction set; the best that the machine has is chosen at run time.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "brush/TileDab.cpp"
+#include <hwy/foreach_target.h>
+
+#include "brush/TipCoverage.h"
+
+#ifndef QIRN_BRUSH_TILEDAB_ONCE
+#define QIRN_BRUSH_TILEDAB_ONCE
+
+namespace qirn {
+
+namespace {
+
+constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
+// Pixels are handled in whole blocks of the tile's own columns, so that the widest vectors come out even and never
+// reach beyond the tile.
+constexpr int kBlock = 16;
+
+/// Tile columns from `first` to before `last`.
+struct Columns {
+    int first;
+    int last;
+
+    bool isEmpty() const { return first >= last; }
+    Columns wholeBlocks() const { return {first / kBlock * kBlock, (last + kBlock - 1) / kBlock * kBlock}; }
+};
+
+/// The columns of `row` whose pixel centres lie within a distance of the centre, as the tip measures it. Exact but
+/// for rounding: who asks leaves a margin.
+Columns columnsWithin(const TipShape& tip, double reach, int64_t tileX, double dy, Columns row) {
+    if (reach <= 0) return {row.first, row.first};
+    // The ellipse as a dx^2 + 2 b dx dy + c dy^2 = reach^2, solved for dx; a c - b^2 is i2.
+    const double i2 = tip.inverse * tip.inverse;
+    const double a = tip.cosine * tip.cosine + i2 * tip.sine * tip.sine;
+    const double b = tip.sine * tip.cosine * (1 - i2);
+    const double under = a * reach * reach - i2 * dy * dy;
+    if (under < 0) return {row.first, row.first};
+    const double half = std::sqrt(under) / a;
+    const double middle = tip.cx - 0.5 - b * dy / a - static_cast<double>(tileX);
+    const auto within = [&](double v, int from) {
+        return static_cast<int>(std::clamp(v, static_cast<double>(from), static_cast<double>(row.last)));
+    };
+    const int first = within(std::ceil(middle - half), row.first);
+    return {first, within(std::floor(middle + half) + 1, first)};
+}
+
+/// What changes the coverage of a row's pixels besides the tip; 1 a column where nothing does.
+struct RowShares {
+    alignas(64) float grain[kTileSize];
+    alignas(64) uint8_t selected[kTileSize];
+};
+
+void gatherGrain(const DabInk& ink, int64_t tileX, int64_t y, Columns blocks, RowShares& shares) {
+    constexpr int64_t mask = PaperGrain::size - 1;
+    const int64_t gy = static_cast<int64_t>(static_cast<double>(y) / ink.textureScale) & mask;
+    const float* grain = PaperGrain::values().data() + gy * PaperGrain::size;
+    for (int i = blocks.first; i < blocks.last; ++i) {
+        const int64_t gx = static_cast<int64_t>(static_cast<double>(tileX + i) / ink.textureScale) & mask;
+        shares.grain[i] = grain[gx];
+    }
+}
+
+/// One row of a tile in the hands of a dab; pointers to its first column.
+struct DabRow {
+    float* mask;
+    const uint8_t* before;
+    uint8_t* pixels;
+    double dy;               // how far its centre lies below the tip's
+    Columns reached;         // no coverage beside them
+    Columns solid;           // full coverage by the tip alone
+    const float* grain;      // or null
+    const uint8_t* selected; // or null
+};
+
+} // namespace
+
+} // namespace qirn
+
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace qirn::HWY_NAMESPACE {
+
+/// Half a step up and cut off; for values below 255.5.
+HWY_INLINE Words roundedByte(Floats v) {
+    return truncated(larger(v + Floats(0.5f), Floats(0)));
+}
+
+HWY_INLINE Words wordOf(Floats r, Floats g, Floats b, Floats a) {
+    return roundedByte(r) | shiftedUp<8>(roundedByte(g)) | shiftedUp<16>(roundedByte(b)) |
+           shiftedUp<24>(roundedByte(a));
+}
+
+// What pixels become at a coverage from 0 to 1, from their bytes before the stroke. Alpha lock has no say over an
+// eraser.
+
+struct Erase {
+    HWY_INLINE explicit Erase(const DabInk&) {}
+    HWY_INLINE Words operator()(Words before, Floats coverage, Words) const {
+        const Floats rest = Floats(1) - coverage;
+        return wordOf(rest * byteOf<0>(before), rest * byteOf<8>(before), rest * byteOf<16>(before),
+                      rest * byteOf<24>(before));
+    }
+};
+
+struct PaintUnderAlphaLock {
+    Floats r, g, b;
+
+    HWY_INLINE explicit PaintUnderAlphaLock(const DabInk& ink) : r(ink.r), g(ink.g), b(ink.b) {}
+    HWY_INLINE Words operator()(Words before, Floats coverage, Words now) const {
+        const Floats wasR = byteOf<0>(before), wasG = byteOf<8>(before), wasB = byteOf<16>(before);
+        const Floats alpha = byteOf<24>(before);
+        const Words painted = wordOf(smaller(wasR + coverage * (r * alpha - wasR), alpha),
+                                     smaller(wasG + coverage * (g * alpha - wasG), alpha),
+                                     smaller(wasB + coverage * (b * alpha - wasB), alpha), alpha);
+        return select(alpha == Floats(0), now, painted);
+    }
+};
+
+struct Paint {
+    Floats r, g, b, full{255};
+
+    HWY_INLINE explicit Paint(const DabInk& ink) : r(ink.r * 255), g(ink.g * 255), b(ink.b * 255) {}
+    HWY_INLINE Words operator()(Words before, Floats coverage, Words) const {
+        const Floats rest = Floats(1) - coverage;
+        const Floats alpha = rest * byteOf<24>(before) + coverage * full;
+        return wordOf(smaller(rest * byteOf<0>(before) + coverage * r, alpha),
+                      smaller(rest * byteOf<8>(before) + coverage * g, alpha),
+                      smaller(rest * byteOf<16>(before) + coverage * b, alpha), alpha);
+    }
+};
+
+/// The tip's coverage at consecutive columns of a row.
+template <bool kHard, bool kRound> class TipRow {
+public:
+    HWY_INLINE TipRow(const TipShape& tip, int64_t tileX, double dy)
+        : edge_(tip.edge),
+          tileX_(tileX),
+          cx_(tip.cx),
+          s_(tip.sine),
+          c_(tip.cosine),
+          inverse_(tip.inverse),
+          us_(tip.sine * dy),
+          vc_(tip.cosine * dy),
+          dy2_(dy * dy) {}
+
+    HWY_INLINE Doubles at(int column) const {
+        const Doubles dx =
+            Doubles(static_cast<double>(tileX_ + column)) + laneNumbers() + Doubles(0.5) - Doubles(cx_);
+        if constexpr (kRound) return coverage(squareRoot(dx * dx + Doubles(dy2_)));
+        const Doubles u = Doubles(c_) * dx + Doubles(us_);
+        const Doubles v = Doubles(inverse_) * (Doubles(vc_) - Doubles(s_) * dx);
+        return coverage(squareRoot(u * u + v * v));
+    }
+
+private:
+    HWY_INLINE Doubles coverage(Doubles dist) const {
+        return kHard ? hardCoverage(edge_, dist) : softCoverage(edge_, dist);
+    }
+
+    const TipEdge edge_;
+    const int64_t tileX_;
+    const double cx_, s_, c_, inverse_, us_, vc_, dy2_;
+};
+
+/// What the coverage of a block's pixels is raised towards: in 64 bits up to the ceiling, then in 32.
+template <class Tip>
+HWY_INLINE void makeTargets(const Tip& tip, const DabInk& ink, const DabRow& row, int block, float* targets) {
+    const bool isSolid = block >= row.solid.first && block + kBlock <= row.solid.last;
+    alignas(64) float grainShare[kBlock];
+    if (row.grain) {
+        for (int i = 0; i < kBlock; i += kLanes) {
+            const Floats grain = loadFloats(row.grain + block + i);
+            storeFloats(Floats(1) - (Floats(1) - grain) * Floats(ink.texture), grainShare + i);
+        }
+    }
+    for (int i = 0; i < kBlock; i += kDoubleLanes) {
+        Doubles c = isSolid ? Doubles(1) : tip.at(block + i);
+        if (row.grain) c = c * widened(grainShare + i);
+        if (row.selected) c = c * (widened(row.selected + block + i) / Doubles(255));
+        storeNarrowed(c * Doubles(ink.ceiling), targets + i);
+    }
+}
+
+template <class Tip, class Ink>
+HWY_INLINE void stampRow(const Tip& tip, const DabInk& ink, const Ink& blend, const DabRow& row) {
+    const Floats flow(ink.flow), most(static_cast<float>(ink.ceiling));
+    const Columns blocks = row.reached.wholeBlocks();
+    for (int block = blocks.first; block < blocks.last; block += kBlock) {
+        // Where the mask stands at the ceiling already no dab can raise it.
+        bool mayRise = false;
+        for (int i = 0; i < kBlock; i += kLanes)
+            mayRise = mayRise || anyOf(loadFloats(row.mask + block + i) < most);
+        if (!mayRise) continue;
+        alignas(64) float targets[kBlock];
+        makeTargets(tip, ink, row, block, targets);
+        for (int i = block; i < row.reached.first; ++i) targets[i - block] = 0;
+        for (int i = row.reached.last; i < block + kBlock; ++i) targets[i - block] = 0;
+        for (int i = 0; i < kBlock; i += kLanes) {
+            const int at = block + i;
+            const Floats target = loadFloats(targets + i);
+            const Floats old = loadFloats(row.mask + at);
+            const auto rises = old < target;
+            if (!anyOf(rises)) continue;
+            const Floats raised = old + (target - old) * flow;
+            storeFloats(select(rises, raised, old), row.mask + at);
+            const Words now = loadWords(row.pixels + at * 4);
+            const Words painted = blend(loadWords(row.before + at * 4), raised, now);
+            storeWords(select(rises, painted, now), row.pixels + at * 4);
+        }
+    }
+}
+
+template <bool kHard, bool kRound, class Ink>
+HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& tile) {
+    const Ink blend(ink);
+    const Columns columns{static_cast<int>(tile.part.x - tile.tileX),
+                          static_cast<int>(tile.part.maxX() - tile.tileX)};
+    // Well inside the tip coverage is 1 without further arithmetic.
+    const double full = (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01;
+    RowShares shares;
+    for (int64_t y = tile.part.y; y < tile.part.maxY(); ++y) {
+        const double dy = static_cast<double>(y) + 0.5 - tip.cy;
+        // Beyond this no tip has any coverage, which leaves half a pixel for rounding.
+        const Columns reached = columnsWithin(tip, tip.edge.r + 1, tile.tileX, dy, columns);
+        if (reached.isEmpty()) continue;
+        const int64_t place = (y - tile.tileY) * kTileSize;
+        DabRow row{tile.mask + place,
+                   tile.before ? tile.before + place * 4 : kTransparentRow.data(),
+                   tile.pixels + place * 4,
+                   dy,
+                   reached,
+                   columnsWithin(tip, full, tile.tileX, dy, reached),
+                   nullptr,
+                   nullptr};
+        if (ink.textured) {
+            gatherGrain(ink, tile.tileX, y, reached.wholeBlocks(), shares);
+            row.grain = shares.grain;
+        }
+        if (tile.selection) {
+            // Only what lies on the canvas has bytes; the rest of the blocks is masked out.
+            std::memcpy(shares.selected + reached.first,
+                        tile.selection + (y - tile.tileY) * tile.selectionStride + reached.first,
+                        static_cast<std::size_t>(reached.last - reached.first));
+            row.selected = shares.selected;
+        }
+        stampRow(TipRow<kHard, kRound>(tip, tile.tileX, dy), ink, blend, row);
+    }
+}
+
+template <bool kHard, bool kRound>
+HWY_ATTR void stampByKind(const TipShape& tip, const DabInk& ink, const TileDab& tile) {
+    switch (ink.kind) {
+    case DabKind::paint:
+        return stampRows<kHard, kRound, Paint>(tip, ink, tile);
+    case DabKind::paintUnderAlphaLock:
+        return stampRows<kHard, kRound, PaintUnderAlphaLock>(tip, ink, tile);
+    case DabKind::erase:
+        return stampRows<kHard, kRound, Erase>(tip, ink, tile);
+    }
+}
+
+HWY_ATTR void StampTile(const TipShape& tip, const DabInk& ink, const TileDab& tile) {
+    if (tip.edge.isHard)
+        tip.isRound ? stampByKind<true, true>(tip, ink, tile) : stampByKind<true, false>(tip, ink, tile);
+    else
+        tip.isRound ? stampByKind<false, true>(tip, ink, tile) : stampByKind<false, false>(tip, ink, tile);
+}
+
+} // namespace qirn::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace qirn {
+
+HWY_EXPORT(StampTile);
+
+double TipEdge::coverage(double dist) const {
+    return isHard ? HWY_NAMESPACE::hardCoverage(*this, dist) : HWY_NAMESPACE::softCoverage(*this, dist);
+}
+
+void stampTile(const TipShape& tip, const DabInk& ink, const TileDab& tile) {
+    HWY_DYNAMIC_DISPATCH(StampTile)(tip, ink, tile);
+}
+
+} // namespace qirn
+#endif

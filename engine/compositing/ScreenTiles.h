@@ -1,0 +1,25 @@
+#pragma once
+#include "compositing/Compositor.h"
+#include "core/DirtyTiles.h"
+
+#include <cstdint>
+#include <span>
+
+namespace qirn {
+
+/// The checkerboard that the screen shows behind transparent pixels: squares of `side` canvas pixels, counted from
+/// the canvas corner.
+struct Checkerboard {
+    double side = 12;
+
+    int64_t squareOf(int64_t pixel) const { return static_cast<int64_t>(static_cast<double>(pixel) / side); }
+    bool operator==(const Checkerboard&) const = default;
+};
+
+/// Draws the part of a tile as the screen shows it: opaque words 0xFFRRGGBB over the checkerboard. `out` is the top
+/// left pixel of a whole tile; its rows lie `rowBytes` apart, and a few pixels beside the part may be drawn too.
+/// False when no input had anything to show in the tile.
+bool drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers, const TileGrid& grid,
+                   const Checkerboard& board, uint8_t* out, int64_t rowBytes);
+
+} // namespace qirn

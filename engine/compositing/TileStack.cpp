@@ -1,0 +1,111 @@
+#include "compositing/TileStack.h"
+
+namespace qirn {
+
+struct TileStack::TileRun {
+    int64_t index;
+    int x, y;
+    RunShape shape;
+
+    TileBytes of(const CompositeInput& input) const {
+        return input.tiles.at(index)->pixels() + y * kTileRowBytes + x * 4;
+    }
+};
+
+namespace {
+
+/// The widest coverage byte at this opacity comes out as exactly 1: such a pixel hides what lies below.
+bool isFullStrength(float opacity) {
+    return opacity / 255 * 255 == 1;
+}
+
+/// Lays one input's run on an accumulator. Over nothing any mode is a plain copy.
+void blendInput(PixelRun& acc, TileBytes bytes, RunShape shape, const CompositeInput& input, float opacity,
+                BlendMode mode, Compositor::Atop atop, bool accEmpty) {
+    if (!input.tint && atop == Compositor::Atop::no) {
+        if (accEmpty) return loadBytes(acc, bytes, shape, opacity);
+        if (mode == BlendMode::normal) return layBytesOn(acc, bytes, shape, opacity);
+    }
+    if (accEmpty) clear(acc);
+    PixelRun source;
+    loadBytes(source, bytes, shape, opacity);
+    if (input.tint) tint(source, shape, *input.tint);
+    layOn(acc, source, shape, mode, atop);
+}
+
+} // namespace
+
+TileStack::TileStack(int64_t index, std::span<const CompositeInput> layers)
+    : index_(index),
+      groups_(groupsIn(index, layers)) {}
+
+/// A clipped layer is never seen without its base: a base that is hidden, or has no tile here, takes the layers
+/// clipped to it along. The flag of the lowest input is not looked at.
+std::vector<TileStack::Group> TileStack::groupsIn(int64_t index, std::span<const CompositeInput> layers) {
+    const auto shows = [index](const CompositeInput& input) {
+        return input.visible && input.opacity > 0 && input.tiles.at(index);
+    };
+    std::vector<Group> groups;
+    for (std::size_t i = 0; i < layers.size();) {
+        const CompositeInput& base = layers[i++];
+        const bool seen = shows(base);
+        Group group{&base, {}};
+        for (; i < layers.size() && layers[i].clipping; ++i) {
+            if (seen && shows(layers[i])) group.clipped.push_back(&layers[i]);
+        }
+        if (seen) groups.push_back(std::move(group));
+    }
+    return groups;
+}
+
+void TileStack::blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty) {
+    const CompositeInput& base = *group.base;
+    const RunShape shape = run.shape;
+    if (group.clipped.empty()) {
+        return blendInput(acc, run.of(base), shape, base, base.opacity, base.mode, Compositor::Atop::no,
+                          accEmpty);
+    }
+    // The group is built alone, its base at full strength, and then laid down as one layer.
+    PixelRun alone;
+    blendInput(alone, run.of(base), shape, base, 1, BlendMode::normal, Compositor::Atop::no, true);
+    for (const CompositeInput* clipped : group.clipped) {
+        blendInput(alone, run.of(*clipped), shape, *clipped, clipped->opacity, clipped->mode,
+                   Compositor::Atop::yes, false);
+    }
+    if (accEmpty) return scale(acc, alone, shape, base.opacity);
+    PixelRun scaled;
+    scale(scaled, alone, shape, base.opacity);
+    layOn(acc, scaled, shape, base.mode, Compositor::Atop::no);
+}
+
+/// The groups that are not blank in the run, from the top down to one that hides all below it; the coverage of the
+/// last one is `full` if it does.
+Coverage TileStack::findShowing(const TileRun& run) {
+    showing_.clear();
+    for (auto group = groups_.rbegin(); group != groups_.rend(); ++group) {
+        const CompositeInput& base = *group->base;
+        const Coverage coverage = coverageOf(run.of(base), run.shape);
+        if (coverage == Coverage::none) continue;
+        showing_.push_back(&*group);
+        if (coverage == Coverage::full && base.mode == BlendMode::normal && isFullStrength(base.opacity))
+            return Coverage::full;
+    }
+    return Coverage::some;
+}
+
+void TileStack::blend(PixelRun& acc, int x, int y, RunShape shape) {
+    const TileRun run{index_, x, y, shape};
+    const Coverage lowest = findShowing(run);
+    bool empty = true; // nothing lies in the accumulator yet
+    for (auto group = showing_.rbegin(); group != showing_.rend(); ++group) {
+        // Only what lies lowest in the tile, or hides all below, is a plain copy: elsewhere colour without coverage,
+        // as a damaged file may hold it, is dropped.
+        const bool copies = empty && (*group == &groups_.front() || lowest == Coverage::full);
+        if (empty && !copies) clear(acc);
+        blendGroup(acc, run, **group, copies);
+        empty = false;
+    }
+    if (empty) clear(acc);
+}
+
+} // namespace qirn

@@ -1,0 +1,32 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+
+namespace qirn {
+
+/// Memory in blocks of one tile's size (kTileBytes), page-aligned and recycled: the system takes longer to hand out a
+/// fresh page than a brush takes to fill it. Any thread may take and give.
+///
+/// Blocks lie in large pages where the system has them. Freed blocks are kept for the next tile, up to
+/// `kMostSpareBytes`; beyond it, and on `trim`, whole pages go back to the system.
+namespace TileMemory {
+
+inline constexpr int64_t kMostSpareBytes = 128LL * 1024 * 1024;
+
+struct GiveBack {
+    void operator()(uint8_t* block) const;
+};
+/// A block of `kTileBytes` bytes, its content unspecified; the owner's until it is let go.
+using Block = std::unique_ptr<uint8_t, GiveBack>;
+
+Block take();
+
+/// Gives the system back all that nobody uses: called when a picture is closed.
+void trim();
+
+int64_t usedBytes();  ///< Of blocks that are taken.
+int64_t spareBytes(); ///< Kept for later.
+
+} // namespace TileMemory
+
+} // namespace qirn

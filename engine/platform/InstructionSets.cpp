@@ -1,0 +1,41 @@
+#include "platform/InstructionSets.h"
+
+#include "platform/Require.h"
+
+#include <algorithm>
+
+#include <hwy/highway.h>
+
+namespace qirn {
+
+namespace {
+
+/// The best first, each a bit.
+std::vector<int64_t> targets() {
+    hwy::SetSupportedTargetsForTest(0);
+    std::vector<int64_t> bits;
+    for (int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1)
+        bits.push_back(rest & -rest);
+    // Plain loops run everywhere.
+    if (std::find(bits.begin(), bits.end(), HWY_STATIC_TARGET) == bits.end())
+        bits.push_back(HWY_STATIC_TARGET);
+    return bits;
+}
+
+} // namespace
+
+std::vector<std::string> instructionSets() {
+    std::vector<std::string> names;
+    for (int64_t target : targets()) names.insert(names.begin(), hwy::TargetName(target));
+    return names;
+}
+
+void useInstructionSet(const std::string& name) {
+    if (name.empty()) return hwy::SetSupportedTargetsForTest(0);
+    for (int64_t target : targets()) {
+        if (name == hwy::TargetName(target)) return hwy::SetSupportedTargetsForTest(target);
+    }
+    require(!"an instruction set of this machine");
+}
+
+} // namespace qirn

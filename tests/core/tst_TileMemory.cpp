@@ -1,0 +1,83 @@
+#include "core/Tile.h"
+#include "core/TileMemory.h"
+#include "support/TestMain.h"
+
+#include <cstring>
+#include <set>
+#include <thread>
+
+using namespace qirn;
+
+class tst_TileMemory : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        TileMemory::trim();
+        used_ = TileMemory::usedBytes();
+    }
+
+    void blocksAreTheirOwnersAlone() {
+        std::vector<TileMemory::Block> blocks;
+        std::set<uint8_t*> places;
+        for (int i = 0; i < 100; ++i) {
+            blocks.push_back(TileMemory::take());
+            QCOMPARE(reinterpret_cast<uintptr_t>(blocks.back().get()) % 4096, uintptr_t{0});
+            std::memset(blocks.back().get(), i, kTileBytes);
+            places.insert(blocks.back().get());
+        }
+        QCOMPARE(places.size(), std::size_t{100});
+        QCOMPARE(TileMemory::usedBytes() - used_, int64_t{100} * kTileBytes);
+        for (int i = 0; i < 100; i += 3) blocks[static_cast<std::size_t>(i)].reset();
+        for (int i = 0; i < 100; ++i) {
+            const uint8_t* block = blocks[static_cast<std::size_t>(i)].get();
+            QVERIFY(!block || (block[0] == i && block[kTileBytes - 1] == i));
+        }
+    }
+
+    void aFreedBlockIsTheNextOne() {
+        TileMemory::Block first = TileMemory::take();
+        const uint8_t* place = first.get();
+        first.reset();
+        const TileMemory::Block second = TileMemory::take();
+        QCOMPARE(second.get(), place);
+        const Tile tile; // zeros, whatever the block held
+        QVERIFY(
+            std::all_of(tile.bytes().begin(), tile.bytes().end(), [](uint8_t byte) { return byte == 0; }));
+    }
+
+    void memoryGoesBackToTheSystem() {
+        std::vector<TileMemory::Block> blocks;
+        for (int i = 0; i < 2000; ++i) blocks.push_back(TileMemory::take());
+        blocks.resize(1);
+        QVERIFY(TileMemory::spareBytes() <= TileMemory::kMostSpareBytes + (2 << 20));
+        QVERIFY(TileMemory::spareBytes() > 0);
+        TileMemory::trim();
+        QVERIFY(TileMemory::spareBytes() < 2 << 20); // what lies beside the block in use
+        std::memset(blocks[0].get(), 1, kTileBytes);
+    }
+
+    void severalThreadsTakeAndGive() {
+        std::vector<std::thread> threads;
+        std::atomic<int> clashes = 0;
+        for (int t = 0; t < 4; ++t) {
+            threads.emplace_back([&clashes, t] {
+                for (int i = 0; i < 500; ++i) {
+                    const TileMemory::Block block = TileMemory::take();
+                    block.get()[0] = static_cast<uint8_t>(t);
+                    std::this_thread::yield();
+                    clashes += block.get()[0] == t ? 0 : 1;
+                }
+            });
+        }
+        for (std::thread& thread : threads) thread.join();
+        QCOMPARE(clashes.load(), 0);
+        QCOMPARE(TileMemory::usedBytes(), used_);
+    }
+
+private:
+    int64_t used_ = 0;
+};
+
+QIRN_TEST(tst_TileMemory)
+#include "tst_TileMemory.moc"
