@@ -39,3 +39,7 @@ if(QIRN_SANITIZE)
     target_compile_options(qirnRules INTERFACE ${sanitizers} -fno-sanitize-recover=all)
     target_link_options(qirnRules INTERFACE ${sanitizers})
 endif()
+if(QIRN_FUZZ)
+    # Coverage for libFuzzer to steer by, and speed, of which it can have enough.
+    target_compile_options(qirnRules INTERFACE -fsanitize=fuzzer-no-link -O2)
+endif()

@@ -1,4 +1,5 @@
 // Any bytes as a picture file: told apart by content, decoded, opened as a document.
+#include "MemoryWatch.h"
 #include "core/PaintEngine.h"
 #include "formats/ImageImport.h"
 #include "platform/DescribedError.h"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 using namespace qirn;
 
@@ -29,7 +31,14 @@ void check(const DecodedPicture& picture) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::span file(data, size);
     try {
-        if (const auto picture = ImageImport::decode(file)) check(*picture);
+        std::optional<DecodedPicture> picture;
+        {
+            fuzz::MemoryWatch memory;
+            picture = ImageImport::decode(file);
+            memory.requireWithin(picture ? picture->pixels->byteCount()
+                                         : fuzz::kMostFromOneByte * static_cast<int64_t>(size));
+        }
+        if (picture) check(*picture);
         const auto document = ImageImport::document(file, {});
         require(document->layerCount() >= 1);
         require(std::max(document->grid().width, document->grid().height) <= PaintEngine::maxCanvasSide);

@@ -1,3 +1,4 @@
+#include "MemoryWatch.h"
 #include "core/PaintDocument.h"
 #include "formats/ByteReader.h"
 #include "formats/PSDFile.h"
@@ -29,7 +30,15 @@ bool isSmall(const PaintDocument& doc) {
     return doc.grid().count() * doc.layerCount() <= kMostTiles;
 }
 
-} // namespace
+/// Tiles, and arrays of slots of 16 bytes.
+int64_t bytesHeldBy(const PaintDocument& doc) {
+    int64_t bytes = 0;
+    for (const LayerRef& layer : doc.layers()) {
+        if (!layer->tiles().holdsNothing()) bytes += doc.grid().count() * 16;
+        layer->tiles().forEachTile([&](int64_t, const Tile&) { bytes += kTileBytes; });
+    }
+    return bytes;
+}
 
 /// A name's zeros at its ends are not kept by the format, and a layer without a name gets one.
 void makeNamesPlain(const PaintDocument& doc) {
@@ -39,9 +48,16 @@ void makeNamesPlain(const PaintDocument& doc) {
     }
 }
 
+} // namespace
+
 /// Any bytes are refused or opened; what opened and is written again opens as the same picture.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    const auto doc = opened({data, size});
+    std::unique_ptr<PaintDocument> doc;
+    {
+        fuzz::MemoryWatch memory;
+        doc = opened({data, size});
+        memory.requireWithin(doc ? bytesHeldBy(*doc) : fuzz::kMostFromOneByte * static_cast<int64_t>(size));
+    }
     if (!doc || !isSmall(*doc)) return 0;
     makeNamesPlain(*doc);
     const auto again = opened(bytesOf(PSDFile::write(*doc, PSDFile::Layered::yes)));

@@ -24,7 +24,9 @@ struct StoredTile {
     std::span<const uint8_t> bytes;
     int64_t coding;
     int64_t firstSlot; // of the first entry, by which damage is reported
-    TileRef tile;      // null until decoded, and for a damaged stream
+    bool isPlaced;     // in the picture; else every entry of it is followed by another of its slot
+    bool isDamaged;    // once decoded
+    TileRef tile;      // null until decoded, and where it is not placed
 };
 
 PaintFileError damagedTile(int64_t slot, const char* what) {
@@ -51,9 +53,11 @@ public:
         }
         const int64_t coding = entry.c == kCodingLzfse ? kCodingLzfse : kCodingRaw;
         const auto [found, isNew] = known_.try_emplace({*bytes, coding}, tiles_.size());
-        if (isNew) tiles_.push_back({*bytes, coding, entry.i, nullptr});
+        if (isNew) tiles_.push_back({*bytes, coding, entry.i, false, false, nullptr});
         return found->second;
     }
+
+    void place(std::size_t which) { tiles_[which].isPlaced = true; }
 
     /// Throws for the first damaged entry of all that were added.
     void decode() {
@@ -62,11 +66,11 @@ public:
             TileDecoder decoder;
             const std::size_t first = static_cast<std::size_t>(chunk) * kTilesAtOnce;
             for (std::size_t i = first; i < std::min(first + kTilesAtOnce, tiles_.size()); ++i) {
-                tiles_[i].tile = decoded(tiles_[i], decoder);
+                decodeOne(tiles_[i], decoder);
             }
         });
         for (const StoredTile& stored : tiles_) {
-            if (!stored.tile) throw damagedTile(stored.firstSlot, " data");
+            if (stored.isDamaged) throw damagedTile(stored.firstSlot, " data");
         }
         if (refusal_) throw *refusal_;
     }
@@ -97,16 +101,19 @@ private:
         }
     };
 
-    static TileRef decoded(const StoredTile& stored, TileDecoder& decoder) {
+    /// What is not placed is only looked at, so that a slot that a file fills a thousand times holds one tile.
+    static void decodeOne(StoredTile& stored, TileDecoder& decoder) {
         TileRef tile;
         if (stored.coding == kCodingLzfse) {
             tile = decoder.decode(stored.bytes);
-        } else {
+            stored.isDamaged = !tile;
+        } else if (stored.isPlaced) {
             tile = std::make_shared<Tile>();
             std::memcpy(tile->writablePixels(), stored.bytes.data(), kTileBytes);
         }
-        if (tile) tile->freeze(); // several slots may share it
-        return tile;
+        if (!tile || !stored.isPlaced) return;
+        tile->freeze(); // several slots may share it
+        stored.tile = std::move(tile);
     }
 
     std::span<const uint8_t> blob_;
@@ -122,14 +129,18 @@ struct Placement {
     std::size_t tile; // in IncomingTiles
 };
 
-/// Where the tiles go, up to the first entry that is refused.
+/// Where the tiles go, up to the first entry that is refused; of two entries of one slot the later.
 std::vector<Placement> placementsOf(const std::vector<LayerEntry>& layers, IncomingTiles& tiles) {
     std::vector<Placement> placements;
+    std::unordered_map<int64_t, std::size_t> placed; // in this layer, by slot
     for (std::size_t l = 0; l < layers.size(); ++l) {
+        placed.clear();
         for (const TileEntry& entry : layers[l].tiles) {
             const auto tile = tiles.add(entry);
             if (!tile) return placements;
-            placements.push_back({l, entry.i, *tile});
+            const auto [found, isNew] = placed.try_emplace(entry.i, placements.size());
+            if (isNew) placements.push_back({l, entry.i, *tile});
+            placements[found->second].tile = *tile;
         }
     }
     return placements;
@@ -158,6 +169,7 @@ std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file) 
 
     IncomingTiles tiles(file.subspan(static_cast<std::size_t>(blobOffset)), grid.count());
     const std::vector<Placement> placements = placementsOf(manifest.layers, tiles);
+    for (const Placement& place : placements) tiles.place(place.tile);
     tiles.decode();
 
     std::vector<LayerRef> layers;

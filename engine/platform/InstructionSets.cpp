@@ -32,10 +32,11 @@ std::vector<std::string> instructionSets() {
 
 void useInstructionSet(const std::string& name) {
     if (name.empty()) return hwy::SetSupportedTargetsForTest(0);
-    for (int64_t target : targets()) {
-        if (name == hwy::TargetName(target)) return hwy::SetSupportedTargetsForTest(target);
-    }
-    require(!"an instruction set of this machine");
+    const std::vector<int64_t> known = targets();
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&](int64_t target) { return name == hwy::TargetName(target); });
+    require(found != known.end());
+    hwy::SetSupportedTargetsForTest(*found);
 }
 
 } // namespace qirn
