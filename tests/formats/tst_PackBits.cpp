@@ -46,6 +46,7 @@ private Q_SLOTS:
     void rowsPackToTheseBytes_data();
     void rowsPackToTheseBytes();
     void packingSixtyFourAtATimeGivesTheSameBytes();
+    void rowsOfAPlaneArePackedOneByOne();
     void packedBytesUnpackToThis_data();
     void packedBytesUnpackToThis();
     void bytesThatEndWithinAStepThrow();
@@ -94,6 +95,13 @@ void tst_PackBits::packingSixtyFourAtATimeGivesTheSameBytes() {
         QVERIFY2(packed == packedBy(PSDFile::packBitsPlainly, row), qPrintable(QString::number(round)));
         QVERIFY(unpacked(packed, length) == row);
     }
+}
+
+void tst_PackBits::rowsOfAPlaneArePackedOneByOne() {
+    const PSDFile::PackedRows packed =
+        PSDFile::rle(Row{1, 1, 1, 1, 2, 3}, 3, 2); // no run goes round the edge
+    QCOMPARE(packed.counts, (std::vector<uint16_t>{2, 4}));
+    QCOMPARE(packed.data, (Row{0xFE, 1, 2, 1, 2, 3}));
 }
 
 void tst_PackBits::packedBytesUnpackToThis_data() {
