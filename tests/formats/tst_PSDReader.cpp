@@ -98,6 +98,7 @@ private Q_SLOTS:
     void layersLieWhereTheirRectanglesSay();
     void rowsAreMendedOrRefused_data();
     void rowsAreMendedOrRefused();
+    void aShortRowKeepsNothingOfTheOneAbove();
     void settingsAreTaken();
     void namesAreMended_data();
     void namesAreMended();
@@ -308,6 +309,16 @@ void tst_PSDReader::rowsAreMendedOrRefused() {
         words);
 }
 
+void tst_PSDReader::aShortRowKeepsNothingOfTheOneAbove() {
+    PSDRecord record{.bottom = 2, .right = 100};
+    const std::vector<QByteArray> rows{QByteArray::fromHex("9D09"), QByteArray::fromHex("FF05")};
+    for (const int16_t identifier : {0, 1, 2}) record.channels.push_back({identifier, packedChannel(rows)});
+    const auto doc = opened(PSDParts{.width = 100, .height = 2, .records = {record}}.joined());
+    QCOMPARE(doc->layer(0).pixel(99, 0), (PixelBytes{9, 9, 9, 255}));
+    QCOMPARE(doc->layer(0).pixel(1, 1), (PixelBytes{5, 5, 5, 255}));
+    for (int64_t x = 2; x < 100; ++x) QCOMPARE(doc->layer(0).pixel(x, 1), (PixelBytes{0, 0, 0, 255}));
+}
+
 void tst_PSDReader::settingsAreTaken() {
     PSDRecord plain = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
     PSDRecord all = plain;
@@ -340,19 +351,19 @@ void tst_PSDReader::namesAreMended_data() {
     const auto row = [](const char* what, const char* pascal, const QByteArray& blocks, const QString& name) {
         QTest::newRow(what) << QByteArray(pascal) << blocks << name;
     };
-    row("only the old name", "Ink", {}, "Ink");
-    row("the old name is repaired", "I\xFFk", {}, QString::fromUtf8("I\xEF\xBF\xBDk"));
-    row("the new one counts", "Ink", luni({'P', 'e', 'n'}), "Pen");
-    row("ends are trimmed", "Ink", luni({0, 0, 'P', 0, 'n', 0}), QStringLiteral("P") + QChar() + "n");
-    row("nothing but ends", "Ink", luni({0, 0}), "Layer 2");
-    row("half a pair", "Ink", luni({0xD83E, 'n', 0xDD8A}), QString::fromUtf8("\xEF\xBF\xBDn\xEF\xBF\xBD"));
-    row("a pair", "Ink", luni({0xD83E, 0xDD8A}), QString::fromUtf8("🦊"));
-    row("a count beyond the block", "Ink", psdBlock("luni", big32(0xFFFFFFFF) + big16('P') + "x"), "P");
-    row("too small to be one", "Ink", psdBlock("luni", "ab"), "Ink");
-    row("behind others", "Ink", psdBlock("lyid", big32(7)) + "8B64" + luni({'P'}).mid(4), "P");
-    row("behind what is no block", "Ink", psdBlock("lyid", big32(7)) + "8BXX" + luni({'P'}).mid(4), "Ink");
-    row("a block beyond the record", "Ink", "8BIMabcd\xFF\xFF\xFF\xFF" + luni({'P'}), "Ink");
-    row("the last one counts", "Ink", luni({'P'}) + luni({'Q'}), "Q");
+    row("only the old name", "Inks", {}, "Inks");
+    row("the old name is repaired", "I\xFFks", {}, QString::fromUtf8("I\xEF\xBF\xBDks"));
+    row("the new one counts", "Inks", luni({'P', 'e', 'n'}), "Pen");
+    row("ends are trimmed", "Inks", luni({0, 0, 'P', 0, 'n', 0}), QStringLiteral("P") + QChar() + "n");
+    row("nothing but ends", "Inks", luni({0, 0}), "Layer 2");
+    row("half a pair", "Inks", luni({0xD83E, 'n', 0xDD8A}), QString::fromUtf8("\xEF\xBF\xBDn\xEF\xBF\xBD"));
+    row("a pair", "Inks", luni({0xD83E, 0xDD8A}), QString::fromUtf8("🦊"));
+    row("a count beyond the block", "Inks", psdBlock("luni", big32(0xFFFFFFFF) + big16('P') + "x"), "P");
+    row("too small to be one", "Inks", psdBlock("luni", "ab"), "Inks");
+    row("behind others", "Inks", psdBlock("lyid", big32(7)) + "8B64" + luni({'P'}).mid(4), "P");
+    row("behind what is no block", "Inks", psdBlock("lyid", big32(7)) + "8BXX" + luni({'P'}).mid(4), "Inks");
+    row("a block beyond the record", "Inks", "8BIMabcd\xFF\xFF\xFF\xFF" + luni({'P'}), "Inks");
+    row("the last one counts", "Inks", luni({'P'}) + luni({'Q'}), "Q");
     row("none at all", "", {}, "Layer 2");
 }
 
@@ -474,16 +485,17 @@ void tst_PSDReader::theLargestNumberOfLayersOpens() {
     QCOMPARE(doc->layer(32767).name, QStringLiteral("Layer 32768"));
 }
 
-/// Channels that state two bytes each and have the rest of the file for their rows: 60 times 60 KB a layer.
+/// Sixty channels that state two bytes each and take 30,000 for their rows, nearly the same ones.
 void tst_PSDReader::rowsNamedAgainAndAgainAreRefused() {
     PSDRecord record{.bottom = 30000, .right = 1};
-    for (int i = 0; i < 20; ++i) {
-        for (const int16_t identifier : {0, 1, 2}) record.channels.push_back({identifier, big16(1)});
-    }
-    PSDParts parts{.records = {record}};
-    parts.records.back().channels.back().data += QByteArray(70000, '\1');
-    parts.records.back().channels.back().statedLength = 2;
-    QCOMPARE(refusalOf(parts.joined()), QStringLiteral("short"));
+    for (int i = 0; i < 60; ++i) record.channels.push_back({static_cast<int16_t>(i % 3), big16(0)});
+    record.channels.back().data += QByteArray(30000, '\0');
+    record.channels.back().statedLength = 2;
+    QCOMPARE(refusalOf(PSDParts{.records = {record}}.joined()), QStringLiteral("short"));
+    record.channels.erase(record.channels.begin(),
+                          record.channels.end() - 3); // no more than the file is long
+    record.channels[0].statedLength = record.channels[1].statedLength = 2;
+    QCOMPARE(refusalOf(PSDParts{.records = {record}, .picture = QByteArray(90000, 'x')}.joined()), QString());
 }
 
 void tst_PSDReader::aCutAnywhereIsRefusedOrLosesThePictureOnly() {

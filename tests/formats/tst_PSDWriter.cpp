@@ -186,8 +186,13 @@ void tst_PSDWriter::partsLieWhereTheFormatSays() {
 }
 
 void tst_PSDWriter::theFileIsThatOfThePlainForm() {
-    for (const auto& doc : {scatteredDocument(), randomDocument(257, 40, 3, 8), randomDocument(1, 1, 1, 4),
-                            std::make_unique<PaintDocument>(520, 513, 72, PaintColor(1, 1, 1, 0.5))}) {
+    auto odd =
+        std::make_unique<PaintDocument>(2, 1, 72, std::nullopt); // three bytes of red, two of the others
+    paintRect(*odd, odd->activeLayer(), {0, 0, 1, 1}, {10, 0, 0, 255});
+    paintRect(*odd, odd->activeLayer(), {1, 0, 1, 1}, {20, 0, 0, 255});
+    for (const auto& doc :
+         {scatteredDocument(), randomDocument(257, 40, 3, 8), randomDocument(1, 1, 1, 4),
+          std::make_unique<PaintDocument>(520, 513, 72, PaintColor(1, 1, 1, 0.5)), std::move(odd)}) {
         for (const Layered layered : {Layered::yes, Layered::no}) {
             const QByteArray plain = filePlainly(*doc, layered);
             for (const int threads : {1, 8}) {
