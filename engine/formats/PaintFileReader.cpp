@@ -5,6 +5,7 @@
 #include "platform/Parallel.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <string_view>
 #include <unordered_map>
@@ -62,16 +63,19 @@ public:
     /// Throws for the first damaged entry of all that were added.
     void decode() {
         const std::size_t chunks = (tiles_.size() + kTilesAtOnce - 1) / kTilesAtOnce;
-        concurrentPerform(static_cast<int64_t>(chunks), [this](int64_t chunk) {
+        std::atomic<std::size_t> firstDamaged = tiles_.size();
+        concurrentPerform(static_cast<int64_t>(chunks), [this, &firstDamaged](int64_t chunk) {
             TileDecoder decoder;
             const std::size_t first = static_cast<std::size_t>(chunk) * kTilesAtOnce;
             for (std::size_t i = first; i < std::min(first + kTilesAtOnce, tiles_.size()); ++i) {
+                if (i > firstDamaged.load(std::memory_order_relaxed)) return; // it is not what is reported
                 decodeOne(tiles_[i], decoder);
+                if (!tiles_[i].isDamaged) continue;
+                std::size_t before = firstDamaged;
+                while (i < before && !firstDamaged.compare_exchange_weak(before, i)) {}
             }
         });
-        for (const StoredTile& stored : tiles_) {
-            if (stored.isDamaged) throw damagedTile(stored.firstSlot, " data");
-        }
+        if (firstDamaged < tiles_.size()) throw damagedTile(tiles_[firstDamaged].firstSlot, " data");
         if (refusal_) throw *refusal_;
     }
 
@@ -96,7 +100,10 @@ private:
     };
     struct SourceHash {
         std::size_t operator()(const Source& source) const {
-            if (!source.isShort()) return std::hash<const void*>()(source.bytes.data());
+            // Place and length: a file may name a thousand lengths at one place.
+            if (!source.isShort())
+                return std::hash<const void*>()(source.bytes.data()) +
+                       source.bytes.size() * 0x9E3779B97F4A7C15u;
             return std::hash<std::string_view>()(source.content());
         }
     };
