@@ -21,12 +21,13 @@ CompositeInput noiseInput(SeededRandom& random, bool absent) {
     if (!absent) {
         auto tile = std::make_shared<Tile>();
         std::memcpy(tile->writablePixels(), noise(256, 256, random.next())->data(), kTileBytes);
-        // Blank and opaque bands, which take roads of their own.
+        // Blank and opaque bands, which take roads of their own, and colour without coverage, as a damaged file holds.
         for (int y = 0; y < kTileSize; y += 32) {
             uint8_t* band = tile->writablePixels() + y * kTileRowBytes;
-            const uint64_t kind = random.next() % 4;
+            const uint64_t kind = random.next() % 5;
             if (kind == 0) std::memset(band, 0, 32 * kTileRowBytes);
-            for (int i = 0; kind == 1 && i < 32 * kTileRowBytes; i += 4) band[i + 3] = 255;
+            for (int i = 3; kind == 1 && i < 32 * kTileRowBytes; i += 4) band[i] = 255;
+            for (int i = 3; kind == 2 && i < 32 * kTileRowBytes; i += 4) band[i] = 0;
         }
         tiles.set(0, std::move(tile));
     }
@@ -41,7 +42,7 @@ std::vector<CompositeInput> randomStack(uint64_t seed) {
     for (uint64_t i = 0; i < count; ++i) {
         CompositeInput input = noiseInput(random, random.next() % 6 == 0);
         input.opacity = opacities[random.next() % std::size(opacities)];
-        input.mode = BlendMode(random.next() % kBlendModeCount);
+        if (random.next() % 2 == 0) input.mode = BlendMode(random.next() % kBlendModeCount);
         input.clipping = random.next() % 2 == 0;
         input.visible = random.next() % 6 != 0;
         if (random.next() % 4 == 0) input.tint = Tint{0.95f, 0.2f, static_cast<float>(random.unit()), 0.75f};
