@@ -7,8 +7,8 @@ namespace qirn {
 /// Memory in blocks of one tile's size (kTileBytes), page-aligned and recycled: the system takes longer to hand out a
 /// fresh page than a brush takes to fill it. Any thread may take and give.
 ///
-/// Blocks lie in large pages where the system has them. Freed blocks are kept for the next tile, up to
-/// `kMostSpareBytes`; beyond it, and on `trim`, whole pages go back to the system.
+/// Freed blocks are kept for the next tile, up to `kMostSpareBytes`; beyond it, and on `trim`, memory goes back to the
+/// system, in stretches of several blocks.
 namespace TileMemory {
 
 inline constexpr int64_t kMostSpareBytes = 128LL * 1024 * 1024;
