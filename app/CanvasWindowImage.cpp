@@ -16,14 +16,14 @@ int64_t reducedLength(int64_t length, int level) {
     return (length + (int64_t{1} << level) - 1) >> level;
 }
 
-/// The plain mean of each block of 2^level x 2^level pixels that lies in the part, which is in the tile's pixels and
-/// ends at the canvas edge: blocks there hold fewer. `out` is where the tile's first block goes.
+/// The plain mean of each block of 2^level x 2^level pixels in the part, which is in the tile's pixels and made of whole
+/// blocks, but for those that the canvas edge cuts. `out` is where the tile's first block goes.
 void reduceInto(const QImage& tile, const IRect& part, int level, uchar* out, qsizetype outStride) {
     const int side = 1 << level;
     const int right = static_cast<int>(part.maxX()), bottom = static_cast<int>(part.maxY());
-    for (int top = static_cast<int>(part.y) >> level << level; top < bottom; top += side) {
+    for (int top = static_cast<int>(part.y); top < bottom; top += side) {
         auto* target = reinterpret_cast<quint32*>(out + (top >> level) * outStride);
-        for (int left = static_cast<int>(part.x) >> level << level; left < right; left += side) {
+        for (int left = static_cast<int>(part.x); left < right; left += side) {
             uint64_t redBlue = 0, green = 0; // two channels of up to 2^24 in one word
             const int endX = std::min(left + side, right), endY = std::min(top + side, bottom);
             for (int y = top; y < endY; ++y) {

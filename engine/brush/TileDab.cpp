@@ -54,7 +54,7 @@ Columns columnsWithin(const TipShape& tip, double reach, int64_t tileX, double d
     return {first, within(std::floor(middle + half) + 1, first)};
 }
 
-/// What changes the coverage of a row's pixels besides the tip; 1 a column where nothing does.
+/// What lowers the coverage of a row's pixels besides the tip, column by column.
 struct RowShares {
     alignas(64) float grain[kTileSize];
     alignas(64) uint8_t selected[kTileSize];
@@ -75,7 +75,6 @@ struct DabRow {
     float* mask;
     const uint8_t* before;
     uint8_t* pixels;
-    double dy;               // how far its centre lies below the tip's
     Columns reached;         // no coverage beside them
     Columns solid;           // full coverage by the tip alone
     const float* grain;      // or null
@@ -238,7 +237,6 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
         DabRow row{tile.mask + place,
                    tile.before ? tile.before + place * 4 : kTransparentRow.data(),
                    tile.pixels + place * 4,
-                   dy,
                    reached,
                    columnsWithin(tip, full, tile.tileX, dy, reached),
                    nullptr,

@@ -8,6 +8,7 @@
 #include "formats/PSDFile.h"
 #include "platform/Bytes.h"
 #include "sheets/ExportSheet.h"
+#include "support/Files.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
@@ -26,17 +27,6 @@ using namespace qirn::test;
 Q_DECLARE_METATYPE(qirn::ExportFormat)
 
 namespace {
-
-QByteArray bytesAt(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 /// No file can grow beyond a few bytes: what a full disk does to a write.
 class FullDisk {

@@ -5,6 +5,7 @@
 #include "brush/BrushLibrary.h"
 #include "formats/PaintFile.h"
 #include "platform/Bytes.h"
+#include "support/Files.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
@@ -16,17 +17,6 @@ using namespace qirn;
 using namespace qirn::test;
 
 namespace {
-
-QByteArray bytesAt(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 void paintDot(Studio& studio, int64_t at = 20) {
     paintRect(studio.doc(), studio.layer(), {at, at, 10, 10}, {200, 0, 0, 255});

@@ -1,5 +1,6 @@
 #include "formats/PaletteLibrary.h"
 #include "platform/Bytes.h"
+#include "support/Files.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
 
@@ -11,17 +12,6 @@ using namespace qirn::test;
 namespace {
 
 using Edit = void (*)(PaintModel&);
-
-QByteArray bytesAt(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 const Palette& builtIn(const char* name) {
     for (const Palette& palette : PaletteLibrary::builtIn()) {

@@ -196,7 +196,10 @@ void tst_SafeSave::aSaveThatFailsLeavesTheOldFileWhole() {
     QFETCH(int, error);
     const int result = inChild([&] { return writeInTrouble(path_, trouble); });
     QVERIFY(chmod(folderOf(path_).constData(), 0777) == 0);
-    if (result == kCannotBeMade) QSKIP("This machine does not let it be made.");
+    // Mounts need rights that containers and some desktops withhold; the limit on files can be set everywhere.
+    if (result == kCannotBeMade && trouble.target<bool (*)(const QString&)>() &&
+        *trouble.target<bool (*)(const QString&)>() != limitFiles)
+        QSKIP("Mounting, or becoming another user, is not allowed to this user on this machine.");
     QCOMPARE(result, error);
     QCOMPARE(readFile(path_), kOld);
     QCOMPARE(namesBeside(path_).size(), 1);
