@@ -1,6 +1,7 @@
 #include "formats/JpegReader.h"
 
 #include "formats/ExifTags.h"
+#include "formats/JpegErrors.h"
 #include "formats/PictureBuilder.h"
 #include "formats/PrintDensity.h"
 
@@ -24,15 +25,6 @@ constexpr int kMostScans = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 constexpr int kProfileMarker = JPEG_APP0 + 2;
 
-struct ErrorManager {
-    jpeg_error_mgr base;
-    std::jmp_buf stop;
-};
-
-[[noreturn]] void stopAtError(j_common_ptr info) {
-    std::longjmp(reinterpret_cast<ErrorManager*>(info->err)->stop, 1);
-}
-void ignoreMessage(j_common_ptr, int) {}
 void limitScans(j_common_ptr info) {
     if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMostScans) stopAtError(info);
 }

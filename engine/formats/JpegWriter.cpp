@@ -1,5 +1,7 @@
 #include "formats/JpegWriter.h"
 
+#include "formats/JpegErrors.h"
+
 #include <algorithm>
 #include <cmath>
 #include <csetjmp>
@@ -18,16 +20,6 @@ namespace {
 constexpr int kWorstWithFullColor = 80;
 // Huffman tables of the picture's own make a file smaller by a tenth, but need all coefficients in memory.
 constexpr int64_t kMostPixelsToOptimize = 100'000'000;
-
-struct ErrorManager {
-    jpeg_error_mgr base;
-    std::jmp_buf stop;
-};
-
-[[noreturn]] void stopAtError(j_common_ptr info) {
-    std::longjmp(reinterpret_cast<ErrorManager*>(info->err)->stop, 1);
-}
-void ignoreMessage(j_common_ptr, int) {}
 
 /// What needs no destructor, so that an error may jump over it.
 struct Encoder {
