@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "platform/InstructionSets.h"
@@ -51,12 +52,27 @@ void compare(const Comparison& comparison) {
 
 } // namespace qirn::bench
 
-int main() {
-    using namespace qirn::bench;
-    printHeading();
-    compareStrokes();
-    compareCompositing();
-    compareFills();
-    compareFiles();
+namespace {
+
+struct Kind {
+    const char* name;
+    void (*compare)();
+};
+constexpr Kind kKinds[] = {
+    {"strokes", qirn::bench::compareStrokes},
+    {"compositing", qirn::bench::compareCompositing},
+    {"fills", qirn::bench::compareFills},
+    {"files", qirn::bench::compareFiles},
+};
+
+} // namespace
+
+/// Compares the kinds of work that the arguments name; all without any.
+int main(int argc, char** argv) {
+    qirn::bench::printHeading();
+    for (const Kind& kind : kKinds) {
+        const auto named = [&kind](const char* argument) { return std::strcmp(argument, kind.name) == 0; };
+        if (argc < 2 || std::any_of(argv + 1, argv + argc, named)) kind.compare();
+    }
     return 0;
 }

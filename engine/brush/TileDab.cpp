@@ -22,9 +22,6 @@ namespace qirn {
 namespace {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
-// Pixels are handled in whole blocks of the tile's own columns, so that the widest vectors come out even and never
-// reach beyond the tile.
-constexpr int kBlock = 16;
 
 /// Tile columns from `first` to before `last`.
 struct Columns {
@@ -32,27 +29,37 @@ struct Columns {
     int last;
 
     bool isEmpty() const { return first >= last; }
-    Columns wholeBlocks() const { return {first / kBlock * kBlock, (last + kBlock - 1) / kBlock * kBlock}; }
 };
 
-/// The columns of `row` whose pixel centres lie within a distance of the centre, as the tip measures it. Exact but
-/// for rounding: who asks leaves a margin.
-Columns columnsWithin(const TipShape& tip, double reach, int64_t tileX, double dy, Columns row) {
-    if (reach <= 0) return {row.first, row.first};
-    // The ellipse as a dx^2 + 2 b dx dy + c dy^2 = reach^2, solved for dx; a c - b^2 is i2.
-    const double i2 = tip.inverse * tip.inverse;
-    const double a = tip.cosine * tip.cosine + i2 * tip.sine * tip.sine;
-    const double b = tip.sine * tip.cosine * (1 - i2);
-    const double under = a * reach * reach - i2 * dy * dy;
-    if (under < 0) return {row.first, row.first};
-    const double half = std::sqrt(under) / a;
-    const double middle = tip.cx - 0.5 - b * dy / a - static_cast<double>(tileX);
-    const auto within = [&](double v, int from) {
-        return static_cast<int>(std::clamp(v, static_cast<double>(from), static_cast<double>(row.last)));
-    };
-    const int first = within(std::ceil(middle - half), row.first);
-    return {first, within(std::floor(middle + half) + 1, first)};
-}
+/// Where the rows of a tile cross the ellipse of all pixel centres within a distance, as the tip measures it.
+class Crossing {
+public:
+    Crossing(const TipShape& tip, double reach, int64_t tileX) : reach_(reach) {
+        // The ellipse as a dx^2 + 2 b dx dy + c dy^2 = reach^2, solved for dx; a c - b^2 is i2.
+        const double i2 = tip.inverse * tip.inverse;
+        const double a = tip.cosine * tip.cosine + i2 * tip.sine * tip.sine;
+        widest_ = reach * reach / a;
+        narrowing_ = i2 / (a * a);
+        slope_ = tip.sine * tip.cosine * (1 - i2) / a;
+        middle_ = tip.cx - 0.5 - static_cast<double>(tileX);
+    }
+
+    /// The columns of `row` that lie within. Exact but for rounding: who asks leaves a margin.
+    Columns at(double dy, Columns row) const {
+        const double under = widest_ - narrowing_ * dy * dy;
+        if (reach_ <= 0 || under < 0) return {row.first, row.first};
+        const double half = std::sqrt(under), middle = middle_ - slope_ * dy;
+        const auto within = [&](double v, int from) {
+            return static_cast<int>(std::clamp(v, static_cast<double>(from), static_cast<double>(row.last)));
+        };
+        // No bound is negative once it is clamped, so that the cast rounds down.
+        const int first = within(middle - half + 1, row.first);
+        return {first, within(middle + half + 1, first)};
+    }
+
+private:
+    double reach_, widest_, narrowing_, slope_, middle_;
+};
 
 /// What lowers the coverage of a row's pixels besides the tip, column by column.
 struct RowShares {
@@ -60,11 +67,11 @@ struct RowShares {
     alignas(64) uint8_t selected[kTileSize];
 };
 
-void gatherGrain(const DabInk& ink, int64_t tileX, int64_t y, Columns blocks, RowShares& shares) {
+void gatherGrain(const DabInk& ink, int64_t tileX, int64_t y, Columns row, RowShares& shares) {
     constexpr int64_t mask = PaperGrain::size - 1;
     const int64_t gy = static_cast<int64_t>(static_cast<double>(y) / ink.textureScale) & mask;
     const float* grain = PaperGrain::values().data() + gy * PaperGrain::size;
-    for (int i = blocks.first; i < blocks.last; ++i) {
+    for (int i = row.first; i < row.last; ++i) {
         const int64_t gx = static_cast<int64_t>(static_cast<double>(tileX + i) / ink.textureScale) & mask;
         shares.grain[i] = grain[gx];
     }
@@ -89,6 +96,14 @@ struct DabRow {
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+
+// Pixels are handled in whole blocks of the tile's own columns, so that vectors come out even and never reach beyond
+// the tile.
+constexpr int kBlock = kLanes < 8 ? 8 : kLanes;
+
+HWY_INLINE Columns wholeBlocks(Columns row) {
+    return {row.first / kBlock * kBlock, (row.last + kBlock - 1) / kBlock * kBlock};
+}
 
 /// Half a step up and cut off; for values below 255.5.
 HWY_INLINE Words roundedByte(Floats v) {
@@ -142,34 +157,40 @@ struct Paint {
 /// The tip's coverage at consecutive columns of a row.
 template <bool kHard, bool kRound> class TipRow {
 public:
-    HWY_INLINE TipRow(const TipShape& tip, int64_t tileX, double dy)
-        : edge_(tip.edge),
-          tileX_(tileX),
-          cx_(tip.cx),
-          s_(tip.sine),
-          c_(tip.cosine),
-          inverse_(tip.inverse),
-          us_(tip.sine * dy),
-          vc_(tip.cosine * dy),
-          dy2_(dy * dy) {}
+    HWY_INLINE TipRow(const TipShape& tip, int64_t tileX, double dy) : tip_(tip), tileX_(tileX), dy_(dy) {}
 
     HWY_INLINE Doubles at(int column) const {
         const Doubles dx =
-            Doubles(static_cast<double>(tileX_ + column)) + laneNumbers() + Doubles(0.5) - Doubles(cx_);
-        if constexpr (kRound) return coverage(squareRoot(dx * dx + Doubles(dy2_)));
-        const Doubles u = Doubles(c_) * dx + Doubles(us_);
-        const Doubles v = Doubles(inverse_) * (Doubles(vc_) - Doubles(s_) * dx);
-        return coverage(squareRoot(u * u + v * v));
+            Doubles(static_cast<double>(tileX_ + column)) + laneNumbers() + Doubles(0.5) - Doubles(tip_.cx);
+        const Doubles dist = distance(dx, dy_);
+        return kHard ? hardCoverage(tip_.edge, dist) : softCoverage(tip_.edge, dist);
+    }
+
+    /// At least `at`, for a part of its work: in 32 bits, and then more than those can be wrong by.
+    HWY_INLINE Floats atMost(int column) const {
+        if constexpr (kHard) return Floats(1);
+        const auto left = static_cast<float>(static_cast<double>(tileX_ + column) + 0.5 - tip_.cx);
+        const Floats dist = distance(Floats(left) + floatLaneNumbers(), static_cast<float>(dy_));
+        const Floats t = (dist - Floats(static_cast<float>(tip_.edge.inner))) *
+                         Floats(static_cast<float>(1 / tip_.edge.band));
+        const Floats inside = smaller(Floats(1), larger(Floats(0), t));
+        const Floats c = Floats(1) - inside * inside * (Floats(3) - Floats(2) * inside);
+        return c + Floats(static_cast<float>(1e-5 + 2e-6 * tip_.inverse * tip_.edge.r / tip_.edge.band));
     }
 
 private:
-    HWY_INLINE Doubles coverage(Doubles dist) const {
-        return kHard ? hardCoverage(edge_, dist) : softCoverage(edge_, dist);
+    /// From the centre, as the tip measures it.
+    template <class V, class Number> HWY_INLINE V distance(V dx, Number dy) const {
+        if constexpr (kRound) return squareRoot(dx * dx + V(dy * dy));
+        const auto sine = static_cast<Number>(tip_.sine), cosine = static_cast<Number>(tip_.cosine);
+        const V u = V(cosine) * dx + V(sine * dy);
+        const V v = V(static_cast<Number>(tip_.inverse)) * (V(cosine * dy) - V(sine) * dx);
+        return squareRoot(u * u + v * v);
     }
 
-    const TipEdge edge_;
+    const TipShape& tip_;
     const int64_t tileX_;
-    const double cx_, s_, c_, inverse_, us_, vc_, dy2_;
+    const double dy_;
 };
 
 /// What the coverage of a block's pixels is raised towards: in 64 bits up to the ceiling, then in 32.
@@ -194,12 +215,15 @@ HWY_INLINE void makeTargets(const Tip& tip, const DabInk& ink, const DabRow& row
 template <class Tip, class Ink>
 HWY_INLINE void stampRow(const Tip& tip, const DabInk& ink, const Ink& blend, const DabRow& row) {
     const Floats flow(ink.flow), most(static_cast<float>(ink.ceiling));
-    const Columns blocks = row.reached.wholeBlocks();
+    const Columns blocks = wholeBlocks(row.reached);
     for (int block = blocks.first; block < blocks.last; block += kBlock) {
-        // Where the mask stands at the ceiling already no dab can raise it.
+        // Behind a moving tip, and where the ceiling is reached, most of the mask stands above what the dab could
+        // raise it to.
         bool mayRise = false;
-        for (int i = 0; i < kBlock; i += kLanes)
-            mayRise = mayRise || anyOf(loadFloats(row.mask + block + i) < most);
+        for (int i = 0; i < kBlock; i += kLanes) {
+            const Floats old = loadFloats(row.mask + block + i);
+            mayRise = mayRise || anyOf(both(old < most, old < tip.atMost(block + i) * most));
+        }
         if (!mayRise) continue;
         alignas(64) float targets[kBlock];
         makeTargets(tip, ink, row, block, targets);
@@ -225,24 +249,25 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
     const Ink blend(ink);
     const Columns columns{static_cast<int>(tile.part.x - tile.tileX),
                           static_cast<int>(tile.part.maxX() - tile.tileX)};
+    // Beyond this no tip has any coverage, which leaves half a pixel for rounding.
+    const Crossing outer(tip, tip.edge.r + 1, tile.tileX);
     // Well inside the tip coverage is 1 without further arithmetic.
-    const double full = (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01;
+    const Crossing full(tip, (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01, tile.tileX);
     RowShares shares;
     for (int64_t y = tile.part.y; y < tile.part.maxY(); ++y) {
         const double dy = static_cast<double>(y) + 0.5 - tip.cy;
-        // Beyond this no tip has any coverage, which leaves half a pixel for rounding.
-        const Columns reached = columnsWithin(tip, tip.edge.r + 1, tile.tileX, dy, columns);
+        const Columns reached = outer.at(dy, columns);
         if (reached.isEmpty()) continue;
         const int64_t place = (y - tile.tileY) * kTileSize;
         DabRow row{tile.mask + place,
                    tile.before ? tile.before + place * 4 : kTransparentRow.data(),
                    tile.pixels + place * 4,
                    reached,
-                   columnsWithin(tip, full, tile.tileX, dy, reached),
+                   full.at(dy, reached),
                    nullptr,
                    nullptr};
         if (ink.textured) {
-            gatherGrain(ink, tile.tileX, y, reached.wholeBlocks(), shares);
+            gatherGrain(ink, tile.tileX, y, wholeBlocks(reached), shares);
             row.grain = shares.grain;
         }
         if (tile.selection) {

@@ -1,4 +1,4 @@
-// Several 32-bit floats side by side that read like one: the number type that hot loops are written over.
+// Several floats or doubles side by side that read like one: the number types that hot loops are written over.
 //
 // A source file that uses it is compiled once for each instruction set (Highway's foreach_target), and so is this
 // header: everything here lives in the namespace of the instruction set. Where the processor offers none, `Floats`
@@ -14,6 +14,7 @@
 #endif
 
 #include <cmath>
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 
@@ -22,27 +23,21 @@
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 
-// What `float` offers besides its operators, by the names that lanes use too.
-HWY_INLINE float select(bool condition, float yes, float no) {
+// What one number offers besides its operators, by the names that lanes use too.
+template <std::floating_point T> HWY_INLINE T select(bool condition, T yes, T no) {
     return condition ? yes : no;
 }
 /// The first where neither is smaller, as where one is no number.
-HWY_INLINE float smaller(float a, float b) {
+template <std::floating_point T> HWY_INLINE T smaller(T a, T b) {
     return b < a ? b : a;
 }
-HWY_INLINE float larger(float a, float b) {
+template <std::floating_point T> HWY_INLINE T larger(T a, T b) {
     return a < b ? b : a;
 }
-HWY_INLINE float absolute(float a) {
+template <std::floating_point T> HWY_INLINE T absolute(T a) {
     return std::fabs(a);
 }
-HWY_INLINE float squareRoot(float a) {
-    return std::sqrt(a);
-}
-HWY_INLINE double select(bool condition, double yes, double no) {
-    return condition ? yes : no;
-}
-HWY_INLINE double squareRoot(double a) {
+template <std::floating_point T> HWY_INLINE T squareRoot(T a) {
     return std::sqrt(a);
 }
 HWY_INLINE bool both(bool a, bool b) {
@@ -99,11 +94,8 @@ HWY_INLINE Words select(bool condition, Words yes, Words no) {
 HWY_INLINE bool anyOf(bool condition) {
     return condition;
 }
-HWY_INLINE Doubles loadDoubles(const double* from) {
-    return *from;
-}
-HWY_INLINE void storeDoubles(Doubles v, double* to) {
-    *to = v;
+HWY_INLINE bool allOf(bool condition) {
+    return condition;
 }
 HWY_INLINE void storeNarrowed(Doubles v, float* to) {
     *to = static_cast<float>(v);
@@ -118,6 +110,9 @@ HWY_INLINE Doubles widened(const uint8_t* from) {
 HWY_INLINE Doubles laneNumbers() {
     return 0;
 }
+HWY_INLINE Floats floatLaneNumbers() {
+    return 0;
+}
 /// 0 to 255; also 0 for what is no number.
 HWY_INLINE Floats clampedToByte(Floats v) {
     v = v > 0 ? v : 0;
@@ -127,101 +122,84 @@ HWY_INLINE Floats clampedToByte(Floats v) {
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
-using FloatTag = hn::ScalableTag<float>;
 using WordTag = hn::ScalableTag<uint32_t>;
-inline constexpr int kLanes = HWY_LANES(float);
-
-struct Floats {
-    hn::VFromD<FloatTag> v;
-
-    HWY_INLINE explicit Floats(hn::VFromD<FloatTag> lanes) : v(lanes) {}
-    HWY_INLINE Floats(float all) : v(hn::Set(FloatTag(), all)) {}
-};
-struct Condition {
-    hn::MFromD<FloatTag> m;
-};
-
-using DoubleTag = hn::ScalableTag<double>;
-inline constexpr int kDoubleLanes = HWY_LANES(double);
-struct Doubles {
-    hn::VFromD<DoubleTag> v;
-
-    HWY_INLINE explicit Doubles(hn::VFromD<DoubleTag> lanes) : v(lanes) {}
-    HWY_INLINE Doubles(double all) : v(hn::Set(DoubleTag(), all)) {}
-};
-struct DoubleCondition {
-    hn::MFromD<DoubleTag> m;
-};
 using Words = hn::VFromD<WordTag>;
 
-HWY_INLINE Floats operator+(Floats a, Floats b) {
-    return Floats(hn::Add(a.v, b.v));
-}
-HWY_INLINE Floats operator-(Floats a, Floats b) {
-    return Floats(hn::Sub(a.v, b.v));
-}
-HWY_INLINE Floats operator*(Floats a, Floats b) {
-    return Floats(hn::Mul(a.v, b.v));
-}
-HWY_INLINE Floats operator/(Floats a, Floats b) {
-    return Floats(hn::Div(a.v, b.v));
-}
-HWY_INLINE Condition operator<(Floats a, Floats b) {
-    return {hn::Lt(a.v, b.v)};
-}
-HWY_INLINE Condition operator>(Floats a, Floats b) {
-    return {hn::Gt(a.v, b.v)};
-}
-HWY_INLINE Condition operator<=(Floats a, Floats b) {
-    return {hn::Le(a.v, b.v)};
-}
-HWY_INLINE Condition operator>=(Floats a, Floats b) {
-    return {hn::Ge(a.v, b.v)};
-}
-HWY_INLINE Condition operator==(Floats a, Floats b) {
-    return {hn::Eq(a.v, b.v)};
-}
-HWY_INLINE Condition operator!=(Floats a, Floats b) {
-    return {hn::Ne(a.v, b.v)};
-}
-HWY_INLINE Condition operator!(Condition a) {
-    return {hn::Not(a.m)};
-}
-HWY_INLINE Condition both(Condition a, Condition b) {
-    return {hn::And(a.m, b.m)};
-}
-HWY_INLINE Condition either(Condition a, Condition b) {
-    return {hn::Or(a.m, b.m)};
-}
-HWY_INLINE Floats select(Condition condition, Floats yes, Floats no) {
-    return Floats(hn::IfThenElse(condition.m, yes.v, no.v));
-}
-// The processor's own minimum gives its second operand where neither is smaller, or where one is no number.
-HWY_INLINE Floats smaller(Floats a, Floats b) {
+/// Yes or no for each lane of numbers of type T.
+template <class T> struct LaneCondition {
+    hn::MFromD<hn::ScalableTag<T>> m;
+
+    friend HWY_INLINE LaneCondition operator!(LaneCondition a) { return {hn::Not(a.m)}; }
+    friend HWY_INLINE LaneCondition both(LaneCondition a, LaneCondition b) { return {hn::And(a.m, b.m)}; }
+    friend HWY_INLINE LaneCondition either(LaneCondition a, LaneCondition b) { return {hn::Or(a.m, b.m)}; }
+    friend HWY_INLINE bool anyOf(LaneCondition a) { return !hn::AllFalse(hn::ScalableTag<T>(), a.m); }
+    friend HWY_INLINE bool allOf(LaneCondition a) { return hn::AllTrue(hn::ScalableTag<T>(), a.m); }
+};
+
+template <class T> struct LaneNumbers {
+    using Tag = hn::ScalableTag<T>;
+    using Condition = LaneCondition<T>;
+    hn::VFromD<Tag> v;
+
+    HWY_INLINE explicit LaneNumbers(hn::VFromD<Tag> lanes) : v(lanes) {}
+    HWY_INLINE LaneNumbers(T all) : v(hn::Set(Tag(), all)) {}
+
+    friend HWY_INLINE LaneNumbers operator+(LaneNumbers a, LaneNumbers b) {
+        return LaneNumbers(hn::Add(a.v, b.v));
+    }
+    friend HWY_INLINE LaneNumbers operator-(LaneNumbers a, LaneNumbers b) {
+        return LaneNumbers(hn::Sub(a.v, b.v));
+    }
+    friend HWY_INLINE LaneNumbers operator*(LaneNumbers a, LaneNumbers b) {
+        return LaneNumbers(hn::Mul(a.v, b.v));
+    }
+    friend HWY_INLINE LaneNumbers operator/(LaneNumbers a, LaneNumbers b) {
+        return LaneNumbers(hn::Div(a.v, b.v));
+    }
+    friend HWY_INLINE Condition operator<(LaneNumbers a, LaneNumbers b) { return {hn::Lt(a.v, b.v)}; }
+    friend HWY_INLINE Condition operator>(LaneNumbers a, LaneNumbers b) { return {hn::Gt(a.v, b.v)}; }
+    friend HWY_INLINE Condition operator<=(LaneNumbers a, LaneNumbers b) { return {hn::Le(a.v, b.v)}; }
+    friend HWY_INLINE Condition operator>=(LaneNumbers a, LaneNumbers b) { return {hn::Ge(a.v, b.v)}; }
+    friend HWY_INLINE Condition operator==(LaneNumbers a, LaneNumbers b) { return {hn::Eq(a.v, b.v)}; }
+    friend HWY_INLINE Condition operator!=(LaneNumbers a, LaneNumbers b) { return {hn::Ne(a.v, b.v)}; }
+    friend HWY_INLINE LaneNumbers select(Condition condition, LaneNumbers yes, LaneNumbers no) {
+        return LaneNumbers(hn::IfThenElse(condition.m, yes.v, no.v));
+    }
+    // The processor's own minimum gives its second operand where neither is smaller, or where one is no number.
+    friend HWY_INLINE LaneNumbers smaller(LaneNumbers a, LaneNumbers b) {
 #if HWY_ARCH_X86
-    return Floats(hn::Min(b.v, a.v));
+        return LaneNumbers(hn::Min(b.v, a.v));
 #else
-    return select(b < a, b, a);
+        return select(b < a, b, a);
 #endif
-}
-HWY_INLINE Floats larger(Floats a, Floats b) {
+    }
+    friend HWY_INLINE LaneNumbers larger(LaneNumbers a, LaneNumbers b) {
 #if HWY_ARCH_X86
-    return Floats(hn::Max(b.v, a.v));
+        return LaneNumbers(hn::Max(b.v, a.v));
 #else
-    return select(a < b, b, a);
+        return select(a < b, b, a);
 #endif
-}
-HWY_INLINE Floats absolute(Floats a) {
-    return Floats(hn::Abs(a.v));
-}
-HWY_INLINE Floats squareRoot(Floats a) {
-    return Floats(hn::Sqrt(a.v));
-}
+    }
+    friend HWY_INLINE LaneNumbers absolute(LaneNumbers a) {
+        return LaneNumbers(hn::Abs(a.v));
+    }
+    friend HWY_INLINE LaneNumbers squareRoot(LaneNumbers a) {
+        return LaneNumbers(hn::Sqrt(a.v));
+    }
+};
+using Floats = LaneNumbers<float>;
+using Doubles = LaneNumbers<double>;
+inline constexpr int kLanes = HWY_LANES(float);
+inline constexpr int kDoubleLanes = HWY_LANES(double);
+
 HWY_INLINE Floats loadFloats(const float* from) {
-    return Floats(hn::Load(FloatTag(), from));
+    return Floats(hn::Load(Floats::Tag(), from));
 }
 HWY_INLINE void storeFloats(Floats v, float* to) {
-    hn::Store(v.v, FloatTag(), to);
+    hn::Store(v.v, Floats::Tag(), to);
+}
+HWY_INLINE Floats floatLaneNumbers() {
+    return Floats(hn::Iota(Floats::Tag(), 0));
 }
 HWY_INLINE Words loadWords(const uint8_t* from) {
     return hn::BitCast(WordTag(), hn::LoadU(hn::ScalableTag<uint8_t>(), from));
@@ -234,7 +212,7 @@ template <int kShift> HWY_INLINE Floats byteOf(Words word) {
     Words byte = word;
     if constexpr (kShift > 0) byte = hn::ShiftRight<kShift>(byte);
     if constexpr (kShift < 24) byte = hn::And(byte, hn::Set(WordTag(), 0xFF));
-    return Floats(hn::ConvertTo(FloatTag(), hn::BitCast(whole, byte)));
+    return Floats(hn::ConvertTo(Floats::Tag(), hn::BitCast(whole, byte)));
 }
 template <int kShift> HWY_INLINE Words shiftedUp(Words word) {
     return hn::ShiftLeft<kShift>(word);
@@ -251,64 +229,27 @@ HWY_INLINE Words truncated(Floats v) {
 HWY_INLINE Words smaller(Words a, Words b) {
     return hn::Min(a, b);
 }
+HWY_INLINE Words select(LaneCondition<float> condition, Words yes, Words no) {
+    return hn::IfThenElse(hn::RebindMask(WordTag(), condition.m), yes, no);
+}
 HWY_INLINE Floats clampedToByte(Floats v) {
     return smaller(Floats(255), larger(Floats(0), v));
 }
 
-HWY_INLINE Words select(Condition condition, Words yes, Words no) {
-    return hn::IfThenElse(hn::RebindMask(WordTag(), condition.m), yes, no);
-}
-HWY_INLINE bool anyOf(Condition condition) {
-    return !hn::AllFalse(FloatTag(), condition.m);
-}
-
-HWY_INLINE Doubles operator+(Doubles a, Doubles b) {
-    return Doubles(hn::Add(a.v, b.v));
-}
-HWY_INLINE Doubles operator-(Doubles a, Doubles b) {
-    return Doubles(hn::Sub(a.v, b.v));
-}
-HWY_INLINE Doubles operator*(Doubles a, Doubles b) {
-    return Doubles(hn::Mul(a.v, b.v));
-}
-HWY_INLINE Doubles operator/(Doubles a, Doubles b) {
-    return Doubles(hn::Div(a.v, b.v));
-}
-HWY_INLINE DoubleCondition operator>(Doubles a, Doubles b) {
-    return {hn::Gt(a.v, b.v)};
-}
-HWY_INLINE DoubleCondition operator<=(Doubles a, Doubles b) {
-    return {hn::Le(a.v, b.v)};
-}
-HWY_INLINE DoubleCondition operator>=(Doubles a, Doubles b) {
-    return {hn::Ge(a.v, b.v)};
-}
-HWY_INLINE Doubles select(DoubleCondition condition, Doubles yes, Doubles no) {
-    return Doubles(hn::IfThenElse(condition.m, yes.v, no.v));
-}
-HWY_INLINE Doubles squareRoot(Doubles a) {
-    return Doubles(hn::Sqrt(a.v));
-}
-HWY_INLINE Doubles loadDoubles(const double* from) {
-    return Doubles(hn::Load(DoubleTag(), from));
-}
-HWY_INLINE void storeDoubles(Doubles v, double* to) {
-    hn::Store(v.v, DoubleTag(), to);
-}
 HWY_INLINE void storeNarrowed(Doubles v, float* to) {
-    const hn::Rebind<float, DoubleTag> narrow;
+    const hn::Rebind<float, Doubles::Tag> narrow;
     hn::Store(hn::DemoteTo(narrow, v.v), narrow, to);
 }
 HWY_INLINE Doubles widened(const float* from) {
-    return Doubles(hn::PromoteTo(DoubleTag(), hn::Load(hn::Rebind<float, DoubleTag>(), from)));
+    return Doubles(hn::PromoteTo(Doubles::Tag(), hn::Load(hn::Rebind<float, Doubles::Tag>(), from)));
 }
 HWY_INLINE Doubles widened(const uint8_t* from) {
-    const hn::Rebind<int32_t, DoubleTag> whole;
-    return Doubles(
-        hn::PromoteTo(DoubleTag(), hn::PromoteTo(whole, hn::Load(hn::Rebind<uint8_t, DoubleTag>(), from))));
+    const hn::Rebind<int32_t, Doubles::Tag> whole;
+    return Doubles(hn::PromoteTo(Doubles::Tag(),
+                                 hn::PromoteTo(whole, hn::Load(hn::Rebind<uint8_t, Doubles::Tag>(), from))));
 }
 HWY_INLINE Doubles laneNumbers() {
-    return Doubles(hn::Iota(DoubleTag(), 0));
+    return Doubles(hn::Iota(Doubles::Tag(), 0));
 }
 
 #endif
