@@ -52,16 +52,14 @@ void compareStroke(double size, double reach) {
     const auto ours = [&] {
         doc.layers().back()->freezeTiles();
         DabStamp stamp(doc, *doc.layers().back(), brush, PaintColor(0.7, 0.02, 0.08));
-        for (const auto& dabs : points) {
-            for (const Place& place : dabs) {
-                Dab dab;
-                dab.cx = place.x;
-                dab.cy = place.y;
-                dab.radius = size / 2;
-                dab.hardness = 0;
-                dab.flow = 0.7;
-                stamp.stamp(dab);
+        std::vector<Dab> dabs;
+        for (const auto& places : points) {
+            dabs.clear();
+            for (const Place& place : places) {
+                dabs.push_back(
+                    {.cx = place.x, .cy = place.y, .radius = size / 2, .hardness = 0, .flow = 0.7});
             }
+            stamp.stamp(dabs);
             doc.takeDirtyParts();
         }
     };

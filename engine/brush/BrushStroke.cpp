@@ -17,7 +17,8 @@ BrushSettings sanitized(BrushSettings brush) {
     return brush;
 }
 
-constexpr double kShortestStep = 0.5; // pixels; bounds the work of tiny brushes
+constexpr double kShortestStep = 0.5;          // pixels; bounds the work of tiny brushes
+constexpr std::size_t kMostDabsTogether = 256; // bounds what a leap of the pen holds back
 
 } // namespace
 
@@ -53,6 +54,7 @@ void BrushStroke::hold(double seconds) {
         holdCarry_ -= 1;
         dab(*lastPlaced_);
     }
+    layDabs();
 }
 
 void BrushStroke::end() {
@@ -70,6 +72,7 @@ void BrushStroke::place(const StrokePoint& point) {
     if (!lastPlaced_) {
         lastPlaced_ = point;
         dab(point);
+        layDabs();
         need_ = stepAt(point);
         return;
     }
@@ -92,6 +95,7 @@ void BrushStroke::place(const StrokePoint& point) {
     // What is left of the way counts towards the next dab.
     need_ -= left;
     lastPlaced_ = point;
+    layDabs();
 }
 
 // The order of the random draws is binding: it makes a stroke repeat itself from its seed. Every kind of brush
@@ -113,30 +117,33 @@ void BrushStroke::dab(const StrokePoint& point) {
     double angle = brush_.angle;
     if (brush_.angleJitter > 0) angle += brush_.angleJitter * 180 * random_.signedUnit();
 
-    IRect touched;
     switch (brush_.kind) {
     case BrushKind::smudge:
-        touched = smudge_.dab(x, y, size);
+        dirty_ = dirty_.united(smudge_.dab(x, y, size));
         break;
     case BrushKind::blur:
-        touched = blur_.dab(x, y, size);
+        dirty_ = dirty_.united(blur_.dab(x, y, size));
         break;
     case BrushKind::paint:
     case BrushKind::erase:
         if (brush_.spray)
-            touched = sprayBurst(x, y, size, point.pressure, ceiling, flow);
+            sprayBurst(x, y, size, point.pressure, ceiling, flow);
         else
-            touched = stamp_.stamp({x, y, size / 2, brush_.hardness, ceiling, flow, angle, brush_.roundness,
-                                    brush_.texture > 0});
+            dabs_.push_back({x, y, size / 2, brush_.hardness, ceiling, flow, angle, brush_.roundness,
+                             brush_.texture > 0});
         break;
     }
-    dirty_ = dirty_.united(touched);
+    if (dabs_.size() >= kMostDabsTogether) layDabs();
 }
 
-IRect BrushStroke::sprayBurst(double x, double y, double size, double pressure, double ceiling, double flow) {
+void BrushStroke::layDabs() {
+    dirty_ = dirty_.united(stamp_.stamp(dabs_));
+    dabs_.clear();
+}
+
+void BrushStroke::sprayBurst(double x, double y, double size, double pressure, double ceiling, double flow) {
     const auto count = std::max<int64_t>(
         1, static_cast<int64_t>(std::round(brush_.sprayDensity * std::max(pressure, 0.05))));
-    IRect touched;
     for (int64_t i = 0; i < count; ++i) {
         const double u1 = random_.unit();
         const double u2 = random_.unit();
@@ -151,9 +158,8 @@ IRect BrushStroke::sprayBurst(double x, double y, double size, double pressure, 
         droplet.hardness = 0.8;
         droplet.ceiling = ceiling;
         droplet.flow = flow;
-        touched = touched.united(stamp_.stamp(droplet));
+        dabs_.push_back(droplet);
     }
-    return touched;
 }
 
 IRect paintStroke(PaintDocument& doc, std::span<const StrokePoint> points, const BrushSettings& brush,

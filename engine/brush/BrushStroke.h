@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace qirn {
 
@@ -40,7 +41,8 @@ public:
 private:
     void place(const StrokePoint& point);
     void dab(const StrokePoint& point);
-    IRect sprayBurst(double x, double y, double size, double pressure, double ceiling, double flow);
+    void sprayBurst(double x, double y, double size, double pressure, double ceiling, double flow);
+    void layDabs();
     double stepAt(const StrokePoint& point) const;
 
     const LayerRef layer_;
@@ -54,6 +56,7 @@ private:
     std::optional<StrokePoint> lastPlaced_; // where the spacing walk stands
     double need_ = 0;                       // pixels still to travel before the next dab
     double holdCarry_ = 0;                  // fraction of a dab owed while the pen is held
+    std::vector<Dab> dabs_;                 // of the sample at hand, not yet laid
     DabStamp stamp_;
     SmudgeTip smudge_;
     BlurTip blur_;

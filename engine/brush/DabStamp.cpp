@@ -15,7 +15,9 @@ namespace qirn {
 namespace {
 
 // Fewer pixels than this are painted before other threads have woken up.
-constexpr int64_t kLeastParallelPixels = 120'000;
+constexpr int64_t kLeastParallelPixels = 60'000;
+// Rows that one thread takes at a time: their pixels, as they were and are, and their mask stay in the second cache.
+constexpr int64_t kBandRows = 64;
 
 /// A dab made ready: what does not change from pixel to pixel.
 TipShape shapeOf(const Dab& dab) {
@@ -49,29 +51,70 @@ DabStamp::DabStamp(PaintDocument& document, Layer& layer, const BrushSettings& b
            .texture = static_cast<float>(brush.texture),
            .textureScale = brush.textureScale} {}
 
-IRect DabStamp::stamp(const Dab& dab) {
-    const TipShape tip = shapeOf(dab);
-    const TileGrid& grid = document_.grid();
-    const IRect box = boxOf(tip).intersection(grid.bounds());
-    if (box.isEmpty() || !(dab.ceiling > 0)) return {};
+IRect DabStamp::stamp(std::span<const Dab> dabs) {
+    placed_.clear();
     tiles_.clear();
-    for (int64_t index : grid.tilesIn(box)) tiles_.push_back(tileDab(index, box));
-    DabInk ink = ink_;
-    ink.ceiling = dab.ceiling;
-    ink.flow = static_cast<float>(dab.flow);
-    ink.textured = dab.textured;
-    if (box.w * box.h < kLeastParallelPixels) {
-        for (const TileDab& tile : tiles_) stampTile(tip, ink, tile);
-    } else {
-        concurrentPerform(static_cast<int64_t>(tiles_.size()),
-                          [&](int64_t i) { stampTile(tip, ink, tiles_[static_cast<std::size_t>(i)]); });
+    for (const Dab& dab : dabs) place(dab);
+    IRect touched;
+    int64_t pixels = 0;
+    for (const PlacedDab& dab : placed_) {
+        touched = touched.united(dab.box);
+        pixels += dab.box.w * dab.box.h;
     }
-    document_.markDirty(box);
-    return box;
+    if (pixels < kLeastParallelPixels) {
+        for (const TileDab& tile : tiles_) stampPart(tile, tile.part);
+    } else {
+        concurrentPerform(static_cast<int64_t>(tiles_.size()) * (kTileSize / kBandRows), [&](int64_t i) {
+            const TileDab& tile = tiles_[static_cast<std::size_t>(i / (kTileSize / kBandRows))];
+            const int64_t top = tile.tileY + i % (kTileSize / kBandRows) * kBandRows;
+            stampPart(tile, tile.part.intersection({tile.tileX, top, kTileSize, kBandRows}));
+        });
+    }
+    for (const TileDab& tile : tiles_) document_.markDirty(tile.part);
+    return touched;
 }
 
 void DabStamp::releaseBuffers() {
     work_.clear();
+}
+
+void DabStamp::place(const Dab& dab) {
+    const TipShape tip = shapeOf(dab);
+    const TileGrid& grid = document_.grid();
+    const IRect box = boxOf(tip).intersection(grid.bounds());
+    if (box.isEmpty() || !(dab.ceiling > 0)) return;
+    PlacedDab& placed = placed_.emplace_back(PlacedDab{tip, ink_, box});
+    placed.ink.ceiling = dab.ceiling;
+    placed.ink.flow = static_cast<float>(dab.flow);
+    placed.ink.textured = dab.textured;
+    for (int64_t row = box.y / kTileSize; row * kTileSize < box.maxY(); ++row) {
+        for (int64_t col = box.x / kTileSize; col * kTileSize < box.maxX(); ++col)
+            listTile(row * grid.cols + col, box);
+    }
+}
+
+/// A tile that dabs fall on, and what they touch of it.
+void DabStamp::listTile(int64_t index, const IRect& box) {
+    const IRect place = document_.grid().rectOf(index);
+    const auto listed = std::find_if(tiles_.rbegin(), tiles_.rend(), [&place](const TileDab& tile) {
+        return tile.tileX == place.x && tile.tileY == place.y;
+    });
+    if (listed != tiles_.rend()) {
+        listed->part = listed->part.united(place.intersection(box));
+        return;
+    }
+    const TileWork& work = workOn(index);
+    TileDab& tile = tiles_.emplace_back();
+    tile = {.part = place.intersection(box),
+            .tileX = place.x,
+            .tileY = place.y,
+            .mask = reinterpret_cast<float*>(work.mask.get()),
+            .before = work.before ? std::as_const(*work.before).pixels() : nullptr,
+            .pixels = layer_.writableTile(index).writablePixels()};
+    if (const Selection* selection = document_.selection.get()) {
+        tile.selection = selection->row(place.y) + place.x;
+        tile.selectionStride = document_.grid().width;
+    }
 }
 
 DabStamp::TileWork& DabStamp::workOn(int64_t index) {
@@ -86,20 +129,11 @@ DabStamp::TileWork& DabStamp::workOn(int64_t index) {
     return work;
 }
 
-TileDab DabStamp::tileDab(int64_t index, const IRect& box) {
-    TileWork& work = workOn(index);
-    const IRect tile = document_.grid().rectOf(index);
-    TileDab dab{.part = tile.intersection(box),
-                .tileX = tile.x,
-                .tileY = tile.y,
-                .mask = reinterpret_cast<float*>(work.mask.get()),
-                .before = work.before ? std::as_const(*work.before).pixels() : nullptr,
-                .pixels = layer_.writableTile(index).writablePixels()};
-    if (const Selection* selection = document_.selection.get()) {
-        dab.selection = selection->row(tile.y) + tile.x;
-        dab.selectionStride = document_.grid().width;
+void DabStamp::stampPart(TileDab tile, const IRect& part) const {
+    for (const PlacedDab& dab : placed_) {
+        tile.part = dab.box.intersection(part);
+        if (!tile.part.isEmpty()) stampTile(dab.tip, dab.ink, tile);
     }
-    return dab;
 }
 
 } // namespace qirn

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -35,8 +36,11 @@ public:
     /// The layer's tiles are frozen by now: the first write copies a tile, and the old one is kept here.
     DabStamp(PaintDocument& document, Layer& layer, const BrushSettings& brush, const PaintColor& color);
 
-    /// Returns the part of the canvas that was looked at, marked dirty; the zero rectangle when there was none.
-    IRect stamp(const Dab& dab);
+    /// Lays dabs in their order. Returns the part of the canvas that was looked at, marked dirty; the zero rectangle
+    /// when there was none. All dabs of one pen point together go over a tile once, and over the tile's rows on all
+    /// cores: pixels do not know of each other.
+    IRect stamp(std::span<const Dab> dabs);
+    IRect stamp(const Dab& dab) { return stamp({&dab, 1}); }
     void releaseBuffers(); ///< The stroke is over: frees every mask and lets the old tiles go.
 
 private:
@@ -44,14 +48,24 @@ private:
         TileMemory::Block mask; // a float a pixel: the stroke's coverage, 0 to 1
         TileRef before;         // null: transparent before the stroke
     };
+    /// A dab made ready, whatever tile it falls on.
+    struct PlacedDab {
+        TipShape tip;
+        DabInk ink;
+        IRect box; // inside the canvas
+    };
+    void place(const Dab& dab);
+    void listTile(int64_t index, const IRect& box);
     TileWork& workOn(int64_t index);
-    TileDab tileDab(int64_t index, const IRect& box);
+    void stampPart(TileDab tile, const IRect& part) const;
 
     PaintDocument& document_;
     Layer& layer_;
     const DabInk ink_; // what holds for every dab of the stroke
     std::unordered_map<int64_t, TileWork> work_;
-    std::vector<TileDab> tiles_; // of the dab at hand
+    // Of the dabs at hand:
+    std::vector<PlacedDab> placed_;
+    std::vector<TileDab> tiles_; // each once, its part what they touch of it
 };
 
 } // namespace qirn

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <optional>
 
 // This file once more for each instruction set; the best that the machine has is chosen at run time.
 #undef HWY_TARGET_INCLUDE
@@ -61,21 +62,33 @@ private:
     double reach_, widest_, narrowing_, slope_, middle_;
 };
 
-/// What lowers the coverage of a row's pixels besides the tip, column by column.
-struct RowShares {
-    alignas(64) float grain[kTileSize];
-    alignas(64) uint8_t selected[kTileSize];
-};
-
-void gatherGrain(const DabInk& ink, int64_t tileX, int64_t y, Columns row, RowShares& shares) {
-    constexpr int64_t mask = PaperGrain::size - 1;
-    const int64_t gy = static_cast<int64_t>(static_cast<double>(y) / ink.textureScale) & mask;
-    const float* grain = PaperGrain::values().data() + gy * PaperGrain::size;
-    for (int i = row.first; i < row.last; ++i) {
-        const int64_t gx = static_cast<int64_t>(static_cast<double>(tileX + i) / ink.textureScale) & mask;
-        shares.grain[i] = grain[gx];
+/// The paper's grain as a dab meets it, row by row of a tile.
+class GrainShares {
+public:
+    GrainShares(const DabInk& ink, int64_t tileX, Columns columns) : ink_(ink), columns_(columns) {
+        for (int i = columns.first; i < columns.last; ++i)
+            places_[i] = static_cast<uint8_t>(placeOf(tileX + i));
     }
-}
+
+    /// The part of the tip's coverage that each pixel of canvas row `y` keeps, by the tile's columns.
+    const float* row(int64_t y) {
+        const float* grain = PaperGrain::values().data() + placeOf(y) * PaperGrain::size;
+        for (int i = columns_.first; i < columns_.last; ++i)
+            shares_[i] = 1 - (1 - grain[places_[i]]) * ink_.texture;
+        return shares_;
+    }
+
+private:
+    int64_t placeOf(int64_t pixel) const {
+        static_assert(PaperGrain::size == 256);
+        return static_cast<int64_t>(static_cast<double>(pixel) / ink_.textureScale) & 0xFF;
+    }
+
+    const DabInk& ink_;
+    const Columns columns_;
+    uint8_t places_[kTileSize];
+    alignas(64) float shares_[kTileSize];
+};
 
 /// One row of a tile in the hands of a dab; pointers to its first column.
 struct DabRow {
@@ -97,17 +110,14 @@ struct DabRow {
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 
-// Pixels are handled in whole blocks of the tile's own columns, so that vectors come out even and never reach beyond
-// the tile.
-constexpr int kBlock = kLanes < 8 ? 8 : kLanes;
-
-HWY_INLINE Columns wholeBlocks(Columns row) {
-    return {row.first / kBlock * kBlock, (row.last + kBlock - 1) / kBlock * kBlock};
+/// Whole vectors of the tile's own columns: they come out even and never reach beyond the tile.
+HWY_INLINE Columns wholeVectors(Columns row) {
+    return {row.first / kLanes * kLanes, (row.last + kLanes - 1) / kLanes * kLanes};
 }
 
-/// Half a step up and cut off; for values below 255.5.
+/// Half a step up and cut off; for values from -0.5 to 255.5.
 HWY_INLINE Words roundedByte(Floats v) {
-    return truncated(larger(v + Floats(0.5f), Floats(0)));
+    return truncated(v + Floats(0.5f));
 }
 
 HWY_INLINE Words wordOf(Floats r, Floats g, Floats b, Floats a) {
@@ -154,14 +164,23 @@ struct Paint {
     }
 };
 
-/// The tip's coverage at consecutive columns of a row.
-template <bool kHard, bool kRound> class TipRow {
+/// The tip's coverage at consecutive columns, row by row of a tile.
+template <bool kHard, bool kRound> class TipRows {
 public:
-    HWY_INLINE TipRow(const TipShape& tip, int64_t tileX, double dy) : tip_(tip), tileX_(tileX), dy_(dy) {}
+    HWY_INLINE TipRows(const TipShape& tip, int64_t tileX)
+        : tip_(tip),
+          firstColumn_(static_cast<double>(tileX) + 0.5),
+          left_(static_cast<float>(firstColumn_ - tip.cx)),
+          inner_(static_cast<float>(tip.edge.inner)),
+          perBand_(static_cast<float>(1 / tip.edge.band)),
+          // Places within the tip's tile are wrong by less than a millionth of their size.
+          margin_(static_cast<float>(1e-5 + 1e-6 * tip.inverse * (tip.edge.r + kTileSize) / tip.edge.band)) {}
+
+    HWY_INLINE void enterRow(double dy) { dy_ = dy; }
 
     HWY_INLINE Doubles at(int column) const {
         const Doubles dx =
-            Doubles(static_cast<double>(tileX_ + column)) + laneNumbers() + Doubles(0.5) - Doubles(tip_.cx);
+            Doubles(firstColumn_ + static_cast<double>(column)) + laneNumbers() - Doubles(tip_.cx);
         const Doubles dist = distance(dx, dy_);
         return kHard ? hardCoverage(tip_.edge, dist) : softCoverage(tip_.edge, dist);
     }
@@ -169,13 +188,10 @@ public:
     /// At least `at`, for a part of its work: in 32 bits, and then more than those can be wrong by.
     HWY_INLINE Floats atMost(int column) const {
         if constexpr (kHard) return Floats(1);
-        const auto left = static_cast<float>(static_cast<double>(tileX_ + column) + 0.5 - tip_.cx);
-        const Floats dist = distance(Floats(left) + floatLaneNumbers(), static_cast<float>(dy_));
-        const Floats t = (dist - Floats(static_cast<float>(tip_.edge.inner))) *
-                         Floats(static_cast<float>(1 / tip_.edge.band));
+        const Floats dx = Floats(left_ + static_cast<float>(column)) + floatLaneNumbers();
+        const Floats t = (distance(dx, static_cast<float>(dy_)) - Floats(inner_)) * Floats(perBand_);
         const Floats inside = smaller(Floats(1), larger(Floats(0), t));
-        const Floats c = Floats(1) - inside * inside * (Floats(3) - Floats(2) * inside);
-        return c + Floats(static_cast<float>(1e-5 + 2e-6 * tip_.inverse * tip_.edge.r / tip_.edge.band));
+        return Floats(1) + Floats(margin_) - inside * inside * (Floats(3) - Floats(2) * inside);
     }
 
 private:
@@ -188,59 +204,40 @@ private:
         return squareRoot(u * u + v * v);
     }
 
-    const TipShape& tip_;
-    const int64_t tileX_;
-    const double dy_;
+    const TipShape tip_; // a copy: nothing that is stored in the loops can change it
+    const double firstColumn_;
+    const float left_, inner_, perBand_, margin_;
+    double dy_ = 0;
 };
-
-/// What the coverage of a block's pixels is raised towards: in 64 bits up to the ceiling, then in 32.
-template <class Tip>
-HWY_INLINE void makeTargets(const Tip& tip, const DabInk& ink, const DabRow& row, int block, float* targets) {
-    const bool isSolid = block >= row.solid.first && block + kBlock <= row.solid.last;
-    alignas(64) float grainShare[kBlock];
-    if (row.grain) {
-        for (int i = 0; i < kBlock; i += kLanes) {
-            const Floats grain = loadFloats(row.grain + block + i);
-            storeFloats(Floats(1) - (Floats(1) - grain) * Floats(ink.texture), grainShare + i);
-        }
-    }
-    for (int i = 0; i < kBlock; i += kDoubleLanes) {
-        Doubles c = isSolid ? Doubles(1) : tip.at(block + i);
-        if (row.grain) c = c * widened(grainShare + i);
-        if (row.selected) c = c * (widened(row.selected + block + i) / Doubles(255));
-        storeNarrowed(c * Doubles(ink.ceiling), targets + i);
-    }
-}
 
 template <class Tip, class Ink>
 HWY_INLINE void stampRow(const Tip& tip, const DabInk& ink, const Ink& blend, const DabRow& row) {
     const Floats flow(ink.flow), most(static_cast<float>(ink.ceiling));
-    const Columns blocks = wholeBlocks(row.reached);
-    for (int block = blocks.first; block < blocks.last; block += kBlock) {
+    const Doubles ceiling(ink.ceiling);
+    const Columns vectors = wholeVectors(row.reached);
+    for (int at = vectors.first; at < vectors.last; at += kLanes) {
+        const Floats old = loadFloats(row.mask + at);
         // Behind a moving tip, and where the ceiling is reached, most of the mask stands above what the dab could
         // raise it to.
-        bool mayRise = false;
-        for (int i = 0; i < kBlock; i += kLanes) {
-            const Floats old = loadFloats(row.mask + block + i);
-            mayRise = mayRise || anyOf(both(old < most, old < tip.atMost(block + i) * most));
-        }
-        if (!mayRise) continue;
-        alignas(64) float targets[kBlock];
-        makeTargets(tip, ink, row, block, targets);
-        for (int i = block; i < row.reached.first; ++i) targets[i - block] = 0;
-        for (int i = row.reached.last; i < block + kBlock; ++i) targets[i - block] = 0;
-        for (int i = 0; i < kBlock; i += kLanes) {
-            const int at = block + i;
-            const Floats target = loadFloats(targets + i);
-            const Floats old = loadFloats(row.mask + at);
-            const auto rises = old < target;
-            if (!anyOf(rises)) continue;
-            const Floats raised = old + (target - old) * flow;
-            storeFloats(select(rises, raised, old), row.mask + at);
-            const Words now = loadWords(row.pixels + at * 4);
-            const Words painted = blend(loadWords(row.before + at * 4), raised, now);
-            storeWords(select(rises, painted, now), row.pixels + at * 4);
-        }
+        if (!anyOf(both(old < most, old < tip.atMost(at) * most))) continue;
+        const bool isSolid = at >= row.solid.first && at + kLanes <= row.solid.last;
+        // In 64 bits up to the ceiling, then in 32.
+        const Floats target = narrowedFrom([&](int i) HWY_ATTR {
+            Doubles c = isSolid ? Doubles(1) : tip.at(at + i);
+            if (row.grain) c = c * widened(row.grain + at + i);
+            if (row.selected) c = c * (widened(row.selected + at + i) / Doubles(255));
+            return c * ceiling;
+        });
+        auto rises = old < target;
+        // The tip ends within its columns, but for those that the canvas edge cuts off.
+        if (at + kLanes > row.reached.last)
+            rises = both(rises, floatLaneNumbers() < Floats(static_cast<float>(row.reached.last - at)));
+        if (!anyOf(rises)) continue;
+        const Floats raised = old + (target - old) * flow;
+        storeFloats(select(rises, raised, old), row.mask + at);
+        const Words now = loadWords(row.pixels + at * 4);
+        const Words painted = blend(loadWords(row.before + at * 4), raised, now);
+        storeWords(select(rises, painted, now), row.pixels + at * 4);
     }
 }
 
@@ -253,31 +250,31 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
     const Crossing outer(tip, tip.edge.r + 1, tile.tileX);
     // Well inside the tip coverage is 1 without further arithmetic.
     const Crossing full(tip, (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01, tile.tileX);
-    RowShares shares;
+    std::optional<GrainShares> grain;
+    if (ink.textured) grain.emplace(ink, tile.tileX, wholeVectors(columns));
+    alignas(64) uint8_t selected[kTileSize];
+    TipRows<kHard, kRound> rows(tip, tile.tileX);
     for (int64_t y = tile.part.y; y < tile.part.maxY(); ++y) {
         const double dy = static_cast<double>(y) + 0.5 - tip.cy;
         const Columns reached = outer.at(dy, columns);
         if (reached.isEmpty()) continue;
         const int64_t place = (y - tile.tileY) * kTileSize;
-        DabRow row{tile.mask + place,
-                   tile.before ? tile.before + place * 4 : kTransparentRow.data(),
-                   tile.pixels + place * 4,
-                   reached,
-                   full.at(dy, reached),
-                   nullptr,
-                   nullptr};
-        if (ink.textured) {
-            gatherGrain(ink, tile.tileX, y, wholeBlocks(reached), shares);
-            row.grain = shares.grain;
-        }
+        DabRow row{.mask = tile.mask + place,
+                   .before = tile.before ? tile.before + place * 4 : kTransparentRow.data(),
+                   .pixels = tile.pixels + place * 4,
+                   .reached = reached,
+                   .solid = full.at(dy, reached),
+                   .grain = grain ? grain->row(y) : nullptr,
+                   .selected = nullptr};
         if (tile.selection) {
-            // Only what lies on the canvas has bytes; the rest of the blocks is masked out.
-            std::memcpy(shares.selected + reached.first,
+            // Only what lies on the canvas has bytes; what is read beside them is not used.
+            std::memcpy(selected + reached.first,
                         tile.selection + (y - tile.tileY) * tile.selectionStride + reached.first,
                         static_cast<std::size_t>(reached.last - reached.first));
-            row.selected = shares.selected;
+            row.selected = selected;
         }
-        stampRow(TipRow<kHard, kRound>(tip, tile.tileX, dy), ink, blend, row);
+        rows.enterRow(dy);
+        stampRow(rows, ink, blend, row);
     }
 }
 

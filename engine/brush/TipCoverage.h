@@ -16,14 +16,13 @@ namespace qirn::HWY_NAMESPACE {
 /// A linear edge one pixel wide, centred on the radius.
 template <class V> HWY_INLINE V hardCoverage(const TipEdge& tip, V dist) {
     const V a = V(tip.r) - dist + V(0.5);
-    return select(a >= V(1), V(1), select(a > V(0), a, V(0)));
+    return smaller(V(1), larger(V(0), a));
 }
 
 /// A smooth step from 1 at `inner` to 0 at the radius.
 template <class V> HWY_INLINE V softCoverage(const TipEdge& tip, V dist) {
-    const V t = (dist - V(tip.inner)) / V(tip.band);
-    const V c = V(1) - t * t * (V(3) - V(2) * t);
-    return select(dist <= V(tip.inner), V(1), select(dist >= V(tip.r), V(0), select(c > V(0), c, V(0))));
+    const V t = smaller(V(1), larger(V(0), (dist - V(tip.inner)) / V(tip.band)));
+    return larger(V(0), V(1) - t * t * (V(3) - V(2) * t));
 }
 
 } // namespace qirn::HWY_NAMESPACE

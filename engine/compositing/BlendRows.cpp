@@ -22,6 +22,12 @@ template <class C, class V> HWY_INLINE Pixel<V> select(C condition, const Pixel<
             select(condition, yes.a, no.a)};
 }
 
+/// The colour without its coverage; that of an opaque pixel stands there already.
+template <class V> HWY_INLINE blend::Rgb<V> straight(const Pixel<V>& p) {
+    if (allOf(p.a == V(1))) return {p.r, p.g, p.b};
+    return {p.r / p.a, p.g / p.a, p.b / p.a};
+}
+
 /// The source over the backdrop where both have coverage.
 template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> mixed(const Pixel<V>& p, const Pixel<V>& s) {
     const V rest = V(1) - s.a;
@@ -32,9 +38,7 @@ template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> mixed(const Pixel
             return {s.r + p.r * rest, s.g + p.g * rest, s.b + p.b * rest, s.a + p.a * rest};
         }
     } else {
-        const blend::Rgb<V> Cs{s.r / s.a, s.g / s.a, s.b / s.a};
-        const blend::Rgb<V> Cb{p.r / p.a, p.g / p.a, p.b / p.a};
-        const blend::Rgb<V> B = blend::blendColour<Mode>(Cb, Cs);
+        const blend::Rgb<V> B = blend::blendColour<Mode>(straight(p), straight(s));
         const V m = p.a * s.a;
         if constexpr (kAtop == Atop::yes) {
             return {m * B.r + rest * p.r, m * B.g + rest * p.g, m * B.b + rest * p.b, p.a};
@@ -124,13 +128,19 @@ HWY_ATTR void LayOn(PixelRun& acc, const PixelRun& source, RunShape shape, Blend
     (atop == Atop::yes ? loops.atop : loops.over)(acc, source, shape.count());
 }
 
-HWY_ATTR void LayBytesOn(PixelRun& acc, TileBytes bytes, RunShape shape, float opacity) {
-    const Floats k(opacity / 255);
+HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what) {
+    const auto onNothing = static_cast<std::size_t>(what == Over::nothing ? 1 : 0);
     int i = 0;
-    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
+    for (int y = 0; y < shape.rows; ++y) {
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const Pixel<Floats> s = pixelsOf(loadWords(bytes + x * 4), k);
-            storePixels(blended<blend::Normal, Atop::no>(loadPixels(acc, i), s), acc, i);
+            const auto pixels = [&](const ByteLayer& layer) HWY_ATTR {
+                return pixelsOf(loadWords(layer.bytes + y * kTileRowBytes + x * 4),
+                                Floats(layer.opacity / 255));
+            };
+            Pixel<Floats> p = what == Over::nothing ? pixels(layers.front()) : loadPixels(acc, i);
+            for (const ByteLayer& layer : layers.subspan(onNothing))
+                p = blended<blend::Normal, Atop::no>(p, pixels(layer));
+            storePixels(p, acc, i);
         }
     }
 }
@@ -190,7 +200,7 @@ HWY_EXPORT(LoadBytes);
 HWY_EXPORT(Scale);
 HWY_EXPORT(TintRun);
 HWY_EXPORT(LayOn);
-HWY_EXPORT(LayBytesOn);
+HWY_EXPORT(LayBytes);
 HWY_EXPORT(StoreBytes);
 HWY_EXPORT(StoreOnBoard);
 
@@ -218,8 +228,8 @@ void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode
     HWY_DYNAMIC_DISPATCH(LayOn)(acc, source, shape, mode, atop);
 }
 
-void layBytesOn(PixelRun& acc, TileBytes bytes, RunShape shape, float opacity) {
-    HWY_DYNAMIC_DISPATCH(LayBytesOn)(acc, bytes, shape, opacity);
+void layBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what) {
+    HWY_DYNAMIC_DISPATCH(LayBytes)(acc, layers, shape, what);
 }
 
 void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {

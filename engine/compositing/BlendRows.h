@@ -4,6 +4,7 @@
 #include "core/Tile.h"
 
 #include <cstdint>
+#include <span>
 
 namespace qirn {
 
@@ -31,6 +32,12 @@ struct RunShape {
 /// Bytes of a block of pixels, premultiplied RGBA; a row of a tile lies `kTileRowBytes` behind the one above.
 using TileBytes = const uint8_t*;
 
+/// A layer's bytes in a run.
+struct ByteLayer {
+    TileBytes bytes;
+    float opacity;
+};
+
 // The loops over a run. Each pixel gets the bits that Compositor::blendPixel gives it, on every instruction set.
 
 void clear(PixelRun& run);
@@ -39,8 +46,10 @@ void scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity)
 void tint(PixelRun& run, RunShape shape, const Tint& tint);
 /// Lays a source on an accumulator; the mode is chosen once a run.
 void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Compositor::Atop atop);
-/// `loadBytes` and `layOn` with `normal`, which most layers have, in one pass.
-void layBytesOn(PixelRun& acc, TileBytes bytes, RunShape shape, float opacity);
+enum class Over { nothing, accumulator };
+/// Lays several layers in `normal`, which most have, one on the other in a single pass: over nothing the lowest is
+/// copied.
+void layBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what);
 /// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
 /// Rows of the result lie `rowBytes` apart.
 void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape);

@@ -22,10 +22,7 @@ bool isFullStrength(float opacity) {
 /// Lays one input's run on an accumulator. Over nothing any mode is a plain copy.
 void blendInput(PixelRun& acc, TileBytes bytes, RunShape shape, const CompositeInput& input, float opacity,
                 BlendMode mode, Compositor::Atop atop, bool accEmpty) {
-    if (!input.tint && atop == Compositor::Atop::no) {
-        if (accEmpty) return loadBytes(acc, bytes, shape, opacity);
-        if (mode == BlendMode::normal) return layBytesOn(acc, bytes, shape, opacity);
-    }
+    if (accEmpty && !input.tint) return loadBytes(acc, bytes, shape, opacity);
     if (accEmpty) clear(acc);
     PixelRun source;
     loadBytes(source, bytes, shape, opacity);
@@ -56,6 +53,11 @@ std::vector<TileStack::Group> TileStack::groupsIn(int64_t index, std::span<const
         if (seen) groups.push_back(std::move(group));
     }
     return groups;
+}
+
+/// A single input as it is, in `normal` or copied.
+bool TileStack::laysBytes(const Group& group, bool copied) {
+    return group.clipped.empty() && !group.base->tint && (copied || group.base->mode == BlendMode::normal);
 }
 
 void TileStack::blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty) {
@@ -96,16 +98,20 @@ Coverage TileStack::findShowing(const TileRun& run) {
 void TileStack::blend(PixelRun& acc, int x, int y, RunShape shape) {
     const TileRun run{index_, x, y, shape};
     const Coverage lowest = findShowing(run);
-    bool empty = true; // nothing lies in the accumulator yet
-    for (auto group = showing_.rbegin(); group != showing_.rend(); ++group) {
-        // Only what lies lowest in the tile, or hides all below, is a plain copy: elsewhere colour without coverage,
-        // as a damaged file may hold it, is dropped.
-        const bool copies = empty && (*group == &groups_.front() || lowest == Coverage::full);
-        if (empty && !copies) clear(acc);
-        blendGroup(acc, run, **group, copies);
-        empty = false;
+    // Only what lies lowest in the tile, or hides all below, is a plain copy: elsewhere colour without coverage, as a
+    // damaged file may hold it, is dropped.
+    bool copies = !showing_.empty() && (showing_.back() == &groups_.front() || lowest == Coverage::full);
+    if (!copies) clear(acc);
+    for (auto group = showing_.rbegin(); group != showing_.rend();) {
+        plain_.clear();
+        for (; group != showing_.rend() && laysBytes(**group, copies && plain_.empty()); ++group)
+            plain_.push_back({run.of(*(*group)->base), (*group)->base->opacity});
+        if (plain_.empty())
+            blendGroup(acc, run, **group++, copies);
+        else
+            layBytes(acc, plain_, shape, copies ? Over::nothing : Over::accumulator);
+        copies = false;
     }
-    if (empty) clear(acc);
 }
 
 } // namespace qirn

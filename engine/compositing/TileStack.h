@@ -28,12 +28,15 @@ private:
     struct TileRun;
 
     static std::vector<Group> groupsIn(int64_t index, std::span<const CompositeInput> layers);
+    static bool laysBytes(const Group& group, bool copied);
     static void blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty);
     Coverage findShowing(const TileRun& run);
 
     const int64_t index_;
     const std::vector<Group> groups_;
-    std::vector<const Group*> showing_; // of the run at hand, from the top
+    // Of the run at hand:
+    std::vector<const Group*> showing_; // from the top
+    std::vector<ByteLayer> plain_;      // neighbours that go in one pass
 };
 
 } // namespace qirn

@@ -97,8 +97,9 @@ HWY_INLINE bool anyOf(bool condition) {
 HWY_INLINE bool allOf(bool condition) {
     return condition;
 }
-HWY_INLINE void storeNarrowed(Doubles v, float* to) {
-    *to = static_cast<float>(v);
+/// `doublesAt(i)` gives the doubles for the lanes from `i` on.
+template <class DoublesAt> HWY_INLINE Floats narrowedFrom(DoublesAt doublesAt) {
+    return static_cast<float>(doublesAt(0));
 }
 HWY_INLINE Doubles widened(const float* from) {
     return static_cast<double>(*from);
@@ -236,9 +237,10 @@ HWY_INLINE Floats clampedToByte(Floats v) {
     return smaller(Floats(255), larger(Floats(0), v));
 }
 
-HWY_INLINE void storeNarrowed(Doubles v, float* to) {
-    const hn::Rebind<float, Doubles::Tag> narrow;
-    hn::Store(hn::DemoteTo(narrow, v.v), narrow, to);
+template <class DoublesAt> HWY_INLINE Floats narrowedFrom(DoublesAt doublesAt) {
+    const hn::Half<Floats::Tag> half;
+    const Doubles low = doublesAt(0), high = doublesAt(kDoubleLanes);
+    return Floats(hn::Combine(Floats::Tag(), hn::DemoteTo(half, high.v), hn::DemoteTo(half, low.v)));
 }
 HWY_INLINE Doubles widened(const float* from) {
     return Doubles(hn::PromoteTo(Doubles::Tag(), hn::Load(hn::Rebind<float, Doubles::Tag>(), from)));
