@@ -48,11 +48,16 @@ private Q_SLOTS:
         const auto upTo = [&random](double most) { return random.unit() * most; };
         for (int round = 0; round < 4000; ++round) {
             // Hard and soft, from a pixel to the widest, through the middle as well as past it.
-            const TipEdge edge(std::max(1.0, upTo(round % 2 == 0 ? 6 : 500)),
-                               round % 5 == 0 ? upTo(0.05) + 0.95 : upTo(1));
-            const double cx = 300 + upTo(700), cy = 300 + upTo(1), reach = edge.r * 1.5;
-            const auto dx = static_cast<int64_t>(upTo(reach) - reach), dy = static_cast<int64_t>(upTo(reach));
+            const double size = upTo(round % 2 == 0 ? 6 : 500);
+            const double cx = 300 + upTo(700), cy = 300 + upTo(1);
+            const auto dx = static_cast<int64_t>(upTo(size * 1.5) - size * 1.5);
+            const auto dy = static_cast<int64_t>(upTo(size * 1.5));
             const auto x = static_cast<int64_t>(cx) + dx, y = static_cast<int64_t>(cy) + dy;
+            // A rim that all but touches a pixel's centre tells the least differences of distance apart.
+            const double nearRim =
+                std::hypot(static_cast<double>(x) + 0.5 - cx, static_cast<double>(y) + 0.5 - cy) + upTo(2e-6);
+            const TipEdge edge(std::max(1.0, round % 3 == 0 ? nearRim : size),
+                               round % 5 == 0 ? upTo(0.05) + 0.95 : upTo(1));
             const std::vector<std::string> sets = instructionSets();
             useInstructionSet(sets[static_cast<std::size_t>(round) % sets.size()]);
             TipCoverage corners, centres;
