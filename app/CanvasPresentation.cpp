@@ -158,7 +158,8 @@ void CanvasPresentation::draw(QPainter& painter, const QRectF& exposed) const {
     if (!onlyPicture) drawCanvasShadow(painter, canvas);
     if (!visible_.isEmpty()) {
         const bool exact = zoom_ == 1 && quarterTurn_;
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom_ < kNearestFromZoom && !exact);
+        const bool smooth = zoom_ < kNearestFromZoom && !exact && !inMotion_;
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
         painter.setRenderHint(QPainter::Antialiasing, false);
         window_.draw(painter);
     }
