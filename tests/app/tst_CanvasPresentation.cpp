@@ -20,6 +20,7 @@ private Q_SLOTS:
     void noSeamInAnyView();
     void tilesAreNearestFromTwoHundredPercent();
     void theCheckerboardShowsThroughEmptyTiles();
+    void emptyTilesLookLikeTransparentOnes();
     void undoShowsTheOldPicture();
     void aPartDrawnAgainIsThatOfAFreshView_data();
     void aPartDrawnAgainIsThatOfAFreshView();
@@ -110,6 +111,29 @@ void tst_CanvasPresentation::theCheckerboardShowsThroughEmptyTiles() {
     QCOMPARE(at(120 + 5, 120 + 5), qRgb(179, 179, 179));
     QCOMPARE(at(132 + 5, 120 + 5), qRgb(219, 219, 219));
     QCOMPARE(at(528 + 5, 252 + 5), at(120 + 5, 132 + 5));
+}
+
+/// Where no layer has a tile the board is drawn without pixels; it looks as behind transparent ones.
+void tst_CanvasPresentation::emptyTilesLookLikeTransparentOnes() {
+    PaintDocument empty(1100, 700, 72, std::nullopt), transparent(1100, 700, 72, std::nullopt);
+    for (int64_t tile = 0; tile < transparent.grid().count(); ++tile)
+        transparent.activeLayer().writableTile(tile);
+    for (const double zoom : {1.0, 0.4, 0.2, 0.09, 0.03, 0.01}) {
+        const ViewTransform view(QSize(600, 500), QSizeF(1100, 700), {zoom, {3.5, -2}, 0, false});
+        QImage screens[2];
+        for (const int i : {0, 1}) {
+            CanvasPresentation presentation;
+            presentation.setCheckerSize(zoom == 0.4 ? 7.3 : 12);
+            presentation.show(i == 0 ? &empty : &transparent);
+            screens[i] = QImage(600, 500, QImage::Format_RGB32);
+            screens[i].fill(Qt::gray);
+            QPainter painter(&screens[i]);
+            presentation.look(view, zoom);
+            presentation.draw(painter, screens[i].rect());
+            QCOMPARE(presentation.tileImageBytes() > 0, i == 1);
+        }
+        QCOMPARE(screens[0], screens[1]);
+    }
 }
 
 void tst_CanvasPresentation::undoShowsTheOldPicture() {
