@@ -36,7 +36,7 @@ void CanvasPresentation::show(const PaintDocument* document) {
     heldImages_ = 0;
     tilesComposited_ = 0;
     visible_ = {};
-    window_.reset(grid);
+    window_.reset(grid, board_);
 }
 
 void CanvasPresentation::setCheckerSize(double canvasPixels) {
@@ -119,16 +119,16 @@ void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
         const bool whole = tile.part == document_->grid().rectOf(tile.index);
         if (whole && states_[place] == TileState::made) return image;
         if (states_[place] == TileState::stale) ++composited;
-        moreImages -= image.isNull() ? 0 : 1;
-        QImage drawn = std::exchange(image, {});
-        if (drawn.isNull()) drawn = QImage(kTileSize, kTileSize, QImage::Format_RGB32);
-        const bool shows =
-            drawForScreen(tile, layers, document_->grid(), board_, drawn.bits(), drawn.bytesPerLine());
-        if (whole) states_[place] = shows ? TileState::made : TileState::empty;
-        // Empty tiles show the bare checkerboard, which is drawn into the window and kept nowhere else.
-        if (states_[place] == TileState::made) image = drawn;
-        moreImages += image.isNull() ? 0 : 1;
-        return drawn;
+        if (whole && !showsAnything(tile.index, layers)) {
+            moreImages -= image.isNull() ? 0 : 1;
+            states_[place] = TileState::empty;
+            return image = {};
+        }
+        moreImages += image.isNull() ? 1 : 0;
+        if (image.isNull()) image = QImage(kTileSize, kTileSize, QImage::Format_RGB32);
+        drawForScreen(tile, layers, document_->grid(), board_, image.bits(), image.bytesPerLine());
+        states_[place] = TileState::made;
+        return image;
     });
     tilesComposited_ += composited;
     heldImages_ += moreImages;
@@ -158,7 +158,8 @@ void CanvasPresentation::draw(QPainter& painter, const QRectF& exposed) const {
     if (!onlyPicture) drawCanvasShadow(painter, canvas);
     if (!visible_.isEmpty()) {
         const bool exact = zoom_ == 1 && quarterTurn_;
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom_ < kNearestFromZoom && !exact);
+        const bool smooth = zoom_ < kNearestFromZoom && !exact && !inMotion_;
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
         painter.setRenderHint(QPainter::Antialiasing, false);
         window_.draw(painter);
     }

@@ -25,6 +25,9 @@ public:
 
     /// The view that the next `draw` is for; makes the tiles that it shows and that are not made yet.
     void look(const ViewTransform& view, double zoom);
+    /// While the view turns or zooms it is drawn without smoothing, which takes a fraction of the time.
+    void setInMotion(bool inMotion) { inMotion_ = inMotion; }
+    bool isInMotion() const { return inMotion_; }
     /// Tiles whose pixels changed. Those on screen are made at once, the others when they are seen. The result is
     /// what has to be painted again, in canvas pixels.
     std::vector<IRect> update(const std::vector<DirtyTile>& dirty);
@@ -54,6 +57,7 @@ private:
     QTransform canvasToWidget_;
     double zoom_ = 1;
     bool quarterTurn_ = true; // edges of the canvas are parallel to the screen's
+    bool inMotion_ = false;
     int64_t tilesComposited_ = 0;
 };
 

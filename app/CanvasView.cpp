@@ -23,6 +23,7 @@ constexpr double kLeastSide = 10;     // a smaller view is still coming up
 constexpr int kMostRepaintRects = 24; // more are painted as their box
 constexpr int kBackgroundGrey = 31;   // white 0.12
 constexpr double kSecondsBetweenReports = 0.05;
+constexpr std::chrono::milliseconds kRestAfter(150); // of no turn or zoom
 
 uint64_t clockSeed() {
     return static_cast<uint64_t>(QDateTime::currentMSecsSinceEpoch()) & 0xFFFFFFu;
@@ -48,6 +49,13 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     connect(&antsTimer_, &QTimer::timeout, this, [this] {
         overlay_.advanceAnts(antsTimer_.interval() / 1000.0);
         update(toWidget(overlay_.antsRegion()));
+    });
+    restTimer_.setSingleShot(true);
+    restTimer_.setInterval(kRestAfter);
+    connect(&restTimer_, &QTimer::timeout, this, [this] {
+        if (!presentation_.isInMotion()) return;
+        presentation_.setInMotion(false);
+        update();
     });
     presentation_.setCheckerSize(model.prefs().checkerSize);
     // Proximity of the pen is told to the application, not to a widget.
@@ -263,8 +271,16 @@ void CanvasView::actualPixels() {
     applyView(state);
 }
 
+/// A second step before the view has come to rest: it is in motion, and the last step is drawn again.
+void CanvasView::noteMotion() {
+    presentation_.setInMotion(restTimer_.isActive());
+    restTimer_.start();
+}
+
 void CanvasView::setZoom(double zoom, std::optional<QPointF> around) {
-    if (session_) applyView(transform_.zoomedTo(zoom, around));
+    if (!session_) return;
+    noteMotion();
+    applyView(transform_.zoomedTo(zoom, around));
 }
 
 void CanvasView::zoomStep(bool in, std::optional<QPointF> around) {
@@ -277,6 +293,7 @@ void CanvasView::rotateView(double degrees) {
 
 void CanvasView::setRotation(double degrees) {
     if (!session_) return;
+    noteMotion();
     ViewState state = session_->view;
     state.rotation = degrees;
     applyView(state);

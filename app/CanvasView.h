@@ -148,6 +148,7 @@ private:
     // The view (CanvasView.cpp).
     void applyView(const ViewState& state);
     void applyViewTransform();
+    void noteMotion();
     void fitIfNeeded();
     double pixelRatio() const { return devicePixelRatioF(); }
     QPointF toView(QPointF widgetPoint) const;  // logical widget point to view point
@@ -168,6 +169,7 @@ private:
     CanvasOverlay overlay_;
     bool flushScheduled_ = false;
     QTimer antsTimer_;
+    QTimer restTimer_; // runs from one turn or zoom of the view until it has come to rest
 
     std::unique_ptr<BrushStroke> stroke_;
     Tool strokeTool_ = Tool::brush;

@@ -55,8 +55,9 @@ IRect blocksOf(const IRect& part, const IRect& tile, int level) {
 
 } // namespace
 
-void CanvasWindowImage::reset(const TileGrid& grid) {
+void CanvasWindowImage::reset(const TileGrid& grid, const Checkerboard& board) {
     grid_ = grid;
+    board_ = board;
     range_ = {};
     image_ = {};
     held_.clear();
@@ -132,7 +133,13 @@ void CanvasWindowImage::put(std::span<const DirtyTile> tiles,
         const int64_t x = (tile.index % grid_.cols - range_.firstCol) * side;
         const int64_t y = (tile.index / grid_.cols - range_.firstRow) * side;
         uchar* out = bits + y * stride + x * 4;
-        const IRect part = blocksOf(tile.part, grid_.rectOf(tile.index), level_);
+        const IRect place = grid_.rectOf(tile.index);
+        const IRect part = blocksOf(tile.part, place, level_);
+        if (image.isNull()) {
+            uchar* const corner = out + (part.y >> level_) * stride + (part.x >> level_) * 4;
+            return drawBoard(board_, {place.x + part.x, place.y + part.y, part.w, part.h}, level_, corner,
+                             stride);
+        }
         if (level_ > 0) return reduceInto(image, part, level_, out, stride);
         for (int64_t row = part.y; row < part.maxY(); ++row) {
             std::memcpy(out + row * stride + part.x * 4,

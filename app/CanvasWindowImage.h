@@ -1,4 +1,5 @@
 #pragma once
+#include "compositing/ScreenTiles.h"
 #include "core/DirtyTiles.h"
 #include "core/TileGrid.h"
 
@@ -30,7 +31,7 @@ struct TileRange {
 /// reduced by powers of two, since a painter that shrinks further would alias.
 class CanvasWindowImage {
 public:
-    void reset(const TileGrid& grid); ///< Holds nothing from here on.
+    void reset(const TileGrid& grid, const Checkerboard& board); ///< Holds nothing from here on.
 
     /// Makes room for a block of tiles, each side divided by 2^level; keeps what it already holds of it.
     void cover(const TileRange& range, int level);
@@ -40,7 +41,8 @@ public:
     bool holds(int64_t index) const; ///< Inside the block, and put since it came in.
     void drop(int64_t index);        ///< It must be put again before it is shown.
     /// Copies parts of tiles in, reduced; those outside the block are passed over. `imageOf` gives the tile's image:
-    /// opaque 32-bit RGB, a whole tile also at the canvas edge. It is called in parallel, once for each.
+    /// opaque 32-bit RGB, a whole tile also at the canvas edge; null for the bare checkerboard. It is called in
+    /// parallel, once for each.
     void put(std::span<const DirtyTile> tiles, const std::function<QImage(const DirtyTile&)>& imageOf);
 
     /// Draws the block; the painter's transform is that from canvas to device.
@@ -51,6 +53,7 @@ private:
     std::size_t slotOf(int64_t index) const;
 
     TileGrid grid_;
+    Checkerboard board_;
     TileRange range_;
     int level_ = 0;
     QImage image_;           // Format_RGB32

@@ -32,7 +32,7 @@ void chain(const cv::Mat& source, cv::Mat& target) {
     cv::Mat region = cv::Mat::zeros(source.rows + 2, source.cols + 2, CV_8UC1);
     cv::Mat copy = source.clone();
     const cv::Scalar tolerance = cv::Scalar::all(32);
-    cv::floodFill(copy, region, cv::Point(1000, 1000), cv::Scalar(0, 0, 0), nullptr, tolerance, tolerance,
+    cv::floodFill(copy, region, cv::Point(1010, 1010), cv::Scalar(0, 0, 0), nullptr, tolerance, tolerance,
                   4 | (255 << 8) | cv::FLOODFILL_FIXED_RANGE | cv::FLOODFILL_MASK_ONLY);
     cv::Mat grown;
     cv::dilate(region(cv::Rect(1, 1, source.cols, source.rows)), grown, cv::Mat::ones(3, 3, CV_8UC1));
@@ -57,7 +57,7 @@ void compareFill(const char* work, bool maze) {
              .reach = 0.5,
              .ours =
                  [&] {
-                     bucketFill(*doc, 1000, 1000, {0.7, 0.1, 0.2}, {}, 1);
+                     bucketFill(*doc, 1010, 1010, {0.7, 0.1, 0.2}, {}, 1);
                  },
              .theirs = [&] { chain(source, target); },
              .reset =

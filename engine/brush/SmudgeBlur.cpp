@@ -1,12 +1,15 @@
 #include "brush/SmudgeBlur.h"
 
+#include "brush/TipDistances.h"
 #include "operations/Selection.h"
 #include "platform/CheckedMath.h"
 #include "platform/FloatPixel.h"
+#include "platform/Parallel.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
 namespace qirn {
 
@@ -50,8 +53,16 @@ void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool kee
     storePixel(load, paint + taken * (was - paint));
 }
 
+/// For values without a sign: equal numbers are equal bits.
 bool areEqual(FloatPixel a, FloatPixel b) {
-    return a[0] == b[0] && a[1] == b[1] && a[2] == b[2] && a[3] == b[3];
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+/// work(first, last) for bands of 0 to before `count`, side by side.
+template <class Work> void inBands(int64_t count, Work work) {
+    constexpr int64_t band = 64;
+    concurrentPerform((count + band - 1) / band,
+                      [&](int64_t i) { work(i * band, std::min((i + 1) * band, count)); });
 }
 
 } // namespace
@@ -94,16 +105,12 @@ IRect SmudgeTip::dab(double x, double y, double size) {
     return touched;
 }
 
-/// The distance from the centre; the sum is exact, so that the root is the correctly rounded one.
-double SmudgeTip::Row::distance(int64_t i) const {
-    const auto across = static_cast<double>(dx + i), down = static_cast<double>(dy);
-    return std::sqrt(across * across + down * down);
-}
-
 void SmudgeTip::pickUp(const TipEdge& edge, const Row& row, float* load) const {
     const uint8_t* pixels = rowInTile(layer_, row.tile, row.x, row.y);
+    TipCoverage covered;
+    coverAround(edge, row.dx, row.dy, row.count, covered);
     for (int64_t i = 0; i < row.count; ++i) {
-        if (!(edge.coverage(row.distance(i)) > 0)) continue;
+        if (!(covered.share[static_cast<std::size_t>(i)] > 0)) continue;
         storePixel(load + i * 4, readPixel(pixels + i * 4));
     }
 }
@@ -114,10 +121,11 @@ IRect SmudgeTip::drag(const TipEdge& edge, const Row& row, float* load) {
     const uint8_t* pixels = rowInTile(layer_, row.tile, row.x, row.y);
     uint8_t* writable = nullptr;
     int64_t firstWritten = row.count, lastWritten = -1;
+    TipCoverage covered;
+    coverAround(edge, row.dx, row.dy, row.count, covered);
     for (int64_t i = 0; i < row.count; ++i) {
-        const double covered = edge.coverage(row.distance(i));
-        if (!(covered > 0)) continue;
-        auto c = static_cast<float>(covered);
+        float c = covered.share[static_cast<std::size_t>(i)];
+        if (!(c > 0)) continue;
         if (selection) {
             c *= selectedShare(*selection, row.x + i, row.y);
             if (!(c > 0)) continue;
@@ -150,9 +158,13 @@ IRect BlurTip::dab(double x, double y, double size) {
         IRect{checkedWhole(std::floor(x - r)), checkedWhole(std::floor(y - r)), side, side}.intersection(
             document_.grid().bounds());
     if (area.isEmpty()) return {};
-    read(area.insetBy(-b));
-    blurRows(area.w, area.h + 2 * b, b);
-    blurColumns(area.w, area.h, b);
+    const IRect around = area.insetBy(-b);
+    makeRoom(area, around);
+    inBands(around.h, [&](int64_t first, int64_t last) {
+        read(around, first, last);
+        blurRows(area.w, b, first, last);
+    });
+    inBands(area.w, [&](int64_t first, int64_t last) { blurColumns(area, b, first, last); });
     const TipEdge edge(r, hardness_);
     for (int64_t py = area.y; py < area.maxY(); ++py) {
         forEachTileOfRow(
@@ -167,12 +179,18 @@ IRect BlurTip::dab(double x, double y, double size) {
     return area;
 }
 
-/// Fills `source_` with the layer's pixels; those beyond the canvas repeat its edge.
-void BlurTip::read(const IRect& area) {
+void BlurTip::makeRoom(const IRect& area, const IRect& around) {
+    source_.resize(static_cast<std::size_t>(around.w * around.h * 4));
+    rows_.resize(static_cast<std::size_t>(area.w * around.h * 4));
+    blurred_.resize(static_cast<std::size_t>(area.w * area.h * 4));
+    sums_.assign(static_cast<std::size_t>(area.w * 4), 0.0f);
+}
+
+/// Fills rows of `source_` with the layer's pixels; those beyond the canvas repeat its edge.
+void BlurTip::read(const IRect& area, int64_t firstRow, int64_t lastRow) {
     const TileGrid& grid = document_.grid();
-    source_.resize(static_cast<std::size_t>(area.w * area.h * 4));
     const int64_t first = std::max<int64_t>(area.x, 0), last = std::min(area.maxX(), grid.width);
-    for (int64_t y = area.y; y < area.maxY(); ++y) {
+    for (int64_t y = area.y + firstRow; y < area.y + lastRow; ++y) {
         const int64_t inside = std::clamp<int64_t>(y, 0, grid.height - 1);
         float* row = source_.data() + (y - area.y) * area.w * 4;
         forEachTileOfRow(grid, first, last, inside, [&](int64_t index, int64_t x, int64_t count) {
@@ -189,10 +207,9 @@ void BlurTip::read(const IRect& area) {
 
 /// Box means along each row of `source_` into `rows_`, which is narrower by `b` on both sides. The sums are of
 /// whole numbers below 2^24 and so exact, whatever the order.
-void BlurTip::blurRows(int64_t width, int64_t height, int64_t b) {
+void BlurTip::blurRows(int64_t width, int64_t b, int64_t firstRow, int64_t lastRow) {
     const auto n = static_cast<float>(2 * b + 1);
-    rows_.resize(static_cast<std::size_t>(width * height * 4));
-    for (int64_t y = 0; y < height; ++y) {
+    for (int64_t y = firstRow; y < lastRow; ++y) {
         const float* in = source_.data() + y * (width + 2 * b) * 4;
         float* out = rows_.data() + y * width * 4;
         FloatPixel sum{};
@@ -205,24 +222,24 @@ void BlurTip::blurRows(int64_t width, int64_t height, int64_t b) {
     }
 }
 
-/// Box means down each column of `rows_` into `blurred_`, which is lower by `b` on both sides. These sums round,
-/// so they slide from the first row on, with the rows beyond it repeating it.
-void BlurTip::blurColumns(int64_t width, int64_t height, int64_t b) {
+/// Box means down columns of `rows_` into `blurred_`, which is lower by `b` on both sides. These sums round, so they
+/// slide from the first row on, with the rows beyond it repeating it.
+void BlurTip::blurColumns(const IRect& area, int64_t b, int64_t firstColumn, int64_t lastColumn) {
     const auto n = static_cast<float>(2 * b + 1);
-    const int64_t floats = width * 4, last = height + 2 * b - 1;
-    blurred_.resize(static_cast<std::size_t>(floats * height));
-    sums_.assign(static_cast<std::size_t>(floats), 0.0f);
-    const auto row = [&](int64_t y) { return rows_.data() + std::clamp<int64_t>(y, 0, last) * floats; };
+    const int64_t stride = area.w * 4, floats = (lastColumn - firstColumn) * 4, last = area.h + 2 * b - 1;
+    float* sums = sums_.data() + firstColumn * 4;
+    const auto row = [&](int64_t y) {
+        return rows_.data() + std::clamp<int64_t>(y, 0, last) * stride + firstColumn * 4;
+    };
     for (int64_t y = -b; y <= b; ++y) {
         const float* in = row(y);
-        for (int64_t i = 0; i < floats; ++i) sums_[static_cast<std::size_t>(i)] += in[i];
+        for (int64_t i = 0; i < floats; ++i) sums[i] += in[i];
     }
-    float* sums = sums_.data();
-    for (int64_t y = 0; y < height + b; ++y) {
+    for (int64_t y = 0; y < area.h + b; ++y) {
         const float* gained = row(y + b + 1);
         const float* lost = row(y - b);
         if (y >= b) {
-            float* out = blurred_.data() + (y - b) * floats;
+            float* out = blurred_.data() + (y - b) * stride + firstColumn * 4;
             for (int64_t i = 0; i < floats; ++i) out[i] = sums[i] / n;
         }
         for (int64_t i = 0; i < floats; ++i) sums[i] = (sums[i] + gained[i]) - lost[i];
@@ -232,15 +249,12 @@ void BlurTip::blurColumns(int64_t width, int64_t height, int64_t b) {
 void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, const float* blurred) {
     const Selection* selection = document_.selection.get();
     const bool keepsAlpha = layer_.alphaLocked;
-    const double reach = (edge.r + 1) * (edge.r + 1);
-    const double dy = static_cast<double>(row.y) + 0.5 - row.cy;
     uint8_t* writable = nullptr;
+    TipCoverage covered;
+    coverAround(edge, row.cx, row.cy, row.x, row.y, row.count, covered);
     for (int64_t i = 0; i < row.count; ++i, source += 4, blurred += 4) {
-        const double dx = static_cast<double>(row.x + i) + 0.5 - row.cx;
-        if (dx * dx + dy * dy > reach) continue;
-        const double covered = edge.coverage(std::hypot(dx, dy));
-        if (!(covered > 0)) continue;
-        auto c = static_cast<float>(covered);
+        float c = covered.share[static_cast<std::size_t>(i)];
+        if (!(c > 0)) continue;
         if (selection) {
             c *= selectedShare(*selection, row.x + i, row.y);
             if (!(c > 0)) continue;

@@ -23,7 +23,6 @@ private:
     /// Pixels of one row that lie in one tile; `dx`, `dy` lead from the centre to the first of them.
     struct Row {
         int64_t tile, x, y, count, dx, dy;
-        double distance(int64_t i) const;
     };
     void pickUp(const TipEdge& edge, const Row& row, float* load) const;
     IRect drag(const TipEdge& edge, const Row& row, float* load); // returns what it wrote
@@ -51,9 +50,11 @@ private:
         int64_t tile, x, y, count;
         double cx, cy; // of the dab
     };
-    void read(const IRect& area);
-    void blurRows(int64_t width, int64_t height, int64_t b);
-    void blurColumns(int64_t width, int64_t height, int64_t b);
+    // The dab's square, and with what its blur looks at; rows and columns from the first up to before the last.
+    void makeRoom(const IRect& area, const IRect& around);
+    void read(const IRect& around, int64_t firstRow, int64_t lastRow);
+    void blurRows(int64_t width, int64_t b, int64_t firstRow, int64_t lastRow);
+    void blurColumns(const IRect& area, int64_t b, int64_t firstColumn, int64_t lastColumn);
     void mix(const TipEdge& edge, const Row& row, const float* source, const float* blurred);
 
     PaintDocument& document_;

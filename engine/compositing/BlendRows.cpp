@@ -133,13 +133,16 @@ HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShap
     int i = 0;
     for (int y = 0; y < shape.rows; ++y) {
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const auto pixels = [&](const ByteLayer& layer) HWY_ATTR {
-                return pixelsOf(loadWords(layer.bytes + y * kTileRowBytes + x * 4),
-                                Floats(layer.opacity / 255));
-            };
-            Pixel<Floats> p = what == Over::nothing ? pixels(layers.front()) : loadPixels(acc, i);
-            for (const ByteLayer& layer : layers.subspan(onNothing))
-                p = blended<blend::Normal, Atop::no>(p, pixels(layer));
+            const auto words = [&](const ByteLayer& layer)
+                                   HWY_ATTR { return loadWords(layer.bytes + y * kTileRowBytes + x * 4); };
+            Pixel<Floats> p = what == Over::nothing ? pixelsOf(words(layers.front()), layers.front().strength)
+                                                    : loadPixels(acc, i);
+            for (const ByteLayer& layer : layers.subspan(onNothing)) {
+                const Words w = words(layer);
+                // Without its colour a pixel that covers nothing leaves the others as they are.
+                const Words covering = select(byteOf<24>(w) > Floats(0), w, allWords(0));
+                p = mixed<blend::Normal, Atop::no>(p, pixelsOf(covering, layer.strength));
+            }
             storePixels(p, acc, i);
         }
     }

@@ -35,7 +35,7 @@ using TileBytes = const uint8_t*;
 /// A layer's bytes in a run.
 struct ByteLayer {
     TileBytes bytes;
-    float opacity;
+    float strength; ///< Opacity / 255.
 };
 
 // The loops over a run. Each pixel gets the bits that Compositor::blendPixel gives it, on every instruction set.

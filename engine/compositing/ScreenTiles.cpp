@@ -4,6 +4,8 @@
 #include "compositing/TileStack.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace qirn {
 
@@ -26,7 +28,35 @@ struct BoardRows {
 
 } // namespace
 
-bool drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers, const TileGrid& grid,
+bool showsAnything(int64_t tile, std::span<const CompositeInput> layers) {
+    return !TileStack(tile, layers).isEmpty();
+}
+
+void drawBoard(const Checkerboard& board, const IRect& part, int level, uint8_t* out, int64_t rowBytes) {
+    const int64_t side = int64_t{1} << level;
+    // How many lines of a block, across or down, begin with a light square where even lines begin with a dark one.
+    const auto oddLines = [&board](int64_t first, int64_t end) {
+        int64_t odd = 0;
+        for (int64_t line = first; line < end; ++line) odd += board.squareOf(line) % 2;
+        return odd;
+    };
+    std::vector<std::pair<int64_t, int64_t>> columns; // of each block: odd ones, all
+    for (int64_t x = part.x; x < part.maxX(); x += side) {
+        const int64_t end = std::min(x + side, part.maxX());
+        columns.emplace_back(oddLines(x, end), end - x);
+    }
+    for (int64_t y = part.y; y < part.maxY(); y += side, out += rowBytes) {
+        const int64_t rows = std::min(side, part.maxY() - y), oddRows = oddLines(y, y + rows);
+        auto* words = reinterpret_cast<uint32_t*>(out);
+        for (const auto& [odd, all] : columns) {
+            const int64_t light = odd * (rows - oddRows) + (all - odd) * oddRows, count = all * rows;
+            const int64_t grey = (light * kLight + (count - light) * kDark + count / 2) / count;
+            *words++ = 0xFF000000u | static_cast<uint32_t>(grey) * 0x010101u;
+        }
+    }
+}
+
+void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers, const TileGrid& grid,
                    const Checkerboard& board, uint8_t* out, int64_t rowBytes) {
     TileStack stack(tile.index, layers);
     const IRect place = grid.rectOf(tile.index);
@@ -45,7 +75,6 @@ bool drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers
         storeOnBoard(out + y * rowBytes + left * 4, rowBytes, acc, shape, greys);
         y += shape.rows;
     }
-    return !stack.isEmpty();
 }
 
 } // namespace qirn

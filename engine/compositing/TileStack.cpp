@@ -105,7 +105,7 @@ void TileStack::blend(PixelRun& acc, int x, int y, RunShape shape) {
     for (auto group = showing_.rbegin(); group != showing_.rend();) {
         plain_.clear();
         for (; group != showing_.rend() && laysBytes(**group, copies && plain_.empty()); ++group)
-            plain_.push_back({run.of(*(*group)->base), (*group)->base->opacity});
+            plain_.push_back({run.of(*(*group)->base), (*group)->base->opacity / 255});
         if (plain_.empty())
             blendGroup(acc, run, **group++, copies);
         else

@@ -11,8 +11,8 @@ namespace qirn {
 
 /// What a click of the bucket covers.
 struct FloodMask {
-    TileMask mask; ///< Of the canvas: 0 or 255.
-    IRect bounds;  ///< Tight box of the 255s.
+    TileMask mask;
+    IRect bounds; ///< Tight.
 };
 
 /// The pixels like the one at (x, y), seen on the active layer or in the finished picture, grown as the options

@@ -1,4 +1,7 @@
 #pragma once
+#include "core/Tile.h"
+
+#include <array>
 #include <cstdint>
 
 namespace qirn {
@@ -8,8 +11,21 @@ enum class AlphaLock {
     yes
 }; ///< With `yes` a pixel keeps its alpha, and one without alpha stays as it is.
 
-/// Lays a straight colour (r, g, b and a 1, each from 0 to 1) on each of `count` premultiplied pixels of a tile's
-/// row, to the extent of its coverage from 0 to 1. A coverage of 0 leaves the pixel's bytes as they are.
-void paintRow(AlphaLock lock, const float* colors, const float* coverage, uint8_t* pixels, int64_t count);
+/// How far each pixel of a tile's row is covered, 0 to 255.
+using CoverageRow = std::array<uint8_t, kTileSize>;
+
+/// One colour, straight, from 0 to 1, as are the opacities.
+struct FlatPaint {
+    float r, g, b;
+    float strength; ///< Opacity where the coverage is full.
+    AlphaLock lock = AlphaLock::no;
+
+    /// Nothing is seen of what was there before, where the coverage is full.
+    bool hides() const { return strength == 1 && lock == AlphaLock::no; }
+};
+
+/// Lays the colour on the premultiplied pixels of a tile's row. Those without coverage keep their bytes. The widest
+/// vectors of the machine do it; every instruction set gives the same bytes.
+void paintRow(const FlatPaint& paint, const CoverageRow& coverage, uint8_t* row);
 
 } // namespace qirn

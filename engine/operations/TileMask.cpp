@@ -2,57 +2,53 @@
 
 #include "platform/Parallel.h"
 
-#include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace qirn {
 
 namespace {
 
-using MaskRow = std::array<uint8_t, kTileSize>;
+const BitRow kUncovered;
+const BitRow kCovered = ~BitRow();
+constexpr int kLast = kTileSize - 1;
 
-constexpr MaskRow rowOf(uint8_t value) {
-    MaskRow row{};
-    for (uint8_t& byte : row) byte = value;
-    return row;
-}
-constexpr MaskRow kUncovered = rowOf(0);
-constexpr MaskRow kCovered = rowOf(255);
-
-constexpr bool isSet(uint8_t byte) {
-    return byte != 0;
-}
-
-constexpr uint8_t larger(uint8_t a, uint8_t b) {
-    return a > b ? a : b;
-}
-
-/// `left` and `right` are the bytes beside the row.
-void growRow(const uint8_t* row, const uint8_t* above, const uint8_t* below, uint8_t left, uint8_t right,
-             uint8_t* out) {
-    std::array<uint8_t, kTileSize + 2> wide;
-    wide.front() = left;
-    std::copy_n(row, kTileSize, wide.begin() + 1);
-    wide.back() = right;
-    for (std::size_t x = 0; x < kTileSize; ++x) {
-        const uint8_t across = larger(larger(wide[x], wide[x + 1]), wide[x + 2]);
-        out[x] = larger(across, larger(above[x], below[x]));
+/// For each byte of a row's bits the eight bytes of coverage that they let through, in memory order.
+using ByteMasks = std::array<std::array<uint8_t, 8>, 256>;
+constexpr ByteMasks makeByteMasks() {
+    ByteMasks masks{};
+    for (std::size_t byte = 0; byte < masks.size(); ++byte) {
+        for (std::size_t bit = 0; bit < 8; ++bit) masks[byte][bit] = byte >> bit & 1 ? 255 : 0;
     }
+    return masks;
+}
+constexpr ByteMasks kByteMasks = makeByteMasks();
+
+/// `before` and `after` tell of the pixels beside the row.
+BitRow grownAcross(const BitRow& row, bool before, bool after) {
+    BitRow grown = row;
+    for (int i = 0; i < BitRow::kWords; ++i) {
+        const uint64_t fromBefore = i > 0 ? row[i - 1] >> 63 : before;
+        const uint64_t fromAfter = i + 1 < BitRow::kWords ? row[i + 1] & 1 : after;
+        grown[i] |= row[i] << 1 | fromBefore | row[i] >> 1 | fromAfter << 63;
+    }
+    return grown;
 }
 
 } // namespace
 
 TileMask::TileMask(const TileGrid& grid) : grid_(grid), slots_(static_cast<std::size_t>(grid.count())) {}
 
-const uint8_t* TileMask::row(int64_t index, int64_t y) const {
+const BitRow& TileMask::row(int64_t index, int y) const {
     const Slot& tile = slot(index);
-    if (tile.cover == Cover::bytes) return tile.bytes.get() + y * kTileSize;
-    return tile.cover == Cover::whole ? kCovered.data() : kUncovered.data();
+    if (tile.cover == Cover::bits) return (*tile.bits)[y];
+    return tile.cover == Cover::whole ? kCovered : kUncovered;
 }
 
-uint8_t TileMask::value(int64_t x, int64_t y) const {
-    if (!grid_.bounds().contains(x, y)) return 0;
-    return row((y / kTileSize) * grid_.cols + x / kTileSize, y % kTileSize)[x % kTileSize];
+bool TileMask::covers(int64_t x, int64_t y) const {
+    if (!grid_.bounds().contains(x, y)) return false;
+    const int64_t index = (y / kTileSize) * grid_.cols + x / kTileSize;
+    return row(index, static_cast<int>(y % kTileSize)).has(static_cast<int>(x % kTileSize));
 }
 
 IRect TileMask::bounds() const {
@@ -60,18 +56,17 @@ IRect TileMask::bounds() const {
     for (int64_t index = 0; index < grid_.count(); ++index) {
         const IRect part = grid_.rectOf(index);
         if (coverOf(index) == Cover::none || box.united(part) == box) continue;
-        if (coverOf(index) == Cover::whole) {
-            box = box.united(part);
-            continue;
+        BitRow columns, rows;
+        for (int y = 0; y < part.h; ++y) {
+            const BitRow covered = row(index, y) & BitRow::first(static_cast<int>(part.w));
+            if (covered.isEmpty()) continue;
+            columns |= covered;
+            rows.set(y);
         }
-        for (int64_t y = 0; y < part.h; ++y) {
-            const uint8_t* bytes = row(index, y);
-            const uint8_t* first = std::find_if(bytes, bytes + part.w, isSet);
-            if (first == bytes + part.w) continue;
-            const uint8_t* last = bytes + part.w - 1;
-            while (!isSet(*last)) --last;
-            box = box.united({part.x + (first - bytes), part.y + y, last - first + 1, 1});
-        }
+        if (rows.isEmpty()) continue;
+        const int left = columns.lowestFrom(0), top = rows.lowestFrom(0);
+        box = box.united({part.x + left, part.y + top, columns.highestUpTo(kLast) + 1 - left,
+                          rows.highestUpTo(kLast) + 1 - top});
     }
     return box;
 }
@@ -80,6 +75,31 @@ TileMask TileMask::grown() const {
     TileMask result(grid_);
     concurrentPerform(grid_.count(), [&](int64_t index) { growTile(index, result); });
     return result;
+}
+
+void TileMask::limit(CoverageRow& coverage, int64_t index, int y) const {
+    const BitRow& covered = row(index, y);
+    for (int word = 0; word < BitRow::kWords; ++word) {
+        uint8_t* at = coverage.data() + word * 64;
+        uint64_t bits = covered[word];
+        if (bits == ~uint64_t{0}) continue;
+        for (int i = 0; i < 64; i += 8, bits >>= 8, at += 8) {
+            uint64_t bytes, mask;
+            std::memcpy(&bytes, at, 8);
+            std::memcpy(&mask, kByteMasks[bits & 0xFF].data(), 8);
+            bytes &= mask;
+            std::memcpy(at, &bytes, 8);
+        }
+    }
+}
+
+void TileMask::setBits(int64_t index, const TileBits& bits) {
+    if (bits.anyRow().isEmpty())
+        slot(index) = {};
+    else if (bits.everyRow() == kCovered)
+        coverWhole(index);
+    else
+        slot(index) = {Cover::bits, std::make_unique<const TileBits>(bits)};
 }
 
 void TileMask::growTile(int64_t index, TileMask& to) const {
@@ -96,16 +116,16 @@ void TileMask::growTile(int64_t index, TileMask& to) const {
     const auto isBlank = [&](int64_t tile) { return tile == none || coverOf(tile) == Cover::none; };
     if (isBlank(index) && isBlank(left) && isBlank(right) && isBlank(above) && isBlank(below)) return;
 
-    const auto rowOfTile = [&](int64_t tile, int64_t y) {
-        return tile == none ? kUncovered.data() : row(tile, y);
+    const auto rowOfTile = [&](int64_t tile, int y) -> const BitRow& {
+        return tile == none ? kUncovered : row(tile, y);
     };
-    auto bytes = std::make_unique_for_overwrite<uint8_t[]>(kTilePixels);
-    for (int64_t y = 0; y < kTileSize; ++y) {
-        growRow(row(index, y), y > 0 ? row(index, y - 1) : rowOfTile(above, kTileSize - 1),
-                y + 1 < kTileSize ? row(index, y + 1) : rowOfTile(below, 0),
-                rowOfTile(left, y)[kTileSize - 1], rowOfTile(right, y)[0], bytes.get() + y * kTileSize);
+    TileBits bits;
+    for (int y = 0; y < kTileSize; ++y) {
+        bits[y] = grownAcross(row(index, y), rowOfTile(left, y).has(kLast), rowOfTile(right, y).has(0)) |
+                  (y > 0 ? row(index, y - 1) : rowOfTile(above, kLast)) |
+                  (y < kLast ? row(index, y + 1) : rowOfTile(below, 0));
     }
-    if (std::any_of(bytes.get(), bytes.get() + kTilePixels, isSet)) to.setBytes(index, std::move(bytes));
+    to.setBits(index, bits);
 }
 
 } // namespace qirn

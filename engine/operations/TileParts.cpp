@@ -4,8 +4,18 @@
 #include "platform/Parallel.h"
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 
 namespace qirn {
+
+namespace {
+
+bool areAlike(const uint8_t* bytes, int64_t count) {
+    return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
+}
+
+} // namespace
 
 Extent extentOf(const Selection* selection, const IRect& part) {
     if (!selection) return Extent::everything;
@@ -13,23 +23,51 @@ Extent extentOf(const Selection* selection, const IRect& part) {
     if (first != 0 && first != 255) return Extent::some;
     for (int64_t y = part.y; y < part.maxY(); ++y) {
         const uint8_t* row = selection->row(y) + part.x;
-        if (!std::all_of(row, row + part.w, [first](uint8_t byte) { return byte == first; }))
-            return Extent::some;
+        if (row[0] != first || !areAlike(row, part.w)) return Extent::some;
     }
     return first == 0 ? Extent::nothing : Extent::everything;
 }
 
-void TileParts::take(int64_t index, const IRect& part) {
-    if (layer_.alphaLocked && !layer_.tile(index)) return;
-    uint8_t* pixels = layer_.writableTile(index).writablePixels();
-    parts_.push_back({index, layer_.grid().rectOf(index), part, pixels});
+CoverageRow coverageOf(const Selection* selection, const TilePart& at, int64_t y) {
+    CoverageRow coverage{};
+    uint8_t* first = coverage.data() + (at.part.x - at.tile.x);
+    if (selection)
+        std::copy_n(selection->row(y) + at.part.x, at.part.w, first);
+    else
+        std::fill_n(first, at.part.w, uint8_t{255});
+    return coverage;
 }
 
-void TileParts::run(const std::function<void(const TilePart& part, int64_t y)>& paint) const {
-    concurrentPerform(static_cast<int64_t>(parts_.size()), [&](int64_t i) {
-        const TilePart& part = parts_[static_cast<std::size_t>(i)];
-        for (int64_t y = part.part.y; y < part.part.maxY(); ++y) paint(part, y);
+void TileParts::take(int64_t index, const IRect& part, Old old) {
+    if (layer_.alphaLocked && !layer_.tile(index)) return;
+    // Beyond the canvas edge a tile keeps what it had.
+    const bool isWhole = part.w * part.h == kTilePixels;
+    taken_.push_back({index, part, isWhole ? old : Old::seen});
+}
+
+void TileParts::run(const std::function<void(const TilePart& part, int64_t y)>& paint) {
+    // Tiles that may be written already are found first: the layer itself is for one thread. Copies are made where
+    // they are painted, while they are in that processor's cache.
+    std::vector<uint8_t*> pixels(taken_.size());
+    std::vector<TileRef> fresh(taken_.size());
+    for (std::size_t i = 0; i < taken_.size(); ++i) {
+        const Tile* tile = layer_.tile(taken_[i].index);
+        if (tile && !tile->isFrozen()) pixels[i] = layer_.writableTile(taken_[i].index).writablePixels();
+    }
+    concurrentPerform(static_cast<int64_t>(taken_.size()), [&](int64_t at) {
+        const auto i = static_cast<std::size_t>(at);
+        const auto& [index, part, old] = taken_[i];
+        if (!pixels[i]) {
+            const Tile* tile = layer_.tile(index);
+            fresh[i] = tile && old == Old::seen ? std::make_shared<Tile>(*tile) : std::make_shared<Tile>();
+            pixels[i] = fresh[i]->writablePixels();
+        }
+        const TilePart painted{index, layer_.grid().rectOf(index), part, pixels[i]};
+        for (int64_t y = part.y; y < part.maxY(); ++y) paint(painted, y);
     });
+    for (std::size_t i = 0; i < taken_.size(); ++i) {
+        if (fresh[i]) layer_.setTile(taken_[i].index, std::move(fresh[i]));
+    }
 }
 
 } // namespace qirn

@@ -1,6 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/Layer.h"
+#include "operations/RowPainter.h"
 
 #include <cstdint>
 #include <functional>
@@ -16,31 +17,41 @@ enum class Extent { nothing, some, everything };
 /// What a selection covers of a rectangle of the canvas; without one that is everything.
 Extent extentOf(const Selection* selection, const IRect& part);
 
-/// Where one tile of a layer and a rectangle of the canvas meet, taken for writing.
+/// Where one tile of a layer and a rectangle of the canvas meet, while it is painted.
 struct TilePart {
     int64_t index;
     IRect tile; ///< On the canvas, as `part`.
     IRect part;
     uint8_t* pixels; ///< Of the whole tile.
 
-    uint8_t* row(int64_t y) const { ///< The part's pixels in row `y` of the canvas.
-        return pixels + (y - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
-    }
+    uint8_t* row(int64_t y) const { return pixels + (y - tile.y) * kTileRowBytes; } ///< Of the tile, whole.
 };
+
+/// What the selection, or without one everything, covers of row `y` of the part; nothing beside the part.
+CoverageRow coverageOf(const Selection* selection, const TilePart& at, int64_t y);
+
+/// Whether anything of what a part held before is seen under what is painted.
+enum class Old { seen, hidden };
 
 /// The parts of a rectangle on one layer, to be painted by `run`.
 class TileParts {
 public:
     explicit TileParts(Layer& layer) : layer_(layer) {}
 
-    /// Makes or copies the tile, except where an alpha lock lets nothing through to it anyway.
-    void take(int64_t index, const IRect& part);
-    /// `paint(part, y)` for every row of every part, the parts in parallel.
-    void run(const std::function<void(const TilePart& part, int64_t y)>& paint) const;
+    /// Takes part in the painting, except where an alpha lock lets nothing through to the tile anyway.
+    void take(int64_t index, const IRect& part, Old old);
+    /// `paint(part, y)` for every row of every part, the parts in parallel. Makes their tiles, or copies them where needed.
+    void run(const std::function<void(const TilePart& part, int64_t y)>& paint);
 
 private:
+    struct Taken {
+        int64_t index;
+        IRect part;
+        Old old;
+    };
+
     Layer& layer_;
-    std::vector<TilePart> parts_;
+    std::vector<Taken> taken_;
 };
 
 } // namespace qirn

@@ -101,6 +101,9 @@ HWY_INLINE bool allOf(bool condition) {
 template <class DoublesAt> HWY_INLINE Floats narrowedFrom(DoublesAt doublesAt) {
     return static_cast<float>(doublesAt(0));
 }
+HWY_INLINE void storeNarrowed(Doubles v, float* to) {
+    *to = static_cast<float>(v);
+}
 HWY_INLINE Doubles widened(const float* from) {
     return static_cast<double>(*from);
 }
@@ -241,6 +244,10 @@ template <class DoublesAt> HWY_INLINE Floats narrowedFrom(DoublesAt doublesAt) {
     const hn::Half<Floats::Tag> half;
     const Doubles low = doublesAt(0), high = doublesAt(kDoubleLanes);
     return Floats(hn::Combine(Floats::Tag(), hn::DemoteTo(half, high.v), hn::DemoteTo(half, low.v)));
+}
+HWY_INLINE void storeNarrowed(Doubles v, float* to) {
+    const hn::Rebind<float, Doubles::Tag> narrow;
+    hn::Store(hn::DemoteTo(narrow, v.v), narrow, to);
 }
 HWY_INLINE Doubles widened(const float* from) {
     return Doubles(hn::PromoteTo(Doubles::Tag(), hn::Load(hn::Rebind<float, Doubles::Tag>(), from)));

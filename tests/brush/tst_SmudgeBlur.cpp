@@ -1,9 +1,14 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
+#include "brush/TipDistances.h"
+#include "core/SeededRandom.h"
 #include "operations/Selection.h"
+#include "platform/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/Strokes.h"
 #include "support/TestMain.h"
+
+#include <cmath>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -38,6 +43,40 @@ class tst_SmudgeBlur : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aTipCoversTheSameWithAnyInstructions() {
+        SeededRandom random(12);
+        const auto upTo = [&random](double most) { return random.unit() * most; };
+        for (int round = 0; round < 4000; ++round) {
+            // Hard and soft, from a pixel to the widest, through the middle as well as past it.
+            const double size = upTo(round % 2 == 0 ? 6 : 500);
+            const double cx = 300 + upTo(700), cy = 300 + upTo(1);
+            const auto dx = static_cast<int64_t>(upTo(size * 1.5) - size * 1.5);
+            const auto dy = static_cast<int64_t>(upTo(size * 1.5));
+            const auto x = static_cast<int64_t>(cx) + dx, y = static_cast<int64_t>(cy) + dy;
+            // A rim that all but touches a pixel's centre tells the least differences of distance apart.
+            const double nearRim =
+                std::hypot(static_cast<double>(x) + 0.5 - cx, static_cast<double>(y) + 0.5 - cy) + upTo(2e-6);
+            const TipEdge edge(std::max(1.0, round % 3 == 0 ? nearRim : size),
+                               round % 5 == 0 ? upTo(0.05) + 0.95 : upTo(1));
+            const std::vector<std::string> sets = instructionSets();
+            useInstructionSet(sets[static_cast<std::size_t>(round) % sets.size()]);
+            TipCoverage corners, centres;
+            coverAround(edge, dx, dy, kTileSize, corners);
+            coverAround(edge, cx, cy, x, y, kTileSize, centres);
+            for (std::size_t i = 0; i < kTileSize; ++i) {
+                const auto at = static_cast<double>(i);
+                const double across = static_cast<double>(dx) + at, down = static_cast<double>(dy);
+                QCOMPARE(corners.share[i],
+                         static_cast<float>(edge.coverage(std::sqrt(across * across + down * down))));
+                const double dist =
+                    std::hypot(static_cast<double>(x) + at + 0.5 - cx, static_cast<double>(y) + 0.5 - cy);
+                QVERIFY2(centres.share[i] == static_cast<float>(edge.coverage(dist)),
+                         qPrintable(QStringLiteral("round %1, %2").arg(round).arg(i)));
+            }
+        }
+        useInstructionSet({});
+    }
+
     void theFirstSmudgeDabOnlyTakesPaintUp() {
         TwoColours sheet;
         const uint64_t before = sheet.layer().fingerprint();

@@ -3,6 +3,7 @@
 #include "operations/CoveragePainter.h"
 #include "operations/Fill.h"
 #include "operations/LayerOperations.h"
+#include "platform/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/Stops.h"
 #include "support/TestMain.h"
@@ -26,15 +27,19 @@ std::unique_ptr<PaintDocument> noisyPicture(int64_t width, int64_t height, uint6
     return doc;
 }
 
-/// Bytes of every kind, a tile without any and a tile of nothing but 255.
+/// Bits of every kind, tiles with none and with all of them.
 TileMask patchyMask(const TileGrid& grid) {
     TileMask mask(grid);
+    SeededRandom random(8);
     for (int64_t index = 1; index < grid.count(); ++index) {
         if (index % 3 == 1) {
-            auto bytes = std::make_unique<uint8_t[]>(kTilePixels);
-            for (int i = 0; i < kTilePixels; ++i)
-                bytes[static_cast<std::size_t>(i)] = static_cast<uint8_t>(i * 7 / 5);
-            mask.setBytes(index, std::move(bytes));
+            TileBits bits;
+            for (BitRow& row : bits.rows) {
+                for (uint64_t& word : row.words)
+                    word = random.next() | random.next() << random.next() % 99 % 64;
+            }
+            bits[7] = bits[8] = ~BitRow();
+            mask.setBits(index, bits);
         } else if (index % 3 == 2) {
             mask.coverWhole(index);
         }
@@ -52,6 +57,8 @@ class tst_Fill : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { useInstructionSet({}); }
+
     void optionsComeBackFromTheirRecord() {
         const FillOptions options{.tolerance = 7, .contiguous = false, .sampleAllLayers = true, .expand = 3};
         const std::string record = jsonBytes(options.toJson());
@@ -104,14 +111,19 @@ private Q_SLOTS:
         QTest::addColumn<bool>("selected");
         QTest::addColumn<bool>("locked");
         QTest::addColumn<double>("opacity");
-        int row = 0;
-        for (double opacity : {1.0, 0.6}) {
-            for (int i = 0; i < 8; ++i) {
-                QTest::addRow("%d", row++) << (i % 2 == 1) << (i / 2 % 2 == 1) << (i / 4 == 1) << opacity;
+        QTest::addColumn<std::string>("instructions");
+        for (const std::string& name : instructionSets()) {
+            for (double opacity : {1.0, 0.6}) {
+                for (int i = 0; i < 8; ++i) {
+                    QTest::addRow("%s, %d at %g", name.c_str(), i, opacity)
+                        << (i % 2 == 1) << (i / 2 % 2 == 1) << (i / 4 == 1) << opacity << name;
+                }
             }
         }
     }
     void everyPixelFollowsTheRules() {
+        QFETCH(std::string, instructions);
+        useInstructionSet(instructions);
         QFETCH(bool, masked);
         QFETCH(bool, selected);
         QFETCH(bool, locked);
@@ -130,7 +142,7 @@ private Q_SLOTS:
         const float strength = static_cast<float>(opacity) * static_cast<float>(color.a);
         for (int64_t y = 3; y < h; ++y) {
             for (int64_t x = 100; x < 690; ++x) {
-                float c = masked ? mask.value(x, y) : 255;
+                float c = masked && !mask.covers(x, y) ? 0 : 255;
                 if (selected) c = c * doc->selection->value(x, y) / 255;
                 if (c > 0)
                     layOnPixel(wanted->row(y) + x * 4, straightFloats(color), c * strength / 255, locked);
@@ -151,7 +163,10 @@ private Q_SLOTS:
         }
         const auto before = doc->activeLayer().toBuffer();
         TileMask mask(doc->grid());
-        mask.setBytes(0, std::make_unique<uint8_t[]>(kTilePixels));
+        TileBits one{};
+        one[1].set(0); // beside the canvas
+        mask.setBits(0, one);
+        QCOMPARE(mask.bounds(), IRect());
         for (bool locked : {false, true}) {
             doc->activeLayer().alphaLocked = locked;
             paintCoverage(*doc, doc->grid().bounds(), doc->activeLayer(), kOrange, 1, mask);

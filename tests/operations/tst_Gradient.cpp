@@ -1,5 +1,6 @@
 #include "PaintReference.h"
 #include "operations/Gradient.h"
+#include "platform/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
@@ -54,16 +55,23 @@ class tst_Gradient : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup() { useInstructionSet({}); }
+
     void everyPixelFollowsTheRules_data() {
         QTest::addColumn<GradientKind>("kind");
         QTest::addColumn<bool>("selected");
         QTest::addColumn<bool>("locked");
+        QTest::addColumn<double>("startAlpha");
         QTest::addColumn<double>("endAlpha");
         QTest::addColumn<double>("opacity");
-        for (const GradientKindRow& row : kGradientKinds) {
-            for (int i = 0; i < 8; ++i) {
-                QTest::addRow("%s %d", row.id, i) << row.kind << (i % 2 == 1) << (i / 2 % 2 == 1)
-                                                  << (i / 4 == 1 ? 0.0 : 1.0) << (i % 3 == 0 ? 1.0 : 0.43);
+        QTest::addColumn<std::string>("instructions");
+        for (const std::string& name : instructionSets()) {
+            for (const GradientKindRow& row : kGradientKinds) {
+                for (int i = 0; i < 16; ++i) {
+                    QTest::addRow("%s, %s %d", name.c_str(), row.id, i)
+                        << row.kind << (i % 2 == 1) << (i / 2 % 2 == 1) << (i < 8 ? 0.9 : 1.0)
+                        << (i / 4 % 2 == 1 ? 0.0 : 1.0) << (i % 3 == 0 ? 1.0 : 0.43) << name;
+                }
             }
         }
     }
@@ -71,14 +79,17 @@ private Q_SLOTS:
         QFETCH(GradientKind, kind);
         QFETCH(bool, selected);
         QFETCH(bool, locked);
+        QFETCH(double, startAlpha);
         QFETCH(double, endAlpha);
         QFETCH(double, opacity);
+        QFETCH(std::string, instructions);
+        useInstructionSet(instructions);
         constexpr int64_t w = 600, h = 300;
         const auto doc = emptyPicture(w, h);
         doc->activeLayer().load(*noise(w, h, 11));
         doc->activeLayer().alphaLocked = locked;
         if (selected) doc->selection = patchySelection(w, h, 2);
-        const PaintColor start(0.95, 0.2, 0.61, 0.9), end(0.1, 0.75, 0.3, endAlpha);
+        const PaintColor start(0.95, 0.2, 0.61, startAlpha), end(0.1, 0.75, 0.3, endAlpha);
         const QPointF from(120.3, 250), to(390, 71.75);
         const auto wanted = doc->activeLayer().toBuffer();
         simpleGradient(*wanted, doc->selection.get(), locked, from, to, kind, start, end, opacity);

@@ -1,0 +1,21 @@
+#include "Measurements.h"
+
+#include "platform/InstructionSets.h"
+#include "platform/Parallel.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include <QString>
+
+/// Without arguments everything but the hand; the path of a pen recording adds that.
+int main(int argc, char** argv) {
+    using namespace qirn;
+    if (argc == 3 && std::strcmp(argv[1], "--show") == 0)
+        return bench::showFirstPaint(argc, argv, QString::fromLocal8Bit(argv[2]));
+    std::printf("%d threads, %s\n", concurrency(), instructionSets().back().c_str());
+    bench::measureStart(QString::fromLocal8Bit(argv[0]));
+    bench::measureCanvas();
+    if (argc == 2) bench::measureHand(QString::fromLocal8Bit(argv[1]));
+    return 0;
+}

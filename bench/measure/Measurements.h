@@ -1,0 +1,19 @@
+#pragma once
+#include <QString>
+
+namespace qirn::bench {
+
+/// Every preset paints what a hand painted (a recording as tests/support/PenRecording.h reads it), scaled to a 4K
+/// canvas of five layers, the screen's image included. Prints milliseconds a pen point, of the best of three replays.
+void measureHand(const QString& recording);
+
+/// From a program's start to the first paint of its window, against an empty widget of the same size.
+/// `program` is this one: it starts itself with the window to show as its argument.
+void measureStart(const QString& program);
+/// The started program's part: shows "studio" or "widget" and ends at its first paint.
+int showFirstPaint(int argc, char** argv, const QString& window);
+
+/// Memory of an open picture, what a huge canvas with a small drawing takes, what 500 undo steps take.
+void measureCanvas();
+
+} // namespace qirn::bench

@@ -1,0 +1,114 @@
+#include "brush/TipDistances.h"
+
+#include <cmath>
+
+// This file once more for each instruction set; the best that the machine has is chosen at run time.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "brush/TipDistances.cpp"
+#include <hwy/foreach_target.h>
+
+#include "brush/TipCoverage.h"
+
+#ifndef QIRN_BRUSH_TIPDISTANCES_ONCE
+#define QIRN_BRUSH_TIPDISTANCES_ONCE
+
+namespace qirn {
+
+namespace {
+
+/// Pixels that lie `first`, `first` + 1 and so on across and `dy` down, seen from a centre that lies `cx` across.
+struct RowFromCentre {
+    double first, cx, dy;
+};
+
+// Pixels are handled in blocks, which every vector divides; rows are filled up to whole ones.
+constexpr int kBlock = 16;
+static_assert(kTileSize % kBlock == 0);
+
+// The root of a sum of squares is within a few units in the last place of `std::hypot`, and so is coverage within
+// less than this, at any hardness and size. Where that much to either side rounds to the same float, both give it.
+constexpr double kDoubt = 1e-12;
+
+} // namespace
+
+} // namespace qirn
+
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace qirn::HWY_NAMESPACE {
+
+HWY_INLINE Doubles rootDistance(const RowFromCentre& row, int at) {
+    const Doubles across = Doubles(row.first + at) + laneNumbers() - Doubles(row.cx);
+    return squareRoot(across * across + Doubles(row.dy * row.dy));
+}
+
+template <bool kHard> HWY_INLINE Doubles coverageAt(const TipEdge& edge, Doubles dist) {
+    return kHard ? hardCoverage(edge, dist) : softCoverage(edge, dist);
+}
+
+template <bool kHard>
+HWY_ATTR void coverByRoot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+    for (int i = 0; i < count; i += kDoubleLanes)
+        storeNarrowed(coverageAt<kHard>(edge, rootDistance(row, i)), out.share.data() + i);
+}
+
+template <bool kHard>
+HWY_ATTR void coverByHypot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+    alignas(64) float least[kBlock];
+    alignas(64) float most[kBlock];
+    for (int block = 0; block < count; block += kBlock) {
+        float* share = out.share.data() + block;
+        for (int i = 0; i < kBlock; i += kDoubleLanes) {
+            const Doubles dist = rootDistance(row, block + i);
+            const Doubles coverage = coverageAt<kHard>(edge, dist);
+            // Nor is there doubt well outside, where any distance gives 0.
+            const Doubles doubt = select(dist > Doubles(edge.r + 0.51), Doubles(0), Doubles(kDoubt));
+            storeNarrowed(coverage, share + i);
+            storeNarrowed(coverage - doubt, least + i);
+            storeNarrowed(coverage + doubt, most + i);
+        }
+        bool isInDoubt = false;
+        for (int i = 0; i < kBlock; i += kLanes)
+            isInDoubt = isInDoubt || anyOf(loadFloats(least + i) != loadFloats(most + i));
+        if (!isInDoubt) continue;
+        for (int i = 0; i < kBlock; ++i) {
+            if (least[i] == most[i]) continue;
+            const double dist = std::hypot(row.first + (block + i) - row.cx, row.dy);
+            share[i] = static_cast<float>(edge.coverage(dist));
+        }
+    }
+}
+
+HWY_ATTR void CoverByRoot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+    edge.isHard ? coverByRoot<true>(edge, row, count, out) : coverByRoot<false>(edge, row, count, out);
+}
+
+HWY_ATTR void CoverByHypot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+    edge.isHard ? coverByHypot<true>(edge, row, count, out) : coverByHypot<false>(edge, row, count, out);
+}
+
+} // namespace qirn::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace qirn {
+
+HWY_EXPORT(CoverByRoot);
+HWY_EXPORT(CoverByHypot);
+
+void coverAround(const TipEdge& edge, int64_t dx, int64_t dy, int64_t count, TipCoverage& out) {
+    // The sum of the squares is exact, so that the root is the correctly rounded distance.
+    HWY_DYNAMIC_DISPATCH(CoverByRoot)
+    (edge, {static_cast<double>(dx), 0, static_cast<double>(dy)}, static_cast<int>(count), out);
+}
+
+void coverAround(const TipEdge& edge, double cx, double cy, int64_t x, int64_t y, int64_t count,
+                 TipCoverage& out) {
+    HWY_DYNAMIC_DISPATCH(CoverByHypot)
+    (edge, {static_cast<double>(x) + 0.5, cx, static_cast<double>(y) + 0.5 - cy}, static_cast<int>(count),
+     out);
+}
+
+} // namespace qirn
+#endif
