@@ -71,6 +71,12 @@ void tst_ColorProfile::linearLightIsEncodedToTheNearestStep() {
         const double exact = encodedSrgb(std::clamp<double>(light, 0, 1));
         QVERIFY(std::abs(converted(gray, std::vector{light})[0] - exact) <= 0.5 + 1e-3);
     }
+    for (int i = 0; i < 255; ++i) { // on either side of each border between two bytes
+        const double v = (i + 0.5) / 255;
+        const auto border = static_cast<float>(v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4));
+        QCOMPARE(converted(gray, std::vector{std::nextafter(border, 0.0f)})[0], i);
+        QCOMPARE(converted(gray, std::vector{std::nextafter(border, 1.0f)})[0], i + 1);
+    }
     QCOMPARE(converted(gray, std::vector{std::nanf("")}), (Rgba{0, 0, 0, 255}));
 }
 
