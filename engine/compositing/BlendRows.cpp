@@ -73,8 +73,12 @@ HWY_INLINE Pixel<Floats> pixelsOf(Words words, Floats k) {
 }
 
 template <class Mode, Atop kAtop> HWY_ATTR void blendRun(PixelRun& acc, const PixelRun& source, int count) {
-    for (int i = 0; i < count; i += kLanes)
-        storePixels(blended<Mode, kAtop>(loadPixels(acc, i), loadPixels(source, i)), acc, i);
+    for (int i = 0; i < count; i += kLanes) {
+        const Pixel<Floats> pixels = loadPixels(source, i);
+        // Strokes leave most of a layer uncovered, and neighbours alike.
+        if (!anyOf(pixels.a > Floats(0))) continue;
+        storePixels(blended<Mode, kAtop>(loadPixels(acc, i), pixels), acc, i);
+    }
 }
 
 using RunBlender = void (*)(PixelRun&, const PixelRun&, int count);
@@ -139,8 +143,10 @@ HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShap
                                                     : loadPixels(acc, i);
             for (const ByteLayer& layer : layers.subspan(onNothing)) {
                 const Words w = words(layer);
+                const auto covers = byteOf<24>(w) > Floats(0);
+                if (!anyOf(covers)) continue;
                 // Without its colour a pixel that covers nothing leaves the others as they are.
-                const Words covering = select(byteOf<24>(w) > Floats(0), w, allWords(0));
+                const Words covering = select(covers, w, allWords(0));
                 p = mixed<blend::Normal, Atop::no>(p, pixelsOf(covering, layer.strength));
             }
             storePixels(p, acc, i);

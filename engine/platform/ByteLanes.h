@@ -26,15 +26,16 @@ constexpr bool everyByteIsDivided() {
 }
 static_assert(everyByteIsDivided());
 
+/// The nearest whole number of a value, for 0 to 255; what lies beyond them, or is no number, becomes one of them.
+HWY_INLINE Words nearestByte(Floats v) {
+    return truncated(clampedToByte(v + Floats(0.5f)));
+}
+
 #if QIRN_PLAIN_TARGET
 
 /// One byte a lane, as a number from 0 to 255.
 HWY_INLINE Floats floatsOf(const uint8_t* from) {
     return static_cast<float>(*from);
-}
-/// The nearest whole number of a value, for 0 to 255; what lies beyond them, or is no number, becomes one of them.
-HWY_INLINE Words nearestByte(Floats v) {
-    return truncated(clampedToByte(v + 0.5f));
 }
 /// 0 where each of the four bytes lies within its limits, which are inside.
 HWY_INLINE Words bytesBeyond(Words word, Words lowest, Words highest) {
@@ -57,29 +58,6 @@ HWY_INLINE Floats floatsOf(const uint8_t* from) {
     const hn::ScalableTag<int32_t> whole;
     return Floats(hn::ConvertTo(Floats::Tag(), hn::PromoteTo(whole, hn::LoadU(narrow, from))));
 }
-#if HWY_ARCH_X86
-// Highway's conversion also sees to numbers that do not fit, which takes longer than all the rest.
-HWY_INLINE __m128i cutOff(__m128 v) {
-    return _mm_cvttps_epi32(v);
-}
-#if HWY_TARGET <= HWY_AVX2
-HWY_INLINE __m256i cutOff(__m256 v) {
-    return _mm256_cvttps_epi32(v);
-}
-#endif
-#if HWY_TARGET <= HWY_AVX3
-HWY_INLINE __m512i cutOff(__m512 v) {
-    return _mm512_cvttps_epi32(v);
-}
-#endif
-HWY_INLINE Words nearestByte(Floats v) {
-    return Words{cutOff(clampedToByte(v + Floats(0.5f)).v.raw)};
-}
-#else
-HWY_INLINE Words nearestByte(Floats v) {
-    return truncated(clampedToByte(v + Floats(0.5f)));
-}
-#endif
 HWY_INLINE Words bytesBeyond(Words word, Words lowest, Words highest) {
     const hn::ScalableTag<uint8_t> bytes;
     const auto at = hn::BitCast(bytes, word);

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include <QStringDecoder>
+
 namespace qirn {
 
 namespace {
@@ -97,7 +99,9 @@ const Json* jsonOptionalMember(const Json& object, const char* key) {
 
 QString jsonText(const Json& value) {
     if (!value.is_string()) wrongType("text");
-    return QString::fromStdString(value.get_ref<const std::string&>());
+    // A mark of byte order in front is a character of the text like any other: a name keeps it.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(QByteArrayView(value.get_ref<const std::string&>()));
 }
 
 double jsonNumber(const Json& value) {

@@ -96,6 +96,7 @@ private Q_SLOTS:
         for (const char* value : {"1", "true", "null", "[]"}) QCOMPARE(outcome(value, jsonText), refused);
         QCOMPARE(outcome("18446744073709551615", jsonNumber), QStringLiteral("1.84467e+19"));
         QCOMPARE(outcome(R"("\ud83d\ude00")", jsonText), QStringLiteral("\U0001F600"));
+        QCOMPARE(outcome("\"\uFEFFname\"", jsonText), QStringLiteral("\uFEFFname"));
 
         const Json object = *parsed(R"({"a":1,"n":null})");
         QVERIFY(jsonOptionalMember(object, "a"));
