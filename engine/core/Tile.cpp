@@ -1,6 +1,7 @@
 #include "core/Tile.h"
 
 #include <cstring>
+#include <utility>
 
 namespace qirn {
 
@@ -31,6 +32,10 @@ Tile::Tile() : pixels_(TileMemory::take()) {
 
 Tile::Tile(const Tile& other) : pixels_(TileMemory::take()) {
     std::memcpy(pixels_.get(), other.pixels(), kTileBytes);
+}
+
+Tile::Tile(TileMemory::Block filled) : pixels_(std::move(filled)) {
+    require(pixels_ != nullptr);
 }
 
 bool Tile::isEmpty() const {

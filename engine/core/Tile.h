@@ -40,8 +40,9 @@ public:
 /// tile is immutable and may be read from any thread.
 class Tile {
 public:
-    Tile();                           ///< Transparent, not frozen.
-    explicit Tile(const Tile& other); ///< The other tile's pixels, not frozen.
+    Tile();                                  ///< Transparent, not frozen.
+    explicit Tile(const Tile& other);        ///< The other tile's pixels, not frozen.
+    explicit Tile(TileMemory::Block filled); ///< The pixels that lie there, not frozen.
     Tile& operator=(const Tile&) = delete;
 
     bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.

@@ -66,6 +66,14 @@ void BEWriter::bytes(std::span<const uint8_t> block) {
     bytes_.append(reinterpret_cast<const char*>(block.data()), static_cast<qsizetype>(block.size()));
 }
 
+std::span<uint8_t> BEWriter::grow(int64_t count) {
+    require(count >= 0);
+    const qsizetype before = bytes_.size(), needed = before + static_cast<qsizetype>(count);
+    if (needed > bytes_.capacity()) bytes_.reserve(needed + needed / 4); // left alone it takes twice as much
+    bytes_.resize(needed);
+    return {reinterpret_cast<uint8_t*>(bytes_.data()) + before, static_cast<std::size_t>(count)};
+}
+
 void BEWriter::patchU32(int64_t at, uint32_t value) {
     require(at >= 0 && at + 4 <= size());
     put(value, bytes_.data() + at);

@@ -1,10 +1,11 @@
 #include "formats/ColorProfile.h"
 
+#include "formats/SrgbBytes.h"
+#include "formats/WideColorTables.h"
 #include "platform/Require.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -76,19 +77,57 @@ cmsUInt32Number formatOf(const PixelLayout& layout) {
 }
 
 /// The transform keeps its context alive; null when the library cannot make one.
+std::shared_ptr<void> transformBetween(const Context& context, const Profile& source, cmsUInt32Number from,
+                                       const Profile& target, cmsUInt32Number to, cmsUInt32Number flags) {
+    if (!source || !target) return nullptr;
+    const cmsHTRANSFORM transform =
+        cmsCreateTransformTHR(static_cast<cmsContext>(context.get()), source.get(), from, target.get(), to,
+                              INTENT_RELATIVE_COLORIMETRIC, flags | cmsFLAGS_BLACKPOINTCOMPENSATION);
+    if (!transform) return nullptr;
+    return {transform, [context](void* made) { cmsDeleteTransform(made); }};
+}
+
 std::shared_ptr<void> transformFrom(const Context& context, const Profile& source,
                                     const PixelLayout& layout) {
     const Profile target(cmsCreate_sRGBProfileTHR(static_cast<cmsContext>(context.get())));
-    if (!source || !target) return nullptr;
     // Tables made beforehand lose a step or two where they interpolate; only 8-bit pixels are worth their speed.
     const bool isByte = layout.sample == SampleType::u8 && layout.model != ColorModel::lab;
     const cmsUInt32Number care = isByte ? cmsFLAGS_HIGHRESPRECALC : cmsFLAGS_NOOPTIMIZE;
-    const cmsHTRANSFORM transform = cmsCreateTransformTHR(
-        static_cast<cmsContext>(context.get()), source.get(), formatOf(layout), target.get(), TYPE_RGBA_8,
-        INTENT_RELATIVE_COLORIMETRIC,
-        care | cmsFLAGS_BLACKPOINTCOMPENSATION | (layout.hasAlpha ? cmsFLAGS_COPY_ALPHA : 0u));
-    if (!transform) return nullptr;
-    return {transform, [context](void* made) { cmsDeleteTransform(made); }};
+    return transformBetween(context, source, formatOf(layout), target, TYPE_RGBA_8,
+                            care | (layout.hasAlpha ? cmsFLAGS_COPY_ALPHA : 0u));
+}
+
+WideColorTables::Transform workOf(const std::shared_ptr<void>& transform) {
+    return [transform](const void* from, void* to, int64_t count) {
+        cmsDoTransform(transform.get(), from, to, static_cast<cmsUInt32Number>(count));
+    };
+}
+
+Profile rgbProfileOf(cmsContext library, const ColorProfile::Chromaticities& places, cmsToneCurve* curve) {
+    const cmsCIExyY white{places.whiteX, places.whiteY, 1};
+    const cmsCIExyYTRIPLE primaries{
+        {places.redX, places.redY, 1}, {places.greenX, places.greenY, 1}, {places.blueX, places.blueY, 1}};
+    cmsToneCurve* const curves[3] = {curve, curve, curve};
+    return Profile(cmsCreateRGBProfileTHR(library, &white, &primaries, curves));
+}
+
+/// For 16-bit grey and RGB; null where the tables would not do, and for all others.
+std::shared_ptr<const WideColorTables> tablesFrom(const Context& context, const Profile& source,
+                                                  const PixelLayout& layout) {
+    if (layout.sample != SampleType::u16) return nullptr;
+    if (layout.model != ColorModel::gray && layout.model != ColorModel::rgb) return nullptr;
+    const auto exact = transformFrom(context, source, {layout.model, SampleType::u16});
+    if (!exact) return nullptr;
+    if (layout.model == ColorModel::gray) return WideColorTables::ofGray(workOf(exact));
+
+    const auto library = static_cast<cmsContext>(context.get());
+    cmsToneCurve* const straight = cmsBuildGamma(library, 1);
+    if (!straight) return nullptr;
+    const Profile light = rgbProfileOf(library, ColorProfile::srgbChromaticities, straight);
+    cmsFreeToneCurve(straight);
+    const auto linear =
+        transformBetween(context, source, TYPE_RGB_FLT, light, TYPE_RGB_FLT, cmsFLAGS_NOOPTIMIZE);
+    return linear ? WideColorTables::ofRgb(workOf(exact), workOf(linear)) : nullptr;
 }
 
 /// Whether 8-bit colours come out of a transform as they went in, but for rounding.
@@ -133,24 +172,8 @@ uint8_t byteOf(uint16_t value) {
     return static_cast<uint8_t>((value + 128) / 257);
 }
 
-/// Linear light to a byte of sRGB: the number of steps that it reaches, of which each begins half way.
-uint8_t encodedByte(float light) {
-    static const std::array<float, 255> steps = [] {
-        std::array<float, 255> starts{};
-        for (int i = 0; i < 255; ++i) {
-            const double v = (i + 0.5) / 255;
-            starts[static_cast<std::size_t>(i)] =
-                static_cast<float>(v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4));
-        }
-        return starts;
-    }();
-    // Not-a-number reaches none.
-    return static_cast<uint8_t>(
-        std::partition_point(steps.begin(), steps.end(), [light](float start) { return light >= start; }) -
-        steps.begin());
-}
 uint8_t byteOf(float light) {
-    return encodedByte(light);
+    return srgbByte(light);
 }
 
 uint8_t alphaByte(uint8_t value) {
@@ -215,6 +238,7 @@ std::optional<ColorProfile> ColorProfile::embedded(std::span<const uint8_t> icc,
     }
     result.transform_ = transformFrom(context, profile, layout);
     if (!result.transform_) return std::nullopt;
+    result.tables_ = tablesFrom(context, profile, layout);
     return result;
 }
 
@@ -242,21 +266,19 @@ std::optional<ColorProfile> ColorProfile::calibrated(const Chromaticities& place
     cmsToneCurve* const curve =
         power ? cmsBuildGamma(library, *power) : cmsBuildParametricToneCurve(library, 4, kSrgbCurve.data());
     if (!curve) return std::nullopt;
-    const cmsCIExyY white{places.whiteX, places.whiteY, 1};
-    const cmsCIExyYTRIPLE primaries{
-        {places.redX, places.redY, 1}, {places.greenX, places.greenY, 1}, {places.blueX, places.blueY, 1}};
-    cmsToneCurve* const curves[3] = {curve, curve, curve};
-    const Profile profile(isGray ? cmsCreateGrayProfileTHR(library, cmsD50_xyY(), curve)
-                                 : cmsCreateRGBProfileTHR(library, &white, &primaries, curves));
+    const Profile profile = isGray ? Profile(cmsCreateGrayProfileTHR(library, cmsD50_xyY(), curve))
+                                   : rgbProfileOf(library, places, curve);
     cmsFreeToneCurve(curve);
     if (!profile) return std::nullopt;
     ColorProfile result(layout);
     result.transform_ = transformFrom(context, profile, layout);
     if (!result.transform_) return std::nullopt;
+    result.tables_ = tablesFrom(context, profile, layout);
     return result;
 }
 
 void ColorProfile::convert(const void* pixels, uint8_t* rgba, int64_t count) const {
+    if (tables_) return tables_->convert(static_cast<const uint16_t*>(pixels), layout_.hasAlpha, rgba, count);
     if (transform_) {
         cmsDoTransform(transform_.get(), pixels, rgba, static_cast<cmsUInt32Number>(count));
         for (int64_t i = 0; !layout_.hasAlpha && i < count; ++i) rgba[i * 4 + 3] = 255;

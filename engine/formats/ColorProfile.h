@@ -6,6 +6,8 @@
 
 namespace qirn {
 
+class WideColorTables;
+
 enum class ColorModel { gray, rgb, cmyk, lab };
 enum class SampleType { u8, u16, f32 }; ///< f32 is for grey and RGB only.
 
@@ -49,7 +51,8 @@ private:
     explicit ColorProfile(const PixelLayout& layout) : layout_(layout) {}
 
     PixelLayout layout_;
-    std::shared_ptr<void> transform_; // of the colour library; null: the plain formulas serve
+    std::shared_ptr<void> transform_;               // of the colour library; null: the plain formulas serve
+    std::shared_ptr<const WideColorTables> tables_; // of what it does to 16 bits; null: it serves itself
 };
 
 } // namespace qirn

@@ -4,49 +4,67 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace qirn::PSDFile {
 
-inline constexpr int kPlanes = 4;        // red, green, blue, alpha
-inline constexpr int64_t kBandRows = 32; // divides the height of a tile
+inline constexpr int kPlanes = 4; // red, green, blue, alpha
 
 /// Packed rows of a part of the picture that lies within one row of tiles.
-struct PackedBand {
-    std::array<std::vector<uint8_t>, kPlanes> bytes;
-};
+using PackedBand = std::array<std::span<const uint8_t>, kPlanes>;
 
 /// A rectangle of the canvas as four planes of straight colour, each row packed for itself. It is cut into bands, which
-/// are packed side by side and stay where they are until the file is put together.
-class PackedPlanes {
-public:
-    explicit PackedPlanes(const IRect& rect); ///< Nothing packed yet; `rect` lies in the canvas.
+/// are packed side by side; their bytes are the packer's that made them.
+struct PackedPlanes {
+    IRect rect;
+    std::array<std::vector<uint16_t>, kPlanes> counts; ///< Packed bytes of each row.
+    std::vector<PackedBand> bands;
 
-    const IRect& rect() const { return rect_; }
-    const std::vector<uint16_t>& counts(int plane) const { return counts_[static_cast<std::size_t>(plane)]; }
-    const std::vector<PackedBand>& bands() const { return bands_; }
-    int64_t bandCount() const { return static_cast<int64_t>(bands_.size()); }
-    IRect bandRect(int64_t band) const;
-    int64_t planeBytes(int plane) const; ///< Of all rows.
-
-    /// Packs one band; returns its bytes. `tiles` are the pixels of the canvas's row of tiles in which the band lies,
-    /// null for a transparent tile.
-    int64_t packBand(int64_t band, std::span<const uint8_t* const> tiles);
-
-private:
-    int64_t packTransparent(int64_t band);
-
-    IRect rect_;
-    std::array<std::vector<uint16_t>, kPlanes> counts_;
-    std::vector<PackedBand> bands_;
+    int64_t planeBytes(int plane) const; ///< Of all rows, packed.
 };
 
-/// Every layer's content in stack order, an empty rectangle for a layer without any; stops early, unfinished, once the
-/// packed bytes exceed `most`. In parallel.
-std::vector<PackedPlanes> packLayers(const PaintDocument& doc, int64_t most);
+/// Packs the layers of a document and its finished picture, one after the other and each in parallel, into memory that
+/// all of them use in turn: the system takes as long to hand out fresh memory as it takes to pack into it.
+class PlanePacker {
+public:
+    explicit PlanePacker(const PaintDocument& doc); ///< Borrows the document.
 
-/// The finished picture of the whole canvas, composited a few rows of tiles at a time. In parallel.
-PackedPlanes packFinishedPicture(const PaintDocument& doc);
+    // What either returns is good until the next call.
+    PackedPlanes layer(const Layer& layer, const IRect& rect);
+    PackedPlanes finishedPicture(); ///< The whole canvas, composited a few rows of tiles at a time.
+
+private:
+    /// Where packed rows go, one behind the other.
+    class Room {
+    public:
+        uint8_t* atLeast(std::size_t count);               ///< So many bytes in one piece, to be written now.
+        std::span<const uint8_t> keep(const uint8_t* end); ///< What was written up to there stays.
+        void clear();
+
+    private:
+        struct Chunk {
+            std::unique_ptr<uint8_t[]> bytes;
+            std::size_t size;
+        };
+        std::vector<Chunk> chunks_;
+        std::size_t open_ = 0; // the chunk that is being filled
+        std::size_t used_ = 0; // bytes of it
+    };
+    struct Worker {
+        Room room;
+        std::vector<uint8_t> rows; // of a band, straight
+    };
+
+    PackedPlanes emptyPlanes(const IRect& rect);
+    IRect bandRect(const PackedPlanes& planes, int64_t band) const;
+    /// `tiles` are the pixels of the canvas's row of tiles in which the band lies, null for a transparent tile.
+    void packBand(PackedPlanes& planes, int64_t band, std::span<const uint8_t* const> tiles, Worker& worker);
+    void packBlank(PackedPlanes& planes, int64_t band, Room& room);
+
+    const PaintDocument& doc_;
+    std::vector<Worker> workers_;
+};
 
 } // namespace qirn::PSDFile

@@ -69,11 +69,6 @@ void writeHead(BEWriter& out, const PaintDocument& doc) {
     out.bytes(resources.data());
 }
 
-/// Bytes of a channel's data, its compression code included.
-int64_t channelBytes(const PackedPlanes& planes, int plane) {
-    return 2 + 2 * planes.rect().h + planes.planeBytes(plane);
-}
-
 void writeName(BEWriter& out, const QString& name) {
     QByteArray plain;
     for (const uint32_t scalar : name.toUcs4()) plain.append(scalar < 128 ? static_cast<char>(scalar) : '?');
@@ -92,13 +87,14 @@ void writeName(BEWriter& out, const QString& name) {
     out.bytes(unicode.data());
 }
 
-void writeRecord(BEWriter& out, const Layer& layer, const PackedPlanes& planes) {
-    const IRect& rect = planes.rect();
+/// Returns where the lengths of the channels belong, which are still 0.
+int64_t writeRecord(BEWriter& out, const Layer& layer, const IRect& rect) {
     for (const int64_t edge : {rect.y, rect.x, rect.maxY(), rect.maxX()}) out.i32(static_cast<int32_t>(edge));
     out.u16(kPlanes);
+    const int64_t channelsAt = out.size();
     for (const Channel& channel : kChannels) {
         out.i16(channel.identifier);
-        out.u32(static_cast<uint32_t>(channelBytes(planes, channel.plane)));
+        out.u32(0);
     }
     tag(out, "8BIM");
     tag(out, rowOf(layer.blendMode).psdKey);
@@ -113,36 +109,27 @@ void writeRecord(BEWriter& out, const Layer& layer, const PackedPlanes& planes) 
     writeName(extra, layer.name);
     out.u32(static_cast<uint32_t>(extra.size()));
     out.bytes(extra.data());
+    return channelsAt;
 }
 
-/// The bytes of a file whose head is written already and whose packed rows are put behind it: each block is given its
-/// place, and all are copied side by side.
-class Assembly {
+/// Numbers and packed rows that follow each other in the file: gathered first, then copied side by side.
+class Blocks {
 public:
-    explicit Assembly(BEWriter head) { own(head.take()); }
-
-    /// Numbers between the packed rows.
-    void own(QByteArray bytes) {
-        numbers_.push_back(std::move(bytes)); // moving the list later leaves the bytes where they are
-        add(bytesOf(numbers_.back()));
-    }
+    void add(uint16_t number) { own({number}); }
     void addCounts(const PackedPlanes& planes, int plane) {
-        BEWriter counts;
-        for (const uint16_t count : planes.counts(plane)) counts.u16(count);
-        own(counts.take());
+        own(planes.counts[static_cast<std::size_t>(plane)]);
     }
     void addRows(const PackedPlanes& planes, int plane) {
-        for (const PackedBand& band : planes.bands()) add(band.bytes[static_cast<std::size_t>(plane)]);
+        for (const PackedBand& band : planes.bands) add(band[static_cast<std::size_t>(plane)]);
     }
+    int64_t length() const { return length_; }
 
-    QByteArray joined() const {
-        QByteArray file(static_cast<qsizetype>(length_), Qt::Uninitialized);
-        char* const start = file.data();
-        concurrentPerform(static_cast<int64_t>(blocks_.size()), [&](int64_t i) {
+    void appendTo(BEWriter& out) const {
+        const std::span<uint8_t> room = out.grow(length_);
+        concurrentPerform(std::ssize(blocks_), [&](int64_t i) {
             const auto& [at, bytes] = blocks_[static_cast<std::size_t>(i)];
-            std::memcpy(start + at, bytes.data(), bytes.size());
+            std::memcpy(room.data() + at, bytes.data(), bytes.size());
         });
-        return file;
     }
 
 private:
@@ -150,6 +137,12 @@ private:
         int64_t at;
         std::span<const uint8_t> bytes;
     };
+    void own(const std::vector<uint16_t>& numbers) {
+        BEWriter out;
+        for (const uint16_t number : numbers) out.u16(number);
+        numbers_.push_back(out.take()); // moving the list later leaves the bytes where they are
+        add(bytesOf(numbers_.back()));
+    }
     void add(std::span<const uint8_t> bytes) {
         if (bytes.empty()) return;
         blocks_.push_back({length_, bytes});
@@ -161,62 +154,73 @@ private:
     int64_t length_ = 0;
 };
 
-QByteArray u16Bytes(uint16_t value) {
-    BEWriter out;
-    out.u16(value);
-    return out.take();
-}
-
 [[noreturn]] void refuse() {
     throw ExportError::cannotEncode(displayName(ExportFormat::psdLayered));
+}
+
+std::vector<IRect> contentBounds(const PaintDocument& doc) {
+    std::vector<IRect> bounds(static_cast<std::size_t>(doc.layerCount()));
+    concurrentPerform(doc.layerCount(), [&](int64_t i) {
+        bounds[static_cast<std::size_t>(i)] = doc.layer(i).contentBounds().value_or(IRect());
+    });
+    return bounds;
+}
+
+/// `channelsAt` is where the layer's record has the lengths of its channels.
+void writeChannels(BEWriter& out, const PackedPlanes& planes, int64_t channelsAt) {
+    Blocks blocks;
+    for (const Channel& channel : kChannels) {
+        const int64_t before = blocks.length();
+        blocks.add(planes.rect.isEmpty() ? 0 : kRunLengths);
+        blocks.addCounts(planes, channel.plane);
+        blocks.addRows(planes, channel.plane);
+        out.patchU32(channelsAt + 2, static_cast<uint32_t>(blocks.length() - before));
+        channelsAt += 6;
+    }
+    if (out.size() + blocks.length() > kMostBytes) refuse(); // before the memory is taken
+    blocks.appendTo(out);
+}
+
+void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
+    if (doc.layerCount() > kMostLayers) refuse();
+    const int64_t sectionAt = out.size();
+    out.u32(0);
+    out.u32(0);
+    const int64_t contentAt = out.size();
+    // Negative: the fourth channel of the finished picture is its transparency.
+    out.i16(static_cast<int16_t>(-doc.layerCount()));
+    const std::vector<IRect> bounds = contentBounds(doc);
+    std::vector<int64_t> channelsAt;
+    for (int64_t i = 0; i < doc.layerCount(); ++i)
+        channelsAt.push_back(writeRecord(out, doc.layer(i), bounds[static_cast<std::size_t>(i)]));
+    for (std::size_t i = 0; i < bounds.size(); ++i)
+        writeChannels(out, packer.layer(doc.layer(static_cast<int64_t>(i)), bounds[i]), channelsAt[i]);
+    out.zeros((out.size() - contentAt) % 2);
+    out.patchU32(sectionAt + 4, static_cast<uint32_t>(out.size() - contentAt));
+    out.u32(0); // no masks
+    const int64_t section = out.size() - (sectionAt + 4);
+    if (section > kMostBytes) refuse();
+    out.patchU32(sectionAt, static_cast<uint32_t>(section));
 }
 
 } // namespace
 
 QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
-    BEWriter head;
-    writeHead(head, doc);
-    std::vector<PackedPlanes> layers;
-    int64_t padding = 0;
-    if (layered == Layered::no) {
-        head.u32(0);
-    } else {
-        if (doc.layerCount() > kMostLayers) refuse();
-        layers = packLayers(doc, kMostBytes);
-        const int64_t sectionAt = head.size();
-        head.u32(0);
-        head.u32(0);
-        // Negative: the fourth channel of the finished picture is its transparency.
-        head.i16(static_cast<int16_t>(-doc.layerCount()));
-        int64_t channels = 0;
-        for (int64_t i = 0; i < doc.layerCount(); ++i) {
-            const PackedPlanes& planes = layers[static_cast<std::size_t>(i)];
-            writeRecord(head, doc.layer(i), planes);
-            for (const Channel& channel : kChannels) channels += channelBytes(planes, channel.plane);
-        }
-        const int64_t content = head.size() - (sectionAt + 8) + channels;
-        padding = content % 2;
-        const int64_t section =
-            4 + content + padding + 4; // with its own length and that of the layers' masks
-        if (section > kMostBytes) refuse();
-        head.patchU32(sectionAt, static_cast<uint32_t>(section));
-        head.patchU32(sectionAt + 4, static_cast<uint32_t>(content + padding));
-    }
+    BEWriter out;
+    writeHead(out, doc);
+    PlanePacker packer(doc);
+    if (layered == Layered::yes)
+        writeLayers(out, doc, packer);
+    else
+        out.u32(0);
 
-    Assembly file(std::move(head));
-    for (const PackedPlanes& planes : layers) {
-        for (const Channel& channel : kChannels) {
-            file.own(u16Bytes(planes.rect().isEmpty() ? 0 : kRunLengths));
-            file.addCounts(planes, channel.plane);
-            file.addRows(planes, channel.plane);
-        }
-    }
-    if (layered == Layered::yes) file.own(QByteArray(static_cast<qsizetype>(padding + 4), '\0'));
-    const PackedPlanes finished = packFinishedPicture(doc);
-    file.own(u16Bytes(kRunLengths));
-    for (int plane = 0; plane < kPlanes; ++plane) file.addCounts(finished, plane);
-    for (int plane = 0; plane < kPlanes; ++plane) file.addRows(finished, plane);
-    return file.joined();
+    const PackedPlanes finished = packer.finishedPicture();
+    Blocks blocks;
+    blocks.add(kRunLengths);
+    for (int plane = 0; plane < kPlanes; ++plane) blocks.addCounts(finished, plane);
+    for (int plane = 0; plane < kPlanes; ++plane) blocks.addRows(finished, plane);
+    blocks.appendTo(out);
+    return out.take();
 }
 
 std::array<std::vector<uint8_t>, 4> PSDFile::planes(const RGBABuffer& buffer, const IRect& rect) {

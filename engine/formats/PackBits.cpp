@@ -8,6 +8,10 @@
 #include <bit>
 #include <cstring>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace qirn {
 
 namespace {
@@ -40,6 +44,19 @@ public:
 
 private:
     /// Bit i: byte i equals byte i + 1.
+#ifdef __SSE2__
+    static uint64_t equal64(const uint8_t* bytes) {
+        uint64_t bits = 0;
+        for (int i = 0; i < 64; i += 16) {
+            const auto load = [&](int at) {
+                return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + at));
+            };
+            const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(load(i), load(i + 1)));
+            bits |= static_cast<uint64_t>(static_cast<uint32_t>(equal)) << i;
+        }
+        return bits;
+    }
+#else
     static uint64_t equal64(const uint8_t* bytes) {
         uint64_t bits = 0;
         for (int i = 0; i < 64; i += 8) bits |= equal8(bytes + i) << i;
@@ -56,6 +73,7 @@ private:
         const uint64_t equal = ~(((difference & kLow7) + kLow7) | difference) & ~kLow7;
         return (equal >> 7) * 0x0102040810204080 >> 56;
     }
+#endif
 
     std::array<uint64_t, kLongestMask / 64 + 2> words_;
 };
@@ -139,25 +157,41 @@ uint8_t* PSDFile::packBits(std::span<const uint8_t> row, uint8_t* out) {
     const uint8_t* const bytes = row.data();
     if (std::memcmp(bytes, bytes + 1, n - 1) == 0) return packFlat(bytes[0], n, out);
     const EqualNeighbours equal(row);
+    const std::size_t roomy =
+        n - std::min(n, kLongestStep); // up to here whole blocks may be read and written
     for (std::size_t i = 0; i < n;) {
+        // The literals, often none, and the run behind them that can be told by 64 pairs: most steps, without a
+        // branch that a processor would guess wrongly.
         uint64_t pairs = equal.from(i);
-        std::size_t known = 64; // how many of the pairs tell something
-        if ((pairs & 1) == 0) {
-            const uint64_t triples = triplesOf(pairs);
-            const std::size_t count =
-                triples ? static_cast<std::size_t>(std::countr_zero(triples)) : literalsAt(equal, i, n - i);
-            out = n - i < kLongestStep ? writeLiterals(bytes + i, count, out)
-                                       : writeLiteralsByBlocks(bytes + i, count, out);
-            i += count;
-            if (triples == 0) continue;
-            // As most stretches do, this one ended within the pairs: a run follows.
-            pairs >>= count;
-            known -= count;
+        std::size_t known = 64; // of the pairs
+        while (i < roomy) {
+            const uint64_t runs = triplesOf(pairs) | (pairs & 1);
+            if (runs == 0) break;
+            const auto literals = static_cast<std::size_t>(std::countr_zero(runs));
+            const auto more = static_cast<std::size_t>(std::countr_one(pairs >> literals));
+            if (literals + more >= known) break;
+            *out = static_cast<uint8_t>(literals - 1);
+            std::memcpy(out + 1, bytes + i, kCopiedAtOnce);
+            for (std::size_t at = kCopiedAtOnce; at < literals; at += kCopiedAtOnce)
+                std::memcpy(out + 1 + at, bytes + i + at, kCopiedAtOnce);
+            out += literals + (literals != 0);
+            i += literals;
+            out = writeRun(bytes[i], more + 1, out);
+            i += more + 1;
+            known -= literals + more + 1;
+            pairs = pairs >> literals >> more >> 1;
         }
-        auto run = static_cast<std::size_t>(std::countr_one(pairs));
-        run = run < known ? run + 1 : runAt(equal, i);
-        out = writeRun(bytes[i], run, out);
-        i += run;
+        if (known < 64 || i == n) continue;
+        if (pairs & 1) {
+            const std::size_t run = runAt(equal, i);
+            out = writeRun(bytes[i], run, out);
+            i += run;
+        } else {
+            const std::size_t count = literalsAt(equal, i, n - i);
+            out = i < roomy ? writeLiteralsByBlocks(bytes + i, count, out)
+                            : writeLiterals(bytes + i, count, out);
+            i += count;
+        }
     }
     return out;
 }

@@ -17,7 +17,6 @@ namespace {
 
 using namespace PaintFile;
 
-constexpr std::size_t kTilesAtOnce = 4;    // with one decoder
 constexpr std::size_t kShortStream = 4096; // bytes; a flat tile takes about 300
 
 /// Bytes of the file that make one tile, for all the entries that bring these bytes.
@@ -62,19 +61,18 @@ public:
 
     /// Throws for the first damaged entry of all that were added.
     void decode() {
-        const std::size_t chunks = (tiles_.size() + kTilesAtOnce - 1) / kTilesAtOnce;
+        std::vector<TileDecoder> decoders(static_cast<std::size_t>(concurrency()));
         std::atomic<std::size_t> firstDamaged = tiles_.size();
-        concurrentPerform(static_cast<int64_t>(chunks), [this, &firstDamaged](int64_t chunk) {
-            TileDecoder decoder;
-            const std::size_t first = static_cast<std::size_t>(chunk) * kTilesAtOnce;
-            for (std::size_t i = first; i < std::min(first + kTilesAtOnce, tiles_.size()); ++i) {
-                if (i > firstDamaged.load(std::memory_order_relaxed)) return; // it is not what is reported
-                decodeOne(tiles_[i], decoder);
-                if (!tiles_[i].isDamaged) continue;
-                std::size_t before = firstDamaged;
-                while (i < before && !firstDamaged.compare_exchange_weak(before, i)) {}
-            }
-        });
+        concurrentPerformByWorkers(std::ssize(decoders), std::ssize(tiles_),
+                                   [this, &decoders, &firstDamaged](std::size_t worker, int64_t index) {
+                                       const auto i = static_cast<std::size_t>(index);
+                                       if (i > firstDamaged.load(std::memory_order_relaxed))
+                                           return; // it is not what is reported
+                                       decodeOne(tiles_[i], decoders[worker]);
+                                       if (!tiles_[i].isDamaged) return;
+                                       std::size_t before = firstDamaged;
+                                       while (i < before && !firstDamaged.compare_exchange_weak(before, i)) {}
+                                   });
         if (firstDamaged < tiles_.size()) throw damagedTile(tiles_[firstDamaged].firstSlot, " data");
         if (refusal_) throw *refusal_;
     }
@@ -115,8 +113,9 @@ private:
             tile = decoder.decode(stored.bytes);
             stored.isDamaged = !tile;
         } else if (stored.isPlaced) {
-            tile = std::make_shared<Tile>();
-            std::memcpy(tile->writablePixels(), stored.bytes.data(), kTileBytes);
+            TileMemory::Block pixels = TileMemory::take();
+            std::memcpy(pixels.get(), stored.bytes.data(), kTileBytes);
+            tile = std::make_shared<Tile>(std::move(pixels));
         }
         if (!tile || !stored.isPlaced) return;
         tile->freeze(); // several slots may share it

@@ -6,7 +6,7 @@
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 
-#include <algorithm>
+#include <cstring>
 #include <limits>
 #include <unordered_map>
 #include <vector>
@@ -17,8 +17,16 @@ namespace {
 
 using namespace PaintFile;
 
-constexpr std::size_t kTilesAtOnce = 4; // with one encoder; few, so that the load spreads over the cores
 constexpr double kPreviewDpi = 72;
+
+/// The pixel of which all of a tile are made; nothing where they differ.
+std::optional<uint32_t> onlyPixelOf(const Tile& tile) {
+    constexpr std::size_t kPixel = 4;
+    if (std::memcmp(tile.pixels(), tile.pixels() + kPixel, kTileBytes - kPixel) != 0) return std::nullopt;
+    uint32_t pixel = 0;
+    std::memcpy(&pixel, tile.pixels(), kPixel);
+    return pixel;
+}
 
 /// Every tile of a snapshot as it goes into the file, once however many slots share it.
 class StoredTiles {
@@ -36,21 +44,36 @@ public:
             forms_[i] = tiles[i]->storedForm();
             if (!forms_[i]) unknown.push_back(i);
         }
-        const std::size_t chunks = (unknown.size() + kTilesAtOnce - 1) / kTilesAtOnce;
-        concurrentPerform(static_cast<int64_t>(chunks), [&](int64_t chunk) {
-            TileEncoder encoder;
-            const std::size_t first = static_cast<std::size_t>(chunk) * kTilesAtOnce;
-            for (std::size_t i = first; i < std::min(first + kTilesAtOnce, unknown.size()); ++i) {
-                const Tile& tile = *tiles[unknown[i]];
-                forms_[unknown[i]] = encoder.encode(tile);
-                if (tile.isFrozen()) tile.remember(forms_[unknown[i]]);
-            }
-        });
+        encode(tiles, unknown);
     }
 
     const StoredForm& operator[](const Tile& tile) const { return *forms_[places_.at(&tile)]; }
 
 private:
+    /// Tiles of one pixel throughout, as fills and papers have, are encoded once for each pixel.
+    void encode(const std::vector<const Tile*>& tiles, const std::vector<std::size_t>& unknown) {
+        std::vector<std::optional<uint32_t>> pixels(unknown.size());
+        concurrentPerform(std::ssize(unknown), [&](int64_t i) {
+            pixels[static_cast<std::size_t>(i)] = onlyPixelOf(*tiles[unknown[static_cast<std::size_t>(i)]]);
+        });
+        std::unordered_map<uint32_t, std::size_t> flat; // the tile that is encoded for a pixel
+        std::vector<std::size_t> distinct;
+        for (std::size_t i = 0; i < unknown.size(); ++i) {
+            if (!pixels[i] || flat.try_emplace(*pixels[i], unknown[i]).second) distinct.push_back(unknown[i]);
+        }
+        std::vector<TileEncoder> encoders(static_cast<std::size_t>(concurrency()));
+        concurrentPerformByWorkers(std::ssize(encoders), std::ssize(distinct),
+                                   [&](std::size_t worker, int64_t i) {
+                                       const std::size_t which = distinct[static_cast<std::size_t>(i)];
+                                       forms_[which] = encoders[worker].encode(*tiles[which]);
+                                   });
+        for (std::size_t i = 0; i < unknown.size(); ++i) {
+            const std::size_t which = unknown[i];
+            if (pixels[i]) forms_[which] = forms_[flat.at(*pixels[i])];
+            if (tiles[which]->isFrozen()) tiles[which]->remember(forms_[which]);
+        }
+    }
+
     std::unordered_map<const Tile*, std::size_t> places_;
     std::vector<std::shared_ptr<const StoredForm>> forms_;
 };

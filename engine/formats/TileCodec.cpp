@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include <lzfse.h>
 
@@ -11,14 +13,16 @@ namespace {
 
 constexpr std::size_t kStreamCapacity =
     0x41000; // a stream that is no gain may be a little longer than a tile
-// The decoder reads a few bytes beyond both ends of what it is given when a stream is malformed.
+// The decoder reads a few bytes beyond both ends of a malformed stream; what it writes stays within the tile.
 constexpr std::size_t kGuardBytes = 64;
 // No stream of a tile is nearly as long; an entry that claims more is not copied for nothing.
 constexpr std::size_t kLongestStream = 4 * std::size_t{kTileBytes};
 
 } // namespace
 
-TileEncoder::TileEncoder() : stream_(kStreamCapacity), workspace_(lzfse_encode_scratch_size()) {}
+TileEncoder::TileEncoder()
+    : stream_(std::make_unique_for_overwrite<uint8_t[]>(kStreamCapacity)),
+      workspace_(std::make_unique_for_overwrite<uint8_t[]>(lzfse_encode_scratch_size())) {}
 
 std::shared_ptr<const StoredForm> TileEncoder::encode(const Tile& tile) {
     using Coding = StoredForm::Coding;
@@ -27,24 +31,28 @@ std::shared_ptr<const StoredForm> TileEncoder::encode(const Tile& tile) {
     };
     if (tile.isEmpty()) return form(Coding::blank);
     const std::size_t length =
-        lzfse_encode_buffer(stream_.data(), stream_.size(), tile.pixels(), kTileBytes, workspace_.data());
+        lzfse_encode_buffer(stream_.get(), kStreamCapacity, tile.pixels(), kTileBytes, workspace_.get());
     if (length < 1 || length >= kTileBytes) return form(Coding::raw);
-    return form(Coding::lzfse, std::vector<uint8_t>(stream_.data(), stream_.data() + length));
+    return form(Coding::lzfse, std::vector<uint8_t>(stream_.get(), stream_.get() + length));
 }
 
-TileDecoder::TileDecoder() : pixels_(kTileBytes + 2 * kGuardBytes), workspace_(lzfse_decode_scratch_size()) {}
+TileDecoder::TileDecoder()
+    : workspace_(std::make_unique_for_overwrite<uint8_t[]>(lzfse_decode_scratch_size())) {}
 
 TileRef TileDecoder::decode(std::span<const uint8_t> stream) {
     const std::size_t length = std::min(stream.size(), kLongestStream);
-    stream_.assign(length + 2 * kGuardBytes, 0);
-    std::memcpy(stream_.data() + kGuardBytes, stream.data(), length);
-    uint8_t* pixels = pixels_.data() + kGuardBytes;
-    const std::size_t decoded =
-        lzfse_decode_buffer(pixels, kTileBytes, stream_.data() + kGuardBytes, length, workspace_.data());
-    if (decoded != kTileBytes) return nullptr;
-    auto tile = std::make_shared<Tile>();
-    std::memcpy(tile->writablePixels(), pixels, kTileBytes);
-    return tile;
+    if (!stream_ || length > capacity_) {
+        capacity_ = std::max<std::size_t>(length, kTileBytes);
+        stream_ = std::make_unique_for_overwrite<uint8_t[]>(capacity_ + 2 * kGuardBytes);
+        std::memset(stream_.get(), 0, kGuardBytes);
+    }
+    uint8_t* const in = stream_.get() + kGuardBytes;
+    std::memcpy(in, stream.data(), length);
+    std::memset(in + length, 0, kGuardBytes);
+    TileMemory::Block pixels = TileMemory::take();
+    if (lzfse_decode_buffer(pixels.get(), kTileBytes, in, length, workspace_.get()) != kTileBytes)
+        return nullptr;
+    return std::make_shared<Tile>(std::move(pixels));
 }
 
 } // namespace qirn

@@ -2,9 +2,8 @@
 #include "core/Tile.h"
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <span>
-#include <vector>
 
 namespace qirn {
 
@@ -18,8 +17,8 @@ public:
     std::shared_ptr<const StoredForm> encode(const Tile& tile);
 
 private:
-    std::vector<uint8_t> stream_;
-    std::vector<uint8_t> workspace_;
+    std::unique_ptr<uint8_t[]> stream_;
+    std::unique_ptr<uint8_t[]> workspace_;
 };
 
 class TileDecoder {
@@ -30,9 +29,9 @@ public:
     TileRef decode(std::span<const uint8_t> stream);
 
 private:
-    std::vector<uint8_t> stream_;
-    std::vector<uint8_t> pixels_;
-    std::vector<uint8_t> workspace_;
+    std::unique_ptr<uint8_t[]> stream_; // with guards around it
+    std::size_t capacity_ = 0;          // of the stream alone
+    std::unique_ptr<uint8_t[]> workspace_;
 };
 
 } // namespace qirn

@@ -118,46 +118,91 @@ private:
     const FileCalls& calls_;
 };
 
-/// The new content under a name of its own beside the target, removed again unless it was put in place.
-class TemporaryFile {
+/// A name beside the target for what shall replace it; removed again unless the file was moved to its place.
+class TemporaryName {
 public:
-    TemporaryFile(const std::string& folder, mode_t mode, const FileCalls& calls)
-        : calls_(calls),
-          file_(create(folder, mode), calls) {}
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        if (!path_.empty()) calls_.unlink(path_.c_str());
+    TemporaryName(const std::string& folder, const FileCalls& calls) : folder_(folder), calls_(calls) {}
+    TemporaryName(const TemporaryName&) = delete;
+    TemporaryName& operator=(const TemporaryName&) = delete;
+    ~TemporaryName() {
+        if (isTaken_) calls_.unlink(path_.c_str());
     }
 
-    void setMode(mode_t mode) const {
-        checked([&] { return calls_.fchmod(file_.descriptor(), mode); });
-    }
-    void fill(std::span<const uint8_t> bytes) {
-        file_.write(bytes);
-        file_.flush();
-        file_.close();
+    /// The result of a call that makes a file of the name it is given and refuses one that is taken; a negative
+    /// number, and `errno`, where it fails for another reason.
+    template <class Make> int take(Make make) {
+        for (int attempt = 1;; ++attempt) {
+            // Short and of its own, so that it fits wherever the target's name does.
+            path_ = folder_ + ".qirn-" + QUuid::createUuid().toString(QUuid::Id128).left(12).toStdString();
+            const int result = make(path_.c_str());
+            isTaken_ = result >= 0;
+            if (isTaken_ || (errno != EINTR && (errno != EEXIST || attempt == kNameAttempts))) return result;
+        }
     }
     void moveTo(const std::string& path) {
         checked([&] { return calls_.rename(path_.c_str(), path.c_str()); });
-        path_.clear();
+        isTaken_ = false;
     }
 
 private:
-    int create(const std::string& folder, mode_t mode) {
-        for (int attempt = 1;; ++attempt) {
-            // Short and of its own, so that it fits wherever the target's name does.
-            path_ = folder + ".qirn-" + QUuid::createUuid().toString(QUuid::Id128).left(12).toStdString();
-            const int descriptor = calls_.open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-            if (descriptor >= 0) return descriptor;
-            if (errno != EINTR && (errno != EEXIST || attempt == kNameAttempts)) throw FileError(errno);
-        }
-    }
-
-    std::string path_; // empty once it has the target's name
+    const std::string& folder_;
     const FileCalls& calls_;
-    OpenFile file_;
+    std::string path_;
+    bool isTaken_ = false;
 };
+
+/// What is to become of a path that names the file itself.
+struct Replacement {
+    std::string target;
+    std::string folder; // of the target
+    std::optional<mode_t> mode;
+    std::span<const uint8_t> bytes;
+
+    mode_t firstMode() const { return mode ? 0600 : 0666; } // the bytes are nobody's until the mode is set
+    void fill(const OpenFile& file, const FileCalls& calls) const {
+        if (mode) checked([&] { return calls.fchmod(file.descriptor(), *mode); });
+        file.write(bytes);
+        file.flush();
+    }
+};
+
+/// Through a file that has a name for the moment before it takes the target's only, so that a process killed while it
+/// writes leaves nothing behind. False, and nothing has changed, where that cannot be had; the reason may be one for
+/// which `replaceByName` fails as well and which is told then.
+bool replaceWithoutName(const Replacement& replacement, const FileCalls& calls) {
+    const std::string folder = replacement.folder.empty() ? "." : replacement.folder;
+    int descriptor = -1;
+    do {
+        descriptor = calls.open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, replacement.firstMode());
+    } while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0) return false;
+    OpenFile file(descriptor, calls);
+    replacement.fill(file, calls);
+    TemporaryName name(replacement.folder, calls);
+    if (name.take([&](const char* path) { return calls.link(descriptor, path); }) < 0) return false;
+    name.moveTo(replacement.target);
+    try {
+        // Again, because Btrfs leaves files without a name out of the log from which it recovers: what it finds there
+        // after a power cut would be the new name of an empty file.
+        file.flush();
+        file.close();
+    } catch (const FileError& error) {
+        throw FileError::notFlushed(error.systemError());
+    }
+    return true;
+}
+
+void replaceByName(const Replacement& replacement, const FileCalls& calls) {
+    TemporaryName name(replacement.folder, calls);
+    const int descriptor = name.take([&](const char* path) {
+        return calls.open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, replacement.firstMode());
+    });
+    if (descriptor < 0) throw FileError(errno);
+    OpenFile file(descriptor, calls);
+    replacement.fill(file, calls);
+    file.close();
+    name.moveTo(replacement.target);
+}
 
 /// The folder, to be flushed once the new name is in it; a negative number where it may be written to and not
 /// read, and therefore not flushed.
@@ -206,6 +251,11 @@ const FileCalls& FileCalls::ofSystem() {
         .write = ::write,
         .fsync = ::fsync,
         .close = ::close,
+        .link =
+            [](int file, const char* path) {
+                const std::string opened = "/proc/self/fd/" + std::to_string(file);
+                return ::linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, path, AT_SYMLINK_FOLLOW);
+            },
         .rename = ::rename,
         .unlink = ::unlink,
     };
@@ -214,14 +264,10 @@ const FileCalls& FileCalls::ofSystem() {
 
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const FileCalls& calls) {
     const std::string target = followLinks(QFile::encodeName(path).toStdString(), calls);
-    const std::string folder = folderOf(target);
-    const std::optional<mode_t> mode = modeToKeep(target, calls);
-    const OpenFile openedFolder(openFolder(folder, calls), calls);
-    TemporaryFile file(folder, mode ? 0600 : 0666, calls);
-    if (mode) file.setMode(*mode);
-    file.fill(bytes);
-    file.moveTo(target);
-    flushFolder(openedFolder);
+    const Replacement replacement{target, folderOf(target), modeToKeep(target, calls), bytes};
+    const OpenFile folder(openFolder(replacement.folder, calls), calls);
+    if (!replaceWithoutName(replacement, calls)) replaceByName(replacement, calls);
+    flushFolder(folder);
 }
 
 } // namespace qirn

@@ -34,6 +34,7 @@ struct FileCalls {
     std::function<ssize_t(int file, const void* bytes, std::size_t count)> write;
     std::function<int(int file)> fsync;
     std::function<int(int file)> close;
+    std::function<int(int file, const char* path)> link; ///< The first name of a file opened with O_TMPFILE.
     std::function<int(const char* from, const char* to)> rename;
     std::function<int(const char* path)> unlink;
 
@@ -44,8 +45,11 @@ struct FileCalls {
 /// with nothing beside it. At no moment, a power cut included, does the path name a half-written file.
 ///
 /// A symbolic link stays and the file that it names is replaced. A file that is replaced keeps its mode; one that
-/// is write-protected is refused. Only when the directory itself cannot be flushed at the very end is the new
-/// file in place already: the error then says that it may not outlast a power cut.
+/// is write-protected is refused. Only when the disk fails at the very end, at flushing the new name, is the new file
+/// in place already: the error then says that it may not outlast a power cut.
+///
+/// The bytes are gathered in a file without a name, which vanishes with a process that is killed; where the file
+/// system has no such files, in a hidden file `.qirn-` and 12 hexadecimal digits beside the target.
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes,
                      const FileCalls& calls = FileCalls::ofSystem());
 

@@ -1,5 +1,7 @@
 #include "platform/Parallel.h"
 
+#include <algorithm>
+#include <atomic>
 #include <memory>
 
 #include <tbb/global_control.h>
@@ -26,6 +28,14 @@ void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) 
             for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
         },
         tbb::simple_partitioner());
+}
+
+void concurrentPerformByWorkers(int64_t workers, int64_t count,
+                                const std::function<void(std::size_t worker, int64_t index)>& body) {
+    std::atomic<int64_t> next = 0;
+    concurrentPerform(std::min(workers, count), [&](int64_t worker) {
+        for (int64_t i; (i = next++) < count;) body(static_cast<std::size_t>(worker), i);
+    });
 }
 
 void setConcurrency(int threads) {

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -7,6 +8,11 @@ namespace qirn {
 /// Runs `body(0)` to `body(count - 1)`, each once and in any order, on all cores; returns when the last is
 /// done. The bodies must not depend on each other. A count below 1 does nothing.
 void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body);
+
+/// The same by up to `workers` bodies at a time, which are told who they are, from 0 on: no two with the same number run
+/// at once, so that each may have working memory of its own.
+void concurrentPerformByWorkers(int64_t workers, int64_t count,
+                                const std::function<void(std::size_t worker, int64_t index)>& body);
 
 /// How many threads `concurrentPerform` may use from here on; 0 means every processor. For measurements and
 /// for the tests that show that a result does not depend on it.

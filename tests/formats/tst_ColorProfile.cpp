@@ -1,4 +1,6 @@
+#include "core/SeededRandom.h"
 #include "formats/ColorProfile.h"
+#include "formats/WideColorTables.h"
 #include "platform/Bytes.h"
 #include "support/Profiles.h"
 #include "support/TestMain.h"
@@ -36,6 +38,9 @@ private Q_SLOTS:
     void withoutAProfileColorsAreThoseOfTheScreen();
     void linearLightIsEncodedToTheNearestStep();
     void sixteenBitsAreRounded();
+    void tablesGiveWhatTheLibraryComputes_data();
+    void tablesGiveWhatTheLibraryComputes();
+    void tablesAreOnlyForCurvesAndAMatrix();
     void aProfileThatIsSrgbChangesNothing();
     void wideColorsComeOutAsTheFormulaSays();
     void aTableOfInksIsFollowed();
@@ -66,6 +71,12 @@ void tst_ColorProfile::linearLightIsEncodedToTheNearestStep() {
         const double exact = encodedSrgb(std::clamp<double>(light, 0, 1));
         QVERIFY(std::abs(converted(gray, std::vector{light})[0] - exact) <= 0.5 + 1e-3);
     }
+    for (int i = 0; i < 255; ++i) { // on either side of each border between two bytes
+        const double v = (i + 0.5) / 255;
+        const auto border = static_cast<float>(v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4));
+        QCOMPARE(converted(gray, std::vector{std::nextafter(border, 0.0f)})[0], i);
+        QCOMPARE(converted(gray, std::vector{std::nextafter(border, 1.0f)})[0], i + 1);
+    }
     QCOMPARE(converted(gray, std::vector{std::nanf("")}), (Rgba{0, 0, 0, 255}));
 }
 
@@ -76,6 +87,81 @@ void tst_ColorProfile::sixteenBitsAreRounded() {
         QCOMPARE(converted(gray, std::vector<uint16_t>{static_cast<uint16_t>(v), static_cast<uint16_t>(v)}),
                  (Rgba{byte, byte, byte, byte}));
     }
+}
+
+void tst_ColorProfile::tablesGiveWhatTheLibraryComputes_data() {
+    QTest::addColumn<QByteArray>("icc");
+    QTest::addColumn<int>("channels");
+    QTest::newRow("Display P3") << displayP3Profile() << 3;
+    QTest::newRow("Adobe RGB") << adobeRgbProfile() << 3;
+    QTest::newRow("grey 1.8") << grayProfile(1.8) << 1;
+}
+
+void tst_ColorProfile::tablesGiveWhatTheLibraryComputes() {
+    QFETCH(QByteArray, icc);
+    QFETCH(int, channels);
+    const ColorModel model = channels == 1 ? ColorModel::gray : ColorModel::rgb;
+    std::vector<uint16_t> samples;
+    SeededRandom random(16);
+    for (int v = 0; v < 65536; ++v)
+        samples.insert(samples.end(), static_cast<std::size_t>(channels), static_cast<uint16_t>(v));
+    for (int i = 0; i < 300'000; ++i)
+        samples.push_back(static_cast<uint16_t>((random.next() & 0xFFFF) >> random.next() % 7));
+    const std::vector<uint8_t> expected = convertedByTheLibrary(icc, samples, channels);
+    std::vector<uint8_t> given(expected.size());
+    const auto profile = ColorProfile::embedded(bytesOf(icc), {model, SampleType::u16});
+    profile->convert(samples.data(), given.data(), std::ssize(given) / 4);
+    int different = 0;
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        QVERIFY2(std::abs(given[i] - expected[i]) <= 1, qPrintable(QString::number(i)));
+        different += given[i] != expected[i];
+    }
+    // Of the bytes whose exact value is half way between two, some go the other way.
+    QVERIFY2(different <= (channels == 1 ? 0 : std::ssize(given) / 5000),
+             qPrintable(QString::number(different)));
+
+    // Alpha lies beside the colour and leaves it alone.
+    const auto withAlpha = ColorProfile::embedded(bytesOf(icc), {model, SampleType::u16, true});
+    for (std::size_t i = 0; i < 50; ++i) {
+        const auto* const pixel = samples.data() + 1301 * i * static_cast<std::size_t>(channels);
+        std::vector<uint16_t> with(pixel, pixel + channels);
+        with.push_back(static_cast<uint16_t>(i * 1285));
+        Rgba wanted{};
+        std::memcpy(wanted.data(), &given[1301 * i * 4], 3);
+        wanted[3] = static_cast<uint8_t>(i * 5);
+        QCOMPARE(told(converted(*withAlpha, with)), told(wanted));
+    }
+}
+
+void tst_ColorProfile::tablesAreOnlyForCurvesAndAMatrix() {
+    // Red, green and blue of another order and strength, with a curve; `mixed` is what no matrix does.
+    const auto tablesFor = [](double mixed) {
+        const auto lightOf = [mixed](double r, double g, double b) {
+            return std::array<double, 3>{0.9 * g * g, 0.1 * r + 0.8 * b * b * b, r + mixed * r * g};
+        };
+        return WideColorTables::ofRgb(
+            [&](const void* from, void* to, int64_t count) {
+                const auto* in = static_cast<const uint16_t*>(from);
+                auto* out = static_cast<uint8_t*>(to);
+                for (int64_t i = 0; i < count; ++i, in += 3, out += 4) {
+                    const auto light = lightOf(in[0] / 65535.0, in[1] / 65535.0, in[2] / 65535.0);
+                    for (std::size_t c = 0; c < 3; ++c)
+                        out[c] =
+                            static_cast<uint8_t>(std::lround(encodedSrgb(std::clamp(light[c], 0.0, 1.0))));
+                }
+            },
+            [&](const void* from, void* to, int64_t count) {
+                const auto* in = static_cast<const float*>(from);
+                auto* out = static_cast<float*>(to);
+                for (int64_t i = 0; i < count; ++i, in += 3) {
+                    for (const double light : lightOf(in[0], in[1], in[2]))
+                        *out++ = static_cast<float>(light);
+                }
+            });
+    };
+    QVERIFY(tablesFor(0));
+    QVERIFY(!tablesFor(0.1));
+    QVERIFY(!WideColorTables::ofRgb([](auto...) {}, [](auto...) {})); // all black: no matrix
 }
 
 void tst_ColorProfile::aProfileThatIsSrgbChangesNothing() {

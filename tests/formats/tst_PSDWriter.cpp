@@ -5,6 +5,7 @@
 #include "formats/StraightPixels.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
+#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
@@ -104,8 +105,12 @@ std::unique_ptr<PaintDocument> scatteredDocument() {
 class tst_PSDWriter : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void cleanup() { setConcurrency(0); }
+    void cleanup() {
+        setConcurrency(0);
+        useInstructionSet({});
+    }
 
+    void straightColourComesBack_data();
     void straightColourComesBack();
     void partsLieWhereTheFormatSays();
     void theFileIsThatOfThePlainForm();
@@ -115,7 +120,14 @@ private Q_SLOTS:
     void namesAreWrittenTwice();
 };
 
+void tst_PSDWriter::straightColourComesBack_data() {
+    QTest::addColumn<std::string>("instructions");
+    for (const std::string& set : instructionSets()) QTest::newRow(set.c_str()) << set;
+}
+
 void tst_PSDWriter::straightColourComesBack() {
+    QFETCH(std::string, instructions);
+    useInstructionSet(instructions);
     for (int a = 0; a < 256; ++a) {
         std::array<std::array<uint8_t, 256>, 4> planes;
         std::array<uint8_t, 256 * 4> pixels, back;

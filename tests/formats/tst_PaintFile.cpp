@@ -3,6 +3,7 @@
 #include "core/SeededRandom.h"
 #include "formats/ImageExport.h"
 #include "formats/PaintFile.h"
+#include "formats/TileCodec.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
@@ -10,6 +11,7 @@
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
+#include <algorithm>
 #include <cstring>
 #include <set>
 
@@ -52,6 +54,7 @@ private Q_SLOTS:
     void thePreviewIsTheReducedPicture();
     void factsAreReadWithoutTiles();
     void equalTilesAreOneObject();
+    void flatTilesAreEncodedOnceForEachPixel();
     void aBlankHugeCanvasIsSavedAtOnce();
     void aFlatHugeCanvasIsStoredOnceInMemory();
     void aThousandEmptyLayersCostNothing();
@@ -259,6 +262,31 @@ void tst_PaintFile::equalTilesAreOneObject() {
     // Painting one of them leaves the others alone.
     paintRect(*again, again->layer(0), {0, 0, 10, 10}, {9, 9, 9, 255});
     QVERIFY(background.pixel(256, 0) != background.pixel(0, 0));
+}
+
+void tst_PaintFile::flatTilesAreEncodedOnceForEachPixel() {
+    PaintDocument doc(1024, 512, 72, std::nullopt);
+    Layer& layer = doc.activeLayer();
+    const PixelBytes red{200, 10, 0, 255}, green{0, 90, 0, 90};
+    const PixelBytes pixels[] = {red, green, red, red, green, red, red};
+    for (int64_t i = 0; i < 7; ++i) paintRect(doc, layer, doc.grid().rectOf(i), pixels[i]);
+    layer.writableTile(5).writablePixels()[kTileBytes - 1] = 254; // flat but for its last byte
+    layer.writableTile(6).writablePixels()[0] = 199;
+    doc.commit(QStringLiteral("Fill"));
+    const NativeFile file = NativeFile::takenApart(PaintFile::encode(doc));
+    const auto form = [&](int64_t i) { return layer.tile(i)->storedForm(); };
+    QVERIFY(form(0) && form(2) == form(0) && form(3) == form(0));
+    QVERIFY(form(1) && form(4) == form(1) && form(1) != form(0));
+    QVERIFY(form(5) && form(6) && form(5) != form(0) && form(6) != form(0));
+    // In the file every tile has bytes of its own, those that it would have alone.
+    for (const OrderedJson& entry : file.manifest["layers"][0]["tiles"]) {
+        const auto alone = TileEncoder().encode(*layer.tile(entry["i"].get<int64_t>()));
+        const auto stored =
+            bytesOf(file.blob).subspan(entry["o"].get<std::size_t>(), entry["n"].get<std::size_t>());
+        QVERIFY(std::ranges::equal(stored, alone->bytes));
+    }
+    QCOMPARE(file.manifest["layers"][0]["tiles"].size(), std::size_t{7});
+    QCOMPARE(PaintFile::decode(bytesOf(file.joined()))->fingerprint(), doc.fingerprint());
 }
 
 void tst_PaintFile::aBlankHugeCanvasIsSavedAtOnce() {

@@ -47,6 +47,31 @@ int failWith(int error) {
     return -1;
 }
 
+bool isUnnamed(int flags) {
+    return (flags & O_TMPFILE) == O_TMPFILE; // it holds O_DIRECTORY
+}
+
+/// Whether the file system of a folder has files without a name.
+bool hasUnnamedFiles(const QString& folder) {
+    const int file = ::open(QFile::encodeName(folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    return file >= 0 && ::close(file) == 0;
+}
+
+/// What a system can do about files without a name.
+enum class Unnamed { all, noneToOpen, noneToLink };
+constexpr std::pair<const char*, Unnamed> kSystems[] = {
+    {"unnamed", Unnamed::all}, {"by name", Unnamed::noneToOpen}, {"no way to link", Unnamed::noneToLink}};
+
+FileCalls callsWith(Unnamed unnamed) {
+    FileCalls calls = FileCalls::ofSystem();
+    if (unnamed == Unnamed::noneToOpen)
+        calls.open = [](const char* path, int flags, mode_t mode) {
+            return isUnnamed(flags) ? failWith(EOPNOTSUPP) : ::open(path, flags, mode);
+        };
+    if (unnamed == Unnamed::noneToLink) calls.link = [](auto...) { return failWith(ENOENT); };
+    return calls;
+}
+
 } // namespace
 
 class tst_AtomicFile : public QObject {
@@ -62,7 +87,7 @@ private Q_SLOTS:
     void aDiskThatFillsUpHalfwayIsNoticed();
     void interruptedCallsAreRepeated();
     void contentIsFlushedBeforeTheRenameAndTheFolderAfter();
-    void aFolderThatCannotBeFlushedIsReported();
+    void aNewNameThatCannotBeFlushedIsReported();
     void theModeIsKept();
     void aLinkStaysAndItsTargetIsReplaced();
     void oddTargetsAreRefused();
@@ -93,64 +118,68 @@ void tst_AtomicFile::aFileIsMadeOrReplaced() {
 }
 
 void tst_AtomicFile::aFailingCallLeavesTheOldFileWhole_data() {
+    QTest::addColumn<Unnamed>("unnamed");
     QTest::addColumn<QString>("call");
     QTest::addColumn<int>("error");
-    QTest::newRow("readlink") << "readlink" << EACCES;
-    QTest::newRow("stat") << "stat" << EIO;
-    QTest::newRow("access") << "access" << EROFS;
-    QTest::newRow("open of the folder") << "open folder" << EMFILE;
-    QTest::newRow("open of the file") << "open file" << ENOSPC;
-    QTest::newRow("fchmod") << "fchmod" << EPERM;
-    QTest::newRow("write") << "write" << ENOSPC;
-    QTest::newRow("write of nothing") << "write nothing" << ENOSPC;
-    QTest::newRow("fsync") << "fsync" << EIO;
-    QTest::newRow("close") << "close" << EDQUOT;
-    QTest::newRow("rename") << "rename" << EACCES;
+    constexpr std::pair<const char*, int> kFailures[] = {
+        {"readlink", EACCES},  {"stat", EIO},      {"access", EROFS}, {"open folder", EMFILE},
+        {"open file", ENOSPC}, {"fchmod", EPERM},  {"write", ENOSPC}, {"write nothing", ENOSPC},
+        {"fsync", EIO},        {"rename", EACCES}, {"close", EDQUOT}};
+    for (const auto& [system, unnamed] : kSystems) {
+        for (const auto& [call, error] : kFailures) {
+            // Closed only when all is done, and flushed twice by then.
+            if (unnamed == Unnamed::all && QLatin1String(call) == QLatin1String("close")) continue;
+            QTest::addRow("%s, %s", system, call) << unnamed << call << error;
+        }
+    }
 }
 
-/// The system's calls with one that fails.
-static FileCalls callsThatFail(const QString& call, int error) {
-    FileCalls calls = FileCalls::ofSystem();
-    const FileCalls& system = FileCalls::ofSystem();
-    if (call == "readlink") calls.readlink = [=](auto...) { return failWith(error); };
-    if (call == "stat") calls.stat = [=](auto...) { return failWith(error); };
-    if (call == "access") calls.access = [=](auto...) { return failWith(error); };
+/// The same calls with one that fails.
+static FileCalls withFailing(FileCalls calls, const QString& call, int error) {
+    const auto fail = [=](auto...) { return failWith(error); };
+    if (call == "readlink") calls.readlink = fail;
+    if (call == "stat") calls.stat = fail;
+    if (call == "access") calls.access = fail;
     if (call.startsWith("open")) {
-        calls.open = [=, &system](const char* path, int flags, mode_t mode) {
-            const bool isFolder = flags & O_DIRECTORY;
-            return isFolder == (call == "open folder") ? failWith(error) : system.open(path, flags, mode);
+        calls.open = [=, open = calls.open](const char* path, int flags, mode_t mode) {
+            const bool isFolder = (flags & O_DIRECTORY) && !isUnnamed(flags);
+            return isFolder == (call == "open folder") ? failWith(error) : open(path, flags, mode);
         };
     }
-    if (call == "fchmod") calls.fchmod = [=](auto...) { return failWith(error); };
-    if (call == "write") calls.write = [=](auto...) { return failWith(error); };
+    if (call == "fchmod") calls.fchmod = fail;
+    if (call == "write") calls.write = fail;
     if (call == "write nothing") calls.write = [](auto...) { return 0; };
-    if (call == "fsync") calls.fsync = [=](int) { return failWith(error); };
+    if (call == "fsync") calls.fsync = fail;
     if (call == "close") {
-        calls.close = [=, &system](int file) {
-            system.close(file);
+        calls.close = [=](int file) {
+            ::close(file);
             return failWith(error);
         };
     }
-    if (call == "rename") calls.rename = [=](auto...) { return failWith(error); };
+    if (call == "rename") calls.rename = fail;
     return calls;
 }
 
 void tst_AtomicFile::aFailingCallLeavesTheOldFileWhole() {
+    QFETCH(Unnamed, unnamed);
     QFETCH(QString, call);
     QFETCH(int, error);
     const QString path = at("picture");
     put(path, kOld);
-    QCOMPARE(errorOf(path, callsThatFail(call, error)), error);
+    QCOMPARE(errorOf(path, withFailing(callsWith(unnamed), call, error)), error);
     QCOMPARE(contentOf(path), kOld);
     QCOMPARE(names(), QStringList("picture"));
-    QCOMPARE(errorOf(path), 0);
+    QCOMPARE(errorOf(path, callsWith(unnamed)), 0);
+    QCOMPARE(contentOf(path), kNew);
+    QCOMPARE(names(), QStringList("picture"));
 }
 
 void tst_AtomicFile::aFailingCallLeavesNothingWhereThereWasNothing() {
-    for (const char* call :
-         {"open folder", "open file", "write", "write nothing", "fsync", "close", "rename"}) {
-        QVERIFY(errorOf(at("picture"), callsThatFail(call, EIO)) != 0);
-        QCOMPARE(names(), QStringList());
+    for (const auto& [system, unnamed] : kSystems) {
+        for (const char* call : {"open folder", "open file", "write", "write nothing", "fsync", "rename"}) {
+            QVERIFY(errorOf(at("picture"), withFailing(callsWith(unnamed), call, EIO)) != 0);
+            QCOMPARE(names(), QStringList());
+        }
     }
 }
 
@@ -195,49 +224,77 @@ void tst_AtomicFile::interruptedCallsAreRepeated() {
 }
 
 void tst_AtomicFile::contentIsFlushedBeforeTheRenameAndTheFolderAfter() {
-    FileCalls calls = FileCalls::ofSystem();
-    QStringList order;
-    calls.fsync = [&order](int file) {
-        struct stat facts {};
-        ::fstat(file, &facts);
-        order << (S_ISDIR(facts.st_mode) ? "folder" : facts.st_size == kNew.size() ? "content" : "part");
-        return ::fsync(file);
-    };
-    calls.rename = [&order](const char* from, const char* to) {
-        order << "rename";
-        return ::rename(from, to);
-    };
-    QCOMPARE(errorOf(at("picture"), calls), 0);
-    QCOMPARE(order, QStringList({"content", "rename", "folder"}));
+    for (const auto& [system, unnamed] : kSystems) {
+        FileCalls calls = callsWith(unnamed);
+        QStringList order;
+        calls.fsync = [&order](int file) {
+            struct stat facts {};
+            ::fstat(file, &facts);
+            order << (S_ISDIR(facts.st_mode) ? "folder" : facts.st_size == kNew.size() ? "content" : "part");
+            return ::fsync(file);
+        };
+        calls.link = [&order, link = calls.link](int file, const char* path) {
+            order << "link";
+            return link(file, path);
+        };
+        calls.rename = [&order](const char* from, const char* to) {
+            order << "rename";
+            return ::rename(from, to);
+        };
+        QCOMPARE(errorOf(at("picture"), calls), 0);
+        const QStringList byName{"content", "rename", "folder"};
+        if (unnamed == Unnamed::noneToOpen || !hasUnnamedFiles(folder_->path()))
+            QCOMPARE(order, byName);
+        else if (unnamed == Unnamed::noneToLink)
+            QCOMPARE(order, QStringList({"content", "link"}) + byName);
+        else
+            QCOMPARE(order, QStringList({"content", "link", "rename", "content", "folder"}));
+    }
 }
 
-void tst_AtomicFile::aFolderThatCannotBeFlushedIsReported() {
+void tst_AtomicFile::aNewNameThatCannotBeFlushedIsReported() {
+    put(at("picture"), kOld);
     FileCalls calls = FileCalls::ofSystem();
-    int error = EIO;
-    calls.fsync = [&error](int file) {
+    int folderError = EIO;
+    calls.fsync = [&](int file) {
         struct stat facts {};
         ::fstat(file, &facts);
-        return S_ISDIR(facts.st_mode) ? failWith(error) : 0;
+        return S_ISDIR(facts.st_mode) ? failWith(folderError) : 0;
     };
-    put(at("picture"), kOld);
     QCOMPARE(errorOf(at("picture"), calls), EIO);
     QCOMPARE(contentOf(at("picture")), kNew); // too late to go back, and the new file is whole
     QCOMPARE(names(), QStringList("picture"));
-    error = EINVAL; // a file system without such a thing
+    folderError = EINVAL; // a file system without such a thing
     QCOMPARE(errorOf(at("picture"), calls), 0);
+    if (!hasUnnamedFiles(folder_->path())) return;
+
+    calls = FileCalls::ofSystem();
+    bool isRenamed = false;
+    calls.rename = [&](const char* from, const char* to) {
+        isRenamed = true;
+        return ::rename(from, to);
+    };
+    calls.fsync = [&](int) { return isRenamed ? failWith(EIO) : 0; };
+    put(at("picture"), kOld);
+    QCOMPARE(errorOf(at("picture"), calls), EIO);
+    QCOMPARE(contentOf(at("picture")), kNew);
+    QCOMPARE(errorOf(at("picture"), withFailing(FileCalls::ofSystem(), "close", EDQUOT)), EDQUOT);
+    QCOMPARE(names(), QStringList("picture"));
 }
 
 void tst_AtomicFile::theModeIsKept() {
-    put(at("picture"), kOld);
-    for (const mode_t mode : {0600u, 0664u, 0640u}) {
-        QCOMPARE(::chmod(QFile::encodeName(at("picture")).constData(), mode), 0);
-        QCOMPARE(errorOf(at("picture")), 0);
-        QCOMPARE(modeOf(at("picture")), mode);
+    for (const auto& [system, unnamed] : kSystems) {
+        put(at("picture"), kOld);
+        for (const mode_t mode : {0600u, 0664u, 0640u}) {
+            QCOMPARE(::chmod(QFile::encodeName(at("picture")).constData(), mode), 0);
+            QCOMPARE(errorOf(at("picture"), callsWith(unnamed)), 0);
+            QCOMPARE(modeOf(at("picture")), mode);
+        }
+        const mode_t before = ::umask(027);
+        QCOMPARE(errorOf(at(system), callsWith(unnamed)), 0);
+        ::umask(before);
+        QCOMPARE(modeOf(at(system)), mode_t{0640});
     }
-    const mode_t before = ::umask(027);
-    QCOMPARE(errorOf(at("fresh")), 0);
-    ::umask(before);
-    QCOMPARE(modeOf(at("fresh")), mode_t{0640});
 }
 
 void tst_AtomicFile::aLinkStaysAndItsTargetIsReplaced() {

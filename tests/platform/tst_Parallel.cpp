@@ -24,6 +24,22 @@ private Q_SLOTS:
         setConcurrency(0);
     }
 
+    void noTwoBodiesOfOneWorkerRunAtOnce() {
+        for (int64_t count : {-3, 0, 1, 2, 3000}) {
+            std::vector<int> runs(3000), sums(3); // unguarded: a sanitizer or the sums tell
+            std::atomic<int64_t> strangers = 0;
+            concurrentPerformByWorkers(3, count, [&](std::size_t worker, int64_t i) {
+                strangers += worker >= sums.size();
+                ++sums[worker];
+                ++runs[static_cast<std::size_t>(i)];
+            });
+            QCOMPARE(strangers.load(), 0);
+            QCOMPARE(sums[0] + sums[1] + sums[2], static_cast<int>(std::max<int64_t>(count, 0)));
+            for (int64_t i = 0; i < std::ssize(runs); ++i)
+                QCOMPARE(runs[static_cast<std::size_t>(i)], i < count ? 1 : 0);
+        }
+    }
+
     void aLimitHoldsUntilItIsLifted() {
         const int all = concurrency();
         setConcurrency(1);

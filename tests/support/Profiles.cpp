@@ -102,4 +102,20 @@ QByteArray pressProfile() {
     return saved(profile);
 }
 
+std::vector<uint8_t> convertedByTheLibrary(const QByteArray& icc, const std::vector<uint16_t>& samples,
+                                           int channels) {
+    const auto source = cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size()));
+    const auto target = cmsCreate_sRGBProfile();
+    const auto transform = cmsCreateTransform(source, channels == 1 ? TYPE_GRAY_16 : TYPE_RGB_16, target,
+                                              TYPE_RGBA_8, INTENT_RELATIVE_COLORIMETRIC,
+                                              cmsFLAGS_NOOPTIMIZE | cmsFLAGS_BLACKPOINTCOMPENSATION);
+    const std::size_t count = samples.size() / static_cast<std::size_t>(channels);
+    std::vector<uint8_t> rgba(count * 4, 255);
+    cmsDoTransform(transform, samples.data(), rgba.data(), static_cast<cmsUInt32Number>(count));
+    cmsDeleteTransform(transform);
+    cmsCloseProfile(target);
+    cmsCloseProfile(source);
+    return rgba;
+}
+
 } // namespace qirn::test
