@@ -1,8 +1,8 @@
 #include "Clipboard.h"
 
-#include "formats/ImageExport.h"
-#include "formats/ImageImport.h"
-#include "formats/TiffWriter.h"
+#include "formats/pictures/ImageExport.h"
+#include "formats/pictures/ImageImport.h"
+#include "formats/pictures/TiffWriter.h"
 #include "platform/Bytes.h"
 #include "platform/QtImages.h"
 #include "platform/ReadFile.h"

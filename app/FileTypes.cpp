@@ -1,6 +1,6 @@
 #include "FileTypes.h"
 
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 #include "Desktop.h"
-#include "formats/ImageExport.h"
+#include "formats/pictures/ImageExport.h"
 
 #include <QString>
 

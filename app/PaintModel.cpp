@@ -5,7 +5,7 @@
 #include "CanvasView.h"
 #include "Defaults.h"
 #include "Desktop.h"
-#include "formats/PaletteLibrary.h"
+#include "formats/palettes/PaletteLibrary.h"
 
 #include <algorithm>
 

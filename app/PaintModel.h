@@ -11,7 +11,7 @@
 #include "UserPalettes.h"
 #include "brush/BrushSettings.h"
 #include "core/PaintColor.h"
-#include "formats/ImageExport.h"
+#include "formats/pictures/ImageExport.h"
 #include "operations/Floating.h"
 
 #include <functional>

@@ -5,7 +5,7 @@
 #include "Clipboard.h"
 #include "Desktop.h"
 #include "FileTypes.h"
-#include "formats/ImageImport.h"
+#include "formats/pictures/ImageImport.h"
 #include "operations/Floating.h"
 #include "operations/LayerOperations.h"
 #include "operations/Stamp.h"

@@ -3,7 +3,7 @@
 
 #include "Desktop.h"
 #include "FileTypes.h"
-#include "formats/PaletteLibrary.h"
+#include "formats/palettes/PaletteLibrary.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/ReadFile.h"

@@ -2,7 +2,7 @@
 
 #include "AppFolders.h"
 #include "Trash.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/Json.h"

@@ -4,7 +4,7 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "compositing/CompositeInputs.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 

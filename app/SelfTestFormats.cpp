@@ -1,9 +1,9 @@
 // The sections of the self-test on the files of other programs.
 #include "SelfTestEngine.h"
 #include "compositing/CompositeInputs.h"
-#include "formats/ImageExport.h"
-#include "formats/ImageImport.h"
-#include "formats/PaletteLibrary.h"
+#include "formats/palettes/PaletteLibrary.h"
+#include "formats/pictures/ImageExport.h"
+#include "formats/pictures/ImageImport.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 #include "UserFile.h"
-#include "formats/Palette.h"
+#include "formats/palettes/Palette.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 #include "PaintedPicture.h"
 #include "PlainPass.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 
 #include <benchmark/benchmark.h>

@@ -1,6 +1,6 @@
 #include "PaintedPicture.h"
 #include "PlainPass.h"
-#include "formats/PSDFile.h"
+#include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 
 #include <benchmark/benchmark.h>

@@ -3,7 +3,7 @@
 #include "MemoryWatch.h"
 #include "core/PaintDocument.h"
 #include "core/PaintEngine.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"

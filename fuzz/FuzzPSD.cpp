@@ -1,7 +1,7 @@
 #include "MemoryWatch.h"
 #include "core/PaintDocument.h"
 #include "formats/ByteReader.h"
-#include "formats/PSDFile.h"
+#include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 #include "platform/DescribedError.h"
 #include "platform/Require.h"

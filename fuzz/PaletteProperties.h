@@ -1,6 +1,6 @@
 #pragma once
 #include "MemoryWatch.h"
-#include "formats/PaletteLibrary.h"
+#include "formats/palettes/PaletteLibrary.h"
 
 #include <cstdint>
 #include <span>

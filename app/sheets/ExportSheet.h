@@ -1,6 +1,6 @@
 #pragma once
 #include "core/PaintColor.h"
-#include "formats/ImageExport.h"
+#include "formats/pictures/ImageExport.h"
 
 #include <QDialog>
 

@@ -6,7 +6,7 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "core/TileMemory.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 
 #include <cstdio>

@@ -3,8 +3,8 @@
 #include "../PaintedPicture.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
-#include "formats/PSDFile.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
+#include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 
 #include <cstdlib>

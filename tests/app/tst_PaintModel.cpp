@@ -3,7 +3,7 @@
 #include "Recovery.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "support/Files.h"
 #include "support/Pictures.h"

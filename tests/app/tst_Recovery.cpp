@@ -1,7 +1,7 @@
 #include "AppFolders.h"
 #include "Recovery.h"
 #include "Trash.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "support/NativeFiles.h"

@@ -1,4 +1,4 @@
-#include "formats/PaletteLibrary.h"
+#include "formats/palettes/PaletteLibrary.h"
 #include "platform/Bytes.h"
 #include "support/Files.h"
 #include "support/Studio.h"

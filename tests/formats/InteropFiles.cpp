@@ -1,6 +1,6 @@
 #include "compositing/CompositeInputs.h"
 #include "core/PaintDocument.h"
-#include "formats/PSDFile.h"
+#include "formats/psd/PSDFile.h"
 #include "operations/LayerOperations.h"
 #include "support/Pictures.h"
 

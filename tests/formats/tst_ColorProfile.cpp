@@ -1,6 +1,6 @@
 #include "core/SeededRandom.h"
-#include "formats/ColorProfile.h"
-#include "formats/WideColorTables.h"
+#include "formats/pictures/ColorProfile.h"
+#include "formats/pictures/WideColorTables.h"
 #include "platform/Bytes.h"
 #include "support/Profiles.h"
 #include "support/TestMain.h"

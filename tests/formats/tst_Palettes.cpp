@@ -1,6 +1,6 @@
 #include "core/SeededRandom.h"
 #include "formats/ByteReader.h"
-#include "formats/PaletteLibrary.h"
+#include "formats/palettes/PaletteLibrary.h"
 #include "platform/Bytes.h"
 #include "support/TestMain.h"
 

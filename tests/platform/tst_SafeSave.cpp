@@ -1,6 +1,6 @@
 #include "core/PaintDocument.h"
 #include "core/SeededRandom.h"
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/ReadFile.h"

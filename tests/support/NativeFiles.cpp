@@ -1,6 +1,6 @@
 #include "support/NativeFiles.h"
 
-#include "formats/PaintFile.h"
+#include "formats/native/PaintFile.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 #include "support/Pictures.h"

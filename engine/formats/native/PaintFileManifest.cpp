@@ -1,0 +1,156 @@
+#include "formats/native/PaintFileManifest.h"
+
+#include "platform/Json.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qirn::PaintFile {
+
+namespace {
+
+const QString kMomentForm = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
+
+/// JSON has no words for a number that is not finite, and a file must never be written that cannot be read.
+double finiteOr(double value, double instead) {
+    return std::isfinite(value) ? value : instead;
+}
+
+OrderedJson written(const TileEntry& entry) {
+    return {{"i", entry.i}, {"o", entry.o}, {"n", entry.n}, {"c", entry.c}};
+}
+
+OrderedJson written(const PaintColor& color) {
+    return {{"r", finiteOr(color.r, 0)},
+            {"g", finiteOr(color.g, 0)},
+            {"b", finiteOr(color.b, 0)},
+            {"a", finiteOr(color.a, 1)}};
+}
+
+OrderedJson written(const OnionSkin& onion) {
+    return {{"enabled", onion.enabled},
+            {"before", onion.before},
+            {"after", onion.after},
+            {"opacity", finiteOr(onion.opacity, OnionSkin{}.opacity)},
+            {"tint", onion.tint},
+            {"beforeColor", written(onion.beforeColor)},
+            {"afterColor", written(onion.afterColor)}};
+}
+
+OrderedJson written(const LayerEntry& layer) {
+    OrderedJson tiles = OrderedJson::array();
+    for (const TileEntry& tile : layer.tiles) tiles.push_back(written(tile));
+    return {{"id", uuidText(layer.id)},
+            {"name", layer.name.toStdString()},
+            {"opacity", finiteOr(layer.opacity, 1)},
+            {"blend", layer.blend.toStdString()},
+            {"visible", layer.visible},
+            {"locked", layer.locked},
+            {"alphaLocked", layer.alphaLocked},
+            {"clipping", layer.clipping},
+            {"tiles", std::move(tiles)}};
+}
+
+TileEntry readTile(const Json& json) {
+    return {jsonWhole(jsonMember(json, "i")), jsonWhole(jsonMember(json, "o")),
+            jsonWhole(jsonMember(json, "n")), jsonWhole(jsonMember(json, "c"))};
+}
+
+PaintColor readColor(const Json& json) {
+    return {jsonNumber(jsonMember(json, "r")), jsonNumber(jsonMember(json, "g")),
+            jsonNumber(jsonMember(json, "b")), jsonNumber(jsonMember(json, "a"))};
+}
+
+OnionSkin readOnion(const Json& json) {
+    return {.enabled = jsonFlag(jsonMember(json, "enabled")),
+            .before = jsonWhole(jsonMember(json, "before")),
+            .after = jsonWhole(jsonMember(json, "after")),
+            .opacity = std::clamp(jsonNumber(jsonMember(json, "opacity")), 0.0, 1.0),
+            .tint = jsonFlag(jsonMember(json, "tint")),
+            .beforeColor = readColor(jsonMember(json, "beforeColor")),
+            .afterColor = readColor(jsonMember(json, "afterColor"))};
+}
+
+/// Only 2026-03-01T12:30:05Z. The form is compared with the moment's own, since Qt's reader forgives; and date and
+/// time are read apart, since together they would be local, where some hours do not exist.
+QDateTime readMoment(const Json& json) {
+    const QString text = jsonText(json);
+    const QDate date = QDate::fromString(text.left(10), QStringLiteral("yyyy-MM-dd"));
+    const QTime time = QTime::fromString(text.mid(11, 8), QStringLiteral("HH:mm:ss"));
+    const QDateTime moment(date, time, Qt::UTC);
+    if (!moment.isValid() || moment.toString(kMomentForm) != text) throw JsonTypeError("moment");
+    return moment;
+}
+
+const Json& list(const Json& json) {
+    if (!json.is_array()) throw JsonTypeError("list");
+    return json;
+}
+
+LayerEntry readLayer(const Json& json) {
+    LayerEntry layer;
+    layer.id = jsonUuid(jsonMember(json, "id"));
+    layer.name = jsonText(jsonMember(json, "name"));
+    layer.opacity = jsonNumber(jsonMember(json, "opacity"));
+    layer.blend = jsonText(jsonMember(json, "blend"));
+    layer.visible = jsonFlag(jsonMember(json, "visible"));
+    layer.locked = jsonFlag(jsonMember(json, "locked"));
+    layer.alphaLocked = jsonFlag(jsonMember(json, "alphaLocked"));
+    layer.clipping = jsonFlag(jsonMember(json, "clipping"));
+    for (const Json& tile : list(jsonMember(json, "tiles"))) layer.tiles.push_back(readTile(tile));
+    return layer;
+}
+
+Manifest readManifest(const Json& json) {
+    Manifest manifest;
+    manifest.format = jsonText(jsonMember(json, "format"));
+    manifest.formatVersion = jsonWhole(jsonMember(json, "formatVersion"));
+    manifest.app = jsonText(jsonMember(json, "app"));
+    manifest.width = jsonWhole(jsonMember(json, "width"));
+    manifest.height = jsonWhole(jsonMember(json, "height"));
+    manifest.dpi = jsonNumber(jsonMember(json, "dpi"));
+    manifest.active = jsonWhole(jsonMember(json, "active"));
+    for (const Json& layer : list(jsonMember(json, "layers"))) manifest.layers.push_back(readLayer(layer));
+    if (const Json* onion = jsonOptionalMember(json, "onion")) manifest.onion = readOnion(*onion);
+    if (const Json* preview = jsonOptionalMember(json, "thumbnail")) manifest.thumbnail = readTile(*preview);
+    if (const Json* saved = jsonOptionalMember(json, "saved")) manifest.saved = readMoment(*saved);
+    return manifest;
+}
+
+} // namespace
+
+std::string manifestText(const Manifest& manifest) {
+    OrderedJson layers = OrderedJson::array();
+    for (const LayerEntry& layer : manifest.layers) layers.push_back(written(layer));
+    OrderedJson json{{"format", manifest.format.toStdString()},
+                     {"formatVersion", manifest.formatVersion},
+                     {"app", manifest.app.toStdString()},
+                     {"width", manifest.width},
+                     {"height", manifest.height},
+                     {"dpi", finiteOr(manifest.dpi, 72)},
+                     {"active", manifest.active},
+                     {"layers", std::move(layers)}};
+    if (manifest.onion) json["onion"] = written(*manifest.onion);
+    if (manifest.thumbnail) json["thumbnail"] = written(*manifest.thumbnail);
+    if (manifest.saved) json["saved"] = manifest.saved->toUTC().toString(kMomentForm).toStdString();
+    return jsonBytes(json);
+}
+
+std::optional<Manifest> parseManifest(std::span<const uint8_t> text) {
+    const std::optional<Json> json = parseJson(text);
+    if (!json) return std::nullopt;
+    try {
+        return readManifest(*json);
+    } catch (const JsonTypeError&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blob, const TileEntry& entry) {
+    const auto size = static_cast<int64_t>(blob.size());
+    // Compared without adding: an offset may be any number up to the largest there is.
+    if (entry.o < 0 || entry.n < 1 || entry.n > size - entry.o) return std::nullopt;
+    return blob.subspan(static_cast<std::size_t>(entry.o), static_cast<std::size_t>(entry.n));
+}
+
+} // namespace qirn::PaintFile

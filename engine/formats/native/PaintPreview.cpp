@@ -1,0 +1,76 @@
+#include "formats/native/PaintPreview.h"
+
+#include "compositing/CompositeInputs.h"
+#include "formats/AreaReducer.h"
+#include "formats/native/PaintFile.h"
+#include "formats/pictures/ImageExport.h"
+#include "platform/Parallel.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace qirn {
+
+namespace {
+
+constexpr std::size_t kGroupsAtOnce = 64; // bounds the memory of parts that were reduced and not yet added
+
+/// What a tile of the finished picture is made of: the layers that have a tile there, and these tiles.
+using Ingredients = std::vector<std::pair<std::size_t, const Tile*>>;
+/// The slots that look alike, because they are made of the same tiles.
+using Group = std::vector<int64_t>;
+
+std::vector<Group> groupsOf(const DocumentSnapshot& snapshot) {
+    std::map<int64_t, Ingredients> slots; // only those where some layer has a tile
+    for (std::size_t l = 0; l < snapshot.layers.size(); ++l) {
+        snapshot.layers[l].tiles.forEachTile(
+            [&](int64_t index, const Tile& tile) { slots[index].emplace_back(l, &tile); });
+    }
+    std::map<Ingredients, Group> groups;
+    for (auto& [index, ingredients] : slots) groups[std::move(ingredients)].push_back(index);
+    std::vector<Group> result;
+    for (auto& [ingredients, group] : groups) result.push_back(std::move(group));
+    return result;
+}
+
+/// Every pixel of the tile is the first one.
+bool isUniform(const uint8_t* tile) {
+    return std::memcmp(tile, tile + 4, kTileBytes - 4) == 0;
+}
+
+} // namespace
+
+QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
+    const TileGrid& grid = snapshot.grid;
+    const QSize size = ImageExport::scaledSize(grid.width, grid.height, maxSide);
+    AreaReducer reducer(grid.width, grid.height, size.width(), size.height());
+    const std::vector<CompositeInput> inputs = compositeInputs(snapshot.layers);
+    const std::vector<Group> groups = groupsOf(snapshot);
+    for (std::size_t start = 0; start < groups.size(); start += kGroupsAtOnce) {
+        const std::size_t count = std::min(kGroupsAtOnce, groups.size() - start);
+        std::vector<std::vector<AreaReducer::Patch>> patches(count);
+        concurrentPerform(static_cast<int64_t>(count), [&](int64_t i) {
+            const Group& group = groups[start + static_cast<std::size_t>(i)];
+            const auto tile = std::make_unique_for_overwrite<uint8_t[]>(kTileBytes);
+            if (!Compositor::compositeTile(group.front(), inputs, tile.get())) return;
+            const bool uniform = isUniform(tile.get());
+            PixelBytes pixel;
+            std::memcpy(pixel.data(), tile.get(), pixel.size());
+            for (int64_t index : group) {
+                const IRect part = grid.rectOf(index);
+                patches[static_cast<std::size_t>(i)].push_back(
+                    uniform ? reducer.reduceUniform(part, pixel)
+                            : reducer.reduce(part, tile.get(), kTileRowBytes));
+            }
+        });
+        for (const auto& ofGroup : patches) {
+            for (const AreaReducer::Patch& patch : ofGroup) reducer.add(patch);
+        }
+    }
+    return reducer.result()->makeImage();
+}
+
+} // namespace qirn

@@ -1,0 +1,14 @@
+#pragma once
+#include "formats/pictures/DecodedPicture.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace qirn {
+
+bool isHeif(std::span<const uint8_t> file);
+/// The main picture of a HEIC file, with its profile, upright.
+std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file);
+
+} // namespace qirn

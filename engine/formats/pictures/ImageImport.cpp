@@ -1,0 +1,85 @@
+#include "formats/pictures/ImageImport.h"
+
+#include "formats/native/PaintFile.h"
+#include "formats/pictures/HeifReader.h"
+#include "formats/pictures/ImageExport.h"
+#include "formats/pictures/JpegReader.h"
+#include "formats/pictures/PngReader.h"
+#include "formats/pictures/QtReader.h"
+#include "formats/pictures/TiffReader.h"
+#include "formats/psd/PSDFile.h"
+#include "formats/psd/PSDPicture.h"
+#include "platform/QtImages.h"
+
+#include <cmath>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace qirn {
+
+namespace {
+
+using Bytes = std::span<const uint8_t>;
+
+/// The formats, told apart by their first bytes.
+struct Reader {
+    bool (*isOne)(Bytes);
+    std::optional<DecodedPicture> (*read)(Bytes);
+};
+constexpr Reader kReaders[] = {
+    {isPng, readPng},
+    {isJpeg, readJpeg},
+    {isTiff, readTiff},
+    {isWebP, readWebP},
+    {PSDPicture::isPhotoshopFile, PSDPicture::decode},
+    {isHeif, readHeif},
+    {isGif, readGif},
+    {isBmp, readBmp},
+};
+
+} // namespace
+
+std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&) {
+    if (PaintFile::infoOf(file)) return PaintFile::decode(file);
+    if (PSDPicture::isPhotoshopFile(file)) {
+        try {
+            return PSDFile::read(file);
+        } catch (const std::exception&) {
+            // Whatever its layers lack, the finished picture beside them may still be shown as one.
+        }
+    }
+    auto picture = decode(file);
+    if (!picture) throw ExportError::cannotRead();
+    const RGBABuffer& pixels = *picture->pixels;
+    const TileGrid grid(pixels.width(), pixels.height());
+    auto layer = std::make_shared<Layer>(QStringLiteral("Background"), grid);
+    layer->load(pixels);
+    return std::make_unique<PaintDocument>(pixels.width(), pixels.height(), picture->dpi,
+                                           std::vector<LayerRef>{std::move(layer)}, 0);
+}
+
+std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
+    for (const Reader& reader : kReaders) {
+        if (!reader.isOne(file)) continue;
+        try {
+            return reader.read(file);
+        } catch (const std::bad_alloc&) {
+            return std::nullopt; // a picture that this machine has no memory for
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QImage> ImageImport::decodePNG(Bytes png) {
+    if (!isPng(png)) return std::nullopt;
+    const auto picture = decode(png);
+    if (!picture) return std::nullopt;
+    QImage image = picture->pixels->makeImage();
+    const auto perMeter = static_cast<int>(std::lround(picture->dpi / 0.0254));
+    image.setDotsPerMeterX(perMeter);
+    image.setDotsPerMeterY(perMeter);
+    return image;
+}
+
+} // namespace qirn

@@ -1,0 +1,27 @@
+#pragma once
+#include "core/PaintDocument.h"
+#include "formats/pictures/DecodedPicture.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include <QImage>
+#include <QString>
+
+namespace qirn::ImageImport {
+
+/// A document from the bytes of any file that can be opened, told apart by content: the extension is not looked
+/// at. Throws PaintFileError for damage behind a native document's sound manifest, PSDFile::PSDError for a
+/// Photoshop file that was saved without a picture of what its layers show, otherwise ExportError.
+std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QString& fileExtension);
+
+/// The picture of a file other than a native document; nothing when it is none, is damaged beyond use, has a side of
+/// more than 30,000 pixels, or claims a size that its bytes cannot hold. Throws PSDFile::PSDError as above.
+std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
+
+/// The picture of a PNG; nothing when it is damaged or claims a size that its bytes cannot hold.
+std::optional<QImage> decodePNG(std::span<const uint8_t> png);
+
+} // namespace qirn::ImageImport

@@ -1,0 +1,141 @@
+#include "formats/pictures/JpegReader.h"
+
+#include "formats/pictures/ExifTags.h"
+#include "formats/pictures/JpegErrors.h"
+#include "formats/pictures/PictureBuilder.h"
+#include "formats/pictures/PrintDensity.h"
+
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+#include <jpeglib.h>
+
+namespace qirn {
+
+namespace {
+
+// A block of 8 x 8 pixels takes at least a bit, or, in the rare arithmetic coding, a small part of one.
+constexpr double kPixelsAByte = 8 * 64;
+constexpr double kPixelsAByteArithmetic = 16 * kPixelsAByte;
+// Each pass over a progressive picture costs the time of a decode, and a few bytes can ask for another one.
+constexpr int kMostScans = 200;
+constexpr int kExifMarker = JPEG_APP0 + 1;
+constexpr int kProfileMarker = JPEG_APP0 + 2;
+
+void limitScans(j_common_ptr info) {
+    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMostScans) stopAtError(info);
+}
+
+/// The library's state and what is made of the file. It lives outside of every function that an error jumps out of.
+struct Decoder {
+    Decoder() {
+        jpeg.err = jpeg_std_error(&errors.base);
+        errors.base.error_exit = stopAtError;
+        errors.base.emit_message = ignoreMessage;
+    }
+    ~Decoder() {
+        jpeg_destroy_decompress(&jpeg);
+        std::free(profile);
+    }
+
+    jpeg_decompress_struct jpeg{};
+    ErrorManager errors{};
+    jpeg_progress_mgr progress{};
+    unsigned char* profile = nullptr;
+    unsigned int profileBytes = 0;
+    std::optional<PictureBuilder> builder;
+};
+
+bool readHeader(Decoder& decoder, std::span<const uint8_t> file) {
+    if (setjmp(decoder.errors.stop)) return false;
+    jpeg_decompress_struct& jpeg = decoder.jpeg;
+    jpeg_create_decompress(&jpeg);
+    decoder.progress.progress_monitor = limitScans;
+    jpeg.progress = &decoder.progress;
+    jpeg_mem_src(&jpeg, file.data(), file.size());
+    jpeg_save_markers(&jpeg, kExifMarker, 0xFFFF);
+    jpeg_save_markers(&jpeg, kProfileMarker, 0xFFFF);
+    jpeg_read_header(&jpeg, TRUE);
+    jpeg_read_icc_profile(&jpeg, &decoder.profile, &decoder.profileBytes);
+    return true;
+}
+
+/// Stops quietly where the data ends or makes no sense; what was read until then stays.
+void readRows(Decoder& decoder) {
+    if (setjmp(decoder.errors.stop)) return;
+    jpeg_start_decompress(&decoder.jpeg);
+    while (decoder.jpeg.output_scanline < decoder.jpeg.output_height) {
+        auto row = static_cast<JSAMPROW>(decoder.builder->row());
+        jpeg_read_scanlines(&decoder.jpeg, &row, 1);
+        decoder.builder->rowDone();
+    }
+}
+
+std::optional<ColorModel> modelOf(J_COLOR_SPACE space) {
+    switch (space) {
+    case JCS_GRAYSCALE:
+        return ColorModel::gray;
+    case JCS_RGB:
+    case JCS_YCbCr:
+        return ColorModel::rgb;
+    case JCS_CMYK:
+    case JCS_YCCK:
+        return ColorModel::cmyk;
+    default:
+        return std::nullopt;
+    }
+}
+
+ExifTags tagsOf(const jpeg_decompress_struct& jpeg) {
+    for (auto marker = jpeg.marker_list; marker; marker = marker->next) {
+        if (marker->marker == kExifMarker && marker->data_length > 6 &&
+            std::memcmp(marker->data, "Exif\0", 6) == 0)
+            return exifTags({marker->data, marker->data_length});
+    }
+    return {};
+}
+
+double dpiOf(const jpeg_decompress_struct& jpeg, const ExifTags& tags) {
+    if (jpeg.saw_JFIF_marker && jpeg.X_density > 0) {
+        if (jpeg.density_unit == 1) return dpiFromInches(jpeg.X_density);
+        if (jpeg.density_unit == 2) return dpiFromCentimeters(jpeg.X_density);
+    }
+    return tags.dpi.value_or(kUnknownDpi);
+}
+
+} // namespace
+
+bool isJpeg(std::span<const uint8_t> file) {
+    return file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF;
+}
+
+std::optional<DecodedPicture> readJpeg(std::span<const uint8_t> file) {
+    Decoder decoder;
+    if (!readHeader(decoder, file)) return std::nullopt;
+    jpeg_decompress_struct& jpeg = decoder.jpeg;
+    const auto model = modelOf(jpeg.jpeg_color_space);
+    const int64_t width = jpeg.image_width;
+    const int64_t height = jpeg.image_height;
+    if (!model || !isReadableSize(width, height)) return std::nullopt;
+    if (!backs(file.size(), jpeg.arith_code ? kPixelsAByteArithmetic : kPixelsAByte, width, height))
+        return std::nullopt;
+
+    jpeg.out_color_space = *model == ColorModel::gray  ? JCS_GRAYSCALE
+                           : *model == ColorModel::rgb ? JCS_RGB
+                                                       : JCS_CMYK;
+    const PixelLayout layout{*model, SampleType::u8, false,
+                             *model == ColorModel::cmyk && jpeg.saw_Adobe_marker};
+    auto profile = ColorProfile::embedded({decoder.profile, decoder.profileBytes}, layout);
+    const ExifTags tags = tagsOf(jpeg);
+    decoder.builder.emplace(width, height, profile ? *std::move(profile) : ColorProfile::standard(layout),
+                            tags.orientation);
+    readRows(decoder);
+    auto pixels = decoder.builder->finish();
+    if (!pixels) return std::nullopt;
+    return DecodedPicture{std::move(pixels), dpiOf(jpeg, tags)};
+}
+
+} // namespace qirn

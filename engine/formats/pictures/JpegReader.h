@@ -1,0 +1,14 @@
+#pragma once
+#include "formats/pictures/DecodedPicture.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace qirn {
+
+bool isJpeg(std::span<const uint8_t> file);
+/// Grey, YCbCr, RGB, CMYK and YCCK, with the embedded profile, upright. A file that ends early gives what it holds.
+std::optional<DecodedPicture> readJpeg(std::span<const uint8_t> file);
+
+} // namespace qirn

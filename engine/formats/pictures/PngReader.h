@@ -1,0 +1,14 @@
+#pragma once
+#include "formats/pictures/DecodedPicture.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace qirn {
+
+bool isPng(std::span<const uint8_t> file);
+/// Every kind of PNG, with its profile or gamma, upright. A file that ends early gives the rows that it holds.
+std::optional<DecodedPicture> readPng(std::span<const uint8_t> file);
+
+} // namespace qirn

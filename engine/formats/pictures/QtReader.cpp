@@ -1,0 +1,177 @@
+#include "formats/pictures/QtReader.h"
+
+#include "core/PaintEngine.h"
+#include "formats/pictures/ExifTags.h"
+#include "formats/pictures/PictureBuilder.h"
+#include "formats/pictures/PrintDensity.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include <QBuffer>
+#include <QImageReader>
+
+namespace qirn {
+
+namespace {
+
+using Bytes = std::span<const uint8_t>;
+
+// How many pixels a byte of the file can stand for.
+constexpr double kGifPixelsAByte =
+    2800; // LZW: at best each code of 12 bits is a run longer than the one before
+constexpr double kBmpRunPixelsAByte = 512;
+constexpr double kWebPPixelsAByte = 1 << 16; // a flat picture takes next to nothing
+
+bool holds(Bytes file, std::size_t at, std::string_view text) {
+    return at <= file.size() && file.size() - at >= text.size() &&
+           std::memcmp(file.data() + at, text.data(), text.size()) == 0;
+}
+
+/// Low byte first; 0 beyond the end.
+uint32_t littleEndian(Bytes file, std::size_t at, std::size_t bytes) {
+    if (at > file.size() || file.size() - at < bytes) return 0;
+    uint32_t value = 0;
+    for (std::size_t i = bytes; i-- > 0;) value = value << 8 | file[at + i];
+    return value;
+}
+
+/// The part of a file from a place on, cut to what is there.
+Bytes part(Bytes file, std::size_t at, std::size_t bytes) {
+    if (at > file.size()) return {};
+    return file.subspan(at, std::min(bytes, file.size() - at));
+}
+
+/// What is known before the decoder runs.
+struct Header {
+    int64_t width = 0;
+    int64_t height = 0;
+    double pixelsAByte = 1;
+    double dpi = kUnknownDpi;
+    Orientation orientation;
+    Bytes icc;
+};
+
+std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Header& header) {
+    if (!isReadableSize(header.width, header.height) ||
+        !backs(file.size(), header.pixelsAByte, header.width, header.height))
+        return std::nullopt;
+    // The sizes have been judged: Qt's own limit only has to let through what may be opened.
+    constexpr int64_t kSide = PaintEngine::maxCanvasSide;
+    static const bool isRaised = (QImageReader::setAllocationLimit((kSide * kSide * 4 >> 20) + 1), true);
+    static_cast<void>(isRaised);
+    QBuffer buffer;
+    buffer.setData(QByteArray::fromRawData(reinterpret_cast<const char*>(file.data()),
+                                           static_cast<qsizetype>(file.size())));
+    QImageReader reader(&buffer, format);
+    reader.setAutoTransform(false);
+    const QImage image = reader.read();
+    if (image.isNull() || image.width() != header.width || image.height() != header.height)
+        return std::nullopt;
+
+    const PixelLayout layout{ColorModel::rgb, SampleType::u8, true, false};
+    const auto profile = ColorProfile::embedded(header.icc, layout);
+    PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout),
+                           header.orientation);
+    for (int y = 0; y < image.height(); ++y) {
+        QImage line(image.constScanLine(y), image.width(), 1, image.bytesPerLine(), image.format());
+        line.setColorTable(image.colorTable());
+        const QImage rgba = line.convertToFormat(QImage::Format_RGBA8888);
+        if (rgba.isNull()) return std::nullopt;
+        std::memcpy(builder.row(), rgba.constBits(), static_cast<std::size_t>(image.width()) * 4);
+        builder.rowDone();
+    }
+    return DecodedPicture{builder.finish(), header.dpi};
+}
+
+// BMP: a file header of 14 bytes, then one whose length says which kind it is.
+constexpr std::size_t kInfoAt = 14;
+constexpr uint32_t kOldInfoBytes = 12; // 16-bit sides
+constexpr uint32_t kInfoBytes = 40;
+constexpr uint32_t kInfo5Bytes = 124; // may embed a profile
+
+Header bmpHeader(Bytes file) {
+    Header header;
+    const uint32_t infoBytes = littleEndian(file, kInfoAt, 4);
+    const bool isOld = infoBytes == kOldInfoBytes;
+    const std::size_t side = isOld ? 2 : 4;
+    header.width = static_cast<int32_t>(littleEndian(file, kInfoAt + 4, side));
+    header.height = static_cast<int32_t>(littleEndian(file, kInfoAt + 4 + side, side));
+    if (header.height < 0) header.height = -header.height; // rows from the top
+    const uint32_t bits = littleEndian(file, kInfoAt + (isOld ? 10 : 14), 2);
+    const uint32_t compression = infoBytes >= kInfoBytes ? littleEndian(file, kInfoAt + 16, 4) : 0;
+    const bool isRuns = compression == 1 || compression == 2;
+    header.pixelsAByte = isRuns ? kBmpRunPixelsAByte : 8.0 / std::max(bits, 1u);
+    if (infoBytes >= kInfoBytes)
+        header.dpi = dpiFromMeters(static_cast<int32_t>(littleEndian(file, kInfoAt + 24, 4)));
+    if (infoBytes >= kInfo5Bytes && holds(file, kInfoAt + 56, "DEBM"))
+        header.icc =
+            part(file, kInfoAt + littleEndian(file, kInfoAt + 112, 4), littleEndian(file, kInfoAt + 116, 4));
+    return header;
+}
+
+// WebP: "RIFF", length, "WEBP", then chunks of four letters, length and that many bytes, an even number in the file.
+constexpr std::size_t kFirstChunkAt = 12;
+constexpr std::size_t kChunkHeaderBytes = 8;
+
+Header webpHeader(Bytes file) {
+    Header header;
+    header.pixelsAByte = kWebPPixelsAByte;
+    for (std::size_t at = kFirstChunkAt; at + kChunkHeaderBytes <= file.size();) {
+        const std::size_t bytes = littleEndian(file, at + 4, 4);
+        const Bytes body = part(file, at + kChunkHeaderBytes, bytes);
+        const bool isFirst = at == kFirstChunkAt;
+        if (isFirst && holds(file, at, "VP8X")) {
+            header.width = littleEndian(body, 4, 3) + 1;
+            header.height = littleEndian(body, 7, 3) + 1;
+        } else if (isFirst && holds(file, at, "VP8L")) {
+            const uint32_t sides = littleEndian(body, 1, 4); // 14 bits each
+            header.width = (sides & 0x3FFF) + 1;
+            header.height = (sides >> 14 & 0x3FFF) + 1;
+        } else if (isFirst && holds(file, at, "VP8 ")) {
+            header.width = littleEndian(body, 6, 2) & 0x3FFF;
+            header.height = littleEndian(body, 8, 2) & 0x3FFF;
+        } else if (holds(file, at, "ICCP")) {
+            header.icc = body;
+        } else if (holds(file, at, "EXIF")) {
+            const ExifTags tags = exifTags(body);
+            header.orientation = tags.orientation;
+            header.dpi = tags.dpi.value_or(kUnknownDpi);
+        }
+        at += kChunkHeaderBytes + bytes + bytes % 2;
+    }
+    return header;
+}
+
+} // namespace
+
+bool isGif(Bytes file) {
+    return holds(file, 0, "GIF87a") || holds(file, 0, "GIF89a");
+}
+
+std::optional<DecodedPicture> readGif(Bytes file) {
+    Header header;
+    header.width = littleEndian(file, 6, 2);
+    header.height = littleEndian(file, 8, 2);
+    header.pixelsAByte = kGifPixelsAByte;
+    return decoded(file, "gif", header);
+}
+
+bool isBmp(Bytes file) {
+    return holds(file, 0, "BM");
+}
+
+std::optional<DecodedPicture> readBmp(Bytes file) {
+    return decoded(file, "bmp", bmpHeader(file));
+}
+
+bool isWebP(Bytes file) {
+    return holds(file, 0, "RIFF") && holds(file, 8, "WEBP");
+}
+
+std::optional<DecodedPicture> readWebP(Bytes file) {
+    return decoded(file, "webp", webpHeader(file));
+}
+
+} // namespace qirn

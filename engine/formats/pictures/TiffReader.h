@@ -1,0 +1,15 @@
+#pragma once
+#include "formats/pictures/DecodedPicture.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace qirn {
+
+bool isTiff(std::span<const uint8_t> file);
+/// The first picture of a TIFF, with its profile, upright: grey, RGB, CMYK and Lab as they are stored, what is rarer
+/// through the library's own conversion. A file that ends early gives the rows that it holds.
+std::optional<DecodedPicture> readTiff(std::span<const uint8_t> file);
+
+} // namespace qirn
