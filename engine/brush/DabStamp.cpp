@@ -125,6 +125,7 @@ DabStamp::TileWork& DabStamp::workOn(int64_t index) {
         std::memset(work.mask.get(), 0, kTileBytes);
         work.before = layer_.tiles().share(index);
         if (work.before) work.before->freeze();
+        TileMemory::prepare(); // for the tiles that the pen comes to next
     }
     return work;
 }

@@ -5,12 +5,18 @@
 
 #include <algorithm>
 #include <bit>
+#include <condition_variable>
 #include <map>
 #include <mutex>
 #include <new>
+#include <thread>
 #include <vector>
 
 #include <sys/mman.h>
+
+#ifndef MADV_POPULATE_WRITE
+#define MADV_POPULATE_WRITE 23 // since Linux 5.14; older ones refuse it
+#endif
 
 #if defined(__SANITIZE_ADDRESS__)
 #define QIRN_ADDRESS_SANITIZER 1
@@ -34,8 +40,16 @@ constexpr std::size_t kPageBytes = 2 * 1024 * 1024;
 constexpr int kBlocksInPage = static_cast<int>(kPageBytes / kTileBytes);
 constexpr uint8_t kAllFree = (1u << kBlocksInPage) - 1;
 static_assert(kBlocksInPage == 8);
+// What a large brush takes at a time when it comes to a new row or column of tiles.
+constexpr int64_t kPreparedBlocks = 32;
 
-/// The pages and which of their blocks are free, a bit a block.
+/// A bit a block.
+struct PageBlocks {
+    uint8_t free = kAllFree;
+    uint8_t ready = 0; // of the free ones: used before, or prepared
+};
+
+/// The pages and their blocks.
 class Pool {
 public:
     static Pool& shared() {
@@ -46,16 +60,9 @@ public:
     uint8_t* take() {
         const std::lock_guard lock(mutex_);
         if (open_.empty()) addPage();
-        // The page that was given to last is the one that is likely in the caches.
-        uint8_t* const page = open_.back();
-        uint8_t& free = pages_.at(page);
-        const int place = std::countr_zero(free);
-        if (free == kAllFree) --emptyPages_;
-        free = static_cast<uint8_t>(free & (free - 1));
-        if (free == 0) open_.pop_back();
+        uint8_t* const block = detach(ready_ > 0 ? readyBlock() : anyBlock(open_.back()));
         ++used_;
         --spare_;
-        uint8_t* const block = page + place * kTileBytes;
         ASAN_UNPOISON_MEMORY_REGION(block, kTileBytes);
         return block;
     }
@@ -63,33 +70,42 @@ public:
     void give(uint8_t* block) {
         const std::lock_guard lock(mutex_);
         ASAN_POISON_MEMORY_REGION(block, kTileBytes);
-        const auto found = std::prev(pages_.upper_bound(block));
-        auto& [page, free] = *found;
-        const auto place = static_cast<int>((block - page) / kTileBytes);
-        require((free >> place & 1) == 0);
-        if (free == 0) open_.push_back(page);
-        free = static_cast<uint8_t>(free | 1u << place);
         --used_;
         ++spare_;
-        if (free != kAllFree) return;
-        ++emptyPages_;
-        if (emptyPages_ * static_cast<int64_t>(kPageBytes) > TileMemory::kMostSpareBytes) removePage(page);
+        uint8_t* const page = attach(block);
+        if (emptyPages_ * static_cast<int64_t>(kPageBytes) > TileMemory::kMostSpareBytes &&
+            pages_.at(page).free == kAllFree)
+            removePage(page);
+    }
+
+    void prepare() {
+        const std::lock_guard lock(mutex_);
+        if (ready_ >= kPreparedBlocks || !canPrepare_) return;
+        if (!preparing_.joinable()) preparing_ = std::thread([this] { keepPrepared(); });
+        isWanted_ = true;
+        wanted_.notify_one();
     }
 
     void trim() {
         const std::lock_guard lock(mutex_);
         for (auto entry = pages_.begin(); entry != pages_.end();) {
-            const auto [page, free] = *entry++;
-            if (free == kAllFree) {
+            auto& [page, blocks] = *entry++;
+            if (blocks.free == kAllFree) {
                 removePage(page);
                 continue;
             }
+            ready_ -= std::popcount(blocks.ready);
+            blocks.ready = 0;
             for (int place = 0; place < kBlocksInPage; ++place) {
-                if (free >> place & 1) madvise(page + place * kTileBytes, kTileBytes, MADV_DONTNEED);
+                if (blocks.free >> place & 1) madvise(page + place * kTileBytes, kTileBytes, MADV_DONTNEED);
             }
         }
     }
 
+    int64_t ready() {
+        const std::lock_guard lock(mutex_);
+        return ready_ * kTileBytes;
+    }
     int64_t used() {
         const std::lock_guard lock(mutex_);
         return used_ * kTileBytes;
@@ -100,6 +116,76 @@ public:
     }
 
 private:
+    /// The page that was given to last is the one that is likely in the caches.
+    uint8_t* readyBlock() {
+        const auto page = std::find_if(open_.rbegin(), open_.rend(), [this](uint8_t* candidate) {
+            return pages_.at(candidate).ready != 0;
+        });
+        return *page + std::countr_zero(pages_.at(*page).ready) * kTileBytes;
+    }
+    uint8_t* anyBlock(uint8_t* page) { return page + std::countr_zero(pages_.at(page).free) * kTileBytes; }
+
+    /// Marks a block as not free.
+    uint8_t* detach(uint8_t* block) {
+        const auto found = std::prev(pages_.upper_bound(block));
+        auto& [page, blocks] = *found;
+        const auto bit = static_cast<uint8_t>(1u << (block - page) / kTileBytes);
+        if (blocks.free == kAllFree) --emptyPages_;
+        if (blocks.ready & bit) --ready_;
+        blocks.free = static_cast<uint8_t>(blocks.free & ~bit);
+        blocks.ready = static_cast<uint8_t>(blocks.ready & ~bit);
+        if (blocks.free == 0) std::erase(open_, page);
+        return block;
+    }
+
+    /// Marks a block, whose pages are there, as free; its page.
+    uint8_t* attach(uint8_t* block) {
+        const auto found = std::prev(pages_.upper_bound(block));
+        auto& [page, blocks] = *found;
+        const auto bit = static_cast<uint8_t>(1u << (block - page) / kTileBytes);
+        require((blocks.free & bit) == 0);
+        if (blocks.free == 0) open_.push_back(page);
+        blocks.free = static_cast<uint8_t>(blocks.free | bit);
+        blocks.ready = static_cast<uint8_t>(blocks.ready | bit);
+        ++ready_;
+        if (blocks.free == kAllFree) ++emptyPages_;
+        return page;
+    }
+
+    /// The thread that prepares blocks whenever they are wanted, for the life of the process.
+    void keepPrepared() {
+        std::unique_lock lock(mutex_);
+        for (;;) {
+            wanted_.wait(lock, [this] { return isWanted_; });
+            while (ready_ < kPreparedBlocks && canPrepare_) {
+                uint8_t* const block = unreadyBlock();
+                if (!block) break;
+                detach(block);
+                lock.unlock();
+                const bool there = madvise(block, kTileBytes, MADV_POPULATE_WRITE) == 0;
+                lock.lock();
+                attach(block);
+                canPrepare_ = there;
+            }
+            isWanted_ = false;
+        }
+    }
+
+    /// A free block whose pages are not there yet; null when the system has no more.
+    uint8_t* unreadyBlock() {
+        try {
+            if (ready_ == spare_) addPage();
+        } catch (const std::bad_alloc&) {
+            return nullptr;
+        }
+        for (uint8_t* page : open_) {
+            const PageBlocks& blocks = pages_.at(page);
+            const auto unready = static_cast<uint8_t>(blocks.free & ~blocks.ready);
+            if (unready != 0) return page + std::countr_zero(unready) * kTileBytes;
+        }
+        return nullptr;
+    }
+
     void addPage() {
         // Twice the size, so that an aligned page lies within.
         void* const mapped =
@@ -114,13 +200,14 @@ private:
             munmap(behind, static_cast<std::size_t>(start + 2 * kPageBytes - behind));
         // No large pages: filling one takes the system up to 25 ms, which a pen feels, and opening a picture twice as long.
         ASAN_POISON_MEMORY_REGION(page, kPageBytes);
-        pages_.emplace(page, kAllFree);
+        pages_.emplace(page, PageBlocks());
         open_.push_back(page);
         ++emptyPages_;
         spare_ += kBlocksInPage;
     }
 
     void removePage(uint8_t* page) {
+        ready_ -= std::popcount(pages_.at(page).ready);
         pages_.erase(page);
         std::erase(open_, page);
         --emptyPages_;
@@ -130,11 +217,16 @@ private:
     }
 
     std::mutex mutex_;
-    std::map<uint8_t*, uint8_t> pages_; // by address: the free blocks
-    std::vector<uint8_t*> open_;        // pages with a free block
-    int64_t emptyPages_ = 0;            // pages of which nothing is in use
-    int64_t used_ = 0;                  // blocks
-    int64_t spare_ = 0;
+    std::map<uint8_t*, PageBlocks> pages_; // by address
+    std::vector<uint8_t*> open_;           // pages with a free block
+    int64_t emptyPages_ = 0;               // pages of which nothing is in use
+    int64_t used_ = 0;                     // blocks
+    int64_t spare_ = 0;                    // those being prepared among them
+    int64_t ready_ = 0;
+    std::thread preparing_;
+    std::condition_variable wanted_;
+    bool isWanted_ = false;
+    bool canPrepare_ = true;
 };
 
 } // namespace
@@ -149,6 +241,14 @@ TileMemory::Block TileMemory::take() {
 
 void TileMemory::trim() {
     Pool::shared().trim();
+}
+
+void TileMemory::prepare() {
+    Pool::shared().prepare();
+}
+
+int64_t TileMemory::readyBytes() {
+    return Pool::shared().ready();
 }
 
 int64_t TileMemory::usedBytes() {

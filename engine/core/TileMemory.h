@@ -21,9 +21,14 @@ using Block = std::unique_ptr<uint8_t, GiveBack>;
 
 Block take();
 
+/// Returns at once and has the system hand out the pages of the next few blocks in the background: a pen that comes to
+/// a new tile does not wait for them. Does nothing where the system cannot.
+void prepare();
+
 /// Gives the system back all that nobody uses: called when a picture is closed.
 void trim();
 
+int64_t readyBytes(); ///< Spare blocks whose pages are there.
 int64_t usedBytes();  ///< Of blocks that are taken.
 int64_t spareBytes(); ///< Kept for later.
 

@@ -6,6 +6,8 @@
 #include <set>
 #include <thread>
 
+#include <sys/mman.h>
+
 using namespace qirn;
 
 class tst_TileMemory : public QObject {
@@ -57,6 +59,22 @@ private Q_SLOTS:
         std::memset(blocks[0].get(), 1, kTileBytes);
     }
 
+    void blocksAreReadyBeforeTheyAreTaken() {
+        const TileMemory::Block first = TileMemory::take();
+        QCOMPARE(TileMemory::readyBytes(), int64_t{0});
+        TileMemory::prepare();
+        QTRY_VERIFY(TileMemory::readyBytes() >= int64_t{32} * kTileBytes);
+        const int64_t ready = TileMemory::readyBytes();
+        const TileMemory::Block second = TileMemory::take();
+        QCOMPARE(TileMemory::readyBytes(), ready - kTileBytes);
+        unsigned char pages[kTileBytes / 4096];
+        QCOMPARE(mincore(second.get(), kTileBytes, pages), 0);
+        QVERIFY(std::all_of(std::begin(pages), std::end(pages), [](unsigned char page) { return page & 1; }));
+        QCOMPARE(TileMemory::usedBytes() - used_, int64_t{2} * kTileBytes);
+        TileMemory::trim();
+        QCOMPARE(TileMemory::readyBytes(), int64_t{0});
+    }
+
     void severalThreadsTakeAndGive() {
         std::vector<std::thread> threads;
         std::atomic<int> clashes = 0;
@@ -64,6 +82,7 @@ private Q_SLOTS:
             threads.emplace_back([&clashes, t] {
                 for (int i = 0; i < 500; ++i) {
                     const TileMemory::Block block = TileMemory::take();
+                    if (i % 50 == 0) t == 0 ? TileMemory::trim() : TileMemory::prepare();
                     block.get()[0] = static_cast<uint8_t>(t);
                     std::this_thread::yield();
                     clashes += block.get()[0] == t ? 0 : 1;
