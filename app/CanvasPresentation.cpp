@@ -6,9 +6,7 @@
 #include "platform/Parallel.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <utility>
 
 #include <QPainter>
 
@@ -17,6 +15,7 @@ namespace qirn {
 namespace {
 
 constexpr double kNearestFromZoom = 2.0;
+constexpr int64_t kBandRows = 64; // of a tile, drawn by one thread
 // Two thousand tiles: eight 4K canvases. Beyond it, tiles out of sight are let go and made again when seen.
 constexpr int64_t kMostTileImages = 512LL * 1024 * 1024 / kTileBytes;
 /// The level at which the painter has to shrink by at most a half.
@@ -32,7 +31,8 @@ void CanvasPresentation::show(const PaintDocument* document) {
     document_ = document;
     const TileGrid grid = document ? document->grid() : TileGrid();
     states_.assign(static_cast<std::size_t>(grid.count()), TileState::stale);
-    images_.assign(states_.size(), QImage());
+    images_.clear();
+    images_.resize(states_.size());
     heldImages_ = 0;
     tilesComposited_ = 0;
     visible_ = {};
@@ -112,34 +112,50 @@ void CanvasPresentation::makeVisibleTiles() {
 void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
     if (tiles.empty()) return;
     const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
-    std::atomic<int64_t> composited = 0, moreImages = 0;
-    window_.put(tiles, [&](const DirtyTile& tile) {
-        const auto place = static_cast<std::size_t>(tile.index);
-        QImage& image = images_[place];
-        const bool whole = tile.part == document_->grid().rectOf(tile.index);
-        if (whole && states_[place] == TileState::made) return image;
-        if (states_[place] == TileState::stale) ++composited;
-        if (whole && !showsAnything(tile.index, layers)) {
-            moreImages -= image.isNull() ? 0 : 1;
-            states_[place] = TileState::empty;
-            return image = {};
+    // A few tiles are cut into bands, so that every core has something to do.
+    const bool few = static_cast<int>(tiles.size()) < 2 * concurrency();
+    const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << window_.level()) : kTileSize;
+    std::vector<DirtyTile> parts;
+    std::vector<bool> drawn; // for each part whether its image has to be drawn first
+    for (const DirtyTile& tile : tiles) {
+        const bool draws = makeImage(tile, layers);
+        const IRect place = document_->grid().rectOf(tile.index);
+        for (int64_t y = place.y; y < place.maxY(); y += bandRows) {
+            const IRect band = tile.part.intersection({place.x, y, place.w, bandRows});
+            if (band.isEmpty()) continue;
+            parts.push_back({tile.index, band});
+            drawn.push_back(draws);
         }
-        moreImages += image.isNull() ? 1 : 0;
-        if (image.isNull()) image = QImage(kTileSize, kTileSize, QImage::Format_RGB32);
-        drawForScreen(tile, layers, document_->grid(), board_, image.bits(), image.bytesPerLine());
-        states_[place] = TileState::made;
+    }
+    window_.put(parts, [&](std::size_t i) -> const uint8_t* {
+        uint8_t* const image = images_[static_cast<std::size_t>(parts[i].index)].get();
+        if (drawn[i]) drawForScreen(parts[i], layers, document_->grid(), board_, image, kTileRowBytes);
         return image;
     });
-    tilesComposited_ += composited;
-    heldImages_ += moreImages;
+}
+
+/// Sees to it that the tile has an image, unless it shows nothing; whether its part has to be drawn into it.
+bool CanvasPresentation::makeImage(const DirtyTile& tile, std::span<const CompositeInput> layers) {
+    const auto place = static_cast<std::size_t>(tile.index);
+    TileState& state = states_[place];
+    const bool whole = tile.part == document_->grid().rectOf(tile.index);
+    if (whole && state == TileState::made) return false;
+    if (state == TileState::stale) ++tilesComposited_;
+    heldImages_ -= images_[place] ? 1 : 0;
+    state = whole && !showsAnything(tile.index, layers) ? TileState::empty : TileState::made;
+    if (state == TileState::empty)
+        images_[place].reset();
+    else if (!images_[place])
+        images_[place] = TileMemory::take();
+    heldImages_ += images_[place] ? 1 : 0;
+    return state == TileState::made;
 }
 
 void CanvasPresentation::dropUnseenTiles() {
     for (std::size_t place = 0; place < images_.size() && heldImages_ > kMostTileImages; ++place) {
         // At a high zoom the tiles in sight are few; far out their reduced pixels stand in the window already.
-        if (images_[place].isNull() || (window_.level() == 0 && isVisible(static_cast<int64_t>(place))))
-            continue;
-        images_[place] = {};
+        if (!images_[place] || (window_.level() == 0 && isVisible(static_cast<int64_t>(place)))) continue;
+        images_[place].reset();
         states_[place] = TileState::stale;
         --heldImages_;
     }

@@ -3,11 +3,11 @@
 #include "ViewTransform.h"
 #include "compositing/ScreenTiles.h"
 #include "core/DirtyTiles.h"
+#include "core/TileMemory.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
-
-#include <QImage>
 
 class QPainter;
 
@@ -44,13 +44,15 @@ private:
     void makeVisibleTiles();
     /// Draws these parts into the images of their tiles where they are out of date, and copies them to the window.
     void drawIntoWindow(const std::vector<DirtyTile>& tiles);
+    bool makeImage(const DirtyTile& tile, std::span<const CompositeInput> layers);
     bool isVisible(int64_t index) const;
     void dropUnseenTiles();
 
     const PaintDocument* document_ = nullptr;
     Checkerboard board_;
     std::vector<TileState> states_;
-    std::vector<QImage> images_; // Format_RGB32 over the checkerboard, whole tiles; null where not made
+    std::vector<TileMemory::Block>
+        images_; // 0xFFRRGGBB over the checkerboard, whole tiles; null where not made
     int64_t heldImages_ = 0;
     TileRange visible_;
     CanvasWindowImage window_;

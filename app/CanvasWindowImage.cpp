@@ -18,7 +18,7 @@ int64_t reducedLength(int64_t length, int level) {
 
 /// The plain mean of each block of 2^level x 2^level pixels in the part, which is in the tile's pixels and made of whole
 /// blocks, but for those that the canvas edge cuts. `out` is where the tile's first block goes.
-void reduceInto(const QImage& tile, const IRect& part, int level, uchar* out, qsizetype outStride) {
+void reduceInto(const uint8_t* tile, const IRect& part, int level, uchar* out, qsizetype outStride) {
     const int side = 1 << level;
     const int right = static_cast<int>(part.maxX()), bottom = static_cast<int>(part.maxY());
     for (int top = static_cast<int>(part.y); top < bottom; top += side) {
@@ -27,7 +27,7 @@ void reduceInto(const QImage& tile, const IRect& part, int level, uchar* out, qs
             uint64_t redBlue = 0, green = 0; // two channels of up to 2^24 in one word
             const int endX = std::min(left + side, right), endY = std::min(top + side, bottom);
             for (int y = top; y < endY; ++y) {
-                const auto* row = reinterpret_cast<const quint32*>(tile.constScanLine(y));
+                const auto* row = reinterpret_cast<const quint32*>(tile + y * kTileRowBytes);
                 for (int x = left; x < endX; ++x) {
                     redBlue += (static_cast<uint64_t>(row[x] & 0xFF0000) << 16) | (row[x] & 0xFF);
                     green += (row[x] >> 8) & 0xFF;
@@ -120,14 +120,15 @@ void CanvasWindowImage::drop(int64_t index) {
     if (inside(index)) held_[slotOf(index)] = false;
 }
 
-void CanvasWindowImage::put(std::span<const DirtyTile> tiles,
-                            const std::function<QImage(const DirtyTile&)>& imageOf) {
+void CanvasWindowImage::put(std::span<const DirtyTile> parts,
+                            const std::function<const uint8_t*(std::size_t)>& imageOf) {
     if (image_.isNull()) return;
     uchar* bits = image_.bits(); // once, before the loop: it may copy an image that a painter still holds
     const qsizetype stride = image_.bytesPerLine();
-    concurrentPerform(static_cast<int64_t>(tiles.size()), [&](int64_t i) {
-        const DirtyTile& tile = tiles[static_cast<std::size_t>(i)];
-        const QImage image = imageOf(tile);
+    concurrentPerform(static_cast<int64_t>(parts.size()), [&](int64_t i) {
+        const auto number = static_cast<std::size_t>(i);
+        const DirtyTile& tile = parts[number];
+        const uint8_t* const image = imageOf(number);
         if (!inside(tile.index)) return;
         const int64_t side = kTileSize >> level_;
         const int64_t x = (tile.index % grid_.cols - range_.firstCol) * side;
@@ -135,19 +136,18 @@ void CanvasWindowImage::put(std::span<const DirtyTile> tiles,
         uchar* out = bits + y * stride + x * 4;
         const IRect place = grid_.rectOf(tile.index);
         const IRect part = blocksOf(tile.part, place, level_);
-        if (image.isNull()) {
+        if (!image) {
             uchar* const corner = out + (part.y >> level_) * stride + (part.x >> level_) * 4;
             return drawBoard(board_, {place.x + part.x, place.y + part.y, part.w, part.h}, level_, corner,
                              stride);
         }
         if (level_ > 0) return reduceInto(image, part, level_, out, stride);
         for (int64_t row = part.y; row < part.maxY(); ++row) {
-            std::memcpy(out + row * stride + part.x * 4,
-                        image.constScanLine(static_cast<int>(row)) + part.x * 4,
+            std::memcpy(out + row * stride + part.x * 4, image + row * kTileRowBytes + part.x * 4,
                         static_cast<std::size_t>(part.w) * 4);
         }
     });
-    for (const DirtyTile& tile : tiles) {
+    for (const DirtyTile& tile : parts) {
         if (inside(tile.index)) held_[slotOf(tile.index)] = true;
     }
 }

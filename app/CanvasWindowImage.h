@@ -40,10 +40,11 @@ public:
 
     bool holds(int64_t index) const; ///< Inside the block, and put since it came in.
     void drop(int64_t index);        ///< It must be put again before it is shown.
-    /// Copies parts of tiles in, reduced; those outside the block are passed over. `imageOf` gives the tile's image:
-    /// opaque 32-bit RGB, a whole tile also at the canvas edge; null for the bare checkerboard. It is called in
-    /// parallel, once for each.
-    void put(std::span<const DirtyTile> tiles, const std::function<QImage(const DirtyTile&)>& imageOf);
+    /// Copies parts of tiles in, reduced; those outside the block are passed over. `imageOf` gives the image of the
+    /// tile that a part, by its number, belongs to: opaque words 0xFFRRGGBB, a whole tile also at the canvas edge;
+    /// null for the bare checkerboard. It is called in parallel, once for each part; those of one tile share no block
+    /// of 2^level x 2^level pixels.
+    void put(std::span<const DirtyTile> parts, const std::function<const uint8_t*(std::size_t)>& imageOf);
 
     /// Draws the block; the painter's transform is that from canvas to device.
     void draw(QPainter& painter) const;

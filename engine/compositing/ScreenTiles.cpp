@@ -17,8 +17,9 @@ constexpr uint32_t kLight = 219, kDark = 179; // white at 0.86 and 0.7
 struct BoardRows {
     alignas(64) uint32_t greys[2][kTileSize];
 
-    BoardRows(const Checkerboard& board, int64_t tileX) {
-        for (int64_t x = 0; x < kTileSize; ++x) {
+    /// Of the columns from `left` to before `end`.
+    BoardRows(const Checkerboard& board, int64_t tileX, int left, int end) {
+        for (int x = left; x < end; ++x) {
             const bool odd = board.squareOf(tileX + x) % 2 != 0;
             greys[0][x] = odd ? kLight : kDark;
             greys[1][x] = odd ? kDark : kLight;
@@ -64,7 +65,7 @@ void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers
     const int right = static_cast<int>(tile.part.maxX() - place.x);
     const int bottom = static_cast<int>(tile.part.maxY() - place.y);
     const int width = (right - left + kRunStep - 1) / kRunStep * kRunStep;
-    const BoardRows rows(board, place.x);
+    const BoardRows rows(board, place.x, left, left + width);
     const uint32_t* greys[kRunPixels / kRunStep];
     PixelRun acc;
     for (int y = static_cast<int>(tile.part.y - place.y); y < bottom;) {
