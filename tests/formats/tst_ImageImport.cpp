@@ -1,11 +1,6 @@
-#include "core/SeededRandom.h"
+#include "SmallPictures.h"
 #include "formats/pictures/HevcSize.h"
-#include "formats/pictures/ImageExport.h"
-#include "formats/pictures/ImageImport.h"
 #include "formats/pictures/PrintDensity.h"
-#include "platform/Bytes.h"
-#include "support/PictureFiles.h"
-#include "support/Pictures.h"
 #include "support/Profiles.h"
 #include "support/TestMain.h"
 
@@ -13,42 +8,10 @@
 #include <cmath>
 #include <cstring>
 
-#include <QFile>
-
-#include <sys/resource.h>
-
 using namespace qirn;
 using namespace qirn::test;
 
 namespace {
-
-constexpr int kWidth = 48;
-constexpr int kHeight = 32;
-
-/// Six flat blocks of 16 x 16 pixels, all different, so that each turn shows and a JPEG keeps them.
-QImage blocks(bool hasAlpha = false) {
-    QImage image(kWidth, kHeight, hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
-    const QColor colors[6] = {{200, 30, 30},   {30, 200, 30}, {30, 30, 200},
-                              {220, 220, 220}, {20, 20, 20},  {200, 200, 30}};
-    for (int y = 0; y < kHeight; ++y) {
-        for (int x = 0; x < kWidth; ++x) {
-            QColor color = colors[y / 16 * 3 + x / 16];
-            if (hasAlpha) color.setAlpha(255 - x - y * 3);
-            image.setPixelColor(x, y, color);
-        }
-    }
-    return image;
-}
-
-QByteArray testData(const char* name) {
-    QFile file(QStringLiteral(QIRN_TEST_DATA "/") + QLatin1String(name));
-    if (!file.open(QIODevice::ReadOnly)) qFatal("no %s", name);
-    return file.readAll();
-}
-
-std::optional<DecodedPicture> decoded(const QByteArray& file) {
-    return ImageImport::decode(bytesOf(file));
-}
 
 /// The largest difference of any channel, or a thousand where there is no picture of this size.
 int distance(const std::optional<DecodedPicture>& picture, const QImage& expected) {
@@ -74,26 +37,6 @@ bool isNear(const PixelBytes& a, const PixelBytes& b, int distance) {
     return true;
 }
 
-QByteArray jpegOf(const QImage& image) {
-    PaintDocument doc(image.width(), image.height(), 72, std::nullopt);
-    doc.layer(0).load(*RGBABuffer::fromImage(image));
-    return ImageExport::data(doc, ExportFormat::jpeg, 1, PaintColor::white());
-}
-
-QByteArray rgbBytes(const QImage& image) {
-    QByteArray bytes;
-    for (int y = 0; y < image.height(); ++y)
-        bytes.append(reinterpret_cast<const char*>(image.constScanLine(y)), image.width() * 3);
-    return bytes;
-}
-
-QByteArray tiffOf(const QImage& image, std::vector<TiffEntry> more = {}) {
-    auto entries =
-        tiffTags(static_cast<uint32_t>(image.width()), static_cast<uint32_t>(image.height()), 2, 3, 8);
-    entries.insert(entries.end(), more.begin(), more.end());
-    return tiffFile(std::move(entries), rgbBytes(image));
-}
-
 TiffEntry profileTag(const QByteArray& profile) {
     const auto bytes = bytesOf(profile);
     return {34675, 1, {bytes.begin(), bytes.end()}};
@@ -110,27 +53,6 @@ QByteArray onePixelTiff(uint32_t photometric, uint32_t bits, const std::vector<u
     auto entries = tiffTags(1, 1, photometric, static_cast<uint32_t>(samples.size()), bits);
     entries.insert(entries.end(), more.begin(), more.end());
     return tiffFile(std::move(entries), pixel);
-}
-
-QByteArray webpOf(const QImage& image, const QByteArray& profile, const QByteArray& exif) {
-    return extendedWebP(written(image, "webp"), image.width(), image.height(), profile, exif);
-}
-
-QImage flat(const QColor& color, QImage::Format format = QImage::Format_RGB888) {
-    QImage image(16, 16, format);
-    image.fill(color);
-    return image;
-}
-
-/// A small sound file of each format, the larger ones of few bytes.
-std::vector<std::pair<const char*, QByteArray>> soundFiles() {
-    return {{"png", withPngChunk(written(blocks(true), "png"), "iCCP", iccpBody(displayP3Profile()))},
-            {"jpeg", withJpegSegment(jpegOf(blocks()), 0xE1, QByteArray("Exif\0\0", 6) + exifBlock(6, 300))},
-            {"tiff", tiffOf(blocks(), {{274, 3, {5}}, {282, 5, {300, 1}}})},
-            {"bmp", written(blocks(), "bmp")},
-            {"webp", webpOf(blocks(true), displayP3Profile(), exifBlock(3, 300))},
-            {"gif", testData("blocks.gif")},
-            {"heic", testData("turned.heic")}};
 }
 
 } // namespace
@@ -153,12 +75,6 @@ private Q_SLOTS:
     void aDensityIsReadFromEachFormat_data();
     void aDensityIsReadFromEachFormat();
     void aHeicTellsWhatItsDecoderWillTake();
-    void tooLargeASideIsRefused();
-    void aHeaderAloneTakesNoMemory_data();
-    void aHeaderAloneTakesNoMemory();
-    void cutFilesNeverCrash();
-    void damagedFilesNeverCrash();
-    void aFileCutLateGivesItsUpperPart();
     void anOpenedPictureIsOneLayer();
 };
 
@@ -487,123 +403,6 @@ void tst_ImageImport::aHeicTellsWhatItsDecoderWillTake() {
         QCOMPARE(largestHevcSize(bytesOf(box.left(cut))).width, 0);
     // The box lies where no reader looks, but nobody has to know that.
     QVERIFY(!decoded(file + box));
-}
-
-void tst_ImageImport::tooLargeASideIsRefused() {
-    for (const char* format : {"png", "jpg", "tiff", "bmp"}) {
-        QImage wide(30'001, 100, QImage::Format_RGB888);
-        wide.fill(Qt::red);
-        QVERIFY(!decoded(written(wide, format)));
-        QVERIFY(!decoded(written(QImage(wide.constBits(), 3, 30'001, 12, QImage::Format_RGB888), format)));
-        QVERIFY(decoded(written(wide.copy(0, 0, 30'000, 2), format)));
-    }
-    QImage wide(30'001, 1, QImage::Format_RGB888);
-    wide.fill(0);
-    const QByteArray file = written(wide, "png");
-    QVERIFY_THROWS_EXCEPTION(ExportError, ImageImport::document(bytesOf(file), {}));
-}
-
-void tst_ImageImport::aHeaderAloneTakesNoMemory_data() {
-    QTest::addColumn<QByteArray>("file");
-    const auto patched = [](QByteArray file, qsizetype at, const QByteArray& bytes) {
-        return file.replace(at, bytes.size(), bytes);
-    };
-    const QByteArray sides16("\x30\x75\x30\x75", 4); // 30,000 low byte first, twice
-    const QByteArray sides32("\x30\x75\0\0\x30\x75\0\0", 8);
-    QByteArray png = written(blocks(), "png").mid(0, 8);
-    const QByteArray ihdr = bigEndianWords({30'000, 30'000}) + QByteArray("\x10\x06\0\0\0", 5);
-    png = withPngChunk(png + QByteArray(25, 'x'), "IHDR", ihdr); // in the place of the first chunk
-    png.remove(8, 25);
-    QTest::newRow("png") << png + withPngChunk(QByteArray(33, ' '), "IDAT", QByteArray(80, 'x')).mid(33);
-    const QByteArray jpeg = jpegOf(blocks());
-    const qsizetype frame = jpeg.indexOf("\xFF\xC0");
-    QTest::newRow("jpeg") << patched(jpeg, frame + 5, QByteArray("\x75\x30\x75\x30", 4));
-    QByteArray progressive = patched(jpeg, frame + 5, QByteArray("\x75\x30\x75\x30", 4));
-    progressive[frame + 1] = '\xC2';
-    QTest::newRow("jpeg progressive") << progressive;
-    auto tags = tiffTags(30'000, 30'000, 2, 3, 16);
-    for (const uint32_t compression : {1u, 5u, 7u, 8u, 32773u}) {
-        tags[3].values = {compression};
-        QTest::addRow("tiff %u", compression) << tiffFile(tags, QByteArray(200, '\0'));
-        auto tiled = tags;
-        tiled.erase(tiled.begin() + 6);
-        tiled.insert(tiled.end(),
-                     {{322, 4, {1u << 20}}, {323, 4, {1u << 20}}, {324, 4, {8}}, {325, 4, {100}}});
-        tiled[0].values = tiled[1].values = {900};
-        QTest::addRow("tiff tiles %u", compression) << tiffFile(tiled);
-    }
-    QTest::newRow("bmp") << patched(written(blocks(), "bmp"), 18, sides32);
-    QTest::newRow("bmp of runs") << patched(
-        patched(written(blocks().convertToFormat(QImage::Format_Indexed8), "bmp"), 18, sides32), 30,
-        QByteArray("\1\0\0\0", 4));
-    QTest::newRow("gif") << patched(testData("blocks.gif"), 6, sides16);
-    QTest::newRow("webp") << patched(webpOf(flat(Qt::red), srgbProfile(), {}), 24,
-                                     QByteArray("\xFE\x3F\0\xFE\x3F\0", 6));
-    QByteArray heic = testData("blocks.heic");
-    for (qsizetype at = heic.indexOf("ispe"); at > 0; at = heic.indexOf("ispe", at + 1))
-        heic = patched(heic, at + 8, bigEndianWords({29'000, 29'000}));
-    QTest::newRow("heic") << heic;
-}
-
-void tst_ImageImport::aHeaderAloneTakesNoMemory() {
-    QFETCH(QByteArray, file);
-    const auto kilobytes = [] {
-        rusage usage{};
-        getrusage(RUSAGE_SELF, &usage);
-        return usage.ru_maxrss; // the most there ever was
-    };
-    const long before = kilobytes();
-    QVERIFY(!decoded(file));
-    QVERIFY2(kilobytes() - before < 64 * 1024, qPrintable(QString::number(kilobytes() - before)));
-}
-
-void tst_ImageImport::cutFilesNeverCrash() {
-    for (const auto& [name, file] : soundFiles()) {
-        const auto whole = decoded(file);
-        QVERIFY2(whole, name);
-        for (qsizetype cut = 0; cut < file.size(); cut += 1 + file.size() / 150) {
-            const auto picture = decoded(file.left(cut));
-            if (picture) QVERIFY(picture->pixels->width() <= 30'000 && picture->pixels->height() <= 30'000);
-        }
-    }
-}
-
-void tst_ImageImport::damagedFilesNeverCrash() {
-    SeededRandom random(11);
-    for (const auto& [name, file] : soundFiles()) {
-        for (int i = 0; i < 150; ++i) {
-            QByteArray damaged = file;
-            const int bytes = 1 + static_cast<int>(random.next() % 6);
-            for (int b = 0; b < bytes; ++b) {
-                const auto at = static_cast<qsizetype>(
-                    random.next() % static_cast<uint64_t>(std::min<qsizetype>(file.size(), 4000)));
-                damaged[at] = static_cast<char>(random.next());
-            }
-            if (const auto picture = decoded(damaged)) {
-                QVERIFY(picture->dpi >= 1 && picture->dpi <= 100'000);
-                for (int64_t p = 0; p < picture->pixels->byteCount(); p += 4) {
-                    const uint8_t* pixel = picture->pixels->data() + p;
-                    QVERIFY(pixel[0] <= pixel[3] && pixel[1] <= pixel[3] && pixel[2] <= pixel[3]);
-                }
-            }
-        }
-    }
-}
-
-void tst_ImageImport::aFileCutLateGivesItsUpperPart() {
-    const auto source = noise(200, 200, 2);
-    const QImage image = source->makeImage();
-    PaintDocument doc(200, 200, 72, std::nullopt);
-    doc.layer(0).load(*source);
-    const QByteArray files[] = {written(image, "png"),
-                                ImageExport::data(doc, ExportFormat::tiff, 1, PaintColor::white())};
-    for (const QByteArray& file : files) {
-        const auto picture = decoded(file.left(file.size() * 2 / 3));
-        if (!picture) continue; // a TIFF has its directory at the end
-        QCOMPARE(picture->pixels->height(), 200);
-        QCOMPARE(std::memcmp(picture->pixels->data(), source->data(), 200 * 4 * 100), 0);
-        QCOMPARE(text(picture->pixels->pixel(100, 199)), QStringLiteral("0,0,0,0"));
-    }
 }
 
 void tst_ImageImport::anOpenedPictureIsOneLayer() {
