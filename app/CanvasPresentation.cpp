@@ -112,7 +112,7 @@ void CanvasPresentation::makeVisibleTiles() {
 void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
     if (tiles.empty()) return;
     const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
-    // A few tiles are cut into bands, so that every core has something to do.
+    // A few tiles are cut into bands, so that every core has something to do where there is much.
     const bool few = static_cast<int>(tiles.size()) < 2 * concurrency();
     const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << window_.level()) : kTileSize;
     std::vector<DirtyTile> parts;

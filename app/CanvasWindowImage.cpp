@@ -12,6 +12,9 @@ namespace qirn {
 
 namespace {
 
+// Fewer pixels than this are on screen before other threads have woken up.
+constexpr int64_t kLeastParallelPixels = 16'000;
+
 int64_t reducedLength(int64_t length, int level) {
     return (length + (int64_t{1} << level) - 1) >> level;
 }
@@ -125,7 +128,7 @@ void CanvasWindowImage::put(std::span<const DirtyTile> parts,
     if (image_.isNull()) return;
     uchar* bits = image_.bits(); // once, before the loop: it may copy an image that a painter still holds
     const qsizetype stride = image_.bytesPerLine();
-    concurrentPerform(static_cast<int64_t>(parts.size()), [&](int64_t i) {
+    const auto putOne = [&](int64_t i) {
         const auto number = static_cast<std::size_t>(i);
         const DirtyTile& tile = parts[number];
         const uint8_t* const image = imageOf(number);
@@ -146,7 +149,15 @@ void CanvasWindowImage::put(std::span<const DirtyTile> parts,
             std::memcpy(out + row * stride + part.x * 4, image + row * kTileRowBytes + part.x * 4,
                         static_cast<std::size_t>(part.w) * 4);
         }
-    });
+    };
+    int64_t pixels = 0;
+    for (const DirtyTile& tile : parts) pixels += tile.part.w * tile.part.h;
+    const auto count = static_cast<int64_t>(parts.size());
+    if (pixels >= kLeastParallelPixels) {
+        concurrentPerform(count, putOne);
+    } else {
+        for (int64_t i = 0; i < count; ++i) putOne(i);
+    }
     for (const DirtyTile& tile : parts) {
         if (inside(tile.index)) held_[slotOf(tile.index)] = true;
     }
