@@ -80,17 +80,13 @@ void DabStamp::releaseBuffers() {
 
 void DabStamp::place(const Dab& dab) {
     const TipShape tip = shapeOf(dab);
-    const TileGrid& grid = document_.grid();
-    const IRect box = boxOf(tip).intersection(grid.bounds());
+    const IRect box = boxOf(tip).intersection(document_.grid().bounds());
     if (box.isEmpty() || !(dab.ceiling > 0)) return;
     PlacedDab& placed = placed_.emplace_back(PlacedDab{tip, ink_, box});
     placed.ink.ceiling = dab.ceiling;
     placed.ink.flow = static_cast<float>(dab.flow);
     placed.ink.textured = dab.textured;
-    for (int64_t row = box.y / kTileSize; row * kTileSize < box.maxY(); ++row) {
-        for (int64_t col = box.x / kTileSize; col * kTileSize < box.maxX(); ++col)
-            listTile(row * grid.cols + col, box);
-    }
+    for (int64_t index : document_.grid().tilesIn(box)) listTile(index, box);
 }
 
 /// A tile that dabs fall on, and what they touch of it.
