@@ -1,6 +1,7 @@
 #include "CanvasPresentation.h"
 
 #include "CanvasShadow.h"
+#include "ReducedTile.h"
 #include "compositing/CompositeInputs.h"
 #include "core/PaintDocument.h"
 #include "platform/Parallel.h"
@@ -36,7 +37,7 @@ void CanvasPresentation::show(const PaintDocument* document) {
     heldImages_ = 0;
     tilesComposited_ = 0;
     visible_ = {};
-    window_.reset(grid, board_);
+    window_.reset(grid);
 }
 
 void CanvasPresentation::setCheckerSize(double canvasPixels) {
@@ -61,10 +62,9 @@ void CanvasPresentation::look(const ViewTransform& view, double zoom) {
     const int level = levelFor(zoom);
     if (level != window_.level() || !window_.range().contains(visible_)) {
         // A tile more on each side, so that a slow pan does not rebuild the window at each step.
-        window_.cover({std::max<int64_t>(visible_.firstCol - 1, 0),
-                       std::max<int64_t>(visible_.firstRow - 1, 0), std::min(visible_.endCol + 1, grid.cols),
-                       std::min(visible_.endRow + 1, grid.rows)},
-                      level);
+        coverWindow({std::max<int64_t>(visible_.firstCol - 1, 0), std::max<int64_t>(visible_.firstRow - 1, 0),
+                     std::min(visible_.endCol + 1, grid.cols), std::min(visible_.endRow + 1, grid.rows)},
+                    level);
     }
     makeVisibleTiles();
 }
@@ -109,60 +109,104 @@ void CanvasPresentation::makeVisibleTiles() {
     if (heldImages_ > kMostTileImages) dropUnseenTiles();
 }
 
+/// Moves the window. Pixels that only it has, and will not have any longer, go to images of their tiles.
+void CanvasPresentation::coverWindow(const TileRange& range, int level) {
+    std::vector<int64_t> leaving;
+    if (window_.level() == 0) {
+        for (int64_t row = window_.range().firstRow; row < window_.range().endRow; ++row) {
+            for (int64_t col = window_.range().firstCol; col < window_.range().endCol; ++col) {
+                const int64_t index = row * document_->grid().cols + col;
+                const bool stays = level == 0 && range.contains({col, row, col + 1, row + 1});
+                const auto place = static_cast<std::size_t>(index);
+                if (!stays && window_.holds(index) && states_[place] == TileState::made)
+                    leaving.push_back(index);
+            }
+        }
+    }
+    for (const int64_t index : leaving) takeImage(index);
+    concurrentPerform(static_cast<int64_t>(leaving.size()), [&](int64_t i) {
+        const int64_t index = leaving[static_cast<std::size_t>(i)];
+        window_.copyTo(index, images_[static_cast<std::size_t>(index)].get());
+    });
+    window_.cover(range, level);
+}
+
 void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
     if (tiles.empty()) return;
     const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
+    const int level = window_.level();
     // A few tiles are cut into bands, so that every core has something to do where there is much.
     const bool few = static_cast<int>(tiles.size()) < 2 * concurrency();
-    const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << window_.level()) : kTileSize;
+    const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << level) : kTileSize;
     std::vector<DirtyTile> parts;
-    std::vector<bool> drawn; // for each part whether its image has to be drawn first
+    std::vector<Source> sources; // one a part
     for (const DirtyTile& tile : tiles) {
-        const bool draws = makeImage(tile, layers);
+        const Source source = sourceOf(tile, layers);
         const IRect place = document_->grid().rectOf(tile.index);
         for (int64_t y = place.y; y < place.maxY(); y += bandRows) {
             const IRect band = tile.part.intersection({place.x, y, place.w, bandRows});
             if (band.isEmpty()) continue;
             parts.push_back({tile.index, band});
-            drawn.push_back(draws);
+            sources.push_back(source);
         }
     }
-    window_.put(parts, [&](std::size_t i) -> const uint8_t* {
-        uint8_t* const image = images_[static_cast<std::size_t>(parts[i].index)].get();
-        if (drawn[i]) drawForScreen(parts[i], layers, document_->grid(), board_, image, kTileRowBytes);
-        return image;
+    window_.put(parts, [&](std::size_t i, uint8_t* out, int64_t rowBytes) {
+        const DirtyTile& part = parts[i];
+        const TileGrid& grid = document_->grid();
+        const IRect place = grid.rectOf(part.index), blocks = blocksOf(part.part, place, level);
+        uint8_t* const image = images_[static_cast<std::size_t>(part.index)].get();
+        if (sources[i] == Source::board) {
+            const IRect onCanvas{place.x + blocks.x, place.y + blocks.y, blocks.w, blocks.h};
+            uint8_t* const corner = out + (blocks.y >> level) * rowBytes + (blocks.x >> level) * 4;
+            return drawBoard(board_, onCanvas, level, corner, rowBytes);
+        }
+        if (sources[i] == Source::layers) {
+            if (level == 0) return drawForScreen(part, layers, grid, board_, out, rowBytes);
+            drawForScreen(part, layers, grid, board_, image, kTileRowBytes);
+        }
+        reduceTile(image, blocks, level, out, rowBytes);
     });
+    if (level > 0) return;
+    for (const DirtyTile& tile : tiles) dropImage(tile.index);
 }
 
-/// Sees to it that the tile has an image, unless it shows nothing; whether its part has to be drawn into it.
-bool CanvasPresentation::makeImage(const DirtyTile& tile, std::span<const CompositeInput> layers) {
-    const auto place = static_cast<std::size_t>(tile.index);
-    TileState& state = states_[place];
+/// Decides where a part of a tile comes from, and sees to it that the tile has an image where it needs one.
+CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
+                                                        std::span<const CompositeInput> layers) {
+    TileState& state = states_[static_cast<std::size_t>(tile.index)];
     const bool whole = tile.part == document_->grid().rectOf(tile.index);
-    if (whole && state == TileState::made) return false;
+    if (whole && state == TileState::made) return Source::image;
     if (state == TileState::stale) ++tilesComposited_;
-    heldImages_ -= images_[place] ? 1 : 0;
     state = whole && !showsAnything(tile.index, layers) ? TileState::empty : TileState::made;
-    if (state == TileState::empty)
-        images_[place].reset();
-    else if (!images_[place])
-        images_[place] = TileMemory::take();
-    heldImages_ += images_[place] ? 1 : 0;
-    return state == TileState::made;
+    if (state == TileState::empty) {
+        dropImage(tile.index);
+        return Source::board;
+    }
+    if (window_.level() > 0) takeImage(tile.index);
+    return Source::layers;
+}
+
+/// The image of a tile, a new one if it has none.
+void CanvasPresentation::takeImage(int64_t index) {
+    TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
+    if (image) return;
+    image = TileMemory::take();
+    ++heldImages_;
+}
+
+void CanvasPresentation::dropImage(int64_t index) {
+    TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
+    if (!image) return;
+    image.reset();
+    --heldImages_;
 }
 
 void CanvasPresentation::dropUnseenTiles() {
     for (std::size_t place = 0; place < images_.size() && heldImages_ > kMostTileImages; ++place) {
-        // At a high zoom the tiles in sight are few; far out their reduced pixels stand in the window already.
-        if (!images_[place] || (window_.level() == 0 && isVisible(static_cast<int64_t>(place)))) continue;
-        images_[place].reset();
-        states_[place] = TileState::stale;
-        --heldImages_;
+        if (!images_[place]) continue;
+        dropImage(static_cast<int64_t>(place));
+        states_[place] = TileState::stale; // what the window shows of it far out stays there
     }
-}
-
-int64_t CanvasPresentation::tileImageBytes() const {
-    return heldImages_ * kTileBytes;
 }
 
 void CanvasPresentation::draw(QPainter& painter, const QRectF& exposed) const {

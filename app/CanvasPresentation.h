@@ -36,23 +36,30 @@ public:
 
     /// How many tiles were composited since the document came in.
     int64_t tilesComposited() const { return tilesComposited_; }
-    int64_t tileImageBytes() const; ///< Held for tiles that were made; empty tiles hold none.
+    /// Held for tiles that were made, beside the window's own pixels; empty tiles hold none.
+    int64_t tileImageBytes() const { return heldImages_ * kTileBytes; }
 
 private:
     enum class TileState : uint8_t { stale, empty, made };
+    /// Where pixels of the window come from.
+    enum class Source : uint8_t { board, image, layers };
 
+    void coverWindow(const TileRange& range, int level);
     void makeVisibleTiles();
-    /// Draws these parts into the images of their tiles where they are out of date, and copies them to the window.
+    /// Brings these parts to the window, from the layers where they are out of date.
     void drawIntoWindow(const std::vector<DirtyTile>& tiles);
-    bool makeImage(const DirtyTile& tile, std::span<const CompositeInput> layers);
+    Source sourceOf(const DirtyTile& tile, std::span<const CompositeInput> layers);
+    void takeImage(int64_t index);
+    void dropImage(int64_t index);
     bool isVisible(int64_t index) const;
     void dropUnseenTiles();
 
     const PaintDocument* document_ = nullptr;
     Checkerboard board_;
     std::vector<TileState> states_;
-    std::vector<TileMemory::Block>
-        images_; // 0xFFRRGGBB over the checkerboard, whole tiles; null where not made
+    // 0xFFRRGGBB over the checkerboard, whole tiles. What is made stands here, or in the window if that holds it at
+    // full size: once, so that a pen point writes each pixel once.
+    std::vector<TileMemory::Block> images_;
     int64_t heldImages_ = 0;
     TileRange visible_;
     CanvasWindowImage window_;

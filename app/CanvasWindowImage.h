@@ -1,14 +1,12 @@
 #pragma once
-#include "compositing/ScreenTiles.h"
 #include "core/DirtyTiles.h"
 #include "core/TileGrid.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <vector>
-
-#include <QImage>
 
 class QPainter;
 
@@ -31,34 +29,38 @@ struct TileRange {
 /// reduced by powers of two, since a painter that shrinks further would alias.
 class CanvasWindowImage {
 public:
-    void reset(const TileGrid& grid, const Checkerboard& board); ///< Holds nothing from here on.
+    void reset(const TileGrid& grid); ///< Holds nothing from here on.
 
     /// Makes room for a block of tiles, each side divided by 2^level; keeps what it already holds of it.
     void cover(const TileRange& range, int level);
     const TileRange& range() const { return range_; }
     int level() const { return level_; }
 
-    bool holds(int64_t index) const; ///< Inside the block, and put since it came in.
-    void drop(int64_t index);        ///< It must be put again before it is shown.
-    /// Copies parts of tiles in, reduced; those outside the block are passed over. `imageOf` gives the image of the
-    /// tile that a part, by its number, belongs to: opaque words 0xFFRRGGBB, a whole tile also at the canvas edge;
-    /// null for the bare checkerboard. It is called in parallel, once for each part; those of one tile share no block
-    /// of 2^level x 2^level pixels.
-    void put(std::span<const DirtyTile> parts, const std::function<const uint8_t*(std::size_t)>& imageOf);
+    bool inside(int64_t index) const; ///< The block has a place for the tile.
+    bool holds(int64_t index) const;  ///< Inside the block, and put since it came in.
+    void drop(int64_t index);         ///< It must be put again before it is shown.
+    /// Has parts of tiles drawn, which are held from then on; those outside the block are passed over. `draw` gets a
+    /// part's number and the place of its tile's first pixel in the block, whose rows lie `rowBytes` apart; a row has
+    /// room for whole tiles, also at the canvas edge. It is called in parallel, once for each part: parts of one tile
+    /// share no block of 2^level x 2^level pixels.
+    using PartDrawer = std::function<void(std::size_t number, uint8_t* out, int64_t rowBytes)>;
+    void put(std::span<const DirtyTile> parts, const PartDrawer& draw);
+    /// Copies the pixels of a tile that it holds, not reduced, to a whole tile.
+    void copyTo(int64_t index, uint8_t* tile) const;
 
     /// Draws the block; the painter's transform is that from canvas to device.
     void draw(QPainter& painter) const;
 
 private:
-    bool inside(int64_t index) const;
     std::size_t slotOf(int64_t index) const;
+    uint8_t* placeOf(int64_t index) const; ///< Of a tile's first pixel.
 
     TileGrid grid_;
-    Checkerboard board_;
     TileRange range_;
     int level_ = 0;
-    QImage image_;           // Format_RGB32
-    std::vector<bool> held_; // by slot in the block, row by row
+    int64_t rowBytes_ = 0;
+    std::unique_ptr<uint8_t[]> pixels_; // opaque words 0xFFRRGGBB
+    std::vector<bool> held_;            // by slot in the block, row by row
 };
 
 } // namespace qirn

@@ -1,6 +1,8 @@
 #include "compositing/BlendRows.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 // This file once more for each instruction set; the best that the machine has is chosen at run time.
 #undef HWY_TARGET_INCLUDE
@@ -50,6 +52,19 @@ template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> mixed(const Pixel
     }
 }
 
+/// The same over an opaque backdrop, which stays so: 1 - a + a is exactly 1 for every a from 0 to 1. What `mixed`
+/// multiplies by 0 and 1 there is left out.
+template <class Mode, class V>
+HWY_INLINE blend::Rgb<V> mixedOnOpaque(const blend::Rgb<V>& p, const Pixel<V>& s) {
+    const V rest = V(1) - s.a;
+    if constexpr (Mode::isNormal) {
+        return {s.r + p.r * rest, s.g + p.g * rest, s.b + p.b * rest};
+    } else {
+        const blend::Rgb<V> B = blend::blendColour<Mode>(p, straight(s));
+        return {rest * p.r + s.a * B.r, rest * p.g + s.a * B.g, rest * p.b + s.a * B.b};
+    }
+}
+
 /// Without branches, so that several pixels go side by side: what is not wanted is computed and dropped.
 template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> blended(const Pixel<V>& p, const Pixel<V>& s) {
     Pixel<V> result = mixed<Mode, kAtop>(p, s);
@@ -57,14 +72,22 @@ template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> blended(const Pix
     return select(s.a <= V(0), p, result);
 }
 
+HWY_INLINE blend::Rgb<Floats> loadColours(const PixelRun& run, int at) {
+    return {loadFloats(run.r + at), loadFloats(run.g + at), loadFloats(run.b + at)};
+}
+
+HWY_INLINE void storeColours(const blend::Rgb<Floats>& c, PixelRun& run, int at) {
+    storeFloats(c.r, run.r + at);
+    storeFloats(c.g, run.g + at);
+    storeFloats(c.b, run.b + at);
+}
+
 HWY_INLINE Pixel<Floats> loadPixels(const PixelRun& run, int at) {
     return {loadFloats(run.r + at), loadFloats(run.g + at), loadFloats(run.b + at), loadFloats(run.a + at)};
 }
 
 HWY_INLINE void storePixels(const Pixel<Floats>& p, PixelRun& run, int at) {
-    storeFloats(p.r, run.r + at);
-    storeFloats(p.g, run.g + at);
-    storeFloats(p.b, run.b + at);
+    storeColours({p.r, p.g, p.b}, run, at);
     storeFloats(p.a, run.a + at);
 }
 
@@ -81,12 +104,38 @@ template <class Mode, Atop kAtop> HWY_ATTR void blendRun(PixelRun& acc, const Pi
     }
 }
 
-using RunBlender = void (*)(PixelRun&, const PixelRun&, int count);
+template <class Mode, bool kOpaque>
+HWY_ATTR void blendBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape) {
+    const Floats k(layer.strength);
+    int i = 0;
+    for (int y = 0; y < shape.rows; ++y) {
+        const TileBytes row = layer.bytes + y * kTileRowBytes;
+        for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
+            const Words words = loadWords(row + x * 4);
+            if (allOf(isZero(byteWord<24>(words)))) continue;
+            const Pixel<Floats> s = pixelsOf(words, k);
+            if constexpr (kOpaque) {
+                const blend::Rgb<Floats> p = loadColours(acc, i), result = mixedOnOpaque<Mode>(p, s);
+                const auto uncovered = s.a <= Floats(0);
+                storeColours({select(uncovered, p.r, result.r), select(uncovered, p.g, result.g),
+                              select(uncovered, p.b, result.b)},
+                             acc, i);
+            } else {
+                storePixels(blended<Mode, Atop::no>(loadPixels(acc, i), s), acc, i);
+            }
+        }
+    }
+}
+
 struct ModeLoops {
-    RunBlender over, atop;
+    void (*over)(PixelRun&, const PixelRun&, int count);
+    void (*atop)(PixelRun&, const PixelRun&, int count);
+    void (*bytes)(PixelRun&, const ByteLayer&, RunShape);
+    void (*bytesOnOpaque)(PixelRun&, const ByteLayer&, RunShape);
 };
 template <class Mode> constexpr ModeLoops loopsOf() {
-    return {blendRun<Mode, Atop::no>, blendRun<Mode, Atop::yes>};
+    return {blendRun<Mode, Atop::no>, blendRun<Mode, Atop::yes>, blendBytes<Mode, false>,
+            blendBytes<Mode, true>};
 }
 
 // In the order of BlendMode.
@@ -132,26 +181,43 @@ HWY_ATTR void LayOn(PixelRun& acc, const PixelRun& source, RunShape shape, Blend
     (atop == Atop::yes ? loops.atop : loops.over)(acc, source, shape.count());
 }
 
-HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what) {
-    const auto onNothing = static_cast<std::size_t>(what == Over::nothing ? 1 : 0);
+HWY_ATTR void LayBytesIn(PixelRun& acc, const ByteLayer& layer, RunShape shape, BlendMode mode) {
+    const ModeLoops& loops = kLoops[static_cast<std::size_t>(mode)];
+    (acc.opaque ? loops.bytesOnOpaque : loops.bytes)(acc, layer, shape);
+}
+
+template <bool kOpaque>
+HWY_INLINE void layChain(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what) {
+    const std::size_t onNothing = what == Over::nothing ? 1 : 0;
     int i = 0;
     for (int y = 0; y < shape.rows; ++y) {
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const auto words = [&](const ByteLayer& layer)
-                                   HWY_ATTR { return loadWords(layer.bytes + y * kTileRowBytes + x * 4); };
-            Pixel<Floats> p = what == Over::nothing ? pixelsOf(words(layers.front()), layers.front().strength)
-                                                    : loadPixels(acc, i);
-            for (const ByteLayer& layer : layers.subspan(onNothing)) {
-                const Words w = words(layer);
-                const auto covers = byteOf<24>(w) > Floats(0);
-                if (!anyOf(covers)) continue;
-                // Without its colour a pixel that covers nothing leaves the others as they are.
-                const Words covering = select(covers, w, allWords(0));
-                p = mixed<blend::Normal, Atop::no>(p, pixelsOf(covering, layer.strength));
+            const int at = y * kTileRowBytes + x * 4;
+            Pixel<Floats> p{0, 0, 0, 1};
+            if (what == Over::nothing) {
+                p = pixelsOf(loadWords(layers[0].bytes + at), layers[0].strength);
+            } else {
+                const blend::Rgb<Floats> c = loadColours(acc, i);
+                p = {c.r, c.g, c.b, kOpaque ? Floats(1) : loadFloats(acc.a + i)};
             }
-            storePixels(p, acc, i);
+            for (const ByteLayer& layer : layers.subspan(onNothing)) {
+                const Words words = loadWords(layer.bytes + at), alpha = byteWord<24>(words);
+                const auto uncovered = isZero(alpha);
+                if (allOf(uncovered)) continue;
+                // Without its colour a pixel that covers nothing leaves the others as they are.
+                const Words colour = zeroWhere(uncovered, words);
+                const Floats k(layer.strength);
+                p = mixed<blend::Normal, Atop::no>(p, {byteOf<0>(colour) * k, byteOf<8>(colour) * k,
+                                                       byteOf<16>(colour) * k, numberOf(alpha) * k});
+            }
+            storeColours({p.r, p.g, p.b}, acc, i);
+            if constexpr (!kOpaque) storeFloats(p.a, acc.a + i);
         }
     }
+}
+
+HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what) {
+    acc.opaque ? layChain<true>(acc, layers, shape, what) : layChain<false>(acc, layers, shape, what);
 }
 
 HWY_INLINE Words roundedByte(Floats v) {
@@ -161,20 +227,27 @@ HWY_INLINE Words roundedByte(Floats v) {
 struct PixelWords {
     Words r, g, b, a;
 };
-HWY_INLINE PixelWords roundedPixels(const PixelRun& run, int at) {
-    const Pixel<Floats> p = loadPixels(run, at);
-    const Words a = roundedByte(p.a);
-    return {smaller(roundedByte(p.r), a), smaller(roundedByte(p.g), a), smaller(roundedByte(p.b), a), a};
+template <bool kOpaque> HWY_INLINE PixelWords roundedPixels(const PixelRun& run, int at) {
+    const blend::Rgb<Floats> c = loadColours(run, at);
+    const PixelWords p{roundedByte(c.r), roundedByte(c.g), roundedByte(c.b), allWords(255)};
+    if constexpr (kOpaque) return p;
+    const Words a = roundedByte(loadFloats(run.a + at));
+    return {smaller(p.r, a), smaller(p.g, a), smaller(p.b, a), a};
 }
 
-HWY_ATTR void StoreBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
+template <bool kOpaque>
+HWY_INLINE void storeRows(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
     int i = 0;
     for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const PixelWords p = roundedPixels(run, i);
+            const PixelWords p = roundedPixels<kOpaque>(run, i);
             storeWords(p.r | shiftedUp<8>(p.g) | shiftedUp<16>(p.b) | shiftedUp<24>(p.a), out + x * 4);
         }
     }
+}
+
+HWY_ATTR void StoreBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
+    run.opaque ? storeRows<true>(out, rowBytes, run, shape) : storeRows<false>(out, rowBytes, run, shape);
 }
 
 /// v / 255 for v below 65,790, to the nearest lower whole number.
@@ -182,19 +255,55 @@ HWY_INLINE Words over255(Words v) {
     return shiftedDown<23>(v * allWords(0x8081));
 }
 
-HWY_ATTR void StoreOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                           const uint32_t* const* greys) {
+template <bool kOpaque>
+HWY_INLINE void storeRowsOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
+                                 const uint32_t* const* greys) {
     const Words full = allWords(255), half = allWords(127), opaque = allWords(0xFF000000u);
     int i = 0;
     for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
         const uint8_t* grey = reinterpret_cast<const uint8_t*>(greys[y]);
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const PixelWords p = roundedPixels(run, i);
-            const Words behind = over255(loadWords(grey + x * 4) * (full - p.a) + half);
-            storeWords(opaque | shiftedUp<16>(p.r + behind) | shiftedUp<8>(p.g + behind) | (p.b + behind),
-                       out + x * 4);
+            PixelWords p = roundedPixels<kOpaque>(run, i);
+            if constexpr (!kOpaque) {
+                const Words behind = over255(loadWords(grey + x * 4) * (full - p.a) + half);
+                p = {p.r + behind, p.g + behind, p.b + behind, full};
+            }
+            storeWords(opaque | shiftedUp<16>(p.r) | shiftedUp<8>(p.g) | p.b, out + x * 4);
         }
     }
+}
+
+HWY_ATTR void StoreOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
+                           const uint32_t* const* greys) {
+    run.opaque ? storeRowsOnBoard<true>(out, rowBytes, run, shape, greys)
+               : storeRowsOnBoard<false>(out, rowBytes, run, shape, greys);
+}
+
+/// Whether a test that goes by vectors, several at a time, holds for all pixels of a block.
+template <class Test> HWY_INLINE bool allPixels(TileBytes bytes, RunShape shape, Test test) {
+    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
+        for (int x = 0; x < shape.width; x += kRunStep) {
+            if (!test(bytes + x * 4)) return false;
+        }
+    }
+    return true;
+}
+
+HWY_ATTR bool IsBlank(TileBytes bytes, RunShape shape) {
+    return allPixels(bytes, shape, [](TileBytes from) HWY_ATTR {
+        Words any = loadWords(from);
+        for (int i = kLanes; i < kRunStep; i += kLanes) any = any | loadWords(from + i * 4);
+        return allOf(isZero(any));
+    });
+}
+
+HWY_ATTR bool IsOpaque(TileBytes bytes, RunShape shape) {
+    const Words opaque = allWords(0xFF000000u);
+    return allPixels(bytes, shape, [opaque](TileBytes from) HWY_ATTR {
+        Words all = loadWords(from) & opaque;
+        for (int i = kLanes; i < kRunStep; i += kLanes) all = all & loadWords(from + i * 4);
+        return allOf(isZero(all ^ opaque));
+    });
 }
 
 } // namespace qirn::HWY_NAMESPACE
@@ -210,22 +319,23 @@ HWY_EXPORT(Scale);
 HWY_EXPORT(TintRun);
 HWY_EXPORT(LayOn);
 HWY_EXPORT(LayBytes);
+HWY_EXPORT(LayBytesIn);
+HWY_EXPORT(IsBlank);
+HWY_EXPORT(IsOpaque);
 HWY_EXPORT(StoreBytes);
 HWY_EXPORT(StoreOnBoard);
-
-namespace {
-constexpr uint32_t kOpaque = 0xFF000000u; // the alpha byte of a pixel's word
-}
 
 void clear(PixelRun& run) {
     std::memset(&run, 0, sizeof run);
 }
 
 void loadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity) {
+    run.opaque = false;
     HWY_DYNAMIC_DISPATCH(LoadBytes)(run, bytes, shape, opacity);
 }
 
 void scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity) {
+    run.opaque = false;
     HWY_DYNAMIC_DISPATCH(Scale)(run, source, shape, opacity);
 }
 
@@ -234,11 +344,16 @@ void tint(PixelRun& run, RunShape shape, const Tint& tint) {
 }
 
 void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Atop atop) {
+    if (std::exchange(acc.opaque, false)) std::fill_n(acc.a, shape.count(), 1.0f);
     HWY_DYNAMIC_DISPATCH(LayOn)(acc, source, shape, mode, atop);
 }
 
 void layBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what) {
     HWY_DYNAMIC_DISPATCH(LayBytes)(acc, layers, shape, what);
+}
+
+void layBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape, BlendMode mode) {
+    HWY_DYNAMIC_DISPATCH(LayBytesIn)(acc, layer, shape, mode);
 }
 
 void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
@@ -250,20 +365,12 @@ void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape 
     HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, greys);
 }
 
-Coverage coverageOf(TileBytes bytes, RunShape shape) {
-    uint32_t all = kOpaque, any = 0;
-    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
-        for (int x = 0; x < shape.width; x += kRunStep) {
-            for (int i = 0; i < kRunStep; ++i) {
-                uint32_t word;
-                std::memcpy(&word, bytes + (x + i) * 4, 4);
-                all &= word;
-                any |= word;
-            }
-            if ((all & kOpaque) != kOpaque && any != 0) return Coverage::some;
-        }
-    }
-    return any == 0 ? Coverage::none : Coverage::full;
+bool isBlank(TileBytes bytes, RunShape shape) {
+    return HWY_DYNAMIC_DISPATCH(IsBlank)(bytes, shape);
+}
+
+bool isOpaque(TileBytes bytes, RunShape shape) {
+    return HWY_DYNAMIC_DISPATCH(IsOpaque)(bytes, shape);
 }
 
 namespace {

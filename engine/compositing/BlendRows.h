@@ -19,6 +19,8 @@ struct PixelRun {
     alignas(64) float g[kRunPixels];
     alignas(64) float b[kRunPixels];
     alignas(64) float a[kRunPixels];
+    bool
+        opaque; ///< Each pixel's `a` is 1, and does not stand in its plane: most pictures have paper below all else.
 };
 
 /// The pixels of a run: a block of a tile, row by row. Width is a multiple of kRunStep.
@@ -48,8 +50,10 @@ void tint(PixelRun& run, RunShape shape, const Tint& tint);
 void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Compositor::Atop atop);
 enum class Over { nothing, accumulator };
 /// Lays several layers in `normal`, which most have, one on the other in a single pass: over nothing the lowest is
-/// copied.
+/// copied. What the accumulator says of its being opaque holds before and after.
 void layBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what);
+/// Lays one layer on an accumulator in any mode.
+void layBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape, BlendMode mode);
 /// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
 /// Rows of the result lie `rowBytes` apart.
 void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape);
@@ -57,8 +61,7 @@ void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape sh
 void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
                   const uint32_t* const* greys);
 
-enum class Coverage { none, some, full };
-/// `none` when every byte is 0, `full` when every alpha byte is 255.
-Coverage coverageOf(TileBytes bytes, RunShape shape);
+bool isBlank(TileBytes bytes, RunShape shape);  ///< Every byte is 0.
+bool isOpaque(TileBytes bytes, RunShape shape); ///< Every alpha byte is 255.
 
 } // namespace qirn

@@ -23,6 +23,8 @@ bool isFullStrength(float opacity) {
 void blendInput(PixelRun& acc, TileBytes bytes, RunShape shape, const CompositeInput& input, float opacity,
                 BlendMode mode, Compositor::Atop atop, bool accEmpty) {
     if (accEmpty && !input.tint) return loadBytes(acc, bytes, shape, opacity);
+    if (!input.tint && atop == Compositor::Atop::no)
+        return layBytes(acc, ByteLayer{bytes, opacity / 255}, shape, mode);
     if (accEmpty) clear(acc);
     PixelRun source;
     loadBytes(source, bytes, shape, opacity);
@@ -55,9 +57,9 @@ std::vector<TileStack::Group> TileStack::groupsIn(int64_t index, std::span<const
     return groups;
 }
 
-/// A single input as it is, in `normal` or copied.
-bool TileStack::laysBytes(const Group& group, bool copied) {
-    return group.clipped.empty() && !group.base->tint && (copied || group.base->mode == BlendMode::normal);
+/// A single input as it is, whose bytes go onto an accumulator without planes of their own.
+bool TileStack::laysBytes(const Group& group) {
+    return group.clipped.empty() && !group.base->tint;
 }
 
 void TileStack::blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty) {
@@ -80,36 +82,42 @@ void TileStack::blendGroup(PixelRun& acc, const TileRun& run, const Group& group
     layOn(acc, scaled, shape, base.mode, Compositor::Atop::no);
 }
 
-/// The groups that are not blank in the run, from the top down to one that hides all below it; the coverage of the
-/// last one is `full` if it does.
-Coverage TileStack::findShowing(const TileRun& run) {
+/// The groups that may show in the run, from the top down to one that hides all below it; whether there is one.
+bool TileStack::findShowing(const TileRun& run) {
     showing_.clear();
     for (auto group = groups_.rbegin(); group != groups_.rend(); ++group) {
         const CompositeInput& base = *group->base;
-        const Coverage coverage = coverageOf(run.of(base), run.shape);
-        if (coverage == Coverage::none) continue;
+        const TileBytes bytes = run.of(base);
+        // The loops over bytes pass over what is blank themselves.
+        if (!laysBytes(*group) && isBlank(bytes, run.shape)) continue;
         showing_.push_back(&*group);
-        if (coverage == Coverage::full && base.mode == BlendMode::normal && isFullStrength(base.opacity))
-            return Coverage::full;
+        if (base.mode == BlendMode::normal && isFullStrength(base.opacity) && isOpaque(bytes, run.shape))
+            return true;
     }
-    return Coverage::some;
+    return false;
 }
 
 void TileStack::blend(PixelRun& acc, int x, int y, RunShape shape) {
     const TileRun run{index_, x, y, shape};
-    const Coverage lowest = findShowing(run);
+    const bool hidesBelow = findShowing(run);
     // Only what lies lowest in the tile, or hides all below, is a plain copy: elsewhere colour without coverage, as a
     // damaged file may hold it, is dropped.
-    bool copies = !showing_.empty() && (showing_.back() == &groups_.front() || lowest == Coverage::full);
+    bool copies = !showing_.empty() && (showing_.back() == &groups_.front() || hidesBelow);
     if (!copies) clear(acc);
     for (auto group = showing_.rbegin(); group != showing_.rend();) {
         plain_.clear();
-        for (; group != showing_.rend() && laysBytes(**group, copies && plain_.empty()); ++group)
-            plain_.push_back({run.of(*(*group)->base), (*group)->base->opacity / 255});
-        if (plain_.empty())
+        for (; group != showing_.rend() && laysBytes(**group); ++group) {
+            const CompositeInput& input = *(*group)->base;
+            const bool isCopied = copies && plain_.empty(); // in any mode
+            if (input.mode != BlendMode::normal && !isCopied) break;
+            plain_.push_back({run.of(input), input.opacity / 255});
+        }
+        if (plain_.empty()) {
             blendGroup(acc, run, **group++, copies);
-        else
+        } else {
+            if (copies) acc.opaque = hidesBelow;
             layBytes(acc, plain_, shape, copies ? Over::nothing : Over::accumulator);
+        }
         copies = false;
     }
 }

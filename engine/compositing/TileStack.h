@@ -28,9 +28,9 @@ private:
     struct TileRun;
 
     static std::vector<Group> groupsIn(int64_t index, std::span<const CompositeInput> layers);
-    static bool laysBytes(const Group& group, bool copied);
+    static bool laysBytes(const Group& group);
     static void blendGroup(PixelRun& acc, const TileRun& run, const Group& group, bool accEmpty);
-    Coverage findShowing(const TileRun& run);
+    bool findShowing(const TileRun& run);
 
     const int64_t index_;
     const std::vector<Group> groups_;

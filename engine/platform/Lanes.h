@@ -69,8 +69,13 @@ HWY_INLINE Words loadWords(const uint8_t* from) {
 HWY_INLINE void storeWords(Words v, uint8_t* to) {
     std::memcpy(to, &v, 4);
 }
-template <int kShift> HWY_INLINE Floats byteOf(Words word) {
-    return static_cast<float>(static_cast<int32_t>((word >> kShift) & 0xFF));
+/// The byte that begins at bit kShift, as a word.
+template <int kShift> HWY_INLINE Words byteWord(Words word) {
+    return (word >> kShift) & 0xFF;
+}
+/// For words below 2^31.
+HWY_INLINE Floats numberOf(Words word) {
+    return static_cast<float>(static_cast<int32_t>(word));
 }
 template <int kShift> HWY_INLINE Words shiftedUp(Words word) {
     return word << kShift;
@@ -90,6 +95,12 @@ HWY_INLINE Words smaller(Words a, Words b) {
 }
 HWY_INLINE Words select(bool condition, Words yes, Words no) {
     return condition ? yes : no;
+}
+HWY_INLINE bool isZero(Words word) {
+    return word == 0;
+}
+HWY_INLINE Words zeroWhere(bool condition, Words word) {
+    return condition ? 0 : word;
 }
 HWY_INLINE bool anyOf(bool condition) {
     return condition;
@@ -128,6 +139,17 @@ HWY_INLINE Floats clampedToByte(Floats v) {
 namespace hn = hwy::HWY_NAMESPACE;
 using WordTag = hn::ScalableTag<uint32_t>;
 using Words = hn::VFromD<WordTag>;
+
+/// Which byte goes where so that byte kByte of each word stands alone in it. As wide as the widest vectors, so that
+/// it is read where it is needed: a compiler that knows the bytes may well build them anew at each turn of a loop.
+template <int kByte> struct ByteOfWord {
+    alignas(64) uint8_t at[64];
+
+    constexpr ByteOfWord() : at() {
+        for (int i = 0; i < 64; ++i) at[i] = static_cast<uint8_t>(i % 4 == 0 ? i % 16 + kByte : 0x80);
+    }
+};
+template <int kByte> inline constexpr ByteOfWord<kByte> kByteOfWord;
 
 /// Yes or no for each lane of numbers of type T.
 template <class T> struct LaneCondition {
@@ -211,12 +233,18 @@ HWY_INLINE Words loadWords(const uint8_t* from) {
 HWY_INLINE void storeWords(Words v, uint8_t* to) {
     hn::StoreU(hn::BitCast(hn::ScalableTag<uint8_t>(), v), hn::ScalableTag<uint8_t>(), to);
 }
-template <int kShift> HWY_INLINE Floats byteOf(Words word) {
-    const hn::ScalableTag<int32_t> whole;
-    Words byte = word;
-    if constexpr (kShift > 0) byte = hn::ShiftRight<kShift>(byte);
-    if constexpr (kShift < 24) byte = hn::And(byte, hn::Set(WordTag(), 0xFF));
-    return Floats(hn::ConvertTo(Floats::Tag(), hn::BitCast(whole, byte)));
+/// The byte that begins at bit kShift, as a word.
+template <int kShift> HWY_INLINE Words byteWord(Words word) {
+    if constexpr (kShift == 24) {
+        return hn::ShiftRight<24>(word);
+    } else { // one step where a shift and a mask are two
+        const hn::ScalableTag<uint8_t> bytes;
+        return hn::BitCast(WordTag(), hn::TableLookupBytesOr0(hn::BitCast(bytes, word),
+                                                              hn::Load(bytes, kByteOfWord<kShift / 8>.at)));
+    }
+}
+HWY_INLINE Floats numberOf(Words word) {
+    return Floats(hn::ConvertTo(Floats::Tag(), hn::BitCast(hn::ScalableTag<int32_t>(), word)));
 }
 template <int kShift> HWY_INLINE Words shiftedUp(Words word) {
     return hn::ShiftLeft<kShift>(word);
@@ -256,6 +284,12 @@ HWY_INLINE Words smaller(Words a, Words b) {
 HWY_INLINE Words select(LaneCondition<float> condition, Words yes, Words no) {
     return hn::IfThenElse(hn::RebindMask(WordTag(), condition.m), yes, no);
 }
+HWY_INLINE LaneCondition<uint32_t> isZero(Words word) {
+    return {hn::Eq(word, hn::Zero(WordTag()))};
+}
+HWY_INLINE Words zeroWhere(LaneCondition<uint32_t> condition, Words word) {
+    return hn::IfThenZeroElse(condition.m, word);
+}
 HWY_INLINE Floats clampedToByte(Floats v) {
     return smaller(Floats(255), larger(Floats(0), v));
 }
@@ -282,6 +316,10 @@ HWY_INLINE Doubles laneNumbers() {
 }
 
 #endif
+
+template <int kShift> HWY_INLINE Floats byteOf(Words word) {
+    return numberOf(byteWord<kShift>(word));
+}
 
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

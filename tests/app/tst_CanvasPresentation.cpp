@@ -130,7 +130,7 @@ void tst_CanvasPresentation::emptyTilesLookLikeTransparentOnes() {
             QPainter painter(&screens[i]);
             presentation.look(view, zoom);
             presentation.draw(painter, screens[i].rect());
-            QCOMPARE(presentation.tileImageBytes() > 0, i == 1);
+            if (zoom < 0.5) QCOMPARE(presentation.tileImageBytes() > 0, i == 1);
         }
         QCOMPARE(screens[0], screens[1]);
     }

@@ -1,0 +1,21 @@
+#pragma once
+#include "core/IRect.h"
+
+#include <cstdint>
+
+namespace qirn {
+
+/// A side of 2^level pixels to one, rounded up.
+constexpr int64_t reducedLength(int64_t length, int level) {
+    return (length + (int64_t{1} << level) - 1) >> level;
+}
+
+/// A part of a tile, both on the canvas, grown to whole blocks of 2^level x 2^level of the tile's pixels as far as
+/// the tile goes. The result counts from the tile's corner.
+IRect blocksOf(const IRect& part, const IRect& tile, int level);
+
+/// The plain mean of each block of 2^level x 2^level pixels in `blocks`, which blocksOf gave. `tile` holds opaque
+/// words 0xFFRRGGBB in rows of kTileRowBytes; `out` is where its first block goes, its rows `rowBytes` apart.
+void reduceTile(const uint8_t* tile, const IRect& blocks, int level, uint8_t* out, int64_t rowBytes);
+
+} // namespace qirn
