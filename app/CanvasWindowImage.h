@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -52,6 +53,11 @@ public:
     void draw(QPainter& painter) const;
 
 private:
+    static constexpr std::align_val_t kAlignment{64}; // so that whole tiles can be stored past the caches
+    struct FreePixels {
+        void operator()(uint8_t* pixels) const { operator delete(pixels, kAlignment); }
+    };
+
     std::size_t slotOf(int64_t index) const;
     uint8_t* placeOf(int64_t index) const; ///< Of a tile's first pixel.
 
@@ -59,8 +65,8 @@ private:
     TileRange range_;
     int level_ = 0;
     int64_t rowBytes_ = 0;
-    std::unique_ptr<uint8_t[]> pixels_; // opaque words 0xFFRRGGBB
-    std::vector<bool> held_;            // by slot in the block, row by row
+    std::unique_ptr<uint8_t[], FreePixels> pixels_; // opaque words 0xFFRRGGBB
+    std::vector<bool> held_;                        // by slot in the block, row by row
 };
 
 } // namespace qirn

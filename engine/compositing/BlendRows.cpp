@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include <hwy/cache_control.h>
+
 // This file once more for each instruction set; the best that the machine has is chosen at run time.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "compositing/BlendRows.cpp"
@@ -255,7 +257,7 @@ HWY_INLINE Words over255(Words v) {
     return shiftedDown<23>(v * allWords(0x8081));
 }
 
-template <bool kOpaque>
+template <bool kOpaque, Through kThrough>
 HWY_INLINE void storeRowsOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
                                  const uint32_t* const* greys) {
     const Words full = allWords(255), half = allWords(127), opaque = allWords(0xFF000000u);
@@ -268,15 +270,19 @@ HWY_INLINE void storeRowsOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun&
                 const Words behind = over255(loadWords(grey + x * 4) * (full - p.a) + half);
                 p = {p.r + behind, p.g + behind, p.b + behind, full};
             }
-            storeWords(opaque | shiftedUp<16>(p.r) | shiftedUp<8>(p.g) | p.b, out + x * 4);
+            const Words shown = opaque | shiftedUp<16>(p.r) | shiftedUp<8>(p.g) | p.b;
+            kThrough == Through::memory ? streamWords(shown, out + x * 4) : storeWords(shown, out + x * 4);
         }
     }
 }
 
 HWY_ATTR void StoreOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                           const uint32_t* const* greys) {
-    run.opaque ? storeRowsOnBoard<true>(out, rowBytes, run, shape, greys)
-               : storeRowsOnBoard<false>(out, rowBytes, run, shape, greys);
+                           const uint32_t* const* greys, Through through) {
+    const auto store = [&]<Through kThrough>() HWY_ATTR {
+        run.opaque ? storeRowsOnBoard<true, kThrough>(out, rowBytes, run, shape, greys)
+                   : storeRowsOnBoard<false, kThrough>(out, rowBytes, run, shape, greys);
+    };
+    through == Through::memory ? store.operator()<Through::memory>() : store.operator()<Through::caches>();
 }
 
 /// Whether a test that goes by vectors, several at a time, holds for all pixels of a block.
@@ -361,8 +367,12 @@ void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape sh
 }
 
 void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                  const uint32_t* const* greys) {
-    HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, greys);
+                  const uint32_t* const* greys, Through through) {
+    HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, greys, through);
+}
+
+void endStreaming() {
+    hwy::FlushStream();
 }
 
 bool isBlank(TileBytes bytes, RunShape shape) {

@@ -57,9 +57,14 @@ void layBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape, BlendMode m
 /// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
 /// Rows of the result lie `rowBytes` apart.
 void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape);
-/// The same rounded pixels over opaque grey, as words 0xFFRRGGBB; `greys` points to a word a pixel for each row.
+/// Where stored pixels go: into the caches, for who reads them at once, or past them, which spares the memory a
+/// reading of what is replaced.
+enum class Through { caches, memory };
+/// The same rounded pixels over opaque grey, as words 0xFFRRGGBB; `greys` points to a word a pixel for each row. What
+/// goes through memory is aligned to 64 bytes in `out` and `rowBytes`, and the thread ends it with endStreaming().
 void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                  const uint32_t* const* greys);
+                  const uint32_t* const* greys, Through through);
+void endStreaming();
 
 bool isBlank(TileBytes bytes, RunShape shape);  ///< Every byte is 0.
 bool isOpaque(TileBytes bytes, RunShape shape); ///< Every alpha byte is 255.

@@ -11,6 +11,7 @@ namespace qirn {
 
 namespace {
 
+constexpr int64_t kStreamAlignment = 64;      // bytes, of the widest vector
 constexpr uint32_t kLight = 219, kDark = 179; // white at 0.86 and 0.7
 
 /// The greys behind a row of a tile, one a 32-bit word: there are two kinds of rows.
@@ -66,6 +67,11 @@ void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers
     const int bottom = static_cast<int>(tile.part.maxY() - place.y);
     const int width = (right - left + kRunStep - 1) / kRunStep * kRunStep;
     const BoardRows rows(board, place.x, left, left + width);
+    // A whole tile comes with many others, which push it out of the caches before the screen is painted.
+    const bool aligned =
+        reinterpret_cast<uintptr_t>(out) % kStreamAlignment == 0 && rowBytes % kStreamAlignment == 0;
+    const Through through =
+        width == kTileSize && tile.part.h == kTileSize && aligned ? Through::memory : Through::caches;
     const uint32_t* greys[kRunPixels / kRunStep];
     PixelRun acc;
     for (int y = static_cast<int>(tile.part.y - place.y); y < bottom;) {
@@ -73,9 +79,10 @@ void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers
         for (int row = 0; row < shape.rows; ++row)
             greys[row] = rows.greys[board.squareOf(place.y + y + row) % 2] + left;
         stack.blend(acc, left, y, shape);
-        storeOnBoard(out + y * rowBytes + left * 4, rowBytes, acc, shape, greys);
+        storeOnBoard(out + y * rowBytes + left * 4, rowBytes, acc, shape, greys, through);
         y += shape.rows;
     }
+    if (through == Through::memory) endStreaming();
 }
 
 } // namespace qirn

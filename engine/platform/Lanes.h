@@ -69,6 +69,11 @@ HWY_INLINE Words loadWords(const uint8_t* from) {
 HWY_INLINE void storeWords(Words v, uint8_t* to) {
     std::memcpy(to, &v, 4);
 }
+/// Past the caches, for what nobody reads soon. `to` is aligned to the vector; once all is stored, and before
+/// another thread reads it, comes hwy::FlushStream().
+HWY_INLINE void streamWords(Words v, uint8_t* to) {
+    storeWords(v, to);
+}
 /// The byte that begins at bit kShift, as a word.
 template <int kShift> HWY_INLINE Words byteWord(Words word) {
     return (word >> kShift) & 0xFF;
@@ -232,6 +237,9 @@ HWY_INLINE Words loadWords(const uint8_t* from) {
 }
 HWY_INLINE void storeWords(Words v, uint8_t* to) {
     hn::StoreU(hn::BitCast(hn::ScalableTag<uint8_t>(), v), hn::ScalableTag<uint8_t>(), to);
+}
+HWY_INLINE void streamWords(Words v, uint8_t* to) {
+    hn::Stream(hn::BitCast(hn::ScalableTag<uint8_t>(), v), hn::ScalableTag<uint8_t>(), to);
 }
 /// The byte that begins at bit kShift, as a word.
 template <int kShift> HWY_INLINE Words byteWord(Words word) {
