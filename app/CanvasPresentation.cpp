@@ -16,7 +16,7 @@ namespace qirn {
 namespace {
 
 constexpr double kNearestFromZoom = 2.0;
-constexpr int64_t kBandRows = 64; // of a tile, drawn by one thread
+constexpr int64_t kBandRows = 32; // of a tile, drawn by one thread
 // Two thousand tiles: eight 4K canvases. Beyond it, tiles out of sight are let go and made again when seen.
 constexpr int64_t kMostTileImages = 512LL * 1024 * 1024 / kTileBytes;
 /// The level at which the painter has to shrink by at most a half.

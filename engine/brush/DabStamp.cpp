@@ -17,7 +17,7 @@ namespace {
 // Fewer pixels than this are painted before other threads have woken up.
 constexpr int64_t kLeastParallelPixels = 30'000;
 // Rows that one thread takes at a time: their pixels, as they were and are, and their mask stay in the second cache.
-constexpr int64_t kBandRows = 64;
+constexpr int64_t kBandRows = 32;
 
 /// A dab made ready: what does not change from pixel to pixel.
 TipShape shapeOf(const Dab& dab) {
