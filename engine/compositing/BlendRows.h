@@ -8,8 +8,8 @@
 
 namespace qirn {
 
-/// Two rows of a tile: an accumulator and a source of this many pixels stay in the nearest cache together.
-inline constexpr int kRunPixels = 512;
+/// Four rows of a tile: an accumulator of this many pixels stays in the nearest cache beside what it is made of.
+inline constexpr int kRunPixels = 1024;
 /// Runs are as wide as a multiple of this, so that the widest vectors come out even.
 inline constexpr int kRunStep = 16;
 
