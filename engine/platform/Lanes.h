@@ -326,6 +326,7 @@ HWY_INLINE Doubles laneNumbers() {
 #endif
 
 template <int kShift> HWY_INLINE Floats byteOf(Words word) {
+    static_assert(kShift % 8 == 0);
     return numberOf(byteWord<kShift>(word));
 }
 

@@ -36,7 +36,8 @@ HWY_ATTR void StraightRun(const uint8_t* pixels, uint8_t* straight) {
         const Words pixel = loadWords(pixels + at);
         const Floats alpha = byteOf<24>(pixel);
         const Floats scale = select(alpha > Floats(0), Floats(1) / alpha, Floats(0));
-        const Floats rounding = byteOf<25>(pixel) + Floats(0.5f); // half of alpha, as a whole number
+        const Floats rounding =
+            numberOf(shiftedDown<25>(pixel)) + Floats(0.5f); // half of alpha, as a whole number
         storeWords(straightByte<0>(pixel, rounding, scale) |
                        shiftedUp<8>(straightByte<8>(pixel, rounding, scale)) |
                        shiftedUp<16>(straightByte<16>(pixel, rounding, scale)) |
