@@ -64,14 +64,28 @@ IRect DabStamp::stamp(std::span<const Dab> dabs) {
     if (pixels < kLeastParallelPixels) {
         for (const TileDab& tile : tiles_) stampPart(tile, tile.part);
     } else {
-        concurrentPerform(static_cast<int64_t>(tiles_.size()) * (kTileSize / kBandRows), [&](int64_t i) {
-            const TileDab& tile = tiles_[static_cast<std::size_t>(i / (kTileSize / kBandRows))];
-            const int64_t top = tile.tileY + i % (kTileSize / kBandRows) * kBandRows;
-            stampPart(tile, tile.part.intersection({tile.tileX, top, kTileSize, kBandRows}));
-        });
+        stampBands();
     }
     for (const TileDab& tile : tiles_) document_.markDirty(tile.part);
     return touched;
+}
+
+void DabStamp::stampBands() const {
+    struct Band {
+        const TileDab* tile;
+        IRect part;
+    };
+    std::vector<Band> bands;
+    for (const TileDab& tile : tiles_) {
+        for (int64_t top = tile.tileY; top < tile.part.maxY(); top += kBandRows) {
+            const IRect part = tile.part.intersection({tile.tileX, top, kTileSize, kBandRows});
+            if (!part.isEmpty()) bands.push_back({&tile, part});
+        }
+    }
+    const auto bandAt = [&bands](int64_t i) { return bands[static_cast<std::size_t>(i)]; };
+    concurrentPerformAtHome(
+        static_cast<int64_t>(bands.size()), [&](int64_t i) { return bandAt(i).part.y / kBandRows; },
+        [&](int64_t i) { stampPart(*bandAt(i).tile, bandAt(i).part); });
 }
 
 void DabStamp::releaseBuffers() {

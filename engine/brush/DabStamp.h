@@ -57,6 +57,7 @@ private:
     void place(const Dab& dab);
     void listTile(int64_t index, const IRect& box);
     TileWork& workOn(int64_t index);
+    void stampBands() const;
     void stampPart(TileDab tile, const IRect& part) const;
 
     PaintDocument& document_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <vector>
 
 #include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
@@ -35,6 +36,21 @@ void concurrentPerformByWorkers(int64_t workers, int64_t count,
     std::atomic<int64_t> next = 0;
     concurrentPerform(std::min(workers, count), [&](int64_t worker) {
         for (int64_t i; (i = next++) < count;) body(static_cast<std::size_t>(worker), i);
+    });
+}
+
+void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)>& homeOf,
+                             const std::function<void(int64_t)>& body) {
+    if (count < 1) return;
+    const int64_t threads = std::min<int64_t>(concurrency(), count);
+    std::vector<std::atomic_flag> taken(static_cast<std::size_t>(count));
+    concurrentPerform(threads, [&](int64_t thread) {
+        for (const bool atHome : {true, false}) {
+            for (int64_t i = 0; i < count; ++i) {
+                if (atHome && homeOf(i) % threads != thread) continue;
+                if (!taken[static_cast<std::size_t>(i)].test_and_set(std::memory_order_relaxed)) body(i);
+            }
+        }
     });
 }
 

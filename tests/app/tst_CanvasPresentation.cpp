@@ -5,12 +5,40 @@
 #include "support/Studio.h"
 #include "support/TestMain.h"
 
+#include <array>
 #include <set>
 
 #include <QPainter>
 
 using namespace qirn;
 using namespace qirn::test;
+
+namespace {
+
+/// A canvas in a window of 600 x 500.
+QImage shown(CanvasPresentation& presentation, const PaintDocument& doc, double zoom, const QPointF& pan) {
+    const QSize window(600, 500);
+    const ViewTransform view(window, doc.grid().bounds().rectF().size(), {zoom, pan, 0, false});
+    QImage screen(window, QImage::Format_RGB32);
+    screen.fill(Qt::gray);
+    QPainter painter(&screen);
+    presentation.look(view, zoom);
+    presentation.draw(painter, screen.rect());
+    painter.end();
+    return screen;
+}
+
+void paintSomewhere(PaintDocument& doc, SeededRandom& random) {
+    const auto below = [&random](int64_t end) {
+        return static_cast<int64_t>(random.next() % static_cast<uint64_t>(end));
+    };
+    const IRect canvas = doc.grid().bounds();
+    const IRect rect{below(canvas.w), below(canvas.h), 1 + below(canvas.w / 10), 1 + below(canvas.h / 8)};
+    const auto alpha = static_cast<uint8_t>(below(256));
+    paintRect(doc, doc.activeLayer(), rect.intersection(canvas), {alpha, 0, 0, alpha});
+}
+
+} // namespace
 
 class tst_CanvasPresentation : public QObject {
     Q_OBJECT
@@ -24,6 +52,7 @@ private Q_SLOTS:
     void undoShowsTheOldPicture();
     void aPartDrawnAgainIsThatOfAFreshView_data();
     void aPartDrawnAgainIsThatOfAFreshView();
+    void whatWasPannedOrZoomedAwayComesBack();
     void aHugeBlankCanvasHoldsNoTileImages();
     void aTurningViewIsSmoothAtRest();
 };
@@ -157,30 +186,45 @@ void tst_CanvasPresentation::aPartDrawnAgainIsThatOfAFreshView_data() {
 void tst_CanvasPresentation::aPartDrawnAgainIsThatOfAFreshView() {
     QFETCH(double, zoom);
     PaintDocument doc(900, 700, 72, std::nullopt);
-    const ViewTransform view(QSize(600, 500), QSizeF(900, 700), {zoom, {3.5, -2}, 0, false});
-    const auto shown = [&](CanvasPresentation& presentation) {
-        QImage screen(600, 500, QImage::Format_RGB32);
-        screen.fill(Qt::gray);
-        QPainter painter(&screen);
-        presentation.look(view, zoom);
-        presentation.draw(painter, screen.rect());
-        painter.end();
-        return screen;
-    };
+    const QPointF pan(3.5, -2);
     CanvasPresentation live;
     live.show(&doc);
-    shown(live);
+    shown(live, doc, zoom, pan);
     SeededRandom random(8);
     for (int i = 0; i < 40; ++i) {
-        const auto below = [&](uint64_t end) { return static_cast<int64_t>(random.next() % end); };
-        const IRect rect{below(880), below(680), 1 + below(90), 1 + below(90)};
-        const auto alpha = static_cast<uint8_t>(below(256));
-        paintRect(doc, doc.activeLayer(), rect.intersection(doc.grid().bounds()), {alpha, 0, 0, alpha});
+        paintSomewhere(doc, random);
         live.update(doc.takeDirtyParts());
     }
     CanvasPresentation fresh;
     fresh.show(&doc);
-    QCOMPARE(shown(live), shown(fresh));
+    QCOMPARE(shown(live, doc, zoom, pan), shown(fresh, doc, zoom, pan));
+}
+
+/// What only the window's own pixels held is not lost with them, nor composited again.
+void tst_CanvasPresentation::whatWasPannedOrZoomedAwayComesBack() {
+    PaintDocument doc(2100, 1700, 72, std::nullopt);
+    SeededRandom random(9);
+    for (int i = 0; i < 30; ++i) paintSomewhere(doc, random);
+    doc.takeDirtyParts();
+    CanvasPresentation live;
+    live.show(&doc);
+    shown(live, doc, 0.2, {}); // all of it
+    int64_t made = live.tilesComposited();
+    QVERIFY(made > 0);
+    for (int step = 0; step < 60; ++step) {
+        const double zoom = std::array{1.0, 1.0, 1.0, 1.5, 0.4, 0.2}[random.next() % 6];
+        const QPointF pan(random.signedUnit() * 900, random.signedUnit() * 700);
+        const QImage now = shown(live, doc, zoom, pan);
+        QCOMPARE(live.tilesComposited(), made);
+        CanvasPresentation fresh;
+        fresh.show(&doc);
+        QCOMPARE(now, shown(fresh, doc, zoom, pan));
+        if (step % 7 != 6) continue;
+        paintSomewhere(doc, random);
+        live.update(doc.takeDirtyParts());
+        shown(live, doc, 0.2, {});
+        made = live.tilesComposited();
+    }
 }
 
 void tst_CanvasPresentation::aHugeBlankCanvasHoldsNoTileImages() {

@@ -19,6 +19,13 @@ private Q_SLOTS:
                 concurrentPerform(count, [&](int64_t i) { ++runs[static_cast<std::size_t>(i)]; });
                 for (int64_t i = 0; i < 1000; ++i)
                     QCOMPARE(runs[static_cast<std::size_t>(i)].load(), i < count);
+                for (int64_t homes : {1, 3, 400}) {
+                    concurrentPerformAtHome(
+                        count, [homes](int64_t i) { return i % homes; },
+                        [&](int64_t i) { --runs[static_cast<std::size_t>(i)]; });
+                    for (int64_t i = 0; i < std::min<int64_t>(count, 1000); ++i)
+                        QCOMPARE(runs[static_cast<std::size_t>(i)].exchange(1), 0);
+                }
             }
         }
         setConcurrency(0);
