@@ -49,7 +49,8 @@ void CanvasWindowImage::cover(const TileRange& range, int level) {
     const int64_t side = kTileSize >> level, cols = range.endCol - range.firstCol,
                   rows = range.endRow - range.firstRow;
     rowBytes_ = cols * side * 4;
-    pixels_.reset(new (std::align_val_t(64)) uint8_t[static_cast<std::size_t>(rows * side * rowBytes_)]);
+    const auto bytes = static_cast<std::size_t>(rows * side * rowBytes_);
+    pixels_.reset(static_cast<uint8_t*>(operator new(bytes, kAlignment)));
     held_.assign(static_cast<std::size_t>(rows * cols), false);
     if (!old.pixels_ || old.level_ != level) return;
     for (int64_t row = range.firstRow; row < range.endRow; ++row) {
