@@ -4,22 +4,18 @@
 #include <cstring>
 #include <utility>
 
-#include <hwy/cache_control.h>
-
 // This file once more for each instruction set; the best that the machine has is chosen at run time.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "compositing/BlendRows.cpp"
 #include <hwy/foreach_target.h>
 
 #include "compositing/BlendFormulas.h"
+#include "compositing/RunLanes.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 
 using Compositor::Atop;
-
-/// One premultiplied pixel, 0 to 1, or several side by side.
-template <class V> struct Pixel { V r, g, b, a; };
 
 template <class C, class V> HWY_INLINE Pixel<V> select(C condition, const Pixel<V>& yes, const Pixel<V>& no) {
     return {select(condition, yes.r, no.r), select(condition, yes.g, no.g), select(condition, yes.b, no.b),
@@ -74,29 +70,6 @@ template <class Mode, Atop kAtop, class V> HWY_INLINE Pixel<V> blended(const Pix
     return select(s.a <= V(0), p, result);
 }
 
-HWY_INLINE blend::Rgb<Floats> loadColours(const PixelRun& run, int at) {
-    return {loadFloats(run.r + at), loadFloats(run.g + at), loadFloats(run.b + at)};
-}
-
-HWY_INLINE void storeColours(const blend::Rgb<Floats>& c, PixelRun& run, int at) {
-    storeFloats(c.r, run.r + at);
-    storeFloats(c.g, run.g + at);
-    storeFloats(c.b, run.b + at);
-}
-
-HWY_INLINE Pixel<Floats> loadPixels(const PixelRun& run, int at) {
-    return {loadFloats(run.r + at), loadFloats(run.g + at), loadFloats(run.b + at), loadFloats(run.a + at)};
-}
-
-HWY_INLINE void storePixels(const Pixel<Floats>& p, PixelRun& run, int at) {
-    storeColours({p.r, p.g, p.b}, run, at);
-    storeFloats(p.a, run.a + at);
-}
-
-HWY_INLINE Pixel<Floats> pixelsOf(Words words, Floats k) {
-    return {byteOf<0>(words) * k, byteOf<8>(words) * k, byteOf<16>(words) * k, byteOf<24>(words) * k};
-}
-
 template <class Mode, Atop kAtop> HWY_ATTR void blendRun(PixelRun& acc, const PixelRun& source, int count) {
     for (int i = 0; i < count; i += kLanes) {
         const Pixel<Floats> pixels = loadPixels(source, i);
@@ -117,7 +90,7 @@ HWY_ATTR void blendBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape) 
             if (allOf(isZero(byteWord<24>(words)))) continue;
             const Pixel<Floats> s = pixelsOf(words, k);
             if constexpr (kOpaque) {
-                const blend::Rgb<Floats> p = loadColours(acc, i), result = mixedOnOpaque<Mode>(p, s);
+                const Colours p = loadColours(acc, i), result = mixedOnOpaque<Mode>(p, s);
                 const auto uncovered = s.a <= Floats(0);
                 storeColours({select(uncovered, p.r, result.r), select(uncovered, p.g, result.g),
                               select(uncovered, p.b, result.b)},
@@ -150,15 +123,6 @@ constexpr ModeLoops kLoops[kBlendModeCount] = {
     loopsOf<blend::Hue>(),        loopsOf<blend::Saturation>(), loopsOf<blend::Color>(),
     loopsOf<blend::Luminosity>(),
 };
-
-HWY_ATTR void LoadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity) {
-    const Floats k(opacity / 255);
-    int i = 0;
-    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
-        for (int x = 0; x < shape.width; x += kLanes, i += kLanes)
-            storePixels(pixelsOf(loadWords(bytes + x * 4), k), run, i);
-    }
-}
 
 HWY_ATTR void Scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity) {
     const Floats k(opacity);
@@ -199,7 +163,7 @@ HWY_INLINE void layChain(PixelRun& acc, std::span<const ByteLayer> layers, RunSh
             if (what == Over::nothing) {
                 p = pixelsOf(loadWords(layers[0].bytes + at), layers[0].strength);
             } else {
-                const blend::Rgb<Floats> c = loadColours(acc, i);
+                const Colours c = loadColours(acc, i);
                 p = {c.r, c.g, c.b, kOpaque ? Floats(1) : loadFloats(acc.a + i)};
             }
             for (const ByteLayer& layer : layers.subspan(onNothing)) {
@@ -222,96 +186,6 @@ HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShap
     acc.opaque ? layChain<true>(acc, layers, shape, what) : layChain<false>(acc, layers, shape, what);
 }
 
-HWY_INLINE Words roundedByte(Floats v) {
-    return truncated(clampedToByte(v * Floats(255) + Floats(0.5f)));
-}
-
-struct PixelWords {
-    Words r, g, b, a;
-};
-template <bool kOpaque> HWY_INLINE PixelWords roundedPixels(const PixelRun& run, int at) {
-    const blend::Rgb<Floats> c = loadColours(run, at);
-    const PixelWords p{roundedByte(c.r), roundedByte(c.g), roundedByte(c.b), allWords(255)};
-    if constexpr (kOpaque) return p;
-    const Words a = roundedByte(loadFloats(run.a + at));
-    return {smaller(p.r, a), smaller(p.g, a), smaller(p.b, a), a};
-}
-
-template <bool kOpaque>
-HWY_INLINE void storeRows(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
-    int i = 0;
-    for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
-        for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const PixelWords p = roundedPixels<kOpaque>(run, i);
-            storeWords(p.r | shiftedUp<8>(p.g) | shiftedUp<16>(p.b) | shiftedUp<24>(p.a), out + x * 4);
-        }
-    }
-}
-
-HWY_ATTR void StoreBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
-    run.opaque ? storeRows<true>(out, rowBytes, run, shape) : storeRows<false>(out, rowBytes, run, shape);
-}
-
-/// v / 255 for v below 65,790, to the nearest lower whole number.
-HWY_INLINE Words over255(Words v) {
-    return shiftedDown<23>(v * allWords(0x8081));
-}
-
-template <bool kOpaque, Through kThrough>
-HWY_INLINE void storeRowsOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                                 const uint32_t* const* greys) {
-    const Words full = allWords(255), half = allWords(127), opaque = allWords(0xFF000000u);
-    int i = 0;
-    for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
-        const uint8_t* grey = reinterpret_cast<const uint8_t*>(greys[y]);
-        for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            PixelWords p = roundedPixels<kOpaque>(run, i);
-            if constexpr (!kOpaque) {
-                const Words behind = over255(loadWords(grey + x * 4) * (full - p.a) + half);
-                p = {p.r + behind, p.g + behind, p.b + behind, full};
-            }
-            const Words shown = opaque | shiftedUp<16>(p.r) | shiftedUp<8>(p.g) | p.b;
-            kThrough == Through::memory ? streamWords(shown, out + x * 4) : storeWords(shown, out + x * 4);
-        }
-    }
-}
-
-HWY_ATTR void StoreOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                           const uint32_t* const* greys, Through through) {
-    const auto store = [&]<Through kThrough>() HWY_ATTR {
-        run.opaque ? storeRowsOnBoard<true, kThrough>(out, rowBytes, run, shape, greys)
-                   : storeRowsOnBoard<false, kThrough>(out, rowBytes, run, shape, greys);
-    };
-    through == Through::memory ? store.operator()<Through::memory>() : store.operator()<Through::caches>();
-}
-
-/// Whether a test that goes by vectors, several at a time, holds for all pixels of a block.
-template <class Test> HWY_INLINE bool allPixels(TileBytes bytes, RunShape shape, Test test) {
-    for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
-        for (int x = 0; x < shape.width; x += kRunStep) {
-            if (!test(bytes + x * 4)) return false;
-        }
-    }
-    return true;
-}
-
-HWY_ATTR bool IsBlank(TileBytes bytes, RunShape shape) {
-    return allPixels(bytes, shape, [](TileBytes from) HWY_ATTR {
-        Words any = loadWords(from);
-        for (int i = kLanes; i < kRunStep; i += kLanes) any = any | loadWords(from + i * 4);
-        return allOf(isZero(any));
-    });
-}
-
-HWY_ATTR bool IsOpaque(TileBytes bytes, RunShape shape) {
-    const Words opaque = allWords(0xFF000000u);
-    return allPixels(bytes, shape, [opaque](TileBytes from) HWY_ATTR {
-        Words all = loadWords(from) & opaque;
-        for (int i = kLanes; i < kRunStep; i += kLanes) all = all & loadWords(from + i * 4);
-        return allOf(isZero(all ^ opaque));
-    });
-}
-
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -320,24 +194,14 @@ namespace qirn {
 
 using Compositor::Atop;
 
-HWY_EXPORT(LoadBytes);
 HWY_EXPORT(Scale);
 HWY_EXPORT(TintRun);
 HWY_EXPORT(LayOn);
 HWY_EXPORT(LayBytes);
 HWY_EXPORT(LayBytesIn);
-HWY_EXPORT(IsBlank);
-HWY_EXPORT(IsOpaque);
-HWY_EXPORT(StoreBytes);
-HWY_EXPORT(StoreOnBoard);
 
 void clear(PixelRun& run) {
     std::memset(&run, 0, sizeof run);
-}
-
-void loadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity) {
-    run.opaque = false;
-    HWY_DYNAMIC_DISPATCH(LoadBytes)(run, bytes, shape, opacity);
 }
 
 void scale(PixelRun& run, const PixelRun& source, RunShape shape, float opacity) {
@@ -360,27 +224,6 @@ void layBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, 
 
 void layBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape, BlendMode mode) {
     HWY_DYNAMIC_DISPATCH(LayBytesIn)(acc, layer, shape, mode);
-}
-
-void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape) {
-    HWY_DYNAMIC_DISPATCH(StoreBytes)(out, rowBytes, run, shape);
-}
-
-void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                  const uint32_t* const* greys, Through through) {
-    HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, greys, through);
-}
-
-void endStreaming() {
-    hwy::FlushStream();
-}
-
-bool isBlank(TileBytes bytes, RunShape shape) {
-    return HWY_DYNAMIC_DISPATCH(IsBlank)(bytes, shape);
-}
-
-bool isOpaque(TileBytes bytes, RunShape shape) {
-    return HWY_DYNAMIC_DISPATCH(IsOpaque)(bytes, shape);
 }
 
 namespace {
