@@ -186,7 +186,7 @@ CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
     return Source::layers;
 }
 
-/// The image of a tile, a new one if it has none.
+/// Gives a tile an image if it has none.
 void CanvasPresentation::takeImage(int64_t index) {
     TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
     if (image) return;

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 #include <QPainter>
@@ -18,18 +17,6 @@ namespace {
 
 // Fewer pixels than this are on screen before other threads have woken up.
 constexpr int64_t kLeastParallelPixels = 16'000;
-
-/// Rows of four bytes a pixel.
-struct Rows {
-    uint8_t* first;
-    int64_t rowBytes;
-};
-
-void copyPixels(const Rows& to, const Rows& from, int64_t width, int64_t height) {
-    for (int64_t y = 0; y < height; ++y)
-        std::memcpy(to.first + y * to.rowBytes, from.first + y * from.rowBytes,
-                    static_cast<std::size_t>(width) * 4);
-}
 
 } // namespace
 
@@ -59,7 +46,7 @@ void CanvasWindowImage::cover(const TileRange& range, int level) {
             if (!old.holds(index)) continue;
             held_[slotOf(index)] = true;
             const IRect tile = grid_.rectOf(index);
-            copyPixels({placeOf(index), rowBytes_}, {old.placeOf(index), old.rowBytes_},
+            copyPixels(placeOf(index), rowBytes_, old.placeOf(index), old.rowBytes_,
                        reducedLength(tile.w, level), reducedLength(tile.h, level));
         }
     }
@@ -112,7 +99,7 @@ void CanvasWindowImage::put(std::span<const DirtyTile> parts, const PartDrawer& 
 void CanvasWindowImage::copyTo(int64_t index, uint8_t* tile) const {
     require(level_ == 0 && holds(index));
     const IRect place = grid_.rectOf(index);
-    copyPixels({tile, kTileRowBytes}, {placeOf(index), rowBytes_}, place.w, place.h);
+    copyPixels(tile, kTileRowBytes, placeOf(index), rowBytes_, place.w, place.h);
 }
 
 void CanvasWindowImage::draw(QPainter& painter) const {

@@ -7,6 +7,13 @@
 
 namespace qirn {
 
+void copyPixels(uint8_t* to, int64_t toRowBytes, const uint8_t* from, int64_t fromRowBytes, int64_t width,
+                int64_t height) {
+    for (int64_t y = 0; y < height; ++y) {
+        std::memcpy(to + y * toRowBytes, from + y * fromRowBytes, static_cast<std::size_t>(width) * 4);
+    }
+}
+
 IRect blocksOf(const IRect& part, const IRect& tile, int level) {
     const int64_t side = int64_t{1} << level;
     const auto down = [side](int64_t v) { return v / side * side; };
@@ -18,11 +25,8 @@ IRect blocksOf(const IRect& part, const IRect& tile, int level) {
 
 void reduceTile(const uint8_t* tile, const IRect& blocks, int level, uint8_t* out, int64_t rowBytes) {
     if (level == 0) {
-        for (int64_t y = blocks.y; y < blocks.maxY(); ++y) {
-            std::memcpy(out + y * rowBytes + blocks.x * 4, tile + y * kTileRowBytes + blocks.x * 4,
-                        static_cast<std::size_t>(blocks.w) * 4);
-        }
-        return;
+        return copyPixels(out + blocks.y * rowBytes + blocks.x * 4, rowBytes,
+                          tile + blocks.y * kTileRowBytes + blocks.x * 4, kTileRowBytes, blocks.w, blocks.h);
     }
     const int side = 1 << level;
     const int right = static_cast<int>(blocks.maxX()), bottom = static_cast<int>(blocks.maxY());

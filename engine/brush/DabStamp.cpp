@@ -82,6 +82,7 @@ void DabStamp::stampBands() const {
             if (!part.isEmpty()) bands.push_back({&tile, part});
         }
     }
+    // The next point touches much of the same rows: they keep to the thread that has them in its caches.
     const auto bandAt = [&bands](int64_t i) { return bands[static_cast<std::size_t>(i)]; };
     concurrentPerformAtHome(
         static_cast<int64_t>(bands.size()), [&](int64_t i) { return bandAt(i).part.y / kBandRows; },
