@@ -2,17 +2,19 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/ReadFile.h"
+
+#include <cerrno>
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 #include <QUrl>
 
 namespace qirn {
 
 namespace {
-constexpr qint64 kLargestList = 8 * 1024 * 1024; // bytes; a longer one is left alone
+constexpr int64_t kLargestList = 8 * 1024 * 1024; // bytes; a longer one is left alone
 }
 
 QString recentListWith(const QString& list, const QString& path, const QString& utcTime) {
@@ -42,11 +44,11 @@ void noteRecentFile(const QString& path) {
     const QString listPath = QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
                                  .filePath(QStringLiteral("recently-used.xbel"));
     QString list;
-    QFile file(listPath);
-    if (file.exists()) {
-        if (!file.open(QIODevice::ReadOnly) || file.size() > kLargestList) return;
-        list = QString::fromUtf8(file.readAll());
+    try {
+        list = QString::fromUtf8(readFile(listPath, kLargestList));
         if (list.isEmpty()) return;
+    } catch (const ReadError& error) {
+        if (error.systemError() != ENOENT) return;
     }
     const QString now = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
     const QString longer = recentListWith(list, path, now);

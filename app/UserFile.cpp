@@ -2,6 +2,9 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/ReadFile.h"
+
+#include <cerrno>
 
 #include <QDateTime>
 #include <QDir>
@@ -11,9 +14,11 @@
 namespace qirn {
 
 void UserFile::load(const std::function<bool(std::span<const uint8_t>)>& decode) {
-    QFile file(path_);
-    if (!file.exists()) return;
-    unreadable_ = !file.open(QIODevice::ReadOnly) || !decode(bytesOf(file.readAll()));
+    try {
+        unreadable_ = !decode(bytesOf(readFile(path_)));
+    } catch (const ReadError& error) {
+        unreadable_ = error.systemError() != ENOENT;
+    }
 }
 
 void UserFile::save(const QByteArray& bytes) {

@@ -1,18 +1,29 @@
 #pragma once
 #include "platform/DescribedError.h"
 
+#include <cstdint>
+#include <limits>
+
 #include <QByteArray>
 #include <QString>
 
 namespace qirn {
 
-/// A file that could not be read, in the system's words.
+/// A file that could not be read; `description` says why in words for the user.
 class ReadError : public DescribedError {
 public:
-    explicit ReadError(const QString& description) : DescribedError(description) {}
+    /// An `errno` value, ENOENT where there is no file; 0 for one that is there but is not read.
+    ReadError(int systemError, const QString& description)
+        : DescribedError(description),
+          systemError_(systemError) {}
+    int systemError() const { return systemError_; }
+
+private:
+    int systemError_;
 };
 
-/// The whole content of a file; throws ReadError.
-QByteArray readFile(const QString& path);
+/// The whole content of a file; throws ReadError. What is no file (a folder, a pipe, a device) is refused without
+/// waiting for it, and one longer than `mostBytes` or than the memory that is free before any of it is read.
+QByteArray readFile(const QString& path, int64_t mostBytes = std::numeric_limits<int64_t>::max());
 
 } // namespace qirn

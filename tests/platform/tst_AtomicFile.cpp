@@ -1,5 +1,6 @@
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/ReadFile.h"
 #include "support/TestMain.h"
 
 #include <cerrno>
@@ -91,6 +92,7 @@ private Q_SLOTS:
     void theModeIsKept();
     void aLinkStaysAndItsTargetIsReplaced();
     void oddTargetsAreRefused();
+    void onlyFilesThatFitIntoMemoryAreRead();
     void errorsAreInWords();
 
 private:
@@ -337,6 +339,30 @@ void tst_AtomicFile::oddTargetsAreRefused() {
     QCOMPARE(errorOf(at("pipe")), EINVAL);
     QCOMPARE(errorOf(QString()), ENOENT);
     QCOMPARE(errorOf(at(QByteArray(256, 'x').constData())), ENAMETOOLONG);
+}
+
+void tst_AtomicFile::onlyFilesThatFitIntoMemoryAreRead() {
+    QCOMPARE(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0600), 0); // nobody will ever write to it
+    put(at("sparse"), {});
+    QVERIFY(QFile::resize(at("sparse"), 100'000'000'000));
+    put(at("file"), kNew);
+    const auto answer = [this](const char* name, int64_t most = kNew.size()) {
+        try {
+            return readFile(*name == '/' ? QString(name) : at(name), most) == kNew ? QString("read")
+                                                                                   : QString("other");
+        } catch (const ReadError& error) {
+            return QString::number(error.systemError()) + ' ' + error.description();
+        }
+    };
+    const QString tooLarge = "0 The file is too large for the memory that is free.";
+    QCOMPARE(answer("file"), QString("read"));
+    QCOMPARE(answer("file", kNew.size() - 1), tooLarge);
+    QCOMPARE(answer("sparse", std::numeric_limits<int64_t>::max()), tooLarge);
+    QCOMPARE(answer(""), QString("0 This is a folder."));
+    for (const char* name : {"pipe", "/dev/zero"})
+        QCOMPARE(answer(name), QString("0 This is a device or a pipe, not a file."));
+    QVERIFY(answer("none").startsWith(QString::number(ENOENT)));
+    QVERIFY(readFile("/proc/self/status").contains("VmPeak")); // it says that it is empty
 }
 
 void tst_AtomicFile::errorsAreInWords() {
