@@ -1,6 +1,7 @@
 #include "Recovery.h"
 
 #include "AppFolders.h"
+#include "BackgroundQueue.h"
 #include "Trash.h"
 #include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
@@ -14,27 +15,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QThreadPool>
 
 namespace qirn {
 
 namespace {
-
-/// The one thread of the background work; what is started on it runs in order.
-QThreadPool& queue() {
-    static QThreadPool* const pool = [] {
-        auto* made = new QThreadPool(QCoreApplication::instance());
-        made->setObjectName(QStringLiteral("qirn.paint.autosave"));
-        made->setMaxThreadCount(1);
-        made->setThreadPriority(QThread::LowPriority);
-        return made;
-    }();
-    return *pool;
-}
-
-void finishPendingWork() {
-    queue().waitForDone();
-}
 
 QString idText(const QUuid& id) {
     return id.toString(QUuid::WithoutBraces).toUpper();
@@ -121,13 +105,13 @@ void Recovery::write(DocSession& session, Synchronously synchronously) {
     if (!session.fileURL.isEmpty()) info.originalPath = session.fileURL.toLocalFile();
     session.autosavedChange = session.doc().changeCount();
     session.lastAutosave = info.date;
-    queue().start([frozen = std::move(frozen), info, file = fileURL(session.id),
-                   infoFile = infoURL(session.id)] { writeCopy(frozen, file, info, infoFile); });
-    if (synchronously == Synchronously::yes) finishPendingWork();
+    BackgroundQueue::run([frozen = std::move(frozen), info, file = fileURL(session.id),
+                          infoFile = infoURL(session.id)] { writeCopy(frozen, file, info, infoFile); });
+    if (synchronously == Synchronously::yes) BackgroundQueue::finish();
 }
 
 void Recovery::discard(const QUuid& id, MoveToTrash toTrash) {
-    finishPendingWork();
+    BackgroundQueue::finish();
     for (const QString& path : {fileURL(id), infoURL(id)}) {
         if (!QFile::exists(path)) continue;
         if (toTrash == MoveToTrash::yes)
