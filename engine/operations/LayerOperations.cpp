@@ -3,9 +3,12 @@
 #include "compositing/CompositeInputs.h"
 #include "compositing/Compositor.h"
 #include "operations/Selection.h"
+#include "operations/TileJobs.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <utility>
 
 namespace qirn {
 
@@ -21,9 +24,34 @@ QString freeLayerName(const PaintDocument& doc) {
     }
 }
 
+/// Clears what a tile holds beyond its part of the canvas.
+void clearBeyond(const IRect& part, uint8_t* pixels) {
+    for (int64_t y = 0; y < kTileSize; ++y) {
+        const int64_t kept = y < part.h ? part.w : 0;
+        std::memset(pixels + y * kTileRowBytes + kept * 4, 0, static_cast<std::size_t>(kTileSize - kept) * 4);
+    }
+}
+
+/// Where all layers show the same tiles, as over flat paper, one finished tile serves.
 LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name) {
-    auto layer = std::make_shared<Layer>(name, doc.grid());
-    layer->load(*flattened(doc));
+    const TileGrid& grid = doc.grid();
+    const std::vector<CompositeInput> inputs = compositeInputs(doc, ForDisplay::no);
+    // What lies over each other, and how much of it is on the canvas.
+    using Key = std::pair<std::vector<const Tile*>, std::array<int64_t, 2>>;
+    TileJobs<Key> jobs;
+    std::vector<const Tile*> seen(inputs.size());
+    for (int64_t slot = 0; slot < grid.count(); ++slot) {
+        std::transform(inputs.begin(), inputs.end(), seen.begin(), [slot](const CompositeInput& input) {
+            return input.visible ? input.tiles.at(slot) : nullptr;
+        });
+        if (std::none_of(seen.begin(), seen.end(), [](const Tile* tile) { return tile; })) continue;
+        const IRect part = grid.rectOf(slot);
+        jobs.add({seen, {part.w, part.h}}, slot);
+    }
+    auto layer = std::make_shared<Layer>(name, grid);
+    jobs.run(*layer, [&](const TileJob& job, uint8_t* pixels) {
+        if (Compositor::compositeTile(job.first, inputs, pixels)) clearBeyond(grid.rectOf(job.first), pixels);
+    });
     return layer;
 }
 
@@ -103,10 +131,13 @@ void mergeDown(PaintDocument& doc, int64_t index) {
          .clipping = upper.isClipping && !lower.isClipping,
          .visible = upper.isVisible},
     };
-    std::vector<uint8_t> merged(kTileBytes);
-    upper.tiles().forEachTile([&](int64_t tile, const Tile&) {
-        Compositor::compositeTile(tile, inputs, merged.data());
-        std::memcpy(lower.writableTile(tile).writablePixels(), merged.data(), kTileBytes);
+    TileJobs<std::array<const Tile*, 2>> jobs;
+    upper.tiles().forEachTile([&](int64_t slot, const Tile& tile) {
+        jobs.add({lower.tile(slot), &tile}, slot);
+    });
+    // Coverage only grows: where the result is blank, so is what it would replace.
+    jobs.run(lower, [&](const TileJob& job, uint8_t* pixels) {
+        Compositor::compositeTile(job.first, inputs, pixels);
     });
     std::vector<LayerRef> layers = doc.layers();
     layers.erase(layers.begin() + index);

@@ -1,4 +1,5 @@
 #include "compositing/CompositeInputs.h"
+#include "core/TileMemory.h"
 #include "operations/LayerOperations.h"
 #include "operations/Selection.h"
 #include "support/Pictures.h"
@@ -25,6 +26,8 @@ QString stack(const PaintDocument& doc) {
     }
     return list.join(' ');
 }
+
+using Merge = void (*)(PaintDocument&);
 
 QString whole(const PaintDocument& doc, const RGBABuffer& picture) {
     return firstDifference(*flattened(doc), picture);
@@ -234,12 +237,42 @@ private Q_SLOTS:
 
     void flatteningKeepsOnlyThePicture() {
         const auto doc = randomDocument(300, 200, 5, 2);
+        doc->fillLayer(doc->layer(0), PaintColor(0.3, 0.6, 0.9)); // beyond the edge too
         doc->layer(2).isVisible = false;
-        const auto before = flattened(*doc);
+        Layer plain("Background", doc->grid());
+        plain.load(*flattened(*doc));
         flattenImage(*doc);
         QCOMPARE(stack(*doc), QStringLiteral("[Background]"));
-        QCOMPARE(whole(*doc, *before), QString());
+        QCOMPARE(doc->layer(0).fingerprint(), plain.fingerprint());
         QCOMPARE(doc->takeDirtyTiles().size(), std::size_t{2});
+    }
+
+    void mergingTakesMemoryOnlyForWhatDiffers_data() {
+        QTest::addColumn<Merge>("merge");
+        QTest::addColumn<int>("tiles");
+        // Paper within the canvas, at its edges and in its corner, and two tiles with something on them.
+        QTest::newRow("visible") << +[](PaintDocument& doc) { mergeVisible(doc); } << 6;
+        QTest::newRow("all") << +[](PaintDocument& doc) { flattenImage(doc); } << 6;
+        QTest::newRow("paper over paper") << +[](PaintDocument& doc) {
+            moveLayer(doc, 1, 0);
+            mergeDown(doc, 1);
+        } << 2;
+    }
+    void mergingTakesMemoryOnlyForWhatDiffers() {
+        QFETCH(Merge, merge);
+        QFETCH(int, tiles);
+        PaintDocument doc(30000, 30000, 72, PaintColor::white());
+        addLayer(doc);
+        for (int64_t i : {1, 2}) paintRect(doc, doc.layer(i), {i * 5000, 300, 1, 1}, {9, 9, 9, 255});
+        const int64_t before = TileMemory::usedBytes();
+        const auto pixels = [&] {
+            return text(compositePixel(doc, 10000, 300)) + text(compositePixel(doc, 0, 0));
+        };
+        const QString picture = pixels();
+        merge(doc);
+        QCOMPARE(pixels(), picture);
+        QVERIFY2(TileMemory::usedBytes() - before <= tiles * kTileBytes,
+                 qPrintable(QString::number((TileMemory::usedBytes() - before) / kTileBytes)));
     }
 
     void clearingStaysInsideTheSelection() {

@@ -1,0 +1,54 @@
+// Huge canvases, and what is done to them at once. `peak` is how many megabytes the process took beyond what it held.
+#include "PlainPass.h"
+#include "operations/LayerOperations.h"
+
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+namespace qirn::bench {
+
+namespace {
+
+/// Megabytes of this process, from a line of its status: "VmHWM:" at most since the last reset, "VmRSS:" now.
+double statusMegabytes(const std::string& line) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        double kilobytes = 0;
+        if (word == line && status >> kilobytes) return kilobytes * 1024 / 1e6;
+    }
+    return 0;
+}
+
+/// Once, since the peak of a second pass would hide behind what the first one left.
+void timeOnce(benchmark::State& state, const std::function<void()>& change) {
+    for (auto _ : state) {
+        std::ofstream("/proc/self/clear_refs") << 5; // forgets the peak
+        const double before = statusMegabytes("VmRSS:");
+        const Stopwatch watch;
+        change();
+        state.SetIterationTime(watch.seconds());
+        state.counters["peak"] = statusMegabytes("VmHWM:") - before;
+    }
+}
+
+void paintSquare(PaintDocument& doc, Layer& layer, int64_t index) {
+    layer.writableTile(index).writablePixels()[3] = 255;
+    doc.commit(QStringLiteral("Stroke"));
+}
+
+/// Two layers of one tile each; argument 1: over flat paper.
+void mergeHuge(benchmark::State& state) {
+    PaintDocument doc(30000, 30000, 72, state.range(0) ? std::optional(PaintColor::white()) : std::nullopt);
+    addLayer(doc);
+    paintSquare(doc, doc.layer(doc.layerCount() - 1), 3000);
+    paintSquare(doc, doc.layer(doc.layerCount() - 2), 5000);
+    timeOnce(state, [&] { mergeVisible(doc); });
+}
+BENCHMARK(mergeHuge)->Arg(0)->Arg(1)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+} // namespace qirn::bench
