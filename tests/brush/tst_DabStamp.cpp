@@ -6,7 +6,6 @@
 #include "support/TestMain.h"
 
 #include <cmath>
-#include <set>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -43,37 +42,51 @@ struct Sheet {
     }
 };
 
-BrushSettings softBrush(double size) {
-    BrushSettings brush = plainBrush(size);
-    brush.hardness = 0;
-    return brush;
-}
-
-/// The left half selected fully, a strip at half, nothing from x = 320 on.
-SelectionRef stepped() {
-    std::vector<uint8_t> mask(600 * 400);
-    for (std::size_t i = 0; i < mask.size(); ++i) mask[i] = i % 600 < 300 ? 255 : i % 600 < 320 ? 128 : 0;
-    return Selection::fromMask(mask, 600, 400);
-}
-
 } // namespace
 
 class tst_DabStamp : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aHardLineHasNoGaps() {
+    /// One dab of red on a known pixel; what tst_DabReference compares a great many of, in numbers.
+    void aDabOnAPixel_data() {
+        QTest::addColumn<BrushKind>("kind");
+        QTest::addColumn<bool>("locked");
+        QTest::addColumn<double>("opacity");
+        QTest::addColumn<int>("selected");
+        QTest::addColumn<PixelBytes>("before");
+        QTest::addColumn<PixelBytes>("after");
+        const auto paint = BrushKind::paint, erase = BrushKind::erase;
+        const PixelBytes solid{200, 100, 50, 255};
+        QTest::newRow("covers") << paint << false << 1.0 << 255 << solid << PixelBytes{255, 0, 0, 255};
+        QTest::newRow("half") << paint << false << 0.5 << 255 << PixelBytes{0, 0, 128, 128}
+                              << PixelBytes{128, 0, 64, 192};
+        QTest::newRow("half selected")
+            << paint << false << 1.0 << 128 << PixelBytes{} << PixelBytes{128, 0, 0, 128};
+        QTest::newRow("not selected") << paint << false << 1.0 << 0 << solid << solid;
+        QTest::newRow("locked") << paint << true << 1.0 << 255 << PixelBytes{0, 50, 100, 100}
+                                << PixelBytes{100, 0, 0, 100};
+        QTest::newRow("erases half") << erase << false << 0.5 << 255 << solid << PixelBytes{100, 50, 25, 128};
+        QTest::newRow("erases what is locked") << erase << true << 1.0 << 255 << solid << PixelBytes{};
+    }
+    void aDabOnAPixel() {
+        QFETCH(BrushKind, kind);
+        QFETCH(bool, locked);
+        QFETCH(double, opacity);
+        QFETCH(int, selected);
+        QFETCH(PixelBytes, before);
+        QFETCH(PixelBytes, after);
         Sheet sheet;
-        BrushSettings brush = plainBrush(10);
-        brush.spacing = 0.1;
-        sheet.paint(line(40, 60, 560, 60, 13), brush);
-        for (int64_t x = 40; x < 560; ++x) {
-            for (int64_t y = 55; y <= 64; ++y)
-                QVERIFY2(sheet.alpha(x, y) > 0, qPrintable(QString::number(x)));
-            QCOMPARE(sheet.pixel(x, 60), (PixelBytes{255, 0, 0, 255}));
-            QCOMPARE(sheet.alpha(x, 50) + sheet.alpha(x, 65), 0);
-        }
-        QCOMPARE(sheet.layer().contentBounds(), (IRect{35, 55, 530, 10}));
+        sheet.fill(before);
+        sheet.layer().alphaLocked = locked;
+        std::vector<uint8_t> mask(600 * 400, static_cast<uint8_t>(selected));
+        mask[0] = 255;
+        sheet.doc.selection = Selection::fromMask(mask, 600, 400);
+        BrushSettings brush = plainBrush(20, kind);
+        brush.opacity = opacity;
+        sheet.dab(100, 100, brush);
+        QCOMPARE(text(sheet.pixel(100, 100)), text(after));
+        QCOMPARE(text(sheet.pixel(112, 100)), text(before));
     }
 
     void opacityIsACeiling_data() {
@@ -115,9 +128,6 @@ private Q_SLOTS:
         const int allowed = flow == 1 ? 1 : 16;                    // a low flow only comes near the ceiling
         QVERIFY(std::abs(sheet.alpha(256, 256) - 128) <= allowed); // the crossing on the corner
         QVERIFY(std::abs(sheet.alpha(312, 256) - 128) <= allowed);
-        // A second stroke is a new sheet of paint on top.
-        sheet.paint(points, brush);
-        QVERIFY(erase ? sheet.alpha(256, 256) < 80 : sheet.alpha(256, 256) > 175);
     }
 
     void tileSeamsDoNotShow_data() {
@@ -157,45 +167,6 @@ private Q_SLOTS:
         QCOMPARE(firstDifference(*painted(16, 32), *painted(156, 156)), QString());
     }
 
-    void lowFlowBuildsUp() {
-        BrushSettings brush = plainBrush(16);
-        brush.flow = 0.1;
-        Sheet sheet;
-        sheet.paint(line(40, 60, 200, 60), brush);
-        QVERIFY2(sheet.alpha(120, 60) > 60 && sheet.alpha(120, 60) < 250,
-                 qPrintable(QString::number(sheet.alpha(120, 60))));
-    }
-
-    void aSoftDabFadesOut() {
-        Sheet sheet;
-        sheet.dab(250.5, 200.5, softBrush(160));
-        for (int64_t x = 252; x < 330; ++x) {
-            // Next to the centre and to the edge the slope is less than a step of a byte.
-            const bool isSteep = x > 260 && x < 325;
-            const int drop = sheet.alpha(x - 1, 200) - sheet.alpha(x, 200);
-            QVERIFY2(isSteep ? drop > 0 : drop >= 0, qPrintable(QString::number(x)));
-            QCOMPARE(sheet.alpha(x, 200), sheet.alpha(500 - x, 200)); // and the same to the other side
-        }
-        QCOMPARE(sheet.alpha(250, 200), 255);
-        QCOMPARE(sheet.alpha(331, 200), 0);
-    }
-
-    void anEraserTakesPaintAwayUnderItself() {
-        Sheet sheet;
-        sheet.fill({200, 100, 50, 255});
-        sheet.layer().alphaLocked = true; // no protection against an eraser
-        sheet.dab(100, 100, plainBrush(20, BrushKind::erase));
-        QCOMPARE(sheet.pixel(100, 100), PixelBytes{});
-        sheet.forEachPixel([&](int64_t x, int64_t y, const PixelBytes& p) {
-            if (std::hypot(double(x) - 99.5, double(y) - 99.5) > 11.5)
-                QCOMPARE(p, (PixelBytes{200, 100, 50, 255}));
-        });
-        BrushSettings half = plainBrush(20, BrushKind::erase);
-        half.opacity = 0.5;
-        sheet.dab(300, 100, half);
-        QCOMPARE(sheet.pixel(300, 100), (PixelBytes{100, 50, 25, 128}));
-    }
-
     void pressureShapesTheDab() {
         BrushSettings brush = plainBrush(40);
         brush.pressureSize = true;
@@ -218,115 +189,7 @@ private Q_SLOTS:
         QCOMPARE(alphaAt(opacity, 0), 0);
         BrushSettings flow = plainBrush(40);
         flow.pressureFlow = true;
-        QCOMPARE(alphaAt(flow, 0.25), 64);
         QCOMPARE(alphaAt(flow, 0), 5); // a pen that only just touches still marks
-    }
-
-    void nothingIsPaintedOutsideTheSelection() {
-        for (double flow : {1.0, 0.3}) {
-            BrushSettings brush = plainBrush(60);
-            brush.flow = flow;
-            Sheet sheet;
-            sheet.doc.selection = stepped();
-            sheet.paint(line(200, 100, 500, 100), brush);
-            QCOMPARE(sheet.alpha(290, 100), 255);
-            QCOMPARE(sheet.alpha(310, 100), 128); // half selected: half the ceiling, however many dabs
-            sheet.forEachPixel([](int64_t x, int64_t, const PixelBytes& p) {
-                if (x >= 320) QCOMPARE(p, PixelBytes{});
-            });
-        }
-    }
-
-    void alphaLockKeepsEveryAlpha() {
-        for (const char* name : {"Soft Round", "Hard Round", "Charcoal", "Spray Can"}) {
-            Sheet sheet;
-            sheet.layer().load(*noise(600, 400, 11));
-            const auto before = sheet.layer().toBuffer();
-            sheet.layer().alphaLocked = true;
-            sheet.paint(line(40, 200, 560, 230), *BrushLibrary::named(QString::fromLatin1(name)),
-                        PaintColor::white());
-            int64_t changed = 0;
-            sheet.forEachPixel([&](int64_t x, int64_t y, const PixelBytes& p) {
-                const PixelBytes was = before->pixel(x, y);
-                QCOMPARE(p[3], was[3]);
-                for (std::size_t c = 0; c < 3; ++c) QVERIFY(p[c] <= p[3]);
-                changed += p != was;
-            });
-            QVERIFY(changed > 1000);
-        }
-        Sheet sheet;
-        sheet.fill({0, 50, 100, 100});
-        sheet.layer().alphaLocked = true;
-        sheet.dab(100, 100, plainBrush(20));
-        QCOMPARE(sheet.pixel(100, 100), (PixelBytes{100, 0, 0, 100}));
-    }
-
-    void fullCoverageWritesTheColourItself() {
-        Sheet sheet;
-        sheet.fill({12, 34, 56, 255});
-        for (int grey = 0; grey < 256; grey += 5) {
-            const auto byte = static_cast<uint8_t>(grey);
-            const auto other = static_cast<uint8_t>(255 - grey);
-            sheet.paint({{20.0 + 2 * grey, 100, 1}}, plainBrush(10), PaintColor::fromBytes(byte, 7, other));
-            QCOMPARE(sheet.pixel(20 + 2 * grey, 100), (PixelBytes{byte, 7, other, 255}));
-        }
-    }
-
-    void paintLiesOverWhatWasThereBefore() {
-        // Half of red over half-transparent blue, once, however many dabs it took.
-        BrushSettings brush = plainBrush(20);
-        brush.opacity = 0.5;
-        Sheet sheet;
-        sheet.fill({0, 0, 128, 128});
-        sheet.paint(line(100, 100, 300, 100), brush);
-        QCOMPARE(sheet.pixel(200, 100), (PixelBytes{128, 0, 64, 192}));
-    }
-
-    void aFlatTipIsAnEllipseAlongItsAngle() {
-        struct Row {
-            double angle;
-            IRect box;
-        };
-        BrushSettings brush = plainBrush(80);
-        brush.roundness = 0.25;
-        for (const Row& row :
-             {Row{0, {260, 190, 80, 20}}, Row{90, {290, 160, 20, 80}}, Row{180, {260, 190, 80, 20}}}) {
-            brush.angle = row.angle;
-            Sheet sheet;
-            sheet.dab(300, 200, brush);
-            const IRect got = *sheet.layer().contentBounds();
-            QVERIFY2(row.box.insetBy(1).intersection(got) == row.box.insetBy(1) &&
-                         row.box.insetBy(-1).intersection(got) == got,
-                     qPrintable(got.description()));
-        }
-        brush.angle = 45; // y grows downward: the tip leans from the upper left to the lower right
-        Sheet sheet;
-        sheet.dab(300, 200, brush);
-        QCOMPARE(sheet.alpha(322, 222), 255);
-        QCOMPARE(sheet.alpha(278, 178), 255);
-        QCOMPARE(sheet.alpha(322, 178) + sheet.alpha(278, 222), 0);
-    }
-
-    void thePaperShowsThroughAndStaysInPlace() {
-        BrushSettings brush = plainBrush(60);
-        brush.texture = 0.8;
-        Sheet first, second;
-        first.paint(line(60, 100, 500, 100), brush);
-        second.paint(line(500, 90, 60, 110), brush);
-        std::set<int> levels;
-        for (int64_t x = 60; x < 500; ++x) {
-            levels.insert(first.alpha(x, 100));
-            QCOMPARE(first.alpha(x, 100), second.alpha(x, 100));
-        }
-        QVERIFY(levels.size() > 60);
-        // Twice the scale: every grain of the paper is two pixels wide and high.
-        brush.textureScale = 2;
-        Sheet scaled;
-        scaled.paint(line(60, 100, 500, 100), brush);
-        for (int64_t x = 60; x < 250; x += 2) {
-            QCOMPARE(scaled.alpha(x, 100), scaled.alpha(x + 1, 101));
-            QCOMPARE(scaled.alpha(2 * x / 2, 100), scaled.alpha(x, 101));
-        }
     }
 
     void sprayStaysInItsCircle() {
@@ -343,35 +206,17 @@ private Q_SLOTS:
                  qPrintable(QString::number(full.paintedPixels())));
         double farthest = 0;
         int64_t inner = 0;
-        std::array<int, 4> quarters{};
         full.forEachPixel([&](int64_t x, int64_t y, const PixelBytes& p) {
             if (p[3] == 0) return;
             const double distance = std::hypot(double(x) + 0.5 - 300, double(y) + 0.5 - 200);
             farthest = std::max(farthest, distance);
             inner += distance < 25;
-            ++quarters[(x < 300 ? 0 : 1) + (y < 200 ? 0 : 2)];
         });
         QVERIFY2(farthest < 50 + 1.4 + 0.5 && farthest > 45, qPrintable(QString::number(farthest)));
         // As dense in the middle as elsewhere: a quarter of the area has a quarter of the paint.
         QVERIFY2(inner > full.paintedPixels() / 6 && inner < full.paintedPixels() / 3,
                  qPrintable(QString::number(inner)));
-        for (int count : quarters) QVERIFY(count > full.paintedPixels() / 8);
         QVERIFY(light.paintedPixels() > 0);
-    }
-
-    void jitterOnlyEverLowersTheCeiling() {
-        BrushSettings brush = plainBrush(20);
-        brush.spacing = 2;
-        brush.opacity = 0.6;
-        brush.opacityJitter = 0.5;
-        Sheet sheet;
-        sheet.paint(line(20, 200, 580, 200), brush);
-        std::set<int> levels;
-        for (int64_t x = 20; x <= 580; x += 40) {
-            QVERIFY(sheet.alpha(x, 200) <= 153 && sheet.alpha(x, 200) >= 76);
-            levels.insert(sheet.alpha(x, 200));
-        }
-        QVERIFY(levels.size() > 8);
     }
 
     void theDirtyRectangleHoldsAllThatChanged() {

@@ -85,33 +85,6 @@ private Q_SLOTS:
         QVERIFY(sheet.doc.takeDirtyTiles().empty());
     }
 
-    void smudgingDragsPaintAlong() {
-        TwoColours sheet;
-        sheet.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40));
-        const PixelBytes near = sheet.pixel(325, 200), far = sheet.pixel(350, 200);
-        QVERIFY2(near[1] < 200 && near[0] == 255 && near[3] == 255, qPrintable(text(near)));
-        QVERIFY2(far[1] > near[1], qPrintable(text(far))); // thins out on the way
-        QCOMPARE(sheet.pixel(360, 240), (PixelBytes{255, 255, 255, 255}));
-        // A strong finger carries its paint further than a weak one.
-        TwoColours weak;
-        weak.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40, 0.2));
-        QVERIFY(weak.pixel(335, 200)[1] > sheet.pixel(335, 200)[1]);
-        // Paint goes where there was none, and nothing comes over paint.
-        TwoColours open({0, 0, 0, 0});
-        open.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40));
-        QVERIFY(open.pixel(320, 200)[3] > 100);
-        TwoColours closing({0, 0, 0, 0});
-        closing.paint(line(330, 200, 250, 200, 2), tip(BrushKind::smudge, 40));
-        QVERIFY(closing.pixel(285, 200)[3] < 255);
-    }
-
-    void aSmudgeWithoutStrengthOnlyLooks() {
-        TwoColours sheet;
-        const uint64_t before = sheet.layer().fingerprint();
-        sheet.paint(line(280, 200, 360, 200, 2), tip(BrushKind::smudge, 40, 0));
-        QCOMPARE(sheet.layer().fingerprint(), before);
-    }
-
     void flatColourStaysFlat() {
         for (BrushKind kind : {BrushKind::smudge, BrushKind::blur}) {
             for (const PixelBytes& bytes : {PixelBytes{10, 100, 200, 255}, {3, 50, 77, 77}}) {
@@ -128,7 +101,7 @@ private Q_SLOTS:
         // The canvas's own edge counts as flat too, since it repeats itself outward.
         PaintDocument doc(600, 400, 72, std::nullopt);
         paintRect(doc, doc.layer(0), {0, 0, 600, 400}, {10, 100, 200, 255});
-        std::vector<const Tile*> before, after;
+        std::vector<const Tile*> before;
         const auto tiles = [&doc] {
             std::vector<const Tile*> list;
             doc.layer(0).tiles().forEachTile([&](int64_t, const Tile& tile) { list.push_back(&tile); });
@@ -149,11 +122,6 @@ private Q_SLOTS:
     void blurringSoftensAnEdge() {
         TwoColours sheet({0, 0, 0, 255});
         sheet.paint({{300, 200, 1}}, tip(BrushKind::blur, 60, 1));
-        for (int64_t x = 295; x < 305; ++x) {
-            QVERIFY2(sheet.pixel(x, 200)[0] < sheet.pixel(x - 1, 200)[0],
-                     qPrintable(text(sheet.pixel(x, 200))));
-            QCOMPARE(sheet.pixel(x, 200)[3], uint8_t{255});
-        }
         // The box has a radius of 6: the step becomes a straight ramp of 13 pixels, the same on both sides.
         QCOMPARE(sheet.pixel(293, 200), (PixelBytes{255, 0, 0, 255}));
         QCOMPARE(sheet.pixel(306, 200), (PixelBytes{0, 0, 0, 255}));
@@ -202,25 +170,30 @@ private Q_SLOTS:
                  qPrintable(QStringLiteral("%1 of %2").arg(half).arg(full)));
     }
 
-    void alphaLockKeepsEveryAlpha_data() { theSelectionHoldsBack_data(); }
-    void alphaLockKeepsEveryAlpha() {
+    void paintStaysPremultipliedAndLockedAlphaAsItWas_data() { theSelectionHoldsBack_data(); }
+    void paintStaysPremultipliedAndLockedAlphaAsItWas() {
         QFETCH(BrushKind, kind);
-        PaintDocument doc(600, 400, 72, std::nullopt);
-        doc.layer(0).load(*noise(600, 400, 31));
-        doc.layer(0).alphaLocked = true;
-        const auto before = doc.layer(0).toBuffer();
-        paintStroke(doc, line(40, 200, 560, 230), tip(kind, 60), PaintColor::black(), nullptr, 1);
-        const auto after = doc.layer(0).toBuffer();
-        int changed = 0;
-        for (int64_t y = 0; y < 400; ++y) {
-            for (int64_t x = 0; x < 600; ++x) {
-                const PixelBytes was = before->pixel(x, y), now = after->pixel(x, y);
-                QCOMPARE(now[3], was[3]);
-                for (std::size_t c = 0; c < 3; ++c) QVERIFY(now[c] <= now[3]);
-                changed += was != now;
+        for (const bool locked : {false, true}) {
+            PaintDocument doc(600, 400, 72, std::nullopt);
+            doc.layer(0).load(*noise(600, 400, 31));
+            doc.layer(0).alphaLocked = locked;
+            const auto before = doc.layer(0).toBuffer();
+            BrushSettings brush = tip(kind, 60);
+            brush.sizeJitter = 1; // dabs wider than the paint that the tip carries
+            brush.scatter = 0.5;
+            paintStroke(doc, line(-40, 20, 640, 380), brush, PaintColor::black(), nullptr, 1);
+            const auto after = doc.layer(0).toBuffer();
+            int changed = 0;
+            for (int64_t y = 0; y < 400; ++y) {
+                for (int64_t x = 0; x < 600; ++x) {
+                    const PixelBytes was = before->pixel(x, y), now = after->pixel(x, y);
+                    for (std::size_t c = 0; c < 3; ++c) QVERIFY2(now[c] <= now[3], qPrintable(text(now)));
+                    if (locked) QCOMPARE(now[3], was[3]);
+                    changed += was != now;
+                }
             }
+            QVERIFY(changed > 5000);
         }
-        QVERIFY(changed > 5000);
     }
 
     void aLockedTipCarriesItsPaintAcrossAGap() {
@@ -241,24 +214,6 @@ private Q_SLOTS:
             const std::vector<StrokePoint> at{{static_cast<double>(edge) + 0.5, 100, 1}};
             paintStroke(doc, at, tip(BrushKind::blur, 60, 1), PaintColor::black(), &doc.layer(0), 1);
             QCOMPARE(int(doc.layer(0).pixel(edge, 100)[0]), 118); // 7 of 13 are the black edge, 6 white
-        }
-    }
-
-    void paintStaysPremultiplied_data() { theSelectionHoldsBack_data(); }
-    void paintStaysPremultiplied() {
-        QFETCH(BrushKind, kind);
-        PaintDocument doc(600, 400, 72, std::nullopt);
-        doc.layer(0).load(*noise(600, 400, 32));
-        BrushSettings brush = tip(kind, 80);
-        brush.sizeJitter = 1; // dabs wider than the paint that the tip carries
-        brush.scatter = 0.5;
-        paintStroke(doc, line(-40, 20, 640, 380), brush, PaintColor::black(), nullptr, 1);
-        const auto after = doc.layer(0).toBuffer();
-        for (int64_t y = 0; y < 400; ++y) {
-            for (int64_t x = 0; x < 600; ++x) {
-                const PixelBytes p = after->pixel(x, y);
-                QVERIFY2(p[0] <= p[3] && p[1] <= p[3] && p[2] <= p[3], qPrintable(text(p)));
-            }
         }
     }
 };

@@ -52,15 +52,6 @@ private Q_SLOTS:
         QCOMPARE(listed, wanted);
     }
 
-    void strokesTouchWhatTheyShould() {
-        const auto dirty = [](const char* name) {
-            return paintZigzag(*BrushLibrary::named(QString::fromLatin1(name))).dirty;
-        };
-        QCOMPARE(dirty("Studio Pen"), (IRect{38, 58, 455, 185}));
-        QCOMPARE(dirty("Charcoal"), (IRect{32, 44, 468, 210}));
-        QCOMPARE(dirty("Spray Can"), (IRect{0, 9, 517, 282}));
-    }
-
     void thePaperIsTheSame() {
         const auto grain = PaperGrain::values();
         QCOMPARE(PaintEngine::fnv({reinterpret_cast<const uint8_t*>(grain.data()), grain.size_bytes()}),

@@ -83,40 +83,6 @@ private Q_SLOTS:
         QCOMPARE(int(got[3]), 255);
     }
 
-    void halfTransparentColoursMix_data() {
-        QTest::addColumn<BlendMode>("mode");
-        QTest::addColumn<PixelBytes>("backdrop");
-        QTest::addColumn<PixelBytes>("source");
-        QTest::addColumn<float>("opacity");
-        QTest::addColumn<PixelBytes>("result");
-        const PixelBytes half{30, 75, 120, 128};
-        const PixelBytes halfBackdrop{100, 50, 25, 128};
-        QTest::newRow("normal") << BlendMode::normal << kBackdrop << half << 1.f
-                                << PixelBytes{130, 125, 145, 255};
-        QTest::newRow("multiply") << BlendMode::multiply << kBackdrop << half << 1.f
-                                  << PixelBytes{123, 79, 49, 255};
-        QTest::newRow("screen") << BlendMode::screen << kBackdrop << half << 1.f
-                                << PixelBytes{206, 146, 147, 255};
-        QTest::newRow("over half") << BlendMode::multiply << halfBackdrop << kSource << 1.f
-                                   << PixelBytes{54, 104, 143, 255};
-        QTest::newRow("opacity") << BlendMode::normal << kBackdrop << kSource << .5f
-                                 << PixelBytes{130, 125, 145, 255};
-        QTest::newRow("over nothing") << BlendMode::subtract << PixelBytes{} << half << 1.f << half;
-        QTest::newRow("nothing over it")
-            << BlendMode::subtract << kBackdrop << PixelBytes{} << 1.f << kBackdrop;
-        QTest::newRow("opacity 0") << BlendMode::hue << kBackdrop << kSource << 0.f << kBackdrop;
-    }
-    void halfTransparentColoursMix() {
-        QFETCH(BlendMode, mode);
-        QFETCH(PixelBytes, backdrop);
-        QFETCH(PixelBytes, source);
-        QFETCH(float, opacity);
-        QFETCH(PixelBytes, result);
-        const PixelBytes got = Compositor::blendBytes(backdrop, source, mode, opacity);
-        QVERIFY2(distance(got, result) <= 2, qPrintable(text(got)));
-        QCOMPARE(got[3], result[3]);
-    }
-
     void everyPixelIsThatOfTheFormula_data() { allModes(); }
     void everyPixelIsThatOfTheFormula() {
         QFETCH(BlendMode, mode);

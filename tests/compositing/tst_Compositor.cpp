@@ -85,33 +85,6 @@ class tst_Compositor : public QObject {
 private Q_SLOTS:
     void cleanup() { useInstructionSet({}); }
 
-    void everyModeIsThatOfTheReference_data() {
-        QTest::addColumn<BlendMode>("mode");
-        QTest::addColumn<bool>("clipping");
-        for (const BlendModeRow& row : kBlendModes) {
-            QTest::addRow("%s", row.id) << row.mode << false;
-            QTest::addRow("%s, clipped", row.id) << row.mode << true;
-        }
-    }
-    void everyModeIsThatOfTheReference() {
-        QFETCH(BlendMode, mode);
-        QFETCH(bool, clipping);
-        SeededRandom random(5 + static_cast<uint64_t>(mode));
-        std::vector<CompositeInput> stack{noiseInput(random, false), noiseInput(random, false),
-                                          noiseInput(random, false)};
-        stack[1].mode = mode; // as the base of a group, or for itself
-        stack[2].mode = mode;
-        stack[2].clipping = clipping;
-        for (float opacity : {1.0f, 0.4f}) {
-            for (bool tinted : {false, true}) {
-                stack[1].opacity = opacity;
-                stack[2].opacity = 1.3f - opacity;
-                stack[2].tint = tinted ? std::optional(Tint{0.1f, 0.7f, 0.3f, 0.75f}) : std::nullopt;
-                QCOMPARE(tileDifference(stack), QString());
-            }
-        }
-    }
-
     void randomStacksAreThoseOfTheReference_data() {
         QTest::addColumn<QString>("instructions");
         for (const std::string& name : instructionSets()) QTest::addRow("%s", name.c_str()) << name.c_str();
@@ -159,28 +132,6 @@ private Q_SLOTS:
         }
     }
 
-    void malformedPixelsNeverBreakTheFormat() {
-        // Colour far above alpha, as a damaged file may hold it, doubles with each layer.
-        TileArray tiles(1);
-        auto tile = std::make_shared<Tile>();
-        SeededRandom random(3);
-        for (int i = 0; i < kTileBytes; ++i) {
-            tile->writablePixels()[i] =
-                static_cast<uint8_t>(i % 4 == 3 ? 1 + random.next() % 3 : random.next());
-        }
-        tiles.set(0, std::move(tile));
-        for (const BlendModeRow& row : kBlendModes) {
-            std::vector<CompositeInput> stack(200, {.tiles = tiles, .mode = row.mode});
-            for (std::size_t i = 100; i < stack.size(); ++i) stack[i].mode = BlendMode(i % kBlendModeCount);
-            std::vector<uint8_t> out(kTileBytes);
-            QVERIFY(Compositor::compositeTile(0, stack, out.data()));
-            bool premultiplied = true;
-            for (std::size_t i = 0; i < out.size(); ++i)
-                premultiplied = premultiplied && out[i] <= out[i | 3];
-            QVERIFY(premultiplied);
-        }
-    }
-
     /// Over paper the loops leave out what they would multiply by 0 and 1: also where colours have grown beyond all
     /// numbers.
     void malformedPixelsOverPaperAreThoseOfTheReference() {
@@ -205,27 +156,6 @@ private Q_SLOTS:
         QCOMPARE(tileDifference(stack), QString());
     }
 
-    void nothingVisibleGivesNothing() {
-        SeededRandom random(1);
-        CompositeInput hidden = noiseInput(random, false), transparent = noiseInput(random, false),
-                       absent = noiseInput(random, true), clipped = noiseInput(random, false);
-        hidden.visible = false;
-        transparent.opacity = 0;
-        clipped.clipping = true;
-        const std::vector<CompositeInput> stacks[] = {{},
-                                                      {hidden},
-                                                      {transparent},
-                                                      {absent},
-                                                      {hidden, clipped, clipped},
-                                                      {absent, clipped},
-                                                      {transparent, clipped}};
-        for (const auto& stack : stacks) {
-            std::vector<uint8_t> out(kTileBytes, 77);
-            QVERIFY(!Compositor::compositeTile(0, stack, out.data()));
-            QCOMPARE(out, std::vector<uint8_t>(kTileBytes));
-        }
-    }
-
     void aClippedLayerShowsOnlyInsideTheLayerBelow() {
         const QString red = text(kRed), white = QStringLiteral("255,255,255,255");
         const auto doc = clippedPicture();
@@ -248,13 +178,6 @@ private Q_SLOTS:
         // A clipped layer's mode acts against its base, not against what lies below.
         doc->layer(3).blendMode = BlendMode::multiply;
         QCOMPARE(pixelAt(*doc, 30, 30), text(kBlack));
-    }
-
-    void aClippedLayerAtTheBottomIsABase() {
-        PaintDocument doc(10, 10, 72, {});
-        doc.fillLayer(doc.activeLayer(), PaintColor(1, 0, 0));
-        doc.activeLayer().isClipping = true;
-        QCOMPARE(pixelAt(doc, 5, 5), text(kRed));
     }
 
     void overlayOnPaperHasItsKnownFingerprint() {

@@ -93,13 +93,6 @@ private Q_SLOTS:
         QVERIFY(shown(*doc) != plain);
     }
 
-    void aSingleLayerShowsAsItIs() {
-        PaintDocument doc(9, 9, 72, {});
-        doc.activeLayer().blendMode = BlendMode::multiply;
-        doc.onion.enabled = true;
-        QCOMPARE(compositeInputs(doc, ForDisplay::yes)[0].mode, BlendMode::multiply);
-    }
-
     void aTintLeavesTheCoverageAlone() {
         const auto doc = animation("Sketch");
         doc->setActiveIndex(0);

@@ -59,12 +59,6 @@ private Q_SLOTS:
         QCOMPARE(text(compositePixel(doc, 0, -1)), QStringLiteral("0,0,0,0"));
     }
 
-    void sizesBelowOneAreRaised() {
-        PaintDocument doc(0, -5, 72, {});
-        QCOMPARE(doc.grid(), TileGrid(1, 1));
-        QCOMPARE(doc.layerCount(), 1);
-    }
-
     void aDocumentOfPartsIsChecked() {
         QCOMPARE(names(PaintDocument(5, 5, 72, {}, 0)), QStringList{"Layer 1"});
         const auto layer = std::make_shared<Layer>("a", TileGrid(5, 5));
@@ -108,24 +102,6 @@ private Q_SLOTS:
         doc.markDirty({255, 255, 2, 2});
         QCOMPARE(doc.takeDirtyTiles(), (std::vector<int64_t>{0, 1, 2, 3, 4}));
         QVERIFY(doc.takeDirtyTiles().empty());
-    }
-
-    void theFingerprintSeesSizeOrderAndSettings() {
-        const auto make = [] { return randomDocument(300, 200, 3, 8); };
-        const uint64_t plain = make()->fingerprint();
-        QCOMPARE(make()->fingerprint(), plain);
-        const auto changed = [&](auto change) {
-            const auto doc = make();
-            change(*doc);
-            return doc->fingerprint() != plain;
-        };
-        QVERIFY(changed([](PaintDocument& d) { moveLayer(d, 0, 1); }));
-        QVERIFY(changed([](PaintDocument& d) { d.layer(1).isVisible = !d.layer(1).isVisible; }));
-        QVERIFY(!changed([](PaintDocument& d) { d.setActiveIndex(0); }));
-        QVERIFY(!changed([](PaintDocument& d) { d.onion.enabled = true; }));
-        QVERIFY(!changed([](PaintDocument& d) { d.commit("nothing"); }));
-        QVERIFY(PaintDocument(300, 200, 72, {}).fingerprint() !=
-                PaintDocument(200, 300, 72, {}).fingerprint());
     }
 
     void aHugeBlankPictureCostsNothing() {

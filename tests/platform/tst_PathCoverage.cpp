@@ -174,12 +174,6 @@ private Q_SLOTS:
         QCOMPARE(int(hole[5 * 16 + 5]), 0);
     }
 
-    void halfAPixelIsHalfCovered() {
-        const auto mask = covered(rectangle(1.5, 1, 2, 1), Antialias::yes, 6, 3);
-        QCOMPARE(std::vector<uint8_t>(mask.begin() + 6, mask.begin() + 12),
-                 (std::vector<uint8_t>{0, 128, 255, 128, 0, 0}));
-    }
-
     void theBandsOfATallMaskDoNotShow() {
         // The same outline on both sides of row 1024, where a new band begins.
         const QPainterPath shape = randomTangle(77, 30);
@@ -204,12 +198,6 @@ private Q_SLOTS:
             const auto none = covered(nothing, Antialias::yes, 30, 30);
             QVERIFY(std::all_of(none.begin(), none.end(), [](uint8_t byte) { return byte == 0; }));
         }
-    }
-
-    void theLargestCanvasIsCoveredToItsCorner() {
-        const auto mask = covered(rectangle(29990, 29990, 10, 10), Antialias::yes, 30000, 30000);
-        QCOMPARE(int(mask.back()), 255);
-        QCOMPARE(std::count(mask.end() - 12 * 30000, mask.end(), 255), 100);
     }
 };
 

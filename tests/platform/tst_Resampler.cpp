@@ -128,17 +128,6 @@ private Q_SLOTS:
         }
     }
 
-    void aQuarterTurnThatEndsBetweenPixelsIsStillACopy() {
-        const auto source = noise(8, 5, 3);
-        const auto out = drawn(*source, turned(*source, QPointF(20, 20.5), 90, 1, 1), {0, 0, 40, 40});
-        int64_t copied = 0;
-        for (int64_t y = 0; y < 8; ++y) {
-            for (int64_t x = 0; x < 5; ++x)
-                copied += out->pixel(17 + x, 16 + y) == source->pixel(y, 4 - x); // 17.5 to 22.5, 16.5 to 24.5
-        }
-        QCOMPARE(copied, 40);
-    }
-
     void otherTransformsFollowTheFilter_data() {
         QTest::addColumn<QTransform>("transform");
         QTest::addColumn<double>("tolerance");
@@ -200,93 +189,19 @@ private Q_SLOTS:
         }
     }
 
-    void aFineCheckerboardShrinksToGray_data() {
-        QTest::addColumn<double>("degrees");
-        QTest::addColumn<double>("scale");
-        for (double degrees : {0.0, 30.0, 45.0, 90.0}) {
-            for (double scale : {0.4, 0.1, 0.0317})
-                QTest::addRow("%g x %g", degrees, scale) << degrees << scale;
-        }
-    }
     void aFineCheckerboardShrinksToGray() {
-        QFETCH(double, degrees);
-        QFETCH(double, scale);
         const auto board = gray(1000, 1000, [](int64_t x, int64_t y) { return (x + y) % 2 * 255; });
-        const auto out =
-            drawn(*board, turned(*board, QPointF(10.3, 10.1), degrees, scale, scale), {0, 0, 20, 20});
-        for (int64_t y = 4; y < 16; ++y) {
-            for (int64_t x = 4; x < 16; ++x) {
-                const PixelBytes pixel = out->pixel(x, y);
-                QCOMPARE(int(pixel[3]), 255);
-                QVERIFY2(std::abs(pixel[0] - 127) <= 2, qPrintable(text(pixel)));
-            }
-        }
-    }
-
-    void edgesOnTransparencyKeepTheirColor() {
-        SeededRandom random(8);
-        for (const PixelBytes& color : {PixelBytes{200, 90, 30, 255}, PixelBytes{100, 45, 15, 128}}) {
-            const auto source = picture(40, 40, [&](int64_t x, int64_t y) {
-                return x >= 8 && y >= 8 && x < 32 && y < 32 ? color : PixelBytes{};
-            });
-            for (int i = 0; i < 20; ++i) {
-                const double scale = 0.3 + 2 * random.unit(), degrees = i % 2 ? 360 * random.unit() : 0;
-                const auto out = drawn(*source, turned(*source, QPointF(50.2, 50.7), degrees, scale, scale),
-                                       {0, 0, 100, 100});
-                QCOMPARE(out->pixel(50, 50), color);
-                for (int64_t y = 0; y < 100; ++y) {
-                    for (int64_t x = 0; x < 100; ++x) {
+        for (double degrees : {0.0, 30.0, 90.0}) {
+            for (double scale : {0.4, 0.0317}) {
+                const auto out =
+                    drawn(*board, turned(*board, QPointF(10.3, 10.1), degrees, scale, scale), {0, 0, 20, 20});
+                for (int64_t y = 4; y < 16; ++y) {
+                    for (int64_t x = 4; x < 16; ++x) {
                         const PixelBytes pixel = out->pixel(x, y);
-                        for (std::size_t c = 0; c < 3; ++c) {
-                            const double wanted = double(pixel[3]) * color[c] / color[3];
-                            QVERIFY2(std::fabs(pixel[c] - wanted) <= 1, qPrintable(text(pixel)));
-                        }
+                        QVERIFY2(pixel[3] == 255 && std::abs(pixel[0] - 127) <= 2, qPrintable(text(pixel)));
                     }
                 }
             }
-        }
-    }
-
-    void noColorIsAboveItsAlpha() {
-        const auto source = noise(64, 64, 12);
-        for (double degrees : {0.0, 33.0}) {
-            for (double scale : {0.45, 0.9, 3.0}) {
-                const auto out =
-                    drawn(*source, turned(*source, QPointF(60, 60), degrees, scale, scale), {0, 0, 120, 120});
-                for (int64_t i = 0; i < 120 * 120; ++i) {
-                    const uint8_t* p = out->data() + i * 4;
-                    QVERIFY(p[0] <= p[3] && p[1] <= p[3] && p[2] <= p[3]);
-                }
-            }
-        }
-    }
-
-    void finePatternsStaySharpNearTheirOwnSize() {
-        // Stripes of two pixels lose a quarter of their contrast to a bilinear filter, and more to a softer one.
-        const auto stripes = gray(200, 200, [](int64_t x, int64_t) { return x % 4 < 2 ? 20 : 220; });
-        for (double degrees : {0.0, 2.0}) {
-            for (double scale : {0.97, 1.0, 1.04}) {
-                const auto out =
-                    drawn(*stripes, turned(*stripes, QPointF(100.3, 100.2), degrees, scale, scale),
-                          {70, 70, 60, 60});
-                std::vector<int> values;
-                for (int64_t i = 0; i < 3600; ++i) values.push_back(out->data()[i * 4]);
-                std::sort(values.begin(), values.end());
-                QVERIFY2(values[3600 * 9 / 10] - values[3600 / 10] > 180,
-                         qPrintable(QString::number(values[3240] - values[360])));
-            }
-        }
-    }
-
-    void aTurnThereAndBackIsNearlyTheSame() {
-        const auto source = gray(120, 120, [](int64_t x, int64_t y) {
-            return int(127 + 60 * std::sin(double(x) / 5) + 60 * std::cos(double(y) / 4));
-        });
-        const auto there = drawn(*source, turned(*source, QPointF(100, 100), 33, 1, 1), {0, 0, 200, 200});
-        const auto back = drawn(*there, turned(*there, QPointF(60, 60), -33, 1, 1), {0, 0, 120, 120});
-        for (int64_t y = 5; y < 115; ++y) {
-            for (int64_t x = 5; x < 115; ++x)
-                QVERIFY(std::abs(back->pixel(x, y)[0] - source->pixel(x, y)[0]) <= 4);
         }
     }
 
