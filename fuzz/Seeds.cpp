@@ -6,7 +6,6 @@
 #include "formats/palettes/PaletteLibrary.h"
 #include "formats/pictures/ImageExport.h"
 #include "formats/psd/PSDFile.h"
-#include "platform/ReadFile.h"
 #include "support/NativeFiles.h"
 #include "support/PictureFiles.h"
 #include "support/Pictures.h"
@@ -106,9 +105,7 @@ Files pictures() {
     files.push_back(withJpegSegment(files[1], 0xE1, QByteArray("Exif\0\0", 6) + exif));
     files.push_back(cmykJpeg(QByteArray(64 * 4, 'k'), 8, 8, true));
     files.push_back(extendedWebP(written(image, "webp"), image.width(), image.height(), {}, exif));
-    for (const char* name : {"blocks.gif", "blocks.heic"}) {
-        files.push_back(readFile(QStringLiteral(QIRN_TEST_DATA "/") + QString::fromLatin1(name)));
-    }
+    for (const char* name : {"blocks.gif", "blocks.heic"}) files.push_back(testData(name));
     return files;
 }
 

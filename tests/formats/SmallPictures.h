@@ -9,8 +9,6 @@
 #include <optional>
 #include <vector>
 
-#include <QFile>
-
 namespace qirn::test {
 
 inline constexpr int kWidth = 48;
@@ -29,12 +27,6 @@ inline QImage blocks(bool hasAlpha = false) {
         }
     }
     return image;
-}
-
-inline QByteArray testData(const char* name) {
-    QFile file(QStringLiteral(QIRN_TEST_DATA "/") + QLatin1String(name));
-    if (!file.open(QIODevice::ReadOnly)) qFatal("no %s", name);
-    return file.readAll();
 }
 
 inline std::optional<DecodedPicture> decoded(const QByteArray& file) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include <QBuffer>
+#include <QFile>
 #include <QImageWriter>
 
 #include <jpeglib.h>
@@ -40,6 +41,12 @@ QByteArray riffChunk(const char* type, const QByteArray& body) {
 }
 
 } // namespace
+
+QByteArray testData(const char* name) {
+    QFile file(QStringLiteral(QIRN_TEST_DATA "/") + QLatin1String(name));
+    if (!file.open(QIODevice::ReadOnly)) qFatal("no %s", name);
+    return file.readAll();
+}
 
 QByteArray written(const QImage& image, const char* format) {
     QByteArray bytes;

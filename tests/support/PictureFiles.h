@@ -9,6 +9,9 @@ namespace qirn::test {
 
 // Picture files put together block by block, so that tests may say and lie what they like.
 
+/// The content of tests/data/`name`.
+QByteArray testData(const char* name);
+
 /// As Qt writes it, without loss where the format can.
 QByteArray written(const QImage& image, const char* format);
 
