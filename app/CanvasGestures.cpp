@@ -50,7 +50,7 @@ bool CanvasView::event(QEvent* event) {
             return true;
         }
     }
-    if (event->type() == QEvent::WindowDeactivate) endStroke();
+    if (event->type() == QEvent::WindowDeactivate) inputLost();
     return QWidget::event(event);
 }
 
@@ -60,20 +60,17 @@ bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
                       QPointingDevice::PointerType::Eraser);
     } else if (watched == qApp && event->type() == QEvent::TabletLeaveProximity) {
         // A pen that leaves has let go, even when its release was lost.
-        if (penDown_) {
-            penDown_ = false;
-            endStroke();
-            dropGesture();
-        }
+        if (std::exchange(penDown_, false)) endGesture();
         penEndChanged(false);
     }
     return QWidget::eventFilter(watched, event);
 }
 
 void CanvasView::penEndChanged(bool eraser) {
-    if (!model_.prefs().tabletEraserSwitches || eraser == model_.penIsEraser || stroke_) return;
-    model_.penIsEraser = eraser;
-    if (eraser) {
+    const bool erases = eraser && model_.prefs().tabletEraserSwitches;
+    if (erases == model_.penIsEraser || stroke_) return;
+    model_.penIsEraser = erases;
+    if (erases) {
         if (model_.tool() != Tool::eraser) {
             toolBeforeEraserTip_ = model_.tool();
             model_.setTool(Tool::eraser);
@@ -95,7 +92,6 @@ void CanvasView::tabletEvent(QTabletEvent* event) {
     sample.tiltY = event->yTilt();
     sample.time = secondsOf(*event, now());
     sample.modifiers = event->modifiers() | keysHeld_;
-    lastPenTime_ = now();
     // The end of the pen is read from each event: without a vendor's driver no proximity is ever told.
     if (!penDown_) penEndChanged(event->pointerType() == QPointingDevice::PointerType::Eraser);
     switch (event->type()) {
@@ -117,13 +113,18 @@ void CanvasView::tabletEvent(QTabletEvent* event) {
     default:
         break;
     }
+    lastPenTime_ = now(); // the echo comes after the painting
 }
 
-std::optional<PenSample> CanvasView::mouseSample(const QMouseEvent& event) const {
-    const bool follows = penDown_ || event.source() != Qt::MouseEventNotSynthesized ||
+std::optional<PenSample> CanvasView::mouseSample(const QMouseEvent& event) {
+    const bool follows = event.source() != Qt::MouseEventNotSynthesized ||
                          event.pointingDevice()->type() == QInputDevice::DeviceType::Stylus ||
                          now() - lastPenTime_ < kMouseAfterPen;
     if (follows) return std::nullopt;
+    // A hand that presses a mouse has put the pen away, whose release got lost.
+    if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick)
+        penDown_ = false;
+    if (penDown_) return std::nullopt;
     PenSample sample;
     sample.view = toView(event.position());
     sample.time = secondsOf(event, now());
@@ -132,10 +133,12 @@ std::optional<PenSample> CanvasView::mouseSample(const QMouseEvent& event) const
 }
 
 void CanvasView::mousePressEvent(QMouseEvent* event) {
-    if (const auto sample = mouseSample(*event); sample && event->button() == Qt::LeftButton)
-        press(*sample);
-    else if (sample && event->button() == Qt::MiddleButton && drag_ == Drag::none)
-        beginPan(*sample);
+    const auto sample = mouseSample(*event);
+    if (!sample) return;
+    if (event->button() == Qt::LeftButton) press(*sample);
+    if (event->button() != Qt::MiddleButton) return;
+    if (!event->buttons().testFlag(Qt::LeftButton)) endGesture();
+    if (drag_ == Drag::none) beginPan(*sample);
 }
 
 void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -148,7 +151,9 @@ void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
 void CanvasView::mouseMoveEvent(QMouseEvent* event) {
     const auto sample = mouseSample(*event);
     if (!sample) return;
-    event->buttons() == Qt::NoButton ? hover(*sample) : drag(*sample);
+    if (event->buttons() != Qt::NoButton) return drag(*sample);
+    endGesture();
+    hover(*sample);
 }
 
 void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
@@ -166,10 +171,7 @@ void CanvasView::leaveEvent(QEvent*) {
 }
 
 void CanvasView::focusOutEvent(QFocusEvent* event) {
-    // Keys and buttons let go elsewhere are never told.
-    endStroke();
-    keysHeld_ = {};
-    setSpaceDown(false);
+    inputLost();
     QWidget::focusOutEvent(event);
 }
 
@@ -197,7 +199,10 @@ void CanvasView::wheelEvent(QWheelEvent* event) {
 
 void CanvasView::press(const PenSample& sample) {
     setFocus(Qt::MouseFocusReason);
-    if (!session_ || drag_ != Drag::none) return;
+    if (!session_) return;
+    endGesture(); // one whose release got lost
+    model_.commitOpacity();
+    lastSample_ = sample;
     const QPointF c = canvasPoint(sample.view);
     dragStart_ = dragCurrent_ = c;
     dragStartView_ = sample.view;
@@ -228,6 +233,7 @@ void CanvasView::press(const PenSample& sample) {
 void CanvasView::beginPan(const PenSample& sample) {
     if (!session_) return;
     drag_ = Drag::pan;
+    lastSample_ = sample;
     dragStartView_ = sample.view;
     panStart_ = session_->view.pan;
     updateMouseCursor();
@@ -235,6 +241,7 @@ void CanvasView::beginPan(const PenSample& sample) {
 
 void CanvasView::drag(const PenSample& sample) {
     if (!session_) return;
+    lastSample_ = sample;
     lastMouseView_ = sample.view;
     dragCurrent_ = canvasPoint(sample.view);
     const QPointF way = sample.view - dragStartView_;
@@ -261,7 +268,10 @@ void CanvasView::drag(const PenSample& sample) {
 void CanvasView::release(const PenSample& sample) {
     const Drag ended = std::exchange(drag_, Drag::none);
     if (!session_) return;
-    if (ended == Drag::paint) endStroke();
+    if (ended == Drag::paint) {
+        if (waiting_) beginLine(*std::exchange(waiting_, std::nullopt), shapedPressureOf(sample));
+        endStroke();
+    }
     if (ended == Drag::tool) {
         dragCurrent_ = canvasPoint(sample.view);
         releaseTool(sample);
@@ -274,6 +284,17 @@ void CanvasView::hover(const PenSample& sample) {
     lastMouseView_ = sample.view;
     updateCursor(sample.view);
     reportCursor(sample.view, 0);
+}
+
+void CanvasView::endGesture() {
+    if (drag_ != Drag::none) release(lastSample_);
+}
+
+void CanvasView::inputLost() {
+    penDown_ = false;
+    endGesture();
+    keysHeld_ = {};
+    setSpaceDown(false);
 }
 
 void CanvasView::dropGesture() {
@@ -296,17 +317,18 @@ void CanvasView::sampleColor(QPointF canvasPoint) {
 
 // --- Strokes
 
-StrokePoint CanvasView::strokePoint(const PenSample& sample) {
-    const QPointF c = canvasPoint(sample.view);
+double CanvasView::shapedPressureOf(const PenSample& sample) {
     double raw = 1;
     if (sample.fromPen)
         raw = sample.pressure;
     else if (model_.prefs().mouseSpeedPressure)
-        raw = speedPressure_.next(sample.time, sample.view);
-    speedPressure_.follow(sample.time, sample.view);
-    lastEventPoint_ = sample.view;
-    return StrokePoint(c.x(), c.y(), shapedPressure(raw, model_.prefs().pressureCurve), sample.tiltX,
-                       sample.tiltY, sample.time);
+        raw = speedPressure_.next(sample.time, sample.view / pixelRatio());
+    return shapedPressure(raw, model_.prefs().pressureCurve);
+}
+
+StrokePoint CanvasView::strokePoint(const PenSample& sample, double pressure) const {
+    const QPointF c = canvasPoint(sample.view);
+    return StrokePoint(c.x(), c.y(), pressure, sample.tiltX, sample.tiltY, sample.time);
 }
 
 bool CanvasView::beginStroke(const PenSample& sample) {
@@ -329,8 +351,23 @@ bool CanvasView::beginStroke(const PenSample& sample) {
         std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.primary(), strokeSeed());
     updateAntsTimer();
     perfSamples_.clear();
-    speedPressure_.follow(sample.time, sample.view);
-    const StrokePoint point = strokePoint(sample);
+    lastEventPoint_ = sample.view;
+    if (sample.fromPen || !model_.prefs().mouseSpeedPressure) {
+        beginLine(sample, shapedPressureOf(sample));
+    } else {
+        // Nobody knows yet how fast the hand is: at rest it would begin each line with a full blob.
+        speedPressure_.follow(sample.time, sample.view / pixelRatio());
+        waiting_ = sample;
+    }
+    if (settings.airbrush || settings.spray) {
+        lastHold_ = now();
+        holdTimer_.start();
+    }
+    return true;
+}
+
+void CanvasView::beginLine(const PenSample& sample, double pressure) {
+    const StrokePoint point = strokePoint(sample, pressure);
     const double start = now();
     if (sample.modifiers.testFlag(Qt::ShiftModifier) && lastStrokeEnd_) {
         stroke_->add(StrokePoint(lastStrokeEnd_->x(), lastStrokeEnd_->y(), point.pressure, 0, 0, point.time));
@@ -338,17 +375,15 @@ bool CanvasView::beginStroke(const PenSample& sample) {
     stroke_->add(point);
     flush();
     perfSamples_.push_back((now() - start) * 1000);
-    if (settings.airbrush || settings.spray) {
-        lastHold_ = now();
-        holdTimer_.start();
-    }
     reportCursor(sample.view, point.pressure);
-    return true;
 }
 
 void CanvasView::addToStroke(const PenSample& sample) {
     if (!stroke_) return;
-    const StrokePoint point = strokePoint(sample);
+    const double pressure = shapedPressureOf(sample);
+    if (waiting_) beginLine(*std::exchange(waiting_, std::nullopt), pressure);
+    const StrokePoint point = strokePoint(sample, pressure);
+    lastEventPoint_ = sample.view;
     const double start = now();
     stroke_->add(point);
     flush();
@@ -357,8 +392,15 @@ void CanvasView::addToStroke(const PenSample& sample) {
     reportCursor(sample.view, point.pressure);
 }
 
+void CanvasView::beginWaitingLine() {
+    if (!waiting_) return;
+    const double pressure = shapedPressure(SpeedPressure::kAtRest, model_.prefs().pressureCurve);
+    beginLine(*std::exchange(waiting_, std::nullopt), pressure);
+}
+
 void CanvasView::holdTick() {
     if (!stroke_) return holdTimer_.stop();
+    beginWaitingLine();
     const double time = now();
     stroke_->hold(time - std::exchange(lastHold_, time));
     scheduleFlush();
@@ -366,6 +408,7 @@ void CanvasView::holdTick() {
 
 void CanvasView::cancelStroke() {
     holdTimer_.stop();
+    waiting_.reset();
     if (stroke_ && session_) {
         stroke_.reset();
         session_->doc().revertToLastCommit();
@@ -383,6 +426,7 @@ void CanvasView::endStroke() {
     holdTimer_.stop();
     if (!stroke_ || !session_) return;
     if (drag_ == Drag::paint) drag_ = Drag::none;
+    beginWaitingLine();
     const double start = now();
     stroke_->end();
     flush();

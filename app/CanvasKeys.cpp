@@ -110,10 +110,9 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
         model_.clearLayer();
         return true;
     case Qt::Key_Escape:
-        if (model_.transform()) {
-            dropGesture();
+        if (model_.transform())
             model_.cancelTransform();
-        } else if (drag_ == Drag::none)
+        else if (drag_ == Drag::none)
             model_.deselect();
         else if (drag_ == Drag::paint)
             cancelStroke();

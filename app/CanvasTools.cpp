@@ -145,7 +145,7 @@ QPainterPath CanvasView::selectionBox(Qt::KeyboardModifiers modifiers) const {
     }
     const QRectF box = QRectF(dragStart_, to).normalized();
     QPainterPath path;
-    if (model_.tool() == Tool::selectEllipse)
+    if (gesture_->tool == Tool::selectEllipse) // the model's tool may be another by now
         path.addEllipse(box);
     else
         path.addRect(IRect::covering(box).rectF()); // outward to whole pixels
@@ -189,7 +189,7 @@ void CanvasView::releaseLasso(const PenSample& sample) {
 void CanvasView::commitSelection(const QPainterPath& path, Qt::KeyboardModifiers modifiers) {
     SelectionOp op = model_.options().selectionMode;
     const bool option = modifiers.testFlag(Qt::AltModifier);
-    const bool shiftAdds = model_.tool() == Tool::lasso && modifiers.testFlag(Qt::ShiftModifier);
+    const bool shiftAdds = gesture_->tool == Tool::lasso && modifiers.testFlag(Qt::ShiftModifier);
     if (modifiers.testFlag(Qt::ControlModifier))
         op = option ? SelectionOp::intersect : SelectionOp::add;
     else if (shiftAdds)

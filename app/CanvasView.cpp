@@ -115,9 +115,8 @@ QPointF CanvasView::viewPoint(QPointF canvasPoint) const {
 // --- Sessions
 
 void CanvasView::showSession(DocSession& session) {
-    if (session_ && session_ != &session) endStroke();
+    endGesture();
     if (session_) session_->doc().onGridChange = nullptr;
-    dropGesture();
     session_ = &session;
     const auto rebuild = [this] {
         presentation_.show(&session_->doc());
@@ -133,8 +132,7 @@ void CanvasView::showSession(DocSession& session) {
 
 void CanvasView::forgetSession(const DocSession& session) {
     if (session_ != &session) return;
-    endStroke();
-    dropGesture();
+    endGesture();
     session_->doc().onGridChange = nullptr;
     session_ = nullptr;
     presentation_.show(nullptr);
@@ -206,6 +204,7 @@ void CanvasView::updateAntsTimer() {
 }
 
 void CanvasView::prefsChanged() {
+    penEndChanged(model_.penIsEraser);
     presentation_.setCheckerSize(model_.prefs().checkerSize);
     updateCursor(std::nullopt);
     update();

@@ -47,6 +47,7 @@ public:
     void brushChanged(); ///< The ring follows.
     bool isBusy() const; ///< A stroke is in progress.
     void endStroke();    ///< Ends and commits the stroke in progress, if any.
+    void endGesture();   ///< Whatever drag is in progress, as if it were let go where it last was.
 
     // The view.
     DocSession* session() const { return session_; }
@@ -96,20 +97,24 @@ private:
     enum class Drag { none, paint, pan, zoomDrag, tool };
 
     // Gestures (CanvasGestures.cpp).
-    std::optional<PenSample> mouseSample(const QMouseEvent& event) const; ///< Nothing for a pen's echo.
+    std::optional<PenSample> mouseSample(const QMouseEvent& event); ///< Nothing for a pen's echo.
     void press(const PenSample& sample);
     void beginPan(const PenSample& sample);
     void drag(const PenSample& sample);
     void release(const PenSample& sample);
     void hover(const PenSample& sample);
     void dropGesture();
+    void inputLost(); ///< What is let go from now on is not told here.
     bool beginStroke(const PenSample& sample);
+    void beginLine(const PenSample& sample, double pressure); ///< The stroke's first dab, shaped pressure.
+    void beginWaitingLine(); ///< With the pressure of a hand at rest, if the line still waits for one.
     void addToStroke(const PenSample& sample);
     void holdTick();
     void cancelStroke(); ///< As if it had not been begun.
     void sampleColor(QPointF canvasPoint);
     void penEndChanged(bool eraser);
-    StrokePoint strokePoint(const PenSample& sample);
+    double shapedPressureOf(const PenSample& sample);
+    StrokePoint strokePoint(const PenSample& sample, double pressure) const; ///< Shaped pressure.
     double now() const; ///< Seconds of a clock that never goes back.
 
     // The tools that do not paint with a brush (CanvasTools.cpp).
@@ -174,8 +179,11 @@ private:
     std::unique_ptr<BrushStroke> stroke_;
     Tool strokeTool_ = Tool::brush;
     QTimer holdTimer_;
+    std::optional<PenSample>
+        waiting_; // a stroke's press, whose pressure the way to what comes next will tell
     double lastHold_ = 0;
     std::optional<QPointF> lastStrokeEnd_; // canvas
+    PenSample lastSample_;                 // of the drag in progress
     QPointF dragStart_;                    // canvas
     QPointF dragStartView_;
     QPointF dragCurrent_; // canvas

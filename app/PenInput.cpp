@@ -5,17 +5,17 @@
 
 namespace qirn {
 
-void SpeedPressure::follow(double time, QPointF view) {
+void SpeedPressure::follow(double time, QPointF point) {
     time_ = time;
-    view_ = view;
+    point_ = point;
 }
 
-double SpeedPressure::next(double time, QPointF view) {
+double SpeedPressure::next(double time, QPointF point) {
     const double dt = std::max(time - time_, 0.001);
-    const QPointF way = view - view_;
-    const double speed = std::hypot(way.x(), way.y()) / dt; // view points a second
-    follow(time, view);
-    return std::max(std::min(1.2 - speed / 2500, 1.0), 0.15);
+    const QPointF way = point - point_;
+    const double speed = std::hypot(way.x(), way.y()) / dt; // points a second
+    follow(time, point);
+    return std::max(std::min(1.2 - speed / 2500, kAtRest), 0.15);
 }
 
 double shapedPressure(double raw, double curve) {

@@ -16,17 +16,20 @@ struct PenSample {
     int clicks = 1;
 };
 
-/// Pressure made of a mouse's speed: fast is thin.
+/// Pressure made of a mouse's speed: fast is thin. Points are logical ones, so that the same hand draws the same line
+/// on any display.
 class SpeedPressure {
 public:
     /// Takes the event as the latest one without asking for a pressure.
-    void follow(double time, QPointF view);
+    void follow(double time, QPointF point);
     /// 0.15 to 1.0, by the way from the latest event, which this one then is.
-    double next(double time, QPointF view);
+    double next(double time, QPointF point);
+
+    static constexpr double kAtRest = 1;
 
 private:
     double time_ = 0;
-    QPointF view_;
+    QPointF point_;
 };
 
 /// The pressure that reaches the brush: clamped to 0 to 1, then raised to the preference's exponent.

@@ -48,10 +48,6 @@ protected:
     }
 };
 
-uint64_t layerPrint(Studio& studio) {
-    return studio.layer().fingerprint();
-}
-
 } // namespace
 
 class tst_CanvasView : public QObject {
@@ -69,7 +65,9 @@ private Q_SLOTS:
     void theEraserEndErasesAndGivesTheToolBack_data();
     void theEraserEndErasesAndGivesTheToolBack();
     void lockedAndHiddenLayersRefuseInWords();
-    void aLostReleaseEndsTheStroke();
+    void aLostReleaseEndsTheGesture_data();
+    void aLostReleaseEndsTheGesture();
+    void aMouseLineBeginsAsThinAsItIsFast();
     void undoDuringAStrokeTakesTheStrokeBack();
     void escapeDropsTheStroke();
     void shiftClickDrawsAStraightLine();
@@ -223,13 +221,21 @@ void tst_CanvasView::aMouseThatFollowsAPenPaintsNothing() {
 
 void tst_CanvasView::theEraserEndErasesAndGivesTheToolBack_data() {
     QTest::addColumn<bool>("proximity");
-    QTest::newRow("told by proximity") << true;
-    QTest::newRow("told by the events alone") << false;
+    QTest::addColumn<bool>("turnedOff");
+    QTest::newRow("told by proximity") << true << false;
+    QTest::newRow("told by the events alone") << false << false;
+    QTest::newRow("turned off while it is near") << false << true;
 }
 
 void tst_CanvasView::theEraserEndErasesAndGivesTheToolBack() {
     QFETCH(bool, proximity);
+    QFETCH(bool, turnedOff);
     Studio studio;
+    const auto setEraserEnd = [&](bool on) {
+        PaintPrefs prefs = studio.model.prefs();
+        prefs.tabletEraserSwitches = on;
+        studio.model.setPrefs(prefs);
+    };
     studio.model.setActiveBrush(dot(30));
     studio.penStroke({{100, 100}});
     const auto near = [&](QEvent::Type type, bool eraser) {
@@ -251,9 +257,14 @@ void tst_CanvasView::theEraserEndErasesAndGivesTheToolBack() {
     QCOMPARE(studio.doc().undoName(), QStringLiteral("Erase"));
     if (proximity)
         near(QEvent::TabletLeaveProximity, true);
+    else if (turnedOff)
+        setEraserEnd(false);
     else
         studio.penEvent(QEvent::TabletMove, {100, 100}, 0, false);
     QCOMPARE(studio.model.tool(), Tool::brush);
+    QVERIFY(!studio.model.penIsEraser);
+    if (!turnedOff) return;
+    studio.penEvent(QEvent::TabletMove, {100, 100}, 0, true);
     QVERIFY(!studio.model.penIsEraser);
 }
 
@@ -273,20 +284,91 @@ void tst_CanvasView::lockedAndHiddenLayersRefuseInWords() {
     QVERIFY(!studio.canvas.isBusy());
 }
 
-void tst_CanvasView::aLostReleaseEndsTheStroke() {
-    Studio studio;
-    studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
-    QVERIFY(studio.canvas.isBusy());
-    QFocusEvent out(QEvent::FocusOut);
-    QApplication::sendEvent(&studio.canvas, &out);
-    QVERIFY(!studio.canvas.isBusy());
-    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
-    // What still comes of that pen paints nothing more.
-    const uint64_t print = layerPrint(studio);
-    studio.penEvent(QEvent::TabletMove, {150, 150}, 1);
-    studio.penEvent(QEvent::TabletRelease, {150, 150}, 0);
-    QCOMPARE(layerPrint(studio), print);
-    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+void tst_CanvasView::aLostReleaseEndsTheGesture_data() {
+    QTest::addColumn<Tool>("tool");
+    QTest::addColumn<bool>("pen");
+    for (const bool pen : {true, false}) {
+        QTest::addRow("stroke, %s", pen ? "pen" : "mouse") << Tool::brush << pen;
+        QTest::addRow("shape, %s", pen ? "pen" : "mouse") << Tool::shape << pen;
+        QTest::addRow("selection, %s", pen ? "pen" : "mouse") << Tool::selectRect << pen;
+    }
+}
+
+void tst_CanvasView::aLostReleaseEndsTheGesture() {
+    QFETCH(Tool, tool);
+    QFETCH(bool, pen);
+    // What comes in place of the release; of the moves that still come of that hand nothing is drawn.
+    void (*const ends[])(Studio&) = {
+        [](Studio& s) {
+            QFocusEvent out(QEvent::FocusOut);
+            QApplication::sendEvent(&s.canvas, &out);
+        },
+        [](Studio& s) {
+            QEvent out(QEvent::WindowDeactivate);
+            QApplication::sendEvent(&s.canvas, &out);
+        },
+        [](Studio& s) { s.model.copy(Merged::no); },
+    };
+    for (const auto& end : ends) {
+        Studio studio;
+        studio.model.setTool(tool);
+        const auto send = [&](QEvent::Type penType, QEvent::Type mouseType, QPointF at) {
+            pen ? studio.penEvent(penType, at, 1) : studio.mouseEvent(mouseType, at);
+        };
+        const auto dragged = [&](QPointF from, QPointF to) {
+            send(QEvent::TabletPress, QEvent::MouseButtonPress, from);
+            send(QEvent::TabletMove, QEvent::MouseMove, to);
+            return studio.doc().undoDepth();
+        };
+        QCOMPARE(dragged({50, 50}, {90, 80}), int64_t{0});
+        end(studio);
+        QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+        const uint64_t print = studio.doc().fingerprint();
+        send(QEvent::TabletMove, QEvent::MouseMove, {150, 150});
+        send(QEvent::TabletRelease, QEvent::MouseButtonRelease, {150, 150});
+        QCOMPARE(studio.doc().fingerprint(), print);
+        QCOMPARE(dragged({50, 100}, {90, 130}), int64_t{1});
+        QCOMPARE(dragged({100, 100}, {130, 140}), int64_t{2}); // another press, without a release before it
+        send(QEvent::TabletRelease, QEvent::MouseButtonRelease, {130, 140});
+        QCOMPARE(studio.doc().undoDepth(), int64_t{3});
+        dragged({10, 10}, {40, 40});
+        studio.waitForPenEcho();
+        studio.mouseDrag({150, 20}, {190, 60}); // the pen lies on the table
+        QCOMPARE(studio.doc().undoDepth(), int64_t{5});
+    }
+}
+
+void tst_CanvasView::aMouseLineBeginsAsThinAsItIsFast() {
+    const auto heightAt = [](double way, double time, double x) {
+        Studio studio;
+        PaintPrefs prefs = studio.model.prefs();
+        prefs.mouseSpeedPressure = true;
+        studio.model.setPrefs(prefs);
+        BrushSettings brush = dot(40);
+        brush.pressureSize = true;
+        brush.minSize = 0;
+        studio.model.setActiveBrush(brush);
+        const auto send = [&](QEvent::Type type, double at, uint64_t milliseconds) {
+            const QPointF place = studio.widgetPoint({at, 150});
+            const bool up = type == QEvent::MouseButtonRelease;
+            QMouseEvent event(type, place, studio.canvas.mapToGlobal(place),
+                              type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                              up ? Qt::NoButton : Qt::LeftButton, {});
+            event.setTimestamp(milliseconds);
+            QApplication::sendEvent(&studio.canvas, &event);
+        };
+        send(QEvent::MouseButtonPress, 100, 1000);
+        if (x > 100) send(QEvent::MouseMove, 100 + way, 1000 + static_cast<uint64_t>(time));
+        send(QEvent::MouseButtonRelease, 100 + way, 1000 + static_cast<uint64_t>(time));
+        int64_t height = 0;
+        for (int64_t y = 0; y < 300; ++y) height += studio.layer().pixel(static_cast<int64_t>(x), y)[3] > 127;
+        return height;
+    };
+    for (const double x : {100, 150}) { // begun and going on
+        QVERIFY(std::abs(heightAt(100, 40, x) - 8) <= 1);
+        QVERIFY(std::abs(heightAt(100, 100, x) - 32) <= 1);
+    }
+    QVERIFY(std::abs(heightAt(0, 500, 100) - 40) <= 1); // a click
 }
 
 void tst_CanvasView::undoDuringAStrokeTakesTheStrokeBack() {
