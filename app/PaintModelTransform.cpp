@@ -3,8 +3,6 @@
 
 #include "CanvasView.h"
 
-#include <cmath>
-
 namespace qirn {
 
 void PaintModel::beginTransform() {
@@ -46,6 +44,7 @@ void PaintModel::updateTransform(const std::function<void(TransformState&)>& cha
 void PaintModel::applyTransform() {
     DocSession* session = current();
     if (!transform_ || !session) return;
+    if (canvas_) canvas_->endGesture();
     const TransformState state = *transform_;
     transform_.reset();
     PaintDocument& doc = session->doc();
@@ -54,10 +53,8 @@ void PaintModel::applyTransform() {
         doc.layer(*index).alphaLocked = transformLockedAlpha_;
     if (doc.selection) {
         // Moved pixels keep their selection; a mask cannot follow a scale or a turn.
-        const QPointF way = state.translation();
-        doc.selection = state.isTranslation()
-                            ? doc.selection->offsetBy(std::llround(way.x()), std::llround(way.y()))
-                            : nullptr;
+        const auto [dx, dy] = state.wholeWay();
+        doc.selection = state.isTranslation() ? doc.selection->offsetBy(dx, dy) : nullptr;
     }
     doc.commit(tr("Transform"));
     afterChange(*session);
@@ -66,6 +63,7 @@ void PaintModel::applyTransform() {
 void PaintModel::cancelTransform() {
     DocSession* session = current();
     if (!transform_ || !session) return;
+    if (canvas_) canvas_->endGesture();
     transform_.reset();
     session->doc().revertToLastCommit();
     afterChange(*session);

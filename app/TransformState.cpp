@@ -30,7 +30,7 @@ double TransformState::height() const {
 
 QTransform TransformState::matrix() const {
     QTransform t;
-    t.translate(center.x(), center.y());
+    t.translate(shownCenter().x(), shownCenter().y());
     t.rotate(angle);
     t.scale(flipH ? -scaleX : scaleX, flipV ? -scaleY : scaleY);
     t.translate(-width() / 2, -height() / 2);
@@ -49,13 +49,20 @@ QPointF TransformState::topMiddle() const {
 }
 
 QPointF TransformState::rotateHandle(double distance) const {
-    const QPointF arm = topMiddle() - center;
+    const QPointF arm = topMiddle() - shownCenter();
     const double divisor = length(arm) < 1 ? 1 : length(arm);
     return topMiddle() + arm / divisor * distance;
 }
 
-QPointF TransformState::translation() const {
-    return center - floating->origin.rectF().center();
+TransformState::WholeWay TransformState::wholeWay() const {
+    const QPointF way = center - floating->origin.rectF().center();
+    return {std::llround(way.x()), std::llround(way.y())};
+}
+
+QPointF TransformState::shownCenter() const {
+    if (!isTranslation()) return center;
+    const auto [dx, dy] = wholeWay();
+    return floating->origin.rectF().center() + QPointF(static_cast<double>(dx), static_cast<double>(dy));
 }
 
 TransformState scaledBy(const TransformState& base, QPointF from, QPointF to, bool freeAxes) {

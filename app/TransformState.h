@@ -2,6 +2,7 @@
 #include "operations/Floating.h"
 
 #include <array>
+#include <cstdint>
 #include <memory>
 
 #include <QPointF>
@@ -12,7 +13,9 @@ namespace qirn {
 /// Lifted pixels on their way to another place: what the Move tool's handles change. Canvas coordinates, y down.
 struct TransformState {
     std::shared_ptr<const Floating> floating;
-    QPointF center; ///< Of the box.
+    QPointF
+        center; ///< Of the box, as exactly as the hand has it; while the pixels are only moved they lie whole
+                ///< pixels from where they were.
     double scaleX = 1;
     double scaleY = 1;
     double angle = 0; ///< Degrees, clockwise on an unturned screen.
@@ -31,7 +34,11 @@ struct TransformState {
     QPointF rotateHandle(double distance) const;
     /// Moved only: neither scaled, turned nor flipped.
     bool isTranslation() const { return scaleX == 1 && scaleY == 1 && angle == 0 && !flipH && !flipV; }
-    QPointF translation() const; ///< From where the pixels were lifted.
+    struct WholeWay {
+        int64_t dx, dy;
+    };
+    WholeWay wholeWay() const;   ///< From where the pixels were lifted, to the nearest whole pixel.
+    QPointF shownCenter() const; ///< Where pixels, box and handles have their middle.
 };
 
 inline constexpr double kLeastTransformScale = 0.01;
