@@ -137,6 +137,8 @@ public:
     void afterChange(DocSession& session);
     void undo();
     void redo();
+    bool canUndo() const; ///< Undo would take something back: floating pixels, a previewed opacity or a step.
+    bool canRedo() const;
     void addLayer();
     void duplicateLayer();
     void deleteLayer();
@@ -156,8 +158,9 @@ public:
     void toggleAlphaLock();
     void toggleVisibility();
     void setActiveLayer(int64_t index);
-    void previewOpacity(int64_t index, double opacity); ///< Live, while a slider moves.
-    void commitOpacity();                               ///< Its one undo step.
+    /// Live, while a slider moves: shown, and in no step before `commitOpacity` or whatever else comes next.
+    void previewOpacity(int64_t index, double opacity);
+    void commitOpacity(); ///< The one undo step of what was previewed; none where nothing was.
     void setOnion(const std::function<void(OnionSkin&)>& change);
     void toggleOnion();
 
@@ -202,7 +205,9 @@ Q_SIGNALS:
 private:
     bool copyPicture(Merged merged);
     std::optional<QPoint> placeOfCopy(const RGBABuffer& buffer) const;
-    void finishGesture(); ///< No command runs in the middle of a stroke or a transform: they end first.
+    /// Makes steps of whatever is on the picture and in none yet, be it the gesture of a pen, a previewed opacity or
+    /// floating pixels: no command runs in the middle of them.
+    void finishGesture();
     void toggleActive(const QString& name, bool Layer::*flag);
     void loadState();
     void applyPrefs();
@@ -230,8 +235,13 @@ private:
     QUuid paletteID_; // of the current palette
     ToolOptions options_;
     std::optional<TransformState> transform_;
-    bool transformLockedAlpha_ = false;   // the layer's alpha lock, set aside while its pixels float
-    std::optional<IRect> lastCopyOrigin_; // where the latest copy was taken, canvas pixels
+    bool transformLockedAlpha_ = false; // the layer's alpha lock, set aside while its pixels float
+    struct OpacityPreview {
+        QUuid layer;
+        double before;
+    };
+    std::optional<OpacityPreview> opacityPreview_; // of the current picture
+    std::optional<IRect> lastCopyOrigin_;          // where the latest copy was taken, canvas pixels
     PaintPrefs prefs_;
     std::optional<QString> hud_;
     CanvasStatus status_;

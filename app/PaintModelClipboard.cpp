@@ -34,7 +34,7 @@ bool hasAlpha(const RGBABuffer& buffer) {
 
 void PaintModel::copy(Merged merged) {
     if (Clipboard::doneInTextField(Clipboard::TextAction::copy)) return;
-    if (canvas_) canvas_->endStroke();
+    if (canvas_) canvas_->endGesture();
     copyPicture(merged);
 }
 

@@ -9,10 +9,13 @@
 #include "operations/Reshape.h"
 #include "operations/Stamp.h"
 
+#include <algorithm>
+
 namespace qirn {
 
 void PaintModel::finishGesture() {
-    if (canvas_) canvas_->endStroke();
+    if (canvas_) canvas_->endGesture();
+    commitOpacity();
     applyTransform();
 }
 
@@ -50,12 +53,25 @@ void PaintModel::undo() {
 
 void PaintModel::redo() {
     DocSession* session = current();
-    if (canvas_) canvas_->endStroke();
+    if (canvas_) canvas_->endGesture();
+    commitOpacity();
     const std::optional<QString> name = session ? session->doc().redoName() : std::nullopt;
     if (!name) return desktop_.beep();
+    // A step put back under floating pixels would have them on the picture twice.
+    if (transform_) return cancelTransform();
     session->doc().redo();
     afterChange(*session);
     flash(tr("Redo %1").arg(*name));
+}
+
+bool PaintModel::canUndo() const {
+    const DocSession* session = current();
+    return session && (transform_ || opacityPreview_ || session->doc().canUndo());
+}
+
+bool PaintModel::canRedo() const {
+    const DocSession* session = current();
+    return session && !opacityPreview_ && session->doc().canRedo();
 }
 
 // --- Layers
@@ -106,6 +122,11 @@ void PaintModel::mergeDown() {
 }
 
 void PaintModel::mergeVisible() {
+    const DocSession* session = current();
+    if (!session) return;
+    const auto& layers = session->doc().layers();
+    const auto visible = [](const LayerRef& layer) { return layer->isVisible; };
+    if (std::count_if(layers.begin(), layers.end(), visible) < 2) return;
     edit(tr("Merge Visible"), [](PaintDocument& doc) { qirn::mergeVisible(doc); });
 }
 
@@ -162,13 +183,26 @@ void PaintModel::setActiveLayer(int64_t index) {
 void PaintModel::previewOpacity(int64_t index, double opacity) {
     const DocSession* session = current();
     if (!session || index < 0 || index >= session->doc().layerCount()) return;
-    session->doc().layer(index).opacity = opacity;
-    session->doc().markAllDirty();
+    PaintDocument& doc = session->doc();
+    if (!opacityPreview_ || opacityPreview_->layer != doc.layer(index).id) {
+        finishGesture();
+        opacityPreview_ = {doc.layer(index).id, doc.layer(index).opacity};
+    }
+    doc.layer(index).opacity = opacity;
+    doc.markAllDirty();
     if (canvas_) canvas_->refresh(CanvasView::AllTiles::no);
+    announce();
 }
 
 void PaintModel::commitOpacity() {
-    edit(tr("Layer Opacity"), [](PaintDocument&) {});
+    DocSession* session = current();
+    if (!opacityPreview_ || !session) return;
+    const OpacityPreview preview = *std::exchange(opacityPreview_, std::nullopt);
+    PaintDocument& doc = session->doc();
+    const auto index = doc.indexOf(preview.layer);
+    if (!index || doc.layer(*index).opacity == preview.before) return announce();
+    doc.commit(tr("Layer Opacity"));
+    afterChange(*session);
 }
 
 void PaintModel::setOnion(const std::function<void(OnionSkin&)>& change) {

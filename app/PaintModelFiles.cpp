@@ -85,6 +85,7 @@ void PaintModel::add(SessionRef session) {
 }
 
 void PaintModel::addRecovered(SessionRef session) {
+    finishGesture();
     const bool replaces = sessions_.size() == 1 && sessions_.front()->fileURL.isEmpty() &&
                           !sessions_.front()->isDirty() && sessions_.front()->doc().undoDepth() == 0;
     if (replaces) {
@@ -137,7 +138,7 @@ void PaintModel::open(const QString& path) {
 bool PaintModel::save(DocSession* session, SaveAs as) {
     if (!session) session = current();
     if (!session) return false;
-    finishGesture();
+    if (session == current()) finishGesture();
     QString path = session->fileURL.toLocalFile();
     if (as == SaveAs::yes || session->fileURL.isEmpty()) {
         const auto chosen = desktop_.saveFile(
@@ -184,7 +185,8 @@ void PaintModel::exportPicture(ExportFormat format, double jpegQuality, const Pa
 // --- Close and quit
 
 bool PaintModel::close(DocSession& session) {
-    finishGesture();
+    const bool wasCurrent = current() == &session;
+    if (wasCurrent) finishGesture();
     if (!session.isDirty()) {
         Recovery::discard(session.id, Recovery::MoveToTrash::no);
     } else {
@@ -200,12 +202,13 @@ bool PaintModel::close(DocSession& session) {
             Recovery::discard(session.id, Recovery::MoveToTrash::yes);
         }
     }
-    const bool wasCurrent = current() == &session;
     remove(session);
     TileMemory::trim();
-    if (wasCurrent) currentID_ = sessions_.empty() ? QUuid() : sessions_.back()->id;
-    ensureDocument();
-    showOnCanvas(*current());
+    if (wasCurrent) {
+        currentID_ = sessions_.empty() ? QUuid() : sessions_.back()->id;
+        ensureDocument();
+        showOnCanvas(*current());
+    }
     announce();
     return true;
 }

@@ -120,9 +120,8 @@ void HeaderBar::refresh() {
         if (cameUp)
             QTimer::singleShot(0, tabs_[i], [this, tab = tabs_[i]] { strip_->ensureWidgetVisible(tab); });
     }
-    const DocSession* session = model_.current();
-    undo_->setEnabled(session && session->doc().canUndo());
-    redo_->setEnabled(session && session->doc().canRedo());
+    undo_->setEnabled(model_.canUndo());
+    redo_->setEnabled(model_.canRedo());
 }
 
 bool HeaderBar::eventFilter(QObject* watched, QEvent* event) {

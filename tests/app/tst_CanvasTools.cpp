@@ -39,11 +39,13 @@ private Q_SLOTS:
     void shapesAreDrawnInTheirColours();
     void lockedLayersRefuseEveryTool();
     void ellipsesAndLassosSelect();
+    void aDragKeepsTheToolThatBeganIt();
     void aLassoOfTwoPointsIsAClick();
+    void movedPixelsKeepTheirBytesAndTheirSelection_data();
     void movedPixelsKeepTheirBytesAndTheirSelection();
     void aTransformIsOneUndoStep_data();
     void aTransformIsOneUndoStep();
-    void escapeAndUndoPutPixelsBack();
+    void escapeUndoAndRedoPutPixelsBack();
     void handlesScaleAndTurn();
     void arrowsNudge();
     void nothingToMoveIsTold();
@@ -186,6 +188,16 @@ void tst_CanvasTools::ellipsesAndLassosSelect() {
     QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 60, 60}));
 }
 
+void tst_CanvasTools::aDragKeepsTheToolThatBeganIt() {
+    Studio studio;
+    studio.model.setTool(Tool::selectRect);
+    studio.mouseEvent(QEvent::MouseButtonPress, {20, 20});
+    studio.key(Qt::Key_O, QStringLiteral("o"));
+    studio.mouseEvent(QEvent::MouseButtonRelease, {80, 60});
+    QCOMPARE(studio.model.tool(), Tool::selectEllipse);
+    QCOMPARE(int(studio.doc().selection->value(21, 21)), 255); // the corner of a box
+}
+
 void tst_CanvasTools::aLassoOfTwoPointsIsAClick() {
     Studio studio;
     studio.model.selectAll();
@@ -194,28 +206,56 @@ void tst_CanvasTools::aLassoOfTwoPointsIsAClick() {
     QVERIFY(!studio.doc().selection);
 }
 
+void tst_CanvasTools::movedPixelsKeepTheirBytesAndTheirSelection_data() {
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<QPointF>("way");
+    QTest::newRow("whole pixels") << 1.0 << QPointF(9, 6);
+    QTest::newRow("between pixels") << 1.37 << QPointF(8.73, 5.61);
+    QTest::newRow("halves, to and fro") << 2.0 << QPointF(0.5, -1.5);
+}
+
 void tst_CanvasTools::movedPixelsKeepTheirBytesAndTheirSelection() {
+    QFETCH(double, zoom);
+    QFETCH(QPointF, way);
     Studio studio;
     studio.layer().load(*noise(400, 300, 9));
+    for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbours
+        for (uint8_t x = 0; x < 40; ++x)
+            paintRect(studio.doc(), studio.layer(), {100 + x, 80 + y, 1, 1},
+                      {static_cast<uint8_t>(x * 97), static_cast<uint8_t>(y * 61), 9, 255});
+    }
     studio.doc().commit(QStringLiteral("Noise"));
     const auto before = studio.layer().toBuffer();
     QPainterPath path;
     path.addRect(100, 80, 40, 30);
     studio.doc().selection = Selection::make(path, SelectionOp::replace, nullptr, 400, 300, Antialias::yes);
+    studio.canvas.setZoom(zoom);
     studio.model.setTool(Tool::move);
-    studio.mouseDrag({110, 90}, {217, 163});
-    QVERIFY(studio.model.transform());
-    QCOMPARE(studio.layer().pixel(120, 90)[3], uint8_t{0}); // they float
-    studio.key(Qt::Key_Return);
-    QVERIFY(!studio.model.transform());
-    QCOMPARE(studio.doc().selection->bounds(), (IRect{207, 153, 40, 30}));
+    QPointF hand(110, 90);
+    for (int i = 0; i < 12; ++i) {
+        studio.mouseDrag(hand, hand + way);
+        hand += way;
+        QVERIFY(studio.model.transform());
+        const QPointF corner = studio.model.transform()->corners()[0];
+        QCOMPARE(studio.layer().pixel(static_cast<int64_t>(corner.x()) + 20,
+                                      static_cast<int64_t>(corner.y()) + 10)[3],
+                 uint8_t{0}); // they float
+        const QRect inside =
+            QRectF(studio.widgetPoint(corner + QPointF(8, 4)), studio.widgetPoint(corner + QPointF(32, 26)))
+                .toRect();
+        const QImage floating = studio.canvas.grab(inside).toImage();
+        studio.key(Qt::Key_Return);
+        QVERIFY(!studio.model.transform());
+        QCOMPARE(studio.doc().selection->bounds().rectF().topLeft(), corner);
+        if (zoom == 1) QCOMPARE(studio.canvas.grab(inside).toImage(), floating); // shown where it lands
+    }
+    const IRect now = studio.doc().selection->bounds();
     for (int64_t y = 0; y < 30; ++y) {
         for (int64_t x = 0; x < 40; ++x) {
-            const PixelBytes moved = before->pixel(100 + x, 80 + y);
-            if (moved[3] == 255) QCOMPARE(studio.layer().pixel(207 + x, 153 + y), moved);
+            QCOMPARE(studio.layer().pixel(now.x + x, now.y + y), before->pixel(100 + x, 80 + y));
         }
     }
-    studio.model.undo();
+    while (studio.doc().undoDepth() > 1) studio.model.undo();
     QCOMPARE(firstDifference(*studio.layer().toBuffer(), *before), QString());
 }
 
@@ -257,21 +297,31 @@ void tst_CanvasTools::aTransformIsOneUndoStep() {
     QCOMPARE(studio.doc().undoDepth(), int64_t{2});
 }
 
-void tst_CanvasTools::escapeAndUndoPutPixelsBack() {
+void tst_CanvasTools::escapeUndoAndRedoPutPixelsBack() {
     Studio studio;
     paintSquare(studio);
     const uint64_t print = studio.doc().fingerprint();
-    for (const bool escape : {true, false}) {
+    const auto floats = [&](QPointF to) {
         studio.model.setTool(Tool::move);
-        studio.mouseDrag({110, 90}, {160, 120});
-        QVERIFY(studio.doc().fingerprint() != print);
-        if (escape)
-            studio.key(Qt::Key_Escape);
-        else
-            studio.model.undo();
+        studio.mouseEvent(QEvent::MouseButtonPress, {110, 90});
+        studio.mouseEvent(QEvent::MouseMove, to); // not let go yet
+        return studio.model.transform().has_value();
+    };
+    QVERIFY(floats({160, 120}));
+    studio.model.redo(); // nothing to redo: they stay where they are
+    QVERIFY(studio.desktop.beeps == 1 && studio.model.transform());
+    studio.model.cancelTransform();
+    studio.model.selectAll();
+    studio.model.undo();
+    void (*const ways[])(Studio&) = {[](Studio& s) { s.key(Qt::Key_Escape); },
+                                     [](Studio& s) { s.model.undo(); }, [](Studio& s) { s.model.redo(); }};
+    for (const auto& way : ways) {
+        QVERIFY(floats({160, 120}) && studio.doc().fingerprint() != print);
+        way(studio);
+        studio.mouseEvent(QEvent::MouseMove, {200, 150}); // of a drag that is no more
         QVERIFY(!studio.model.transform());
         QCOMPARE(studio.doc().fingerprint(), print);
-        QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+        QVERIFY(studio.doc().undoDepth() == 1 && studio.doc().canRedo());
     }
 }
 

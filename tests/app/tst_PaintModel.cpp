@@ -50,12 +50,13 @@ private Q_SLOTS:
     void closingAsksAboutUnsavedWork();
     void quittingAsksForEachAndCanBeCancelled();
     void closingTheLastLeavesAFreshPicture();
+    void closingAnotherTabLeavesTheTransformFloating();
     void safetyCopiesAreWrittenAndRemoved();
     void theRecentListKeepsWhatItHolds();
 
     // Commands
     void layerCommandsAreUndoSteps();
-    void anOpacityDragIsOneStep();
+    void aPreviewedOpacityIsOneStepWhateverComesNext();
     void refusalsLeaveNoStep();
     void undoTellsWhatItDid();
 };
@@ -344,6 +345,19 @@ void tst_PaintModel::closingTheLastLeavesAFreshPicture() {
     QCOMPARE(studio.canvas.session(), &studio.session());
 }
 
+void tst_PaintModel::closingAnotherTabLeavesTheTransformFloating() {
+    Studio studio;
+    const SessionRef other = studio.model.sessions().front();
+    paintDot(studio);
+    studio.model.newDocument(50, 50, 72, std::nullopt, QStringLiteral("Two"));
+    paintDot(studio, 5);
+    studio.model.beginTransform();
+    studio.desktop.answers = {0};
+    studio.desktop.savePaths = {studio.path(QStringLiteral("other.qirnpaint"))};
+    QVERIFY(studio.model.close(*other) && studio.model.sessions().size() == 1);
+    QVERIFY(studio.model.transform() && studio.doc().undoDepth() == 1);
+}
+
 void tst_PaintModel::safetyCopiesAreWrittenAndRemoved() {
     Studio studio;
     const auto copies = [] { return Recovery::pending({}).size(); };
@@ -426,21 +440,56 @@ void tst_PaintModel::layerCommandsAreUndoSteps() {
     QCOMPARE(studio.doc().layerCount(), int64_t{2});
 }
 
-void tst_PaintModel::anOpacityDragIsOneStep() {
-    Studio studio;
-    paintDot(studio);
-    for (const double opacity : {0.9, 0.7, 0.4}) studio.model.previewOpacity(1, opacity);
-    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
-    studio.model.commitOpacity();
-    QCOMPARE(studio.doc().undoName(), QStringLiteral("Layer Opacity"));
-    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-    studio.model.undo();
-    QCOMPARE(studio.layer().opacity, 1.0);
+void tst_PaintModel::aPreviewedOpacityIsOneStepWhateverComesNext() {
+    const std::pair<const char*, void (*)(Studio&)> nexts[] = {
+        {"rest", [](Studio& s) { s.model.commitOpacity(); }},
+        {"undo", [](Studio& s) { s.model.undo(); }},
+        {"redo", [](Studio& s) { s.model.redo(); }},
+        {"a stroke",
+         [](Studio& s) {
+             s.penStroke({{50, 50}, {90, 90}});
+         }},
+        {"a stroke dropped",
+         [](Studio& s) {
+             s.penEvent(QEvent::TabletPress, {50, 50}, 1);
+             s.key(Qt::Key_Escape);
+         }},
+        {"a shape",
+         [](Studio& s) {
+             s.model.setTool(Tool::shape);
+             s.mouseDrag({50, 50}, {90, 90});
+         }},
+        {"floating pixels", [](Studio& s) { s.model.beginTransform(); }},
+        {"another layer", [](Studio& s) { s.model.setActiveLayer(0); }},
+        {"another layer's opacity", [](Studio& s) { s.model.previewOpacity(0, 0.5); }},
+        {"a command", [](Studio& s) { s.model.addLayer(); }},
+        {"another picture", [](Studio& s) { s.model.newCanvas(); }},
+    };
+    for (const auto& [name, next] : nexts) {
+        Studio studio;
+        paintDot(studio);
+        paintDot(studio, 40);
+        studio.model.beginTransform(); // ends with the first preview
+        studio.model.updateTransform([](TransformState& state) { state.center.rx() += 30; });
+        studio.model.previewOpacity(1, 1);
+        QCOMPARE(studio.doc().undoName(), QStringLiteral("Transform"));
+        const uint64_t before = studio.doc().fingerprint();
+        for (const double opacity : {0.7, 0.4}) studio.model.previewOpacity(1, opacity);
+        QVERIFY(studio.model.canUndo() && !studio.model.canRedo());
+        PaintDocument& doc = studio.doc();
+        next(studio);
+        while (doc.undoDepth() > 3) doc.undo();
+        QVERIFY2(doc.fingerprint() == before && doc.redoName() == QStringLiteral("Layer Opacity"), name);
+        studio.model.commitOpacity(); // as the slider has come to rest
+        QVERIFY2(doc.canRedo(), name);
+    }
 }
 
 void tst_PaintModel::refusalsLeaveNoStep() {
     Studio studio;
     studio.model.setActiveLayer(0);
+    studio.doc().layer(1).isVisible = false;
+    studio.model.mergeVisible();
     studio.model.mergeDown();
     QCOMPARE(studio.model.hud(), QStringLiteral("There is no layer below to merge into"));
     studio.model.moveLayerDown();

@@ -128,6 +128,11 @@ private Q_SLOTS:
         QVERIFY(!undo.isEnabled() && redo.isEnabled());
         w.click("headerRedo");
         QVERIFY(w.doc().fingerprint() != blank);
+        w.doc().resetHistory();
+        w.model.beginTransform(); // over a picture without steps
+        QVERIFY(undo.isEnabled());
+        w.click("headerUndo");
+        QVERIFY(!w.model.transform() && !undo.isEnabled());
     }
 
     void aLetterMeansTheCanvasUnlessItIsTyped() {

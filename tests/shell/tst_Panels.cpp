@@ -82,6 +82,17 @@ private Q_SLOTS:
         QVERIFY(qAbs(set - 0.25) < 0.02);
         QTest::mouseClick(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10}); // to where it is
         QCOMPARE(w.doc().undoDepth(), 1);
+        // Undo before the wheel has come to rest takes back the opacity, and nothing comes after it.
+        w.paint();
+        QWheelEvent wheel({5, 5}, slider.mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&slider, &wheel);
+        w.click("headerUndo");
+        QFocusEvent rest(QEvent::FocusOut);
+        QApplication::sendEvent(&slider, &rest);
+        QCOMPARE(w.doc().undoName().value_or(QString()), QStringLiteral("Brush Stroke"));
+        QCOMPARE(w.doc().redoName().value_or(QString()), QStringLiteral("Layer Opacity"));
+        w.model.undo();
         w.model.undo();
         QCOMPARE(slider.value(), 1.0);
     }
