@@ -46,6 +46,12 @@ HWY_INLINE bool both(bool a, bool b) {
 HWY_INLINE bool either(bool a, bool b) {
     return a || b;
 }
+HWY_INLINE bool anyOf(bool condition) {
+    return condition;
+}
+HWY_INLINE bool allOf(bool condition) {
+    return condition;
+}
 
 #if QIRN_PLAIN_TARGET
 
@@ -106,12 +112,6 @@ HWY_INLINE bool isZero(Words word) {
 }
 HWY_INLINE Words zeroWhere(bool condition, Words word) {
     return condition ? 0 : word;
-}
-HWY_INLINE bool anyOf(bool condition) {
-    return condition;
-}
-HWY_INLINE bool allOf(bool condition) {
-    return condition;
 }
 /// `doublesAt(i)` gives the doubles for the lanes from `i` on.
 template <class DoublesAt> HWY_INLINE Floats narrowedFrom(DoublesAt doublesAt) {
