@@ -10,9 +10,7 @@ namespace qirn {
 
 namespace {
 
-/// The best first, each a bit.
-std::vector<int64_t> targets() {
-    hwy::SetSupportedTargetsForTest(0);
+std::vector<int64_t> findTargets() {
     std::vector<int64_t> bits;
     for (int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1)
         bits.push_back(rest & -rest);
@@ -20,6 +18,12 @@ std::vector<int64_t> targets() {
     if (std::find(bits.begin(), bits.end(), HWY_STATIC_TARGET) == bits.end())
         bits.push_back(HWY_STATIC_TARGET);
     return bits;
+}
+
+/// The best first, each a bit. They are found before the first choice, which would hide the others.
+const std::vector<int64_t>& targets() {
+    static const std::vector<int64_t> found = findTargets();
+    return found;
 }
 
 } // namespace
@@ -31,8 +35,8 @@ std::vector<std::string> instructionSets() {
 }
 
 void useInstructionSet(const std::string& name) {
+    const std::vector<int64_t>& known = targets();
     if (name.empty()) return hwy::SetSupportedTargetsForTest(0);
-    const std::vector<int64_t> known = targets();
     const auto found = std::find_if(known.begin(), known.end(),
                                     [&](int64_t target) { return name == hwy::TargetName(target); });
     require(found != known.end());
