@@ -13,22 +13,42 @@
 namespace qirn {
 
 namespace {
-std::unique_ptr<tbb::global_control>& limit() {
-    static std::unique_ptr<tbb::global_control> control;
-    return control;
+
+/// As many threads as asked for, also where the machine has fewer processors.
+struct Limit {
+    explicit Limit(int threads)
+        : control(tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(threads)),
+          arena(threads) {}
+
+    tbb::global_control control;
+    tbb::task_arena arena;
+};
+
+std::unique_ptr<Limit>& limit() {
+    static std::unique_ptr<Limit> current;
+    return current;
 }
+
+/// One index is one task, given to a thread as the partitioner says.
+template <class Partitioner> void perform(int64_t count, const std::function<void(int64_t)>& body) {
+    if (count < 1) return;
+    if (count == 1) return body(0);
+    const auto loop = [&] {
+        tbb::parallel_for(
+            tbb::blocked_range<int64_t>(0, count, 1),
+            [&body](const tbb::blocked_range<int64_t>& range) {
+                for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
+            },
+            Partitioner());
+    };
+    limit() ? limit()->arena.execute(loop) : loop();
+}
+
 } // namespace
 
 void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) {
-    if (count < 1) return;
-    if (count == 1) return body(0);
-    // One index is one task: a tile is large enough, and uneven tiles spread best that way.
-    tbb::parallel_for(
-        tbb::blocked_range<int64_t>(0, count, 1),
-        [&body](const tbb::blocked_range<int64_t>& range) {
-            for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
-        },
-        tbb::simple_partitioner());
+    // A tile is large enough for a task, and uneven tiles spread best that way.
+    perform<tbb::simple_partitioner>(count, body);
 }
 
 void concurrentPerformByWorkers(int64_t workers, int64_t count,
@@ -44,7 +64,8 @@ void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)
     if (count < 1) return;
     const int64_t threads = std::min<int64_t>(concurrency(), count);
     std::vector<std::atomic_flag> taken(static_cast<std::size_t>(count));
-    concurrentPerform(threads, [&](int64_t thread) {
+    // The one partitioner that gives an index to the same thread each time.
+    perform<tbb::static_partitioner>(threads, [&](int64_t thread) {
         for (const bool atHome : {true, false}) {
             for (int64_t i = 0; i < count; ++i) {
                 if (atHome && homeOf(i) % threads != thread) continue;
@@ -56,10 +77,7 @@ void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)
 
 void setConcurrency(int threads) {
     limit().reset();
-    if (threads > 0) {
-        limit() = std::make_unique<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
-                                                        static_cast<std::size_t>(threads));
-    }
+    if (threads > 0) limit() = std::make_unique<Limit>(threads);
 }
 
 int concurrency() {

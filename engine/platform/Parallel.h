@@ -19,8 +19,8 @@ void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)
 void concurrentPerformByWorkers(int64_t workers, int64_t count,
                                 const std::function<void(std::size_t worker, int64_t index)>& body);
 
-/// How many threads `concurrentPerform` may use from here on; 0 means every processor. For measurements and
-/// for the tests that show that a result does not depend on it.
+/// How many threads `concurrentPerform` may use from here on, more than the machine has processors too; 0 means every
+/// processor. While nothing runs; for measurements and for the tests that show that a result does not depend on it.
 void setConcurrency(int threads);
 int concurrency();
 

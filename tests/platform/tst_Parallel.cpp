@@ -1,6 +1,7 @@
 #include "platform/Parallel.h"
 #include "support/TestMain.h"
 
+#include <array>
 #include <atomic>
 #include <set>
 #include <thread>
@@ -45,6 +46,31 @@ private Q_SLOTS:
             for (int64_t i = 0; i < std::ssize(runs); ++i)
                 QCOMPARE(runs[static_cast<std::size_t>(i)], i < count ? 1 : 0);
         }
+    }
+
+    void piecesComeBackToTheirThread() {
+        constexpr int kHomes = 8, kCalls = 20;
+        setConcurrency(kHomes); // more than the machine may have
+        std::array<std::thread::id, kHomes> last;
+        int moved = 0;
+        for (int call = 0; call < kCalls; ++call) {
+            std::atomic<int> begun =
+                0; // each waits for the others, so that nobody is free for another's home
+            std::array<std::thread::id, kHomes> now;
+            concurrentPerformAtHome(
+                kHomes, [](int64_t i) { return i; },
+                [&](int64_t i) {
+                    now[static_cast<std::size_t>(i)] = std::this_thread::get_id();
+                    ++begun;
+                    for (QDeadlineTimer late(2000); begun < kHomes && !late.hasExpired();)
+                        std::this_thread::yield();
+                });
+            QCOMPARE(std::set(now.begin(), now.end()).size(), now.size());
+            for (std::size_t i = 0; call > 0 && i < kHomes; ++i) moved += now[i] != last[i];
+            last = now;
+        }
+        setConcurrency(0);
+        QVERIFY2(moved * 10 <= kHomes * kCalls, qPrintable(QStringLiteral("%1 moved").arg(moved)));
     }
 
     void aLimitHoldsUntilItIsLifted() {
