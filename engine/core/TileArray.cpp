@@ -1,7 +1,5 @@
 #include "core/TileArray.h"
 
-#include <atomic>
-
 namespace qirn {
 
 const Tile* TileArray::at(int64_t index) const {
@@ -38,11 +36,8 @@ TileArray::Block& TileArray::detached() {
     if (!block_) {
         block_ = std::make_shared<Block>();
         block_->slots.resize(static_cast<std::size_t>(count_));
-    } else if (block_.use_count() > 1) {
-        block_ = std::make_shared<Block>(*block_);
-    } else {
-        // The last other holder may have let go on another thread: its reads come before our writes.
-        std::atomic_thread_fence(std::memory_order_acquire);
+    } else if (block_->allFrozen || block_.use_count() > 1) {
+        block_ = std::make_shared<Block>(Block{block_->slots});
     }
     return *block_;
 }

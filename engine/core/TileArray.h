@@ -39,7 +39,7 @@ public:
 private:
     struct Block {
         std::vector<TileRef> slots;
-        bool allFrozen = false;
+        bool allFrozen = false; // nobody writes it any more: it may be held on other threads
     };
     Block& detached();
 
