@@ -1,6 +1,7 @@
 // Huge canvases, and what is done to them at once. `peak` is how many megabytes the process took beyond what it held.
 #include "PlainPass.h"
 #include "operations/LayerOperations.h"
+#include "operations/Selection.h"
 
 #include <fstream>
 #include <functional>
@@ -48,6 +49,17 @@ void mergeHuge(benchmark::State& state) {
     timeOnce(state, [&] { mergeVisible(doc); });
 }
 BENCHMARK(mergeHuge)->Arg(0)->Arg(1)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// An ellipse of 2000 pixels on a canvas of 30,000.
+void selectHuge(benchmark::State& state) {
+    QPainterPath ellipse;
+    ellipse.addEllipse(QRectF(14000.3, 13900.7, 2000, 2000));
+    SelectionRef selection;
+    timeOnce(state, [&] {
+        selection = Selection::make(ellipse, SelectionOp::replace, {}, 30000, 30000, Antialias::yes);
+    });
+}
+BENCHMARK(selectHuge)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

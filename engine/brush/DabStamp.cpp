@@ -122,10 +122,7 @@ void DabStamp::listTile(int64_t index, const IRect& box) {
             .mask = reinterpret_cast<float*>(work.mask.get()),
             .before = work.before ? std::as_const(*work.before).pixels() : nullptr,
             .pixels = layer_.writableTile(index).writablePixels()};
-    if (const Selection* selection = document_.selection.get()) {
-        tile.selection = selection->row(place.y) + place.x;
-        tile.selectionStride = document_.grid().width;
-    }
+    if (const Selection* selection = document_.selection.get()) tile.selection = selection->row(index, 0);
 }
 
 DabStamp::TileWork& DabStamp::workOn(int64_t index) {

@@ -38,9 +38,9 @@ const uint8_t* rowInTile(const Layer& layer, int64_t index, int64_t x, int64_t y
     return tile ? tile->pixels() + placeInTile(x, y) : kTransparentRow.data();
 }
 
-/// How far the selection lets a dab through at a pixel; 0 where it does not.
-float selectedShare(const Selection& selection, int64_t x, int64_t y) {
-    return static_cast<float>(selection.row(y)[x]) / 255.0f;
+/// How far the selection lets a dab through from a pixel of a tile on, a byte a pixel; null without one.
+const uint8_t* selectedFrom(const Selection* selection, int64_t index, int64_t x, int64_t y) {
+    return selection ? selection->row(index, y % kTileSize) + x % kTileSize : nullptr;
 }
 
 /// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was. Both shares
@@ -116,7 +116,7 @@ void SmudgeTip::pickUp(const TipEdge& edge, const Row& row, float* load) const {
 }
 
 IRect SmudgeTip::drag(const TipEdge& edge, const Row& row, float* load) {
-    const Selection* selection = document_.selection.get();
+    const uint8_t* selected = selectedFrom(document_.selection.get(), row.tile, row.x, row.y);
     const bool keepsAlpha = layer_.alphaLocked;
     const uint8_t* pixels = rowInTile(layer_, row.tile, row.x, row.y);
     uint8_t* writable = nullptr;
@@ -126,8 +126,8 @@ IRect SmudgeTip::drag(const TipEdge& edge, const Row& row, float* load) {
     for (int64_t i = 0; i < row.count; ++i) {
         float c = covered.share[static_cast<std::size_t>(i)];
         if (!(c > 0)) continue;
-        if (selection) {
-            c *= selectedShare(*selection, row.x + i, row.y);
+        if (selected) {
+            c *= static_cast<float>(selected[i]) / 255.0f;
             if (!(c > 0)) continue;
         }
         if (keepsAlpha && pixels[i * 4 + 3] == 0) continue;
@@ -247,7 +247,7 @@ void BlurTip::blurColumns(const IRect& area, int64_t b, int64_t firstColumn, int
 }
 
 void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, const float* blurred) {
-    const Selection* selection = document_.selection.get();
+    const uint8_t* selected = selectedFrom(document_.selection.get(), row.tile, row.x, row.y);
     const bool keepsAlpha = layer_.alphaLocked;
     uint8_t* writable = nullptr;
     TipCoverage covered;
@@ -255,8 +255,8 @@ void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, cons
     for (int64_t i = 0; i < row.count; ++i, source += 4, blurred += 4) {
         float c = covered.share[static_cast<std::size_t>(i)];
         if (!(c > 0)) continue;
-        if (selection) {
-            c *= selectedShare(*selection, row.x + i, row.y);
+        if (selected) {
+            c *= static_cast<float>(selected[i]) / 255.0f;
             if (!(c > 0)) continue;
         }
         const float m = c * strength_;

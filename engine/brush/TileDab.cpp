@@ -267,9 +267,8 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
                    .grain = grain ? grain->row(y) : nullptr,
                    .selected = nullptr};
         if (tile.selection) {
-            // Only what lies on the canvas has bytes; what is read beside them is not used.
-            std::memcpy(selected + reached.first,
-                        tile.selection + (y - tile.tileY) * tile.selectionStride + reached.first,
+            // To where vectors are loaded from; what is read beside these bytes is not used.
+            std::memcpy(selected + reached.first, tile.selection + place + reached.first,
                         static_cast<std::size_t>(reached.last - reached.first));
             row.selected = selected;
         }

@@ -38,8 +38,7 @@ struct TileDab {
     float* mask;                        ///< The stroke's coverage so far, a float a pixel; raised.
     const uint8_t* before;              ///< Pixels as before the stroke; null where they were transparent.
     uint8_t* pixels;                    ///< Made anew from `before` where the coverage rises.
-    const uint8_t* selection = nullptr; ///< Bytes of the selection, if there is one.
-    int64_t selectionStride = 0;        ///< Bytes from one row of it to the next.
+    const uint8_t* selection = nullptr; ///< Bytes of the selection, if there is one, kTileSize a row.
 };
 
 /// Raises the coverage of each pixel in the tile towards the dab's and makes those that rose anew. The widest vectors

@@ -78,7 +78,7 @@ public:
         State state;
     };
     int64_t maxUndoSteps = 100;
-    int64_t maxUndoBytes = 1'500'000'000; ///< Of tile memory held by the history.
+    int64_t maxUndoBytes = 1'500'000'000; ///< Of tile memory held by the history, selections included.
 
     State captureState(); ///< Freezes every tile; copies no pixels.
     void commit(const QString& name);
@@ -93,7 +93,7 @@ public:
     std::optional<QString> redoName() const;
     int64_t undoDepth() const { return cursor_; }
     const std::vector<HistoryEntry>& history() const { return history_; }
-    int64_t historyBytes() const { return memory_.bytes(); }
+    int64_t historyBytes() const { return memory_.bytes(); } ///< Of layers' tiles, each once.
     /// Goes up with every commit, undo and redo, and only there; what was saved is told by comparing it.
     int64_t changeCount() const { return changeCount_; }
 

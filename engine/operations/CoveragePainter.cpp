@@ -26,7 +26,7 @@ public:
     Extent extentIn(int64_t index, const IRect& part) const {
         const TileMask::Cover cover = mask_ ? mask_->coverOf(index) : TileMask::Cover::whole;
         if (cover == TileMask::Cover::none) return Extent::nothing;
-        const Extent selected = flat_.strength > 0 ? extentOf(selection_, part) : Extent::nothing;
+        const Extent selected = flat_.strength > 0 ? extentOf(selection_, index, part) : Extent::nothing;
         return cover == TileMask::Cover::bits && selected == Extent::everything ? Extent::some : selected;
     }
 

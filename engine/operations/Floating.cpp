@@ -26,7 +26,7 @@ std::optional<IRect> takenRect(const PaintDocument& doc) {
 }
 
 /// Copies a rectangle of a tile into a buffer that lies at `buffer.rect`, cut by the selection.
-void copyOut(const uint8_t* tilePixels, const IRect& tile, const Selection* selection,
+void copyOut(const uint8_t* tilePixels, int64_t index, const IRect& tile, const Selection* selection,
              const PlacedPixels& to) {
     const IRect part = tile.intersection(to.rect);
     for (int64_t y = part.y; y < part.maxY(); ++y) {
@@ -36,7 +36,7 @@ void copyOut(const uint8_t* tilePixels, const IRect& tile, const Selection* sele
             std::memcpy(out, from, static_cast<std::size_t>(part.w) * 4);
             continue;
         }
-        const uint8_t* selected = selection->row(y) + part.x;
+        const uint8_t* selected = selection->row(index, y - tile.y) + (part.x - tile.x);
         for (int64_t i = 0; i < part.w * 4; ++i) out[i] = partOf(from[i], selected[i / 4]);
     }
 }
@@ -44,12 +44,12 @@ void copyOut(const uint8_t* tilePixels, const IRect& tile, const Selection* sele
 /// Leaves in a layer what the selection does not take of it.
 void removeSelected(Layer& layer, const TileGrid& grid, const Selection& selection) {
     for (int64_t index : grid.tilesIn(selection.bounds())) {
-        if (!layer.tile(index)) continue;
+        if (!layer.tile(index) || selection.tiles().isAbsent(index)) continue;
         const IRect tile = grid.rectOf(index);
         const IRect part = tile.intersection(selection.bounds());
         uint8_t* pixels = nullptr;
         for (int64_t y = part.y; y < part.maxY(); ++y) {
-            const uint8_t* selected = selection.row(y) + part.x;
+            const uint8_t* selected = selection.row(index, y - tile.y) + (part.x - tile.x);
             const int64_t place = (y - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
             for (int64_t i = 0; i < part.w; ++i) {
                 if (selected[i] == 0) continue;
@@ -79,7 +79,7 @@ std::shared_ptr<const Floating> liftFloating(PaintDocument& doc) {
     const Selection* selection = doc.selection.get();
     for (int64_t index : doc.grid().tilesIn(*rect)) {
         const Tile* tile = layer.tile(index);
-        if (tile) copyOut(tile->pixels(), doc.grid().rectOf(index), selection, lifted);
+        if (tile) copyOut(tile->pixels(), index, doc.grid().rectOf(index), selection, lifted);
     }
     if (selection) {
         removeSelected(layer, doc.grid(), *selection);
@@ -128,11 +128,11 @@ std::optional<PlacedPixels> copyPixels(const PaintDocument& doc, Merged merged) 
         const int64_t index = tiles[static_cast<std::size_t>(i)];
         if (merged == Merged::no) {
             const Tile* tile = doc.activeLayer().tile(index);
-            if (tile) copyOut(tile->pixels(), grid.rectOf(index), selection, copy);
+            if (tile) copyOut(tile->pixels(), index, grid.rectOf(index), selection, copy);
         } else {
             const auto pixels = std::make_unique_for_overwrite<uint8_t[]>(kTileBytes);
             if (Compositor::compositeTile(index, layers, pixels.get()))
-                copyOut(pixels.get(), grid.rectOf(index), selection, copy);
+                copyOut(pixels.get(), index, grid.rectOf(index), selection, copy);
         }
     });
     return copy;

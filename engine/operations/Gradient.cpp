@@ -41,7 +41,7 @@ IRect gradientFill(PaintDocument& doc, const QPointF& from, const QPointF& to, G
     TileParts parts(layer);
     for (int64_t index : doc.grid().tilesIn(area)) {
         const IRect part = doc.grid().rectOf(index).intersection(area);
-        const Extent extent = extentOf(selection, part);
+        const Extent extent = extentOf(selection, index, part);
         if (extent == Extent::nothing) continue;
         parts.take(index, part, ramp.hides() && extent == Extent::everything ? Old::hidden : Old::seen);
     }

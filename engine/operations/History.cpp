@@ -20,22 +20,22 @@ PaintDocument::State PaintDocument::captureState() {
 
 void PaintDocument::commit(const QString& name) {
     while (canRedo()) {
-        memory_.remove(history_.back().state.layers);
+        memory_.remove(history_.back().state.layers, history_.back().state.selection.get());
         history_.pop_back();
     }
     history_.push_back({name, captureState()});
-    memory_.add(history_.back().state.layers);
+    memory_.add(history_.back().state.layers, history_.back().state.selection.get());
     cursor_ = static_cast<int64_t>(history_.size()) - 1;
     ++changeCount_;
 
     const auto limit = static_cast<std::size_t>(std::max<int64_t>(maxUndoSteps + 1, 2));
     while (history_.size() > limit) dropOldestEntry();
     if (history_.size() < kEntriesBeforeMemoryTrim) return;
-    while (historyBytes() > maxUndoBytes && history_.size() > 2) dropOldestEntry();
+    while (historyBytes() + memory_.selectionBytes() > maxUndoBytes && history_.size() > 2) dropOldestEntry();
 }
 
 void PaintDocument::dropOldestEntry() {
-    memory_.remove(history_.front().state.layers);
+    memory_.remove(history_.front().state.layers, history_.front().state.selection.get());
     history_.erase(history_.begin());
     --cursor_;
 }
@@ -65,7 +65,7 @@ void PaintDocument::resetHistory() {
     history_.clear();
     memory_.clear();
     history_.push_back({QStringLiteral("Open"), captureState()});
-    memory_.add(history_.back().state.layers);
+    memory_.add(history_.back().state.layers, history_.back().state.selection.get());
     cursor_ = 0;
 }
 

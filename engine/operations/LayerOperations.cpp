@@ -175,11 +175,11 @@ void clearLayer(PaintDocument& doc, Layer& layer) {
     }
     const Selection& selection = *doc.selection;
     for (int64_t index : doc.grid().tilesIn(selection.bounds())) {
-        if (!layer.tile(index)) continue;
+        if (!layer.tile(index) || selection.tiles().isAbsent(index)) continue;
         const IRect part = doc.grid().rectOf(index);
         uint8_t* pixels = layer.writableTile(index).writablePixels();
         for (int64_t y = 0; y < part.h; ++y) {
-            const uint8_t* mask = selection.row(part.y + y) + part.x;
+            const uint8_t* mask = selection.row(index, y);
             for (int64_t x = 0; x < part.w; ++x) {
                 if (mask[x] != 0) removeCoverage(pixels + y * kTileRowBytes + x * 4, mask[x]);
             }

@@ -1,6 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/PaintDocument.h"
+#include "operations/MaskTiles.h"
 #include "platform/PathCoverage.h"
 
 #include <cstdint>
@@ -19,7 +20,7 @@ using SelectionRef = std::shared_ptr<const Selection>;
 
 /// An 8-bit coverage mask of the whole canvas, immutable once made, so that the document, undo states and
 /// background work share it. At least one byte is not 0: where nothing would be selected there is no object, and
-/// a document without one has everything selected.
+/// a document without one has everything selected. A selection made of another one shares the tiles that are alike.
 class Selection {
     struct Key {}; // only the makers below construct one
 
@@ -36,13 +37,13 @@ public:
     static std::vector<uint8_t> rasterize(const QPainterPath& path, int64_t width, int64_t height,
                                           Antialias antialias);
 
-    Selection(Key, std::vector<uint8_t> data, int64_t width, int64_t height, const IRect& bounds,
-              QPainterPath outline);
+    Selection(Key, MaskTiles tiles, const IRect& bounds, QPainterPath outline);
 
-    int64_t width() const { return width_; }
-    int64_t height() const { return height_; }
-    const uint8_t* data() const { return data_.data(); } ///< Row by row, top first; 255 is fully selected.
-    const uint8_t* row(int64_t y) const { return data_.data() + y * width_; }
+    int64_t width() const { return tiles_.grid().width; }
+    int64_t height() const { return tiles_.grid().height; }
+    const MaskTiles& tiles() const { return tiles_; } ///< 255 is fully selected.
+    /// Row `y` of a tile of the canvas; 256 bytes, those beyond the canvas edge of any value.
+    const uint8_t* row(int64_t index, int64_t y) const { return tiles_.row(index, y); }
     const IRect& bounds() const { return bounds_; } ///< Tight box of all bytes that are not 0.
     const QPainterPath& outline() const { return outline_; }
     uint8_t value(int64_t x, int64_t y) const; ///< 0 outside the canvas.
@@ -52,14 +53,11 @@ public:
     SelectionRef inverted() const;           ///< Null for a selection of the whole canvas.
 
 private:
-    static SelectionRef fromBytes(std::vector<uint8_t> data, int64_t width, int64_t height,
-                                  QPainterPath outline);
+    static SelectionRef fromTiles(MaskTiles tiles, QPainterPath outline);
 
-    int64_t width_;
-    int64_t height_;
-    std::vector<uint8_t> data_;
-    IRect bounds_;
-    QPainterPath outline_;
+    const MaskTiles tiles_;
+    const IRect bounds_;
+    const QPainterPath outline_;
 };
 
 // None of these commits.

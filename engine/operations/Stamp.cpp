@@ -44,7 +44,8 @@ void stampTile(const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, int
     uint8_t* pixels = nullptr; // taken when the first pixel lands
     for (int64_t row = part.y; row < part.maxY(); ++row) {
         const uint8_t* source = buffer.row(row - y) + (part.x - x) * 4;
-        const uint8_t* selected = selection ? selection->row(row) + part.x : nullptr;
+        const uint8_t* selected =
+            selection ? selection->row(index, row - tile.y) + (part.x - tile.x) : nullptr;
         const int64_t place = (row - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
         for (int64_t i = 0; i < part.w; ++i, source += 4) {
             if (source[3] == 0) continue;
@@ -66,6 +67,7 @@ IRect stamp(PaintDocument& doc, const RGBABuffer& buffer, int64_t x, int64_t y, 
     const Selection* selection = useSelection == UseSelection::yes ? doc.selection.get() : nullptr;
     const auto stampOn = layer.alphaLocked ? stampTile<layWithinAlpha> : stampTile<layOver>;
     for (int64_t index : grid.tilesIn(rect)) {
+        if (selection && selection->tiles().isAbsent(index)) continue;
         const IRect part = grid.rectOf(index).intersection(rect);
         stampOn(buffer, x, y, layer, index, part, selection, static_cast<float>(opacity));
     }

@@ -17,12 +17,14 @@ bool areAlike(const uint8_t* bytes, int64_t count) {
 
 } // namespace
 
-Extent extentOf(const Selection* selection, const IRect& part) {
-    if (!selection) return Extent::everything;
-    const uint8_t first = selection->row(part.y)[part.x];
+Extent extentOf(const Selection* selection, int64_t index, const IRect& part) {
+    if (!selection || selection->tiles().isWhole(index)) return Extent::everything;
+    if (selection->tiles().isAbsent(index)) return Extent::nothing;
+    const uint8_t* top = selection->row(index, part.y % kTileSize) + part.x % kTileSize;
+    const uint8_t first = top[0];
     if (first != 0 && first != 255) return Extent::some;
-    for (int64_t y = part.y; y < part.maxY(); ++y) {
-        const uint8_t* row = selection->row(y) + part.x;
+    for (int64_t y = 0; y < part.h; ++y) {
+        const uint8_t* row = top + y * kTileSize;
         if (row[0] != first || !areAlike(row, part.w)) return Extent::some;
     }
     return first == 0 ? Extent::nothing : Extent::everything;
@@ -32,7 +34,7 @@ CoverageRow coverageOf(const Selection* selection, const TilePart& at, int64_t y
     CoverageRow coverage{};
     uint8_t* first = coverage.data() + (at.part.x - at.tile.x);
     if (selection)
-        std::copy_n(selection->row(y) + at.part.x, at.part.w, first);
+        std::copy_n(selection->row(at.index, y - at.tile.y) + (at.part.x - at.tile.x), at.part.w, first);
     else
         std::fill_n(first, at.part.w, uint8_t{255});
     return coverage;

@@ -14,8 +14,8 @@ class Selection;
 /// How much of a rectangle is covered.
 enum class Extent { nothing, some, everything };
 
-/// What a selection covers of a rectangle of the canvas; without one that is everything.
-Extent extentOf(const Selection* selection, const IRect& part);
+/// What a selection covers of a tile's part; without one that is everything.
+Extent extentOf(const Selection* selection, int64_t index, const IRect& part);
 
 /// Where one tile of a layer and a rectangle of the canvas meet, while it is painted.
 struct TilePart {

@@ -3,55 +3,127 @@
 #include "platform/Require.h"
 
 #include <algorithm>
-#include <vector>
+#include <cmath>
+#include <new>
 
-#include <QImage>
 #include <QPainter>
 #include <QTransform>
 
 namespace qirn {
 
 namespace {
-constexpr int kBandRows = 1024; // bounds the scratch image when a mask is too wide for aligned rows
 
-/// The path with chords for its curves. QPainter's own chords cut up to 17 of 255 off the edge of a small
+constexpr int kBandRows = 1024; // of a whole mask, drawn at a time
+/// QPainter cuts a path with a coordinate or a side beyond this: roughly, and slowly where it has many corners.
+constexpr double kPainterReach = 32767;
+/// Where a path that reaches too far is cut: so near that no drawing of a part of the canvas is cut again.
+constexpr double kCutMargin = 1024;
+constexpr double kFarthest = 1e9; // corners beyond it would spoil the cut's arithmetic
+
+/// The path's outlines with chords for its curves. QPainter's own chords cut up to 17 of 255 off the edge of a small
 /// ellipse; those of a sixteenth of its size less than 5, which is its error on straight edges.
-QPainterPath withoutCurves(const QPainterPath& path) {
+QList<QPolygonF> outlinesOf(const QPainterPath& path) {
     constexpr double kFineness = 16;
-    bool curved = false;
-    for (int i = 0; i < path.elementCount() && !curved; ++i) curved = path.elementAt(i).isCurveTo();
-    if (!curved) return path;
-    const auto fine = path.toSubpathPolygons(QTransform::fromScale(kFineness, kFineness));
+    QList<QPolygonF> outlines = path.toSubpathPolygons(QTransform::fromScale(kFineness, kFineness));
     const QTransform back = QTransform::fromScale(1 / kFineness, 1 / kFineness);
-    QPainterPath result;
-    for (const QPolygonF& outline : fine) result.addPolygon(back.map(outline));
-    return result;
+    for (QPolygonF& outline : outlines) outline = back.map(outline);
+    return outlines;
 }
+
+QRectF boxOf(const QList<QPolygonF>& outlines) {
+    QRectF box;
+    for (const QPolygonF& outline : outlines) {
+        const QRectF own = outline.boundingRect();
+        // Not QRectF's union, to which a box without width or height is nothing.
+        box = box.isNull()
+                  ? own
+                  : QRectF(QPointF(std::min(box.left(), own.left()), std::min(box.top(), own.top())),
+                           QPointF(std::max(box.right(), own.right()), std::max(box.bottom(), own.bottom())));
+    }
+    return box;
+}
+
+/// What lies beyond a line across an axis, which is where `sign` x (coordinate - edge) is above 0, is moved onto it:
+/// a closed outline goes round every point on the near side as often as before.
+QPolygonF cutAt(const QPolygonF& outline, double (QPointF::*coordinate)() const, double edge, double sign) {
+    QPolygonF cut;
+    QPointF before = outline.back();
+    for (const QPointF& corner : outline) {
+        const double from = sign * ((before.*coordinate)() - edge),
+                     to = sign * ((corner.*coordinate)() - edge);
+        if ((from > 0) != (to > 0)) cut += before + (corner - before) * (from / (from - to));
+        if (!(to > 0)) cut += corner;
+        before = corner;
+    }
+    return cut;
+}
+
+QPolygonF cutTo(QPolygonF outline, const QRectF& rect) {
+    for (QPointF& corner : outline) {
+        corner = {std::clamp(corner.x(), -kFarthest, kFarthest),
+                  std::clamp(corner.y(), -kFarthest, kFarthest)};
+    }
+    if (!outline.isEmpty()) outline = cutAt(outline, &QPointF::x, rect.left(), -1);
+    if (!outline.isEmpty()) outline = cutAt(outline, &QPointF::x, rect.right(), 1);
+    if (!outline.isEmpty()) outline = cutAt(outline, &QPointF::y, rect.top(), -1);
+    if (!outline.isEmpty()) outline = cutAt(outline, &QPointF::y, rect.bottom(), 1);
+    return outline;
+}
+
+/// QPainter draws on a grid of 1/64 pixels. Corners that lie on it are drawn alike wherever the origin is.
+double onPainterGrid(double coordinate) {
+    return qRound(coordinate * 64) / 64.0;
+}
+
 } // namespace
+
+PathCoverage::PathCoverage(const QPainterPath& path, Antialias antialias, int64_t width, int64_t height)
+    : outlines_(outlinesOf(path)),
+      antialias_(antialias == Antialias::yes) {
+    require(width >= 1 && height >= 1 && width <= 32767 && height <= 32767);
+    const auto w = static_cast<double>(width), h = static_cast<double>(height);
+    const QRectF canvas(0, 0, w, h), whole = boxOf(outlines_);
+    // Drawings of lower rows have the path further up.
+    const QRectF drawable(QPointF(-kPainterReach, h - kPainterReach), QPointF(kPainterReach, kPainterReach));
+    const bool fits =
+        drawable.contains(whole) && whole.width() <= kPainterReach && whole.height() <= kPainterReach;
+    for (QPolygonF& outline : outlines_) {
+        if (!fits)
+            outline = cutTo(outline, canvas.marginsAdded({kCutMargin, kCutMargin, kCutMargin, kCutMargin}));
+        for (QPointF& corner : outline) corner = {onPainterGrid(corner.x()), onPainterGrid(corner.y())};
+    }
+    const QRectF box = boxOf(outlines_);
+    if (!(box.width() > 0 && box.height() > 0)) return;
+    const auto within = [](double edge, double side) {
+        return static_cast<int>(std::clamp(edge, 0.0, side));
+    };
+    const QPoint first(within(std::floor(box.left()), w), within(std::floor(box.top()), h));
+    reach_ = {first, QSize(within(std::ceil(box.right()) + 1, w) - first.x(),
+                           within(std::ceil(box.bottom()) + 1, h) - first.y())};
+}
+
+QImage PathCoverage::rows(int top, int count) const {
+    QImage image(reach_.width(), count, QImage::Format_Alpha8);
+    if (image.isNull()) throw std::bad_alloc();
+    image.fill(0);
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    for (const QPolygonF& outline : outlines_) path.addPolygon(outline.translated(-reach_.x(), -top));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing, antialias_);
+    painter.fillPath(path, Qt::white);
+    return image;
+}
 
 void fillPathCoverage(const QPainterPath& path, Antialias antialias, uint8_t* mask, int64_t width,
                       int64_t height) {
-    require(width >= 1 && height >= 1 && width <= 32767 && height <= 32767);
-    const QRectF box = path.boundingRect();
-    if (path.isEmpty() || box.right() < 0 || box.bottom() < 0 || box.left() > static_cast<double>(width) ||
-        box.top() > static_cast<double>(height)) {
-        return;
-    }
-    QPainterPath winding = withoutCurves(path);
-    winding.setFillRule(Qt::WindingFill);
-    const int firstRow = static_cast<int>(std::max(0.0, std::floor(box.top())));
-    const int endRow = static_cast<int>(std::min(static_cast<double>(height), std::ceil(box.bottom()) + 1));
-    // QPainter needs rows of whole 32-bit words, which a mask's rows are not; it draws in bands that are copied.
-    for (int top = firstRow; top < endRow; top += kBandRows) {
-        const int rows = std::min(kBandRows, endRow - top);
-        QImage band(static_cast<int>(width), rows, QImage::Format_Alpha8);
-        band.fill(0);
-        QPainter painter(&band);
-        painter.setRenderHint(QPainter::Antialiasing, antialias == Antialias::yes);
-        painter.translate(0, -top);
-        painter.fillPath(winding, Qt::white);
-        painter.end();
-        for (int y = 0; y < rows; ++y) std::copy_n(band.constScanLine(y), width, mask + (top + y) * width);
+    const PathCoverage coverage(path, antialias, width, height);
+    const QRect& reach = coverage.reach();
+    for (int top = reach.top(); !reach.isEmpty() && top <= reach.bottom(); top += kBandRows) {
+        const int rows = std::min(kBandRows, reach.bottom() + 1 - top);
+        const QImage band = coverage.rows(top, rows);
+        for (int y = 0; y < rows; ++y)
+            std::copy_n(band.constScanLine(y), reach.width(), mask + (top + y) * width + reach.x());
     }
 }
 

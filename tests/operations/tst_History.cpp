@@ -5,6 +5,7 @@
 #include "support/TestMain.h"
 
 #include <set>
+#include <span>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -25,15 +26,27 @@ void commitStrokes(PaintDocument& doc, int count) {
     }
 }
 
-/// What the history holds, counted afresh: every tile of every state, each once.
-int64_t recounted(const PaintDocument& doc) {
+using History = std::span<const PaintDocument::HistoryEntry>;
+
+/// What the layers of states hold, counted afresh: every tile of every state, each once.
+int64_t recounted(History history) {
     std::set<const Tile*> tiles;
-    for (const auto& entry : doc.history()) {
+    for (const auto& entry : history) {
         for (const LayerState& layer : entry.state.layers) {
             layer.tiles.forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
         }
     }
     return static_cast<int64_t>(tiles.size()) * kTileBytes;
+}
+
+/// The same of their selections.
+int64_t recountedMasks(History history) {
+    std::set<const MaskTile*> tiles;
+    for (const auto& entry : history) {
+        if (entry.state.selection)
+            entry.state.selection->tiles().forEachOwnTile([&](const MaskTile& tile) { tiles.insert(&tile); });
+    }
+    return static_cast<int64_t>(tiles.size()) * kTilePixels;
 }
 
 LayerRef takeOut(PaintDocument& doc, int64_t index) {
@@ -244,7 +257,7 @@ private Q_SLOTS:
         commitStrokes(doc, entries - 1);
         QTEST(static_cast<int>(doc.history().size()), "left");
         QCOMPARE(doc.undoDepth(), static_cast<int64_t>(doc.history().size()) - 1);
-        QCOMPARE(doc.historyBytes(), recounted(doc));
+        QCOMPARE(doc.historyBytes(), recounted(doc.history()));
     }
 
     void theMemoryCountIsThatOfARecount() {
@@ -255,9 +268,36 @@ private Q_SLOTS:
             doc.maxUndoBytes = seed < 3 ? 1'500'000'000 : 30 * kTileBytes;
             for (int i = 0; i < 400; ++i) {
                 anyAction(doc, random);
-                QCOMPARE(doc.historyBytes(), recounted(doc));
+                QCOMPARE(doc.historyBytes(), recounted(doc.history()));
                 QVERIFY(doc.activeIndex() >= 0 && doc.activeIndex() < doc.layerCount());
             }
+        }
+    }
+
+    void selectionsCountForTheBudget() {
+        SeededRandom random(3);
+        PaintDocument doc(700, 700, 72, {});
+        doc.maxUndoBytes = kTileBytes + 30 * kTilePixels;
+        stroke(doc, 0);
+        for (int step = 0; step < 200; ++step) {
+            QPainterPath path;
+            path.addEllipse(QPointF(700 * random.unit(), 700 * random.unit()), 90, 90);
+            const auto op = random.next() % 4 ? SelectionOp::add : SelectionOp::replace;
+            if (random.next() % 3) // otherwise states share one
+                doc.selection = Selection::make(path, op, doc.selection, 700, 700, Antialias::yes);
+            const std::vector<PaintDocument::HistoryEntry> before = doc.history();
+            doc.commit("Select");
+            const History kept(doc.history());
+            std::vector<PaintDocument::HistoryEntry> all = before;
+            all.push_back(kept.back());
+            const auto held = [&](History history) { return recounted(history) + recountedMasks(history); };
+            if (all.size() < 21) {
+                QCOMPARE(kept.size(), all.size());
+                continue;
+            }
+            QVERIFY(held(kept) <= doc.maxUndoBytes || kept.size() == 2);
+            const History oneMore = History(all).last(std::min(kept.size() + 1, all.size()));
+            QVERIFY(oneMore.size() == kept.size() || held(oneMore) > doc.maxUndoBytes);
         }
     }
 
@@ -331,7 +371,7 @@ private Q_SLOTS:
         QCOMPARE(doc.history()[0].name, QStringLiteral("Open"));
         QCOMPARE(doc.changeCount(), 3);
         QVERIFY(!doc.canUndo());
-        QCOMPARE(doc.historyBytes(), recounted(doc));
+        QCOMPARE(doc.historyBytes(), recounted(doc.history()));
     }
 };
 

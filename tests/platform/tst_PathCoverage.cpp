@@ -118,6 +118,9 @@ private Q_SLOTS:
         QTest::newRow("thin line") << rectangle(3, 10.25, 20, 0.5) << false;
         QTest::newRow("inside one pixel") << rectangle(5.25, 5.25, 0.5, 0.5) << false;
         QTest::newRow("off the canvas") << rectangle(-20, -20, 10, 15) << false;
+        QPainterPath far;
+        far.addPolygon(QPolygonF({{-50000, -40007}, {70000, 56021}, {30000, 90000}, {-90000, 4e7}}));
+        QTest::newRow("corners beyond what QPainter draws") << far << false;
         for (uint64_t seed = 1; seed <= 12; ++seed) {
             const int number = static_cast<int>(seed);
             QTest::addRow("star %d", number) << randomStar(seed, 37) << false;
