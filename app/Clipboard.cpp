@@ -61,7 +61,7 @@ std::shared_ptr<const RGBABuffer> decoded(const QByteArray& bytes) {
     if (bytes.isEmpty()) return nullptr;
     try {
         const auto picture = ImageImport::decode(bytesOf(bytes));
-        return picture ? picture->pixels : nullptr;
+        return picture ? picture->layer->toBuffer() : nullptr;
     } catch (const DescribedError&) {
         return nullptr; // a file without a picture of its layers
     }

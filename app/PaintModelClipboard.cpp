@@ -114,7 +114,7 @@ void PaintModel::importImage(const QString& path) {
         // Told below, as whatever else is no picture.
     }
     if (!picture) return alert(tr("Couldn't import"), tr("This picture could not be read."));
-    pasteBuffer(*picture->pixels, QFileInfo(path).completeBaseName(), std::nullopt);
+    pasteBuffer(*picture->layer->toBuffer(), QFileInfo(path).completeBaseName(), std::nullopt);
 }
 
 bool PaintModel::drop(const QMimeData& offer) {

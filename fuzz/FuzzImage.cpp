@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 using namespace qirn;
 
@@ -16,14 +17,22 @@ namespace {
 
 /// A decoded picture is whole, within the largest canvas, and premultiplied.
 void check(const DecodedPicture& picture) {
-    const RGBABuffer& pixels = *picture.pixels;
-    require(std::min(pixels.width(), pixels.height()) >= 1);
-    require(std::max(pixels.width(), pixels.height()) <= PaintEngine::maxCanvasSide);
-    require(picture.dpi > 0 && picture.dpi <= 100'000);
-    for (int64_t i = 0; i < pixels.byteCount(); i += 4) {
-        const uint8_t* pixel = pixels.data() + i;
-        require(std::max({pixel[0], pixel[1], pixel[2]}) <= pixel[3]);
-    }
+    const auto [width, height] = std::pair(picture.layer->grid().width, picture.layer->grid().height);
+    require(std::min(width, height) >= 1 && std::max(width, height) <= PaintEngine::maxCanvasSide);
+    require(picture.dpi >= 1 && picture.dpi <= 100'000);
+    const Tile* last = nullptr; // those of one colour are shared
+    picture.layer->tiles().forEachTile([&](int64_t, const Tile& tile) {
+        for (int i = 0; &tile != last && i < kTileBytes; i += 4) {
+            const uint8_t* pixel = tile.pixels() + i;
+            require(std::max({pixel[0], pixel[1], pixel[2]}) <= pixel[3]);
+        }
+        last = &tile;
+    });
+}
+
+/// A decoder may need the whole picture at once where it is one.
+int64_t bytesOf(const std::optional<DecodedPicture>& picture) {
+    return picture ? picture->layer->grid().width * picture->layer->grid().height * 4 : 0;
 }
 
 } // namespace
@@ -35,8 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         {
             fuzz::MemoryWatch memory;
             picture = ImageImport::decode(file);
-            memory.requireWithin(picture ? picture->pixels->byteCount()
-                                         : fuzz::kMostFromOneByte * static_cast<int64_t>(size));
+            memory.requireWithin(bytesOf(picture) + fuzz::kMostFromOneByte * static_cast<int64_t>(size));
         }
         if (picture) check(*picture);
         const auto document = ImageImport::document(file, {});

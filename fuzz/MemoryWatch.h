@@ -6,8 +6,8 @@ namespace qirn::fuzz {
 /// What a read may take beyond the picture that it gives: working memory, in proportion to the file or fixed.
 inline constexpr int64_t kAllowance = int64_t{64} << 20;
 
-/// What a packed byte can become at most, deflated: a picture that is refused in the end was backed by so much.
-inline constexpr int64_t kMostFromOneByte = 1100;
+/// What one byte of a file that is refused in the end may have taken besides.
+inline constexpr int64_t kMostFromOneByte = 128;
 
 /// Counts the bytes that are allocated on the heap, by every thread, while it lives; one at a time. It works only
 /// in programs built with the address sanitizer, which tells of every allocation.

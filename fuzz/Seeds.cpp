@@ -51,6 +51,11 @@ Files documents() {
             tiles.push_back(std::move(entry));
         }
     }));
+    NativeFile claiming = NativeFile::takenApart(PaintFile::encode(raw));
+    claiming.blob += claimingPng("tEXt");
+    claiming.manifest["thumbnail"]["o"] = claiming.blob.size() - claimingPng("tEXt").size();
+    claiming.manifest["thumbnail"]["n"] = claimingPng("tEXt").size();
+    files.push_back(claiming.joined());
     return files;
 }
 
@@ -105,6 +110,9 @@ Files pictures() {
     files.push_back(withJpegSegment(files[1], 0xE1, QByteArray("Exif\0\0", 6) + exif));
     files.push_back(cmykJpeg(QByteArray(64 * 4, 'k'), 8, 8, true));
     files.push_back(extendedWebP(written(image, "webp"), image.width(), image.height(), {}, exif));
+    for (const char* chunk : {"tEXt", "zTXt", "iTXt", "sPLT", "pCAL", "sCAL"})
+        files.push_back(claimingPng(chunk));
+    files.push_back(faxPage(30'000));
     for (const char* name : {"blocks.gif", "blocks.heic"}) files.push_back(testData(name));
     return files;
 }

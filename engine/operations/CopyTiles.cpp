@@ -1,3 +1,4 @@
+#include "core/MappedRect.h"
 #include "operations/RedrawTiles.h"
 #include "operations/TileJobs.h"
 
@@ -6,17 +7,6 @@
 #include <tuple>
 
 namespace qirn {
-
-namespace {
-
-IRect mapped(const PixelMap& map, const IRect& rect) {
-    const int64_t x = map.sourceX(rect.x, rect.y), y = map.sourceY(rect.x, rect.y);
-    const int64_t farX = map.sourceX(rect.maxX() - 1, rect.maxY() - 1);
-    const int64_t farY = map.sourceY(rect.maxX() - 1, rect.maxY() - 1);
-    return {std::min(x, farX), std::min(y, farY), std::abs(farX - x) + 1, std::abs(farY - y) + 1};
-}
-
-} // namespace
 
 void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
     const TileGrid &old = from.grid(), &grid = to.grid();

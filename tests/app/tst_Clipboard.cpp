@@ -149,7 +149,7 @@ private Q_SLOTS:
         for (const char* type : {"image/png", "image/tiff"}) {
             const auto read = ImageImport::decode(bytesOf(studio.desktop.content->data(QLatin1String(type))));
             QVERIFY2(read, type);
-            QCOMPARE(firstDifference(*read->pixels, *expected->buffer), QString());
+            QCOMPARE(firstDifference(*read->layer->toBuffer(), *expected->buffer), QString());
         }
         // And so the program itself, when they come back by way of another.
         auto foreign = std::make_unique<QMimeData>();

@@ -231,7 +231,8 @@ void tst_ImageExport::aPNGIsTheSameOnAnyNumberOfThreads() {
         const QImage read = QImage::fromData(*png, "png");
         QCOMPARE(read.hasAlphaChannel(), picture == clear);
         QCOMPARE(firstDifference(*RGBABuffer::fromImage(read), *picture), QString());
-        QCOMPARE(firstDifference(*ImageImport::decode(bytesOf(*png))->pixels, *picture), QString());
+        QCOMPARE(firstDifference(*ImageImport::decode(bytesOf(*png))->layer->toBuffer(), *picture),
+                 QString());
     }
 }
 
@@ -265,13 +266,13 @@ void tst_ImageExport::everyFormatReadsBackAsItWas() {
     QVERIFY(picture);
     QCOMPARE(picture->dpi, expected);
     if (isExact) {
-        QCOMPARE(firstDifference(*picture->pixels, *flattened(*doc)), QString());
+        QCOMPARE(firstDifference(*picture->layer->toBuffer(), *flattened(*doc)), QString());
     } else {
-        const PixelBytes pixel = picture->pixels->pixel(332, 221);
+        const PixelBytes pixel = picture->layer->pixel(332, 221);
         const bool isNear =
             std::abs(pixel[0] - 51) <= 1 && std::abs(pixel[1] - 128) <= 1 && std::abs(pixel[2] - 230) <= 1;
         QVERIFY2(isNear, qPrintable(text(pixel)));
-        QCOMPARE(picture->pixels->width(), 333);
+        QCOMPARE(picture->layer->grid().width, 333);
     }
 }
 
@@ -322,7 +323,7 @@ void tst_ImageExport::transparencyInAJPEGShowsTheBackground() {
     PaintDocument doc(40, 40, 72, PaintColor(1, 0, 0, 0.5));
     const auto jpeg =
         ImageImport::decode(bytesOf(ImageExport::data(doc, ExportFormat::jpeg, 1, PaintColor(0, 0, 1))));
-    const PixelBytes mixed = jpeg->pixels->pixel(20, 20);
+    const PixelBytes mixed = jpeg->layer->pixel(20, 20);
     QVERIFY2(std::abs(mixed[0] - 128) <= 2 && mixed[1] <= 2 && std::abs(mixed[2] - 127) <= 2,
              qPrintable(text(mixed)));
 }

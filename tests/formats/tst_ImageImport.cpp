@@ -16,18 +16,19 @@ namespace {
 /// The largest difference of any channel, or a thousand where there is no picture of this size.
 int distance(const std::optional<DecodedPicture>& picture, const QImage& expected) {
     const auto other = RGBABuffer::fromImage(expected);
-    if (!picture || picture->pixels->width() != other->width() ||
-        picture->pixels->height() != other->height())
+    if (!picture || picture->layer->grid().width != other->width() ||
+        picture->layer->grid().height != other->height())
         return 1000;
     int largest = 0;
+    const auto pixels = picture->layer->toBuffer();
     for (int64_t i = 0; i < other->byteCount(); ++i)
-        largest = std::max(largest, std::abs(picture->pixels->data()[i] - other->data()[i]));
+        largest = std::max(largest, std::abs(pixels->data()[i] - other->data()[i]));
     return largest;
 }
 
 PixelBytes firstPixel(const QByteArray& file) {
     const auto picture = decoded(file);
-    return picture ? picture->pixels->pixel(0, 0) : PixelBytes{1, 2, 3, 4};
+    return picture ? picture->layer->pixel(0, 0) : PixelBytes{1, 2, 3, 4};
 }
 
 bool isNear(const PixelBytes& a, const PixelBytes& b, int distance) {
@@ -112,17 +113,32 @@ void tst_ImageImport::eachFormatGivesItsPixels_data() {
     auto tags = tiffTags(kWidth, kHeight, 2, 3, 8);
     tags.back() = {284, 3, {2}};
     tags.erase(tags.begin() + 3); // no word about compression means none
-    // One strip a plane.
-    const auto planeBytes = static_cast<uint32_t>(planes.size() / 3);
-    QByteArray header = tiffFile(tags, planes);
-    QTest::newRow("tiff in planes") << [&] {
-        auto planar = tags;
-        const auto at = static_cast<uint32_t>(header.size() - planes.size() + 16); // two values more, twice
-        planar.push_back({273, 4, {at + 8, at + 8 + planeBytes, at + 8 + 2 * planeBytes}});
-        planar.push_back({279, 4, {planeBytes, planeBytes, planeBytes}});
-        const QByteArray front = tiffFile(planar);
-        return front + QByteArray(static_cast<qsizetype>(at) + 8 - front.size(), '\0') + planes;
-    }() << opaque << 0;
+    QTest::newRow("tiff in planes") << planarTiff(tags, planes, 3) << opaque << 0;
+    const uint8_t grays[4] = {255, 170, 85, 0};
+    QTest::newRow("tiff of two bits, white first")
+        << tiffFile(tiffTags(4, 1, 0, 1, 2), "\x1B") << QImage(grays, 4, 1, QImage::Format_Grayscale8).copy()
+        << 0;
+    auto mapped = tiffTags(2, 1, 3, 1, 4);
+    mapped.push_back({320, 3, std::vector<uint32_t>(48)});
+    for (std::size_t c = 0; c < 3; ++c) mapped.back().values[16 * c + 11] = grays[c] * 257u;
+    QTest::newRow("tiff with a map of 16")
+        << tiffFile(mapped, "\xBB") << flat({255, 170, 85}).copy(0, 0, 2, 1) << 0;
+    QByteArray passes;
+    for (const auto& [x0, y0, dx, dy] : std::initializer_list<std::array<int, 4>>{{0, 0, 8, 8},
+                                                                                  {4, 0, 8, 8},
+                                                                                  {0, 4, 4, 8},
+                                                                                  {2, 0, 4, 4},
+                                                                                  {0, 2, 2, 4},
+                                                                                  {1, 0, 2, 2},
+                                                                                  {0, 1, 1, 2}}) {
+        for (int y = y0; y < kHeight; y += dy) {
+            passes.append('\0');
+            for (int x = x0; x < kWidth; x += dx)
+                passes.append(reinterpret_cast<const char*>(clear.constScanLine(y) + 4 * x), 4);
+        }
+    }
+    QTest::newRow("png interlaced") << pngFile(kWidth, kHeight, QByteArray("\x08\6\0\0\1", 5), passes)
+                                    << clear << 0;
 }
 
 void tst_ImageImport::eachFormatGivesItsPixels() {
@@ -270,7 +286,7 @@ void tst_ImageImport::sixteenBitsAreRoundedNotCut() {
     const auto png = decoded(written(image, "png"));
     QVERIFY(png);
     for (int i = 0; i < 65536; ++i)
-        QCOMPARE(png->pixels->pixel(i % 256, i / 256)[0], static_cast<uint8_t>(std::lround(i / 257.0)));
+        QCOMPARE(png->layer->pixel(i % 256, i / 256)[0], static_cast<uint8_t>(std::lround(i / 257.0)));
     for (const uint32_t v : {127u, 128u, 129u, 385u, 386u, 65406u, 65407u})
         QCOMPARE(firstPixel(onePixelTiff(1, 16, {v}))[1], static_cast<uint8_t>(std::lround(v / 257.0)));
 }

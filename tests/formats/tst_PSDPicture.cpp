@@ -25,7 +25,7 @@ namespace {
 
 QString decodedPixel(const File& file) {
     const auto picture = PSDPicture::decode(bytesOf(file.bytes()));
-    return picture ? text(picture->pixels->pixel(0, 0)) : "nothing";
+    return picture ? text(picture->layer->pixel(0, 0)) : "nothing";
 }
 
 void addPixelColumns() {
@@ -101,7 +101,7 @@ void tst_PSDPicture::everyColorModeDepthAndPackingOpens() {
     for (uint32_t y = 0; y < file.height; ++y) {
         for (uint32_t x = 0; x < file.width; ++x) {
             const auto expected = meaning(file.mode, file.depth, file.sampleAt(x, y));
-            const PixelBytes got = plain->pixels->pixel(x, y);
+            const PixelBytes got = plain->layer->pixel(x, y);
             for (std::size_t c = 0; c < 3; ++c)
                 QVERIFY2(
                     std::abs(got[c] - expected[c]) <= tolerance,
@@ -117,7 +117,7 @@ void tst_PSDPicture::everyColorModeDepthAndPackingOpens() {
             setConcurrency(isLarge ? 1 : 0);
             const auto packed = PSDPicture::decode(bytesOf(file.bytes()));
             QVERIFY2(packed, qPrintable(QString::number(packing)));
-            QCOMPARE(firstDifference(*packed->pixels, *plain->pixels), QString());
+            QCOMPARE(firstDifference(*packed->layer->toBuffer(), *plain->layer->toBuffer()), QString());
         }
     }
 }
@@ -175,7 +175,7 @@ void tst_PSDPicture::colorsComeOffTheirWhiteBackdropExactly() {
     };
     const auto picture = PSDPicture::decode(bytesOf(file.bytes()));
     QVERIFY(picture);
-    QCOMPARE(firstDifference(*picture->pixels, *expected), QString());
+    QCOMPARE(firstDifference(*picture->layer->toBuffer(), *expected), QString());
 }
 
 void tst_PSDPicture::oneStraightPixelMeansThatNoneIsOnWhite() {
@@ -188,8 +188,8 @@ void tst_PSDPicture::oneStraightPixelMeansThatNoneIsOnWhite() {
     };
     const auto straight = PSDPicture::decode(bytesOf(file.bytes()));
     QVERIFY(straight);
-    QCOMPARE(text(straight->pixels->pixel(0, 0)), QString("94,94,94,100"));
-    QCOMPARE(text(straight->pixels->pixel(0, 299)), QString("0,0,0,100"));
+    QCOMPARE(text(straight->layer->pixel(0, 0)), QString("94,94,94,100"));
+    QCOMPARE(text(straight->layer->pixel(0, 299)), QString("0,0,0,100"));
 }
 
 void tst_PSDPicture::anyFloatIsAColorAndACoverage() {
@@ -380,8 +380,8 @@ void tst_PSDPicture::damagedBytesDoNoHarm() {
         try {
             const auto picture = PSDPicture::decode(bytesOf(damaged));
             if (!picture) continue;
-            for (int64_t y = 0; y < picture->pixels->height(); ++y) {
-                const PixelBytes p = picture->pixels->pixel(0, y);
+            for (int64_t y = 0; y < picture->layer->grid().height; ++y) {
+                const PixelBytes p = picture->layer->pixel(0, y);
                 QVERIFY(p[0] <= p[3] && p[1] <= p[3] && p[2] <= p[3]);
             }
         } catch (const PSDFile::PSDError&) {}

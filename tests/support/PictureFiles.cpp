@@ -57,15 +57,27 @@ QByteArray written(const QImage& image, const char* format) {
     return bytes;
 }
 
-QByteArray withPngChunk(const QByteArray& png, const char* type, const QByteArray& body) {
-    constexpr int kBehindHeader = 33;
+QByteArray pngChunk(const char* type, const QByteArray& body) {
     const QByteArray marked = QByteArray(type) + body;
     const uLong sum =
         crc32(0, reinterpret_cast<const Bytef*>(marked.constData()), static_cast<uInt>(marked.size()));
-    QByteArray result = png;
-    result.insert(kBehindHeader,
-                  big(static_cast<uint32_t>(body.size()), 4) + marked + big(static_cast<uint32_t>(sum), 4));
-    return result;
+    return big(static_cast<uint32_t>(body.size()), 4) + marked + big(static_cast<uint32_t>(sum), 4);
+}
+
+QByteArray withPngChunk(const QByteArray& png, const char* type, const QByteArray& body) {
+    constexpr int kBehindHeader = 33;
+    return png.left(kBehindHeader) + pngChunk(type, body) + png.mid(kBehindHeader);
+}
+
+QByteArray pngFile(uint32_t width, uint32_t height, const QByteArray& kind, const QByteArray& rows) {
+    return "\x89PNG\r\n\x1A\n" + pngChunk("IHDR", bigEndianWords({width, height}) + kind) +
+           pngChunk("IDAT", qCompress(rows).mid(4));
+}
+
+QByteArray claimingPng(const char* type) {
+    constexpr uint32_t kGigabyte = 1 << 30;
+    const QByteArray header = pngFile(1, 1, QByteArray("\x08\0\0\0\0", 5), {}).left(33);
+    return header + big(kGigabyte, 4) + type + QByteArray("Title\0\0\0wide", 12) + big(0, 4);
 }
 
 QByteArray iccpBody(const QByteArray& profile) {
@@ -163,6 +175,22 @@ QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels, By
         }
     }
     return file + number(0, 4, order) + values + pixels;
+}
+
+QByteArray planarTiff(std::vector<TiffEntry> tags, const QByteArray& planes, uint32_t count) {
+    const auto planeBytes = static_cast<uint32_t>(planes.size()) / count;
+    tags.push_back({279, 4, std::vector<uint32_t>(count, planeBytes)});
+    tags.push_back({273, 4, std::vector<uint32_t>(count)});
+    const auto at = static_cast<uint32_t>(tiffFile(tags).size()); // as long with other places
+    for (uint32_t i = 0; i < count; ++i) tags.back().values[i] = at + i * planeBytes;
+    return tiffFile(tags) + planes;
+}
+
+QByteArray faxPage(uint32_t side) {
+    auto tags = tiffTags(side, side, 0, 1, 1);
+    tags[3].values = {4};
+    // A bit a line says that it is like the one before; then the end of the page.
+    return tiffFile(tags, QByteArray(static_cast<qsizetype>(side / 8), '\xFF') + QByteArray("\0\x10\x01", 3));
 }
 
 std::vector<TiffEntry> tiffTags(uint32_t width, uint32_t height, uint32_t photometric, uint32_t samples,

@@ -18,6 +18,10 @@ QByteArray written(const QImage& image, const char* format);
 /// With one more chunk right behind the header.
 QByteArray withPngChunk(const QByteArray& png, const char* type, const QByteArray& body);
 QByteArray iccpBody(const QByteArray& profile);
+/// A PNG of rows with their filter bytes. The kind: depth, colour type, 0, 0, interlacing.
+QByteArray pngFile(uint32_t width, uint32_t height, const QByteArray& kind, const QByteArray& rows);
+/// 57 bytes with a chunk that claims a gigabyte.
+QByteArray claimingPng(const char* type);
 /// Numbers high byte first, four bytes each.
 QByteArray bigEndianWords(const std::vector<uint32_t>& words);
 
@@ -42,6 +46,10 @@ enum class ByteOrder { little, big };
 /// the strip are added.
 QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels = {},
                     ByteOrder order = ByteOrder::little);
+/// Planes in a strip each, of equal length.
+QByteArray planarTiff(std::vector<TiffEntry> tags, const QByteArray& planes, uint32_t count);
+/// A blank page as fax machines pack it, in one strip; the side is a multiple of 8.
+QByteArray faxPage(uint32_t side);
 /// The tags that every picture needs.
 std::vector<TiffEntry> tiffTags(uint32_t width, uint32_t height, uint32_t photometric, uint32_t samples,
                                 uint32_t bits);

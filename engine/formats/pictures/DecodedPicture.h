@@ -1,13 +1,11 @@
 #pragma once
-#include "core/RGBABuffer.h"
-
-#include <memory>
+#include "core/Layer.h"
 
 namespace qirn {
 
 /// A picture as it came out of a file.
 struct DecodedPicture {
-    std::shared_ptr<RGBABuffer> pixels; ///< Upright, in the document's colours.
+    LayerRef layer; ///< "Background", of the picture's size: upright, in the document's colours.
     double dpi = 72;
 };
 

@@ -75,8 +75,7 @@ void widen(uint16_t* samples, int64_t count, int bits) {
             static_cast<uint16_t>((std::min<uint32_t>(samples[i], largest) * 65535u + largest / 2) / largest);
 }
 
-std::shared_ptr<RGBABuffer> converted(const heif_image* image, const heif_image_handle* handle,
-                                      SampleType sample) {
+LayerRef converted(const heif_image* image, const heif_image_handle* handle, SampleType sample) {
     const int64_t width = heif_image_get_width(image, heif_channel_interleaved);
     const int64_t height = heif_image_get_height(image, heif_channel_interleaved);
     int stride = 0;
@@ -129,9 +128,9 @@ std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
         isDeep ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RGBA, nullptr));
     const Image image(decoded);
     if (!isDecoded) return std::nullopt;
-    auto pixels = converted(image.get(), handle.get(), isDeep ? SampleType::u16 : SampleType::u8);
-    if (!pixels) return std::nullopt;
-    return DecodedPicture{std::move(pixels), dpiOf(handle.get())};
+    auto layer = converted(image.get(), handle.get(), isDeep ? SampleType::u16 : SampleType::u8);
+    if (!layer) return std::nullopt;
+    return DecodedPicture{std::move(layer), dpiOf(handle.get())};
 }
 
 } // namespace qirn

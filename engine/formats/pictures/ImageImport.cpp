@@ -51,12 +51,9 @@ std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&)
     }
     auto picture = decode(file);
     if (!picture) throw ExportError::cannotRead();
-    const RGBABuffer& pixels = *picture->pixels;
-    const TileGrid grid(pixels.width(), pixels.height());
-    auto layer = std::make_shared<Layer>(QStringLiteral("Background"), grid);
-    layer->load(pixels);
-    return std::make_unique<PaintDocument>(pixels.width(), pixels.height(), picture->dpi,
-                                           std::vector<LayerRef>{std::move(layer)}, 0);
+    const TileGrid grid = picture->layer->grid();
+    return std::make_unique<PaintDocument>(grid.width, grid.height, picture->dpi,
+                                           std::vector<LayerRef>{std::move(picture->layer)}, 0);
 }
 
 std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
@@ -72,10 +69,13 @@ std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
 }
 
 std::optional<QImage> ImageImport::decodePNG(Bytes png) {
+    constexpr int64_t kLongestSide = 4096;
     if (!isPng(png)) return std::nullopt;
     const auto picture = decode(png);
-    if (!picture) return std::nullopt;
-    QImage image = picture->pixels->makeImage();
+    if (!picture || picture->layer->grid().width > kLongestSide ||
+        picture->layer->grid().height > kLongestSide)
+        return std::nullopt;
+    QImage image = picture->layer->toBuffer()->makeImage();
     const auto perMeter = static_cast<int>(std::lround(picture->dpi / 0.0254));
     image.setDotsPerMeterX(perMeter);
     image.setDotsPerMeterY(perMeter);

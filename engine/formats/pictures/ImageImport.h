@@ -21,7 +21,8 @@ std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QSt
 /// more than 30,000 pixels, or claims a size that its bytes cannot hold. Throws PSDFile::PSDError as above.
 std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
 
-/// The picture of a PNG; nothing when it is damaged or claims a size that its bytes cannot hold.
+/// A small picture, as previews are, of a PNG; nothing when it is damaged, claims a size that its bytes cannot hold, or
+/// has a side of more than 4096 pixels.
 std::optional<QImage> decodePNG(std::span<const uint8_t> png);
 
 } // namespace qirn::ImageImport

@@ -133,9 +133,9 @@ std::optional<DecodedPicture> readJpeg(std::span<const uint8_t> file) {
     decoder.builder.emplace(width, height, profile ? *std::move(profile) : ColorProfile::standard(layout),
                             tags.orientation);
     readRows(decoder);
-    auto pixels = decoder.builder->finish();
-    if (!pixels) return std::nullopt;
-    return DecodedPicture{std::move(pixels), dpiOf(jpeg, tags)};
+    auto layer = decoder.builder->finish();
+    if (!layer) return std::nullopt;
+    return DecodedPicture{std::move(layer), dpiOf(jpeg, tags)};
 }
 
 } // namespace qirn

@@ -1,9 +1,10 @@
 #pragma once
-#include "core/RGBABuffer.h"
+#include "core/Layer.h"
 #include "formats/pictures/ColorProfile.h"
+#include "platform/PixelMap.h"
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace qirn {
@@ -22,18 +23,18 @@ public:
         : number_(number >= 1 && number <= 8 ? static_cast<int>(number) : 1) {}
 
     bool swapsSides() const { return number_ >= 5; }
-    /// Where a stored row lies in the upright picture: its first pixel, and the way from each to the next, in pixels.
-    struct Track {
-        int64_t first, step;
-    };
-    Track trackOf(int64_t row, int64_t storedWidth, int64_t storedHeight) const;
+    /// Which stored pixel each pixel of the upright picture shows.
+    PixelMap toStored(int64_t storedWidth, int64_t storedHeight) const;
 
 private:
     int number_ = 1;
 };
 
-/// Makes a picture of a file's rows, as a decoder gives them from the top: converts the colours, multiplies by alpha,
-/// turns it upright. It keeps a few rows of the file's own pixels at a time, so that several processors convert.
+/// Makes a layer of a file's rows, as a decoder gives them from the top: converts the colours, multiplies by alpha,
+/// turns it upright. Of the file's own pixels it keeps a few rows at a time, which several processors convert.
+///
+/// The rows go straight to tiles. One is made when a second colour is met in it; those that stay of one colour are shared,
+/// so that a blank picture takes next to nothing, whatever its size.
 class PictureBuilder {
 public:
     PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation = {});
@@ -42,17 +43,29 @@ public:
     /// after the last row.
     void* row();
     void rowDone() { ++rowsGiven_; }
-    /// The picture; rows that were not given are transparent. Null when there was none at all.
-    std::shared_ptr<RGBABuffer> finish();
+    /// The picture as a layer "Background"; rows that were not given are transparent. Null when there was none at all.
+    LayerRef finish();
 
 private:
+    /// A tile on its way: as long as it has none, all that was given is one colour.
+    struct Growing {
+        std::optional<PixelBytes> pixel;
+        TileRef tile;
+    };
     void convertRows();
+    void addPart(int64_t slot, const IRect& stored);
+    const uint8_t* storedPixel(int64_t x, int64_t y) const;
+    std::optional<PixelBytes> flatPixel(const IRect& stored) const;
+    void convert(const IRect& stored, uint8_t* rgba) const;
+    IRect partOfTile(int64_t slot, const IRect& stored) const;
 
     int64_t width_;
     int64_t height_;
     ColorProfile profile_;
-    Orientation orientation_;
-    std::shared_ptr<RGBABuffer> picture_;
+    PixelMap toStored_;
+    PixelMap toUpright_;
+    TileGrid grid_; // of the upright picture
+    std::vector<Growing> growing_;
     int64_t rowBytes_;
     int64_t rowsAtOnce_;
     std::vector<uint64_t> block_; // rows in wait, each beginning where every kind of sample may lie

@@ -2,14 +2,15 @@
 
 #include "formats/pictures/ExifTags.h"
 #include "formats/pictures/PictureBuilder.h"
+#include "formats/pictures/PngChunks.h"
 #include "formats/pictures/PrintDensity.h"
 
-#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <csetjmp>
 #include <cstring>
-#include <optional>
+#include <memory>
 #include <vector>
 
 #include <png.h>
@@ -18,8 +19,8 @@ namespace qirn {
 
 namespace {
 
-constexpr double kLargestInflation = 1040; // Deflate turns one byte into at most 1,032.
-constexpr png_alloc_size_t kLargestChunk = 16 << 20;
+constexpr double kLargestInflation = 1040;             // Deflate turns one byte into at most 1,032.
+constexpr png_alloc_size_t kLargestProfile = 16 << 20; // unpacked
 constexpr double kSrgbGamma = 0.45455;
 
 [[noreturn]] void stopAtError(png_structp png, png_const_charp) {
@@ -27,37 +28,36 @@ constexpr double kSrgbGamma = 0.45455;
 }
 void ignoreWarning(png_structp, png_const_charp) {}
 
-/// The library's state and what is made of the file. It lives outside of every function that an error jumps out of.
+/// The library's state. It lives outside of every function that an error jumps out of.
 struct Decoder {
-    explicit Decoder(std::span<const uint8_t> bytes)
-        : file(bytes),
+    explicit Decoder(const PngChunks& chunks)
+        : head(chunks.head),
+          rest(chunks.rest),
           png(png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, stopAtError, ignoreWarning)),
           info(png ? png_create_info_struct(png) : nullptr) {}
     ~Decoder() { png_destroy_read_struct(&png, &info, nullptr); }
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
-    std::span<const uint8_t> file;
+    std::span<const uint8_t> head, rest; // what is still to be read
     png_structp png;
     png_infop info;
-    std::optional<PictureBuilder> builder;
-    std::vector<uint8_t> pixels; // of an interlaced picture, all of them
-    std::vector<png_bytep> rows; // of the above
 };
 
 void readBytes(png_structp png, png_bytep target, std::size_t count) {
     auto& decoder = *static_cast<Decoder*>(png_get_io_ptr(png));
-    if (count > decoder.file.size()) png_error(png, "the file ends");
-    std::memcpy(target, decoder.file.data(), count);
-    decoder.file = decoder.file.subspan(count);
+    auto& from = decoder.head.empty() ? decoder.rest : decoder.head; // chunks do not lie across
+    if (count > from.size()) png_error(png, "the file ends");
+    std::memcpy(target, from.data(), count);
+    from = from.subspan(count);
 }
 
 bool readHeader(Decoder& decoder) {
     png_structp png = decoder.png;
-    if (setjmp(png_jmpbuf(png))) return false;
+    if (!decoder.info || setjmp(png_jmpbuf(png))) return false;
     png_set_read_fn(png, &decoder, readBytes);
     png_set_user_limits(png, 0x7FFFFFFF, 0x7FFFFFFF); // the sizes are judged here, together with the file's
-    png_set_chunk_malloc_max(png, kLargestChunk);
+    png_set_chunk_malloc_max(png, kLargestProfile);
     png_set_crc_action(png, PNG_CRC_DEFAULT, PNG_CRC_WARN_DISCARD);
     png_read_info(png, decoder.info);
     return true;
@@ -69,23 +69,63 @@ bool chooseFormat(Decoder& decoder) {
     if (setjmp(png_jmpbuf(png))) return false;
     png_set_expand(png); // palettes, few bits, a transparent colour
     if (std::endian::native == std::endian::little) png_set_swap(png);
-    png_set_interlace_handling(png);
     png_read_update_info(png, decoder.info);
     return true;
 }
 
-void readRows(Decoder& decoder, int64_t height) {
-    if (setjmp(png_jmpbuf(decoder.png))) return;
-    for (int64_t y = 0; y < height; ++y) {
-        png_read_row(decoder.png, static_cast<png_bytep>(decoder.builder->row()), nullptr);
-        decoder.builder->rowDone();
-    }
+/// The next row of the picture, or of a pass of an interlaced one. False where the data ends or makes no sense.
+bool readRow(Decoder& decoder, void* row) {
+    if (setjmp(png_jmpbuf(decoder.png))) return false;
+    png_read_row(decoder.png, static_cast<png_bytep>(row), nullptr);
+    return true;
 }
 
-void readInterlaced(Decoder& decoder) {
-    if (setjmp(png_jmpbuf(decoder.png))) return;
-    png_read_image(decoder.png, decoder.rows.data());
-}
+/// The rows of an interlaced picture from the top: its seven passes are read side by side, each by a decoder that has
+/// gone past those before, so that no more than a row of each is ever held.
+class Passes {
+public:
+    Passes(const PngChunks& chunks, int64_t width, int64_t height, int64_t pixelBytes)
+        : width_(width),
+          pixelBytes_(static_cast<std::size_t>(pixelBytes)),
+          line_(static_cast<std::size_t>(width * pixelBytes)) {
+        int64_t rowsBefore = 0;
+        for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; ++pass) {
+            const int64_t rows = PNG_PASS_ROWS(height, pass);
+            if (PNG_PASS_COLS(width, pass) == 0 || rows == 0) continue;
+            auto decoder = std::make_unique<Decoder>(chunks);
+            bool isThere = readHeader(*decoder) && chooseFormat(*decoder);
+            for (int64_t row = 0; isThere && row < rowsBefore; ++row)
+                isThere = readRow(*decoder, line_.data());
+            if (isThere) decoders_[static_cast<std::size_t>(pass)] = std::move(decoder);
+            rowsBefore += rows;
+        }
+    }
+
+    /// Pixels that the file lacks are zeros.
+    void read(int64_t y, uint8_t* row) {
+        std::memset(row, 0, line_.size());
+        for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; ++pass) {
+            auto& decoder = decoders_[static_cast<std::size_t>(pass)];
+            if (!decoder || !PNG_ROW_IN_INTERLACE_PASS(y, pass)) continue;
+            if (!readRow(*decoder, line_.data())) {
+                decoder.reset();
+                continue;
+            }
+            const uint8_t* pixel = line_.data();
+            for (int64_t x = PNG_PASS_START_COL(pass); x < width_; x += PNG_PASS_COL_OFFSET(pass)) {
+                std::memcpy(row + static_cast<std::size_t>(x) * pixelBytes_, pixel, pixelBytes_);
+                pixel += pixelBytes_;
+            }
+        }
+    }
+
+private:
+    int64_t width_;
+    std::size_t pixelBytes_;
+    std::vector<uint8_t> line_;
+    std::array<std::unique_ptr<Decoder>, PNG_INTERLACE_ADAM7_PASSES>
+        decoders_; // null where nothing is left to read
+};
 
 PixelLayout layoutOf(const Decoder& decoder) {
     const int type = png_get_color_type(decoder.png, decoder.info);
@@ -151,8 +191,10 @@ bool isPng(std::span<const uint8_t> file) {
 }
 
 std::optional<DecodedPicture> readPng(std::span<const uint8_t> file) {
-    Decoder decoder(file);
-    if (!decoder.info || !readHeader(decoder)) return std::nullopt;
+    const auto chunks = pngChunks(file);
+    if (!chunks) return std::nullopt;
+    Decoder decoder(*chunks);
+    if (!readHeader(decoder)) return std::nullopt;
     const int64_t width = png_get_image_width(decoder.png, decoder.info);
     const int64_t height = png_get_image_height(decoder.png, decoder.info);
     const int bits =
@@ -165,22 +207,19 @@ std::optional<DecodedPicture> readPng(std::span<const uint8_t> file) {
     const PixelLayout layout = layoutOf(decoder);
     const std::size_t rowBytes = png_get_rowbytes(decoder.png, decoder.info);
     if (rowBytes != static_cast<std::size_t>(width * layout.pixelBytes())) return std::nullopt;
-    decoder.builder.emplace(width, height, profileOf(decoder, layout), orientation);
+    PictureBuilder builder(width, height, profileOf(decoder, layout), orientation);
     if (png_get_interlace_type(decoder.png, decoder.info) == PNG_INTERLACE_NONE) {
-        readRows(decoder, height);
+        for (int64_t y = 0; y < height && readRow(decoder, builder.row()); ++y) builder.rowDone();
     } else {
-        decoder.pixels.resize(rowBytes * static_cast<std::size_t>(height));
-        for (int64_t y = 0; y < height; ++y)
-            decoder.rows.push_back(decoder.pixels.data() + static_cast<std::size_t>(y) * rowBytes);
-        readInterlaced(decoder);
-        for (const png_bytep row : decoder.rows) {
-            std::memcpy(decoder.builder->row(), row, rowBytes);
-            decoder.builder->rowDone();
+        Passes passes(*chunks, width, height, layout.pixelBytes());
+        for (int64_t y = 0; y < height; ++y) {
+            passes.read(y, static_cast<uint8_t*>(builder.row()));
+            builder.rowDone();
         }
     }
-    auto pixels = decoder.builder->finish();
-    if (!pixels) return std::nullopt;
-    return DecodedPicture{std::move(pixels), dpi};
+    auto layer = builder.finish();
+    if (!layer) return std::nullopt;
+    return DecodedPicture{std::move(layer), dpi};
 }
 
 } // namespace qirn

@@ -16,8 +16,6 @@ namespace qirn {
 
 namespace {
 
-constexpr int64_t kSmallAllocation = 16 << 20; // for directories and tables
-
 /// How many bytes one byte of the file can stand for at most.
 double largestInflation(uint16_t compression) {
     switch (compression) {
@@ -72,28 +70,19 @@ bool isTiff(std::span<const uint8_t> file) {
 }
 
 std::optional<DecodedPicture> readTiff(std::span<const uint8_t> file) {
-    int64_t nativeBytes = 0;
-    {
-        const TiffHandle tiff = openTiff(file, kSmallAllocation);
-        if (!tiff) return std::nullopt;
-        const TiffShape shape = shapeOf(tiff.get());
-        if (!isReadableSize(shape.width, shape.height) || shape.bitsAPixel < 1) return std::nullopt;
-        const double inflation = largestInflation(shape.compression);
-        if (!backs(file.size(), inflation * 8 / static_cast<double>(shape.bitsAPixel), shape.width,
-                   shape.height))
-            return std::nullopt;
-        // Whether the picture is read as it is stored or through four bytes a pixel.
-        nativeBytes = shape.width * shape.height * std::max<int64_t>(4, (shape.bitsAPixel + 7) / 8);
-    }
-    const TiffHandle tiff = openTiff(file, nativeBytes + kSmallAllocation);
+    const TiffHandle tiff = openTiff(file, tiffWorkingMemory(file.size()));
     if (!tiff) return std::nullopt;
     const TiffShape shape = shapeOf(tiff.get());
+    if (!isReadableSize(shape.width, shape.height) || shape.bitsAPixel < 1) return std::nullopt;
+    const double inflation = largestInflation(shape.compression);
+    if (!backs(file.size(), inflation * 8 / static_cast<double>(shape.bitsAPixel), shape.width, shape.height))
+        return std::nullopt;
     const Orientation orientation = orientationOf(tiff.get()); // read before the rows, which may reset it
     PictureBuilder builder(shape.width, shape.height, profileOf(tiff.get(), shape.layout), orientation);
-    readTiffRows(tiff.get(), shape, builder);
-    auto pixels = builder.finish();
-    if (!pixels) return std::nullopt;
-    return DecodedPicture{std::move(pixels), dpiOf(tiff.get())};
+    readTiffRows(file, tiff.get(), shape, builder);
+    auto layer = builder.finish();
+    if (!layer) return std::nullopt;
+    return DecodedPicture{std::move(layer), dpiOf(tiff.get())};
 }
 
 } // namespace qirn

@@ -1,37 +1,20 @@
 #pragma once
-#include "formats/pictures/ColorProfile.h"
+#include "formats/pictures/TiffShape.h"
 
 #include <cstdint>
-
-struct tiff;
+#include <span>
 
 namespace qirn {
 
 class PictureBuilder;
 
-/// How the first picture of a TIFF lies in its file.
-struct TiffShape {
-    enum class Alpha { none, straight, premultiplied };
+/// What reading a file of so many bytes may take at most, besides the picture that comes out.
+int64_t tiffWorkingMemory(std::size_t fileBytes);
 
-    int64_t width = 0;
-    int64_t height = 0;
-    int64_t bitsAPixel = 0; ///< Before compression.
-    uint16_t compression = 0;
-    uint16_t photometric = 0;
-    int bits = 0;    ///< A sample.
-    int samples = 0; ///< A pixel, those that are neither colour nor alpha included.
-    bool isPlanar = false;
-    bool isAsStored =
-        false; ///< The samples are given as they lie; otherwise the library makes 8-bit RGBA of them.
-    Alpha alpha = Alpha::none;
-    int alphaSample = 0;
-    PixelLayout layout; ///< Of the rows that are given.
-};
-
-/// Sides of 0 when the file does not say them.
-TiffShape shapeOf(tiff* file);
-
-/// Gives the rows in the layout of the shape, from the first as stored on; stops where the data ends or is damaged.
-void readTiffRows(tiff* file, const TiffShape& shape, PictureBuilder& builder);
+/// Gives the rows in the layout of the shape, from the first as stored on; stops where the data ends or is damaged, and
+/// gives none of a file whose tiles, or whatever else has to be unpacked in one piece, take more than the above.
+/// `opened` is the file at its first picture.
+void readTiffRows(std::span<const uint8_t> file, tiff* opened, const TiffShape& shape,
+                  PictureBuilder& builder);
 
 } // namespace qirn

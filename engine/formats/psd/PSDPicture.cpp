@@ -74,7 +74,11 @@ std::optional<DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) 
         const bool isThere =
             sections->hasMergedPicture && std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
         if (sections->hasLayers && !isThere) throw PSDFile::PSDError::noMergedPicture();
-        return DecodedPicture{pictureOf(*sections), sections->dpi};
+        const auto picture = pictureOf(*sections);
+        auto layer = std::make_shared<Layer>(QStringLiteral("Background"),
+                                             TileGrid(sections->width, sections->height));
+        layer->load(*picture);
+        return DecodedPicture{std::move(layer), sections->dpi};
     } catch (const BEReader::Short&) {
         return std::nullopt;
     }

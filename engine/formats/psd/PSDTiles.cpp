@@ -2,6 +2,7 @@
 
 #include "core/PaintColor.h"
 #include "formats/ByteReader.h"
+#include "formats/FlatTiles.h"
 #include "formats/pictures/StraightPixels.h"
 #include "formats/psd/PackBits.h"
 #include "platform/Parallel.h"
@@ -9,8 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
-#include <map>
-#include <tuple>
 
 namespace qirn::PSDFile {
 
@@ -64,22 +63,7 @@ struct FlatTile {
     int64_t slot;
     IRect part; // in the tile
     PixelBytes pixel;
-
-    bool operator<(const FlatTile& other) const { // whatever the slot
-        const auto key = [](const FlatTile& t) {
-            return std::tuple(t.part.x, t.part.y, t.part.w, t.part.h, t.pixel);
-        };
-        return key(*this) < key(other);
-    }
 };
-
-void fillPart(Tile& tile, const IRect& part, const PixelBytes& pixel) {
-    if (part.isEmpty() || pixel == PixelBytes{}) return; // tiles are made of zeros
-    uint8_t* const start = tile.writablePixels() + part.y * kTileRowBytes + part.x * 4;
-    for (int64_t x = 0; x < part.w; ++x) std::memcpy(start + x * 4, pixel.data(), 4);
-    for (int64_t y = 1; y < part.h; ++y)
-        std::memcpy(start + y * kTileRowBytes, start, static_cast<std::size_t>(part.w) * 4);
-}
 
 bool isFlat(const uint8_t* bytes, int64_t count) {
     return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
@@ -274,19 +258,12 @@ std::vector<std::vector<PlacedTile>> decodePictures(std::span<const StoredPictur
     if (endsEarly) throw BEReader::Short();
 
     std::vector<std::vector<PlacedTile>> tiles(pictures.size());
-    std::map<FlatTile, TileRef> shared;
+    FlatTiles flats;
     for (Band& band : work.bands) {
         auto& placed = tiles[band.picture];
         std::move(band.tiles.begin(), band.tiles.end(), std::back_inserter(placed));
-        for (const FlatTile& flat : band.flats) {
-            TileRef& tile = shared[flat];
-            if (!tile) {
-                tile = std::make_shared<Tile>();
-                fillPart(*tile, flat.part, flat.pixel);
-                tile->freeze();
-            }
-            placed.emplace_back(flat.slot, tile);
-        }
+        for (const FlatTile& flat : band.flats)
+            placed.emplace_back(flat.slot, flats.tile(flat.part, flat.pixel));
     }
     return tiles;
 }
