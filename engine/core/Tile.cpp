@@ -9,12 +9,19 @@ namespace {
 std::atomic<int64_t> heldByForms = 0;
 } // namespace
 
-StoredForm::StoredForm(Coding how, std::vector<uint8_t> stream) : coding(how), bytes(std::move(stream)) {
-    heldByForms += static_cast<int64_t>(bytes.size());
-}
+StoredForm::StoredForm(Coding how, std::vector<uint8_t> stream) : coding(how), bytes(std::move(stream)) {}
 
 StoredForm::~StoredForm() {
-    heldByForms -= static_cast<int64_t>(bytes.size());
+    if (counted_) heldByForms -= static_cast<int64_t>(bytes.size());
+}
+
+// Other threads know a form only once it is counted.
+bool StoredForm::isCounted() const {
+    const auto size = static_cast<int64_t>(bytes.size());
+    if (counted_.exchange(true) || (heldByForms += size) <= mostBytes) return true;
+    heldByForms -= size;
+    counted_ = false;
+    return false;
 }
 
 int64_t StoredForm::heldBytes() {
@@ -23,7 +30,7 @@ int64_t StoredForm::heldBytes() {
 
 void Tile::remember(std::shared_ptr<const StoredForm> form) const {
     require(frozen_);
-    if (StoredForm::heldBytes() <= StoredForm::mostBytes) storedForm_ = std::move(form);
+    if (form->isCounted()) storedForm_ = std::move(form);
 }
 
 Tile::Tile() : pixels_(TileMemory::take()) {

@@ -16,7 +16,8 @@ inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
 inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
 
 /// A tile as a file stores it, remembered with the tile so that saving again costs only what changed since. All
-/// that is remembered together stays under a limit; what would go beyond is simply not kept.
+/// that is remembered together stays under a limit; what would go beyond is simply not kept, and what only a save
+/// holds does not count.
 class StoredForm {
 public:
     enum class Coding { blank, raw, lzfse }; ///< Nothing; the tile's own bytes; `bytes`.
@@ -27,10 +28,16 @@ public:
     StoredForm(const StoredForm&) = delete;
     StoredForm& operator=(const StoredForm&) = delete;
 
-    static int64_t heldBytes(); ///< Of all there are.
+    static int64_t heldBytes(); ///< Of all that are remembered, each once however many tiles share it.
 
     const Coding coding;
     const std::vector<uint8_t> bytes;
+
+private:
+    friend class Tile;
+    bool isCounted() const; ///< Among those that are remembered; the first time only if the limit allows it.
+
+    mutable std::atomic<bool> counted_ = false;
 };
 
 /// 256 x 256 pixels of one layer: premultiplied 8-bit sRGB RGBA, top row first, 1024 bytes a row.

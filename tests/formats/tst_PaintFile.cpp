@@ -46,6 +46,7 @@ private Q_SLOTS:
     void randomPicturesSurviveASecondSaving();
     void bytesDoNotDependOnThreads();
     void savingAgainGivesTheBytesOfAFirstSave();
+    void asMuchIsRememberedAsTheLimitAllows();
     void aSnapshotKeepsThePictureOfItsMoment();
     void noiseIsStoredRaw();
     void aTransparentTileVanishes();
@@ -158,6 +159,23 @@ void tst_PaintFile::savingAgainGivesTheBytesOfAFirstSave() {
     QVERIFY(second != first);
     doc.reset();
     QCOMPARE(StoredForm::heldBytes(), heldBefore);
+}
+
+void tst_PaintFile::asMuchIsRememberedAsTheLimitAllows() {
+    const int64_t heldBefore = StoredForm::heldBytes();
+    const auto form = [](int64_t bytes) {
+        return std::make_shared<const StoredForm>(StoredForm::Coding::lzfse,
+                                                  std::vector<uint8_t>(static_cast<std::size_t>(bytes)));
+    };
+    // All are there at once, as in a save of a large picture, before the first is remembered.
+    const int64_t large = StoredForm::mostBytes - heldBefore - 1000;
+    std::vector<std::shared_ptr<const StoredForm>> forms{form(large), form(1001), form(1000)};
+    Tile tiles[3];
+    for (Tile& tile : tiles) tile.freeze();
+    for (std::size_t i = 0; i < 3; ++i) tiles[i].remember(forms[i]);
+    tiles[1].remember(forms[2]); // shared, counted once
+    QVERIFY(tiles[0].storedForm() && tiles[1].storedForm() == forms[2] && tiles[2].storedForm() == forms[2]);
+    QCOMPARE(StoredForm::heldBytes(), StoredForm::mostBytes);
 }
 
 void tst_PaintFile::aSnapshotKeepsThePictureOfItsMoment() {
