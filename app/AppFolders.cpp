@@ -32,6 +32,13 @@ QString AppFolders::base() {
 QString AppFolders::autosave() {
     return made(QDir(base()).filePath(QStringLiteral("Autosave")));
 }
+QString AppFolders::storeFile() {
+    return QDir(base()).filePath(QStringLiteral("Preferences.json"));
+}
+QString AppFolders::olderStoreFile() {
+    const QString settings = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return QDir(settings).filePath(QStringLiteral("Qirn Paint/Qirn Paint.ini"));
+}
 QString AppFolders::brushesFile() {
     return QDir(base()).filePath(QStringLiteral("My Brushes.json"));
 }

@@ -10,9 +10,11 @@ namespace AppFolders {
 /// ends that.
 void setBaseOverride(const QString& folder);
 
-QString base();     ///< "Qirn Paint" in the user's data folder; made where missing, a failure being ignored.
-QString autosave(); ///< The safety copies; made likewise.
-QString brushesFile(); ///< The user's presets.
+QString base();      ///< "Qirn Paint" in the user's data folder; made where missing, a failure being ignored.
+QString autosave();  ///< The safety copies; made likewise.
+QString storeFile(); ///< The small values (Store.h).
+QString olderStoreFile(); ///< Where versions before the first Store kept them: an INI file.
+QString brushesFile();    ///< The user's presets.
 QString palettesFile();
 
 } // namespace AppFolders

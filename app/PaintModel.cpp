@@ -3,8 +3,8 @@
 
 #include "AppFolders.h"
 #include "CanvasView.h"
-#include "Defaults.h"
 #include "Desktop.h"
+#include "Store.h"
 #include "formats/palettes/PaletteLibrary.h"
 
 #include <algorithm>
@@ -19,13 +19,13 @@ constexpr int kMessageTime = 2600; // milliseconds
 
 PaintModel* PaintModel::shared = nullptr;
 
-PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Defaults& defaults)
+PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Store& store)
     : desktop_(desktop),
-      defaults_(defaults),
+      store_(store),
       userBrushFile_(AppFolders::brushesFile()),
       userPaletteFile_(AppFolders::palettesFile()),
       paletteID_(PaletteLibrary::builtIn().front().id),
-      prefs_(PaintPrefs::load(defaults)) {
+      prefs_(PaintPrefs::load(store)) {
     for (const ToolRow& row : kTools) {
         if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
     }
@@ -116,7 +116,7 @@ void PaintModel::setOptions(const ToolOptions& options) {
 void PaintModel::setPrefs(const PaintPrefs& prefs) {
     if (prefs == prefs_) return;
     prefs_ = prefs;
-    prefs_.save(defaults_);
+    prefs_.save(store_);
     applyPrefs();
     announce();
 }

@@ -30,8 +30,8 @@ class QMimeData;
 namespace qirn {
 
 class CanvasView;
-class Defaults;
 class Desktop;
+class Store;
 struct TextSpec;
 
 /// The one application object: the open pictures, the tool, the colours, a brush for each brush tool, and every
@@ -41,8 +41,8 @@ class PaintModel : public QObject {
     Q_OBJECT
 public:
     enum class LoadStores { no, yes };
-    /// Borrows desktop and defaults for its life. `no` keeps the built-in values and reads nothing stored.
-    PaintModel(LoadStores stores, Desktop& desktop, Defaults& defaults);
+    /// Borrows desktop and store for its life. `no` keeps the built-in values and reads nothing stored.
+    PaintModel(LoadStores stores, Desktop& desktop, Store& store);
     ~PaintModel() override;
 
     static PaintModel* shared; ///< The application's own; null in the command modes.
@@ -189,10 +189,10 @@ public:
     void cancelTransform();
 
     // --- Stored state (PaintModelStore.cpp)
-    void saveState();      ///< Writes what changed now.
-    void saveStateLater(); ///< Queued, so that a press never waits for the disk.
+    void saveState();      ///< Puts the choices into the store.
+    void saveStateLater(); ///< Queued, so that it is done once for what changes together.
 
-    Defaults& defaults() const { return defaults_; }
+    Store& store() const { return store_; }
     CanvasStatus& status() { return status_; }
     CanvasView* canvas() const;
     void setCanvas(CanvasView* canvas);
@@ -220,7 +220,7 @@ private:
     void showOnCanvas(DocSession& session);
 
     Desktop& desktop_;
-    Defaults& defaults_;
+    Store& store_;
     std::vector<SessionRef> sessions_;
     QUuid currentID_;
     Tool tool_ = Tool::brush;
@@ -249,7 +249,7 @@ private:
     QPointer<CanvasView> canvas_;
     QTimer autosaveTimer_;
     QTimer hudTimer_;
-    QTimer stateTimer_; // single shot, 0 ms: the queued write of the stored state
+    QTimer stateTimer_; // single shot, 0 ms: the queued saveState
 };
 
 } // namespace qirn

@@ -2,7 +2,7 @@
 // only itself.
 #include "PaintModel.h"
 
-#include "Defaults.h"
+#include "Store.h"
 #include "core/ColorJson.h"
 
 namespace qirn {
@@ -45,14 +45,14 @@ std::vector<PaintColor> decodeColors(const Json& list) {
 } // namespace
 
 void PaintModel::loadState() {
-    if (const auto record = defaults_.json(kToolBrushesKey)) {
+    if (const Json* record = store_.json(kToolBrushesKey)) {
         if (const auto brushes = decodeToolBrushes(*record)) {
             for (const auto& [tool, brush] : *brushes) toolBrush_.insert_or_assign(tool, brush);
         }
     }
     userBrushes_ = userBrushFile_.load();
     userPalettes_ = userPaletteFile_.load();
-    if (const auto list = defaults_.json(kColorsKey)) {
+    if (const Json* list = store_.json(kColorsKey)) {
         const std::vector<PaintColor> colors = decodeColors(*list);
         if (colors.size() >= 2) {
             primary_ = colors[0];
@@ -61,18 +61,18 @@ void PaintModel::loadState() {
             recent_.assign(colors.begin() + 2, colors.begin() + static_cast<std::ptrdiff_t>(end));
         }
     }
-    if (const auto text = defaults_.text(kPaletteKey)) {
+    if (const auto text = store_.text(kPaletteKey)) {
         const QUuid id(*text);
         if (!id.isNull()) paletteID_ = id;
     }
-    if (const auto record = defaults_.json(kFillKey)) {
+    if (const Json* record = store_.json(kFillKey)) {
         try {
             options_.fill = FillOptions::fromJson(*record);
         } catch (const JsonTypeError&) {
             // The built-in values stay.
         }
     }
-    if (const auto id = defaults_.text(kToolKey)) {
+    if (const auto id = store_.text(kToolKey)) {
         const std::optional<Tool> tool = toolWithId(*id);
         if (tool) tool_ = *tool;
     }
@@ -86,13 +86,13 @@ void PaintModel::saveState() {
     stateTimer_.stop();
     OrderedJson brushes = OrderedJson::object();
     for (const auto& [tool, brush] : toolBrush_) brushes[rowOf(tool).id] = brush.toJson();
-    defaults_.setJson(kToolBrushesKey, brushes);
+    store_.set(kToolBrushesKey, brushes);
     OrderedJson colors = OrderedJson::array({colorToJson(primary_), colorToJson(secondary_)});
     for (const PaintColor& color : recent_) colors.push_back(colorToJson(color));
-    defaults_.setJson(kColorsKey, colors);
-    defaults_.setText(kPaletteKey, paletteID_.toString(QUuid::WithoutBraces).toUpper());
-    defaults_.setJson(kFillKey, options_.fill.toJson());
-    defaults_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
+    store_.set(kColorsKey, colors);
+    store_.setText(kPaletteKey, paletteID_.toString(QUuid::WithoutBraces).toUpper());
+    store_.set(kFillKey, options_.fill.toJson());
+    store_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
 }
 
 } // namespace qirn

@@ -1,7 +1,8 @@
 #include "PaintPrefs.h"
 
-#include "Defaults.h"
-#include "platform/Json.h"
+#include "Store.h"
+
+#include <algorithm>
 
 namespace qirn {
 
@@ -30,22 +31,27 @@ struct FieldReader {
 
 } // namespace
 
-PaintPrefs PaintPrefs::load(const Defaults& defaults) {
-    const std::optional<Json> record = defaults.json(QLatin1String(key));
+PaintPrefs PaintPrefs::load(const Store& store) {
+    const Json* record = store.json(QLatin1String(key));
     if (!record) return {};
     try {
         PaintPrefs prefs;
         forEachField(prefs, FieldReader{*record});
+        if (prefs.autosaveSeconds != 0)
+            prefs.autosaveSeconds = std::clamp(prefs.autosaveSeconds, 30.0, 600.0);
+        prefs.undoSteps = std::clamp<int64_t>(prefs.undoSteps, 20, 500);
+        prefs.pressureCurve = std::clamp(prefs.pressureCurve, 0.4, 2.5);
+        prefs.checkerSize = std::clamp(prefs.checkerSize, 4.0, 40.0);
         return prefs;
     } catch (const JsonTypeError&) {
         return {};
     }
 }
 
-void PaintPrefs::save(Defaults& defaults) const {
+void PaintPrefs::save(Store& store) const {
     OrderedJson record;
     forEachField(*this, [&](const char* name, const auto& field) { record[name] = field; });
-    defaults.setJson(QLatin1String(key), record);
+    store.set(QLatin1String(key), record);
 }
 
 } // namespace qirn

@@ -1,13 +1,14 @@
 #include "QirnPaintApp.h"
 
+#include "AppFolders.h"
 #include "Benchmark.h"
-#include "Defaults.h"
 #include "MainView.h"
 #include "PaintModel.h"
 #include "PaintSample.h"
 #include "QirnKit.h"
 #include "QtDesktop.h"
 #include "SelfTest.h"
+#include "Store.h"
 #include "platform/DescribedError.h"
 
 #include <cstdio>
@@ -124,8 +125,8 @@ int runStudio(int& argc, char** argv) {
     auto* delegate = new PaintAppDelegate(app);
     QirnKit::install(QStringLiteral("Qirn Paint"));
     QtDesktop desktop;
-    UserDefaults defaults;
-    PaintModel model(PaintModel::LoadStores::yes, desktop, defaults);
+    Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
+    PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     PaintModel::shared = &model;
     MainView window(model);
     model.ensureDocument();

@@ -2,11 +2,11 @@
 
 #include "AppFolders.h"
 #include "CanvasView.h"
-#include "Defaults.h"
 #include "Desktop.h"
 #include "PaintModel.h"
 #include "Recovery.h"
 #include "SelfTestEngine.h"
+#include "Store.h"
 #include "brush/BrushLibrary.h"
 
 #include <cmath>
@@ -42,7 +42,7 @@ private:
 struct SelfTestWorld {
     SelfTestReport& report;
     SilentDesktop& desktop;
-    Defaults& defaults;
+    Store& store;
 
     void check(const char* name, bool passed) const { report.check(QString::fromUtf8(name), passed); }
 };
@@ -67,7 +67,7 @@ void recovery(const SelfTestWorld& world) {
 
 void persistence(const SelfTestWorld& world) {
     {
-        PaintModel model(PaintModel::LoadStores::no, world.desktop, world.defaults);
+        PaintModel model(PaintModel::LoadStores::no, world.desktop, world.store);
         model.choose(*BrushLibrary::named(QStringLiteral("Finger Blend")));
         model.pick(PaintColor(0.25, 0.5, 0.75), PaintModel::AddRecent::yes);
         PaintPrefs prefs = model.prefs();
@@ -77,7 +77,7 @@ void persistence(const SelfTestWorld& world) {
         model.addToPalette(PaintColor(0.25, 0.5, 0.75));
         model.saveState();
     }
-    const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.defaults);
+    const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.store);
     world.check("The tool and its brush come back after a restart",
                 model.tool() == Tool::smudge &&
                     model.activeBrush().name == QStringLiteral("Self-test brush"));
@@ -91,7 +91,7 @@ void persistence(const SelfTestWorld& world) {
 }
 
 void canvasPipeline(const SelfTestWorld& world) {
-    PaintModel model(PaintModel::LoadStores::no, world.desktop, world.defaults);
+    PaintModel model(PaintModel::LoadStores::no, world.desktop, world.store);
     CanvasView canvas(model);
     canvas.resize(900, 700);
     model.setCanvas(&canvas);
@@ -161,11 +161,11 @@ int runSelfTest() {
     AppFolders::setBaseOverride(folder.path());
     SilentDesktop desktop;
     // A store of its own: the user's is not even opened, so that nothing can interrupt putting it back.
-    UserDefaults defaults(folder.filePath(QStringLiteral("Preferences.ini")));
+    Store store(AppFolders::storeFile());
     SelfTestReport report;
     report.heading();
     for (const auto section : kSections) {
-        section({report, desktop, defaults});
+        section({report, desktop, store});
         report.endSection();
     }
     report.result();

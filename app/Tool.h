@@ -28,7 +28,7 @@ enum class Tool : uint8_t {
 
 struct ToolRow {
     Tool tool;
-    const char* id;    ///< As the defaults store keeps it.
+    const char* id;    ///< As the store keeps it.
     const char* title; ///< English source text.
     char key;          ///< The plain letter that picks the tool on the canvas.
     const char* helpTopic;

@@ -14,9 +14,10 @@ class UserFile {
 public:
     explicit UserFile(QString path) : path_(std::move(path)) {}
 
-    /// Hands the content to `decode`, which says whether it could be read; nothing happens where there is no file.
-    void load(const std::function<bool(std::span<const uint8_t>)>& decode);
-    void save(const QByteArray& bytes); ///< A failure is not reported.
+    /// Hands the content to `decode`, which says whether it could be read. False, and nothing happens, where there is
+    /// no file.
+    bool load(const std::function<bool(std::span<const uint8_t>)>& decode);
+    bool save(const QByteArray& bytes); ///< False when it could not be written.
 
 private:
     QString path_;

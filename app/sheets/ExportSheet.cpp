@@ -2,10 +2,10 @@
 
 #include "ChromeSegments.h"
 #include "ChromeSlider.h"
-#include "Defaults.h"
 #include "DocSession.h"
 #include "Metrics.h"
 #include "PaintModel.h"
+#include "Store.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -129,9 +129,9 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     layout->addWidget(facts);
     layout->addWidget(buttons);
 
-    const ExportFormat last = formatNamed(model.defaults().text(kFormatKey).value_or(QString()));
+    const ExportFormat last = formatNamed(model.store().text(kFormatKey).value_or(QString()));
     formats_->setCurrentRow(static_cast<int>(last));
-    quality_->setValue(model.defaults().number(kQualityKey).value_or(kUsualQuality));
+    quality_->setValue(model.store().number(kQualityKey).value_or(kUsualQuality));
     background_->setChosen(0);
     connect(formats_, &QListWidget::currentRowChanged, this, &ExportSheet::refresh);
     connect(formats_, &QListWidget::itemActivated, this, &ExportSheet::exportPicture);
@@ -162,8 +162,8 @@ void ExportSheet::refresh() {
 }
 
 void ExportSheet::exportPicture() {
-    model_.defaults().setText(kFormatKey, QLatin1String(rowOf(format()).id));
-    model_.defaults().setNumber(kQualityKey, quality_->value());
+    model_.store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
+    model_.store().set(kQualityKey, quality_->value());
     QTimer::singleShot(0, &model_,
                        [&model = model_, format = format(), quality = quality_->value(),
                         color = background()] { model.exportPicture(format, quality, color); });

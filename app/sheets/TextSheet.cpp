@@ -1,7 +1,7 @@
 #include "sheets/TextSheet.h"
 
-#include "Defaults.h"
 #include "PaintModel.h"
+#include "Store.h"
 #include "TextRenderer.h"
 
 #include <QCheckBox>
@@ -113,36 +113,39 @@ TextSpec TextSheet::spec() const {
 }
 
 void TextSheet::loadLook() {
-    const Defaults& stored = model_.defaults();
+    const Store& stored = model_.store();
     TextSpec look;
     look.fontFamily = stored.text(QStringLiteral("qirn.pt.textFont")).value_or(look.fontFamily);
-    look.size = stored.number(QStringLiteral("qirn.pt.textSize")).value_or(look.size);
-    look.bold = stored.number(QStringLiteral("qirn.pt.textBold")).value_or(look.bold) != 0;
-    look.italic = stored.number(QStringLiteral("qirn.pt.textItalic")).value_or(look.italic) != 0;
-    look.alignment =
-        static_cast<int>(stored.number(QStringLiteral("qirn.pt.textAlign")).value_or(look.alignment));
-    look.outline = stored.number(QStringLiteral("qirn.pt.textOutline")).value_or(look.outline) != 0;
-    look.outlineWidth = stored.number(QStringLiteral("qirn.pt.textOutlineWidth")).value_or(look.outlineWidth);
+    const auto number = [&](const char* key, double usual, double least, double most) {
+        return std::clamp(stored.number(QLatin1String(key)).value_or(usual), least, most);
+    };
+    look.size = number("qirn.pt.textSize", look.size, size_->minimum(), size_->maximum());
+    look.bold = stored.flag(QStringLiteral("qirn.pt.textBold")).value_or(look.bold);
+    look.italic = stored.flag(QStringLiteral("qirn.pt.textItalic")).value_or(look.italic);
+    look.alignment = static_cast<int>(number("qirn.pt.textAlign", look.alignment, 0, 2));
+    look.outline = stored.flag(QStringLiteral("qirn.pt.textOutline")).value_or(look.outline);
+    look.outlineWidth = number("qirn.pt.textOutlineWidth", look.outlineWidth, outlineWidth_->minimum(),
+                               outlineWidth_->maximum());
     // A family that the machine lacks shows as the one that stands in for it.
     family_->setCurrentText(TextRenderer::font(look).family());
     size_->setValue(look.size);
     bold_->setChecked(look.bold);
     italic_->setChecked(look.italic);
-    alignment_->setCurrentIndex(std::clamp(look.alignment, 0, 2));
+    alignment_->setCurrentIndex(look.alignment);
     outline_->setChecked(look.outline);
     outlineWidth_->setValue(look.outlineWidth);
 }
 
 void TextSheet::saveLook() const {
-    Defaults& store = model_.defaults();
+    Store& store = model_.store();
     const TextSpec look = spec();
     store.setText(QStringLiteral("qirn.pt.textFont"), look.fontFamily);
-    store.setNumber(QStringLiteral("qirn.pt.textSize"), look.size);
-    store.setNumber(QStringLiteral("qirn.pt.textBold"), look.bold);
-    store.setNumber(QStringLiteral("qirn.pt.textItalic"), look.italic);
-    store.setNumber(QStringLiteral("qirn.pt.textAlign"), look.alignment);
-    store.setNumber(QStringLiteral("qirn.pt.textOutline"), look.outline);
-    store.setNumber(QStringLiteral("qirn.pt.textOutlineWidth"), look.outlineWidth);
+    store.set(QStringLiteral("qirn.pt.textSize"), look.size);
+    store.set(QStringLiteral("qirn.pt.textBold"), look.bold);
+    store.set(QStringLiteral("qirn.pt.textItalic"), look.italic);
+    store.set(QStringLiteral("qirn.pt.textAlign"), look.alignment);
+    store.set(QStringLiteral("qirn.pt.textOutline"), look.outline);
+    store.set(QStringLiteral("qirn.pt.textOutlineWidth"), look.outlineWidth);
 }
 
 void TextSheet::refreshPreview() {

@@ -13,7 +13,6 @@ class QPlainTextEdit;
 
 namespace qirn {
 
-class Defaults;
 class PaintModel;
 
 /// Asks for words and their look and places them as a layer of their own. The look is kept for the next time.

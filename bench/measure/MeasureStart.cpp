@@ -1,10 +1,11 @@
 #include "Measurements.h"
 
 #include "../PlainPass.h"
-#include "Defaults.h"
+#include "AppFolders.h"
 #include "MainView.h"
 #include "PaintModel.h"
 #include "QtDesktop.h"
+#include "Store.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -66,8 +67,8 @@ int showFirstPaint(int argc, char** argv, const QString& window) {
         return QCoreApplication::exec();
     }
     QtDesktop desktop;
-    UserDefaults defaults;
-    PaintModel model(PaintModel::LoadStores::yes, desktop, defaults);
+    Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
+    PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     MainView studio(model);
     model.ensureDocument();
     studio.resize(kWindow);

@@ -1,13 +1,15 @@
 #include "operations/FillOptions.h"
 
+#include <algorithm>
+
 namespace qirn {
 
 FillOptions FillOptions::fromJson(const Json& record) {
     FillOptions options;
-    options.tolerance = jsonWhole(jsonMember(record, "tolerance"));
+    options.tolerance = std::clamp<int64_t>(jsonWhole(jsonMember(record, "tolerance")), 0, 255);
     options.contiguous = jsonFlag(jsonMember(record, "contiguous"));
     options.sampleAllLayers = jsonFlag(jsonMember(record, "sampleAllLayers"));
-    options.expand = jsonWhole(jsonMember(record, "expand"));
+    options.expand = std::clamp<int64_t>(jsonWhole(jsonMember(record, "expand")), 0, 4);
     return options;
 }
 

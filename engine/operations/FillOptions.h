@@ -12,7 +12,7 @@ struct FillOptions {
     bool sampleAllLayers = false; ///< Looks at the finished picture, not only at the active layer.
     int64_t expand = 1;           ///< Pixels by which the result grows; below 0 is 0, above 4 is 4.
 
-    /// Throws JsonTypeError where a key is missing or of the wrong type.
+    /// The numbers brought into their ranges. Throws JsonTypeError where a key is missing or of the wrong type.
     static FillOptions fromJson(const Json& record);
     OrderedJson toJson() const; ///< The keys are the names of the fields.
 

@@ -11,7 +11,7 @@
 
 namespace qirn {
 
-/// What a file or the defaults store brings. Keys are sorted, so that a hostile object with a million keys does
+/// What a file brings. Keys are sorted, so that a hostile object with a million keys does
 /// not cost a quadratic search; of two equal keys the last wins.
 using Json = nlohmann::json;
 /// What we write: keys stay in the order in which they were added.

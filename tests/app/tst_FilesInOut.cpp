@@ -9,17 +9,15 @@
 #include "platform/Bytes.h"
 #include "sheets/ExportSheet.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
 
-#include <csignal>
-
 #include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
-#include <sys/resource.h>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -27,24 +25,6 @@ using namespace qirn::test;
 Q_DECLARE_METATYPE(qirn::ExportFormat)
 
 namespace {
-
-/// No file can grow beyond a few bytes: what a full disk does to a write.
-class FullDisk {
-public:
-    FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit few{16, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &few);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 /// A half-transparent picture on two layers, one of them hidden.
 void paintPicture(Studio& studio) {
@@ -199,7 +179,7 @@ private Q_SLOTS:
     void theExportSheetAsksAndRemembers() {
         Studio studio;
         paintPicture(studio);
-        studio.defaults.setText(QStringLiteral("qirn.pt.exportFormat"), QStringLiteral("no such format"));
+        studio.store.setText(QStringLiteral("qirn.pt.exportFormat"), QStringLiteral("no such format"));
         {
             ExportSheet sheet(studio.model, nullptr);
             sheet.show();
@@ -222,8 +202,8 @@ private Q_SLOTS:
             QVERIFY(studio.desktop.proposedNames.isEmpty()); // the sheet goes first
         }
         QTRY_VERIFY(QFile::exists(studio.path(QStringLiteral("out.jpg"))));
-        QCOMPARE(studio.defaults.text(QStringLiteral("qirn.pt.exportFormat")), QStringLiteral("jpeg"));
-        QCOMPARE(studio.defaults.number(QStringLiteral("qirn.pt.jpegQuality")), std::optional(0.3));
+        QCOMPARE(studio.store.text(QStringLiteral("qirn.pt.exportFormat")), QStringLiteral("jpeg"));
+        QCOMPARE(studio.store.number(QStringLiteral("qirn.pt.jpegQuality")), std::optional(0.3));
         // Black shows where the picture is transparent; white would not.
         QCOMPARE(bytesAt(studio.path(QStringLiteral("out.jpg"))),
                  ImageExport::data(studio.doc(), ExportFormat::jpeg, 0.3, PaintColor::black()));
@@ -251,7 +231,7 @@ private Q_SLOTS:
         studio.model.exportBrushes();
         QCOMPARE(studio.model.hud(), QStringLiteral("Exported 2 brush(es)"));
         QCOMPARE(BrushFile::decode(bytesOf(bytesAt(path))), std::optional(own));
-        QCOMPARE(PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.defaults).userBrushes(), own);
+        QCOMPARE(PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.store).userBrushes(), own);
     }
 
     void brushFilesOfOtherHands_data() {

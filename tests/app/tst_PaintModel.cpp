@@ -36,7 +36,6 @@ private Q_SLOTS:
     void choicesSurviveARestart();
     void oneBadValueCostsOnlyItself();
     void aBrushFileThatCannotBeReadIsMovedAside();
-    void nothingIsWrittenInsideAPress();
     void messagesPass();
 
     // Pictures
@@ -129,39 +128,42 @@ void tst_PaintModel::choicesSurviveARestart() {
     studio.model.setPrefs(prefs);
     studio.model.saveBrushAsNew(QStringLiteral("Mine"));
     studio.model.saveState();
-    const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
+    const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
     QCOMPARE(again.tool(), Tool::smudge);
     QCOMPARE(again.activeBrush().size, 123.0);
     QCOMPARE(again.primary(), PaintColor(0.25, 0.5, 0.75));
     QCOMPARE(again.recent().size(), std::size_t{1});
     QCOMPARE(again.prefs().undoSteps, int64_t{50});
     QCOMPARE(again.userBrushes().front().name, QStringLiteral("Mine"));
-    const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.defaults);
+    const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.store);
     QCOMPARE(fresh.tool(), Tool::brush);
     QVERIFY(fresh.userBrushes().empty());
 }
 
 void tst_PaintModel::oneBadValueCostsOnlyItself() {
     Studio studio;
-    studio.defaults.setText(QStringLiteral("qirn.pt.tool"), QStringLiteral("eraser"));
-    studio.defaults.setText(QStringLiteral("qirn.pt.colors"),
-                            QStringLiteral("[{\"r\":1,\"g\":0,\"b\":0,\"a\":1}]"));
-    studio.defaults.setText(QStringLiteral("qirn.pt.toolBrushes"), QStringLiteral("{\"brush\":[[["));
-    studio.defaults.setText(QStringLiteral("qirn.pt.prefs"), QStringLiteral("{\"undoSteps\":20}"));
-    const PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
+    studio.store.setText(QStringLiteral("qirn.pt.tool"), QStringLiteral("eraser"));
+    studio.store.setText(QStringLiteral("qirn.pt.colors"),
+                         QStringLiteral("[{\"r\":1,\"g\":0,\"b\":0,\"a\":1}]"));
+    studio.store.setText(QStringLiteral("qirn.pt.toolBrushes"), QStringLiteral("{\"brush\":[[["));
+    studio.store.set(QStringLiteral("qirn.pt.prefs"), {{"undoSteps", 20}});
+    studio.store.set(QStringLiteral("qirn.pt.fill"),
+                     {{"tolerance", 1000}, {"contiguous", false}, {"sampleAllLayers", true}, {"expand", -7}});
+    const PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
     QCOMPARE(model.tool(), Tool::eraser);
     QCOMPARE(model.primary(), PaintColor(0.7, 0.02, 0.08));
     QCOMPARE(model.activeBrush().name, QStringLiteral("Hard Eraser"));
     QCOMPARE(model.prefs(), PaintPrefs()); // a record that lacks a key counts for nothing
+    QCOMPARE(model.options().fill, (FillOptions{255, false, true, 0}));
     // What could not be read is still there.
-    QCOMPARE(studio.defaults.text(QStringLiteral("qirn.pt.toolBrushes")), QStringLiteral("{\"brush\":[[["));
+    QCOMPARE(studio.store.text(QStringLiteral("qirn.pt.toolBrushes")), QStringLiteral("{\"brush\":[[["));
 }
 
 void tst_PaintModel::aBrushFileThatCannotBeReadIsMovedAside() {
     Studio studio;
     const QByteArray damaged("[{\"name\": 5}]");
     writeFile(AppFolders::brushesFile(), damaged);
-    PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
+    PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
     QVERIFY(model.userBrushes().empty());
     model.saveBrushAsNew(QStringLiteral("New"));
     QCOMPARE(BrushFile::decode(bytesOf(bytesAt(AppFolders::brushesFile())))->size(), std::size_t{1});
@@ -169,20 +171,6 @@ void tst_PaintModel::aBrushFileThatCannotBeReadIsMovedAside() {
         QDir(AppFolders::base()).entryList({QStringLiteral("My Brushes (unreadable*).json")});
     QCOMPARE(kept.size(), 1);
     QCOMPARE(bytesAt(QDir(AppFolders::base()).filePath(kept[0])), damaged);
-}
-
-void tst_PaintModel::nothingIsWrittenInsideAPress() {
-    Studio studio;
-    studio.model.saveState();
-    studio.model.setPrimary(PaintColor(0, 0.5, 0));
-    QCoreApplication::processEvents();
-    const auto stored = studio.defaults.value(QStringLiteral("qirn.pt.colors"));
-    studio.model.setPrimary(PaintColor(0, 0.25, 0));
-    studio.penEvent(QEvent::TabletPress, {50, 50}, 1); // makes the colour recent
-    QCOMPARE(studio.defaults.value(QStringLiteral("qirn.pt.colors")), stored);
-    studio.penEvent(QEvent::TabletRelease, {50, 50}, 0);
-    QCoreApplication::processEvents();
-    QVERIFY(studio.defaults.value(QStringLiteral("qirn.pt.colors")) != stored);
 }
 
 void tst_PaintModel::messagesPass() {
@@ -197,8 +185,8 @@ void tst_PaintModel::theStarterGivesWayToTheFirstFile() {
     QTemporaryDir folder;
     Studio::FolderOverride base(folder.path());
     ScriptedDesktop desktop;
-    MemoryDefaults defaults;
-    PaintModel model(PaintModel::LoadStores::yes, desktop, defaults);
+    Store store;
+    PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     model.ensureDocument();
     QCOMPARE(model.current()->name, QStringLiteral("Untitled"));
     QCOMPARE(model.current()->doc().grid(), TileGrid(1920, 1080));

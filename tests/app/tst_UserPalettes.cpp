@@ -91,10 +91,10 @@ private Q_SLOTS:
         QCOMPARE(studio.model.allPalettes().size(), PaletteLibrary::builtIn().size() + 2);
         // Both come back, and the chosen one is chosen.
         studio.model.saveState();
-        const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
+        const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(again.userPalettes(), studio.model.userPalettes());
         QCOMPARE(again.currentPalette(), studio.model.currentPalette());
-        const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.defaults);
+        const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.store);
         QCOMPARE(fresh.currentPalette(), PaletteLibrary::builtIn().front());
     }
 
@@ -110,15 +110,15 @@ private Q_SLOTS:
                  QStringLiteral("Only this color palette is removed. Your pictures are not changed."));
         QVERIFY(studio.model.userPalettes().empty() && stored().empty());
         QCOMPARE(studio.model.currentPalette(), PaletteLibrary::builtIn().front());
-        QCOMPARE(QUuid(*studio.defaults.text(QStringLiteral("qirn.pt.palette"))),
+        QCOMPARE(QUuid(*studio.store.text(QStringLiteral("qirn.pt.palette"))),
                  PaletteLibrary::builtIn().front().id);
     }
 
     void aChoiceThatIsGoneShowsTheFirst() {
         Studio studio;
         for (const char* stored : {"1B671A64-40D5-491E-99B0-DA01FF1F3341", "no id"}) {
-            studio.defaults.setText(QStringLiteral("qirn.pt.palette"), QLatin1String(stored));
-            PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
+            studio.store.setText(QStringLiteral("qirn.pt.palette"), QLatin1String(stored));
+            PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
             QCOMPARE(model.currentPalette(), PaletteLibrary::builtIn().front());
         }
     }
@@ -165,7 +165,7 @@ private Q_SLOTS:
         Studio studio;
         const QByteArray damaged("[{\"name\": \"Years of work\"}]");
         writeFile(AppFolders::palettesFile(), damaged);
-        PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.defaults);
+        PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QVERIFY(model.userPalettes().empty());
         QCOMPARE(bytesAt(AppFolders::palettesFile()), damaged);
         model.newPalette(QStringLiteral("New"), PaintModel::FromRecent::no);

@@ -3,11 +3,11 @@
 // With a recorded hand (lines of time, x, y, pressure) it paints that instead, with each of the presets in turn.
 #include "AppFolders.h"
 #include "CanvasView.h"
-#include "Defaults.h"
 #include "DocSession.h"
 #include "MainView.h"
 #include "PaintModel.h"
 #include "QirnKit.h"
+#include "Store.h"
 #include "brush/BrushLibrary.h"
 #include "platform/Trigonometry.h"
 #include "support/PenRecording.h"
@@ -123,8 +123,8 @@ int main(int argc, char** argv) {
     QTemporaryDir folder;
     AppFolders::setBaseOverride(folder.path());
     test::ScriptedDesktop desktop;
-    MemoryDefaults defaults;
-    PaintModel model(PaintModel::LoadStores::no, desktop, defaults);
+    Store store;
+    PaintModel model(PaintModel::LoadStores::no, desktop, store);
     PaintPrefs prefs;
     prefs.showPerformance = true;
     model.setPrefs(prefs);

@@ -1,11 +1,11 @@
 #pragma once
 #include "AppFolders.h"
 #include "CanvasView.h"
-#include "Defaults.h"
 #include "DocSession.h"
 #include "MainView.h"
 #include "PaintModel.h"
 #include "QirnKit.h"
+#include "Store.h"
 #include "support/ScriptedDesktop.h"
 
 #include <QApplication>
@@ -24,8 +24,8 @@ struct Window {
     QTemporaryDir folder;
     FolderOverride base{folder.path()};
     ScriptedDesktop desktop;
-    MemoryDefaults defaults;
-    PaintModel model{PaintModel::LoadStores::yes, desktop, defaults};
+    Store store;
+    PaintModel model{PaintModel::LoadStores::yes, desktop, store};
     MainView view{model};
 
     Window() {

@@ -18,7 +18,7 @@ constexpr auto kCapabilities = QInputDevice::Capability::Position | QInputDevice
 
 Studio::Studio()
     : base(folder.path()),
-      model(PaintModel::LoadStores::yes, desktop, defaults),
+      model(PaintModel::LoadStores::yes, desktop, store),
       canvas(model),
       penTip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
              kCapabilities, 1, 1),

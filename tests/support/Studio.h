@@ -1,8 +1,8 @@
 #pragma once
 #include "AppFolders.h"
 #include "CanvasView.h"
-#include "Defaults.h"
 #include "PaintModel.h"
+#include "Store.h"
 #include "support/ScriptedDesktop.h"
 
 #include <memory>
@@ -14,7 +14,7 @@
 
 namespace qirn::test {
 
-/// A model with a canvas of 800 x 600 in a world of its own: a private folder, defaults in memory, a scripted
+/// A model with a canvas of 800 x 600 in a world of its own: a private folder, a store in memory, a scripted
 /// desktop. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the widget.
 struct Studio {
     struct FolderOverride {
@@ -30,7 +30,7 @@ struct Studio {
     QTemporaryDir folder;
     FolderOverride base;
     ScriptedDesktop desktop;
-    MemoryDefaults defaults;
+    Store store;
     PaintModel model;
     CanvasView canvas;
     QPointingDevice penTip;

@@ -1,0 +1,53 @@
+#pragma once
+#include "platform/Json.h"
+
+#include <memory>
+#include <optional>
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+namespace qirn {
+
+/// The user's small values that outlast a run, such as preferences and colours: a JSON object with a member a key,
+/// held in memory. Half a second after the last change, and at the latest five after the first, it is written whole and
+/// in the background; at once when another program's window comes forward. Main thread only.
+///
+/// A file that is there but cannot be read is moved aside under a telling name before the first write. A failure to write
+/// is not reported: the values stay in use, and the next write tries again.
+class Store : public QObject {
+    Q_OBJECT
+public:
+    struct Delays {         // milliseconds
+        int64_t rest = 500; ///< Without a change before a write.
+        int64_t longest = 5000;
+    };
+    Store() = default; ///< For this process only: nothing is read or written.
+    /// Where `file` does not exist yet, the values of an older INI file are taken over.
+    explicit Store(const QString& file, const QString& older = {}, Delays delays = {500, 5000});
+    ~Store() override; ///< As `flush`.
+
+    const Json* json(const QString& key) const; ///< Null when it is absent; borrowed until the next change.
+    std::optional<QString> text(const QString& key) const;
+    std::optional<double> number(const QString& key) const; ///< Nothing when it is absent or no number.
+    std::optional<bool> flag(const QString& key) const;     ///< A number that is not 0 counts as true.
+    void set(const QString& key, const OrderedJson& value); ///< A number, a flag or a whole record.
+    void setText(const QString& key, const QString& text) { set(key, text.toStdString()); }
+
+    void write(); ///< Begins to write what has changed.
+    void flush(); ///< Writes what has changed and waits for it.
+
+private:
+    struct Target;
+    void writeSoon();
+
+    Json values_ = Json::object();
+    Delays delays_;
+    std::shared_ptr<Target> target_; // null: no file
+    QTimer timer_;                   // single shot: the next write
+    QElapsedTimer changed_;          // since the first change that no write has begun for; invalid: none
+};
+
+} // namespace qirn

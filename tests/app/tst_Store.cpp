@@ -1,0 +1,151 @@
+#include "AppFolders.h"
+#include "BackgroundQueue.h"
+#include "PaintPrefs.h"
+#include "Store.h"
+#include "platform/Json.h"
+#include "support/Files.h"
+#include "support/FullDisk.h"
+#include "support/TestMain.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <sys/stat.h>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+const QString kKey = QStringLiteral("qirn.pt.tool");
+using Make = void (*)(const QString& path);
+} // namespace
+Q_DECLARE_METATYPE(Make)
+
+class tst_Store : public QObject {
+    Q_OBJECT
+    std::unique_ptr<QTemporaryDir> folder_;
+    QString file_;
+
+    QByteArray stored() const { return bytesAt(file_); }
+
+private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        file_ = folder_->filePath(QStringLiteral("Preferences.json"));
+    }
+
+    void manyChangesAreOneWrite() {
+        Store store(file_, {}, {100, 300});
+        for (int i = 0; i < 64; ++i) {
+            store.set(kKey, i);
+            QCoreApplication::processEvents();
+        }
+        BackgroundQueue::finish();
+        QVERIFY(!QFile::exists(file_)); // nothing before a rest
+        QTRY_COMPARE(stored(), QByteArray("{\"qirn.pt.tool\":63}"));
+        const QByteArray before = stored();
+        for (int i = 0; stored() == before; ++i) { // written although it never rests
+            QVERIFY(i < 100);
+            store.set(kKey, -i);
+            QTest::qWait(20);
+        }
+        store.set(kKey, true);
+        Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+        BackgroundQueue::finish();
+        QCOMPARE(stored(), QByteArray("{\"qirn.pt.tool\":true}"));
+        QVERIFY(QFile::remove(file_));
+        store.set(kKey, true);
+        store.flush();
+        QVERIFY(!QFile::exists(file_)); // nothing has changed
+    }
+
+    void whatCannotBeReadIsKeptAside_data() {
+        QTest::addColumn<Make>("make");
+        QTest::newRow("damaged") << Make([](const QString& path) { writeFile(path, "{\"qirn.pt.tool\":"); });
+        QTest::newRow("no record") << Make([](const QString& path) { writeFile(path, "[1]"); });
+        QTest::newRow("pipe") << Make(
+            [](const QString& path) { mkfifo(QFile::encodeName(path).data(), 0600); });
+        QTest::newRow("folder") << Make([](const QString& path) { QDir().mkpath(path); });
+        QTest::newRow("100 GB") << Make([](const QString& path) {
+            writeFile(path, {});
+            QVERIFY(QFile::resize(path, 100'000'000'000));
+        });
+    }
+    void whatCannotBeReadIsKeptAside() {
+        QFETCH(Make, make);
+        make(file_);
+        struct stat before {
+        }, after{};
+        QCOMPARE(stat(QFile::encodeName(file_).constData(), &before), 0);
+        Store store(file_);
+        QVERIFY(!store.json(kKey));
+        store.setText(kKey, QStringLiteral("eraser"));
+        store.flush();
+        QCOMPARE(Store(file_).text(kKey), QStringLiteral("eraser"));
+        const QDir folder(folder_->path());
+        const QStringList aside = folder.entryList({QStringLiteral("Preferences (unreadable, *).json")},
+                                                   QDir::AllEntries | QDir::System);
+        QCOMPARE(aside.size(), 1);
+        QCOMPARE(stat(QFile::encodeName(folder.filePath(aside[0])).constData(), &after), 0);
+        QCOMPARE(after.st_ino, before.st_ino);
+    }
+
+    void aFullDiskCostsNothingThatWasStored() {
+        writeFile(file_, "{\"old\":1}");
+        Store store(file_);
+        {
+            const FullDisk full;
+            store.setText(kKey, QStringLiteral("eraser"));
+            store.flush();
+            QCOMPARE(stored(), QByteArray("{\"old\":1}"));
+        }
+        store.flush(); // tried again without another change
+        QCOMPARE(stored(), QByteArray("{\"old\":1,\"qirn.pt.tool\":\"eraser\"}"));
+    }
+
+    void anOlderStoreIsReadOnce() {
+        const QString ini = folder_->filePath(QStringLiteral("Qirn Paint.ini"));
+        const QMap<QString, QByteArray> values{{kKey, "eraser"},
+                                               {QStringLiteral("qirn.pt.textFont"), "Gänsefüßchen; \"A\""},
+                                               {QStringLiteral("qirn.pt.textBold"), "0"},
+                                               {QStringLiteral("qirn.pt.jpegQuality"), "0.80000000000000004"},
+                                               {QStringLiteral("qirn.pt.fill"), "{\"expand\":2}"},
+                                               {QStringLiteral("qirn.pt.colors"), "[{\"r\":"}};
+        {
+            QSettings older(ini, QSettings::IniFormat);
+            for (auto value = values.begin(); value != values.end(); ++value)
+                older.setValue(value.key(), value.value());
+        }
+        for (const bool again : {false, true}) {
+            const Store store(file_, ini);
+            QCOMPARE(store.text(kKey), QStringLiteral("eraser"));
+            QCOMPARE(store.text(QStringLiteral("qirn.pt.textFont")), QStringLiteral("Gänsefüßchen; \"A\""));
+            QCOMPARE(store.flag(QStringLiteral("qirn.pt.textBold")), std::optional(false));
+            QCOMPARE(store.number(QStringLiteral("qirn.pt.jpegQuality")), std::optional(0.8));
+            QCOMPARE(jsonMember(*store.json(QStringLiteral("qirn.pt.fill")), "expand"), 2);
+            QVERIFY(store.text(QStringLiteral("qirn.pt.colors")));
+            if (!again) QSettings(ini, QSettings::IniFormat).setValue(kKey, QByteArray("blur"));
+        }
+    }
+
+    void preferencesAreBroughtIntoTheirRanges() {
+        const auto loaded = [](double number) {
+            Store store;
+            PaintPrefs prefs;
+            prefs.autosaveSeconds = prefs.pressureCurve = prefs.checkerSize = number;
+            prefs.undoSteps = static_cast<int64_t>(number);
+            prefs.save(store);
+            return PaintPrefs::load(store);
+        };
+        const PaintPrefs low = loaded(-1e9), none = loaded(0), high = loaded(1e18);
+        QCOMPARE(QList<double>({low.autosaveSeconds, none.autosaveSeconds, high.autosaveSeconds}),
+                 QList<double>({30, 0, 600}));
+        QCOMPARE(QList<double>({low.pressureCurve, high.pressureCurve, low.checkerSize, high.checkerSize}),
+                 QList<double>({0.4, 2.5, 4, 40}));
+        QCOMPARE(QList<int64_t>({low.undoSteps, high.undoSteps}), QList<int64_t>({20, 500}));
+    }
+};
+
+QIRN_TEST(tst_Store)
+#include "tst_Store.moc"
