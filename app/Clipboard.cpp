@@ -7,7 +7,10 @@
 #include "platform/QtImages.h"
 #include "platform/ReadFile.h"
 
+#include <chrono>
+
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QImage>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -75,27 +78,69 @@ std::shared_ptr<const RGBABuffer> decodedFile(const QString& path) {
     }
 }
 
-std::shared_ptr<const RGBABuffer> pngOrTiff(const QMimeData& offer) {
-    if (const auto* ours = dynamic_cast<const CopiedPicture*>(&offer)) return ours->pixels();
-    for (const QString& type : {kPng, kTiff}) {
-        if (!offer.hasFormat(type)) continue;
-        if (auto pixels = decoded(offer.data(type))) return pixels;
-    }
-    return nullptr;
-}
-
 bool isPictureType(const QString& type) {
     return type.startsWith(QStringLiteral("image/"));
 }
 
-/// Other programs offer BMP alone, or an image that the toolkit passes on.
-std::shared_ptr<const RGBABuffer> otherForm(const QMimeData& offer) {
-    for (const QString& type : offer.formats()) {
-        if (!isPictureType(type) || type == kPng || type == kTiff) continue;
-        if (auto pixels = decoded(offer.data(type))) return pixels;
+/// Asks another program for one form after the other. The toolkit waits a second or five for each, then says that it
+/// is empty, and says so again at once whenever it is asked; nothing more is asked of a program that keeps it waiting.
+class Asked {
+public:
+    explicit Asked(const QMimeData& offer)
+        : offer_(offer),
+          formats_(inTime([&] { return offer.formats(); })) {}
+
+    /// Something that was promised did not come.
+    bool isLate() const { return isLate_; }
+    bool offers(const QString& type) const { return formats_.contains(type); }
+
+    std::shared_ptr<const RGBABuffer> pngOrTiff() {
+        if (const auto* ours = dynamic_cast<const CopiedPicture*>(&offer_)) return ours->pixels();
+        for (const QString& type : {kPng, kTiff}) {
+            if (auto pixels = form(type)) return pixels;
+        }
+        return nullptr;
     }
-    return offer.hasImage() ? RGBABuffer::fromImage(qvariant_cast<QImage>(offer.imageData())) : nullptr;
-}
+
+    std::shared_ptr<const RGBABuffer> file() {
+        if (!offers(QStringLiteral("text/uri-list"))) return nullptr;
+        const auto path = inTime([this] { return Clipboard::firstFile(offer_).value_or(QString()); });
+        return path.isEmpty() ? nullptr : decodedFile(path);
+    }
+
+    /// Other programs offer BMP alone, or an image that the toolkit passes on.
+    std::shared_ptr<const RGBABuffer> otherForm() {
+        for (const QString& type : formats_) {
+            if (!isPictureType(type) || type == kPng || type == kTiff) continue;
+            if (auto pixels = form(type)) return pixels;
+        }
+        if (!offers(QStringLiteral("application/x-qt-image"))) return nullptr;
+        return RGBABuffer::fromImage(inTime([this] { return qvariant_cast<QImage>(offer_.imageData()); }));
+    }
+
+private:
+    std::shared_ptr<const RGBABuffer> form(const QString& type) {
+        if (!offers(type)) return nullptr;
+        const QByteArray bytes = inTime([&] { return offer_.data(type); });
+        isLate_ |= bytes.isEmpty();
+        return decoded(bytes);
+    }
+
+    /// What `ask` gets; nothing, without asking, once an empty answer took too long.
+    template <class Ask> auto inTime(Ask ask) -> decltype(ask()) {
+        if (gaveUp_) return {};
+        const QDeadlineTimer patience(std::chrono::milliseconds(500));
+        auto answer = ask();
+        gaveUp_ = patience.hasExpired() && answer == decltype(answer)();
+        isLate_ |= gaveUp_;
+        return answer;
+    }
+
+    const QMimeData& offer_;
+    bool gaveUp_ = false;
+    bool isLate_ = false;
+    const QStringList formats_;
+};
 
 } // namespace
 
@@ -110,17 +155,19 @@ std::optional<QString> Clipboard::firstFile(const QMimeData& offer) {
     return std::nullopt;
 }
 
-std::shared_ptr<const RGBABuffer> Clipboard::picture(const QMimeData& offer) {
-    auto pixels = pngOrTiff(offer);
-    return pixels ? pixels : otherForm(offer);
+Clipboard::Taken Clipboard::picture(const QMimeData& offer) {
+    Asked asked(offer);
+    auto pixels = asked.pngOrTiff();
+    if (!pixels) pixels = asked.otherForm();
+    return {pixels, !pixels && asked.isLate()};
 }
 
-std::shared_ptr<const RGBABuffer> Clipboard::pictureOrFile(const QMimeData& offer) {
-    if (auto pixels = pngOrTiff(offer)) return pixels;
-    if (const auto path = firstFile(offer)) {
-        if (auto pixels = decodedFile(*path)) return pixels;
-    }
-    return otherForm(offer);
+Clipboard::Taken Clipboard::pictureOrFile(const QMimeData& offer) {
+    Asked asked(offer);
+    auto pixels = asked.pngOrTiff();
+    if (!pixels) pixels = asked.file();
+    if (!pixels) pixels = asked.otherForm();
+    return {pixels, !pixels && asked.isLate()};
 }
 
 bool Clipboard::mayHoldPicture(const QMimeData& offer) {

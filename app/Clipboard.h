@@ -20,12 +20,16 @@ std::unique_ptr<QMimeData> copied(std::shared_ptr<const RGBABuffer> buffer, doub
 /// The first file of this machine; nothing where none is offered.
 std::optional<QString> firstFile(const QMimeData& offer);
 
-/// The picture that the bytes of an offer hold: PNG, then TIFF, then any other form. Null when there is none that
-/// can be read.
-std::shared_ptr<const RGBABuffer> picture(const QMimeData& offer);
+struct Taken {
+    std::shared_ptr<const RGBABuffer> pixels; ///< Null when there is no picture that can be read.
+    bool isLate = false;                      ///< None, since the other program did not hand it over in time.
+};
+
+/// The picture that the bytes of an offer hold: PNG, then TIFF, then any other form.
+Taken picture(const QMimeData& offer);
 
 /// As `picture`, with the first file read between TIFF and the other forms.
-std::shared_ptr<const RGBABuffer> pictureOrFile(const QMimeData& offer);
+Taken pictureOrFile(const QMimeData& offer);
 
 /// Whether a drag is worth taking: looks at what is offered without fetching it.
 bool mayHoldPicture(const QMimeData& offer);

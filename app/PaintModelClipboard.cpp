@@ -70,9 +70,10 @@ void PaintModel::cut() {
 
 void PaintModel::paste() {
     if (Clipboard::doneInTextField(Clipboard::TextAction::paste)) return;
-    const auto buffer = Clipboard::pictureOrFile(desktop_.clipboard());
-    if (!buffer) return flash(tr("There's no picture on the clipboard"));
-    pasteBuffer(*buffer, tr("Pasted Layer"), placeOfCopy(*buffer));
+    const Clipboard::Taken taken = Clipboard::pictureOrFile(desktop_.clipboard());
+    if (taken.isLate) return flash(tr("The other program did not answer in time"));
+    if (!taken.pixels) return flash(tr("There's no picture on the clipboard"));
+    pasteBuffer(*taken.pixels, tr("Pasted Layer"), placeOfCopy(*taken.pixels));
 }
 
 std::optional<QPoint> PaintModel::placeOfCopy(const RGBABuffer& buffer) const {
@@ -125,9 +126,10 @@ bool PaintModel::drop(const QMimeData& offer) {
             this, [this, take, path = *path] { (this->*take)(path); }, Qt::QueuedConnection);
         return true;
     }
-    const auto buffer = Clipboard::picture(offer);
-    if (!buffer) return false;
-    pasteBuffer(*buffer, tr("Dropped Picture"), std::nullopt);
+    const Clipboard::Taken taken = Clipboard::picture(offer);
+    if (taken.isLate) flash(tr("The other program did not answer in time"));
+    if (!taken.pixels) return false;
+    pasteBuffer(*taken.pixels, tr("Dropped Picture"), std::nullopt);
     return true;
 }
 

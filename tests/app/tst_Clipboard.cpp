@@ -115,6 +115,21 @@ Drag dragOnto(Studio& studio, const QMimeData& mime, Qt::DropAction proposed) {
     return {drop.dropAction(), true, drop.isAccepted()};
 }
 
+/// Promises a picture and hands over nothing after a while, as the toolkit does for a program that hangs.
+class LateOffer final : public QMimeData {
+public:
+    int milliseconds = 520;
+    mutable int asked = 0;
+    QStringList formats() const override { return {"image/png", "image/tiff", "image/bmp"}; }
+
+protected:
+    QVariant retrieveData(const QString&, QMetaType) const override {
+        ++asked;
+        QThread::msleep(static_cast<unsigned long>(milliseconds));
+        return QByteArray();
+    }
+};
+
 } // namespace
 
 class tst_Clipboard : public QObject {
@@ -168,7 +183,7 @@ private Q_SLOTS:
         const auto finished = flattened(studio.doc());
         studio.press(studio.canvas, Qt::Key_C, Qt::ShiftModifier);
         QCOMPARE(studio.model.hud(), QStringLiteral("Copied the merged picture"));
-        QCOMPARE(firstDifference(*Clipboard::picture(*studio.desktop.content), *finished), QString());
+        QCOMPARE(firstDifference(*Clipboard::picture(*studio.desktop.content).pixels, *finished), QString());
     }
 
     void formsAreTriedInTheirOrder_data() {
@@ -256,6 +271,26 @@ private Q_SLOTS:
         QCOMPARE(studio.layer().contentBounds(), std::optional(IRect{40, 45, 20, 10}));
     }
 
+    void aProgramThatAnswersLateIsNotAnEmptyClipboard() {
+        MenuWindow studio;
+        auto made = std::make_unique<LateOffer>();
+        LateOffer& late = *made;
+        studio.desktop.content = std::move(made);
+        const auto refused = [&] {
+            const bool told =
+                studio.model.hud() == QStringLiteral("The other program did not answer in time");
+            studio.model.flash({});
+            return told && studio.doc().changeCount() == 0;
+        };
+        studio.press(studio.canvas, Qt::Key_V);
+        QVERIFY(refused());
+        QCOMPARE(late.asked, 1); // not once more for each form
+        late.milliseconds = 0;   // what is remembered of it
+        studio.press(studio.canvas, Qt::Key_V);
+        QVERIFY(refused());
+        QVERIFY(!dragOnto(studio, late, Qt::CopyAction).dropped && refused());
+    }
+
     void nothingToCopyOrPasteLeavesNoTrace_data() {
         QTest::addColumn<bool>("selected");
         QTest::addColumn<Qt::Key>("key");
@@ -291,7 +326,8 @@ private Q_SLOTS:
         QCOMPARE(studio.doc().undoName(), QStringLiteral("Cut"));
         QCOMPARE(firstDifference(*part(studio.layer(), {100, 0, 300, 300}), *rest), QString());
         QVERIFY(studio.layer().contentBounds()->x >= 100);
-        QCOMPARE(firstDifference(*Clipboard::picture(*studio.desktop.content), *taken->buffer), QString());
+        QCOMPARE(firstDifference(*Clipboard::picture(*studio.desktop.content).pixels, *taken->buffer),
+                 QString());
     }
 
     void aLockedLayerIsCopiedButNotCut() {
@@ -302,7 +338,7 @@ private Q_SLOTS:
         studio.model.cut();
         QCOMPARE(studio.model.hud(), QStringLiteral("The layer is locked"));
         QCOMPARE(studio.doc().fingerprint(), before);
-        QVERIFY(Clipboard::picture(*studio.desktop.content));
+        QVERIFY(Clipboard::picture(*studio.desktop.content).pixels);
     }
 
     void aPendingTransformIsLeftByCopyAndEndedByCutAndPaste() {
@@ -314,7 +350,7 @@ private Q_SLOTS:
         QVERIFY(studio.model.transform());
         studio.model.cut(); // the pixels that floated are on the clipboard, not lost
         QVERIFY(!studio.model.transform());
-        const auto cut = Clipboard::picture(*studio.desktop.content);
+        const auto cut = Clipboard::picture(*studio.desktop.content).pixels;
         QVERIFY(cut && cut->width() == 20 && cut->pixel(5, 5) == kRed);
         studio.model.undo();
         studio.model.beginTransform();
