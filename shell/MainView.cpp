@@ -1,9 +1,12 @@
 #include "MainView.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QScreen>
+#include <QScrollArea>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "CanvasView.h"
 #include "ChromePanel.h"
@@ -28,6 +31,9 @@ namespace {
 
 constexpr QSize kSize{1480, 920};
 constexpr QSize kLeastContent{1040, 680};
+constexpr QSize kFrame{8, 40};   // round a window; how wide it is shows only once the window is up
+constexpr QSize kPanels{72, 72}; // of a desktop that does not tell what they take
+constexpr QSize kLeastOfTiles{400, 300};
 constexpr int kToolColumn = Metrics::kRailButton + 2 * Metrics::kSpace8;
 constexpr int kPanelColumn = 256;
 
@@ -38,6 +44,29 @@ QVBoxLayout* columnIn(QWidget* parent) {
     return column;
 }
 
+/// On Wayland the desktop alone decides how large a window is, maximised or tiled, and tells nothing of its panels. A
+/// window that insists on more is cut, or ended with its program.
+bool desktopDecides() {
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+QSize roomOn(const QScreen& screen) {
+    return screen.availableSize() - kFrame - (desktopDecides() ? kPanels : QSize(0, 0));
+}
+
+class ContentScroller final : public QScrollArea {
+public:
+    explicit ContentScroller(QWidget* content) {
+        setWidget(content);
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override { event->ignore(); } // arrows are the canvas's
+};
+
 } // namespace
 
 MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model)) {
@@ -45,24 +74,28 @@ MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(mo
     new PaintCommands(model, *menuBar());
     connect(&model, &PaintModel::sheetRequested, this, &MainView::showSheet);
 
-    auto* content = new QWidget(this);
-    content->setMinimumSize(kLeastContent);
-    auto* rows = columnIn(content);
-    rows->addWidget(new HeaderBar(model, content));
-    rows->addWidget(new ToolOptionsBar(model, content));
-    rows->addWidget(body(), 1);
-    rows->addWidget(new StatusBar(model, content));
-    setCentralWidget(content);
-
+    setCentralWidget(new ContentScroller(content()));
     connect(canvas_, &CanvasView::textRequested, this,
             [this](QPointF at) { TextSheet(model_, at, this).exec(); });
     model.setCanvas(canvas_);
     canvas_->setFocus();
-    resize(screen() ? kSize.boundedTo(screen()->availableSize()) : kSize);
+    keepToScreen();
+    resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
 }
 
 MainView::~MainView() {
     model_.setCanvas(nullptr);
+}
+
+QWidget* MainView::content() {
+    auto* content = new QWidget(this);
+    content->setMinimumSize(kLeastContent);
+    auto* rows = columnIn(content);
+    rows->addWidget(new HeaderBar(model_, content));
+    rows->addWidget(new ToolOptionsBar(model_, content));
+    rows->addWidget(body(), 1);
+    rows->addWidget(new StatusBar(model_, content));
+    return content;
 }
 
 QWidget* MainView::body() {
@@ -99,7 +132,16 @@ void MainView::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     if (shown_) return;
     shown_ = true;
+    connect(windowHandle(), &QWindow::screenChanged, this, &MainView::keepToScreen);
     QMetaObject::invokeMethod(this, &MainView::offerRecovery, Qt::QueuedConnection);
+}
+
+void MainView::keepToScreen() {
+    if (!screen()) return;
+    connect(screen(), &QScreen::availableGeometryChanged, this, &MainView::keepToScreen,
+            Qt::UniqueConnection);
+    const QSize whole = kLeastContent + QSize(0, menuBar()->sizeHint().height());
+    setMinimumSize(whole.boundedTo(desktopDecides() ? kLeastOfTiles : roomOn(*screen())));
 }
 
 void MainView::offerRecovery() {

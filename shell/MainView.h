@@ -11,7 +11,8 @@ class PaintCommands;
 class PaintModel;
 
 /// The one main window: menus and header on top, then the options of the tool, the tools with the colours, the
-/// canvas and the panels, and the status bar. Everything in it reads and sets the model, which it borrows.
+/// canvas and the panels, and the status bar. Everything in it reads and sets the model, which it borrows. On a
+/// screen that is smaller than the content, the content scrolls.
 class MainView : public QMainWindow {
     Q_OBJECT
 public:
@@ -27,7 +28,9 @@ protected:
     void keyReleaseEvent(QKeyEvent* event) override;
 
 private:
+    QWidget* content();
     QWidget* body();
+    void keepToScreen(); ///< Asks for no more room than the screen has.
     void offerRecovery();
     void showSheet(PaintSheet sheet);
 
