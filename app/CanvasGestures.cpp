@@ -373,9 +373,8 @@ void CanvasView::beginLine(const PenSample& sample, double pressure) {
         stroke_->add(StrokePoint(lastStrokeEnd_->x(), lastStrokeEnd_->y(), point.pressure, 0, 0, point.time));
     }
     stroke_->add(point);
-    flush();
+    showStroke(sample.view, point.pressure);
     perfSamples_.push_back((now() - start) * 1000);
-    reportCursor(sample.view, point.pressure);
 }
 
 void CanvasView::addToStroke(const PenSample& sample) {
@@ -386,10 +385,16 @@ void CanvasView::addToStroke(const PenSample& sample) {
     lastEventPoint_ = sample.view;
     const double start = now();
     stroke_->add(point);
-    flush();
+    showStroke(sample.view, point.pressure);
     perfSamples_.push_back((now() - start) * 1000);
-    updateCursor(sample.view);
-    reportCursor(sample.view, point.pressure);
+}
+
+/// Ring and status bar first: what they mark is painted along with the flush. A second repaint would cost a whole
+/// window again where the desktop takes windows as a whole.
+void CanvasView::showStroke(QPointF viewPoint, double pressure) {
+    updateCursor(viewPoint);
+    reportCursor(viewPoint, pressure);
+    flush();
 }
 
 void CanvasView::beginWaitingLine() {

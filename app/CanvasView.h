@@ -109,6 +109,7 @@ private:
     void beginLine(const PenSample& sample, double pressure); ///< The stroke's first dab, shaped pressure.
     void beginWaitingLine(); ///< With the pressure of a hand at rest, if the line still waits for one.
     void addToStroke(const PenSample& sample);
+    void showStroke(QPointF viewPoint, double pressure);
     void holdTick();
     void cancelStroke(); ///< As if it had not been begun.
     void sampleColor(QPointF canvasPoint);

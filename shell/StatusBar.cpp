@@ -1,5 +1,6 @@
 #include "StatusBar.h"
 
+#include <chrono>
 #include <cmath>
 
 #include <QHBoxLayout>
@@ -10,6 +11,10 @@
 #include "StatusItems.h"
 
 namespace qirn {
+
+namespace {
+constexpr std::chrono::milliseconds kPause(30); // between two looks at what runs with the pen
+}
 
 StatusBar::StatusBar(PaintModel& model, QWidget* parent)
     : ChromePanel(Surface::panel, Qt::TopEdge, parent),
@@ -36,8 +41,13 @@ StatusBar::StatusBar(PaintModel& model, QWidget* parent)
     row->addStretch();
     autosave_ = text("autosave");
 
+    pause_.setSingleShot(true);
+    pause_.setInterval(kPause);
+    connect(&pause_, &QTimer::timeout, this, [this] {
+        if (isLate_) followCursor();
+    });
     connect(&model, &PaintModel::changed, this, &StatusBar::refresh);
-    connect(&model.status(), &CanvasStatus::changed, this, &StatusBar::refreshCursor);
+    connect(&model.status(), &CanvasStatus::changed, this, &StatusBar::followCursor);
     refresh();
 }
 
@@ -51,6 +61,13 @@ void StatusBar::refresh() {
     }
     autosave_->setText(model_.lastAutosaveText().value_or(QString()));
     refreshCursor();
+}
+
+void StatusBar::followCursor() {
+    isLate_ = pause_.isActive();
+    if (isLate_) return;
+    refreshCursor();
+    pause_.start();
 }
 
 void StatusBar::refreshCursor() {

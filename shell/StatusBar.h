@@ -1,4 +1,6 @@
 #pragma once
+#include <QTimer>
+
 #include "ChromePanel.h"
 
 namespace qirn {
@@ -15,9 +17,12 @@ public:
 
 private:
     void refresh();
+    void followCursor();  ///< Soon: a bar that is painted at the rate of the pen costs the pen its time.
     void refreshCursor(); ///< What `CanvasStatus` has.
 
     PaintModel& model_;
+    QTimer pause_;        // runs for a while after the cursor was shown
+    bool isLate_ = false; // there is news since
     StatusText* size_;
     StatusText* zoom_;
     StatusText* rotation_;
