@@ -203,6 +203,7 @@ void CanvasView::press(const PenSample& sample) {
     endGesture(); // one whose release got lost
     model_.commitOpacity();
     lastSample_ = sample;
+    session_->needsFit = false; // a hand knows its place by now
     const QPointF c = canvasPoint(sample.view);
     dragStart_ = dragCurrent_ = c;
     dragStartView_ = sample.view;

@@ -144,8 +144,14 @@ void CanvasView::fitIfNeeded() {
     if (!session_ || !session_->needsFit || !isVisible() || size.width() <= kLeastSide ||
         size.height() <= kLeastSide)
         return;
-    session_->needsFit = false;
     fit();
+    session_->needsFit = true; // while it stays like this
+}
+
+void CanvasView::followSize() {
+    if (!session_ || transform_.viewSize() == deviceSize()) return;
+    fitIfNeeded();
+    applyViewTransform();
 }
 
 // --- From pixels to screen
@@ -211,6 +217,7 @@ void CanvasView::prefsChanged() {
 }
 
 void CanvasView::paintEvent(QPaintEvent* event) {
+    followSize();
     QPainter painter(this);
     painter.scale(1 / pixelRatio(), 1 / pixelRatio());
     painter.translate(deviceOffset());
@@ -241,6 +248,7 @@ void CanvasView::showEvent(QShowEvent*) {
 void CanvasView::applyView(const ViewState& state) {
     if (!session_) return;
     session_->view = state;
+    session_->needsFit = false;
     applyViewTransform();
 }
 

@@ -156,6 +156,9 @@ private:
     void applyViewTransform();
     void noteMotion();
     void fitIfNeeded();
+    /// Renews the view when its size in device pixels is another one. A resize is one way to that; a screen of
+    /// another scale is told of in no certain order with it, but always paints.
+    void followSize();
     double pixelRatio() const { return devicePixelRatioF(); }
     QPointF toView(QPointF widgetPoint) const;  // logical widget point to view point
     QRect toWidget(const QRectF& device) const; // device pixels, y down, to logical, outward

@@ -34,7 +34,9 @@ public:
     int64_t autosavedChange;
     QDateTime lastAutosave; ///< Null: never.
     ViewState view;
-    bool needsFit = true; ///< The first showing in a view of usable size fits the picture.
+    /// The view is to be fitted: not shown yet, or still as the fit at its showing left it, so that the picture
+    /// follows a window that is still finding its size. Whoever changes the view or works in it ends that.
+    bool needsFit = true;
 
     bool isDirty() const { return document_->changeCount() != savedChange; }
     int64_t revision() const { return revision_; }

@@ -35,16 +35,21 @@ BrushSettings dot(double size = 6) {
     return brush;
 }
 
-/// Notes what a widget is asked to paint.
+/// Notes what a widget is asked to paint, and can keep its resizes from it.
 class PaintWatcher : public QObject {
 public:
     explicit PaintWatcher(QWidget& widget) { widget.installEventFilter(this); }
     QRegion region;
+    int paints = 0;
+    bool hidesResizes = false;
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(event)->region();
-        return false;
+        if (event->type() == QEvent::Paint) {
+            region += static_cast<QPaintEvent*>(event)->region();
+            ++paints;
+        }
+        return hidesResizes && event->type() == QEvent::Resize;
     }
 };
 
@@ -73,7 +78,9 @@ private Q_SLOTS:
     void shiftClickDrawsAStraightLine();
     void optionOrCommandPicksAColour();
     void heldAirbrushKeepsPainting();
-    void aStrokeRepaintsOnlyItsOwnRegion();
+    void aStrokeRepaintsOnlyItsOwnRegionOnceAPoint();
+    void theViewFollowsItsSize_data();
+    void theViewFollowsItsSize();
     void rectanglesAreSelected_data();
     void rectanglesAreSelected();
     void aClickRemovesTheSelection();
@@ -438,14 +445,23 @@ void tst_CanvasView::heldAirbrushKeepsPainting() {
     studio.penEvent(QEvent::TabletRelease, {100, 100}, 0);
 }
 
-void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegion() {
+void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegionOnceAPoint() {
     Studio studio;
     studio.model.newDocument(3840, 2160, 72, PaintColor::white(), QStringLiteral("4K"));
     QTest::qWait(20);
     studio.model.setActiveBrush(dot(20));
     const QPointF from(1000, 1000), to(1100, 1050);
     PaintWatcher watcher(studio.canvas);
-    studio.penStroke({from, {1050, 1020}, to});
+    studio.penEvent(QEvent::TabletPress, from, 1);
+    for (const QPointF& point : {QPointF(1030, 1010), QPointF(1050, 1020), to}) {
+        QApplication::processEvents();
+        watcher.paints = 0;
+        studio.penEvent(QEvent::TabletMove, point, 1);
+        QCOMPARE(watcher.paints, 1); // ring included
+        QApplication::processEvents();
+        QCOMPARE(watcher.paints, 1);
+    }
+    studio.penEvent(QEvent::TabletRelease, to, 0);
     QTest::qWait(20);
     const QPointF corner = studio.widgetPoint(from - QPointF(300, 300)),
                   opposite = studio.widgetPoint(to + QPointF(300, 300));
@@ -453,6 +469,31 @@ void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegion() {
     QVERIFY(!watcher.region.isEmpty());
     QVERIFY2(tiles.contains(watcher.region.boundingRect()),
              qPrintable(QStringLiteral("%1").arg(watcher.region.boundingRect().width())));
+}
+
+void tst_CanvasView::theViewFollowsItsSize_data() {
+    QTest::addColumn<bool>("told"); // of a screen of another scale nobody tells before it paints
+    QTest::addColumn<bool>("worked");
+    QTest::newRow("resized as it was fitted") << true << false;
+    QTest::newRow("resized after work") << true << true;
+    QTest::newRow("another scale as it was fitted") << false << false;
+    QTest::newRow("another scale after work") << false << true;
+}
+
+void tst_CanvasView::theViewFollowsItsSize() {
+    QFETCH(bool, told);
+    QFETCH(bool, worked);
+    Studio studio;
+    studio.model.newDocument(1000, 900, 72, PaintColor::white(), QStringLiteral("Square"));
+    QCOMPARE(studio.session().view.zoom, 0.6); // 540 high
+    if (worked) studio.penStroke({{500, 450}});
+    QVERIFY(QTest::qWaitForWindowExposed(&studio.canvas));
+    PaintWatcher watcher(studio.canvas);
+    watcher.hidesResizes = !told;
+    studio.canvas.resize(460, 700);
+    studio.canvas.repaint();
+    QCOMPARE(studio.session().view.zoom, worked ? 0.6 : 0.4);
+    QCOMPARE(studio.canvas.viewPoint({500, 450}), QPointF(230, 350));
 }
 
 void tst_CanvasView::rectanglesAreSelected_data() {
