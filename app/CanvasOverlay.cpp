@@ -44,11 +44,7 @@ void CanvasOverlay::setPreview(const QPainterPath& path) {
 }
 
 void CanvasOverlay::setTransform(const std::optional<TransformState>& transform) {
-    if (!transform)
-        floatingImage_ = {};
-    else if (!transform_ || transform_->floating != transform->floating || floatingImage_.isNull()) {
-        floatingImage_ = transform->floating->buffer->makeImage();
-    }
+    if (!transform || !transform_ || transform_->floating != transform->floating) floatingImage_.clear();
     transform_ = transform;
 }
 
@@ -72,9 +68,8 @@ QPainterPath CanvasOverlay::handlesPath() const {
 
 void CanvasOverlay::paintTransform(QPainter& painter) const {
     const QTransform device = painter.transform();
-    painter.setTransform(transform_->matrix() * canvasToWidget_, true);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom_ < 2);
-    painter.drawImage(0, 0, floatingImage_);
+    floatingImage_.paint(painter, *transform_->floating, transform_->matrix() * canvasToWidget_);
     painter.setTransform(device);
 
     const QPainterPath handles = handlesPath();

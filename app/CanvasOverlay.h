@@ -1,10 +1,10 @@
 #pragma once
+#include "FloatingImage.h"
 #include "TransformState.h"
 #include "operations/Selection.h"
 
 #include <optional>
 
-#include <QImage>
 #include <QPainterPath>
 #include <QRegion>
 #include <QTransform>
@@ -63,7 +63,7 @@ private:
     double antsPhase_ = 0;                         // logical points
     QPainterPath preview_;
     std::optional<TransformState> transform_;
-    QImage floatingImage_; // of the lifted pixels, made once a lift
+    mutable FloatingImage floatingImage_;
     std::optional<Ring> ring_;
 };
 

@@ -13,15 +13,8 @@ void PaintModel::beginTransform() {
     Layer& layer = doc.activeLayer();
     if (layer.isLocked) return flash(tr("The layer is locked"));
     std::shared_ptr<const Floating> floating = liftFloating(doc);
-    const auto* pixels = floating ? floating->buffer->data() : nullptr;
-    const auto hasAlpha = [&] {
-        for (int64_t i = 3; i < floating->buffer->byteCount(); i += 4) {
-            if (pixels[i] != 0) return true;
-        }
-        return false;
-    };
-    if (!floating || !hasAlpha()) {
-        // A selection over nothing lifts a transparent buffer: put the document back as it was.
+    if (!floating || !floating->hasAlpha()) {
+        // A selection over nothing lifts transparent pixels: put the document back as it was.
         if (floating) doc.revertToLastCommit();
         return flash(tr("Nothing to move on this layer"));
     }

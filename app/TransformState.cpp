@@ -22,10 +22,10 @@ TransformState::TransformState(std::shared_ptr<const Floating> lifted)
       center(floating->origin.rectF().center()) {}
 
 double TransformState::width() const {
-    return static_cast<double>(floating->buffer->width());
+    return static_cast<double>(floating->origin.w);
 }
 double TransformState::height() const {
-    return static_cast<double>(floating->buffer->height());
+    return static_cast<double>(floating->origin.h);
 }
 
 QTransform TransformState::matrix() const {

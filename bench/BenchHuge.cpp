@@ -1,7 +1,12 @@
 // Huge canvases, and what is done to them at once. `peak` is how many megabytes the process took beyond what it held.
 #include "PlainPass.h"
+#include "core/TileMemory.h"
+#include "formats/pictures/ImageExport.h"
+#include "formats/pictures/ImageImport.h"
+#include "operations/Floating.h"
 #include "operations/LayerOperations.h"
 #include "operations/Selection.h"
+#include "platform/Bytes.h"
 
 #include <fstream>
 #include <functional>
@@ -60,6 +65,65 @@ void selectHuge(benchmark::State& state) {
     });
 }
 BENCHMARK(selectHuge)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// Every tile differs, and no row of one is flat.
+void paintAllOver(Layer& layer) {
+    for (int64_t index = 0; index < layer.grid().count(); ++index) {
+        uint8_t* pixels = layer.writableTile(index).writablePixels();
+        for (int64_t i = 0; i < kTilePixels; ++i, pixels += 4) {
+            pixels[0] = static_cast<uint8_t>(i * 3 + index);
+            pixels[1] = static_cast<uint8_t>(i >> 8);
+            pixels[2] = static_cast<uint8_t>(index);
+            pixels[3] = 255;
+        }
+    }
+}
+
+void liftWholeLayer(benchmark::State& state) {
+    PaintDocument doc(12000, 9000, 72, std::nullopt);
+    paintAllOver(doc.activeLayer());
+    doc.commit(QStringLiteral("Paint"));
+    timeOnce(state, [&] { benchmark::DoNotOptimize(liftFloating(doc)); });
+}
+BENCHMARK(liftWholeLayer)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void putDownMoved(benchmark::State& state) {
+    PaintDocument doc(12000, 9000, 72, std::nullopt);
+    paintAllOver(doc.activeLayer());
+    doc.commit(QStringLiteral("Paint"));
+    const auto floating = liftFloating(doc);
+    timeOnce(state, [&] { placeFloating(doc, *floating, QTransform::fromTranslate(-100, 50)); });
+}
+BENCHMARK(putDownMoved)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// 12,000 x 12,000 pixels, which are 576 MB.
+void openHuge(benchmark::State& state, ExportFormat format) {
+    QByteArray file;
+    {
+        PaintDocument doc(12000, 12000, 72, std::nullopt);
+        paintAllOver(doc.activeLayer());
+        file = ImageExport::data(doc, format, 0.9, PaintColor::white());
+    }
+    TileMemory::trim();
+    std::unique_ptr<PaintDocument> opened;
+    timeOnce(state, [&] { opened = ImageImport::document(bytesOf(file), {}); });
+}
+BENCHMARK_CAPTURE(openHuge, png, ExportFormat::png)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(openHuge, jpeg, ExportFormat::jpeg)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(openHuge, tiff, ExportFormat::tiff)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(openHuge, psd, ExportFormat::psdFlat)
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -57,7 +57,7 @@ void placeTransformed(benchmark::State& state) {
     transform.scale(static_cast<double>(state.range(1)) / 100, static_cast<double>(state.range(1)) / 100);
     transform.translate(-kSide / 2, -kSide / 2);
     PaintDocument plain(1000, 1000, 72, std::nullopt);
-    plain.activeLayer().load(*floating->buffer);
+    plain.activeLayer().load(*floating->picture(floating->origin));
     timeChange(state, *doc, plain, [&] { placeFloating(*doc, *floating, transform); });
 }
 BENCHMARK(placeTransformed)

@@ -1,6 +1,7 @@
 #include "core/Layer.h"
 
 #include "core/PaintEngine.h"
+#include "platform/Parallel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,6 +10,29 @@
 namespace qirn {
 
 using PaintEngine::fnvStep;
+
+namespace {
+
+/// Of a tile's part of the canvas; the zero rectangle where it has no alpha.
+IRect alphaBounds(const Tile& tile, const IRect& part) {
+    int64_t left = part.w, right = -1, top = part.h, bottom = -1;
+    for (int64_t y = 0; y < part.h; ++y) {
+        const uint8_t* alpha = tile.pixels() + y * kTileRowBytes + 3;
+        int64_t first = 0;
+        while (first < part.w && alpha[first * 4] == 0) ++first;
+        if (first == part.w) continue;
+        int64_t last = part.w - 1;
+        while (alpha[last * 4] == 0) --last;
+        left = std::min(left, first);
+        right = std::max(right, last);
+        top = std::min(top, y);
+        bottom = y;
+    }
+    if (bottom < 0) return {};
+    return {part.x + left, part.y + top, right - left + 1, bottom - top + 1};
+}
+
+} // namespace
 
 Layer::Layer(QString layerName, const TileGrid& grid, QUuid layerId)
     : id(layerId),
@@ -46,25 +70,15 @@ bool Layer::isEmpty() const {
 }
 
 std::optional<IRect> Layer::contentBounds() const {
-    IRect bounds;
-    tiles_.forEachTile([&](int64_t index, const Tile& tile) {
-        const IRect part = grid_.rectOf(index);
-        int64_t left = part.w, right = -1, top = part.h, bottom = -1;
-        for (int64_t y = 0; y < part.h; ++y) {
-            const uint8_t* alpha = tile.pixels() + y * kTileRowBytes + 3;
-            int64_t first = 0;
-            while (first < part.w && alpha[first * 4] == 0) ++first;
-            if (first == part.w) continue;
-            int64_t last = part.w - 1;
-            while (alpha[last * 4] == 0) --last;
-            left = std::min(left, first);
-            right = std::max(right, last);
-            top = std::min(top, y);
-            bottom = y;
-        }
-        if (bottom >= 0)
-            bounds = bounds.united({part.x + left, part.y + top, right - left + 1, bottom - top + 1});
+    std::vector<int64_t> indices;
+    tiles_.forEachTile([&](int64_t index, const Tile&) { indices.push_back(index); });
+    std::vector<IRect> boxes(indices.size());
+    concurrentPerform(std::ssize(indices), [&](int64_t i) {
+        const auto at = static_cast<std::size_t>(i);
+        boxes[at] = alphaBounds(*tiles_.at(indices[at]), grid_.rectOf(indices[at]));
     });
+    IRect bounds;
+    for (const IRect& box : boxes) bounds = bounds.united(box);
     if (bounds.isEmpty()) return std::nullopt;
     return bounds;
 }

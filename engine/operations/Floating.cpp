@@ -2,6 +2,8 @@
 
 #include "compositing/CompositeInputs.h"
 #include "compositing/Compositor.h"
+#include "core/MappedRect.h"
+#include "operations/RedrawTiles.h"
 #include "operations/Selection.h"
 #include "platform/Parallel.h"
 #include "platform/Resampler.h"
@@ -28,11 +30,12 @@ std::optional<IRect> takenRect(const PaintDocument& doc) {
 /// Copies a rectangle of a tile into a buffer that lies at `buffer.rect`, cut by the selection.
 void copyOut(const uint8_t* tilePixels, int64_t index, const IRect& tile, const Selection* selection,
              const PlacedPixels& to) {
+    if (selection && selection->tiles().isAbsent(index)) return;
     const IRect part = tile.intersection(to.rect);
     for (int64_t y = part.y; y < part.maxY(); ++y) {
         const uint8_t* from = tilePixels + (y - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
         uint8_t* out = to.buffer->row(y - to.rect.y) + (part.x - to.rect.x) * 4;
-        if (!selection) {
+        if (!selection || selection->tiles().isWhole(index)) {
             std::memcpy(out, from, static_cast<std::size_t>(part.w) * 4);
             continue;
         }
@@ -41,25 +44,26 @@ void copyOut(const uint8_t* tilePixels, int64_t index, const IRect& tile, const 
     }
 }
 
-/// Leaves in a layer what the selection does not take of it.
-void removeSelected(Layer& layer, const TileGrid& grid, const Selection& selection) {
-    for (int64_t index : grid.tilesIn(selection.bounds())) {
-        if (!layer.tile(index) || selection.tiles().isAbsent(index)) continue;
-        const IRect tile = grid.rectOf(index);
-        const IRect part = tile.intersection(selection.bounds());
-        uint8_t* pixels = nullptr;
-        for (int64_t y = part.y; y < part.maxY(); ++y) {
-            const uint8_t* selected = selection.row(index, y - tile.y) + (part.x - tile.x);
-            const int64_t place = (y - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
-            for (int64_t i = 0; i < part.w; ++i) {
-                if (selected[i] == 0) continue;
-                if (!pixels) pixels = layer.writableTile(index).writablePixels();
-                uint8_t* pixel = pixels + place + i * 4;
-                for (int c = 0; c < 4; ++c) pixel[c] = partOf(pixel[c], 255u - selected[i]);
+/// A tile in two: what the selection takes of its part of the canvas, and what it leaves.
+struct Halves {
+    int64_t index;
+    TileRef lifted, left;
+
+    void cut(const Tile& tile, const IRect& part, const Selection& selection) {
+        lifted = std::make_shared<Tile>();
+        left = std::make_shared<Tile>(tile);
+        for (int64_t y = 0; y < part.h; ++y) {
+            const uint8_t* selected = selection.row(index, y);
+            uint8_t* const taken = lifted->writablePixels() + y * kTileRowBytes;
+            uint8_t* const kept = left->writablePixels() + y * kTileRowBytes;
+            for (int64_t i = 0; i < part.w * 4; ++i) {
+                const uint32_t value = kept[i], share = selected[i / 4];
+                taken[i] = partOf(value, share);
+                kept[i] = partOf(value, 255 - share);
             }
         }
     }
-}
+};
 
 /// The whole pixels of the canvas within a rectangle that may be endless.
 IRect canvasPart(const TileGrid& grid, const QRectF& rect) {
@@ -70,39 +74,90 @@ IRect canvasPart(const TileGrid& grid, const QRectF& rect) {
 
 } // namespace
 
+bool Floating::hasAlpha() const {
+    const TileGrid& grid = pixels->grid();
+    for (int64_t index : grid.tilesIn(origin)) {
+        const Tile* tile = pixels->tile(index);
+        if (!tile) continue;
+        const IRect part = grid.rectOf(index).intersection(origin);
+        for (int64_t y = part.y; y < part.maxY(); ++y) {
+            const uint8_t* alpha =
+                tile->pixels() + y % kTileSize * kTileRowBytes + part.x % kTileSize * 4 + 3;
+            for (int64_t x = 0; x < part.w; ++x) {
+                if (alpha[x * 4] != 0) return true;
+            }
+        }
+    }
+    return false;
+}
+
+std::shared_ptr<RGBABuffer> Floating::picture(const IRect& part) const {
+    auto buffer = std::make_shared<RGBABuffer>(part.w, part.h);
+    const TileGrid& grid = pixels->grid();
+    const std::vector<int64_t> tiles = grid.tilesIn(part);
+    concurrentPerform(std::ssize(tiles), [&](int64_t i) {
+        const int64_t index = tiles[static_cast<std::size_t>(i)];
+        if (const Tile* tile = pixels->tile(index))
+            copyOut(tile->pixels(), index, grid.rectOf(index), nullptr, {buffer, part});
+    });
+    return buffer;
+}
+
 std::shared_ptr<const Floating> liftFloating(PaintDocument& doc) {
     Layer& layer = doc.activeLayer();
     if (layer.isLocked) return nullptr;
     const std::optional<IRect> rect = takenRect(doc);
     if (!rect || rect->isEmpty()) return nullptr;
-    const PlacedPixels lifted{std::make_shared<RGBABuffer>(rect->w, rect->h), *rect};
     const Selection* selection = doc.selection.get();
-    for (int64_t index : doc.grid().tilesIn(*rect)) {
-        const Tile* tile = layer.tile(index);
-        if (tile) copyOut(tile->pixels(), index, doc.grid().rectOf(index), selection, lifted);
-    }
-    if (selection) {
-        removeSelected(layer, doc.grid(), *selection);
-    } else {
+    const auto lifted = std::make_shared<Layer>(layer.name, doc.grid());
+    auto floating = std::make_shared<const Floating>(Floating{lifted, *rect, layer.id});
+    if (!selection) {
+        lifted->shareTilesOf(layer);
         layer.removeAllTiles();
+    } else {
+        std::vector<Halves> halves;
+        for (int64_t index : doc.grid().tilesIn(*rect)) {
+            if (layer.tile(index) && !selection->tiles().isAbsent(index)) halves.push_back({index, {}, {}});
+        }
+        concurrentPerform(std::ssize(halves), [&](int64_t i) {
+            Halves& half = halves[static_cast<std::size_t>(i)];
+            if (selection->tiles().isWhole(half.index))
+                half.lifted = layer.tiles().share(half.index);
+            else
+                half.cut(*layer.tile(half.index), doc.grid().rectOf(half.index), *selection);
+        });
+        for (Halves& half : halves) {
+            lifted->setTile(half.index, std::move(half.lifted));
+            layer.setTile(half.index, std::move(half.left));
+        }
+        lifted->freezeTiles();
     }
     doc.markDirty(*rect);
-    return std::make_shared<const Floating>(Floating{lifted.buffer, *rect, layer.id});
+    return floating;
 }
 
 IRect placeFloating(PaintDocument& doc, const Floating& floating, const QTransform& transform) {
     const auto index = doc.indexOf(floating.layerID);
     if (!index) return {};
     Layer& layer = doc.layer(*index);
-    const RGBABuffer& source = *floating.buffer;
-    const Resampler resampler({source.data(), source.width(), source.height(), source.width() * 4},
+    const IRect& origin = floating.origin;
+    if (std::optional<PixelMap> toBox = PixelMap::of(transform)) {
+        PixelMap map = *toBox;
+        map.x0 += origin.x;
+        map.y0 += origin.y;
+        const IRect rect = mapped(map.inverse(), origin).intersection(doc.grid().bounds());
+        if (rect.isEmpty()) return {};
+        Layer placed(layer.name, doc.grid());
+        copyTiles(*floating.pixels, placed, map);
+        stampTiles(placed, layer);
+        doc.markDirty(rect);
+        return rect;
+    }
+    const auto source = floating.picture(origin);
+    const Resampler resampler({source->data(), source->width(), source->height(), source->width() * 4},
                               transform);
     const IRect rect = canvasPart(doc.grid(), resampler.reach());
     if (rect.isEmpty()) return {};
-    if (resampler.copies() && resampler.copies()->isMove()) {
-        return stamp(doc, source, -resampler.copies()->x0, -resampler.copies()->y0, layer, 1,
-                     UseSelection::no);
-    }
     // In bands as high as a tile: a picture that is drawn all over a large canvas is never held twice.
     for (int64_t y = rect.y; y < rect.maxY();) {
         const int64_t rows = std::min(kBandRows - y % kBandRows, rect.maxY() - y);

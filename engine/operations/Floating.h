@@ -10,11 +10,16 @@
 
 namespace qirn {
 
-/// Pixels lifted off a layer, until they are put down elsewhere.
+/// Pixels lifted off a layer, until they are put down elsewhere. They are tiles that lie where they were: those that
+/// were lifted whole are the layer's own. What is outside the origin counts for nothing.
 struct Floating {
-    const std::shared_ptr<const RGBABuffer> buffer;
-    const IRect origin; ///< Where they were, in canvas pixels.
+    const LayerRef pixels; ///< Of the canvas's grid; nobody writes on it.
+    const IRect
+        origin; ///< Where they were, in canvas pixels; with its corner at (0, 0) the box that is transformed.
     const QUuid layerID;
+
+    bool hasAlpha() const;
+    std::shared_ptr<RGBABuffer> picture(const IRect& part) const; ///< Of a part of the canvas.
 };
 
 /// Takes the selected pixels of the active layer, or all of them without a selection, off the layer. Partly
@@ -22,9 +27,9 @@ struct Floating {
 /// where there are neither a selection nor pixels; empty pixels under a selection are lifted too. Commits nothing.
 std::shared_ptr<const Floating> liftFloating(PaintDocument& doc);
 
-/// Lays lifted pixels on their layer under an affine transform from buffer to canvas coordinates. The selection
+/// Lays lifted pixels on their layer under an affine transform from their box to canvas coordinates. The selection
 /// plays no part: it cut the pixels already. Returns what was marked dirty: the covering pixels of the transformed
-/// buffer, soft edges included, on the canvas; the zero rectangle when that is empty or the layer is gone.
+/// box, soft edges included, on the canvas; the zero rectangle when that is empty or the layer is gone.
 IRect placeFloating(PaintDocument& doc, const Floating& floating, const QTransform& transform);
 
 enum class Merged { no, yes };

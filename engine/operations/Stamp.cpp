@@ -1,9 +1,11 @@
 #include "operations/Stamp.h"
 
 #include "operations/Selection.h"
+#include "platform/Parallel.h"
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace qirn {
 
@@ -36,6 +38,17 @@ void layWithinAlpha(const uint8_t* source, float strength, uint8_t* pixel) {
     }
 }
 
+/// Lays whole tiles; whether anything landed.
+template <auto kLay> bool stampWhole(const uint8_t* source, uint8_t* pixels) {
+    bool landed = false;
+    for (int i = 0; i < kTileBytes; i += 4) {
+        if (source[i + 3] == 0) continue;
+        kLay(source + i, 1, pixels + i);
+        landed = true;
+    }
+    return landed;
+}
+
 /// The part of a tile under the buffer, whose top left pixel is at (x, y).
 template <auto kLay>
 void stampTile(const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, int64_t index, const IRect& part,
@@ -58,6 +71,33 @@ void stampTile(const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, int
 }
 
 } // namespace
+
+void stampTiles(Layer& source, Layer& layer) {
+    require(source.grid() == layer.grid());
+    struct Mixed {
+        int64_t index;
+        TileRef made;
+    };
+    std::vector<Mixed> mixed;
+    source.tiles().forEachTile([&](int64_t index, const Tile&) {
+        if (layer.tile(index)) mixed.push_back({index, nullptr});
+    });
+    const auto lay = layer.alphaLocked ? stampWhole<layWithinAlpha> : stampWhole<layOver>;
+    concurrentPerform(std::ssize(mixed), [&](int64_t i) {
+        Mixed& at = mixed[static_cast<std::size_t>(i)];
+        auto made = std::make_shared<Tile>(*layer.tile(at.index));
+        if (lay(source.tile(at.index)->pixels(), made->writablePixels())) at.made = std::move(made);
+    });
+    source.freezeTiles();
+    if (!layer.alphaLocked) {
+        source.tiles().forEachTile([&](int64_t index, const Tile&) {
+            if (!layer.tile(index)) layer.setTile(index, source.tiles().share(index));
+        });
+    }
+    for (Mixed& at : mixed) {
+        if (at.made) layer.setTile(at.index, std::move(at.made));
+    }
+}
 
 IRect stamp(PaintDocument& doc, const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, double opacity,
             UseSelection useSelection) {
