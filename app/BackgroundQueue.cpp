@@ -1,6 +1,8 @@
 #include "BackgroundQueue.h"
 
+#include <exception>
 #include <memory>
+#include <utility>
 
 #include <QCoreApplication>
 #include <QThreadPool>
@@ -24,10 +26,17 @@ QThreadPool& pool() {
 } // namespace
 
 std::shared_future<void> BackgroundQueue::run(std::function<void()> job) {
-    const auto task = std::make_shared<std::packaged_task<void()>>(std::move(job));
-    std::shared_future<void> result = task->get_future().share();
-    pool().start([task] { (*task)(); });
-    return result;
+    // No packaged_task, whose result would keep the job, and the picture in it, for as long as itself.
+    const auto result = std::make_shared<std::promise<void>>();
+    pool().start([job = std::move(job), result]() mutable {
+        try {
+            std::exchange(job, nullptr)();
+            result->set_value();
+        } catch (...) {
+            result->set_exception(std::current_exception());
+        }
+    });
+    return result->get_future().share();
 }
 
 void BackgroundQueue::finish() {

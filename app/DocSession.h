@@ -3,6 +3,7 @@
 #include "core/PaintDocument.h"
 
 #include <cstdint>
+#include <future>
 #include <memory>
 
 #include <QDateTime>
@@ -12,6 +13,8 @@
 #include <QUuid>
 
 namespace qirn {
+
+class CopyLock;
 
 /// One open picture: its document, where it is kept, and its own view. It owns the document and never changes it
 /// for another; sessions are told apart by identity.
@@ -33,6 +36,9 @@ public:
     int64_t savedChange; ///< The document's change count at the last save, or -1.
     int64_t autosavedChange;
     QDateTime lastAutosave; ///< Null: never.
+    std::shared_future<void>
+        copy; ///< Of `autosavedChange`: ready when it is on disk, or with the error. Not valid: none.
+    std::shared_ptr<CopyLock> copyLock; ///< Of the safety copy, from the first one on; null before.
     ViewState view;
     /// The view is to be fitted: not shown yet, or still as the fit at its showing left it, so that the picture
     /// follows a window that is still finding its size. Whoever changes the view or works in it ends that.

@@ -124,6 +124,9 @@ public:
     bool close(DocSession& session); ///< False when the user cancels.
     void closeCurrent();
     bool shouldQuit(); ///< Asks about each picture with unsaved work.
+    /// Copies of all unsaved work, as it was last committed and whatever the preferences say, and the store: what remains
+    /// to be done when the process is made to end. Waits for it.
+    void keepWork();
     void startAutosave();
     void autosaveTick();
     const std::optional<QString>& lastAutosaveText() const { return lastAutosaveText_; }
@@ -217,6 +220,8 @@ private:
     void savePalettes();
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);
+    /// Unsaved work goes to the Trash. False where it cannot and the user would rather keep the picture open.
+    bool leaveInTrash(DocSession& session);
     void showOnCanvas(DocSession& session);
 
     Desktop& desktop_;

@@ -2,11 +2,13 @@
 #include "PaintModel.h"
 
 #include "AppFolders.h"
+#include "BackgroundQueue.h"
 #include "CanvasView.h"
 #include "Desktop.h"
 #include "FileTypes.h"
 #include "HostWords.h"
 #include "Recovery.h"
+#include "Store.h"
 #include "core/TileMemory.h"
 #include "formats/native/PaintFile.h"
 #include "formats/pictures/ImageImport.h"
@@ -15,6 +17,7 @@
 #include "platform/ReadFile.h"
 
 #include <algorithm>
+#include <new>
 
 #include <QDir>
 #include <QFileInfo>
@@ -75,7 +78,7 @@ void PaintModel::add(SessionRef session) {
     finishGesture();
     session->doc().maxUndoSteps = prefs_.undoSteps;
     if (sessions_.size() == 1 && isUntouchedStarter(*sessions_.front())) {
-        Recovery::discard(sessions_.front()->id, Recovery::MoveToTrash::no);
+        Recovery::discard(sessions_.front()->id);
         remove(*sessions_.front());
     }
     sessions_.push_back(session);
@@ -89,7 +92,7 @@ void PaintModel::addRecovered(SessionRef session) {
     const bool replaces = sessions_.size() == 1 && sessions_.front()->fileURL.isEmpty() &&
                           !sessions_.front()->isDirty() && sessions_.front()->doc().undoDepth() == 0;
     if (replaces) {
-        Recovery::discard(sessions_.front()->id, Recovery::MoveToTrash::no);
+        Recovery::discard(sessions_.front()->id);
         remove(*sessions_.front());
     }
     add(std::move(session));
@@ -157,7 +160,7 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     session->fileURL = QUrl::fromLocalFile(info.absoluteFilePath());
     session->name = info.completeBaseName();
     session->savedChange = session->autosavedChange = session->doc().changeCount();
-    Recovery::discard(session->id, Recovery::MoveToTrash::no);
+    Recovery::discard(session->id);
     session->announceChange();
     announce();
     desktop_.noteRecentFile(info.absoluteFilePath());
@@ -188,7 +191,7 @@ bool PaintModel::close(DocSession& session) {
     const bool wasCurrent = current() == &session;
     if (wasCurrent) finishGesture();
     if (!session.isDirty()) {
-        Recovery::discard(session.id, Recovery::MoveToTrash::no);
+        Recovery::discard(session.id);
     } else {
         const int answer = desktop_.ask(tr("Save changes to \"%1\"?").arg(session.name),
                                         tr("If you don't save, your changes are moved to the Trash as an "
@@ -197,10 +200,7 @@ bool PaintModel::close(DocSession& session) {
                                         {tr("Save…"), tr("Cancel"), tr("Don't Save")}, 1);
         if (answer == 1) return false;
         if (answer == 0 && !save(&session, SaveAs::no)) return false;
-        if (answer == 2) {
-            Recovery::write(session, Recovery::Synchronously::yes);
-            Recovery::discard(session.id, Recovery::MoveToTrash::yes);
-        }
+        if (answer == 2 && !leaveInTrash(session)) return false;
     }
     remove(session);
     TileMemory::trim();
@@ -210,6 +210,23 @@ bool PaintModel::close(DocSession& session) {
         showOnCanvas(*current());
     }
     announce();
+    return true;
+}
+
+bool PaintModel::leaveInTrash(DocSession& session) {
+    QString reason;
+    try {
+        Recovery::moveToTrash(session);
+        return true;
+    } catch (const DescribedError& error) {
+        reason = error.description();
+    } catch (const std::bad_alloc&) {
+        reason = tr("There is not enough memory.");
+    }
+    if (desktop_.ask(tr("Close \"%1\" without a copy?").arg(session.name), reason,
+                     {tr("Cancel"), tr("Close")}, 0) == 0)
+        return false;
+    Recovery::discard(session.id);
     return true;
 }
 
@@ -225,12 +242,23 @@ bool PaintModel::shouldQuit() {
         select(*session);
         if (!close(*session)) return false;
     }
-    for (const SessionRef& session : sessions_) Recovery::discard(session->id, Recovery::MoveToTrash::no);
+    for (const SessionRef& session : sessions_) Recovery::discard(session->id);
     saveState();
+    store_.flush();
     return true;
 }
 
 // --- Safety copies
+
+void PaintModel::keepWork() {
+    saveState();
+    store_.write(); // first, since it is done at once
+    for (const SessionRef& session : sessions_) {
+        if (session->isDirty() && !Recovery::isUpToDate(*session))
+            Recovery::write(*session, Recovery::Synchronously::no);
+    }
+    BackgroundQueue::finish();
+}
 
 void PaintModel::startAutosave() {
     autosaveTimer_.start(kAutosaveTick);

@@ -2,6 +2,7 @@
 
 #include "AppFolders.h"
 #include "BackgroundQueue.h"
+#include "FileTypes.h"
 #include "Trash.h"
 #include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
@@ -10,11 +11,14 @@
 #include "platform/ReadFile.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
+#include <QStandardPaths>
 
 namespace qirn {
 
@@ -26,6 +30,10 @@ QString idText(const QUuid& id) {
 
 QString pathFor(const QUuid& id, const QString& extension) {
     return QDir(AppFolders::autosave()).filePath(idText(id) + u'.' + extension);
+}
+
+QString lockURL(const QUuid& id) {
+    return pathFor(id, QStringLiteral("lock"));
 }
 
 OrderedJson infoToJson(const Recovery::Info& info) {
@@ -71,14 +79,43 @@ Recovery::Info madeUpInfo(const QFileInfo& file) {
             0};
 }
 
-void writeCopy(const DocumentSnapshot& snapshot, const QString& file, const Recovery::Info& info,
-               const QString& infoFile) {
-    try {
-        writeAtomically(file, bytesOf(PaintFile::encode(snapshot, PaintFile::kPreviewSide)));
-        writeAtomically(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))));
-    } catch (const std::exception& error) {
-        qWarning("Qirn Paint autosave failed: %s", error.what());
+/// What a copy is made of, to be written in the background.
+struct CopyJob {
+    DocumentSnapshot picture;
+    Recovery::Info info;
+    QString file, infoFile;
+    std::shared_ptr<CopyLock> lock;
+
+    void run() const {
+        try {
+            if (!lock) throw FileError(EBUSY); // another program has this copy
+            writeAtomically(file, bytesOf(PaintFile::encode(picture, PaintFile::kPreviewSide)));
+            writeAtomically(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))));
+        } catch (const std::exception& error) {
+            qWarning("Qirn Paint autosave failed: %s", error.what());
+            throw;
+        }
     }
+};
+
+Recovery::Info infoOf(const DocSession& session, const TileGrid& grid, std::size_t layers) {
+    Recovery::Info info{session.name, std::nullopt, session.lastAutosave,
+                        grid.width,   grid.height,  static_cast<int64_t>(layers)};
+    if (!session.fileURL.isEmpty()) info.originalPath = session.fileURL.toLocalFile();
+    return info;
+}
+
+/// The document alone: its record means nothing to the user.
+void trashCopy(const QUuid& id, const Recovery::Info& info) {
+    const QString time = QLocale().toString(info.date.toLocalTime(), QStringLiteral("d MMM hh.mm"));
+    const QString name =
+        FileTypes::fileName(QCoreApplication::translate("Recovery", "%1 (autosaved %2)").arg(info.name, time),
+                            QLatin1String(PaintFile::fileExtension));
+    const QString folder = info.originalPath
+                               ? QFileInfo(*info.originalPath).path()
+                               : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    moveToTrash(Recovery::fileURL(id), name, folder);
+    QFile::remove(Recovery::infoURL(id));
 }
 
 } // namespace
@@ -99,26 +136,44 @@ QString Recovery::infoURL(const QUuid& id) {
 }
 
 void Recovery::write(DocSession& session, Synchronously synchronously) {
-    DocumentSnapshot frozen = snapshot(session.doc());
-    Info info{session.name,      std::nullopt,       QDateTime::currentDateTime(),
-              frozen.grid.width, frozen.grid.height, static_cast<int64_t>(frozen.layers.size())};
-    if (!session.fileURL.isEmpty()) info.originalPath = session.fileURL.toLocalFile();
+    DocumentSnapshot picture = snapshotOfLastCommit(session.doc());
     session.autosavedChange = session.doc().changeCount();
-    session.lastAutosave = info.date;
-    BackgroundQueue::run([frozen = std::move(frozen), info, file = fileURL(session.id),
-                          infoFile = infoURL(session.id)] { writeCopy(frozen, file, info, infoFile); });
-    if (synchronously == Synchronously::yes) BackgroundQueue::finish();
+    session.lastAutosave = QDateTime::currentDateTime();
+    if (!session.copyLock || !session.copyLock->isHeld())
+        session.copyLock = CopyLock::take(lockURL(session.id));
+    const Info info = infoOf(session, picture.grid, picture.layers.size());
+    CopyJob job{std::move(picture), info, fileURL(session.id), infoURL(session.id), session.copyLock};
+    session.copy = BackgroundQueue::run([job = std::move(job)] { job.run(); });
+    if (synchronously == Synchronously::yes) session.copy.wait();
 }
 
-void Recovery::discard(const QUuid& id, MoveToTrash toTrash) {
-    BackgroundQueue::finish();
-    for (const QString& path : {fileURL(id), infoURL(id)}) {
-        if (!QFile::exists(path)) continue;
-        if (toTrash == MoveToTrash::yes)
-            moveToTrash(path);
-        else
-            QFile::remove(path);
+bool Recovery::isUpToDate(const DocSession& session) {
+    if (!session.copy.valid() || session.autosavedChange != session.doc().changeCount()) return false;
+    try {
+        session.copy.get();
+        return true;
+    } catch (const std::exception&) {
+        return false;
     }
+}
+
+void Recovery::discard(const QUuid& id) {
+    BackgroundQueue::finish();
+    QFile::remove(fileURL(id));
+    QFile::remove(infoURL(id));
+}
+
+void Recovery::moveToTrash(DocSession& session) {
+    if (!isUpToDate(session)) {
+        write(session, Synchronously::yes);
+        session.copy.get();
+    }
+    const PaintDocument& doc = session.doc();
+    trashCopy(session.id, infoOf(session, doc.grid(), doc.layers().size()));
+}
+
+void Recovery::moveToTrash(const Item& item) {
+    trashCopy(item.id, item.info);
 }
 
 std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) {
@@ -130,8 +185,14 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
         const bool isCopy =
             !id.isNull() && file.completeBaseName().toUpper() == idText(id); // no braces and the like
         if (!isCopy || excluding.contains(id)) continue;
-        items.push_back({id, infoFromFile(infoURL(id)).value_or(madeUpInfo(file)), file.filePath()});
+        const std::shared_ptr<CopyLock> lock = CopyLock::take(lockURL(id));
+        if (!lock || !QFile::exists(file.filePath()))
+            continue; // open in another program, or just saved there
+        items.push_back({id, infoFromFile(infoURL(id)).value_or(madeUpInfo(file)), file.filePath(), lock});
     }
+    // Those of programs that ended without a copy go as they are let go.
+    for (const QFileInfo& lock : folder.entryInfoList({QStringLiteral("*.lock")}, QDir::Files | QDir::Hidden))
+        CopyLock::take(lock.filePath());
     std::stable_sort(items.begin(), items.end(),
                      [](const Item& a, const Item& b) { return a.info.date > b.info.date; });
     return items;
@@ -139,9 +200,15 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
 
 SessionRef Recovery::restore(const Item& item) {
     auto document = PaintFile::decode(bytesOf(readFile(item.file)));
-    return std::make_shared<DocSession>(
+    const auto session = std::make_shared<DocSession>(
         std::move(document), item.info.name + QCoreApplication::translate("Recovery", " (recovered)"), QUrl(),
         item.id, DocSession::Dirty::yes);
+    std::promise<void> onDisk;
+    onDisk.set_value();
+    session->copy = onDisk.get_future().share();
+    session->copyLock = item.lock;
+    session->lastAutosave = item.info.date;
+    return session;
 }
 
 } // namespace qirn

@@ -1,4 +1,5 @@
 #pragma once
+#include "CopyLock.h"
 #include "DocSession.h"
 
 #include <cstdint>
@@ -14,8 +15,8 @@
 namespace qirn {
 
 /// Safety copies of changed pictures: for each a native document and a small record beside it, named after the
-/// session's id, in one folder. Copies are encoded and written on one background thread in the order in which they
-/// were asked for; everything else runs on the main thread.
+/// session's id, in one folder. Copies are encoded and written in the background in the order in which they were asked
+/// for; everything else runs on the main thread. A lock beside a copy tells every other program that its picture is open.
 namespace Recovery {
 
 struct Info {
@@ -31,6 +32,7 @@ struct Item {
     QUuid id;
     Info info;
     QString file;
+    std::shared_ptr<CopyLock> lock; ///< Taken before the copy was read; nobody else is offered it.
 
     QImage thumbnail() const; ///< The copy's preview; null when it cannot be read.
 };
@@ -39,15 +41,22 @@ QString fileURL(const QUuid& id);
 QString infoURL(const QUuid& id);
 
 enum class Synchronously { no, yes };
-/// Freezes the picture as it is now and writes its copy. A failure is logged and never shown; it is tried again
-/// after the next change.
+/// Writes a copy of the picture as it was last committed. A failure is logged and never shown; it is tried again after
+/// the next change.
 void write(DocSession& session, Synchronously synchronously);
 
-enum class MoveToTrash { no, yes };
-/// Removes a copy, after any write of it that is still waiting.
-void discard(const QUuid& id, MoveToTrash moveToTrash);
+/// Whether the copy on disk is of the last commit; waits for one that is being written.
+bool isUpToDate(const DocSession& session);
 
-/// The copies that no open session owns, newest first.
+/// Removes a copy, after any write of it that is still waiting.
+void discard(const QUuid& id);
+
+/// Moves the copy to the Trash, under the picture's name and the time of the copy, from where it goes back to the
+/// picture's folder; a session's is brought up to date first. Throws what hindered it, with the copy where it was.
+void moveToTrash(DocSession& session);
+void moveToTrash(const Item& item);
+
+/// The copies that neither an open session nor another program has, newest first.
 std::vector<Item> pending(const std::set<QUuid>& excluding);
 
 /// The picture as an unsaved session that keeps the copy's id, so that later copies go on replacing it. Throws a

@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include <QApplication>
+#include <QFile>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QTemporaryDir>
@@ -48,21 +49,25 @@ struct SelfTestWorld {
 };
 
 void recovery(const SelfTestWorld& world) {
-    DocSession session(selfTestPicture(), QStringLiteral("Lost work"), {}, QUuid::createUuid(),
-                       DocSession::Dirty::yes);
-    Recovery::write(session, Recovery::Synchronously::yes);
+    auto session = std::make_unique<DocSession>(selfTestPicture(), QStringLiteral("Lost work"), QUrl(),
+                                                QUuid::createUuid(), DocSession::Dirty::yes);
+    session->doc().commit(QStringLiteral("Paint"));
+    const QUuid id = session->id;
+    const uint64_t fingerprint = session->doc().fingerprint();
+    Recovery::write(*session, Recovery::Synchronously::yes);
+    world.check("An open picture's copy is not offered", Recovery::pending({}).empty());
+    session.reset(); // not closed
     const auto found = Recovery::pending({});
-    world.check("A safety copy is found after a crash", found.size() == 1 && found[0].id == session.id);
-    world.check("An open picture's copy is not offered", Recovery::pending({session.id}).empty());
+    world.check("A safety copy is found after a crash", found.size() == 1 && found[0].id == id);
     if (found.empty()) return;
     world.check("The list shows a preview", !found[0].thumbnail().isNull());
     const SessionRef restored = Recovery::restore(found[0]);
     world.check("The recovered picture is the one that was lost",
-                restored->doc().fingerprint() == session.doc().fingerprint());
+                restored->doc().fingerprint() == fingerprint);
     world.check("It counts as unsaved",
                 restored->isDirty() && restored->name == QStringLiteral("Lost work (recovered)"));
-    Recovery::discard(session.id, Recovery::MoveToTrash::no);
-    world.check("A discarded copy is gone", Recovery::pending({}).empty());
+    Recovery::discard(id);
+    world.check("A discarded copy is gone", !QFile::exists(Recovery::fileURL(id)));
 }
 
 void persistence(const SelfTestWorld& world) {

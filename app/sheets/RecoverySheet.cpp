@@ -84,6 +84,7 @@ bool RecoverySheet::isEmpty() const {
 }
 
 void RecoverySheet::reload() {
+    items_.clear(); // lets go of the locks, which would keep us away as well
     items_ = pendingFor(model_);
     list_->clear();
     for (const Recovery::Item& item : items_) {
@@ -133,7 +134,12 @@ void RecoverySheet::recoverAll() {
 
 void RecoverySheet::moveToTrash(int row) {
     if (row < 0 || row >= static_cast<int>(items_.size())) return;
-    Recovery::discard(items_[static_cast<std::size_t>(row)].id, Recovery::MoveToTrash::yes);
+    const Recovery::Item item = items_[static_cast<std::size_t>(row)];
+    try {
+        Recovery::moveToTrash(item);
+    } catch (const DescribedError& error) {
+        return model_.alert(tr("Couldn't move %1 to the Trash").arg(item.info.name), error.description());
+    }
     reload();
 }
 

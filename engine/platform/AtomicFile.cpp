@@ -245,6 +245,8 @@ const FileCalls& FileCalls::ofSystem() {
     static const FileCalls calls{
         .readlink = ::readlink,
         .stat = [](const char* path, struct stat* facts) { return ::stat(path, facts); },
+        .lstat = [](const char* path, struct stat* facts) { return ::lstat(path, facts); },
+        .mkdir = ::mkdir,
         .access = ::access,
         .open = [](const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); },
         .fchmod = ::fchmod,

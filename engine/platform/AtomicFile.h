@@ -23,11 +23,13 @@ private:
     int systemError_;
 };
 
-/// The system calls that writing a file is made of, each with the meaning and the results of the call of that
+/// The system calls that writing and moving a file are made of, each with the meaning and the results of the call of that
 /// name. Tests put failing ones in place.
 struct FileCalls {
     std::function<ssize_t(const char* path, char* target, std::size_t size)> readlink;
     std::function<int(const char* path, struct stat* facts)> stat;
+    std::function<int(const char* path, struct stat* facts)> lstat;
+    std::function<int(const char* path, mode_t mode)> mkdir;
     std::function<int(const char* path, int mode)> access;
     std::function<int(const char* path, int flags, mode_t mode)> open;
     std::function<int(int file, mode_t mode)> fchmod;

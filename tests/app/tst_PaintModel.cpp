@@ -1,3 +1,4 @@
+#include "BackgroundQueue.h"
 #include "RecentColors.h"
 #include "RecentFiles.h"
 #include "Recovery.h"
@@ -6,6 +7,7 @@
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "support/Files.h"
+#include "support/FullDisk.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
@@ -47,6 +49,8 @@ private Q_SLOTS:
     void aDamagedFileIsToldInWords();
     void closingAsksAboutUnsavedWork_data();
     void closingAsksAboutUnsavedWork();
+    void withoutACopyAPictureIsNotClosedUnasked_data();
+    void withoutACopyAPictureIsNotClosedUnasked();
     void quittingAsksForEachAndCanBeCancelled();
     void closingTheLastLeavesAFreshPicture();
     void closingAnotherTabLeavesTheTransformFloating();
@@ -309,6 +313,35 @@ void tst_PaintModel::closingAsksAboutUnsavedWork() {
     QVERIFY(!QFile::exists(Recovery::fileURL(id)));
 }
 
+void tst_PaintModel::withoutACopyAPictureIsNotClosedUnasked_data() {
+    QTest::addColumn<bool>("isFull");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("full disk") << true << "The file could not be written (File too large).";
+    QTest::newRow("no Trash") << false << "The folder does not exist.";
+}
+
+void tst_PaintModel::withoutACopyAPictureIsNotClosedUnasked() {
+    QFETCH(bool, isFull);
+    QFETCH(QString, reason);
+    Studio studio;
+    paintDot(studio);
+    const QUuid id = studio.session().id;
+    QDir().mkpath(studio.path(QStringLiteral("data")));
+    if (!isFull) writeFile(studio.path(QStringLiteral("data/Trash")), {});
+    for (const bool closes : {false, true}) {
+        std::optional<FullDisk> full;
+        if (isFull) full.emplace();
+        studio.desktop.answers = {2, closes};
+        studio.model.closeCurrent();
+        full.reset();
+        QCOMPARE(studio.desktop.asked.back().title, QStringLiteral("Close \"Test\" without a copy?"));
+        QCOMPARE(studio.desktop.asked.back().text, reason);
+        QCOMPARE(studio.desktop.asked.back().buttons, QStringList({"Cancel", "Close"}));
+        QCOMPARE(studio.session().id != id, closes);
+        QCOMPARE(QFile::exists(Recovery::fileURL(id)), !closes && !isFull); // what there is stays until then
+    }
+}
+
 void tst_PaintModel::quittingAsksForEachAndCanBeCancelled() {
     Studio studio;
     paintDot(studio);
@@ -322,7 +355,7 @@ void tst_PaintModel::quittingAsksForEachAndCanBeCancelled() {
     QCOMPARE(studio.session().name, QStringLiteral("Two"));
     studio.desktop.answers = {2};
     QVERIFY(studio.model.shouldQuit());
-    QVERIFY(Recovery::pending({}).empty());
+    QVERIFY(QDir(AppFolders::autosave()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
 }
 
 void tst_PaintModel::closingTheLastLeavesAFreshPicture() {
@@ -348,11 +381,14 @@ void tst_PaintModel::closingAnotherTabLeavesTheTransformFloating() {
 
 void tst_PaintModel::safetyCopiesAreWrittenAndRemoved() {
     Studio studio;
-    const auto copies = [] { return Recovery::pending({}).size(); };
+    const auto copies = [] {
+        return static_cast<std::size_t>(
+            QDir(AppFolders::autosave()).entryList({QStringLiteral("*.qirnpaint")}).size());
+    };
     const auto tick = [&] {
         studio.session().lastAutosave = {};
         studio.model.autosaveTick();
-        Recovery::discard(QUuid::createUuid(), Recovery::MoveToTrash::no); // waits for the queue
+        BackgroundQueue::finish();
     };
     tick();
     QCOMPARE(copies(), std::size_t{0}); // nothing changed

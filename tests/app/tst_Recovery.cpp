@@ -1,6 +1,5 @@
 #include "AppFolders.h"
 #include "Recovery.h"
-#include "Trash.h"
 #include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
@@ -10,6 +9,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLocale>
+#include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 using namespace qirn;
@@ -29,17 +31,18 @@ QByteArray contentOf(const QString& path) {
 }
 
 std::unique_ptr<DocSession> changedSession(const QString& name = QStringLiteral("Ébauche ✏️")) {
-    return std::make_unique<DocSession>(richDocument(), name, QUrl(), QUuid::createUuid(),
+    auto document = richDocument();
+    document->commit(QStringLiteral("Paint"));
+    return std::make_unique<DocSession>(std::move(document), name, QUrl(), QUuid::createUuid(),
                                         DocSession::Dirty::yes);
 }
 
-QStringList copiesOnDisk() {
-    return QDir(AppFolders::autosave()).entryList(QDir::Files | QDir::Hidden);
+QStringList namesIn(const QString& folder) {
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden);
 }
 
-/// The files in the Trash of this test's data folder.
-QStringList trashed() {
-    return QDir(qEnvironmentVariable("XDG_DATA_HOME") + "/Trash/files").entryList(QDir::Files);
+QStringList copiesOnDisk() {
+    return namesIn(AppFolders::autosave());
 }
 
 QString errorOf(const Recovery::Item& item) {
@@ -77,7 +80,7 @@ private Q_SLOTS:
     void anOverrideLeavesTheRealFolderAlone();
     void aCopyOutlivesACrash();
     void theRecordIsPlainJSON();
-    void copiesOfOpenPicturesAreNotOffered();
+    void whatAnotherHasOpenIsNotOffered();
     void aRecoveredPictureIsTheSameAndUnsaved();
     void aCopyKeepsItsMomentWhilePaintingGoesOn();
     void theNewestCopyComesFirst();
@@ -87,8 +90,7 @@ private Q_SLOTS:
     void aDiscardComesAfterAPendingWrite();
     void aDamagedCopyIsListedAndRefusedInWords();
     void aFailedWriteIsLoggedAndNothingElse();
-    void aDiscardedCopyCanGoToTheTrash();
-    void withoutATrashNothingIsLost();
+    void unsavedWorkGoesToTheTrashUnderItsName();
 
 private:
     std::unique_ptr<QTemporaryDir> world_;
@@ -142,36 +144,65 @@ void tst_Recovery::theRecordIsPlainJSON() {
     session->fileURL = QUrl::fromLocalFile(QStringLiteral("/home/a b/Sea.qirnpaint"));
     Recovery::write(*session, kWait);
     const QString upper = session->id.toString(QUuid::WithoutBraces).toUpper();
-    QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".qirnpaint"}));
+    QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".lock", upper + ".qirnpaint"}));
     const QByteArray text = contentOf(Recovery::infoURL(session->id));
     QVERIFY2(text.startsWith("{\"name\":\"Sea\",\"originalPath\":\"/home/a b/Sea.qirnpaint\",\"date\":\"20"),
              text.constData());
     QVERIFY2(text.endsWith("Z\",\"width\":300,\"height\":200,\"layers\":3}"), text.constData());
+    session->copyLock.reset();
     QCOMPARE(Recovery::pending({})[0].info.originalPath, QStringLiteral("/home/a b/Sea.qirnpaint"));
 }
 
-void tst_Recovery::copiesOfOpenPicturesAreNotOffered() {
+void tst_Recovery::whatAnotherHasOpenIsNotOffered() {
+    // Whoever asks here is to the lock as another program would be.
     const auto open = changedSession();
-    const auto lost = changedSession(QStringLiteral("Lost"));
-    Recovery::write(*open, kWait);
-    Recovery::write(*lost, kWait);
-    const auto items = Recovery::pending({open->id});
+    auto lost = changedSession(QStringLiteral("Lost"));
+    const QUuid id = lost->id;
+    for (const auto& session : {std::cref(open), std::cref(lost)}) Recovery::write(*session.get(), kWait);
+    QVERIFY(Recovery::pending({}).empty());
+    lost.reset();
+    put(AppFolders::autosave() + "/killed before its copy.lock", {});
+    QVERIFY(Recovery::pending({id}).empty());
+    auto items = Recovery::pending({});
     QCOMPARE(items.size(), std::size_t{1});
-    QCOMPARE(items[0].id, lost->id);
-    QVERIFY(Recovery::pending({open->id, lost->id}).empty());
+    QCOMPARE(items[0].id, id);
+    QVERIFY(Recovery::pending({}).empty()); // one program offers it at a time
+    SessionRef restored = Recovery::restore(items[0]);
+    QVERIFY(Recovery::isUpToDate(*restored));
+    items.clear();
+    QVERIFY(Recovery::pending({}).empty());
+    QCOMPARE(copiesOnDisk().filter(QStringLiteral(".lock")).size(), 2);
+
+    // A picture whose copy another has got hold of writes no more over it.
+    auto other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
+    QVERIFY(!other);
+    restored->copyLock.reset();
+    other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
+    QVERIFY(other && other->isHeld());
+    const QByteArray copy = contentOf(Recovery::fileURL(id));
+    paintRect(restored->doc(), restored->doc().layer(0), {0, 0, 9, 9}, {9, 8, 7, 255});
+    restored->doc().commit(QStringLiteral("Paint"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Qirn Paint autosave failed: ")));
+    Recovery::write(*restored, kWait);
+    QVERIFY(!Recovery::isUpToDate(*restored));
+    QCOMPARE(contentOf(Recovery::fileURL(id)), copy);
 }
 
 void tst_Recovery::aRecoveredPictureIsTheSameAndUnsaved() {
-    const auto session = changedSession();
+    auto session = changedSession();
     session->fileURL = QUrl::fromLocalFile(QStringLiteral("/somewhere/Picture.qirnpaint"));
+    const QUuid id = session->id;
+    const uint64_t committed = session->doc().fingerprint();
+    paintRect(session->doc(), session->doc().layer(0), {0, 0, 9, 9}, {9, 8, 7, 255}); // a stroke under way
     Recovery::write(*session, kWait);
+    session.reset();
     const SessionRef restored = Recovery::restore(Recovery::pending({})[0]);
-    QCOMPARE(restored->doc().fingerprint(), session->doc().fingerprint());
+    QCOMPARE(restored->doc().fingerprint(), committed);
     QCOMPARE(restored->name, QStringLiteral("Ébauche ✏️ (recovered)"));
     QVERIFY(restored->isDirty());
     QVERIFY(restored->fileURL.isEmpty());
-    QCOMPARE(restored->id, session->id); // so that later copies replace this one
-    QCOMPARE(copiesOnDisk().size(), 2);
+    QCOMPARE(restored->id, id); // so that later copies replace this one
+    QCOMPARE(copiesOnDisk().size(), 3);
 }
 
 void tst_Recovery::aCopyKeepsItsMomentWhilePaintingGoesOn() {
@@ -182,7 +213,7 @@ void tst_Recovery::aCopyKeepsItsMomentWhilePaintingGoesOn() {
         paintRect(session->doc(), session->doc().layer(0), {i, i, 100, 100}, {9, 8, 7, 255});
         session->doc().commit(QStringLiteral("Paint"));
     }
-    Recovery::discard(QUuid::createUuid(), Recovery::MoveToTrash::no); // waits for the write
+    Recovery::discard(QUuid::createUuid()); // waits for the write
     QCOMPARE(PaintFile::decode(bytesOf(contentOf(Recovery::fileURL(session->id))))->fingerprint(), moment);
 }
 
@@ -216,6 +247,7 @@ void tst_Recovery::aCopyWithoutItsRecordIsListed() {
     QFETCH(QByteArray, record);
     const auto session = changedSession();
     Recovery::write(*session, kWait);
+    session->copyLock.reset();
     QVERIFY(QFile::remove(Recovery::infoURL(session->id)));
     if (!record.isEmpty()) put(Recovery::infoURL(session->id), record);
     QFile copy(Recovery::fileURL(session->id));
@@ -250,7 +282,8 @@ void tst_Recovery::aDiscardComesAfterAPendingWrite() {
     const auto session =
         std::make_unique<DocSession>(randomDocument(1200, 900, 4, 3), QStringLiteral("Large"));
     for (int i = 0; i < 3; ++i) Recovery::write(*session, Recovery::Synchronously::no);
-    Recovery::discard(session->id, Recovery::MoveToTrash::no);
+    Recovery::discard(session->id);
+    session->copyLock.reset();
     QCOMPARE(copiesOnDisk(), QStringList());
 }
 
@@ -258,6 +291,7 @@ void tst_Recovery::aDamagedCopyIsListedAndRefusedInWords() {
     const auto session = changedSession();
     Recovery::write(*session, kWait);
     const QString path = Recovery::fileURL(session->id);
+    session->copyLock.reset();
     const QByteArray whole = contentOf(path);
     put(path, whole.left(200));
     const Recovery::Item item = Recovery::pending({})[0];
@@ -275,43 +309,39 @@ void tst_Recovery::aFailedWriteIsLoggedAndNothingElse() {
     QTest::ignoreMessage(QtWarningMsg, "Qirn Paint autosave failed: The folder does not exist.");
     Recovery::write(*session, kWait);
     QCOMPARE(session->autosavedChange, session->doc().changeCount()); // not again before the next change
-    Recovery::discard(session->id, Recovery::MoveToTrash::yes);
+    QVERIFY(!Recovery::isUpToDate(*session));
+    Recovery::discard(session->id);
     QVERIFY(Recovery::pending({}).empty());
 }
 
-void tst_Recovery::aDiscardedCopyCanGoToTheTrash() {
-    AppFolders::setBaseOverride(
-        world_->filePath(QStringLiteral("elsewhere"))); // the data folder is not there yet
-    const auto session = changedSession();
-    Recovery::write(*session, kWait);
-    const QByteArray copy = contentOf(Recovery::fileURL(session->id));
-    Recovery::discard(session->id, Recovery::MoveToTrash::yes);
+void tst_Recovery::unsavedWorkGoesToTheTrashUnderItsName() {
+    const auto session = changedSession(QStringLiteral("A/B"));
+    session->fileURL = QUrl::fromLocalFile(QStringLiteral("/home/a b/old.qirnpaint"));
+    Recovery::moveToTrash(*session); // there was no copy yet
+    session->copyLock.reset();
     QCOMPARE(copiesOnDisk(), QStringList());
-    const QString name = QFileInfo(Recovery::fileURL(session->id)).fileName();
-    QCOMPARE(trashed().size(), 2);
-    QCOMPARE(contentOf(qEnvironmentVariable("XDG_DATA_HOME") + "/Trash/files/" + name), copy);
+    const QString name = QStringLiteral("A-B (autosaved %1)")
+                             .arg(QLocale().toString(session->lastAutosave, QStringLiteral("d MMM hh.mm")));
+    const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + "/Trash";
+    QCOMPARE(namesIn(trash + "/files"), QStringList(name + ".qirnpaint"));
+    QCOMPARE(PaintFile::decode(bytesOf(contentOf(trash + "/files/" + name + ".qirnpaint")))->fingerprint(),
+             session->doc().fingerprint());
+    QVERIFY(
+        contentOf(trash + "/info/" + name + ".qirnpaint.trashinfo").contains("Path=/home/a%20b/A-B%20%28"));
 
-    Recovery::write(*session, kWait);
-    Recovery::discard(session->id, Recovery::MoveToTrash::no);
-    QCOMPARE(copiesOnDisk(), QStringList());
-    QCOMPARE(trashed().size(), 2);
-}
-
-void tst_Recovery::withoutATrashNothingIsLost() {
-    const QString path = world_->filePath(QStringLiteral("picture"));
-    put(path, "work");
-    put(world_->filePath(QStringLiteral("a file")), {});
-    qputenv("XDG_DATA_HOME", QFile::encodeName(world_->filePath(QStringLiteral("a file/data"))));
-    QVERIFY(!moveToTrash(path));
-    QCOMPARE(contentOf(path), QByteArray("work"));
-
-    // The Trash cannot be made either where a file has its name.
-    QVERIFY(QDir(world_->path()).mkpath(QStringLiteral("data")));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(world_->filePath(QStringLiteral("data"))));
-    put(world_->filePath(QStringLiteral("data/Trash")), {});
-    QVERIFY(!moveToTrash(path));
-    QCOMPARE(contentOf(path), QByteArray("work"));
-    QVERIFY(!moveToTrash(world_->filePath(QStringLiteral("nothing there"))));
+    // As it was when its program ended, at the time of that copy, where pictures are.
+    const auto lost = changedSession(QStringLiteral("Lost"));
+    Recovery::write(*lost, kWait);
+    lost->copyLock.reset();
+    Recovery::Item item = Recovery::pending({})[0];
+    item.info.date = QDateTime(QDate(2025, 11, 22), QTime(0, 30));
+    Recovery::moveToTrash(item);
+    const QString lostName = QStringLiteral("Lost (autosaved %1).qirnpaint")
+                                 .arg(QLocale().toString(item.info.date, QStringLiteral("d MMM hh.mm")));
+    QVERIFY(namesIn(trash + "/files").contains(lostName));
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    QVERIFY(contentOf(trash + "/info/" + lostName + ".trashinfo")
+                .contains("Path=" + pictures.toUtf8().toPercentEncoding("/") + "/Lost"));
 }
 
 QIRN_TEST(tst_Recovery)

@@ -41,6 +41,12 @@ DocumentSnapshot snapshot(PaintDocument& doc) {
     return {state.grid, state.dpi, std::move(state.layers), state.active, doc.onion};
 }
 
+DocumentSnapshot snapshotOfLastCommit(const PaintDocument& doc) {
+    const PaintDocument::State& state = doc.history()[static_cast<std::size_t>(doc.undoDepth())].state;
+    const auto top = static_cast<int64_t>(state.layers.size()) - 1;
+    return {state.grid, state.dpi, state.layers, std::min(doc.activeIndex(), top), doc.onion};
+}
+
 PaintFile::LocatedManifest PaintFile::manifestOf(std::span<const uint8_t> file) {
     if (file.size() < kHeaderBytes || !std::equal(magic.begin(), magic.end(), file.begin())) {
         throw PaintFileError::notPaintFile();

@@ -34,6 +34,9 @@ struct DocumentSnapshot {
 /// Freezes every tile and copies no pixels. On the thread that owns the document.
 DocumentSnapshot snapshot(PaintDocument& doc);
 
+/// The picture as it was last committed, without the stroke or preview that is under way; its tiles are frozen.
+DocumentSnapshot snapshotOfLastCommit(const PaintDocument& doc);
+
 /// Why a native document was refused.
 class PaintFileError : public DescribedError {
 public:
