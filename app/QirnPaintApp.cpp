@@ -9,6 +9,7 @@
 #include "QtDesktop.h"
 #include "SelfTest.h"
 #include "Store.h"
+#include "SuddenEnd.h"
 #include "platform/DescribedError.h"
 
 #include <cstdio>
@@ -69,7 +70,11 @@ public:
         app.installEventFilter(this);
         // A session that ends asks as quitting does.
         connect(&app, &QGuiApplication::commitDataRequest, this, [](QSessionManager& session) {
-            if (session.allowsInteraction() && !shouldTerminate()) session.cancel();
+            if (!session.allowsInteraction()) {
+                if (PaintModel::shared) PaintModel::shared->keepWork();
+            } else if (!shouldTerminate()) {
+                session.cancel();
+            }
         });
     }
 
@@ -131,6 +136,7 @@ int runStudio(int& argc, char** argv) {
     MainView window(model);
     model.ensureDocument();
     window.show();
+    const SuddenEnd suddenEnd([&model] { model.keepWork(); });
     delegate->didFinishLaunching(filesIn(app.arguments()));
     return app.exec();
 }
