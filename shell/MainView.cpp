@@ -109,6 +109,7 @@ QWidget* MainView::body() {
     auto* toolColumn = columnIn(tools);
     toolColumn->setContentsMargins(0, Metrics::kSpace8, 0, Metrics::kSpace8);
     toolColumn->addWidget(new ToolRail(model_, tools), 0, Qt::AlignHCenter);
+    toolColumn->addSpacing(Metrics::kSpace8);
     toolColumn->addStretch();
     toolColumn->addWidget(new ColorWells(model_, tools), 0, Qt::AlignHCenter);
 
