@@ -8,11 +8,14 @@
 
 #include <QString>
 
-/// Without arguments everything but the hand; the path of a pen recording adds that.
+/// Without arguments everything but the hand; the path of a pen recording adds that. `--window RECORDING` paints it in
+/// the real window instead.
 int main(int argc, char** argv) {
     using namespace qirn;
     if (argc == 3 && std::strcmp(argv[1], "--show") == 0)
         return bench::showFirstPaint(argc, argv, QString::fromLocal8Bit(argv[2]));
+    if (argc == 3 && std::strcmp(argv[1], "--window") == 0)
+        return bench::measureWindow(argc, argv, QString::fromLocal8Bit(argv[2]));
     std::printf("%d threads, %s\n", concurrency(), instructionSets().back().c_str());
     bench::measureStart(QString::fromLocal8Bit(argv[0]));
     bench::measureCanvas();

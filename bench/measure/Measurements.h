@@ -13,6 +13,9 @@ void measureStart(const QString& program);
 /// The started program's part: shows "studio" or "widget" and ends at its first paint.
 int showFirstPaint(int argc, char** argv, const QString& window);
 
+/// What a hand costs in the real window of 4K, on the display it is started on: milliseconds and repaints a pen point.
+int measureWindow(int argc, char** argv, const QString& recording);
+
 /// Memory of an open picture, what a huge canvas with a small drawing takes, what 500 undo steps take.
 void measureCanvas();
 
