@@ -12,6 +12,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// A linear edge one pixel wide, centred on the radius.
 template <class V> HWY_INLINE V hardCoverage(const TipEdge& tip, V dist) {
@@ -25,6 +26,7 @@ template <class V> HWY_INLINE V softCoverage(const TipEdge& tip, V dist) {
     return larger(V(0), V(1) - t * t * (V(3) - V(2) * t));
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -37,6 +37,7 @@ constexpr double kDoubt = 1e-12;
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 HWY_INLINE Doubles rootDistance(const RowFromCentre& row, int at) {
     const Doubles across = Doubles(row.first + at) + laneNumbers() - Doubles(row.cx);
@@ -88,6 +89,7 @@ HWY_ATTR void CoverByHypot(const TipEdge& edge, const RowFromCentre& row, int co
     edge.isHard ? coverByHypot<true>(edge, row, count, out) : coverByHypot<false>(edge, row, count, out);
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

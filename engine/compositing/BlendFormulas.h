@@ -12,7 +12,9 @@
 #endif
 
 HWY_BEFORE_NAMESPACE();
-namespace qirn::HWY_NAMESPACE::blend {
+namespace qirn::HWY_NAMESPACE {
+namespace {
+namespace blend {
 
 template <class V> struct Rgb { V r, g, b; };
 
@@ -166,7 +168,9 @@ struct Luminosity : WholeColour {
     }
 };
 
-} // namespace qirn::HWY_NAMESPACE::blend
+} // namespace blend
+} // namespace
+} // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif // once for each instruction set

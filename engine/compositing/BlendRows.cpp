@@ -14,6 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 using Compositor::Atop;
 
@@ -186,6 +187,7 @@ HWY_ATTR void LayBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShap
     acc.opaque ? layChain<true>(acc, layers, shape, what) : layChain<false>(acc, layers, shape, what);
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -13,6 +13,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 HWY_ATTR void LoadBytes(PixelRun& run, TileBytes bytes, RunShape shape, float opacity) {
     const Floats k(opacity / 255);
@@ -113,6 +114,7 @@ HWY_ATTR bool IsOpaque(TileBytes bytes, RunShape shape) {
     });
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

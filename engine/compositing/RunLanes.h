@@ -12,6 +12,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// One premultiplied pixel, 0 to 1, or several side by side.
 template <class V> struct Pixel { V r, g, b, a; };
@@ -41,6 +42,7 @@ HWY_INLINE Pixel<Floats> pixelsOf(Words words, Floats k) {
     return {byteOf<0>(words) * k, byteOf<8>(words) * k, byteOf<16>(words) * k, byteOf<24>(words) * k};
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -11,6 +11,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// Positions along the drag, for the centres of a row's pixels: 0 at its start and before, 1 at its end and beyond.
 template <GradientKind kKind> class Positions {
@@ -126,6 +127,7 @@ HWY_ATTR void PaintGradientRow(const GradientDrag& drag, const GradientRamp& ram
     }
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -11,6 +11,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// Pixels are worked on in blocks of a tile's columns, which every vector divides.
 inline constexpr int kPaintBlock = 16;
@@ -60,6 +61,7 @@ struct PaintWithinAlpha {
     }
 };
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

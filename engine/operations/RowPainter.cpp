@@ -11,6 +11,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 template <class Lay>
 HWY_ATTR void paintBlocks(const FlatPaint& paint, const CoverageRow& coverage, uint8_t* row) {
@@ -44,6 +45,7 @@ HWY_ATTR void PaintFlatRow(const FlatPaint& paint, const CoverageRow& coverage, 
                                  : paintBlocks<PaintOver>(paint, coverage, row);
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

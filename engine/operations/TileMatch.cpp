@@ -12,6 +12,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 HWY_ATTR void MatchTile(const uint8_t* pixels, uint32_t lowest, uint32_t highest, TileBits& out) {
     const Words low = allWords(lowest), high = allWords(highest);
@@ -25,6 +26,7 @@ HWY_ATTR void MatchTile(const uint8_t* pixels, uint32_t lowest, uint32_t highest
     }
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

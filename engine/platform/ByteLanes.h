@@ -11,6 +11,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// A whole number from 0 to 255 divided by 255, to the last bit and without a division: 1/255 is 1/256 and a 256th
 /// of itself.
@@ -72,6 +73,7 @@ HWY_INLINE uint64_t zeroBits(Words words) {
 
 #endif
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -22,6 +22,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 // What one number offers besides its operators, by the names that lanes use too.
 template <std::floating_point T> HWY_INLINE T select(bool condition, T yes, T no) {
@@ -330,6 +331,7 @@ template <int kShift> HWY_INLINE Floats byteOf(Words word) {
     return numberOf(byteWord<kShift>(word));
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

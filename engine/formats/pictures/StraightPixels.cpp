@@ -23,6 +23,7 @@ inline constexpr int kRun = 64; // pixels at a time: whole for every vector, and
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// The whole division n / a as (n + 0.5) * (1 / a): the product of floats is at most 0.0001 off and the true quotient
 /// with its half at least 0.5 / 255 from the whole numbers on either side, so that cutting gives the same.
@@ -46,6 +47,7 @@ HWY_ATTR void StraightRun(const uint8_t* pixels, uint8_t* straight) {
     }
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
