@@ -24,6 +24,9 @@ namespace {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
 
+// Rows of fewer columns than this take longer to begin and to end than to paint.
+constexpr int kNarrow = 40;
+
 /// Tile columns from `first` to before `last`.
 struct Columns {
     int first;
@@ -109,6 +112,7 @@ struct DabRow {
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
+namespace {
 
 /// Whole vectors of the tile's own columns: they come out even and never reach beyond the tile.
 HWY_INLINE Columns wholeVectors(Columns row) {
@@ -185,13 +189,16 @@ public:
         return kHard ? hardCoverage(tip_.edge, dist) : softCoverage(tip_.edge, dist);
     }
 
-    /// At least `at`, for a part of its work: in 32 bits, and then more than those can be wrong by.
+    /// At least `at`, for a part of its work: in 32 bits, and then more than those can be wrong by. 0 beside a soft
+    /// tip, so that the untouched pixels around it do not call for the whole work.
     HWY_INLINE Floats atMost(int column) const {
         if constexpr (kHard) return Floats(1);
         const Floats dx = Floats(left_ + static_cast<float>(column)) + floatLaneNumbers();
         const Floats t = (distance(dx, static_cast<float>(dy_)) - Floats(inner_)) * Floats(perBand_);
         const Floats inside = smaller(Floats(1), larger(Floats(0), t));
-        return Floats(1) + Floats(margin_) - inside * inside * (Floats(3) - Floats(2) * inside);
+        const Floats coverage =
+            Floats(1) + Floats(margin_) - inside * inside * (Floats(3) - Floats(2) * inside);
+        return select(t < Floats(1 + margin_), coverage, Floats(0));
     }
 
 private:
@@ -210,62 +217,100 @@ private:
     double dy_ = 0;
 };
 
-template <class Tip, class Ink>
-HWY_INLINE void stampRow(const Tip& tip, const DabInk& ink, const Ink& blend, const DabRow& row) {
-    const Floats flow(ink.flow), most(static_cast<float>(ink.ceiling));
-    const Doubles ceiling(ink.ceiling);
-    const Columns vectors = wholeVectors(row.reached);
-    for (int at = vectors.first; at < vectors.last; at += kLanes) {
+/// What a dab does to neighbouring columns of one row, as many as a vector holds.
+template <class Tip, class Ink> class DabVector {
+public:
+    HWY_INLINE DabVector(const DabInk& ink)
+        : blend_(ink),
+          flow_(ink.flow),
+          most_(static_cast<float>(ink.ceiling)),
+          ceiling_(ink.ceiling) {}
+
+    HWY_INLINE void stamp(const Tip& tip, const DabRow& row, int at) const {
         const Floats old = loadFloats(row.mask + at);
         // Behind a moving tip, and where the ceiling is reached, most of the mask stands above what the dab could
         // raise it to.
-        if (!anyOf(both(old < most, old < tip.atMost(at) * most))) continue;
+        if (!anyOf(both(old < most_, old < tip.atMost(at) * most_))) return;
         const bool isSolid = at >= row.solid.first && at + kLanes <= row.solid.last;
         // In 64 bits up to the ceiling, then in 32.
         const Floats target = narrowedFrom([&](int i) HWY_ATTR {
             Doubles c = isSolid ? Doubles(1) : tip.at(at + i);
             if (row.grain) c = c * widened(row.grain + at + i);
             if (row.selected) c = c * (widened(row.selected + at + i) / Doubles(255));
-            return c * ceiling;
+            return c * ceiling_;
         });
         auto rises = old < target;
         // The tip ends within its columns, but for those that the canvas edge cuts off.
         if (at + kLanes > row.reached.last)
             rises = both(rises, floatLaneNumbers() < Floats(static_cast<float>(row.reached.last - at)));
-        if (!anyOf(rises)) continue;
-        const Floats raised = old + (target - old) * flow;
+        if (!anyOf(rises)) return;
+        const Floats raised = old + (target - old) * flow_;
         storeFloats(select(rises, raised, old), row.mask + at);
         const Words now = loadWords(row.pixels + at * 4);
-        const Words painted = blend(loadWords(row.before + at * 4), raised, now);
+        const Words painted = blend_(loadWords(row.before + at * 4), raised, now);
         storeWords(select(rises, painted, now), row.pixels + at * 4);
+    }
+
+private:
+    const Ink blend_;
+    const Floats flow_, most_;
+    const Doubles ceiling_;
+};
+
+/// The tile's row at canvas row `y`, which the dab reaches in these columns.
+HWY_INLINE DabRow rowOf(const TileDab& tile, int64_t y, Columns reached) {
+    const int64_t place = (y - tile.tileY) * kTileSize;
+    return {.mask = tile.mask + place,
+            .before = tile.before ? tile.before + place * 4 : kTransparentRow.data(),
+            .pixels = tile.pixels + place * 4,
+            .reached = reached,
+            .solid = {0, 0},
+            .grain = nullptr,
+            .selected = nullptr};
+}
+
+/// Vector by vector, each from the top row to the bottom row: what depends on the column alone is worked out once, and
+/// no row is asked where it begins and ends.
+template <class Tip, class Ink>
+HWY_ATTR void stampColumns(const TipShape& tip, const DabInk& ink, const TileDab& tile, Columns columns) {
+    const DabVector<Tip, Ink> dab(ink);
+    Tip rows(tip, tile.tileX);
+    const Columns vectors = wholeVectors(columns);
+    const int64_t bottom = tile.part.maxY();
+    for (int at = vectors.first; at < vectors.last; at += kLanes) {
+        for (int64_t y = tile.part.y; y < bottom; ++y) {
+            rows.enterRow(static_cast<double>(y) + 0.5 - tip.cy);
+            dab.stamp(rows, rowOf(tile, y, columns), at);
+        }
     }
 }
 
 template <bool kHard, bool kRound, class Ink>
 HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& tile) {
-    const Ink blend(ink);
+    using Tip = TipRows<kHard, kRound>;
     const Columns columns{static_cast<int>(tile.part.x - tile.tileX),
                           static_cast<int>(tile.part.maxX() - tile.tileX)};
-    // Beyond this no tip has any coverage, which leaves half a pixel for rounding.
-    const Crossing outer(tip, tip.edge.r + 1, tile.tileX);
+    // Rows pay where they can leave out much: a wide core of full coverage, the corners around a slanted ellipse.
+    const bool rowsPay = kHard || !kRound || tip.edge.inner > tip.edge.band;
+    if (!ink.textured && !tile.selection && (!rowsPay || columns.last - columns.first <= kNarrow))
+        return stampColumns<Tip, Ink>(tip, ink, tile, columns);
+    const DabVector<Tip, Ink> dab(ink);
+    // Beyond this the tip has no coverage, which leaves half a pixel for rounding.
+    const Crossing outer(tip, tip.edge.r + (kHard ? 1 : 0.5), tile.tileX);
     // Well inside the tip coverage is 1 without further arithmetic.
     const Crossing full(tip, (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01, tile.tileX);
     std::optional<GrainShares> grain;
     if (ink.textured) grain.emplace(ink, tile.tileX, wholeVectors(columns));
     alignas(64) uint8_t selected[kTileSize];
-    TipRows<kHard, kRound> rows(tip, tile.tileX);
-    for (int64_t y = tile.part.y; y < tile.part.maxY(); ++y) {
+    Tip rows(tip, tile.tileX);
+    const int64_t bottom = tile.part.maxY();
+    for (int64_t y = tile.part.y; y < bottom; ++y) {
         const double dy = static_cast<double>(y) + 0.5 - tip.cy;
         const Columns reached = outer.at(dy, columns);
         if (reached.isEmpty()) continue;
-        const int64_t place = (y - tile.tileY) * kTileSize;
-        DabRow row{.mask = tile.mask + place,
-                   .before = tile.before ? tile.before + place * 4 : kTransparentRow.data(),
-                   .pixels = tile.pixels + place * 4,
-                   .reached = reached,
-                   .solid = full.at(dy, reached),
-                   .grain = grain ? grain->row(y) : nullptr,
-                   .selected = nullptr};
+        DabRow row = rowOf(tile, y, reached);
+        row.solid = full.at(dy, reached);
+        if (grain) row.grain = grain->row(y);
         if (tile.selection) {
             // To where vectors are loaded from; what is read beside these bytes is not used.
             std::memcpy(selected + reached.first, tile.selection + place + reached.first,
@@ -273,7 +318,8 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
             row.selected = selected;
         }
         rows.enterRow(dy);
-        stampRow(rows, ink, blend, row);
+        const Columns vectors = wholeVectors(reached);
+        for (int at = vectors.first; at < vectors.last; at += kLanes) dab.stamp(rows, row, at);
     }
 }
 
@@ -296,6 +342,7 @@ HWY_ATTR void StampTile(const TipShape& tip, const DabInk& ink, const TileDab& t
         tip.isRound ? stampByKind<false, true>(tip, ink, tile) : stampByKind<false, false>(tip, ink, tile);
 }
 
+} // namespace
 } // namespace qirn::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
