@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <optional>
 
 // This file once more for each instruction set; the best that the machine has is chosen at run time.
@@ -266,7 +265,7 @@ HWY_INLINE DabRow rowOf(const TileDab& tile, int64_t y, Columns reached) {
             .reached = reached,
             .solid = {0, 0},
             .grain = nullptr,
-            .selected = nullptr};
+            .selected = tile.selection ? tile.selection + place : nullptr};
 }
 
 /// Vector by vector, each from the top row to the bottom row: what depends on the column alone is worked out once, and
@@ -292,7 +291,7 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
                           static_cast<int>(tile.part.maxX() - tile.tileX)};
     // Rows pay where they can leave out much: a wide core of full coverage, the corners around a slanted ellipse.
     const bool rowsPay = kHard || !kRound || tip.edge.inner > tip.edge.band;
-    if (!ink.textured && !tile.selection && (!rowsPay || columns.last - columns.first <= kNarrow))
+    if (!ink.textured && (!rowsPay || columns.last - columns.first <= kNarrow))
         return stampColumns<Tip, Ink>(tip, ink, tile, columns);
     const DabVector<Tip, Ink> dab(ink);
     // Beyond this the tip has no coverage, which leaves half a pixel for rounding.
@@ -301,7 +300,6 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
     const Crossing full(tip, (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01, tile.tileX);
     std::optional<GrainShares> grain;
     if (ink.textured) grain.emplace(ink, tile.tileX, wholeVectors(columns));
-    alignas(64) uint8_t selected[kTileSize];
     Tip rows(tip, tile.tileX);
     const int64_t bottom = tile.part.maxY();
     for (int64_t y = tile.part.y; y < bottom; ++y) {
@@ -311,12 +309,6 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
         DabRow row = rowOf(tile, y, reached);
         row.solid = full.at(dy, reached);
         if (grain) row.grain = grain->row(y);
-        if (tile.selection) {
-            // To where vectors are loaded from; what is read beside these bytes is not used.
-            std::memcpy(selected + reached.first, tile.selection + place + reached.first,
-                        static_cast<std::size_t>(reached.last - reached.first));
-            row.selected = selected;
-        }
         rows.enterRow(dy);
         const Columns vectors = wholeVectors(reached);
         for (int at = vectors.first; at < vectors.last; at += kLanes) dab.stamp(rows, row, at);

@@ -28,7 +28,7 @@ namespace {
 template <std::floating_point T> HWY_INLINE T select(bool condition, T yes, T no) {
     return condition ? yes : no;
 }
-/// The first where neither is smaller, as where one is no number.
+/// Returns a when they are equal or either is NaN.
 template <std::floating_point T> HWY_INLINE T smaller(T a, T b) {
     return b < a ? b : a;
 }
@@ -157,68 +157,89 @@ template <int kByte> struct ByteOfWord {
 };
 template <int kByte> inline constexpr ByteOfWord<kByte> kByteOfWord;
 
-/// Yes or no for each lane of numbers of type T.
-template <class T> struct LaneCondition {
-    hn::MFromD<hn::ScalableTag<T>> m;
+// Free templates, and no friends within the class: g++ compiles those without the instruction set wherever it does not
+// inline them, and both sides of such a call look for the lanes in different places.
 
-    friend HWY_INLINE LaneCondition operator!(LaneCondition a) { return {hn::Not(a.m)}; }
-    friend HWY_INLINE LaneCondition both(LaneCondition a, LaneCondition b) { return {hn::And(a.m, b.m)}; }
-    friend HWY_INLINE LaneCondition either(LaneCondition a, LaneCondition b) { return {hn::Or(a.m, b.m)}; }
-    friend HWY_INLINE bool anyOf(LaneCondition a) { return !hn::AllFalse(hn::ScalableTag<T>(), a.m); }
-    friend HWY_INLINE bool allOf(LaneCondition a) { return hn::AllTrue(hn::ScalableTag<T>(), a.m); }
-};
+/// Yes or no for each lane of numbers of type T.
+template <class T> struct LaneCondition { hn::MFromD<hn::ScalableTag<T>> m; };
+template <class T> HWY_INLINE LaneCondition<T> operator!(LaneCondition<T> a) {
+    return {hn::Not(a.m)};
+}
+template <class T> HWY_INLINE LaneCondition<T> both(LaneCondition<T> a, LaneCondition<T> b) {
+    return {hn::And(a.m, b.m)};
+}
+template <class T> HWY_INLINE LaneCondition<T> either(LaneCondition<T> a, LaneCondition<T> b) {
+    return {hn::Or(a.m, b.m)};
+}
+template <class T> HWY_INLINE bool anyOf(LaneCondition<T> a) {
+    return !hn::AllFalse(hn::ScalableTag<T>(), a.m);
+}
+template <class T> HWY_INLINE bool allOf(LaneCondition<T> a) {
+    return hn::AllTrue(hn::ScalableTag<T>(), a.m);
+}
 
 template <class T> struct LaneNumbers {
     using Tag = hn::ScalableTag<T>;
-    using Condition = LaneCondition<T>;
     hn::VFromD<Tag> v;
 
     HWY_INLINE explicit LaneNumbers(hn::VFromD<Tag> lanes) : v(lanes) {}
     HWY_INLINE LaneNumbers(T all) : v(hn::Set(Tag(), all)) {}
-
-    friend HWY_INLINE LaneNumbers operator+(LaneNumbers a, LaneNumbers b) {
-        return LaneNumbers(hn::Add(a.v, b.v));
-    }
-    friend HWY_INLINE LaneNumbers operator-(LaneNumbers a, LaneNumbers b) {
-        return LaneNumbers(hn::Sub(a.v, b.v));
-    }
-    friend HWY_INLINE LaneNumbers operator*(LaneNumbers a, LaneNumbers b) {
-        return LaneNumbers(hn::Mul(a.v, b.v));
-    }
-    friend HWY_INLINE LaneNumbers operator/(LaneNumbers a, LaneNumbers b) {
-        return LaneNumbers(hn::Div(a.v, b.v));
-    }
-    friend HWY_INLINE Condition operator<(LaneNumbers a, LaneNumbers b) { return {hn::Lt(a.v, b.v)}; }
-    friend HWY_INLINE Condition operator>(LaneNumbers a, LaneNumbers b) { return {hn::Gt(a.v, b.v)}; }
-    friend HWY_INLINE Condition operator<=(LaneNumbers a, LaneNumbers b) { return {hn::Le(a.v, b.v)}; }
-    friend HWY_INLINE Condition operator>=(LaneNumbers a, LaneNumbers b) { return {hn::Ge(a.v, b.v)}; }
-    friend HWY_INLINE Condition operator==(LaneNumbers a, LaneNumbers b) { return {hn::Eq(a.v, b.v)}; }
-    friend HWY_INLINE Condition operator!=(LaneNumbers a, LaneNumbers b) { return {hn::Ne(a.v, b.v)}; }
-    friend HWY_INLINE LaneNumbers select(Condition condition, LaneNumbers yes, LaneNumbers no) {
-        return LaneNumbers(hn::IfThenElse(condition.m, yes.v, no.v));
-    }
-    // The processor's own minimum gives its second operand where neither is smaller, or where one is no number.
-    friend HWY_INLINE LaneNumbers smaller(LaneNumbers a, LaneNumbers b) {
-#if HWY_ARCH_X86
-        return LaneNumbers(hn::Min(b.v, a.v));
-#else
-        return select(b < a, b, a);
-#endif
-    }
-    friend HWY_INLINE LaneNumbers larger(LaneNumbers a, LaneNumbers b) {
-#if HWY_ARCH_X86
-        return LaneNumbers(hn::Max(b.v, a.v));
-#else
-        return select(a < b, b, a);
-#endif
-    }
-    friend HWY_INLINE LaneNumbers absolute(LaneNumbers a) {
-        return LaneNumbers(hn::Abs(a.v));
-    }
-    friend HWY_INLINE LaneNumbers squareRoot(LaneNumbers a) {
-        return LaneNumbers(hn::Sqrt(a.v));
-    }
 };
+template <class T> HWY_INLINE LaneNumbers<T> operator+(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return LaneNumbers<T>(hn::Add(a.v, b.v));
+}
+template <class T> HWY_INLINE LaneNumbers<T> operator-(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return LaneNumbers<T>(hn::Sub(a.v, b.v));
+}
+template <class T> HWY_INLINE LaneNumbers<T> operator*(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return LaneNumbers<T>(hn::Mul(a.v, b.v));
+}
+template <class T> HWY_INLINE LaneNumbers<T> operator/(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return LaneNumbers<T>(hn::Div(a.v, b.v));
+}
+template <class T> HWY_INLINE LaneCondition<T> operator<(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return {hn::Lt(a.v, b.v)};
+}
+template <class T> HWY_INLINE LaneCondition<T> operator>(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return {hn::Gt(a.v, b.v)};
+}
+template <class T> HWY_INLINE LaneCondition<T> operator<=(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return {hn::Le(a.v, b.v)};
+}
+template <class T> HWY_INLINE LaneCondition<T> operator>=(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return {hn::Ge(a.v, b.v)};
+}
+template <class T> HWY_INLINE LaneCondition<T> operator==(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return {hn::Eq(a.v, b.v)};
+}
+template <class T> HWY_INLINE LaneCondition<T> operator!=(LaneNumbers<T> a, LaneNumbers<T> b) {
+    return {hn::Ne(a.v, b.v)};
+}
+template <class T>
+HWY_INLINE LaneNumbers<T> select(LaneCondition<T> condition, LaneNumbers<T> yes, LaneNumbers<T> no) {
+    return LaneNumbers<T>(hn::IfThenElse(condition.m, yes.v, no.v));
+}
+// The processor's own minimum returns its second operand when they are equal or either is NaN.
+template <class T> HWY_INLINE LaneNumbers<T> smaller(LaneNumbers<T> a, LaneNumbers<T> b) {
+#if HWY_ARCH_X86
+    return LaneNumbers<T>(hn::Min(b.v, a.v));
+#else
+    return select(b < a, b, a);
+#endif
+}
+template <class T> HWY_INLINE LaneNumbers<T> larger(LaneNumbers<T> a, LaneNumbers<T> b) {
+#if HWY_ARCH_X86
+    return LaneNumbers<T>(hn::Max(b.v, a.v));
+#else
+    return select(a < b, b, a);
+#endif
+}
+template <class T> HWY_INLINE LaneNumbers<T> absolute(LaneNumbers<T> a) {
+    return LaneNumbers<T>(hn::Abs(a.v));
+}
+template <class T> HWY_INLINE LaneNumbers<T> squareRoot(LaneNumbers<T> a) {
+    return LaneNumbers<T>(hn::Sqrt(a.v));
+}
 using Floats = LaneNumbers<float>;
 using Doubles = LaneNumbers<double>;
 inline constexpr int kLanes = HWY_LANES(float);
@@ -318,7 +339,7 @@ HWY_INLINE Doubles widened(const float* from) {
 HWY_INLINE Doubles widened(const uint8_t* from) {
     const hn::Rebind<int32_t, Doubles::Tag> whole;
     return Doubles(hn::PromoteTo(Doubles::Tag(),
-                                 hn::PromoteTo(whole, hn::Load(hn::Rebind<uint8_t, Doubles::Tag>(), from))));
+                                 hn::PromoteTo(whole, hn::LoadU(hn::Rebind<uint8_t, Doubles::Tag>(), from))));
 }
 HWY_INLINE Doubles laneNumbers() {
     return Doubles(hn::Iota(Doubles::Tag(), 0));
