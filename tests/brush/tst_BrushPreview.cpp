@@ -75,23 +75,6 @@ private Q_SLOTS:
         QCOMPARE(thicknessAt(image, 4), 0); // from 10 pixels off the left edge
     }
 
-    void whatWouldNotShowIsDrawnAsItShows() {
-        struct Row {
-            const char* name;
-            double BrushSettings::*field;
-            double given, shown;
-        };
-        for (const Row& row : {Row{"Hard Round", &BrushSettings::size, 400, 22},
-                               Row{"Splatter", &BrushSettings::particleSize, 20, 3},
-                               Row{"Hard Round", &BrushSettings::stabilizer, 100, 0},
-                               Row{"Hard Eraser", &BrushSettings::flow, 0.01, 0.5}}) {
-            BrushSettings given = preset(row.name), shown = given;
-            given.*row.field = row.given;
-            shown.*row.field = row.shown;
-            QVERIFY2(previewOf(given) == previewOf(shown), row.name);
-        }
-    }
-
     void anEraserCutsThroughTheBed() {
         const QImage image = previewOf(preset("Hard Eraser"));
         const int x = kWidth / 4, wave = 29;

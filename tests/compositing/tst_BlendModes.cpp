@@ -101,26 +101,6 @@ private Q_SLOTS:
         }
     }
 
-    void noGreyOverGreyMakesNotANumber_data() { allModes(); }
-    void noGreyOverGreyMakesNotANumber() {
-        // Rounding makes a grey's luminosity differ from its channels, and the divisor of a clip 0. It also
-        // brings a colour divided by its alpha just above 1.
-        QFETCH(BlendMode, mode);
-        std::vector<float> greys;
-        for (int i = 0; i < 256; ++i) greys.push_back(static_cast<float>(i) * (1 / 255.0f));
-        for (int i = 1; i < 16; ++i) greys.push_back(1 + static_cast<float>(i) * 0x1p-23f);
-        for (float over : greys) {
-            for (float under : greys) {
-                const float source[4] = {over, over, over, 1};
-                float pixel[4] = {under, under, under, 1};
-                Compositor::blendPixel(pixel, source, mode, Compositor::Atop::no);
-                const bool fine =
-                    std::all_of(pixel, pixel + 4, [](float v) { return v > -1e-5f && v < 1.00001f; });
-                if (!fine) QFAIL(qPrintable(QString("%1 over %2").arg(over).arg(under)));
-            }
-        }
-    }
-
     void everyModeIsFoundByItsNameAndItsKey() {
         std::set<std::string> keys;
         for (int i = 0; i < kBlendModeCount; ++i) {

@@ -2,7 +2,6 @@
 #include "compositing/Reference.h"
 #include "compositing/ScreenTiles.h"
 #include "core/SeededRandom.h"
-#include "operations/LayerOperations.h"
 #include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
 #include "support/Pictures.h"
@@ -12,8 +11,6 @@ using namespace qirn;
 using namespace qirn::test;
 
 namespace {
-
-const PixelBytes kRed{255, 0, 0, 255}, kBlack{0, 0, 0, 255};
 
 /// One input of noise for a picture of one tile; `absent` leaves the slot empty.
 CompositeInput noiseInput(SeededRandom& random, bool absent) {
@@ -62,19 +59,6 @@ QString tileDifference(std::span<const CompositeInput> stack) {
     }
     const bool blank = std::all_of(wanted.begin(), wanted.end(), [](uint8_t byte) { return byte == 0; });
     return contributed || blank ? QString() : QString("told that nothing showed");
-}
-
-/// White paper, a black square from 10 to 60, and above it a red sheet that is clipped to the square.
-std::unique_ptr<PaintDocument> clippedPicture() {
-    auto doc = std::make_unique<PaintDocument>(100, 100, 72, PaintColor::white());
-    paintRect(*doc, doc->activeLayer(), {10, 10, 50, 50}, kBlack);
-    doc->fillLayer(*addLayer(*doc, "Red"), PaintColor(1, 0, 0));
-    doc->activeLayer().isClipping = true;
-    return doc;
-}
-
-QString pixelAt(const PaintDocument& doc, int64_t x, int64_t y) {
-    return text(compositePixel(doc, x, y));
 }
 
 } // namespace
@@ -132,65 +116,6 @@ private Q_SLOTS:
         }
     }
 
-    /// Over paper the loops leave out what they would multiply by 0 and 1: also where colours have grown beyond all
-    /// numbers.
-    void malformedPixelsOverPaperAreThoseOfTheReference() {
-        SeededRandom random(6);
-        CompositeInput paper = noiseInput(random, false), malformed = paper;
-        for (CompositeInput* input : {&paper, &malformed}) {
-            auto tile = std::make_shared<Tile>();
-            for (int i = 0; i < kTileBytes; ++i) {
-                const auto byte = static_cast<uint8_t>(random.next());
-                tile->writablePixels()[i] = i % 4 != 3 ? byte : input == &paper ? 255 : byte % 3;
-            }
-            input->tiles.set(0, std::move(tile));
-            input->tint.reset();
-        }
-        std::vector<CompositeInput> stack{paper};
-        for (int i = 0; i < 3 * kBlendModeCount; ++i) {
-            stack.push_back(malformed);
-            stack.back().mode = BlendMode(static_cast<int>(random.next() % kBlendModeCount));
-        }
-        QCOMPARE(tileDifference(stack), QString());
-        for (std::size_t i = 1; i < stack.size(); ++i) stack[i].mode = BlendMode::colorBurn;
-        QCOMPARE(tileDifference(stack), QString());
-    }
-
-    void aClippedLayerShowsOnlyInsideTheLayerBelow() {
-        const QString red = text(kRed), white = QStringLiteral("255,255,255,255");
-        const auto doc = clippedPicture();
-        QCOMPARE(pixelAt(*doc, 30, 30), red);
-        QCOMPARE(pixelAt(*doc, 9, 30), white);
-        doc->layer(1).isVisible = false; // a hidden base hides its group
-        QCOMPARE(pixelAt(*doc, 30, 30), white);
-        doc->layer(1).isVisible = true;
-        doc->layer(1).opacity = 0.5; // acts on the whole group
-        QCOMPARE(pixelAt(*doc, 30, 30), QStringLiteral("255,128,128,255"));
-        doc->layer(1).opacity = 1;
-
-        // A hidden clipped layer between is passed over: the one above still clips to the same base.
-        Layer& hidden = *addLayer(*doc, "Hidden", 2);
-        doc->fillLayer(hidden, PaintColor(0, 1, 0));
-        hidden.isClipping = true;
-        hidden.isVisible = false;
-        QCOMPARE(pixelAt(*doc, 30, 30), red);
-        QCOMPARE(pixelAt(*doc, 9, 30), white);
-        // A clipped layer's mode acts against its base, not against what lies below.
-        doc->layer(3).blendMode = BlendMode::multiply;
-        QCOMPARE(pixelAt(*doc, 30, 30), text(kBlack));
-    }
-
-    void overlayOnPaperHasItsKnownFingerprint() {
-        PaintDocument doc(300, 300, 72, PaintColor::fromBytes(200, 100, 50));
-        doc.fillLayer(doc.activeLayer(), PaintColor(60 / 255.0, 150 / 255.0, 240 / 255.0, 0.5));
-        doc.activeLayer().blendMode = BlendMode::overlay;
-        QCOMPARE(flattened(doc)->fingerprint(), uint64_t{0x950C6CF1B09D2D45});
-        QCOMPARE(doc.fingerprint(), uint64_t{0x1D45FF6851CB4346});
-        doc.activeLayer().isVisible = false;
-        QCOMPARE(text(flattened(doc)->pixel(150, 150)), QStringLiteral("200,100,50,255"));
-        QCOMPARE(text(flattened(doc)->pixel(299, 299)), QStringLiteral("200,100,50,255"));
-    }
-
     void thePictureDoesNotDependOnThreads() {
         const auto doc = randomDocument(1100, 700, 6, 4);
         setConcurrency(1);
@@ -202,25 +127,6 @@ private Q_SLOTS:
         for (int64_t y : {0, 255, 256, 699}) {
             for (int64_t x : {0, 255, 256, 1099}) QCOMPARE(compositePixel(*doc, x, y), alone->pixel(x, y));
         }
-    }
-
-    void tileImagesAreThePictureCutAtTheCanvas() {
-        PaintDocument doc(600, 300, 72, {});
-        doc.activeLayer().load(*noise(600, 300, 6));
-        doc.activeLayer().setTile(1, nullptr);
-        const auto picture = flattened(doc);
-        const std::vector<int64_t> wanted{5, 1, 0};
-        const auto images = displayImages(doc, wanted);
-        QCOMPARE(images.size(), std::size_t{2}); // nothing was painted in tile 1
-        for (const auto& [index, image] : images) {
-            const IRect part = doc.grid().rectOf(index);
-            QCOMPARE(image.size(), QSize(static_cast<int>(part.w), static_cast<int>(part.h)));
-            for (int y = 0; y < part.h; ++y) {
-                QVERIFY(std::memcmp(image.constScanLine(y), picture->row(part.y + y) + part.x * 4,
-                                    static_cast<std::size_t>(part.w) * 4) == 0);
-            }
-        }
-        QVERIFY(displayImages(doc, {}).empty());
     }
 };
 

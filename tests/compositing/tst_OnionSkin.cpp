@@ -92,15 +92,6 @@ private Q_SLOTS:
         QCOMPARE(compositePixel(*doc, 3, 0), pixel);
         QVERIFY(shown(*doc) != plain);
     }
-
-    void aTintLeavesTheCoverageAlone() {
-        const auto doc = animation("Sketch");
-        doc->setActiveIndex(0);
-        const QImage image = displayImages(*doc, std::vector<int64_t>{0}).at(0);
-        const uchar* ghost = image.constScanLine(0) + 4;
-        QCOMPARE(int(ghost[3]), 80);       // 200 x 0.4
-        QVERIFY(ghost[1] > ghost[0] + 20); // pulled towards green
-    }
 };
 
 QIRN_TEST(tst_OnionSkin)

@@ -122,16 +122,6 @@ private Q_SLOTS:
         QVERIFY(!beyond.isEmpty());
     }
 
-    void anErasedLayerIsTheSamePictureAsAnUntouchedOne() {
-        Layer untouched("a", kGrid), erased("a", kGrid);
-        put(erased, 5, 5, {9, 9, 9, 9});
-        QVERIFY(erased.fingerprint() != untouched.fingerprint());
-        put(erased, 5, 5, {9, 9, 9, 0});
-        QVERIFY(erased.isEmpty());
-        QVERIFY(erased.tile(0));
-        QCOMPARE(erased.fingerprint(), untouched.fingerprint());
-    }
-
     void theFingerprintSeesEverySetting() {
         const auto changed = [](const std::function<void(Layer&)>& change) {
             Layer layer("a", kGrid), other("a", kGrid);

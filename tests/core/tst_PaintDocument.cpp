@@ -33,26 +33,17 @@ class tst_PaintDocument : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aNewPictureStartsOnAnEmptyLayer_data() {
-        QTest::addColumn<std::optional<PaintColor>>("background");
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<bool>("painted");
-        const QStringList two{"Background", "Layer 1"};
-        QTest::newRow("without background") << std::optional<PaintColor>() << QStringList{"Layer 1"} << false;
-        QTest::newRow("white") << std::optional(PaintColor::white()) << two << true;
-        QTest::newRow("clear") << std::optional(PaintColor(1, 1, 1, 0)) << two << false;
-    }
     void aNewPictureStartsOnAnEmptyLayer() {
-        QFETCH(std::optional<PaintColor>, background);
-        QFETCH(bool, painted);
-        PaintDocument doc(300, 600, 72, background);
-        QTEST(::names(doc), "names");
-        QCOMPARE(doc.activeIndex(), doc.layerCount() - 1);
-        QVERIFY(doc.activeLayer().isEmpty());
-        QVERIFY(!doc.canUndo());
-        QCOMPARE(doc.changeCount(), 0);
-        for (int64_t i = 0; i < doc.grid().count(); ++i) QCOMPARE(doc.layer(0).tile(i) != nullptr, painted);
-        if (!painted) return;
+        const PaintDocument bare(300, 600, 72, {});
+        QCOMPARE(names(bare), QStringList{"Layer 1"});
+        for (const PaintColor& paper : {PaintColor::white(), PaintColor(1, 1, 1, 0)}) {
+            const PaintDocument doc(300, 600, 72, paper);
+            QCOMPARE(names(doc), (QStringList{"Background", "Layer 1"}));
+            QVERIFY(doc.activeIndex() == 1 && doc.activeLayer().isEmpty() && !doc.canUndo());
+            for (int64_t i = 0; i < doc.grid().count(); ++i)
+                QCOMPARE(doc.layer(0).tile(i) != nullptr, paper.a > 0);
+        }
+        const PaintDocument doc(300, 600, 72, PaintColor::white());
         QCOMPARE(doc.layer(0).tile(5)->pixels()[kTileBytes - 1], 255); // also beyond the canvas
         QCOMPARE(text(compositePixel(doc, 299, 599)), QStringLiteral("255,255,255,255"));
         QCOMPARE(text(compositePixel(doc, 300, 599)), QStringLiteral("0,0,0,0"));
@@ -90,18 +81,6 @@ private Q_SLOTS:
         doc.fillLayer(loose, PaintColor::black());
         QCOMPARE(doc.takeDirtyTiles().size(), std::size_t{6});
         QVERIFY(!loose.isEmpty());
-    }
-
-    void onlyTilesOfTheCanvasBecomeDirty() {
-        PaintDocument doc(600, 300, 72, {});
-        QVERIFY(doc.takeDirtyTiles().empty());
-        doc.markDirty({600, 0, 50, 50});
-        doc.markDirty({-50, -50, 50, 50});
-        QVERIFY(doc.takeDirtyTiles().empty());
-        doc.markDirty({500, -10, 500, 20});
-        doc.markDirty({255, 255, 2, 2});
-        QCOMPARE(doc.takeDirtyTiles(), (std::vector<int64_t>{0, 1, 2, 3, 4}));
-        QVERIFY(doc.takeDirtyTiles().empty());
     }
 
     void aHugeBlankPictureCostsNothing() {

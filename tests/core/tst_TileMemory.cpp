@@ -37,17 +37,6 @@ private Q_SLOTS:
         }
     }
 
-    void aFreedBlockIsTheNextOne() {
-        TileMemory::Block first = TileMemory::take();
-        const uint8_t* place = first.get();
-        first.reset();
-        const TileMemory::Block second = TileMemory::take();
-        QCOMPARE(second.get(), place);
-        const Tile tile; // zeros, whatever the block held
-        QVERIFY(
-            std::all_of(tile.bytes().begin(), tile.bytes().end(), [](uint8_t byte) { return byte == 0; }));
-    }
-
     void memoryGoesBackToTheSystem() {
         std::vector<TileMemory::Block> blocks;
         for (int i = 0; i < 2000; ++i) blocks.push_back(TileMemory::take());

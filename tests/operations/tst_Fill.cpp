@@ -5,7 +5,6 @@
 #include "operations/LayerOperations.h"
 #include "platform/InstructionSets.h"
 #include "support/Pictures.h"
-#include "support/Stops.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
@@ -59,53 +58,6 @@ class tst_Fill : public QObject {
 private Q_SLOTS:
     void cleanup() { useInstructionSet({}); }
 
-    void optionsComeBackFromTheirRecord() {
-        const FillOptions options{.tolerance = 7, .contiguous = false, .sampleAllLayers = true, .expand = 3};
-        const std::string record = jsonBytes(options.toJson());
-        QCOMPARE(record,
-                 std::string(R"({"tolerance":7,"contiguous":false,"sampleAllLayers":true,"expand":3})"));
-        QCOMPARE(FillOptions::fromJson(Json::parse(record)), options);
-        Json broken = Json::parse(record);
-        broken["expand"] = "3";
-        QVERIFY_THROWS_EXCEPTION(JsonTypeError, FillOptions::fromJson(broken));
-        broken.erase("expand");
-        QVERIFY_THROWS_EXCEPTION(JsonTypeError, FillOptions::fromJson(broken));
-    }
-
-    void valuesAreThoseOfTheRules_data() {
-        QTest::addColumn<PixelBytes>("before");
-        QTest::addColumn<double>("alpha");
-        QTest::addColumn<double>("opacity");
-        QTest::addColumn<bool>("locked");
-        QTest::addColumn<PixelBytes>("after");
-        constexpr PixelBytes none{0, 0, 0, 0}, white{255, 255, 255, 255}, half{128, 0, 0, 128};
-        QTest::newRow("opaque") << half << 1.0 << 1.0 << false << PixelBytes{255, 128, 0, 255};
-        QTest::newRow("half over nothing") << none << 1.0 << 0.5 << false << PixelBytes{128, 64, 0, 128};
-        QTest::newRow("half a half over nothing") << none << 0.5 << 0.5 << false << PixelBytes{64, 32, 0, 64};
-        QTest::newRow("half over white") << white << 1.0 << 0.5 << false << PixelBytes{255, 191, 128, 255};
-        // 127.5 of the colour and half of 127.
-        QTest::newRow("half over half")
-            << PixelBytes{127, 0, 0, 127} << 1.0 << 0.5 << false << PixelBytes{191, 64, 0, 191};
-        QTest::newRow("opacity 0") << half << 1.0 << 0.0 << false << half;
-        QTest::newRow("lock, opaque") << half << 1.0 << 1.0 << true << PixelBytes{128, 64, 0, 128};
-        QTest::newRow("lock, half") << white << 1.0 << 0.5 << true << PixelBytes{255, 191, 128, 255};
-        QTest::newRow("lock, nothing there") << none << 1.0 << 1.0 << true << none;
-        QTest::newRow("lock, colour without alpha")
-            << PixelBytes{9, 8, 7, 0} << 1.0 << 1.0 << true << PixelBytes{9, 8, 7, 0};
-    }
-    void valuesAreThoseOfTheRules() {
-        QFETCH(PixelBytes, before);
-        QFETCH(double, alpha);
-        QFETCH(double, opacity);
-        QFETCH(bool, locked);
-        const auto doc = emptyPicture(1, 1);
-        paintRect(*doc, doc->activeLayer(), {0, 0, 1, 1}, before);
-        doc->activeLayer().alphaLocked = locked;
-        QCOMPARE(fillSelection(*doc, {1, 0.5, 0, alpha}, opacity), (IRect{0, 0, 1, 1}));
-        QFETCH(PixelBytes, after);
-        QCOMPARE(text(pixelOf(*doc, 0, 0)), text(after));
-    }
-
     void everyPixelFollowsTheRules_data() {
         QTest::addColumn<bool>("masked");
         QTest::addColumn<bool>("selected");
@@ -155,25 +107,6 @@ private Q_SLOTS:
         QCOMPARE(firstDifference(*layer.toBuffer(), *wanted), QString());
     }
 
-    void noCoverageLeavesEveryByteAsItIs() {
-        const auto doc = emptyPicture(256, 1);
-        for (int64_t x = 0; x < 256; ++x) {
-            const auto byte = static_cast<uint8_t>(x);
-            paintRect(*doc, doc->activeLayer(), {x, 0, 1, 1}, {byte, 0, byte, byte});
-        }
-        const auto before = doc->activeLayer().toBuffer();
-        TileMask mask(doc->grid());
-        TileBits one{};
-        one[1].set(0); // beside the canvas
-        mask.setBits(0, one);
-        QCOMPARE(mask.bounds(), IRect());
-        for (bool locked : {false, true}) {
-            doc->activeLayer().alphaLocked = locked;
-            paintCoverage(*doc, doc->grid().bounds(), doc->activeLayer(), kOrange, 1, mask);
-            QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
-        }
-    }
-
     void lockedLayersAndPlacesOutsideAreLeftAlone() {
         const auto doc = noisyPicture(300, 200, 9);
         const uint64_t before = doc->fingerprint();
@@ -185,25 +118,6 @@ private Q_SLOTS:
         QVERIFY(doc->takeDirtyTiles().empty());
         doc->activeLayer().isLocked = false;
         QCOMPARE(doc->fingerprint(), before);
-    }
-
-    void theCallerCommits() {
-        const auto doc = noisyPicture(300, 200, 9);
-        const uint64_t before = doc->fingerprint();
-        const int64_t depth = doc->undoDepth();
-        fillSelection(*doc, kOrange, 1);
-        QCOMPARE(doc->undoDepth(), depth);
-        QVERIFY(doc->fingerprint() != before);
-        doc->commit(QStringLiteral("Fill"));
-        doc->undo();
-        QCOMPARE(doc->fingerprint(), before);
-    }
-
-    void anEvenlySoftSelectionIsSoft() {
-        const auto doc = emptyPicture(600, 300);
-        doc->selection = Selection::fromMask(std::vector<uint8_t>(600 * 300, 51), 600, 300);
-        fillSelection(*doc, kOrange, 1);
-        for (int64_t x : {0, 300, 599}) QCOMPARE(pixelOf(*doc, x, 255), (PixelBytes{51, 26, 0, 51}));
     }
 
     void slotsFilledAllOverShareOneTileUntilPaintedOn() {
@@ -223,54 +137,6 @@ private Q_SLOTS:
         paintRect(*doc, layer, {300, 300, 5, 5}, {9, 9, 9, 9});
         QCOMPARE(pixelOf(*doc, 302, 302), (PixelBytes{9, 9, 9, 9}));
         QCOMPARE(pixelOf(*doc, 46, 46), (PixelBytes{255, 128, 0, 255}));
-    }
-
-    void tilesThatAreNotPaintedStayAsTheyAre() {
-        PaintDocument doc(1000, 1000, 72, PaintColor::white());
-        doc.setActiveIndex(0);
-        const Layer& paper = doc.activeLayer();
-        paintRect(doc, doc.activeLayer(), {300, 300, 10, 10}, {0, 0, 0, 255});
-        bucketFill(doc, 305, 305, kOrange, {.expand = 0}, 1);
-        QCOMPARE(pixelOf(doc, 300, 300), (PixelBytes{255, 128, 0, 255}));
-        QVERIFY(paper.tile(0) == paper.tile(15) && paper.tile(0) != paper.tile(5));
-
-        addLayer(doc);
-        fillSelection(doc, kOrange, 0);
-        doc.activeLayer().alphaLocked = true;
-        fillSelection(doc, kOrange, 1);
-        QVERIFY(doc.activeLayer().tiles().holdsNothing());
-    }
-
-    void aStepInColourStopsTheBucketOrNot() {
-        for (int64_t tolerance : {10, 19, 20, 30}) {
-            const auto doc = emptyPicture(520, 20);
-            paintRect(*doc, doc->activeLayer(), {0, 0, 256, 20}, {100, 100, 100, 255});
-            paintRect(*doc, doc->activeLayer(), {256, 0, 264, 20}, {100, 120, 100, 255});
-            const IRect filled = bucketFill(*doc, 3, 3, kOrange, {.tolerance = tolerance, .expand = 0}, 1);
-            QCOMPARE(filled.w, tolerance < 20 ? 256 : 520);
-            QCOMPARE(pixelOf(*doc, 519, 19)[1], uint8_t(tolerance < 20 ? 120 : 128));
-        }
-    }
-
-    void aRingHoldsAContiguousFill_data() {
-        QTest::addColumn<bool>("contiguous");
-        QTest::newRow("contiguous") << true;
-        QTest::newRow("everywhere") << false;
-    }
-    void aRingHoldsAContiguousFill() {
-        QFETCH(bool, contiguous);
-        const auto doc = emptyPicture(600, 600);
-        Layer& layer = doc->activeLayer();
-        paintRect(*doc, layer, {0, 0, 600, 600}, {200, 200, 200, 255});
-        paintRect(*doc, layer, {100, 100, 400, 400}, {0, 0, 0, 255});
-        paintRect(*doc, layer, {101, 101, 398, 398}, {200, 200, 200, 255});
-        const IRect filled =
-            bucketFill(*doc, 300, 300, kOrange, {.tolerance = 0, .contiguous = contiguous, .expand = 0}, 1);
-        QCOMPARE(filled, contiguous ? (IRect{101, 101, 398, 398}) : doc->grid().bounds());
-        const PixelBytes orange{255, 128, 0, 255}, grey{200, 200, 200, 255};
-        QCOMPARE(pixelOf(*doc, 498, 255), orange);
-        QCOMPARE(pixelOf(*doc, 499, 255), (PixelBytes{0, 0, 0, 255}));
-        QCOMPARE(pixelOf(*doc, 50, 50), contiguous ? grey : orange);
     }
 
     void underLineArtTheFillStaysInsideTheLines() {

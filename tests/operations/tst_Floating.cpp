@@ -8,7 +8,6 @@
 #include "support/TestMain.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -40,22 +39,10 @@ SelectionRef softSelection(int64_t width, int64_t height, const IRect& rect, uin
     return Selection::fromMask(mask, width, height);
 }
 
-LayerRef asLayer(const RGBABuffer& pixels) {
-    auto layer = std::make_shared<Layer>("Pixels", TileGrid(pixels.width(), pixels.height()));
-    layer->load(pixels);
-    return layer;
-}
-
 int tileCount(const Layer& layer) {
     int count = 0;
     layer.tiles().forEachTile([&](int64_t, const Tile&) { ++count; });
     return count;
-}
-
-std::shared_ptr<RGBABuffer> filled(int64_t w, int64_t h, const PixelBytes& pixel) {
-    auto buffer = std::make_shared<RGBABuffer>(w, h);
-    for (int64_t i = 0; i < w * h; ++i) std::copy(pixel.begin(), pixel.end(), buffer->data() + i * 4);
-    return buffer;
 }
 
 /// What a stamp makes of one pixel, in the order of operations that files and machines agree on.
@@ -115,28 +102,6 @@ private Q_SLOTS:
         doc->undo(); // to the empty picture, and forth
         doc->redo();
         QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
-    }
-
-    void aStampMakesNoTileWhereNothingLands() {
-        PaintDocument doc(kWidth, kHeight, 72, {});
-        Layer& layer = doc.activeLayer();
-        const auto white = filled(kWidth, kHeight, {255, 255, 255, 255});
-        QCOMPARE(stamp(doc, *white, 0, 0, layer, 0, UseSelection::no), doc.grid().bounds());
-        QCOMPARE(stamp(doc, *white, 0, 0, layer, std::nan(""), UseSelection::no), doc.grid().bounds());
-        QCOMPARE(tileCount(layer), 0);
-        RGBABuffer dot(kWidth, kHeight);
-        dot.row(280)[300 * 4 + 3] = 1; // in tile 4
-        stamp(doc, dot, 0, 0, layer, 1, UseSelection::no);
-        QCOMPARE(tileCount(layer), 1);
-        QVERIFY(layer.tile(4));
-        doc.takeDirtyTiles();
-        for (const auto& [x, y] :
-             {std::pair<int64_t, int64_t>{kWidth, 0}, {0, -kHeight}, {-(int64_t{1} << 60), 5}})
-            QCOMPARE(stamp(doc, *white, x, y, layer, 1, UseSelection::no), IRect{});
-        QVERIFY(doc.takeDirtyTiles().empty());
-        doc.selection = softSelection(kWidth, kHeight, {0, 0, 10, 10}, 1);
-        stamp(doc, *white, 0, 0, layer, 1, UseSelection::yes);
-        QCOMPARE(tileCount(layer), 2);
     }
 
     void tilesAreThoseOfOneBuffer_data() {
@@ -280,65 +245,6 @@ private Q_SLOTS:
         QCOMPARE(shared, 4);
     }
 
-    void puttingBackIsSourceOver() {
-        const auto doc = documentOf(*filled(3, 2, {255, 255, 255, 255}));
-        doc->selection = Selection::fromMask(std::vector<uint8_t>(6, 128), 3, 2);
-        const auto floating = liftFloating(*doc);
-        placeFloating(*doc, *floating, QTransform());
-        QCOMPARE(doc->activeLayer().pixel(2, 1), (PixelBytes{191, 191, 191, 191}));
-        doc->undo();
-        doc->redo();
-        doc->activeLayer().alphaLocked = true; // nothing comes back where nothing is left
-        doc->selection = nullptr;
-        const auto all = liftFloating(*doc);
-        QCOMPARE(placeFloating(*doc, *all, QTransform()), (IRect{0, 0, 3, 2}));
-        QVERIFY(doc->activeLayer().isEmpty());
-    }
-
-    void aTurnAndAScaleBringTheCornersToTheirPlaces() {
-        auto source = filled(20, 10, {0, 0, 0, 255});
-        const PixelBytes marks[] = {
-            {255, 0, 0, 255}, {0, 255, 0, 255}, {0, 0, 255, 255}, {255, 255, 255, 255}};
-        for (int i = 0; i < 4; ++i) {
-            for (int64_t y = 0; y < 4; ++y) {
-                for (int64_t x = 0; x < 4; ++x)
-                    std::copy(marks[i].begin(), marks[i].end(),
-                              source->row(i < 2 ? y : 6 + y) + (i % 2 ? 16 + x : x) * 4);
-            }
-        }
-        PaintDocument doc(600, 600, 72, {});
-        QTransform t;
-        t.translate(300, 250);
-        t.rotate(90);
-        t.scale(2, 2);
-        const Floating floating{asLayer(*source), {0, 0, 20, 10}, doc.activeLayer().id};
-        const IRect rect = placeFloating(doc, floating, t);
-        // The box is (280, 250) to (300, 290) and a soft edge of half a source pixel.
-        QCOMPARE(rect, (IRect{279, 249, 22, 42}));
-        const auto at = [&](int64_t x, int64_t y) { return doc.activeLayer().pixel(x, y); };
-        QCOMPARE(at(296, 254), marks[0]);
-        QCOMPARE(at(296, 286), marks[1]);
-        QCOMPARE(at(284, 254), marks[2]);
-        QCOMPARE(at(284, 286), marks[3]);
-        QCOMPARE(at(290, 270), (PixelBytes{0, 0, 0, 255}));
-        QCOMPARE(at(303, 270), PixelBytes{});
-    }
-
-    void aLargeTransformShowsNoSeams() {
-        const auto source = noise(500, 400, 4);
-        PaintDocument doc(700, 800, 72, {});
-        const Floating floating{asLayer(*source), {0, 0, 500, 400}, doc.activeLayer().id};
-        QTransform t;
-        t.translate(220, -60);
-        t.rotate(31);
-        t.scale(1.3, 0.8);
-        const IRect rect = placeFloating(doc, floating, t);
-        RGBABuffer whole(700, 800);
-        Resampler({source->data(), 500, 400, 2000}, t).draw(0, 0, 700, 800, whole.data());
-        QCOMPARE(firstDifference(*doc.activeLayer().toBuffer(), whole), QString());
-        QVERIFY(rect.y == 0 && rect.maxY() > 512);
-    }
-
     void pixelsWithoutALayerOrOffTheCanvasAreLost() {
         const auto doc = documentOf(*noise(kWidth, kHeight, 8));
         const auto floating = liftFloating(*doc);
@@ -377,15 +283,6 @@ private Q_SLOTS:
                 }
             }
         }
-    }
-
-    void copyingNothing() {
-        PaintDocument doc(kWidth, kHeight, 72, PaintColor::white());
-        QVERIFY(!copyPixels(doc, Merged::no)); // the active layer is empty
-        QCOMPARE(copyPixels(doc, Merged::yes)->rect, doc.grid().bounds());
-        doc.selection = softSelection(kWidth, kHeight, {3, 4, 5, 6}, 9);
-        const auto copy = copyPixels(doc, Merged::no);
-        QVERIFY(copy && copy->buffer->fingerprint() == RGBABuffer(copy->rect.w, copy->rect.h).fingerprint());
     }
 
     void thinAndHugeCanvasesCostWhatTheyHold() {

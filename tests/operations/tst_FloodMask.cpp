@@ -104,18 +104,6 @@ std::unique_ptr<PaintDocument> maze(int64_t width, int64_t height, int64_t block
     return doc;
 }
 
-FillOptions only(int64_t tolerance, int64_t expand = 0) {
-    return {.tolerance = tolerance, .expand = expand};
-}
-
-int64_t countOf(const FloodMask& flood) {
-    int64_t count = 0;
-    for (int64_t y = flood.bounds.y; y < flood.bounds.maxY(); ++y) {
-        for (int64_t x = flood.bounds.x; x < flood.bounds.maxX(); ++x) count += flood.mask.covers(x, y);
-    }
-    return count;
-}
-
 } // namespace
 
 class tst_FloodMask : public QObject {
@@ -146,7 +134,7 @@ private Q_SLOTS:
             // With 10 two of the three shades are alike, which is where mazes wind the most.
             const FillOptions options{.tolerance = seed % 3 == 0 ? 0 : 10,
                                       .contiguous = seed % 4 != 0,
-                                      .expand = static_cast<int64_t>(seed % 6) - 1};
+                                      .expand = seed % 6 == 0 ? 9 : static_cast<int64_t>(seed % 6) - 1};
             const QString wrong =
                 difference(fillMask(*doc, x, y, options), simpleFill(*source, x, y, options), doc->grid());
             QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(seed).arg(wrong)));
@@ -155,7 +143,7 @@ private Q_SLOTS:
 
     void matchingIsTheSameWithAnyInstructions() {
         const auto pixels = noise(256, 256, 9);
-        for (int tolerance : {0, 1, 40, 200, 255}) {
+        for (int tolerance : {-7, 0, 1, 40, 200, 255, 100'000}) {
             // Limits at both ends of what a byte holds.
             for (const PixelBytes& clicked : {pixels->pixel(3, 3), PixelBytes{}, {255, 255, 255, 255}}) {
                 for (const std::string& name : instructionSets()) {
@@ -164,128 +152,13 @@ private Q_SLOTS:
                     Matcher(clicked, tolerance).match(pixels->row(0), like);
                     for (int i = 0; i < kTilePixels; ++i) {
                         if (like[i / 256].has(i % 256) !=
-                            matches(pixels->pixel(i % 256, i / 256), clicked, tolerance))
+                            matches(pixels->pixel(i % 256, i / 256), clicked, std::clamp(tolerance, 0, 255)))
                             QFAIL(qPrintable(QStringLiteral("%1 with %2").arg(i).arg(name.c_str())));
                     }
                 }
             }
         }
         useInstructionSet({});
-    }
-
-    void runsAreFollowedAcrossWords() {
-        SeededRandom random(6);
-        for (int round = 0; round < 3000; ++round) {
-            BitRow open, seeds, wanted;
-            const auto gap = 1 + random.next() % 200; // from a crowd of short runs to one over the whole row
-            for (int x = 0; x < kTileSize; ++x) {
-                if (random.next() % gap != 0 || round % 50 == 0) open.set(x);
-                if (open.has(x) && random.next() % 60 == 0) seeds.set(x);
-            }
-            for (int x = 0; x < kTileSize; ++x) {
-                for (int i = x; seeds.has(x) && i < kTileSize && open.has(i); ++i) wanted.set(i);
-                for (int i = x; seeds.has(x) && i >= 0 && open.has(i); --i) wanted.set(i);
-            }
-            QVERIFY2(runsThrough(open, seeds) == wanted, qPrintable(QString::number(round)));
-        }
-    }
-
-    void aWindingCorridorIsFollowedToItsEnd() {
-        // One corridor of half a million pixels: walls every other row, open at alternate ends.
-        PaintDocument doc(1000, 1000, 72, std::nullopt);
-        for (int64_t y = 1; y < 1000; y += 2) {
-            paintRect(doc, doc.activeLayer(), {y % 4 == 1 ? 0 : 1, y, 999, 1}, {0, 0, 0, 255});
-        }
-        const auto flood = fillMask(doc, 0, 0, only(0));
-        QCOMPARE(countOf(*flood), 500 * 1000 + 500);
-        QVERIFY(flood->mask.covers(500, 998) && !flood->mask.covers(500, 997));
-    }
-
-    void eachChannelHasTheToleranceToItself_data() {
-        QTest::addColumn<PixelBytes>("pixel");
-        QTest::addColumn<int>("tolerance");
-        QTest::addColumn<bool>("match");
-        constexpr PixelBytes clicked{100, 100, 100, 200};
-        QTest::newRow("equal") << clicked << 0 << true;
-        QTest::newRow("one off, exact") << PixelBytes{100, 101, 100, 200} << 0 << false;
-        QTest::newRow("one off, below 0 is exact") << PixelBytes{100, 101, 100, 200} << -7 << false;
-        QTest::newRow("the limit is inside") << PixelBytes{116, 84, 116, 184} << 16 << true;
-        QTest::newRow("red over it") << PixelBytes{117, 100, 100, 200} << 16 << false;
-        QTest::newRow("green under it") << PixelBytes{100, 83, 100, 200} << 16 << false;
-        QTest::newRow("blue over it") << PixelBytes{100, 100, 117, 200} << 16 << false;
-        QTest::newRow("alpha over it") << PixelBytes{100, 100, 100, 217} << 16 << false;
-        QTest::newRow("nothing is too far") << PixelBytes{0, 0, 0, 0} << 255 << true;
-        QTest::newRow("above 255 is 255") << PixelBytes{0, 0, 0, 0} << 100000 << true;
-        QTest::newRow("transparent is a colour as well") << PixelBytes{0, 0, 0, 0} << 199 << false;
-    }
-    void eachChannelHasTheToleranceToItself() {
-        QFETCH(PixelBytes, pixel);
-        QFETCH(int, tolerance);
-        QFETCH(bool, match);
-        PaintDocument doc(2, 1, 72, std::nullopt);
-        paintRect(doc, doc.activeLayer(), {0, 0, 1, 1}, {100, 100, 100, 200});
-        paintRect(doc, doc.activeLayer(), {1, 0, 1, 1}, pixel);
-        QCOMPARE(fillMask(doc, 0, 0, only(tolerance))->bounds.w, match ? 2 : 1);
-        QCOMPARE(fillMask(doc, 1, 0, only(tolerance))->bounds.w, match ? 2 : 1);
-    }
-
-    void everyPixelIsHeldAgainstTheClickedOne() {
-        PaintDocument doc(300, 1, 72, std::nullopt);
-        for (int64_t x = 0; x < 300; ++x) {
-            const auto shade = static_cast<uint8_t>(x / 2);
-            paintRect(doc, doc.activeLayer(), {x, 0, 1, 1}, {shade, shade, shade, 255});
-        }
-        QCOMPARE(fillMask(doc, 100, 0, only(10))->bounds, (IRect{80, 0, 42, 1}));
-    }
-
-    void diagonalNeighboursDoNotConnect() {
-        PaintDocument doc(520, 520, 72, PaintColor::white());
-        doc.setActiveIndex(0);
-        paintRect(doc, doc.activeLayer(), {200, 200, 56, 56}, {9, 9, 9, 255});
-        paintRect(doc, doc.activeLayer(), {256, 256, 50, 50},
-                  {9, 9, 9, 255}); // across the corner of four tiles
-        QCOMPARE(fillMask(doc, 210, 210, only(0))->bounds, (IRect{200, 200, 56, 56}));
-        QCOMPARE(fillMask(doc, 300, 300, only(0))->bounds, (IRect{256, 256, 50, 50}));
-    }
-
-    void oppositeEdgesDoNotConnect() {
-        PaintDocument doc(512, 512, 72, std::nullopt);
-        for (int64_t y : {0, 256}) paintRect(doc, doc.activeLayer(), {0, y, 512, 100}, {9, 9, 9, 255});
-        QCOMPARE(fillMask(doc, 0, 300, only(0))->bounds, (IRect{0, 256, 512, 100}));
-        QCOMPARE(fillMask(doc, 511, 50, only(0))->bounds, (IRect{0, 0, 512, 100}));
-    }
-
-    void growthGoesAcrossSeamsAndStopsAtTheCanvas_data() {
-        QTest::addColumn<int>("expand");
-        QTest::addColumn<IRect>("bounds");
-        QTest::addColumn<int>("count"); // of a diamond, cut at the left edge
-        QTest::newRow("none") << 0 << IRect{0, 255, 1, 1} << 1;
-        QTest::newRow("below none") << -3 << IRect{0, 255, 1, 1} << 1;
-        QTest::newRow("one") << 1 << IRect{0, 254, 2, 3} << 4;
-        QTest::newRow("four") << 4 << IRect{0, 251, 5, 9} << 25;
-        QTest::newRow("nine is four") << 9 << IRect{0, 251, 5, 9} << 25;
-    }
-    void growthGoesAcrossSeamsAndStopsAtTheCanvas() {
-        QFETCH(int, expand);
-        PaintDocument doc(300, 300, 72, std::nullopt);
-        paintRect(doc, doc.activeLayer(), {0, 255, 1, 1}, {50, 50, 50, 255});
-        const auto flood = fillMask(doc, 0, 255, only(0, expand));
-        QTEST(flood->bounds, "bounds");
-        QTEST(static_cast<int>(countOf(*flood)), "count");
-    }
-
-    void nothingIsFoundOutsideTheCanvas() {
-        PaintDocument doc(300, 200, 72, std::nullopt);
-        for (const auto& [x, y] : {std::pair{-1, 0}, {0, -1}, {300, 0}, {0, 200}}) {
-            QVERIFY(!fillMask(doc, x, y, {}));
-        }
-        QCOMPARE(fillMask(doc, 299, 199, {})->bounds, doc.grid().bounds());
-    }
-
-    void anAbsentTileIsATransparentOne() {
-        PaintDocument doc(700, 300, 72, std::nullopt);
-        doc.activeLayer().writableTile(1); // between two that are absent
-        QCOMPARE(fillMask(doc, 10, 10, only(0))->bounds, doc.grid().bounds());
     }
 
     void theFinishedPictureIsWhatIsSeen() {

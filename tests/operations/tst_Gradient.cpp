@@ -100,35 +100,6 @@ private Q_SLOTS:
         QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *wanted), QString());
     }
 
-    void bytesRiseSteadilyAlongTheDrag() {
-        const auto doc = emptyPicture(510, 2);
-        gradientFill(*doc, {0, 0}, {510, 0}, linear, PaintColor::black(), PaintColor::white(), 1);
-        // The centre of pixel x is at (x + 0.5) / 510 of the way: two pixels to a step.
-        for (int64_t x = 0; x < 510; ++x)
-            QCOMPARE(redAt(*doc, x, 1), static_cast<uint8_t>((x + 0.5) / 2 + 0.5));
-        gradientFill(*doc, {100, 0}, {200, 0}, linear, PaintColor::black(), PaintColor::white(), 1);
-        QCOMPARE(redAt(*doc, 0, 0), uint8_t{0});
-        QCOMPARE(redAt(*doc, 509, 0), uint8_t{255});
-    }
-
-    void reflectionIsTheSameOnBothSides() {
-        const auto doc = emptyPicture(600, 3);
-        gradientFill(*doc, {300, 1}, {500, 1}, reflected, PaintColor::black(), PaintColor::white(), 1);
-        for (int64_t d = 0; d < 300; ++d) QCOMPARE(redAt(*doc, 300 + d, 2), redAt(*doc, 299 - d, 2));
-        QCOMPARE(redAt(*doc, 400, 0), uint8_t{128}); // 100.5 / 200
-    }
-
-    void coloursAreMixedPremultiplied() {
-        // Opaque red to transparent blue: no blue ever comes up, red only fades.
-        const auto doc = emptyPicture(300, 1);
-        gradientFill(*doc, {0, 0}, {300, 0}, linear, {1, 0, 0, 1}, {0, 0, 1, 0}, 1);
-        for (int64_t x = 0; x < 300; ++x) {
-            const PixelBytes pixel = doc->activeLayer().pixel(x, 0);
-            QCOMPARE(pixel, (PixelBytes{pixel[3], 0, 0, pixel[3]}));
-        }
-        QCOMPARE(doc->activeLayer().pixel(150, 0)[3], uint8_t{127}); // 1 - 150.5 / 300 of 255 is 127.08
-    }
-
     void aDragOfNoLength() {
         for (const auto& [from, centre] : {std::pair{QPointF(60, 40), 255}, {QPointF(60.5, 40.5), 0}}) {
             const auto doc = emptyPicture(100, 80);
@@ -143,17 +114,6 @@ private Q_SLOTS:
         }
     }
 
-    void theSmallestAndTheLongestCanvas() {
-        const auto dot = emptyPicture(1, 1);
-        QCOMPARE(gradientFill(*dot, {0, 0}, {1, 0}, linear, PaintColor::black(), PaintColor::white(), 1),
-                 (IRect{0, 0, 1, 1}));
-        QCOMPARE(dot->activeLayer().pixel(0, 0), (PixelBytes{128, 128, 128, 255}));
-        const auto line = emptyPicture(30000, 1);
-        gradientFill(*line, {0, 0}, {30000, 0}, linear, PaintColor::black(), PaintColor::white(), 1);
-        QCOMPARE(redAt(*line, 15000, 0), uint8_t{128});
-        QCOMPARE(redAt(*line, 29999, 0), uint8_t{255});
-    }
-
     void tilesOutsideTheSelectionAreNotMade() {
         const auto doc = emptyPicture(900, 10);
         std::vector<uint8_t> mask(900 * 10);
@@ -163,16 +123,6 @@ private Q_SLOTS:
                  doc->grid().bounds());
         const Layer& layer = doc->activeLayer();
         QVERIFY(layer.tile(0) && !layer.tile(1) && !layer.tile(2) && layer.tile(3));
-    }
-
-    void noAlphaNoPaint() {
-        const auto doc = emptyPicture(300, 300);
-        doc->activeLayer().load(*noise(300, 300, 4));
-        const auto before = doc->activeLayer().toBuffer();
-        gradientFill(*doc, {0, 0}, {300, 0}, radial, {1, 0, 0, 0}, {0, 1, 0, 0}, 1);
-        gradientFill(*doc, {0, 0}, {300, 0}, linear, {1, 0, 0, 1e-300}, {0, 1, 0, 0}, 1);
-        gradientFill(*doc, {0, 0}, {300, 0}, reflected, {1, 0, 0, 1}, {0, 1, 0, 1}, 0);
-        QCOMPARE(firstDifference(*doc->activeLayer().toBuffer(), *before), QString());
     }
 
     void lockedLayersAreLeftAlone() {

@@ -116,49 +116,6 @@ class tst_History : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aNewPictureHasNothingToUndo() {
-        PaintDocument doc(300, 300, 72, {});
-        QVERIFY(!doc.canUndo() && !doc.canRedo() && !doc.undoName() && !doc.redoName());
-        QCOMPARE(doc.undoDepth(), 0);
-        QCOMPARE(doc.history()[0].name, QStringLiteral("Open"));
-        doc.undo();
-        doc.redo();
-        QCOMPARE(doc.changeCount(), 0);
-    }
-
-    void undoAndRedoGoBackAndForthExactly() {
-        PaintDocument doc(600, 300, 72, PaintColor::white());
-        std::vector<uint64_t> prints{doc.fingerprint()};
-        const QStringList names{"Stroke", "Fill", "New Layer", "Blend"};
-        const auto step = [&](int i) {
-            if (i == 0) stroke(doc, 1);
-            if (i == 1) doc.fillLayer(doc.activeLayer(), PaintColor(0.2, 0.4, 0.6, 0.8));
-            if (i == 2) addLayer(doc);
-            if (i == 3) doc.layer(1).blendMode = BlendMode::multiply;
-        };
-        for (int i = 0; i < 4; ++i) {
-            doc.perform(names[i], [&] { step(i); });
-            prints.push_back(doc.fingerprint());
-            QCOMPARE(*doc.undoName(), names[i]);
-        }
-        const QUuid added = doc.layer(2).id;
-        for (int i = 3; i >= 0; --i) {
-            doc.undo();
-            QCOMPARE(doc.fingerprint(), prints[static_cast<std::size_t>(i)]);
-            QCOMPARE(*doc.redoName(), names[i]);
-            QCOMPARE(doc.undoDepth(), i);
-        }
-        QVERIFY(!doc.canUndo());
-        // Painting on what undo brought back leaves the states alone.
-        stroke(doc, 99);
-        for (std::size_t i = 1; i <= 4; ++i) {
-            doc.redo();
-            QCOMPARE(doc.fingerprint(), prints[i]);
-        }
-        QVERIFY(!doc.canRedo());
-        QCOMPARE(doc.layer(2).id, added);
-        QCOMPARE(doc.changeCount(), 12);
-    }
 
     void aStateKeepsSelectionActiveLayerAndResolution() {
         PaintDocument doc(300, 300, 72, PaintColor::white());
@@ -177,40 +134,6 @@ private Q_SLOTS:
         QVERIFY(doc.onion.enabled); // a setting of the view
         doc.redo();
         QVERIFY(!doc.selection && doc.activeIndex() == 0 && doc.dpi == 300);
-    }
-
-    void anActionAfterUndoClearsWhatCouldBeRedone() {
-        PaintDocument doc(300, 300, 72, {});
-        commitStrokes(doc, 5);
-        doc.undo();
-        doc.undo();
-        stroke(doc, 70);
-        doc.commit("Other");
-        QVERIFY(!doc.canRedo());
-        QCOMPARE(doc.history().size(), std::size_t{5});
-        QCOMPARE(*doc.undoName(), QStringLiteral("Other"));
-    }
-
-    void eightyStrokesShareTheirTiles() {
-        PaintDocument doc(1200, 900, 72, PaintColor::white());
-        const uint64_t start = doc.fingerprint();
-        const int64_t before = doc.historyBytes();
-        std::vector<uint64_t> prints;
-        int64_t touched = 0;
-        doc.takeDirtyTiles();
-        for (int i = 0; i < 80; ++i) {
-            stroke(doc, i);
-            touched += static_cast<int64_t>(doc.takeDirtyTiles().size());
-            doc.commit("Brush Stroke");
-            prints.push_back(doc.fingerprint());
-        }
-        QCOMPARE(doc.historyBytes() - before, touched * kTileBytes);
-        for (int i = 0; i < 40; ++i) doc.undo();
-        QCOMPARE(doc.fingerprint(), prints[39]);
-        for (int i = 0; i < 40; ++i) doc.undo();
-        QCOMPARE(doc.fingerprint(), start);
-        for (int i = 0; i < 61; ++i) doc.redo();
-        QCOMPARE(doc.fingerprint(), prints[60]);
     }
 
     void theOldestStepsGoFirst_data() {
@@ -322,56 +245,6 @@ private Q_SLOTS:
             prints.pop_back();
             QCOMPARE(doc.fingerprint(), prints.back());
         }
-    }
-
-    void theViewHearsOfANewCanvasSize() {
-        PaintDocument doc(300, 200, 72, {});
-        int calls = 0;
-        doc.onGridChange = [&] {
-            ++calls;
-            QCOMPARE(doc.layer(0).grid(), doc.grid()); // the picture is whole when it is told
-        };
-        stroke(doc, 1);
-        doc.commit("Stroke");
-        const TileGrid turned(200, 300);
-        doc.replaceCanvas(turned, {std::make_shared<Layer>("Turned", turned)}, 0);
-        doc.commit("Rotate");
-        QCOMPARE(calls, 1);
-        doc.undo();
-        QCOMPARE(calls, 2);
-        QCOMPARE(doc.grid(), TileGrid(300, 200));
-        QCOMPARE(doc.takeDirtyTiles().size(), std::size_t{2});
-        doc.undo(); // the size stays
-        doc.redo();
-        QCOMPARE(calls, 2);
-        doc.redo();
-        QCOMPARE(calls, 3);
-        QCOMPARE(doc.grid(), turned);
-    }
-
-    void revertingThrowsAwayWhatWasNotCommitted() {
-        PaintDocument doc(300, 200, 72, PaintColor::white());
-        commitStrokes(doc, 2);
-        const uint64_t committed = doc.fingerprint();
-        doc.takeDirtyTiles();
-        stroke(doc, 50);
-        deleteLayer(doc, 0);
-        doc.revertToLastCommit();
-        QCOMPARE(doc.fingerprint(), committed);
-        QCOMPARE(doc.changeCount(), 2);
-        QCOMPARE(doc.undoDepth(), 2);
-        QCOMPARE(doc.takeDirtyTiles().size(), std::size_t{2});
-    }
-
-    void aScriptedPictureOpensClean() {
-        PaintDocument doc(300, 200, 72, {});
-        commitStrokes(doc, 3);
-        doc.resetHistory();
-        QCOMPARE(doc.history().size(), std::size_t{1});
-        QCOMPARE(doc.history()[0].name, QStringLiteral("Open"));
-        QCOMPARE(doc.changeCount(), 3);
-        QVERIFY(!doc.canUndo());
-        QCOMPARE(doc.historyBytes(), recounted(doc.history()));
     }
 };
 

@@ -3,7 +3,6 @@
 #include "operations/LayerOperations.h"
 #include "operations/Selection.h"
 #include "support/Pictures.h"
-#include "support/Stops.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
@@ -58,19 +57,6 @@ private Q_SLOTS:
         QVERIFY(doc->takeDirtyTiles().empty()); // an empty layer changes no pixel
     }
 
-    void placesAreClamped() {
-        const auto doc = stackOf({"a", "b"}, 0);
-        addLayer(*doc, "top", 99);
-        addLayer(*doc, "bottom", -5);
-        QCOMPARE(stack(*doc), QStringLiteral("[bottom] a b top"));
-        insertLayer(*doc, std::make_shared<Layer>("x", doc->grid()), 77);
-        QCOMPARE(stack(*doc), QStringLiteral("bottom a b top [x]"));
-        QCOMPARE(doc->takeDirtyTiles().size(), std::size_t{2});
-        const auto foreign = std::make_shared<Layer>("y", TileGrid(200, 300));
-        QVERIFY(stopsTheProcess([&] { insertLayer(*doc, foreign, 0); }));
-        QVERIFY(stopsTheProcess([&] { duplicateLayer(*doc, 5); }));
-    }
-
     void deletingKeepsTheSameLayerActive_data() {
         QTest::addColumn<int>("active");
         QTest::addColumn<int>("index");
@@ -90,20 +76,6 @@ private Q_SLOTS:
         deleteLayer(*doc, index);
         QTEST(stack(*doc), "result");
         QCOMPARE(doc->takeDirtyTiles().empty(), doc->layerCount() == 3);
-    }
-
-    void theOnlyLayerIsEmptiedAndComesBack() {
-        const auto doc = stackOf({"Sky"}, 0);
-        doc->activeLayer().isLocked = true;
-        paintRect(*doc, doc->activeLayer(), {0, 0, 300, 200}, {9, 9, 9, 9});
-        doc->commit("Stroke");
-        const uint64_t painted = doc->fingerprint();
-        deleteLayer(*doc, 0);
-        doc->commit("Delete Layer");
-        QCOMPARE(stack(*doc), QStringLiteral("[Sky]"));
-        QVERIFY(doc->activeLayer().isEmpty() && doc->activeLayer().isLocked);
-        doc->undo();
-        QCOMPARE(doc->fingerprint(), painted);
     }
 
     void movingKeepsTheSameLayerActive_data() {
@@ -189,21 +161,6 @@ private Q_SLOTS:
         doc->layer(0).isClipping = true;
         mergeDown(*doc, 1);
         QCOMPARE(*doc->layer(0).contentBounds(), (IRect{0, 0, 300, 200}));
-    }
-
-    void mergingAHiddenLayerDropsIt() {
-        const auto doc = stackOf({"a", "b"}, 1);
-        doc->layer(0).load(*noise(300, 200, 4));
-        paintRect(*doc, doc->layer(1), {5, 5, 9, 9}, {9, 9, 9, 9});
-        doc->layer(1).isVisible = false;
-        const uint64_t before = doc->layer(0).fingerprint();
-        const Tile* untouched = doc->layer(0).tile(1);
-        mergeDown(*doc, 1);
-        QCOMPARE(doc->layer(0).fingerprint(), before);
-        QCOMPARE(doc->layer(0).tile(1), untouched);
-        mergeDown(*doc, 0);
-        mergeDown(*doc, 1);
-        QCOMPARE(stack(*doc), QStringLiteral("[a]"));
     }
 
     void mergingTheVisibleOnesKeepsTheHidden_data() {

@@ -195,24 +195,6 @@ private Q_SLOTS:
         QCOMPARE(ownTiles(*Selection::all(30000, 30000)), 0);
     }
 
-    void aSoftEdgeTakenFromItselfLeavesARim() {
-        const QPainterPath path = rectangle(5.5, 5, 10, 10);
-        const SelectionRef rim = made(path, SelectionOp::subtract, made(path));
-        QVERIFY(rim);
-        QCOMPARE(int(rim->value(5, 7)), 64);
-        QCOMPARE(int(rim->value(6, 7)), 0);
-        QVERIFY(!made(path, SelectionOp::subtract, made(path, SelectionOp::replace, {}, Antialias::no),
-                      Antialias::no));
-    }
-
-    void valuesOutsideTheCanvasAreZero() {
-        const SelectionRef all = Selection::all(kWidth, kHeight);
-        QCOMPARE(all->bounds(), (IRect{0, 0, kWidth, kHeight}));
-        for (const auto& [x, y] : {std::pair{-1, 0}, {0, -1}, {kWidth, 0}, {0, kHeight}})
-            QCOMPARE(int(all->value(x, y)), 0);
-        QCOMPARE(int(all->value(kWidth - 1, kHeight - 1)), 255);
-    }
-
     void aDocumentInvertsOnlyWhatIsSelected() {
         PaintDocument doc(kWidth, kHeight, 72, {});
         invertSelection(doc);

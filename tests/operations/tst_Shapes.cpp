@@ -3,7 +3,6 @@
 #include "support/TestMain.h"
 
 #include <cmath>
-#include <limits>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -64,15 +63,6 @@ class tst_Shapes : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyKindHasItsRow() {
-        const char* ids[] = {"rectangle", "roundedRect", "ellipse", "line", "arrow", "star", "polygon"};
-        for (std::size_t i = 0; i < kShapes.size(); ++i) {
-            QCOMPARE(kShapes[i].kind, static_cast<ShapeKind>(i));
-            QCOMPARE(rowOf(kShapes[i].kind).id, ids[i]);
-        }
-        QCOMPARE(rowOf(ShapeKind::polygon).title, "Hexagon");
-    }
-
     void boxesFillTheDragWhicheverWayItWent() {
         for (ShapeKind kind : {ShapeKind::rectangle, ShapeKind::roundedRect, ShapeKind::ellipse}) {
             for (const auto& [a, b] : {std::pair{QPointF(10, 20), QPointF(50, 40)},
@@ -115,31 +105,19 @@ private Q_SLOTS:
         QCOMPARE(square({120, 100}), QRectF(100, 100, 20, 20)); // neither up nor down counts as down
     }
 
-    void constrainedLinesKeepLengthAndEighths_data() {
-        QTest::addColumn<double>("degrees");
-        QTest::addColumn<double>("snapped");
-        for (const auto& [degrees, snapped] : {std::pair{0.0, 0.0},
-                                               {22.0, 0.0},
+    void constrainedLinesKeepLengthAndEighths() {
+        const double radian = std::acos(-1) / 180;
+        for (const auto& [degrees, snapped] : {std::pair{22.0, 0.0},
                                                {23.0, 45.0},
-                                               {67.0, 45.0},
                                                {68.0, 90.0},
                                                {130.0, 135.0},
-                                               {170.0, 180.0},
                                                {-170.0, 180.0},
-                                               {-22.0, 0.0},
-                                               {-23.0, -45.0},
-                                               {-100.0, -90.0}}) {
-            QTest::addRow("%g", degrees) << degrees << snapped;
+                                               {-23.0, -45.0}}) {
+            const QPointF a(7, 9), wanted(std::cos(snapped * radian), std::sin(snapped * radian));
+            const QPointF b = a + 50 * QPointF(std::cos(degrees * radian), std::sin(degrees * radian));
+            QVERIFY(isNear(endOf(shape(ShapeKind::line, a, b, Constrain::yes)), a + 50 * wanted));
+            QVERIFY(isNear(shape(ShapeKind::arrow, a, b, Constrain::yes).elementAt(1), a + 50 * wanted));
         }
-    }
-    void constrainedLinesKeepLengthAndEighths() {
-        QFETCH(double, degrees);
-        QFETCH(double, snapped);
-        const double radian = std::acos(-1) / 180;
-        const QPointF a(7, 9), b = a + 50 * QPointF(std::cos(degrees * radian), std::sin(degrees * radian));
-        const QPointF wanted = a + 50 * QPointF(std::cos(snapped * radian), std::sin(snapped * radian));
-        QVERIFY(isNear(endOf(shape(ShapeKind::line, a, b, Constrain::yes)), wanted));
-        QVERIFY(isNear(shape(ShapeKind::arrow, a, b, Constrain::yes).elementAt(1), wanted));
     }
 
     void anArrowsHeadPointsBack() {
@@ -163,48 +141,17 @@ private Q_SLOTS:
         }
     }
 
-    void fillsCoverTheirArea() {
-        const auto ellipse = renderShape(shape(ShapeKind::ellipse, {3.3, 4.1}, {40.7, 25.4}),
-                                         PaintColor::black(), {}, 6, Antialias::yes);
-        QCOMPARE(ellipse->rect, (IRect{3 - 8, 4 - 8, 38 + 16, 22 + 16}));
-        QVERIFY2(worstCoverage(*ellipse,
-                               [](double x, double y) {
-                                   return std::pow((x - 22) / 18.7, 2) + std::pow((y - 14.75) / 10.65, 2) <=
-                                          1;
-                               }) < 6,
-                 "ellipse");
-        const auto hard = renderShape(shape(ShapeKind::ellipse, {3.3, 4.1}, {40.7, 25.4}),
-                                      PaintColor::black(), {}, 6, Antialias::no);
-        for (int64_t i = 0; i < hard->rect.w * hard->rect.h; ++i)
-            QVERIFY(hard->buffer->data()[i * 4 + 3] == 0 || hard->buffer->data()[i * 4 + 3] == 255);
-    }
-
     void outlinesAreRoundAtEndsAndCorners() {
-        const auto line = renderShape(shape(ShapeKind::line, {10.2, 30.7}, {50.1, 12.3}), {},
-                                      PaintColor::black(), 7, Antialias::yes);
-        QVERIFY2(worstCoverage(*line,
-                               [](double x, double y) {
-                                   return distanceToSegment({x, y}, {10.2, 30.7}, {50.1, 12.3}) <= 3.5;
-                               }) < 6,
-                 "line");
-        const auto frame = renderShape(rectangle(10, 10, 30, 20), {}, PaintColor::black(), 6, Antialias::yes);
-        QVERIFY2(worstCoverage(*frame,
-                               [](double x, double y) {
-                                   const QPointF corners[] = {{10, 10}, {40, 10}, {40, 30}, {10, 30}};
-                                   for (int i = 0; i < 4; ++i) {
-                                       if (distanceToSegment({x, y}, corners[i], corners[(i + 1) % 4]) <= 3)
-                                           return true;
-                                   }
-                                   return false;
-                               }) < 6,
-                 "frame");
-        const auto ring = renderShape(shape(ShapeKind::ellipse, {10, 10}, {40, 40}), {}, PaintColor::black(),
-                                      3, Antialias::yes);
-        QVERIFY2(worstCoverage(*ring,
-                               [](double x, double y) {
-                                   return std::fabs(std::hypot(x - 25, y - 25) - 15) <= 1.5;
-                               }) < 6,
-                 "ring");
+        const QPointF places[] = {{10, 12}, {50, 12}, {50, 40}};
+        QPainterPath path(places[0]);
+        path.lineTo(places[1]);
+        path.lineTo(places[2]);
+        const auto drawn = renderShape(path, {}, PaintColor::black(), 6, Antialias::yes);
+        const double worst = worstCoverage(*drawn, [&](double x, double y) {
+            return distanceToSegment({x, y}, places[0], places[1]) <= 3 ||
+                   distanceToSegment({x, y}, places[1], places[2]) <= 3;
+        });
+        QVERIFY2(worst < 6, qPrintable(QString::number(worst)));
     }
 
     void theOutlineLiesOnTheFill() {
@@ -218,29 +165,16 @@ private Q_SLOTS:
         QCOMPARE(at(*both, 7, 20), PixelBytes{});
     }
 
-    void withoutColorsNothingIsDrawn() {
-        const auto none = renderShape(rectangle(10, 10, 20, 20), {}, {}, 4, Antialias::yes);
-        QCOMPARE(none->rect, (IRect{4, 4, 32, 32}));
-        QCOMPARE(none->buffer->fingerprint(), RGBABuffer(32, 32).fingerprint());
-        const auto thin = renderShape(rectangle(10, 10, 20, 20), {}, PaintColor::black(), 0, Antialias::yes);
-        QCOMPARE(thin->buffer->fingerprint(), RGBABuffer(24, 24).fingerprint());
-        QVERIFY(renderShape(QPainterPath(), PaintColor::black(), PaintColor::black(), 4, Antialias::yes));
-    }
-
     void onlyShapesOfSaneSizeAreDrawn() {
         const PaintColor black = PaintColor::black();
-        QVERIFY(
-            !renderShape(rectangle(0, 0, 39'996, 5), black, {}, 0, Antialias::yes)); // with its margin of 2
-        QVERIFY(!renderShape(rectangle(0, 0, 5, 1e12), black, {}, 0, Antialias::yes));
-        QVERIFY(!renderShape(rectangle(1e17, 0, 5, 5), black, {}, 0, Antialias::yes));
-        for (double width : {1e9, std::numeric_limits<double>::infinity()})
-            QVERIFY(!renderShape(rectangle(0, 0, 5, 5), black, black, width, Antialias::yes));
+        for (const QPainterPath& path :
+             {rectangle(0, 0, 39'996, 5), rectangle(0, 0, 5, 1e12), rectangle(1e17, 0, 5, 5)})
+            QVERIFY(!renderShape(path, black, {}, 0, Antialias::yes)); // with its margin of 2
+        QVERIFY(!renderShape(rectangle(0, 0, 5, 5), black, black, 1e9, Antialias::yes));
         const auto widest = renderShape(rectangle(-3, -2, 39'995, 5), black, black, 0, Antialias::yes);
         QCOMPARE(widest->rect, (IRect{-5, -4, 39'999, 9}));
         for (int64_t x = -3; x < 39'992; ++x) QCOMPARE(at(*widest, x, 2)[3], uint8_t{255});
         QCOMPARE(at(*widest, 39'992, 2), PixelBytes{});
-        const auto highest = renderShape(rectangle(7, 0, 3, 39'995), black, {}, 0, Antialias::yes);
-        for (int64_t y = 0; y < 39'995; ++y) QCOMPARE(at(*highest, 8, y)[3], uint8_t{255});
     }
 };
 

@@ -73,68 +73,8 @@ FileCalls callsWith(Unnamed unnamed) {
     return calls;
 }
 
-} // namespace
-
-class tst_AtomicFile : public QObject {
-    Q_OBJECT
-private Q_SLOTS:
-    void init() { folder_ = std::make_unique<QTemporaryDir>(); }
-
-    void aFileIsMadeOrReplaced();
-    void aFailingCallLeavesTheOldFileWhole_data();
-    void aFailingCallLeavesTheOldFileWhole();
-    void interruptedCallsAreRepeatedAndShortWritesContinued();
-    void contentIsFlushedBeforeTheRenameAndTheFolderAfter();
-    void aNewNameThatCannotBeFlushedIsReported();
-    void theModeIsKept();
-    void aLinkStaysAndItsTargetIsReplaced();
-    void oddTargetsAreRefused();
-    void onlyFilesThatFitIntoMemoryAreRead();
-    void errorsAreInWords();
-
-private:
-    QString at(const char* name) const { return folder_->filePath(QString::fromUtf8(name)); }
-    QStringList names() const {
-        return QDir(folder_->path())
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    }
-
-    std::unique_ptr<QTemporaryDir> folder_;
-};
-
-void tst_AtomicFile::aFileIsMadeOrReplaced() {
-    const QString path = at("Ébauche ✏️.qirnpaint");
-    writeAtomically(path, bytesOf(kOld));
-    QCOMPARE(contentOf(path), kOld);
-    writeAtomically(path, bytesOf(kNew));
-    QCOMPARE(contentOf(path), kNew);
-    writeAtomically(path, {});
-    QCOMPARE(contentOf(path), QByteArray(""));
-    const QString longest = at(QByteArray(255, 'x').constData());
-    writeAtomically(longest, bytesOf(kNew));
-    QCOMPARE(contentOf(longest), kNew);
-    QCOMPARE(names().size(), 2);
-}
-
-void tst_AtomicFile::aFailingCallLeavesTheOldFileWhole_data() {
-    QTest::addColumn<Unnamed>("unnamed");
-    QTest::addColumn<QString>("call");
-    QTest::addColumn<int>("error");
-    constexpr std::pair<const char*, int> kFailures[] = {
-        {"readlink", EACCES},  {"stat", EIO},      {"access", EROFS}, {"open folder", EMFILE},
-        {"open file", ENOSPC}, {"fchmod", EPERM},  {"write", ENOSPC}, {"write nothing", ENOSPC},
-        {"fsync", EIO},        {"rename", EACCES}, {"close", EDQUOT}};
-    for (const auto& [system, unnamed] : kSystems) {
-        for (const auto& [call, error] : kFailures) {
-            // Closed only when all is done, and flushed twice by then.
-            if (unnamed == Unnamed::all && QLatin1String(call) == QLatin1String("close")) continue;
-            QTest::addRow("%s, %s", system, call) << unnamed << call << error;
-        }
-    }
-}
-
 /// The same calls with one that fails.
-static FileCalls withFailing(FileCalls calls, const QString& call, int error) {
+FileCalls withFailing(FileCalls calls, const QString& call, int error) {
     const auto fail = [=](auto...) { return failWith(error); };
     if (call == "readlink") calls.readlink = fail;
     if (call == "stat") calls.stat = fail;
@@ -159,194 +99,202 @@ static FileCalls withFailing(FileCalls calls, const QString& call, int error) {
     return calls;
 }
 
-void tst_AtomicFile::aFailingCallLeavesTheOldFileWhole() {
-    QFETCH(Unnamed, unnamed);
-    QFETCH(QString, call);
-    QFETCH(int, error);
-    const QString path = at("picture");
-    put(path, kOld);
-    QCOMPARE(errorOf(path, withFailing(callsWith(unnamed), call, error)), error);
-    QCOMPARE(contentOf(path), kOld);
-    QCOMPARE(names(), QStringList("picture"));
-    // Nor does it leave anything where there was nothing; a mode and rights are not asked for then.
-    QVERIFY(QFile::remove(path));
-    if (errorOf(path, withFailing(callsWith(unnamed), call, error)) != 0) QCOMPARE(names(), QStringList());
-    QCOMPARE(errorOf(path, callsWith(unnamed)), 0);
-    QCOMPARE(contentOf(path), kNew);
-    QCOMPARE(names(), QStringList("picture"));
-}
+} // namespace
 
-void tst_AtomicFile::interruptedCallsAreRepeatedAndShortWritesContinued() {
-    put(at("picture"), kOld);
-    FileCalls calls = FileCalls::ofSystem();
-    int interruptions = 0;
-    std::size_t room = 60'000; // on the disk
-    const auto everyOther = [&interruptions] { return ++interruptions % 2 == 1; };
-    calls.open = [=](const char* path, int flags, mode_t mode) {
-        return everyOther() ? failWith(EINTR) : ::open(path, flags, mode);
-    };
-    calls.write = [=, &room](int file, const void* bytes, std::size_t count) -> ssize_t {
-        if (everyOther()) return failWith(EINTR);
-        if (room == 0) return failWith(ENOSPC);
-        const ssize_t written = ::write(file, bytes, std::min({count, room, std::size_t{7777}}));
-        room -= static_cast<std::size_t>(written);
-        return written;
-    };
-    calls.fsync = [=](int file) { return everyOther() ? failWith(EINTR) : ::fsync(file); };
-    QCOMPARE(errorOf(at("picture"), calls), ENOSPC);
-    QCOMPARE(contentOf(at("picture")), kOld);
-    QCOMPARE(names(), QStringList("picture"));
-    room = 1'000'000;
-    QCOMPARE(errorOf(at("picture"), calls), 0);
-    QCOMPARE(contentOf(at("picture")), kNew);
-}
+class tst_AtomicFile : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init() { folder_ = std::make_unique<QTemporaryDir>(); }
 
-void tst_AtomicFile::contentIsFlushedBeforeTheRenameAndTheFolderAfter() {
-    for (const auto& [system, unnamed] : kSystems) {
-        FileCalls calls = callsWith(unnamed);
-        QStringList order;
-        calls.fsync = [&order](int file) {
+    void aFileIsMadeOrReplaced() {
+        const QString path = at("Ébauche ✏️.qirnpaint");
+        writeAtomically(path, bytesOf(kOld));
+        QCOMPARE(contentOf(path), kOld);
+        writeAtomically(path, bytesOf(kNew));
+        QCOMPARE(contentOf(path), kNew);
+        writeAtomically(path, {});
+        QCOMPARE(contentOf(path), QByteArray(""));
+        const QString longest = at(QByteArray(255, 'x').constData());
+        writeAtomically(longest, bytesOf(kNew));
+        QCOMPARE(contentOf(longest), kNew);
+        QCOMPARE(names().size(), 2);
+    }
+
+    void aFailingCallLeavesTheOldFileWhole_data() {
+        QTest::addColumn<Unnamed>("unnamed");
+        QTest::addColumn<QString>("call");
+        QTest::addColumn<int>("error");
+        constexpr std::pair<const char*, int> kFailures[] = {
+            {"readlink", EACCES},  {"stat", EIO},      {"access", EROFS}, {"open folder", EMFILE},
+            {"open file", ENOSPC}, {"fchmod", EPERM},  {"write", ENOSPC}, {"write nothing", ENOSPC},
+            {"fsync", EIO},        {"rename", EACCES}, {"close", EDQUOT}};
+        for (const auto& [system, unnamed] : kSystems) {
+            for (const auto& [call, error] : kFailures) {
+                // Closed only when all is done, and flushed twice by then.
+                if (unnamed == Unnamed::all && QLatin1String(call) == QLatin1String("close")) continue;
+                QTest::addRow("%s, %s", system, call) << unnamed << call << error;
+            }
+        }
+    }
+    void aFailingCallLeavesTheOldFileWhole() {
+        QFETCH(Unnamed, unnamed);
+        QFETCH(QString, call);
+        QFETCH(int, error);
+        const QString path = at("picture");
+        put(path, kOld);
+        QCOMPARE(errorOf(path, withFailing(callsWith(unnamed), call, error)), error);
+        QCOMPARE(contentOf(path), kOld);
+        QCOMPARE(names(), QStringList("picture"));
+        // Nor does it leave anything where there was nothing; a mode and rights are not asked for then.
+        QVERIFY(QFile::remove(path));
+        if (errorOf(path, withFailing(callsWith(unnamed), call, error)) != 0)
+            QCOMPARE(names(), QStringList());
+        QCOMPARE(errorOf(path, callsWith(unnamed)), 0);
+        QCOMPARE(contentOf(path), kNew);
+        QCOMPARE(names(), QStringList("picture"));
+    }
+
+    void interruptedCallsAreRepeatedAndShortWritesContinued() {
+        put(at("picture"), kOld);
+        FileCalls calls = FileCalls::ofSystem();
+        int interruptions = 0;
+        std::size_t room = 60'000; // on the disk
+        const auto everyOther = [&interruptions] { return ++interruptions % 2 == 1; };
+        calls.open = [=](const char* path, int flags, mode_t mode) {
+            return everyOther() ? failWith(EINTR) : ::open(path, flags, mode);
+        };
+        calls.write = [=, &room](int file, const void* bytes, std::size_t count) -> ssize_t {
+            if (everyOther()) return failWith(EINTR);
+            if (room == 0) return failWith(ENOSPC);
+            const ssize_t written = ::write(file, bytes, std::min({count, room, std::size_t{7777}}));
+            room -= static_cast<std::size_t>(written);
+            return written;
+        };
+        calls.fsync = [=](int file) { return everyOther() ? failWith(EINTR) : ::fsync(file); };
+        QCOMPARE(errorOf(at("picture"), calls), ENOSPC);
+        QCOMPARE(contentOf(at("picture")), kOld);
+        QCOMPARE(names(), QStringList("picture"));
+        room = 1'000'000;
+        QCOMPARE(errorOf(at("picture"), calls), 0);
+        QCOMPARE(contentOf(at("picture")), kNew);
+    }
+
+    void contentIsFlushedBeforeTheRenameAndTheFolderAfter() {
+        for (const auto& [system, unnamed] : kSystems) {
+            FileCalls calls = callsWith(unnamed);
+            QStringList order;
+            calls.fsync = [&order](int file) {
+                struct stat facts {};
+                ::fstat(file, &facts);
+                order << (S_ISDIR(facts.st_mode)         ? "folder"
+                          : facts.st_size == kNew.size() ? "content"
+                                                         : "part");
+                return ::fsync(file);
+            };
+            calls.link = [&order, link = calls.link](int file, const char* path) {
+                order << "link";
+                return link(file, path);
+            };
+            calls.rename = [&order](const char* from, const char* to) {
+                order << "rename";
+                return ::rename(from, to);
+            };
+            QCOMPARE(errorOf(at("picture"), calls), 0);
+            const QStringList byName{"content", "rename", "folder"};
+            if (unnamed == Unnamed::noneToOpen || !hasUnnamedFiles(folder_->path()))
+                QCOMPARE(order, byName);
+            else if (unnamed == Unnamed::noneToLink)
+                QCOMPARE(order, QStringList({"content", "link"}) + byName);
+            else
+                QCOMPARE(order, QStringList({"content", "link", "rename", "content", "folder"}));
+        }
+    }
+
+    void aNewNameThatCannotBeFlushedIsReported() {
+        put(at("picture"), kOld);
+        FileCalls calls = FileCalls::ofSystem();
+        int folderError = EIO;
+        calls.fsync = [&](int file) {
             struct stat facts {};
             ::fstat(file, &facts);
-            order << (S_ISDIR(facts.st_mode) ? "folder" : facts.st_size == kNew.size() ? "content" : "part");
-            return ::fsync(file);
+            return S_ISDIR(facts.st_mode) ? failWith(folderError) : 0;
         };
-        calls.link = [&order, link = calls.link](int file, const char* path) {
-            order << "link";
-            return link(file, path);
-        };
-        calls.rename = [&order](const char* from, const char* to) {
-            order << "rename";
-            return ::rename(from, to);
-        };
+        QCOMPARE(errorOf(at("picture"), calls), EIO);
+        QCOMPARE(contentOf(at("picture")), kNew); // too late to go back, and the new file is whole
+        QCOMPARE(names(), QStringList("picture"));
+        folderError = EINVAL; // a file system without such a thing
         QCOMPARE(errorOf(at("picture"), calls), 0);
-        const QStringList byName{"content", "rename", "folder"};
-        if (unnamed == Unnamed::noneToOpen || !hasUnnamedFiles(folder_->path()))
-            QCOMPARE(order, byName);
-        else if (unnamed == Unnamed::noneToLink)
-            QCOMPARE(order, QStringList({"content", "link"}) + byName);
-        else
-            QCOMPARE(order, QStringList({"content", "link", "rename", "content", "folder"}));
     }
-}
 
-void tst_AtomicFile::aNewNameThatCannotBeFlushedIsReported() {
-    put(at("picture"), kOld);
-    FileCalls calls = FileCalls::ofSystem();
-    int folderError = EIO;
-    calls.fsync = [&](int file) {
-        struct stat facts {};
-        ::fstat(file, &facts);
-        return S_ISDIR(facts.st_mode) ? failWith(folderError) : 0;
-    };
-    QCOMPARE(errorOf(at("picture"), calls), EIO);
-    QCOMPARE(contentOf(at("picture")), kNew); // too late to go back, and the new file is whole
-    QCOMPARE(names(), QStringList("picture"));
-    folderError = EINVAL; // a file system without such a thing
-    QCOMPARE(errorOf(at("picture"), calls), 0);
-    if (!hasUnnamedFiles(folder_->path())) return;
-
-    calls = FileCalls::ofSystem();
-    bool isRenamed = false;
-    calls.rename = [&](const char* from, const char* to) {
-        isRenamed = true;
-        return ::rename(from, to);
-    };
-    calls.fsync = [&](int) { return isRenamed ? failWith(EIO) : 0; };
-    put(at("picture"), kOld);
-    QCOMPARE(errorOf(at("picture"), calls), EIO);
-    QCOMPARE(contentOf(at("picture")), kNew);
-    QCOMPARE(errorOf(at("picture"), withFailing(FileCalls::ofSystem(), "close", EDQUOT)), EDQUOT);
-    QCOMPARE(names(), QStringList("picture"));
-}
-
-void tst_AtomicFile::theModeIsKept() {
-    for (const auto& [system, unnamed] : kSystems) {
-        put(at("picture"), kOld);
-        for (const mode_t mode : {0600u, 0664u, 0640u}) {
-            QCOMPARE(::chmod(QFile::encodeName(at("picture")).constData(), mode), 0);
-            QCOMPARE(errorOf(at("picture"), callsWith(unnamed)), 0);
-            QCOMPARE(modeOf(at("picture")), mode);
+    void theModeIsKept() {
+        for (const auto& [system, unnamed] : kSystems) {
+            put(at("picture"), kOld);
+            for (const mode_t mode : {0600u, 0664u, 0640u}) {
+                QCOMPARE(::chmod(QFile::encodeName(at("picture")).constData(), mode), 0);
+                QCOMPARE(errorOf(at("picture"), callsWith(unnamed)), 0);
+                QCOMPARE(modeOf(at("picture")), mode);
+            }
+            const mode_t before = ::umask(027);
+            QCOMPARE(errorOf(at(system), callsWith(unnamed)), 0);
+            ::umask(before);
+            QCOMPARE(modeOf(at(system)), mode_t{0640});
         }
-        const mode_t before = ::umask(027);
-        QCOMPARE(errorOf(at(system), callsWith(unnamed)), 0);
-        ::umask(before);
-        QCOMPARE(modeOf(at(system)), mode_t{0640});
     }
-}
 
-void tst_AtomicFile::aLinkStaysAndItsTargetIsReplaced() {
-    QVERIFY(QDir(folder_->path()).mkpath("deep/deeper"));
-    put(at("deep/deeper/picture"), kOld);
-    const auto link = [&](const char* target, const char* name) {
-        QCOMPARE(::symlink(target, QFile::encodeName(at(name)).constData()), 0);
-    };
-    link("deeper/picture", "deep/relative");
-    link("deep/relative", "link to a link");
-    link("deep/not yet", "dangling");
-    link("ring 2", "ring 1");
-    link("ring 1", "ring 2");
+    void aLinkStaysAndItsTargetIsReplaced() {
+        QVERIFY(QDir(folder_->path()).mkpath("deep/deeper"));
+        put(at("deep/deeper/picture"), kOld);
+        const auto link = [&](const char* target, const char* name) {
+            QCOMPARE(::symlink(target, QFile::encodeName(at(name)).constData()), 0);
+        };
+        link("deeper/picture", "deep/relative");
+        link("deep/relative", "link to a link");
+        link("deep/not yet", "dangling");
+        link("ring 2", "ring 1");
+        link("ring 1", "ring 2");
 
-    QCOMPARE(errorOf(at("link to a link")), 0);
-    QCOMPARE(contentOf(at("deep/deeper/picture")), kNew);
-    QVERIFY(QFileInfo(at("link to a link")).isSymLink() && QFileInfo(at("deep/relative")).isSymLink());
-    QCOMPARE(errorOf(at("dangling")), 0);
-    QCOMPARE(contentOf(at("deep/not yet")), kNew);
-    QCOMPARE(errorOf(at("ring 1")), ELOOP);
+        QCOMPARE(errorOf(at("link to a link")), 0);
+        QCOMPARE(contentOf(at("deep/deeper/picture")), kNew);
+        QVERIFY(QFileInfo(at("link to a link")).isSymLink() && QFileInfo(at("deep/relative")).isSymLink());
+        QCOMPARE(errorOf(at("dangling")), 0);
+        QCOMPARE(contentOf(at("deep/not yet")), kNew);
+        QCOMPARE(errorOf(at("ring 1")), ELOOP);
+    }
 
-    // The temporary file is made where the target is, since it may be on another disk.
-    FileCalls calls = FileCalls::ofSystem();
-    QByteArray temporary;
-    calls.rename = [&temporary](const char* from, const char* to) {
-        temporary = from;
-        return ::rename(from, to);
-    };
-    QCOMPARE(errorOf(at("link to a link"), calls), 0);
-    QVERIFY(temporary.contains("/deep/deeper/"));
-}
+    void onlyFilesThatFitIntoMemoryAreRead() {
+        QCOMPARE(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0600),
+                 0); // nobody will ever write to it
+        put(at("sparse"), {});
+        QVERIFY(QFile::resize(at("sparse"), 100'000'000'000));
+        put(at("file"), kNew);
+        const auto answer = [this](const char* name, int64_t most = kNew.size()) {
+            try {
+                return readFile(*name == '/' ? QString(name) : at(name), most) == kNew ? QString("read")
+                                                                                       : QString("other");
+            } catch (const ReadError& error) {
+                return QString::number(error.systemError()) + ' ' + error.description();
+            }
+        };
+        const QString tooLarge = "0 The file is too large for the memory that is free.";
+        QCOMPARE(answer("file"), QString("read"));
+        QCOMPARE(answer("file", kNew.size() - 1), tooLarge);
+        QCOMPARE(answer("sparse", std::numeric_limits<int64_t>::max()), tooLarge);
+        QCOMPARE(answer(""), QString("0 This is a folder."));
+        for (const char* name : {"pipe", "/dev/zero"})
+            QCOMPARE(answer(name), QString("0 This is a device or a pipe, not a file."));
+        QVERIFY(answer("none").startsWith(QString::number(ENOENT)));
+        QVERIFY(readFile("/proc/self/status").contains("VmPeak")); // it says that it is empty
+    }
 
-void tst_AtomicFile::oddTargetsAreRefused() {
-    QVERIFY(QDir(folder_->path()).mkpath("folder"));
-    QCOMPARE(errorOf(at("folder")), EISDIR);
-    QCOMPARE(errorOf(at("no/such/folder")), ENOENT);
-    put(at("file"), kOld);
-    QCOMPARE(errorOf(at("file/in a file")), ENOTDIR);
-    QCOMPARE(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0600), 0);
-    QCOMPARE(errorOf(at("pipe")), EINVAL);
-    QCOMPARE(errorOf(QString()), ENOENT);
-    QCOMPARE(errorOf(at(QByteArray(256, 'x').constData())), ENAMETOOLONG);
-}
+private:
+    QString at(const char* name) const { return folder_->filePath(QString::fromUtf8(name)); }
+    QStringList names() const {
+        return QDir(folder_->path())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
 
-void tst_AtomicFile::onlyFilesThatFitIntoMemoryAreRead() {
-    QCOMPARE(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0600), 0); // nobody will ever write to it
-    put(at("sparse"), {});
-    QVERIFY(QFile::resize(at("sparse"), 100'000'000'000));
-    put(at("file"), kNew);
-    const auto answer = [this](const char* name, int64_t most = kNew.size()) {
-        try {
-            return readFile(*name == '/' ? QString(name) : at(name), most) == kNew ? QString("read")
-                                                                                   : QString("other");
-        } catch (const ReadError& error) {
-            return QString::number(error.systemError()) + ' ' + error.description();
-        }
-    };
-    const QString tooLarge = "0 The file is too large for the memory that is free.";
-    QCOMPARE(answer("file"), QString("read"));
-    QCOMPARE(answer("file", kNew.size() - 1), tooLarge);
-    QCOMPARE(answer("sparse", std::numeric_limits<int64_t>::max()), tooLarge);
-    QCOMPARE(answer(""), QString("0 This is a folder."));
-    for (const char* name : {"pipe", "/dev/zero"})
-        QCOMPARE(answer(name), QString("0 This is a device or a pipe, not a file."));
-    QVERIFY(answer("none").startsWith(QString::number(ENOENT)));
-    QVERIFY(readFile("/proc/self/status").contains("VmPeak")); // it says that it is empty
-}
-
-void tst_AtomicFile::errorsAreInWords() {
-    QCOMPARE(FileError(ENOSPC).description(), QStringLiteral("There is not enough space on the disk."));
-    const QString other = FileError(EBADF).description();
-    QVERIFY2(other.startsWith("The file could not be written (") && other.endsWith(")."), qPrintable(other));
-    QCOMPARE(QString::fromUtf8(FileError(EBADF).what()), other);
-}
+    std::unique_ptr<QTemporaryDir> folder_;
+};
 
 QIRN_TEST(tst_AtomicFile)
 #include "tst_AtomicFile.moc"

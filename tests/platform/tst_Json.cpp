@@ -62,24 +62,14 @@ private Q_SLOTS:
         QCOMPARE(json->dump(), std::string(R"({"a":[4,{"y":5}],"b":[1,[2],3]})"));
     }
 
-    void wholeNumbersAreNeverRounded_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("value");
-        const QString refused = QStringLiteral("refused");
-        QTest::newRow("300") << QByteArray("300") << "300";
-        QTest::newRow("300.0") << QByteArray("300.0") << "300";
-        QTest::newRow("3e2") << QByteArray("3e2") << "300";
-        QTest::newRow("-0") << QByteArray("-0") << "0";
-        QTest::newRow("largest") << QByteArray("9223372036854775807") << "9223372036854775807";
-        QTest::newRow("smallest") << QByteArray("-9223372036854775808") << "-9223372036854775808";
-        for (const char* bad : {"300.5", "9223372036854775808", "1e19", "-1e19", "99999999999999999999",
-                                "1e300", "true", "null", "\"3\"", "[3]"}) {
-            QTest::newRow(bad) << QByteArray(bad) << refused;
-        }
-    }
     void wholeNumbersAreNeverRounded() {
-        QFETCH(QByteArray, text);
-        QTEST(outcome(text, jsonWhole), "value");
+        for (const char* text : {"300", "300.0", "3e2"})
+            QCOMPARE(outcome(text, jsonWhole), QStringLiteral("300"));
+        for (const char* text : {"9223372036854775807", "-9223372036854775808"})
+            QCOMPARE(outcome(text, jsonWhole), QString::fromLatin1(text));
+        for (const char* bad : {"300.5", "9223372036854775808", "1e19", "-1e19", "99999999999999999999",
+                                "1e300", "true", "null", "\"3\"", "[3]"})
+            QCOMPARE(outcome(bad, jsonWhole), QStringLiteral("refused"));
     }
 
     void kindsAreNeverConverted() {
