@@ -1,6 +1,5 @@
 #include "core/SeededRandom.h"
 #include "formats/pictures/ColorProfile.h"
-#include "formats/pictures/WideColorTables.h"
 #include "platform/Bytes.h"
 #include "support/Profiles.h"
 #include "support/TestMain.h"
@@ -35,210 +34,161 @@ double encodedSrgb(double light) {
 class tst_ColorProfile : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void withoutAProfileColorsAreThoseOfTheScreen();
-    void linearLightIsEncodedToTheNearestStep();
-    void sixteenBitsAreRounded();
-    void tablesGiveWhatTheLibraryComputes_data();
-    void tablesGiveWhatTheLibraryComputes();
-    void tablesAreOnlyForCurvesAndAMatrix();
-    void aProfileThatIsSrgbChangesNothing();
-    void wideColorsComeOutAsTheFormulaSays();
-    void aTableOfInksIsFollowed();
-    void brokenProfilesAreNone();
-};
-
-void tst_ColorProfile::withoutAProfileColorsAreThoseOfTheScreen() {
-    const auto plain = [](ColorModel model, bool hasAlpha, bool isInverted,
-                          const std::vector<uint8_t>& pixel) {
-        return converted(ColorProfile::standard({model, SampleType::u8, hasAlpha, isInverted}), pixel);
-    };
-    QCOMPARE(plain(ColorModel::rgb, true, false, {1, 2, 3, 4}), (Rgba{1, 2, 3, 4}));
-    QCOMPARE(plain(ColorModel::rgb, false, false, {1, 2, 3}), (Rgba{1, 2, 3, 255}));
-    QCOMPARE(plain(ColorModel::gray, true, false, {9, 70}), (Rgba{9, 9, 9, 70}));
-    QCOMPARE(plain(ColorModel::cmyk, false, false, {255, 0, 0, 0}), (Rgba{0, 255, 255, 255}));
-    QCOMPARE(plain(ColorModel::cmyk, false, true, {255, 0, 255, 128}), (Rgba{128, 0, 128, 255}));
-    QCOMPARE(told(plain(ColorModel::lab, false, false, {255, 128, 128})), told({255, 255, 255, 255}));
-    QCOMPARE(told(plain(ColorModel::lab, true, false, {0, 128, 128, 5})), told({0, 0, 0, 5}));
-    // L 53.4, a 80, b 67: the red of sRGB, near enough.
-    const Rgba red = plain(ColorModel::lab, false, false, {138, 209, 198});
-    QVERIFY(red[0] >= 252 && red[1] <= 20 && red[2] <= 20);
-}
-
-void tst_ColorProfile::linearLightIsEncodedToTheNearestStep() {
-    const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::f32});
-    for (int i = -10; i <= 1010; ++i) {
-        const float light = static_cast<float>(i) / 1000;
-        const double exact = encodedSrgb(std::clamp<double>(light, 0, 1));
-        QVERIFY(std::abs(converted(gray, std::vector{light})[0] - exact) <= 0.5 + 1e-3);
-    }
-    for (int i = 0; i < 255; ++i) { // on either side of each border between two bytes
-        const double v = (i + 0.5) / 255;
-        const auto border = static_cast<float>(v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4));
-        QCOMPARE(converted(gray, std::vector{std::nextafter(border, 0.0f)})[0], i);
-        QCOMPARE(converted(gray, std::vector{std::nextafter(border, 1.0f)})[0], i + 1);
-    }
-    QCOMPARE(converted(gray, std::vector{std::nanf("")}), (Rgba{0, 0, 0, 255}));
-}
-
-void tst_ColorProfile::sixteenBitsAreRounded() {
-    const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::u16, true});
-    for (int v = 0; v < 65536; v += 7) {
-        const auto byte = static_cast<uint8_t>(std::lround(v / 257.0));
-        QCOMPARE(converted(gray, std::vector<uint16_t>{static_cast<uint16_t>(v), static_cast<uint16_t>(v)}),
-                 (Rgba{byte, byte, byte, byte}));
-    }
-}
-
-void tst_ColorProfile::tablesGiveWhatTheLibraryComputes_data() {
-    QTest::addColumn<QByteArray>("icc");
-    QTest::addColumn<int>("channels");
-    QTest::newRow("Display P3") << displayP3Profile() << 3;
-    QTest::newRow("Adobe RGB") << adobeRgbProfile() << 3;
-    QTest::newRow("grey 1.8") << grayProfile(1.8) << 1;
-}
-
-void tst_ColorProfile::tablesGiveWhatTheLibraryComputes() {
-    QFETCH(QByteArray, icc);
-    QFETCH(int, channels);
-    const ColorModel model = channels == 1 ? ColorModel::gray : ColorModel::rgb;
-    std::vector<uint16_t> samples;
-    SeededRandom random(16);
-    for (int v = 0; v < 65536; ++v)
-        samples.insert(samples.end(), static_cast<std::size_t>(channels), static_cast<uint16_t>(v));
-    for (int i = 0; i < 300'000; ++i)
-        samples.push_back(static_cast<uint16_t>((random.next() & 0xFFFF) >> random.next() % 7));
-    const std::vector<uint8_t> expected = convertedByTheLibrary(icc, samples, channels);
-    std::vector<uint8_t> given(expected.size());
-    const auto profile = ColorProfile::embedded(bytesOf(icc), {model, SampleType::u16});
-    profile->convert(samples.data(), given.data(), std::ssize(given) / 4);
-    int different = 0;
-    for (std::size_t i = 0; i < given.size(); ++i) {
-        QVERIFY2(std::abs(given[i] - expected[i]) <= 1, qPrintable(QString::number(i)));
-        different += given[i] != expected[i];
-    }
-    // Of the bytes whose exact value is half way between two, some go the other way.
-    QVERIFY2(different <= (channels == 1 ? 0 : std::ssize(given) / 5000),
-             qPrintable(QString::number(different)));
-
-    // Alpha lies beside the colour and leaves it alone.
-    const auto withAlpha = ColorProfile::embedded(bytesOf(icc), {model, SampleType::u16, true});
-    for (std::size_t i = 0; i < 50; ++i) {
-        const auto* const pixel = samples.data() + 1301 * i * static_cast<std::size_t>(channels);
-        std::vector<uint16_t> with(pixel, pixel + channels);
-        with.push_back(static_cast<uint16_t>(i * 1285));
-        Rgba wanted{};
-        std::memcpy(wanted.data(), &given[1301 * i * 4], 3);
-        wanted[3] = static_cast<uint8_t>(i * 5);
-        QCOMPARE(told(converted(*withAlpha, with)), told(wanted));
-    }
-}
-
-void tst_ColorProfile::tablesAreOnlyForCurvesAndAMatrix() {
-    // Red, green and blue of another order and strength, with a curve; `mixed` is what no matrix does.
-    const auto tablesFor = [](double mixed) {
-        const auto lightOf = [mixed](double r, double g, double b) {
-            return std::array<double, 3>{0.9 * g * g, 0.1 * r + 0.8 * b * b * b, r + mixed * r * g};
+    void withoutAProfileColorsAreThoseOfTheScreen() {
+        const auto plain = [](ColorModel model, bool hasAlpha, bool isInverted,
+                              const std::vector<uint8_t>& pixel) {
+            return converted(ColorProfile::standard({model, SampleType::u8, hasAlpha, isInverted}), pixel);
         };
-        return WideColorTables::ofRgb(
-            [&](const void* from, void* to, int64_t count) {
-                const auto* in = static_cast<const uint16_t*>(from);
-                auto* out = static_cast<uint8_t*>(to);
-                for (int64_t i = 0; i < count; ++i, in += 3, out += 4) {
-                    const auto light = lightOf(in[0] / 65535.0, in[1] / 65535.0, in[2] / 65535.0);
-                    for (std::size_t c = 0; c < 3; ++c)
-                        out[c] =
-                            static_cast<uint8_t>(std::lround(encodedSrgb(std::clamp(light[c], 0.0, 1.0))));
-                }
-            },
-            [&](const void* from, void* to, int64_t count) {
-                const auto* in = static_cast<const float*>(from);
-                auto* out = static_cast<float*>(to);
-                for (int64_t i = 0; i < count; ++i, in += 3) {
-                    for (const double light : lightOf(in[0], in[1], in[2]))
-                        *out++ = static_cast<float>(light);
-                }
-            });
-    };
-    QVERIFY(tablesFor(0));
-    QVERIFY(!tablesFor(0.1));
-    QVERIFY(!WideColorTables::ofRgb([](auto...) {}, [](auto...) {})); // all black: no matrix
-}
-
-void tst_ColorProfile::aProfileThatIsSrgbChangesNothing() {
-    const auto profile =
-        ColorProfile::embedded(bytesOf(srgbProfile()), {ColorModel::rgb, SampleType::u8, true});
-    QVERIFY(profile);
-    for (int i = 0; i < 256; ++i) {
-        const auto v = static_cast<uint8_t>(i);
-        const Rgba color{v, static_cast<uint8_t>(255 - v), static_cast<uint8_t>(v * 7), v};
-        QCOMPARE(converted(*profile, std::vector<uint8_t>(color.begin(), color.end())), color);
+        QCOMPARE(plain(ColorModel::rgb, true, false, {1, 2, 3, 4}), (Rgba{1, 2, 3, 4}));
+        QCOMPARE(plain(ColorModel::rgb, false, false, {1, 2, 3}), (Rgba{1, 2, 3, 255}));
+        QCOMPARE(plain(ColorModel::gray, true, false, {9, 70}), (Rgba{9, 9, 9, 70}));
+        QCOMPARE(plain(ColorModel::cmyk, false, false, {255, 0, 0, 0}), (Rgba{0, 255, 255, 255}));
+        QCOMPARE(plain(ColorModel::cmyk, false, true, {255, 0, 255, 128}), (Rgba{128, 0, 128, 255}));
+        QCOMPARE(told(plain(ColorModel::lab, false, false, {255, 128, 128})), told({255, 255, 255, 255}));
+        QCOMPARE(told(plain(ColorModel::lab, true, false, {0, 128, 128, 5})), told({0, 0, 0, 5}));
+        // L 53.4, a 80, b 67: the red of sRGB, near enough.
+        const Rgba red = plain(ColorModel::lab, false, false, {138, 209, 198});
+        QVERIFY(red[0] >= 252 && red[1] <= 20 && red[2] <= 20);
     }
-}
 
-void tst_ColorProfile::wideColorsComeOutAsTheFormulaSays() {
-    // Display P3 to linear sRGB, as published with the colour space.
-    const double matrix[3][3] = {{1.2249, -0.2247, 0}, {-0.0420, 1.0419, 0}, {-0.0197, -0.0786, 1.0979}};
-    const auto decoded = [](double v) {
-        return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
-    };
-    for (const SampleType sample : {SampleType::u8, SampleType::u16}) {
-        const auto profile = ColorProfile::embedded(bytesOf(displayP3Profile()), {ColorModel::rgb, sample});
-        QVERIFY(profile);
-        for (int i = 0; i < 6 * 6 * 6; ++i) {
-            const std::vector<uint8_t> in{static_cast<uint8_t>(i % 6 * 51),
-                                          static_cast<uint8_t>(i / 6 % 6 * 51),
-                                          static_cast<uint8_t>(i / 36 * 51)};
-            std::vector<uint16_t> wide;
-            for (const uint8_t v : in) wide.push_back(static_cast<uint16_t>(v * 257));
-            const Rgba out = sample == SampleType::u8 ? converted(*profile, in) : converted(*profile, wide);
-            for (std::size_t c = 0; c < 3; ++c) {
-                double light = 0;
-                for (std::size_t k = 0; k < 3; ++k) light += matrix[c][k] * decoded(in[k] / 255.0);
-                const double exact = encodedSrgb(std::clamp(light, 0.0, 1.0));
-                QVERIFY2(std::abs(out[c] - exact) <= 1.5,
-                         qPrintable(QStringLiteral("%1: %2 for %3").arg(i).arg(out[c]).arg(exact)));
+    void linearLightIsEncodedToTheNearestStep() {
+        const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::f32});
+        for (int i = -10; i <= 1010; ++i) {
+            const float light = static_cast<float>(i) / 1000;
+            const double exact = encodedSrgb(std::clamp<double>(light, 0, 1));
+            QVERIFY(std::abs(converted(gray, std::vector{light})[0] - exact) <= 0.5 + 1e-3);
+        }
+        for (int i = 0; i < 255; ++i) { // on either side of each border between two bytes
+            const double v = (i + 0.5) / 255;
+            const auto border =
+                static_cast<float>(v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4));
+            QCOMPARE(converted(gray, std::vector{std::nextafter(border, 0.0f)})[0], i);
+            QCOMPARE(converted(gray, std::vector{std::nextafter(border, 1.0f)})[0], i + 1);
+        }
+        QCOMPARE(converted(gray, std::vector{std::nanf("")}), (Rgba{0, 0, 0, 255}));
+    }
+
+    void sixteenBitsAreRounded() {
+        const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::u16, true});
+        for (int v = 0; v < 65536; v += 7) {
+            const auto byte = static_cast<uint8_t>(std::lround(v / 257.0));
+            QCOMPARE(
+                converted(gray, std::vector<uint16_t>{static_cast<uint16_t>(v), static_cast<uint16_t>(v)}),
+                (Rgba{byte, byte, byte, byte}));
+        }
+    }
+
+    void tablesGiveWhatTheLibraryComputes_data() {
+        QTest::addColumn<QByteArray>("icc");
+        QTest::addColumn<int>("channels");
+        QTest::newRow("Display P3") << displayP3Profile() << 3;
+        QTest::newRow("Adobe RGB") << adobeRgbProfile() << 3;
+        QTest::newRow("grey 1.8") << grayProfile(1.8) << 1;
+    }
+    void tablesGiveWhatTheLibraryComputes() {
+        QFETCH(QByteArray, icc);
+        QFETCH(int, channels);
+        const ColorModel model = channels == 1 ? ColorModel::gray : ColorModel::rgb;
+        std::vector<uint16_t> samples;
+        SeededRandom random(16);
+        for (int v = 0; v < 65536; ++v)
+            samples.insert(samples.end(), static_cast<std::size_t>(channels), static_cast<uint16_t>(v));
+        for (int i = 0; i < 300'000; ++i)
+            samples.push_back(static_cast<uint16_t>((random.next() & 0xFFFF) >> random.next() % 7));
+        const std::vector<uint8_t> expected = convertedByTheLibrary(icc, samples, channels);
+        std::vector<uint8_t> given(expected.size());
+        const auto profile = ColorProfile::embedded(bytesOf(icc), {model, SampleType::u16});
+        profile->convert(samples.data(), given.data(), std::ssize(given) / 4);
+        int different = 0;
+        for (std::size_t i = 0; i < given.size(); ++i) {
+            QVERIFY2(std::abs(given[i] - expected[i]) <= 1, qPrintable(QString::number(i)));
+            different += given[i] != expected[i];
+        }
+        // Of the bytes whose exact value is half way between two, some go the other way.
+        QVERIFY2(different <= (channels == 1 ? 0 : std::ssize(given) / 5000),
+                 qPrintable(QString::number(different)));
+
+        // Alpha lies beside the colour and leaves it alone.
+        const auto withAlpha = ColorProfile::embedded(bytesOf(icc), {model, SampleType::u16, true});
+        for (std::size_t i = 0; i < 50; ++i) {
+            const auto* const pixel = samples.data() + 1301 * i * static_cast<std::size_t>(channels);
+            std::vector<uint16_t> with(pixel, pixel + channels);
+            with.push_back(static_cast<uint16_t>(i * 1285));
+            Rgba wanted{};
+            std::memcpy(wanted.data(), &given[1301 * i * 4], 3);
+            wanted[3] = static_cast<uint8_t>(i * 5);
+            QCOMPARE(told(converted(*withAlpha, with)), told(wanted));
+        }
+    }
+
+    void wideColorsComeOutAsTheFormulaSays() {
+        // Display P3 to linear sRGB, as published with the colour space.
+        const double matrix[3][3] = {{1.2249, -0.2247, 0}, {-0.0420, 1.0419, 0}, {-0.0197, -0.0786, 1.0979}};
+        const auto decoded = [](double v) {
+            return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+        };
+        for (const SampleType sample : {SampleType::u8, SampleType::u16}) {
+            const auto profile =
+                ColorProfile::embedded(bytesOf(displayP3Profile()), {ColorModel::rgb, sample});
+            QVERIFY(profile);
+            for (int i = 0; i < 6 * 6 * 6; ++i) {
+                const std::vector<uint8_t> in{static_cast<uint8_t>(i % 6 * 51),
+                                              static_cast<uint8_t>(i / 6 % 6 * 51),
+                                              static_cast<uint8_t>(i / 36 * 51)};
+                std::vector<uint16_t> wide;
+                for (const uint8_t v : in) wide.push_back(static_cast<uint16_t>(v * 257));
+                const Rgba out =
+                    sample == SampleType::u8 ? converted(*profile, in) : converted(*profile, wide);
+                for (std::size_t c = 0; c < 3; ++c) {
+                    double light = 0;
+                    for (std::size_t k = 0; k < 3; ++k) light += matrix[c][k] * decoded(in[k] / 255.0);
+                    const double exact = encodedSrgb(std::clamp(light, 0.0, 1.0));
+                    QVERIFY2(std::abs(out[c] - exact) <= 1.5,
+                             qPrintable(QStringLiteral("%1: %2 for %3").arg(i).arg(out[c]).arg(exact)));
+                }
             }
         }
     }
-}
 
-void tst_ColorProfile::aTableOfInksIsFollowed() {
-    // The test's press: no ink is white, cyan alone is a colour that no plain formula gives.
-    const auto profile = ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk});
-    const auto inverted =
-        ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk, SampleType::u8, false, true});
-    const auto wide = ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk, SampleType::u16});
-    QVERIFY(profile && inverted && wide);
-    const Rgba white = converted(*profile, std::vector<uint8_t>{0, 0, 0, 0});
-    QVERIFY(white[0] >= 254 && white[1] >= 254 && white[2] >= 254);
-    const Rgba cyan = converted(*profile, std::vector<uint8_t>{255, 0, 0, 0});
-    QVERIFY2(std::abs(cyan[0] - kPressCyan[0]) <= 2 && std::abs(cyan[1] - kPressCyan[1]) <= 2 &&
-                 std::abs(cyan[2] - kPressCyan[2]) <= 2,
-             qPrintable(QStringLiteral("%1 %2 %3").arg(cyan[0]).arg(cyan[1]).arg(cyan[2])));
-    QCOMPARE(converted(*inverted, std::vector<uint8_t>{0, 255, 255, 255}), cyan);
-    const Rgba wideCyan = converted(*wide, std::vector<uint16_t>{65535, 0, 0, 0});
-    for (std::size_t c = 0; c < 3; ++c) QVERIFY(std::abs(wideCyan[c] - cyan[c]) <= 1);
-}
-
-void tst_ColorProfile::brokenProfilesAreNone() {
-    const QByteArray good = displayP3Profile();
-    const auto accepted = [](const QByteArray& icc, ColorModel model = ColorModel::rgb) {
-        return ColorProfile::embedded(bytesOf(icc), {model}).has_value();
-    };
-    QVERIFY(accepted(good));
-    QVERIFY(!accepted({}));
-    QVERIFY(!accepted(QByteArray(5000, 'x')));
-    QVERIFY(!accepted(good, ColorModel::gray));
-    QVERIFY(!accepted(pressProfile()));
-    for (qsizetype cut = 1; cut < good.size(); cut += 37)
-        accepted(good.left(cut)); // no crash, whatever it says
-    for (qsizetype at = 0; at < good.size(); at += 17) {
-        QByteArray damaged = good;
-        damaged[at] = static_cast<char>(damaged[at] ^ 0xFF);
-        if (const auto profile = ColorProfile::embedded(bytesOf(damaged), {}))
-            converted(*profile, std::vector<uint8_t>{1, 2, 3});
+    void aTableOfInksIsFollowed() {
+        // The test's press: no ink is white, cyan alone is a colour that no plain formula gives.
+        const auto profile = ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk});
+        const auto inverted =
+            ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk, SampleType::u8, false, true});
+        const auto wide =
+            ColorProfile::embedded(bytesOf(pressProfile()), {ColorModel::cmyk, SampleType::u16});
+        QVERIFY(profile && inverted && wide);
+        const Rgba white = converted(*profile, std::vector<uint8_t>{0, 0, 0, 0});
+        QVERIFY(white[0] >= 254 && white[1] >= 254 && white[2] >= 254);
+        const Rgba cyan = converted(*profile, std::vector<uint8_t>{255, 0, 0, 0});
+        QVERIFY2(std::abs(cyan[0] - kPressCyan[0]) <= 2 && std::abs(cyan[1] - kPressCyan[1]) <= 2 &&
+                     std::abs(cyan[2] - kPressCyan[2]) <= 2,
+                 qPrintable(QStringLiteral("%1 %2 %3").arg(cyan[0]).arg(cyan[1]).arg(cyan[2])));
+        QCOMPARE(converted(*inverted, std::vector<uint8_t>{0, 255, 255, 255}), cyan);
+        const Rgba wideCyan = converted(*wide, std::vector<uint16_t>{65535, 0, 0, 0});
+        for (std::size_t c = 0; c < 3; ++c) QVERIFY(std::abs(wideCyan[c] - cyan[c]) <= 1);
     }
-}
+
+    void brokenProfilesAreNone() {
+        const QByteArray good = displayP3Profile();
+        const auto accepted = [](const QByteArray& icc, ColorModel model = ColorModel::rgb) {
+            return ColorProfile::embedded(bytesOf(icc), {model}).has_value();
+        };
+        QVERIFY(accepted(good));
+        QVERIFY(!accepted({}));
+        QVERIFY(!accepted(QByteArray(5000, 'x')));
+        QVERIFY(!accepted(good, ColorModel::gray));
+        QVERIFY(!accepted(pressProfile()));
+        for (qsizetype cut = 1; cut < good.size(); cut += 37)
+            accepted(good.left(cut)); // no crash, whatever it says
+        for (qsizetype at = 0; at < good.size(); at += 17) {
+            QByteArray damaged = good;
+            damaged[at] = static_cast<char>(damaged[at] ^ 0xFF);
+            if (const auto profile = ColorProfile::embedded(bytesOf(damaged), {}))
+                converted(*profile, std::vector<uint8_t>{1, 2, 3});
+        }
+    }
+};
 
 QIRN_TEST(tst_ColorProfile)
 #include "tst_ColorProfile.moc"

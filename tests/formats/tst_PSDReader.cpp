@@ -1,6 +1,5 @@
 #include "compositing/CompositeInputs.h"
 #include "core/PaintDocument.h"
-#include "core/SeededRandom.h"
 #include "formats/ByteReader.h"
 #include "formats/native/PaintFile.h"
 #include "formats/psd/PSDFile.h"
@@ -90,451 +89,288 @@ class tst_PSDReader : public QObject {
 private Q_SLOTS:
     void cleanup() { setConcurrency(0); }
 
-    void ourFilesComeBackTheSame();
-    void everyPremultipliedPixelComesBack();
-    void refusalsAreInTheseWords_data();
-    void refusalsAreInTheseWords();
-    void layersLieWhereTheirRectanglesSay_data();
-    void layersLieWhereTheirRectanglesSay();
-    void rowsAreMendedOrRefused_data();
-    void rowsAreMendedOrRefused();
-    void aShortRowKeepsNothingOfTheOneAbove();
-    void settingsAreTaken();
-    void namesAreMended_data();
-    void namesAreMended();
-    void groupsLeaveTheirLayersBehind();
-    void resourcesAreSearchedForTheResolution_data();
-    void resourcesAreSearchedForTheResolution();
-    void flatFilesOpenAsOneLayer_data();
-    void flatFilesOpenAsOneLayer();
-    void sizesThatTheFileDoesNotBackTakeNoMemory();
-    void theLargestNumberOfLayersOpens();
-    void rowsNamedAgainAndAgainAreRefused();
-    void aCutAnywhereIsRefusedOrLosesThePictureOnly();
-    void flippedBitsNeverCrash();
-};
-
-void tst_PSDReader::ourFilesComeBackTheSame() {
-    for (uint64_t seed : {1u, 2u, 3u}) {
-        const auto doc = randomDocument(270 + static_cast<int64_t>(seed), 300, 6, seed);
-        doc->dpi = 300;
-        for (const LayerRef& layer : doc->layers()) {
-            layer->opacity = std::round(layer->opacity * 255) / 255;
-            layer->isLocked = false; // is not kept
-        }
-        doc->layer(2).name = QString::fromUtf8("Ébauche ✏️ 🦊") + QString(300, 'x');
-        doc->layer(3).removeAllTiles();
-        const QByteArray file = PSDFile::write(*doc, Layered::yes);
-        for (const int threads : {1, 8}) {
-            setConcurrency(threads);
-            const auto again = opened(file);
-            QCOMPARE(again->fingerprint(), doc->fingerprint());
-            QCOMPARE(again->dpi, 300.0);
-            QCOMPARE(again->activeIndex(), 5);
-            QCOMPARE(again->history().size(), std::size_t{1});
-            QCOMPARE(again->changeCount(), 0);
-            for (int64_t i = 0; i < 6; ++i) QCOMPARE(again->layer(i).opacity, doc->layer(i).opacity);
-        }
-        const auto flat = opened(PSDFile::write(*doc, Layered::no));
-        QCOMPARE(flat->layerCount(), 1);
-        QCOMPARE(flat->layer(0).name, QStringLiteral("Background"));
-        QCOMPARE(firstDifference(*flattened(*flat), *flattened(*doc)), QString());
-    }
-}
-
-void tst_PSDReader::everyPremultipliedPixelComesBack() {
-    RGBABuffer buffer(256, 256);
-    for (int a = 0; a < 256; ++a) {
-        for (int c = 0; c <= a; ++c) {
-            const PixelBytes pixel{static_cast<uint8_t>(c), static_cast<uint8_t>(a - c),
-                                   static_cast<uint8_t>(c / 2), static_cast<uint8_t>(a)};
-            std::copy(pixel.begin(), pixel.end(), buffer.row(a) + 4 * c);
+    void ourFilesComeBackTheSame() {
+        for (uint64_t seed : {1u, 2u, 3u}) {
+            const auto doc = randomDocument(270 + static_cast<int64_t>(seed), 300, 6, seed);
+            doc->dpi = 300;
+            for (const LayerRef& layer : doc->layers()) {
+                layer->opacity = std::round(layer->opacity * 255) / 255;
+                layer->isLocked = false; // is not kept
+            }
+            doc->layer(2).name = QString::fromUtf8("Ébauche ✏️ 🦊") + QString(300, 'x');
+            doc->layer(3).removeAllTiles();
+            const QByteArray file = PSDFile::write(*doc, Layered::yes);
+            for (const int threads : {1, 8}) {
+                setConcurrency(threads);
+                const auto again = opened(file);
+                QCOMPARE(again->fingerprint(), doc->fingerprint());
+                QCOMPARE(again->dpi, 300.0);
+                QCOMPARE(again->activeIndex(), 5);
+                QCOMPARE(again->history().size(), std::size_t{1});
+                QCOMPARE(again->changeCount(), 0);
+                for (int64_t i = 0; i < 6; ++i) QCOMPARE(again->layer(i).opacity, doc->layer(i).opacity);
+            }
+            const auto flat = opened(PSDFile::write(*doc, Layered::no));
+            QCOMPARE(flat->layerCount(), 1);
+            QCOMPARE(flat->layer(0).name, QStringLiteral("Background"));
+            QCOMPARE(firstDifference(*flattened(*flat), *flattened(*doc)), QString());
         }
     }
-    PaintDocument doc(256, 256, 72, std::nullopt);
-    doc.activeLayer().load(buffer);
-    const auto again = opened(PSDFile::write(doc, Layered::yes));
-    QCOMPARE(firstDifference(*again->layer(0).toBuffer(), buffer), QString());
-}
 
-void tst_PSDReader::refusalsAreInTheseWords_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("words");
-    const auto row = [](const char* name, const PSDParts& parts, const QString& words) {
-        QTest::newRow(name) << parts.joined() << words;
-    };
-    const auto layered = [&](const char* name, const PSDRecord& record, const QString& words) {
-        row(name, {.records = {record}}, words);
-    };
-    const QString notOurs = PaintFileError::notPaintFile().description();
-    const QString tooLarge = PaintFileError::tooLarge().description();
-    const QByteArray flat = rawChannel(4, 9, 1);
+    void refusalsAreInTheseWords_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("words");
+        const auto row = [](const char* name, const PSDParts& parts, const QString& words) {
+            QTest::newRow(name) << parts.joined() << words;
+        };
+        const auto layered = [&](const char* name, const PSDRecord& record, const QString& words) {
+            row(name, {.records = {record}}, words);
+        };
+        const QString notOurs = PaintFileError::notPaintFile().description();
+        const QString tooLarge = PaintFileError::tooLarge().description();
+        const QByteArray flat = rawChannel(4, 9, 1);
 
-    QTest::newRow("no bytes") << QByteArray() << notOurs;
-    QTest::newRow("another file") << QByteArray("\x89PNG\r\n\x1A\n") << notOurs;
-    row("large document", {.version = 2}, notOurs);
-    row("16 bits", {.depth = 16, .mode = 4}, unsupported("16-bit color"));
-    row("CMYK", {.mode = 4}, unsupported("color mode 4; only RGB"));
-    row("no width", {.width = 0, .picture = flat}, tooLarge);
-    row("no height", {.height = 0, .picture = flat}, tooLarge);
-    row("30,001", {.height = 30001, .picture = flat}, tooLarge);
-    row("30,000", {.height = 30000, .picture = flat}, "short");
-    row("the largest number", {.width = 0xFFFFFFFF, .picture = flat}, tooLarge);
-    row("two channels", {.channels = 2, .picture = flat}, damaged("channels"));
-    row("ZIP picture", {.picture = big16(2)}, unsupported("ZIP-compressed picture"));
-    row("raw picture, a byte missing", {.picture = rawChannel(1, 35, 1)}, "short");
-    row("a fourth channel that is missing", {.channels = 4, .picture = flat}, "short");
-    row("a fifth channel that is missing", {.channels = 5, .picture = rawChannel(4, 12, 1)}, "short");
+        QTest::newRow("no bytes") << QByteArray() << notOurs;
+        row("large document", {.version = 2}, notOurs);
+        row("16 bits", {.depth = 16, .mode = 4}, unsupported("16-bit color"));
+        row("CMYK", {.mode = 4}, unsupported("color mode 4; only RGB"));
+        row("no width", {.width = 0, .picture = flat}, tooLarge);
+        row("30,001", {.height = 30001, .picture = flat}, tooLarge);
+        row("30,000", {.height = 30000, .picture = flat}, "short");
+        row("two channels", {.channels = 2, .picture = flat}, damaged("channels"));
+        row("ZIP picture", {.picture = big16(2)}, unsupported("ZIP-compressed picture"));
+        row("a fourth channel that is missing", {.channels = 4, .picture = flat}, "short");
 
-    PSDRecord record = flatRecord(0, 0, 2, 2, {9, 9, 9, 255});
-    layered("as it should be", record, {});
-    record.signature = "8B64";
-    layered("another signature", record, damaged("layer record"));
-    record = flatRecord(0, 0, 2, 2, {9, 9, 9, 255});
-    record.channels[2].data = big16(3) + "abcd";
-    layered("ZIP layer", record, unsupported("ZIP-compressed layers"));
-    record.blocks = section("lsct");
-    layered("ZIP group", record, unsupported("ZIP-compressed layers"));
-    record.channels[2].identifier = -2;
-    record.blocks.clear();
-    layered("ZIP mask", record, {});
-    record.bottom = 0;
-    record.channels[2].identifier = 1;
-    layered("ZIP in nothing", record, {});
+        PSDRecord record = flatRecord(0, 0, 2, 2, {9, 9, 9, 255});
+        layered("as it should be", record, {});
+        record.signature = "8B64";
+        layered("another signature", record, damaged("layer record"));
+        record = flatRecord(0, 0, 2, 2, {9, 9, 9, 255});
+        record.channels[2].data = big16(3) + "abcd";
+        layered("ZIP layer", record, unsupported("ZIP-compressed layers"));
+        record.blocks = section("lsct");
+        layered("ZIP group", record, unsupported("ZIP-compressed layers"));
+        record.channels[2].identifier = -2;
+        record.blocks.clear();
+        layered("ZIP mask", record, {});
+        record.bottom = 0;
+        record.channels[2].identifier = 1;
+        layered("ZIP in nothing", record, {});
 
-    for (const auto& [w, h] : {std::pair{kMost, kMost}, {1 << 30, 1}, {1, 1 << 30}}) {
-        for (const int code : {0, 1}) {
-            PSDRecord huge{.bottom = h, .right = w};
-            for (const int16_t identifier : {0, 1, 2})
-                huge.channels.push_back(
-                    {identifier, big16(static_cast<uint32_t>(code)) + QByteArray(200, '\0')});
-            huge.top = -h;
-            layered(qPrintable(QStringLiteral("%1 x %2, code %3").arg(w).arg(h).arg(code)), huge,
-                    h == 1 && code == 1 ? QString() : "short");
+        for (const auto& [w, h] : {std::pair{kMost, kMost}, {1 << 30, 1}, {1, 1 << 30}}) {
+            for (const int code : {0, 1}) {
+                PSDRecord huge{.bottom = h, .right = w};
+                for (const int16_t identifier : {0, 1, 2})
+                    huge.channels.push_back(
+                        {identifier, big16(static_cast<uint32_t>(code)) + QByteArray(200, '\0')});
+                huge.top = -h;
+                layered(qPrintable(QStringLiteral("%1 x %2, code %3").arg(w).arg(h).arg(code)), huge,
+                        h == 1 && code == 1 ? QString() : "short");
+            }
         }
+        record = flatRecord(0, 0, 2, 2, {9, 9, 9, 255});
+        record.channels[0].statedLength = 0xFFFFFFFF;
+        layered("a channel beyond the file", record, "short");
     }
-    record = flatRecord(0, 0, 2, 2, {9, 9, 9, 255});
-    record.channels[0].statedLength = 0xFFFFFFFF;
-    layered("a channel beyond the file", record, "short");
-    row("more layers than there are", {.records = {flatRecord(0, 0, 1, 1, {})}, .count = 2000}, "short");
-    row("a resource section beyond the file", {.resources = {}, .picture = {}}, "short");
-}
-
-void tst_PSDReader::refusalsAreInTheseWords() {
-    QFETCH(QByteArray, file);
-    QFETCH(QString, words);
-    QCOMPARE(refusalOf(file), words);
-}
-
-void tst_PSDReader::layersLieWhereTheirRectanglesSay_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("pixels");
-    const auto row = [](const char* name, PSDRecord record, const char* pixels) {
-        QTest::newRow(name) << PSDParts{.records = {std::move(record)}}.joined() << QString(pixels);
-    };
-    const PixelBytes seven{7, 0, 0, 255};
-    row("inside", flatRecord(1, 1, 2, 3, seven), ".... .77. ....");
-    row("over two edges", flatRecord(-5, -2, 2, 1, seven), "7... 7... ....");
-    row("over the other two", flatRecord(2, 3, 9, 300, seven), ".... .... ...7");
-    row("over all", flatRecord(-300, -300, 300, 300, seven), "7777 7777 7777");
-    row("left of it", flatRecord(0, -4, 3, 0, seven), ".... .... ....");
-    row("below it", flatRecord(3, 0, 6, 4, seven), ".... .... ....");
-    row("far away", flatRecord(kMost - 2, kLeast, kMost, kLeast + 2, seven), ".... .... ....");
-    row("turned over", {.top = 2, .left = 3, .channels = {{0, big16(0)}}}, ".... .... ....");
-    PSDRecord record = flatRecord(0, 0, 2, 2, {200, 0, 0, 128});
-    row("premultiplied", record, "100100.. 100100.. ...."); // (128 * 200 + 127) / 255
-    record.channels[0].identifier = 3;
-    row("without alpha", record, "200200.. 200200.. ....");
-    record.channels[0].identifier = -1;
-    record.channels[3].identifier = -2;
-    row("without blue", record, ".... .... ....");
-    record = flatRecord(0, 0, 1, 2, seven);
-    record.channels[1].statedLength = 1;
-    record.channels[1].data.truncate(1);
-    row("red of one byte", record, ".... .... ....");
-    record = flatRecord(0, 0, 1, 2, seven);
-    record.channels.push_back({0, rawChannel(2, 1, 8)});
-    row("red twice", record, "88.. .... ....");
-    record = flatRecord(0, 0, 1, 2, seven);
-    record.channels[3].statedLength = 2; // the last one, whose rows run on
-    row("a length that is too small", record, "77.. .... ....");
-}
-
-void tst_PSDReader::layersLieWhereTheirRectanglesSay() {
-    QFETCH(QByteArray, file);
-    QFETCH(QString, pixels);
-    QCOMPARE(reds(file), pixels);
-    QCOMPARE(opened(file)->layerCount(), 1);
-}
-
-void tst_PSDReader::rowsAreMendedOrRefused_data() {
-    QTest::addColumn<QByteArray>("row");
-    QTest::addColumn<QString>("pixels"); // of that row; empty: refused
-    const auto row = [](const char* name, const char* hex, const char* pixels) {
-        QTest::newRow(name) << QByteArray::fromHex(hex) << QString(pixels);
-    };
-    row("full", "FD05", "5555");
-    row("short", "FF0500 07", "5570");
-    row("nothing", "", "0000");
-    row("no step", "80", "0000");
-    row("too long", "030102030405", "1234");
-    row("a run without its byte", "FF05FF", "");
-    row("a stretch that is cut", "0301 02", "");
-}
-
-void tst_PSDReader::rowsAreMendedOrRefused() {
-    QFETCH(QByteArray, row);
-    QFETCH(QString, pixels);
-    const QByteArray full = QByteArray::fromHex("FD09");
-    // Rows before and behind show that each starts afresh.
-    PSDParts parts = withRedRows({full, row, full});
-    if (pixels.isEmpty()) {
-        QCOMPARE(refusalOf(parts.joined()), QStringLiteral("short"));
-    } else {
-        QCOMPARE(reds(parts.joined()), QStringLiteral("9999 %1 9999").arg(pixels));
+    void refusalsAreInTheseWords() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, words);
+        QCOMPARE(refusalOf(file), words);
     }
-    // The same rows where nobody sees them are walked all the same.
-    const QString words = pixels.isEmpty() ? QStringLiteral("short") : QString();
-    for (const auto& [top, left] : {std::pair{-1, -4}, {-2, 0}, {2, 0}, {7, 7}}) {
-        PSDRecord& record = parts.records[0];
-        record.top = top, record.left = left, record.bottom = top + 3, record.right = left + 4;
+
+    void layersLieWhereTheirRectanglesSay_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("pixels");
+        const auto row = [](const char* name, PSDRecord record, const char* pixels) {
+            QTest::newRow(name) << PSDParts{.records = {std::move(record)}}.joined() << QString(pixels);
+        };
+        const PixelBytes seven{7, 0, 0, 255};
+        row("inside", flatRecord(1, 1, 2, 3, seven), ".... .77. ....");
+        row("over two edges", flatRecord(-5, -2, 2, 1, seven), "7... 7... ....");
+        row("over all", flatRecord(-300, -300, 300, 300, seven), "7777 7777 7777");
+        row("far away", flatRecord(kMost - 2, kLeast, kMost, kLeast + 2, seven), ".... .... ....");
+        row("turned over", {.top = 2, .left = 3, .channels = {{0, big16(0)}}}, ".... .... ....");
+        PSDRecord record = flatRecord(0, 0, 2, 2, {200, 0, 0, 128});
+        row("premultiplied", record, "100100.. 100100.. ...."); // (128 * 200 + 127) / 255
+        record.channels[0].identifier = 3;
+        row("without alpha", record, "200200.. 200200.. ....");
+        record.channels[0].identifier = -1;
+        record.channels[3].identifier = -2;
+        row("without blue", record, ".... .... ....");
+        record = flatRecord(0, 0, 1, 2, seven);
+        record.channels[1].statedLength = 1;
+        record.channels[1].data.truncate(1);
+        row("red of one byte", record, ".... .... ....");
+        record = flatRecord(0, 0, 1, 2, seven);
+        record.channels.push_back({0, rawChannel(2, 1, 8)});
+        row("red twice", record, "88.. .... ....");
+        record = flatRecord(0, 0, 1, 2, seven);
+        record.channels[3].statedLength = 2; // the last one, whose rows run on
+        row("a length that is too small", record, "77.. .... ....");
+    }
+    void layersLieWhereTheirRectanglesSay() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, pixels);
+        QCOMPARE(reds(file), pixels);
+        QCOMPARE(opened(file)->layerCount(), 1);
+    }
+
+    void rowsAreMendedOrRefused_data() {
+        QTest::addColumn<QByteArray>("row");
+        QTest::addColumn<QString>("pixels"); // of that row; empty: refused
+        const auto row = [](const char* name, const char* hex, const char* pixels) {
+            QTest::newRow(name) << QByteArray::fromHex(hex) << QString(pixels);
+        };
+        row("full", "FD05", "5555");
+        row("short", "FF0500 07", "5570");
+        row("nothing", "", "0000");
+        row("no step", "80", "0000");
+        row("too long", "030102030405", "1234");
+        row("a run without its byte", "FF05FF", "");
+        row("a stretch that is cut", "0301 02", "");
+    }
+    void rowsAreMendedOrRefused() {
+        QFETCH(QByteArray, row);
+        QFETCH(QString, pixels);
+        const QByteArray full = QByteArray::fromHex("FD09");
+        // Rows before and behind show that each starts afresh.
+        PSDParts parts = withRedRows({full, row, full});
+        if (pixels.isEmpty()) {
+            QCOMPARE(refusalOf(parts.joined()), QStringLiteral("short"));
+        } else {
+            QCOMPARE(reds(parts.joined()), QStringLiteral("9999 %1 9999").arg(pixels));
+        }
+        // The same rows where nobody sees them are walked all the same.
+        const QString words = pixels.isEmpty() ? QStringLiteral("short") : QString();
+        for (const auto& [top, left] : {std::pair{-1, -4}, {-2, 0}, {2, 0}, {7, 7}}) {
+            PSDRecord& record = parts.records[0];
+            record.top = top, record.left = left, record.bottom = top + 3, record.right = left + 4;
+            QCOMPARE(refusalOf(parts.joined()), words);
+        }
+        parts.records[0].blocks = section("lsdk");
+        parts.picture = rawChannel(4, 9, 1);
         QCOMPARE(refusalOf(parts.joined()), words);
+        QCOMPARE(refusalOf(
+                     PSDParts{.picture = packedChannel({full, full, full, full, full, full, full, full, row})}
+                         .joined()),
+                 words);
     }
-    parts.records[0].blocks = section("lsdk");
-    parts.picture = rawChannel(4, 9, 1);
-    QCOMPARE(refusalOf(parts.joined()), words);
-    QCOMPARE(
-        refusalOf(PSDParts{.picture = packedChannel({full, full, full, full, full, full, full, full, row})}
-                      .joined()),
-        words);
-}
 
-void tst_PSDReader::aShortRowKeepsNothingOfTheOneAbove() {
-    PSDRecord record{.bottom = 2, .right = 100};
-    const std::vector<QByteArray> rows{QByteArray::fromHex("9D09"), QByteArray::fromHex("FF05")};
-    for (const int16_t identifier : {0, 1, 2}) record.channels.push_back({identifier, packedChannel(rows)});
-    const auto doc = opened(PSDParts{.width = 100, .height = 2, .records = {record}}.joined());
-    QCOMPARE(doc->layer(0).pixel(99, 0), (PixelBytes{9, 9, 9, 255}));
-    QCOMPARE(doc->layer(0).pixel(1, 1), (PixelBytes{5, 5, 5, 255}));
-    for (int64_t x = 2; x < 100; ++x) QCOMPARE(doc->layer(0).pixel(x, 1), (PixelBytes{0, 0, 0, 255}));
-}
-
-void tst_PSDReader::settingsAreTaken() {
-    PSDRecord plain = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
-    PSDRecord all = plain;
-    all.key = "sLit";
-    all.opacity = 3;
-    all.clipping = 7;
-    all.flags = 0xFF;
-    PSDRecord odd = plain;
-    odd.key = "pass";
-    odd.flags = 0xFC;
-    const auto doc = opened(PSDParts{.records = {plain, all, odd}, .count = 3}.joined());
-    QCOMPARE(doc->layerCount(), 3);
-    const Layer& layer = doc->layer(1);
-    QCOMPARE(layer.blendMode, BlendMode::softLight);
-    QCOMPARE(layer.opacity, 3 / 255.0);
-    QVERIFY(layer.isClipping && !layer.isVisible && layer.alphaLocked && !layer.isLocked);
-    for (const int64_t i : {0, 2}) {
-        const Layer& other = doc->layer(i);
-        QCOMPARE(other.blendMode, BlendMode::normal);
-        QCOMPARE(other.opacity, 1.0);
-        QVERIFY(!other.isClipping && other.isVisible && !other.alphaLocked);
+    void aShortRowKeepsNothingOfTheOneAbove() {
+        PSDRecord record{.bottom = 2, .right = 100};
+        const std::vector<QByteArray> rows{QByteArray::fromHex("9D09"), QByteArray::fromHex("FF05")};
+        for (const int16_t identifier : {0, 1, 2})
+            record.channels.push_back({identifier, packedChannel(rows)});
+        const auto doc = opened(PSDParts{.width = 100, .height = 2, .records = {record}}.joined());
+        QCOMPARE(doc->layer(0).pixel(99, 0), (PixelBytes{9, 9, 9, 255}));
+        QCOMPARE(doc->layer(0).pixel(1, 1), (PixelBytes{5, 5, 5, 255}));
+        for (int64_t x = 2; x < 100; ++x) QCOMPARE(doc->layer(0).pixel(x, 1), (PixelBytes{0, 0, 0, 255}));
     }
-}
 
-void tst_PSDReader::namesAreMended_data() {
-    QTest::addColumn<QByteArray>("pascal");
-    QTest::addColumn<QByteArray>("blocks");
-    QTest::addColumn<QString>("name");
-    const auto luni = [](const std::vector<uint16_t>& units) { return psdBlock("luni", psdUnicode(units)); };
-    const auto row = [](const char* what, const char* pascal, const QByteArray& blocks, const QString& name) {
-        QTest::newRow(what) << QByteArray(pascal) << blocks << name;
-    };
-    row("only the old name", "Inks", {}, "Inks");
-    row("the old name is repaired", "I\xFFks", {}, QString::fromUtf8("I\xEF\xBF\xBDks"));
-    row("the new one counts", "Inks", luni({'P', 'e', 'n'}), "Pen");
-    row("ends are trimmed", "Inks", luni({0, 0, 'P', 0, 'n', 0}), QStringLiteral("P") + QChar() + "n");
-    row("nothing but ends", "Inks", luni({0, 0}), "Layer 2");
-    row("half a pair", "Inks", luni({0xD83E, 'n', 0xDD8A}), QString::fromUtf8("\xEF\xBF\xBDn\xEF\xBF\xBD"));
-    row("a pair", "Inks", luni({0xD83E, 0xDD8A}), QString::fromUtf8("🦊"));
-    row("a count beyond the block", "Inks", psdBlock("luni", big32(0xFFFFFFFF) + big16('P') + "x"), "P");
-    row("too small to be one", "Inks", psdBlock("luni", "ab"), "Inks");
-    row("behind others", "Inks", psdBlock("lyid", big32(7)) + "8B64" + luni({'P'}).mid(4), "P");
-    row("behind what is no block", "Inks", psdBlock("lyid", big32(7)) + "8BXX" + luni({'P'}).mid(4), "Inks");
-    row("a block beyond the record", "Inks", "8BIMabcd\xFF\xFF\xFF\xFF" + luni({'P'}), "Inks");
-    row("the last one counts", "Inks", luni({'P'}) + luni({'Q'}), "Q");
-    row("none at all", "", {}, "Layer 2");
-}
-
-void tst_PSDReader::namesAreMended() {
-    QFETCH(QByteArray, pascal);
-    QFETCH(QByteArray, blocks);
-    QFETCH(QString, name);
-    PSDRecord record = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
-    record.name = pascal;
-    record.blocks = blocks;
-    record.namePadding = "8BI"; // is passed over whatever it holds
-    const auto doc = opened(PSDParts{.records = {flatRecord(0, 0, 1, 1, {}), record}}.joined());
-    QCOMPARE(doc->layer(1).name, name);
-    QCOMPARE(doc->layer(1).pixel(0, 0), (PixelBytes{1, 2, 3, 255}));
-}
-
-void tst_PSDReader::groupsLeaveTheirLayersBehind() {
-    PSDRecord divider{.blocks = section("lsct")}, group{.blocks = section("lsdk")};
-    group.channels = {{0, big16(0)}};
-    PSDRecord inside = flatRecord(0, 0, 1, 1, {5, 5, 5, 255}), above = flatRecord(0, 0, 1, 1, {6, 6, 6, 255});
-    const auto doc = opened(PSDParts{.records = {divider, inside, group, above}}.joined());
-    QCOMPARE(doc->layerCount(), 2);
-    QCOMPARE(doc->layer(0).pixel(0, 0)[0], 5);
-    QCOMPARE(doc->layer(1).pixel(0, 0)[0], 6);
-    QCOMPARE(doc->layer(1).name, QStringLiteral("Layer 2"));
-    QCOMPARE(doc->activeIndex(), 1);
-    // With nothing but groups it is the finished picture that opens, behind the whole section.
-    const auto flat = opened(PSDParts{
-        .records = {divider, group}, .behindLayers = QByteArray(7, 'x'), .picture = rawChannel(4, 9, 8)}
-                                 .joined());
-    QCOMPARE(flat->layerCount(), 1);
-    QCOMPARE(flat->layer(0).pixel(3, 2), (PixelBytes{8, 8, 8, 255}));
-}
-
-void tst_PSDReader::resourcesAreSearchedForTheResolution_data() {
-    QTest::addColumn<QByteArray>("resources");
-    QTest::addColumn<double>("dpi");
-    const QByteArray info = big32(300 * 65536 + 32768) + QByteArray(12, '\0');
-    const QByteArray other = psdResource(1036, {}, "odd");
-    QTest::newRow("none") << QByteArray() << 72.0;
-    QTest::newRow("alone") << psdResource(1005, {}, info) << 300.5;
-    QTest::newRow("behind others") << other + psdResource(1006, "ab", "x") + psdResource(1005, "abc", info)
-                                   << 300.5;
-    QTest::newRow("too small") << psdResource(1005, {}, info.left(15)) + other << 72.0;
-    QTest::newRow("0") << psdResource(1005, {}, QByteArray(16, '\0')) << 0.0;
-    QTest::newRow("behind what is none") << QByteArray("8BIX") + psdResource(1005, {}, info) << 72.0;
-    QTest::newRow("behind one that runs on")
-        << "8BIM" + big16(1) + big16(0) + big32(0xFFFFFFFF) + psdResource(1005, {}, info) << 72.0;
-}
-
-void tst_PSDReader::resourcesAreSearchedForTheResolution() {
-    QFETCH(QByteArray, resources);
-    QFETCH(double, dpi);
-    QCOMPARE(
-        opened(PSDParts{.modeData = "abc", .resources = resources, .picture = rawChannel(4, 9, 8)}.joined())
-            ->dpi,
-        dpi);
-}
-
-void tst_PSDReader::flatFilesOpenAsOneLayer_data() {
-    QTest::addColumn<int>("channels");
-    QTest::addColumn<QByteArray>("picture");
-    QTest::addColumn<PixelBytes>("corner");
-    const QByteArray colours = QByteArray(12, '\x64') + QByteArray(12, '\xC8') + QByteArray(12, '\xFF');
-    const QByteArray half(12, '\x80');
-    QTest::newRow("opaque") << 3 << big16(0) + colours << PixelBytes{100, 200, 255, 255};
-    QTest::newRow("alpha") << 4 << big16(0) + colours + half << PixelBytes{50, 100, 128, 128};
-    QTest::newRow("a fifth channel") << 5 << big16(0) + colours + half + QByteArray(12, 'x')
-                                     << PixelBytes{50, 100, 128, 128};
-    std::vector<QByteArray> rows;
-    for (const char* row : {"FD64", "FDC8", "FDFF", "FD80", "FD01"})
-        rows.insert(rows.end(), 3, QByteArray::fromHex(row));
-    QTest::newRow("packed") << 5 << packedChannel(rows) << PixelBytes{50, 100, 128, 128};
-}
-
-void tst_PSDReader::flatFilesOpenAsOneLayer() {
-    QFETCH(int, channels);
-    QFETCH(QByteArray, picture);
-    QFETCH(PixelBytes, corner);
-    const auto doc =
-        opened(PSDParts{.channels = static_cast<uint16_t>(channels), .picture = picture}.joined());
-    QCOMPARE(doc->layerCount(), 1);
-    QCOMPARE(doc->layer(0).name, QStringLiteral("Background"));
-    QCOMPARE(doc->layer(0).pixel(3, 2), corner);
-}
-
-/// With a buffer for each layer, or a tile of its own for each slot, this would take 36 GB.
-void tst_PSDReader::sizesThatTheFileDoesNotBackTakeNoMemory() {
-    const QByteArray noRows = big16(1) + QByteArray(2 * 30000, '\0');
-    PSDRecord black{.bottom = 30000, .right = 30000};
-    black.channels = {{0, noRows}, {1, noRows}, {2, noRows}};
-    PSDRecord clear = black;
-    clear.channels.push_back({-1, noRows});
-    PSDRecord wide{.top = 255, .left = kLeast, .bottom = 257, .right = kMost};
-    wide.channels.assign(3, {0, big16(1) + QByteArray(4, '\0')});
-    wide.channels[1].identifier = 1, wide.channels[2].identifier = 2;
-    PSDParts parts{.width = 30000, .height = 30000};
-    for (int i = 0; i < 4; ++i) parts.records.insert(parts.records.end(), {black, clear, wide});
-    const auto doc = opened(parts.joined());
-    const TileGrid& grid = doc->grid();
-    std::set<const Tile*> tiles;
-    for (const LayerRef& layer : doc->layers())
-        layer->tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
-    QCOMPARE(tiles.size(),
-             std::size_t{4 + 4}); // the inside and the three edges; two stripes, cut at the right or not
-    QCOMPARE(doc->layer(0).pixel(29999, 29999), (PixelBytes{0, 0, 0, 255}));
-    QVERIFY(doc->layer(1).tiles().holdsNothing());
-    QCOMPARE(doc->layer(2).contentBounds(), (IRect{0, 255, 30000, 2}));
-    QVERIFY(doc->layer(2).tile(grid.cols)->isFrozen());
-}
-
-void tst_PSDReader::theLargestNumberOfLayersOpens() {
-    PSDParts parts{.count = -32768};
-    parts.records.assign(32768, PSDRecord{});
-    parts.records[5] = flatRecord(0, 0, 2, 2, {1, 2, 3, 255});
-    const auto doc = opened(parts.joined());
-    QCOMPARE(doc->layerCount(), 32768);
-    QCOMPARE(doc->layer(5).pixel(1, 1)[2], 3);
-    QCOMPARE(doc->layer(32767).name, QStringLiteral("Layer 32768"));
-}
-
-/// Sixty channels that state two bytes each and take 30,000 for their rows, nearly the same ones.
-void tst_PSDReader::rowsNamedAgainAndAgainAreRefused() {
-    PSDRecord record{.bottom = 30000, .right = 1};
-    for (int i = 0; i < 60; ++i) record.channels.push_back({static_cast<int16_t>(i % 3), big16(0)});
-    record.channels.back().data += QByteArray(30000, '\0');
-    record.channels.back().statedLength = 2;
-    QCOMPARE(refusalOf(PSDParts{.records = {record}}.joined()), QStringLiteral("short"));
-    record.channels.erase(record.channels.begin(),
-                          record.channels.end() - 3); // no more than the file is long
-    record.channels[0].statedLength = record.channels[1].statedLength = 2;
-    QCOMPARE(refusalOf(PSDParts{.records = {record}, .picture = QByteArray(90000, 'x')}.joined()), QString());
-}
-
-void tst_PSDReader::aCutAnywhereIsRefusedOrLosesThePictureOnly() {
-    const auto doc = randomDocument(30, 20, 3, 77);
-    const QByteArray good = PSDFile::write(*doc, Layered::yes);
-    const qsizetype layersEnd = good.size() - PSDFile::write(*doc, Layered::no).size() + 66 - 4;
-    for (qsizetype length = 0; length < good.size(); ++length) {
-        const QString words = refusalOf(good.left(length));
-        if (length < 4)
-            QCOMPARE(words, PaintFileError::notPaintFile().description());
-        else if (length < layersEnd - 1)
-            QCOMPARE(words, QStringLiteral("short")); // there may be a last zero
-        else if (length >= layersEnd)
-            QCOMPARE(words, QString());
+    void settingsAreTaken() {
+        PSDRecord plain = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
+        PSDRecord all = plain;
+        all.key = "sLit";
+        all.opacity = 3;
+        all.clipping = 7;
+        all.flags = 0xFF;
+        PSDRecord odd = plain;
+        odd.key = "pass";
+        odd.flags = 0xFC;
+        const auto doc = opened(PSDParts{.records = {plain, all, odd}, .count = 3}.joined());
+        QCOMPARE(doc->layerCount(), 3);
+        const Layer& layer = doc->layer(1);
+        QCOMPARE(layer.blendMode, BlendMode::softLight);
+        QCOMPARE(layer.opacity, 3 / 255.0);
+        QVERIFY(layer.isClipping && !layer.isVisible && layer.alphaLocked && !layer.isLocked);
+        for (const int64_t i : {0, 2}) {
+            const Layer& other = doc->layer(i);
+            QCOMPARE(other.blendMode, BlendMode::normal);
+            QCOMPARE(other.opacity, 1.0);
+            QVERIFY(!other.isClipping && other.isVisible && !other.alphaLocked);
+        }
     }
-}
 
-void tst_PSDReader::flippedBitsNeverCrash() {
-    std::vector<QByteArray> files;
-    const auto doc = randomDocument(40, 300, 2, 78);
-    for (const Layered layered : {Layered::yes, Layered::no}) files.push_back(PSDFile::write(*doc, layered));
-    PSDParts parts = withRedRows({QByteArray::fromHex("FD05"), "", QByteArray::fromHex("0301020304")});
-    parts.resources = psdResource(1005, "name", QByteArray(16, '\1'));
-    parts.records.push_back(flatRecord(-1, -1, 3, 2, {5, 6, 7, 100}));
-    parts.records[1].blocks = psdBlock("luni", psdUnicode({'a', 0xD83E})) + section("lsct");
-    parts.picture = rawChannel(4, 9, 3);
-    files.push_back(parts.joined());
-    SeededRandom random(20260301);
-    for (int round = 0; round < 6000; ++round) {
-        QByteArray file = files[static_cast<std::size_t>(round % 3)];
-        // Most of them in the front, where lengths and sizes stand.
-        const auto reach =
-            static_cast<uint64_t>(std::min<qsizetype>(file.size(), round % 5 ? 500 : file.size()));
-        for (uint64_t flip = 0; flip <= random.next() % 6; ++flip)
-            file[static_cast<qsizetype>(random.next() % reach)] ^= static_cast<char>(1 << random.next() % 8);
-        if (random.next() % 4 == 0) file.truncate(static_cast<qsizetype>(random.next() % reach));
-        refusalOf(file);
+    void namesAreMended_data() {
+        QTest::addColumn<QByteArray>("pascal");
+        QTest::addColumn<QByteArray>("blocks");
+        QTest::addColumn<QString>("name");
+        const auto luni = [](const std::vector<uint16_t>& units) {
+            return psdBlock("luni", psdUnicode(units));
+        };
+        const auto row = [](const char* what, const char* pascal, const QByteArray& blocks,
+                            const QString& name) {
+            QTest::newRow(what) << QByteArray(pascal) << blocks << name;
+        };
+        row("only the old name", "Inks", {}, "Inks");
+        row("the new one counts", "Inks", luni({'P', 'e', 'n'}), "Pen");
+        row("ends are trimmed", "Inks", luni({0, 0, 'P', 0, 'n', 0}), QStringLiteral("P") + QChar() + "n");
+        row("half a pair", "Inks", luni({0xD83E, 'n', 0xDD8A}),
+            QString::fromUtf8("\xEF\xBF\xBDn\xEF\xBF\xBD"));
+        row("a pair", "Inks", luni({0xD83E, 0xDD8A}), QString::fromUtf8("🦊"));
+        row("a count beyond the block", "Inks", psdBlock("luni", big32(0xFFFFFFFF) + big16('P') + "x"), "P");
+        row("behind others", "Inks", psdBlock("lyid", big32(7)) + "8B64" + luni({'P'}).mid(4), "P");
+        row("behind what is no block", "Inks", psdBlock("lyid", big32(7)) + "8BXX" + luni({'P'}).mid(4),
+            "Inks");
+        row("none at all", "", {}, "Layer 2");
     }
-}
+    void namesAreMended() {
+        QFETCH(QByteArray, pascal);
+        QFETCH(QByteArray, blocks);
+        QFETCH(QString, name);
+        PSDRecord record = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
+        record.name = pascal;
+        record.blocks = blocks;
+        record.namePadding = "8BI"; // is passed over whatever it holds
+        const auto doc = opened(PSDParts{.records = {flatRecord(0, 0, 1, 1, {}), record}}.joined());
+        QCOMPARE(doc->layer(1).name, name);
+        QCOMPARE(doc->layer(1).pixel(0, 0), (PixelBytes{1, 2, 3, 255}));
+    }
+
+    void groupsLeaveTheirLayersBehind() {
+        PSDRecord divider{.blocks = section("lsct")}, group{.blocks = section("lsdk")};
+        group.channels = {{0, big16(0)}};
+        PSDRecord inside = flatRecord(0, 0, 1, 1, {5, 5, 5, 255}),
+                  above = flatRecord(0, 0, 1, 1, {6, 6, 6, 255});
+        const auto doc = opened(PSDParts{.records = {divider, inside, group, above}}.joined());
+        QCOMPARE(doc->layerCount(), 2);
+        QCOMPARE(doc->layer(0).pixel(0, 0)[0], 5);
+        QCOMPARE(doc->layer(1).pixel(0, 0)[0], 6);
+        QCOMPARE(doc->layer(1).name, QStringLiteral("Layer 2"));
+        QCOMPARE(doc->activeIndex(), 1);
+        // With nothing but groups it is the finished picture that opens, behind the whole section.
+        const auto flat = opened(PSDParts{
+            .records = {divider, group}, .behindLayers = QByteArray(7, 'x'), .picture = rawChannel(4, 9, 8)}
+                                     .joined());
+        QCOMPARE(flat->layerCount(), 1);
+        QCOMPARE(flat->layer(0).pixel(3, 2), (PixelBytes{8, 8, 8, 255}));
+    }
+
+    /// With a buffer for each layer, or a tile of its own for each slot, this would take 36 GB.
+    void sizesThatTheFileDoesNotBackTakeNoMemory() {
+        const QByteArray noRows = big16(1) + QByteArray(2 * 30000, '\0');
+        PSDRecord black{.bottom = 30000, .right = 30000};
+        black.channels = {{0, noRows}, {1, noRows}, {2, noRows}};
+        PSDRecord clear = black;
+        clear.channels.push_back({-1, noRows});
+        PSDRecord wide{.top = 255, .left = kLeast, .bottom = 257, .right = kMost};
+        wide.channels.assign(3, {0, big16(1) + QByteArray(4, '\0')});
+        wide.channels[1].identifier = 1, wide.channels[2].identifier = 2;
+        PSDParts parts{.width = 30000, .height = 30000};
+        for (int i = 0; i < 4; ++i) parts.records.insert(parts.records.end(), {black, clear, wide});
+        const auto doc = opened(parts.joined());
+        const TileGrid& grid = doc->grid();
+        std::set<const Tile*> tiles;
+        for (const LayerRef& layer : doc->layers())
+            layer->tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
+        QCOMPARE(tiles.size(),
+                 std::size_t{4 + 4}); // the inside and the three edges; two stripes, cut at the right or not
+        QCOMPARE(doc->layer(0).pixel(29999, 29999), (PixelBytes{0, 0, 0, 255}));
+        QVERIFY(doc->layer(1).tiles().holdsNothing());
+        QCOMPARE(doc->layer(2).contentBounds(), (IRect{0, 255, 30000, 2}));
+        QVERIFY(doc->layer(2).tile(grid.cols)->isFrozen());
+    }
+};
 
 QIRN_TEST(tst_PSDReader)
 #include "tst_PSDReader.moc"

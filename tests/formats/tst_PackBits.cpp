@@ -43,123 +43,85 @@ Row mixedRow(SeededRandom& random, std::size_t length) {
 class tst_PackBits : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void rowsPackToTheseBytes_data();
-    void rowsPackToTheseBytes();
-    void packingSixtyFourAtATimeGivesTheSameBytes();
-    void rowsOfAPlaneArePackedOneByOne();
-    void packedBytesUnpackToThis_data();
-    void packedBytesUnpackToThis();
-    void bytesThatEndWithinAStepThrow();
-    void aPartIsThatPartOfTheRow();
+    void rowsPackToTheseBytes_data() {
+        QTest::addColumn<QByteArray>("row");
+        QTest::addColumn<QByteArray>("packed");
+        const auto hex = [](const char* digits) { return QByteArray::fromHex(digits); };
+        QByteArray rising;
+        for (int i = 0; i < 130; ++i) rising.append(static_cast<char>(i));
+        QTest::newRow("nothing") << QByteArray() << QByteArray();
+        QTest::newRow("one byte") << hex("07") << hex("0007");
+        QTest::newRow("runs round a byte") << hex("01010203030303") << hex("FF010002FD03");
+        QTest::newRow("a pair within a stretch") << hex("0102020304") << hex("040102020304");
+        QTest::newRow("a pair at the end of a stretch") << hex("010202") << hex("02010202");
+        QTest::newRow("128 equal") << QByteArray(128, 'x') << hex("8178");
+        QTest::newRow("130 equal") << QByteArray(130, 'x') << hex("8178FF78");
+        QTest::newRow("130 different") << rising << hex("7F") + rising.left(128) + hex("018081");
+        // The stretch is full one byte before the three: they are a run of their own.
+        QTest::newRow("a run behind a full stretch")
+            << rising.left(128) + "xxx" << hex("7F") + rising.left(128) + hex("FE78");
+    }
+    void rowsPackToTheseBytes() {
+        QFETCH(QByteArray, row);
+        QFETCH(QByteArray, packed);
+        QCOMPARE(packedBy(PSDFile::packBitsPlainly, bytes(row)), bytes(packed));
+        QCOMPARE(packedBy(PSDFile::packBits, bytes(row)), bytes(packed));
+        QCOMPARE(unpacked(bytes(packed), static_cast<std::size_t>(row.size())), bytes(row));
+    }
+
+    void packingSixtyFourAtATimeGivesTheSameBytes() {
+        SeededRandom random(1005);
+        for (std::size_t round = 0; round < 6000; ++round) {
+            // All short lengths, then any; a few beyond the longest picture.
+            const std::size_t length = round < 700   ? round
+                                       : round < 710 ? 32760 + round % 20
+                                                     : random.next() % 4000;
+            const Row row = mixedRow(random, length);
+            const Row packed = packedBy(PSDFile::packBits, row);
+            QVERIFY2(packed == packedBy(PSDFile::packBitsPlainly, row), qPrintable(QString::number(round)));
+            QVERIFY(unpacked(packed, length) == row);
+        }
+    }
+
+    void bytesThatEndWithinAStepThrow() {
+        QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({0xFF}, 2));
+        QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({2, 1, 2}, 3));
+        QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({3, 1, 2}, 2)); // though the row would be full
+    }
+
+    void aPartIsThatPartOfTheRow() {
+        SeededRandom random(9);
+        for (int round = 0; round < 400; ++round) {
+            const std::size_t length = 1 + random.next() % 400;
+            const Row row = mixedRow(random, length);
+            Row packed = packedBy(PSDFile::packBits, row);
+            const std::size_t from = random.next() % length, count = random.next() % (length - from + 1);
+            Row part(count, 0xEE);
+            QCOMPARE(
+                PSDFile::unpackPart(packed, static_cast<int64_t>(length), static_cast<int64_t>(from), part),
+                count);
+            QVERIFY(part == Row(row.data() + from, row.data() + from + count));
+            packed.pop_back(); // beyond the part or not, the row is walked to its end
+            QVERIFY_THROWS_EXCEPTION(
+                BEReader::Short,
+                PSDFile::unpackPart(packed, static_cast<int64_t>(length), static_cast<int64_t>(from), part));
+        }
+        // A row that ends early leaves zeros behind it, and is not looked for left of the part.
+        for (int round = 0; round < 400; ++round) {
+            Row row = mixedRow(random, random.next() % 400), part(400);
+            Row packed = packedBy(PSDFile::packBits, row);
+            packed.insert(packed.end(), 300, 0x80); // stands for nothing, but leaves room to read ahead
+            PSDFile::unpackPart(packed, int64_t{1} << 32, 0, part);
+            row.resize(part.size());
+            QVERIFY(part == row);
+        }
+        Row part(3);
+        QCOMPARE(PSDFile::unpackPart(Row{0xFD, 5}, int64_t{1} << 32, 2, part),
+                 std::size_t{2}); // bytes 2 and 3
+        QCOMPARE(part, (Row{5, 5, 0}));
+        QCOMPARE(PSDFile::unpackPart(Row{0xFD, 5}, int64_t{1} << 32, 40, part), std::size_t{0});
+    }
 };
-
-void tst_PackBits::rowsPackToTheseBytes_data() {
-    QTest::addColumn<QByteArray>("row");
-    QTest::addColumn<QByteArray>("packed");
-    const auto hex = [](const char* digits) { return QByteArray::fromHex(digits); };
-    QByteArray rising;
-    for (int i = 0; i < 130; ++i) rising.append(static_cast<char>(i));
-    QTest::newRow("nothing") << QByteArray() << QByteArray();
-    QTest::newRow("one byte") << hex("07") << hex("0007");
-    QTest::newRow("runs round a byte") << hex("01010203030303") << hex("FF010002FD03");
-    QTest::newRow("a pair within a stretch") << hex("0102020304") << hex("040102020304");
-    QTest::newRow("a pair at the end of a stretch") << hex("010202") << hex("02010202");
-    QTest::newRow("three at the end") << hex("01020202") << hex("0001FE02");
-    QTest::newRow("128 equal") << QByteArray(128, 'x') << hex("8178");
-    QTest::newRow("129 equal") << QByteArray(129, 'x') << hex("81780078");
-    QTest::newRow("130 equal") << QByteArray(130, 'x') << hex("8178FF78");
-    QTest::newRow("128 different") << rising.left(128) << hex("7F") + rising.left(128);
-    QTest::newRow("130 different") << rising << hex("7F") + rising.left(128) + hex("018081");
-    // The stretch is full one byte before the three: they are a run of their own.
-    QTest::newRow("a run behind a full stretch")
-        << rising.left(128) + "xxx" << hex("7F") + rising.left(128) + hex("FE78");
-}
-
-void tst_PackBits::rowsPackToTheseBytes() {
-    QFETCH(QByteArray, row);
-    QFETCH(QByteArray, packed);
-    QCOMPARE(packedBy(PSDFile::packBitsPlainly, bytes(row)), bytes(packed));
-    QCOMPARE(packedBy(PSDFile::packBits, bytes(row)), bytes(packed));
-    QCOMPARE(unpacked(bytes(packed), static_cast<std::size_t>(row.size())), bytes(row));
-}
-
-void tst_PackBits::packingSixtyFourAtATimeGivesTheSameBytes() {
-    SeededRandom random(1005);
-    for (std::size_t round = 0; round < 6000; ++round) {
-        // All short lengths, then any; a few beyond the longest picture.
-        const std::size_t length = round < 700   ? round
-                                   : round < 710 ? 32760 + round % 20
-                                                 : random.next() % 4000;
-        const Row row = mixedRow(random, length);
-        const Row packed = packedBy(PSDFile::packBits, row);
-        QVERIFY2(packed == packedBy(PSDFile::packBitsPlainly, row), qPrintable(QString::number(round)));
-        QVERIFY(unpacked(packed, length) == row);
-    }
-}
-
-void tst_PackBits::rowsOfAPlaneArePackedOneByOne() {
-    const PSDFile::PackedRows packed =
-        PSDFile::rle(Row{1, 1, 1, 1, 2, 3}, 3, 2); // no run goes round the edge
-    QCOMPARE(packed.counts, (std::vector<uint16_t>{2, 4}));
-    QCOMPARE(packed.data, (Row{0xFE, 1, 2, 1, 2, 3}));
-}
-
-void tst_PackBits::packedBytesUnpackToThis_data() {
-    QTest::addColumn<QByteArray>("packed");
-    QTest::addColumn<QByteArray>("row");
-    const auto row = [](const char* name, const char* packed, const char* unpackedBytes) {
-        QTest::newRow(name) << QByteArray::fromHex(packed) << QByteArray::fromHex(unpackedBytes);
-    };
-    row("too short: zeros follow", "FF01", "01010000");
-    row("no bytes at all", "", "000000");
-    row("too long: cut within a run", "FD01", "0101");
-    row("too long: cut within a stretch", "0301020304", "0102");
-    row("what follows a full row is not looked at", "FF0105", "0101");
-    row("-128 stands for nothing", "8080000780", "0700");
-    row("-127 is the longest run", "8109", QByteArray(128, '\x09').toHex().constData());
-}
-
-void tst_PackBits::packedBytesUnpackToThis() {
-    QFETCH(QByteArray, packed);
-    QFETCH(QByteArray, row);
-    QCOMPARE(unpacked(bytes(packed), static_cast<std::size_t>(row.size())), bytes(row));
-}
-
-void tst_PackBits::bytesThatEndWithinAStepThrow() {
-    QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({0xFF}, 2));
-    QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({2, 1, 2}, 3));
-    QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({3, 1, 2}, 2)); // though the row would be full
-}
-
-void tst_PackBits::aPartIsThatPartOfTheRow() {
-    SeededRandom random(9);
-    for (int round = 0; round < 400; ++round) {
-        const std::size_t length = 1 + random.next() % 400;
-        const Row row = mixedRow(random, length);
-        Row packed = packedBy(PSDFile::packBits, row);
-        const std::size_t from = random.next() % length, count = random.next() % (length - from + 1);
-        Row part(count, 0xEE);
-        QCOMPARE(PSDFile::unpackPart(packed, static_cast<int64_t>(length), static_cast<int64_t>(from), part),
-                 count);
-        QVERIFY(part == Row(row.data() + from, row.data() + from + count));
-        packed.pop_back(); // beyond the part or not, the row is walked to its end
-        QVERIFY_THROWS_EXCEPTION(BEReader::Short, PSDFile::unpackPart(packed, static_cast<int64_t>(length),
-                                                                      static_cast<int64_t>(from), part));
-    }
-    // A row that ends early leaves zeros behind it, and is not looked for left of the part.
-    for (int round = 0; round < 400; ++round) {
-        Row row = mixedRow(random, random.next() % 400), part(400);
-        Row packed = packedBy(PSDFile::packBits, row);
-        packed.insert(packed.end(), 300, 0x80); // stands for nothing, but leaves room to read ahead
-        PSDFile::unpackPart(packed, int64_t{1} << 32, 0, part);
-        row.resize(part.size());
-        QVERIFY(part == row);
-    }
-    Row part(3);
-    QCOMPARE(PSDFile::unpackPart(Row{0xFD, 5}, int64_t{1} << 32, 2, part), std::size_t{2}); // bytes 2 and 3
-    QCOMPARE(part, (Row{5, 5, 0}));
-    QCOMPARE(PSDFile::unpackPart(Row{0xFD, 5}, int64_t{1} << 32, 40, part), std::size_t{0});
-}
 
 QIRN_TEST(tst_PackBits)
 #include "tst_PackBits.moc"

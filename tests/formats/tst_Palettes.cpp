@@ -67,247 +67,175 @@ Palette randomPalette(uint64_t seed) {
 class tst_Palettes : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void theBuiltInPalettesAreTheSameEverywhere();
-    void aCodeThatIsNoneIsLeftOut();
-    void gplIsWrittenInThisForm();
-    void acoIsWrittenInTheseBytes();
-    void namesWithLineEndsStayOnTheirLine();
-    void palettesComeBackFromBothForms();
-    void moreColoursThanSwatchesCanCountAreCut();
-    void filesAreReadAs_data();
-    void filesAreReadAs();
-    void swatchesAreReadAs_data();
-    void swatchesAreReadAs();
-    void swatchesCutAnywhereAreRefused();
-    void theStoreKeepsEveryField();
-    void aStoreThatIsDamagedIsRefusedWhole_data();
-    void aStoreThatIsDamagedIsRefusedWhole();
-};
-
-void tst_Palettes::theBuiltInPalettesAreTheSameEverywhere() {
-    QStringList summary;
-    std::set<QUuid> ids;
-    for (const Palette& palette : PaletteLibrary::builtIn()) {
-        QVERIFY(palette.isBuiltIn);
-        ids.insert(palette.id);
-        summary += QStringLiteral("%1 %2").arg(palette.name).arg(palette.colors.size());
-        for (const PaletteColor& entry : palette.colors) QVERIFY(entry.color.a == 1 && !entry.name.isEmpty());
-    }
-    QCOMPARE(summary.join(u'|'),
-             QStringLiteral("Qirn Chrome & Candy 16|Basic 12|Grayscale 16|Skin Tones 12|Desert & Canyon 12|"
-                            "Ocean & Sky 12|Pastels 10|Neon Night 9|Autumn Forest 10"));
-    QCOMPARE(ids.size(), 9u);
-    QCOMPARE(builtIn("Basic").id, QUuid(QStringLiteral("9507aa45-5c1d-46ee-9f84-33a37b05ca7f")));
-    QCOMPARE(written(builtIn("Grayscale").colors),
-             QStringLiteral("#000000 Gray 0%, #111111 Gray 6%, #222222 Gray 13%, #333333 Gray 20%, "
-                            "#444444 Gray 26%, #555555 Gray 33%, #666666 Gray 40%, #777777 Gray 46%, "
-                            "#888888 Gray 53%, #999999 Gray 60%, #AAAAAA Gray 66%, #BBBBBB Gray 73%, "
-                            "#CCCCCC Gray 80%, #DDDDDD Gray 86%, #EEEEEE Gray 93%, #FFFFFF Gray 100%"));
-}
-
-void tst_Palettes::aCodeThatIsNoneIsLeftOut() {
-    const PaletteLibrary::Entry entries[] = {{"#12", "None"}, {"#F80", "Orange"}, {"", "Empty"}};
-    const Palette palette = PaletteLibrary::pal(QStringLiteral("P"), entries);
-    QCOMPARE(written(palette.colors), QStringLiteral("#FF8800 Orange"));
-}
-
-void tst_Palettes::gplIsWrittenInThisForm() {
-    const Palette palette{
-        {}, QString::fromUtf8("Ébauche"), {named("#0B0C10", "Gloss Black"), named("#F80")}, false};
-    QCOMPARE(PaletteLibrary::gpl(palette),
-             QString::fromUtf8("GIMP Palette\nName: Ébauche\nColumns: 8\n"
-                               "# Made with Qirn Paint by Tessaly Works (Qirn) - https://qirnpaint.example\n"
-                               " 11  12  16\tGloss Black\n255 136   0\t#FF8800\n"));
-}
-
-void tst_Palettes::acoIsWrittenInTheseBytes() {
-    const Palette palette{{}, {}, {named("#0B80FF", "Aé"), {PaintColor(0.5, 0, 1, 0.25), {}}}, false};
-    QCOMPARE(PaletteLibrary::aco(palette).toHex(),
-             words({1, 2,      0, 0x0B0B, 0x8080, 0xFFFF, 0, 0,   0x8080, 0,   0xFFFF, 0,                 //
-                    2, 2,      0, 0x0B0B, 0x8080, 0xFFFF, 0, 0,   3,      'A', 0xE9,   0,                 //
-                    0, 0x8080, 0, 0xFFFF, 0,      0,      8, '#', '8',    '0', '0',    '0', 'F', 'F', 0}) //
-                 .toHex());
-}
-
-void tst_Palettes::namesWithLineEndsStayOnTheirLine() {
-    const Palette palette{{}, QStringLiteral("A\n1 2 3"), {named("#010203", "x\r\n9 9 9")}, false};
-    QCOMPARE(reading(PaletteLibrary::gpl(palette).toUtf8(), "p.gpl"),
-             QStringLiteral("A 1 2 3: #010203 x 9 9 9"));
-}
-
-void tst_Palettes::palettesComeBackFromBothForms() {
-    std::vector<Palette> palettes = PaletteLibrary::builtIn();
-    for (uint64_t seed = 1; seed <= 5; ++seed) palettes.push_back(randomPalette(seed));
-    for (const Palette& palette : palettes) {
-        std::vector<PaletteColor> expected = palette.colors;
-        for (PaletteColor& entry : expected) {
-            if (entry.name.isEmpty()) entry.name = entry.color.hex();
+    void theBuiltInPalettesAreTheSameEverywhere() {
+        QStringList summary;
+        std::set<QUuid> ids;
+        for (const Palette& palette : PaletteLibrary::builtIn()) {
+            QVERIFY(palette.isBuiltIn);
+            ids.insert(palette.id);
+            summary += QStringLiteral("%1 %2").arg(palette.name).arg(palette.colors.size());
+            for (const PaletteColor& entry : palette.colors)
+                QVERIFY(entry.color.a == 1 && !entry.name.isEmpty());
         }
-        const Palette fromText =
-            PaletteLibrary::readGPL(PaletteLibrary::gpl(palette), QStringLiteral("file"));
-        QCOMPARE(fromText.name, palette.name);
-        QVERIFY2(fromText.colors == expected, qPrintable(written(fromText.colors)));
-        QVERIFY(fromText.id != palette.id && !fromText.isBuiltIn);
-        const Palette fromSwatches =
-            PaletteLibrary::readACO(bytesOf(PaletteLibrary::aco(palette)), QStringLiteral("file"));
-        QCOMPARE(fromSwatches.name, QStringLiteral("file"));
-        QVERIFY2(fromSwatches.colors == expected, qPrintable(written(fromSwatches.colors)));
-        QVERIFY(fromSwatches.id != fromText.id && !fromSwatches.isBuiltIn);
+        QCOMPARE(
+            summary.join(u'|'),
+            QStringLiteral("Qirn Chrome & Candy 16|Basic 12|Grayscale 16|Skin Tones 12|Desert & Canyon 12|"
+                           "Ocean & Sky 12|Pastels 10|Neon Night 9|Autumn Forest 10"));
+        QCOMPARE(ids.size(), 9u);
+        QCOMPARE(builtIn("Basic").id, QUuid(QStringLiteral("9507aa45-5c1d-46ee-9f84-33a37b05ca7f")));
+        const auto& grays = builtIn("Grayscale").colors;
+        QCOMPARE(written({grays[0], grays[4], grays[15]}),
+                 QStringLiteral("#000000 Gray 0%, #444444 Gray 26%, #FFFFFF Gray 100%"));
     }
-}
 
-void tst_Palettes::moreColoursThanSwatchesCanCountAreCut() {
-    Palette palette;
-    palette.colors.assign(65'536, named("#010203", "n"));
-    palette.colors[65'534] = named("#040506", "last");
-    const Palette back = PaletteLibrary::readACO(bytesOf(PaletteLibrary::aco(palette)), {});
-    QCOMPARE(back.colors.size(), 65'535u);
-    QCOMPARE(back.colors.back().name, QStringLiteral("last"));
-}
+    void gplIsWrittenInThisForm() {
+        const Palette palette{
+            {}, QString::fromUtf8("Ébauche"), {named("#0B0C10", "Gloss Black"), named("#F80")}, false};
+        QCOMPARE(
+            PaletteLibrary::gpl(palette),
+            QString::fromUtf8("GIMP Palette\nName: Ébauche\nColumns: 8\n"
+                              "# Made with Qirn Paint by Tessaly Works (Qirn) - https://qirnpaint.example\n"
+                              " 11  12  16\tGloss Black\n255 136   0\t#FF8800\n"));
+    }
 
-void tst_Palettes::filesAreReadAs_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* title, const QByteArray& file, const char* name,
-                        const QString& expected) {
-        QTest::newRow(title) << file << QString::fromUtf8(name) << expected;
-    };
-    const QByteArray head("GIMP Palette\n");
-    const QString f = QStringLiteral("f: ");
-    row("text of other systems",
-        "\xEF\xBB\xBFGIMP Palette\r\nName:\tMine \r\nColumns: 4\r\n#\r\n\r\n1 2 3\ta  b\r\n", "f.gpl",
-        QStringLiteral("Mine: #010203 a b"));
-    row("old line ends", "GIMP Palette\r255 254 253\r0 0 0", "f.gpl", f + "#FFFEFD, #000000");
-    row("head alone decides", "GIMP Palette 2\n1 2 3", "f.txt", f + "#010203");
-    row("blanks before the head", "  GIMP Palette\n1 2 3", "f.gpl", f + "#010203");
-    row("blanks before the head of text", " GIMP Palette\n1 2 3 abc", "f.txt", f + "#AABBCC");
-    row("last name wins", head + "Name: A\n1 2 3\n Name: B", "f.gpl", QStringLiteral("B: #010203"));
-    row("empty name", head + "Name:\n1 2 3", "f.gpl", QStringLiteral(": #010203"));
-    row("key for key", head + "name: A\nChannels: RGBA\n1 2 3 4", "f.gpl", f + "#010203 4");
-    row("signs", head + "+1 -0 +255\n-1 0 0\n+ 0 0", "f.gpl", f + "#0100FF");
-    row("out of range", head + "256 0 0\n0 0 99999999999999999999\n1 2\n1 2 x\n1.0 2 3\n0x1 2 3\n0255 0 0",
-        "f.gpl", f + "#FF0000");
-    row("digits of other scripts", head + "\xD9\xA1 2 3\n1 2 3", "f.gpl", f + "#010203");
-    row("bytes that are no UTF-8", head + "1 2 3 caf\xE9", "f.gpl",
-        QString::fromUtf8("f: #010203 caf\uFFFD"));
-    row("zero bytes", head + QByteArray("1 2 3 a\0b\n", 10), "f.gpl",
-        f + QString::fromLatin1("#010203 a\0b", 11));
-    row("upper case extension", head + "1 2 3", "a.b.GPL", QStringLiteral("a.b: #010203"));
-    row("no extension", head + "1 2 3", ".gpl", QStringLiteral(".gpl: #010203"));
-    row("not a palette", "#FF0000", "f.gpl", refusal("not a GIMP palette"));
-    row("empty palette", "", "f.gpl", refusal("not a GIMP palette"));
-    row("head not first", "\n" + head + "1 2 3", "f.gpl", refusal("not a GIMP palette"));
-    row("no colours", head + "Name: A\n#1 2 3\nColumns: 1 2 3\n", "f.gpl", refusal("no colors found"));
+    void acoIsWrittenInTheseBytes() {
+        const Palette palette{{}, {}, {named("#0B80FF", "Aé"), {PaintColor(0.5, 0, 1, 0.25), {}}}, false};
+        QCOMPARE(
+            PaletteLibrary::aco(palette).toHex(),
+            words({1, 2,      0, 0x0B0B, 0x8080, 0xFFFF, 0, 0,   0x8080, 0,   0xFFFF, 0,                 //
+                   2, 2,      0, 0x0B0B, 0x8080, 0xFFFF, 0, 0,   3,      'A', 0xE9,   0,                 //
+                   0, 0x8080, 0, 0xFFFF, 0,      0,      8, '#', '8',    '0', '0',    '0', 'F', 'F', 0}) //
+                .toHex());
+    }
 
-    row("every separator", "#F80,0d0221;abc\tffffff80 \n\r#123456", "f.hex",
-        f + "#FF8800, #0D0221, #AABBCC, #FFFFFF, #123456");
-    row("other words", "; paint.net\nFFGG00 red 12345 #AA1122", "f.txt", f + "#AA1122");
-    row("plus for a digit", "+12345 +12", "f.txt", f + "#012345");
-    row("no codes", "red green", "f.txt", refusal("no #RRGGBB colors found"));
-    row("nothing", "", "f", refusal("no #RRGGBB colors found"));
-}
+    void palettesComeBackFromBothForms() {
+        std::vector<Palette> palettes = PaletteLibrary::builtIn();
+        for (uint64_t seed = 1; seed <= 5; ++seed) palettes.push_back(randomPalette(seed));
+        for (const Palette& palette : palettes) {
+            std::vector<PaletteColor> expected = palette.colors;
+            for (PaletteColor& entry : expected) {
+                if (entry.name.isEmpty()) entry.name = entry.color.hex();
+            }
+            const Palette fromText =
+                PaletteLibrary::readGPL(PaletteLibrary::gpl(palette), QStringLiteral("file"));
+            QCOMPARE(fromText.name, palette.name);
+            QVERIFY2(fromText.colors == expected, qPrintable(written(fromText.colors)));
+            QVERIFY(fromText.id != palette.id && !fromText.isBuiltIn);
+            const Palette fromSwatches =
+                PaletteLibrary::readACO(bytesOf(PaletteLibrary::aco(palette)), QStringLiteral("file"));
+            QCOMPARE(fromSwatches.name, QStringLiteral("file"));
+            QVERIFY2(fromSwatches.colors == expected, qPrintable(written(fromSwatches.colors)));
+            QVERIFY(fromSwatches.id != fromText.id && !fromSwatches.isBuiltIn);
+        }
+    }
 
-void tst_Palettes::filesAreReadAs() {
-    QFETCH(QByteArray, file);
-    QFETCH(QString, name);
-    QTEST(reading(file, name.toUtf8().constData()), "expected");
-}
+    void filesAreReadAs_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* title, const QByteArray& file, const char* name,
+                            const QString& expected) {
+            QTest::newRow(title) << file << QString::fromUtf8(name) << expected;
+        };
+        const QByteArray head("GIMP Palette\n");
+        const QString f = QStringLiteral("f: ");
+        row("text of other systems",
+            "\xEF\xBB\xBFGIMP Palette\r\nName:\tMine \r\nColumns: 4\r\n#\r\n\r\n1 2 3\ta  b\r\n", "f.gpl",
+            QStringLiteral("Mine: #010203 a b"));
+        row("old line ends", "GIMP Palette\r255 254 253\r0 0 0", "f.gpl", f + "#FFFEFD, #000000");
+        row("blanks before the head of text", " GIMP Palette\n1 2 3 abc", "f.txt", f + "#AABBCC");
+        row("last name wins", head + "Name: A\n1 2 3\n Name: B", "f.gpl", QStringLiteral("B: #010203"));
+        row("key for key", head + "name: A\nChannels: RGBA\n1 2 3 4", "f.gpl", f + "#010203 4");
+        row("signs", head + "+1 -0 +255\n-1 0 0\n+ 0 0", "f.gpl", f + "#0100FF");
+        row("out of range",
+            head + "256 0 0\n0 0 99999999999999999999\n1 2\n1 2 x\n1.0 2 3\n0x1 2 3\n0255 0 0", "f.gpl",
+            f + "#FF0000");
+        row("bytes that are no UTF-8", head + "1 2 3 caf\xE9", "f.gpl",
+            QString::fromUtf8("f: #010203 caf\uFFFD"));
+        row("upper case extension", head + "1 2 3", "a.b.GPL", QStringLiteral("a.b: #010203"));
+        row("not a palette", "#FF0000", "f.gpl", refusal("not a GIMP palette"));
+        row("no colours", head + "Name: A\n#1 2 3\nColumns: 1 2 3\n", "f.gpl", refusal("no colors found"));
 
-void tst_Palettes::swatchesAreReadAs_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("expected");
-    const QByteArray first = words({1, 1, 0, 0xFFFF, 0, 0, 0});
-    const QString f = QStringLiteral("a.b: ");
-    QTest::newRow("first section alone") << first << f + "#FF0000";
-    QTest::newRow("every space") << words({1, 8,     1, 21845, 65535, 65535, 0, 1, 65535, 65535, 32768, 7,
-                                           2, 65535, 0, 32768, 32768, 2,     0, 0, 0,     0,     7,     9000,
-                                           1, 2,     3, 8,     5000,  0,     0, 0, 8,     10001, 9,     9,
-                                           9, 3,     1, 1,     1,     1})
-                                 << f + "#00FF00, #800000, #800040, #000000, #808080, #FFFFFF";
-    QTest::newRow("second section has the names")
-        << first + words({2, 3, 0, 0,      0xFFFF, 0, 0, 0, 3, 'A', 'b', 0, 7, 1, 2, 3, 4, 0, 2, 'L', 0, //
+        row("every separator", "#F80,0d0221;abc\tffffff80 \n\r#123456", "f.hex",
+            f + "#FF8800, #0D0221, #AABBCC, #FFFFFF, #123456");
+        row("other words", "; paint.net\nFFGG00 red 12345 #AA1122", "f.txt", f + "#AA1122");
+        row("plus for a digit", "+12345 +12", "f.txt", f + "#012345");
+    }
+    void filesAreReadAs() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, name);
+        QTEST(reading(file, name.toUtf8().constData()), "expected");
+    }
+
+    void swatchesAreReadAs_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("expected");
+        const QByteArray first = words({1, 1, 0, 0xFFFF, 0, 0, 0});
+        const QString f = QStringLiteral("a.b: ");
+        QTest::newRow("first section alone") << first << f + "#FF0000";
+        QTest::newRow("every space") << words({1,     8,     1, 21845, 65535, 65535, 0,     1,     65535,
+                                               65535, 32768, 7, 2,     65535, 0,     32768, 32768, 2,
+                                               0,     0,     0, 0,     7,     9000,  1,     2,     3,
+                                               8,     5000,  0, 0,     0,     8,     10001, 9,     9,
+                                               9,     3,     1, 1,     1,     1})
+                                     << f + "#00FF00, #800000, #800040, #000000, #808080, #FFFFFF";
+        QTest::newRow("second section has the names")
+            << first +
+                   words({2, 3, 0, 0,      0xFFFF, 0, 0, 0, 3, 'A', 'b', 0, 7, 1, 2, 3, 4, 0, 2, 'L', 0, //
                           0, 0, 0, 0xFFFF, 0,      0, 0})
-        << f + "#00FF00 Ab, #0000FF";
-    QTest::newRow("zeros and broken pairs in names")
-        << first + words({2, 1, 0, 0, 0, 0, 0, 0, 9, 0, 'a', 0, 0xD83D, 0xDE00, 0xDC00, 'b', 0xD800, 0})
-        << QString::fromUtf8("a.b: #000000 a😀\uFFFDb\uFFFD");
-    QTest::newRow("second section without a known colour")
-        << first + words({2, 1, 7, 0, 0, 0, 0, 0, 1, 0}) << f + "#FF0000";
-    QTest::newRow("first section empty") << words({1, 0, 2, 1, 8, 0, 0, 0, 0, 0, 0}) << f + "#000000";
-    QTest::newRow("something else behind") << first + words({3, 9, 9}) << f + "#FF0000";
-    QTest::newRow("three bytes behind") << first + words({2}) + "x" << f + "#FF0000";
-    QTest::newRow("more behind both") << first + words({2, 0, 77, 78}) << f + "#FF0000";
-    QTest::newRow("no colours") << words({1, 1, 7, 0, 0, 0, 0, 2, 0}) << refusal("no colors found");
-    QTest::newRow("another version") << words({2, 1, 0, 0, 0, 0, 0, 0, 0})
-                                     << refusal("not a Photoshop swatch file");
-    QTest::newRow("text") << QByteArray("GIMP Palette\n1 2 3") << refusal("not a Photoshop swatch file");
-    QTest::newRow("nothing") << QByteArray() << refusal("the file is cut short");
-    QTest::newRow("a name longer than any file")
-        << first + words({2, 1, 0, 0, 0, 0, 0, 0xFFFF, 0xFFFF, 'a'}) << refusal("the file is cut short");
-}
-
-void tst_Palettes::swatchesAreReadAs() {
-    QFETCH(QByteArray, file);
-    QTEST(reading(file, "a.b.Aco"), "expected");
-}
-
-void tst_Palettes::swatchesCutAnywhereAreRefused() {
-    const Palette& palette = builtIn("Neon Night");
-    const QByteArray whole = PaletteLibrary::aco(palette);
-    const qsizetype first = 4 + 10 * static_cast<qsizetype>(palette.colors.size());
-    for (qsizetype length = 0; length < whole.size(); ++length) {
-        const QString result = reading(whole.left(length), "bad.aco");
-        // Up to the count of the second section the first is a file of its own.
-        const bool isWhole = length >= first && length < first + 4;
-        QVERIFY2(isWhole ? result.startsWith(QStringLiteral("bad: #0D0221, "))
-                         : result == refusal("the file is cut short"),
-                 qPrintable(QStringLiteral("%1 bytes: %2").arg(length).arg(result)));
+            << f + "#00FF00 Ab, #0000FF";
+        QTest::newRow("zeros and broken pairs in names")
+            << first + words({2, 1, 0, 0, 0, 0, 0, 0, 9, 0, 'a', 0, 0xD83D, 0xDE00, 0xDC00, 'b', 0xD800, 0})
+            << QString::fromUtf8("a.b: #000000 a😀\uFFFDb\uFFFD");
+        QTest::newRow("three bytes behind") << first + words({2}) + "x" << f + "#FF0000";
+        QTest::newRow("no colours") << words({1, 1, 7, 0, 0, 0, 0, 2, 0}) << refusal("no colors found");
+        QTest::newRow("another version")
+            << words({2, 1, 0, 0, 0, 0, 0, 0, 0}) << refusal("not a Photoshop swatch file");
+        QTest::newRow("nothing") << QByteArray() << refusal("the file is cut short");
+        QTest::newRow("a name longer than any file")
+            << first + words({2, 1, 0, 0, 0, 0, 0, 0xFFFF, 0xFFFF, 'a'}) << refusal("the file is cut short");
     }
-}
+    void swatchesAreReadAs() {
+        QFETCH(QByteArray, file);
+        QTEST(reading(file, "a.b.Aco"), "expected");
+    }
 
-void tst_Palettes::theStoreKeepsEveryField() {
-    std::vector<Palette> palettes = PaletteLibrary::builtIn();
-    palettes.push_back(randomPalette(9));
-    palettes.back().colors[1].color = {1.0 / 3, 0.1 + 0.2, 1e-9, 0.7};
-    palettes.push_back({QUuid::createUuid(), QStringLiteral("\"\\\n"), {}, false});
-    const QByteArray text = PaletteStore::encode(palettes);
-    QVERIFY(PaletteStore::decode(bytesOf(text)) == palettes);
-    QVERIFY(PaletteStore::decode(bytesOf(PaletteStore::encode({})))->empty());
+    void theStoreKeepsEveryField() {
+        std::vector<Palette> palettes = PaletteLibrary::builtIn();
+        palettes.push_back(randomPalette(9));
+        palettes.back().colors[1].color = {1.0 / 3, 0.1 + 0.2, 1e-9, 0.7};
+        palettes.push_back({QUuid::createUuid(), QStringLiteral("\"\\\n"), {}, false});
+        const QByteArray text = PaletteStore::encode(palettes);
+        QVERIFY(PaletteStore::decode(bytesOf(text)) == palettes);
+        QVERIFY(PaletteStore::decode(bytesOf(PaletteStore::encode({})))->empty());
 
-    const Palette one{QUuid(QStringLiteral("0a1b2c3d-0000-4000-8000-00000000000f")),
-                      QStringLiteral("N"),
-                      {named("#F00", "Red")},
-                      true};
-    QCOMPARE(PaletteStore::encode({&one, 1}).simplified(),
-             QByteArray(R"([ { "id": "0A1B2C3D-0000-4000-8000-00000000000F", "name": "N", "colors": [ )"
-                        R"({ "color": { "r": 1.0, "g": 0.0, "b": 0.0, "a": 1.0 }, "name": "Red" } ], )"
-                        R"("isBuiltIn": true } ])"));
-}
+        const Palette one{QUuid(QStringLiteral("0a1b2c3d-0000-4000-8000-00000000000f")),
+                          QStringLiteral("N"),
+                          {named("#F00", "Red")},
+                          true};
+        QCOMPARE(PaletteStore::encode({&one, 1}).simplified(),
+                 QByteArray(R"([ { "id": "0A1B2C3D-0000-4000-8000-00000000000F", "name": "N", "colors": [ )"
+                            R"({ "color": { "r": 1.0, "g": 0.0, "b": 0.0, "a": 1.0 }, "name": "Red" } ], )"
+                            R"("isBuiltIn": true } ])"));
+    }
 
-void tst_Palettes::aStoreThatIsDamagedIsRefusedWhole_data() {
-    QTest::addColumn<QByteArray>("from");
-    QTest::addColumn<QByteArray>("to");
-    for (const char* key : {"id", "name", "colors", "isBuiltIn", "color", "r", "a"})
-        QTest::newRow(key) << '"' + QByteArray(key) + "\":" << QByteArray("\"x\":");
-    QTest::newRow("flag as number") << QByteArray("true") << QByteArray("1");
-    QTest::newRow("colours as object") << QByteArray("\"colors\":[") << QByteArray("\"colors\":0,\"y\":[");
-    QTest::newRow("id without hyphens") << QByteArray("0000-4000") << QByteArray("000004000");
-}
-
-void tst_Palettes::aStoreThatIsDamagedIsRefusedWhole() {
-    QFETCH(QByteArray, from);
-    QFETCH(QByteArray, to);
-    const QByteArray good(R"({"id":"0a1b2c3d-0000-4000-8000-00000000000f","name":"N","colors":[{"color":)"
-                          R"({"r":1,"g":2,"b":0,"a":1},"name":""}],"isBuiltIn":true,"more":[]})");
-    QVERIFY(PaletteStore::decode(bytesOf('[' + good + ',' + good + ']')));
-    QVERIFY(!PaletteStore::decode(bytesOf(good))); // no list
-    QByteArray bad = '[' + good + ']';
-    QVERIFY(bad.contains(from));
-    bad.replace(bad.indexOf(from), from.size(), to);
-    QVERIFY(!PaletteStore::decode(bytesOf(bad)));
-    QVERIFY(!PaletteStore::decode(bytesOf('[' + good + ',' + bad.mid(1))));
-}
+    void aStoreThatIsDamagedIsRefusedWhole() {
+        const QByteArray good(R"({"id":"0a1b2c3d-0000-4000-8000-00000000000f","name":"N","colors":[{"color":)"
+                              R"({"r":1,"g":2,"b":0,"a":1},"name":""}],"isBuiltIn":true,"more":[]})");
+        QVERIFY(PaletteStore::decode(bytesOf('[' + good + ',' + good + ']')));
+        QVERIFY(!PaletteStore::decode(bytesOf(good))); // no list
+        for (const auto& [from, to] : {std::pair{"\"id\":", "\"x\":"},
+                                       {"\"isBuiltIn\":", "\"x\":"},
+                                       {"\"color\":", "\"x\":"},
+                                       {"\"a\":", "\"x\":"},
+                                       {"true", "1"},
+                                       {"\"colors\":[", "\"colors\":0,\"y\":["},
+                                       {"0000-4000", "000004000"}}) {
+            const QByteArray bad = QByteArray(good).replace(from, to);
+            QVERIFY2(bad != good && !PaletteStore::decode(bytesOf('[' + good + ',' + bad + ']')), from);
+        }
+    }
+};
 
 QIRN_TEST(tst_Palettes)
 #include "tst_Palettes.moc"
