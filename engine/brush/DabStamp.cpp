@@ -101,7 +101,10 @@ void DabStamp::place(const Dab& dab) {
     placed.ink.ceiling = dab.ceiling;
     placed.ink.flow = static_cast<float>(dab.flow);
     placed.ink.textured = dab.textured;
-    for (int64_t index : document_.grid().tilesIn(box)) listTile(index, box);
+    const Selection* selection = document_.selection.get();
+    for (int64_t index : document_.grid().tilesIn(box)) {
+        if (!selection || !selection->tiles().isAbsent(index)) listTile(index, box);
+    }
 }
 
 /// A tile that dabs fall on, and what they touch of it.
