@@ -1,7 +1,6 @@
 #include "formats/psd/PSDPicture.h"
 
 #include "core/PaintEngine.h"
-#include "core/RGBABuffer.h"
 #include "formats/ByteReader.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDPixels.h"
@@ -28,33 +27,74 @@ bool isOpenable(const PSDSections& sections) {
     return isSide(sections.width) && isSide(sections.height);
 }
 
+/// The tiles that some whole rows of a layer lie on.
+class RowTiles {
+public:
+    RowTiles(Layer& layer, int64_t first, int64_t rows)
+        : layer_(layer),
+          firstRow_(first / kTileSize),
+          end_(first + rows),
+          slots_(layer.grid().tilesIn({0, first, layer.grid().width, rows})) {
+        for (int64_t slot : slots_) tiles_.push_back(layer.writableTile(slot).writablePixels());
+    }
+
+    /// From any thread.
+    void put(int64_t y, std::span<const uint8_t> row) const {
+        const auto* tile =
+            &tiles_[static_cast<std::size_t>((y / kTileSize - firstRow_) * layer_.grid().cols)];
+        for (; !row.empty(); ++tile) {
+            const std::size_t bytes = std::min<std::size_t>(row.size(), kTileRowBytes);
+            std::copy_n(row.begin(), bytes, *tile + y % kTileSize * kTileRowBytes);
+            row = row.subspan(bytes);
+        }
+    }
+    /// Of tiles that no later row lies on, those without alpha go.
+    void finish() {
+        for (int64_t slot : slots_) {
+            if (layer_.grid().rectOf(slot).maxY() <= end_ && layer_.tile(slot)->isEmpty())
+                layer_.setTile(slot, nullptr);
+        }
+    }
+
+private:
+    Layer& layer_;
+    const int64_t firstRow_; // of the grid
+    const int64_t end_;      // of the picture's rows
+    const std::vector<int64_t> slots_;
+    std::vector<uint8_t*> tiles_;
+};
+
 /// Null where the backdrop turns out to be another one.
-std::shared_ptr<RGBABuffer> pictureOn(PSDPixels::Backdrop backdrop, const PSDSections& sections) {
+LayerRef pictureOn(PSDPixels::Backdrop backdrop, const PSDSections& sections) {
     const PSDPixels pixels(sections, backdrop);
     PSDPlanes planes(sections, pixels.channels()); // checks the size against the bytes before memory is taken
-    auto picture = std::make_shared<RGBABuffer>(sections.width, sections.height);
+    auto picture =
+        std::make_shared<Layer>(QStringLiteral("Background"), TileGrid(sections.width, sections.height));
     std::atomic<bool> fits = true;
     for (int64_t first = 0; first < sections.height && fits; first += planes.rowsAtOnce()) {
         const int64_t rows = std::min(planes.rowsAtOnce(), sections.height - first);
         planes.loadBand(first, rows);
+        RowTiles tiles(*picture, first, rows);
         concurrentPerform((rows + kRowsATask - 1) / kRowsATask, [&](int64_t task) {
             const auto rowBytes = static_cast<std::size_t>(planes.rowBytes());
             std::vector<uint8_t> samples(rowBytes * static_cast<std::size_t>(pixels.channels()));
+            std::vector<uint8_t> row(static_cast<std::size_t>(sections.width) * 4);
             const int64_t from = task * kRowsATask;
             for (int64_t y = first + from; y < first + std::min(from + kRowsATask, rows); ++y) {
                 for (int c = 0; c < pixels.channels(); ++c)
                     planes.readRow(
                         c, y, std::span(samples).subspan(static_cast<std::size_t>(c) * rowBytes, rowBytes));
-                const std::span row(picture->row(y), static_cast<std::size_t>(sections.width) * 4);
                 if (!pixels.convert(samples, row)) fits = false;
+                tiles.put(y, row);
             }
         });
+        tiles.finish();
     }
     return fits ? picture : nullptr;
 }
 
 /// Photoshop stores transparent pictures of layered files as they look on white, and other programs do so or not.
-std::shared_ptr<RGBABuffer> pictureOf(const PSDSections& sections) {
+LayerRef pictureOf(const PSDSections& sections) {
     if (sections.hasLayers && sections.hasAlpha) {
         if (auto picture = pictureOn(PSDPixels::Backdrop::white, sections)) return picture;
     }
@@ -74,11 +114,7 @@ std::optional<DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) 
         const bool isThere =
             sections->hasMergedPicture && std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
         if (sections->hasLayers && !isThere) throw PSDFile::PSDError::noMergedPicture();
-        const auto picture = pictureOf(*sections);
-        auto layer = std::make_shared<Layer>(QStringLiteral("Background"),
-                                             TileGrid(sections->width, sections->height));
-        layer->load(*picture);
-        return DecodedPicture{std::move(layer), sections->dpi};
+        return DecodedPicture{pictureOf(*sections), sections->dpi};
     } catch (const BEReader::Short&) {
         return std::nullopt;
     }
