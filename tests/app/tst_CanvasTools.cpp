@@ -1,3 +1,4 @@
+#include "FloatingImage.h"
 #include "TextSpec.h"
 #include "compositing/CompositeInputs.h"
 #include "operations/LayerOperations.h"
@@ -6,6 +7,8 @@
 #include "support/TestMain.h"
 
 #include <cmath>
+
+#include <QPainter>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -51,6 +54,7 @@ private Q_SLOTS:
     void nothingToMoveIsTold();
     void alphaLockLosesNothing();
     void noSafetyCopyOfFloatingPixels();
+    void liftedPixelsAreShownAsOneImage();
     void textBecomesALayer();
 };
 
@@ -403,6 +407,40 @@ void tst_CanvasTools::noSafetyCopyOfFloatingPixels() {
     studio.model.applyTransform();
     studio.model.autosaveTick();
     QVERIFY(studio.model.lastAutosaveText());
+}
+
+void tst_CanvasTools::liftedPixelsAreShownAsOneImage() {
+    const auto doc = randomDocument(600, 500, 1, 7);
+    const Floating floating{doc->layers()[0], {30, 20, 510, 430}, {}};
+    const auto whole = floating.picture(floating.origin);
+    const auto drawn = [](const auto& draw) {
+        QImage device(200, 150, QImage::Format_RGBA8888_Premultiplied);
+        device.fill(Qt::transparent);
+        QPainter painter(&device);
+        draw(painter);
+        return device;
+    };
+    FloatingImage shown; // each view takes up what the last one had
+    const QTransform views[] = {QTransform(3, 0, 0, 3, -900, -700), QTransform(3, 0, 0, 3, -930, -640),
+                                QTransform(1, 0, 0, 1, 150, 100),   QTransform(1, 0, 0, 1, -480, -350),
+                                QTransform(1, 0, 0, 1, -900, 0),    QTransform(-1, 0, 0, 2, 300, -500)};
+    for (const QTransform& view : views) {
+        const QImage got = drawn([&](QPainter& painter) { shown.paint(painter, floating, view); });
+        QCOMPARE(got, drawn([&](QPainter& painter) {
+                     painter.setTransform(view);
+                     painter.drawImage(0, 0, whole->makeImage());
+                 }));
+    }
+    // From afar a pixel is the mean of what it covers, in the corner of as much as there is.
+    const QImage far =
+        drawn([&](QPainter& painter) { shown.paint(painter, floating, QTransform::fromScale(0.25, 0.25)); });
+    for (const QPoint at : {QPoint(0, 0), QPoint(100, 60), QPoint(127, 107)}) {
+        int sums[4] = {8, 8, 8, 8};
+        for (int i = 0; i < 64; ++i)
+            sums[i % 4] +=
+                whole->pixel(at.x() * 4 + i / 4 % 4, at.y() * 4 + i / 16)[static_cast<std::size_t>(i % 4)];
+        for (int c = 0; c < 4; ++c) QCOMPARE(int(far.constScanLine(at.y())[at.x() * 4 + c]), sums[c] / 16);
+    }
 }
 
 void tst_CanvasTools::textBecomesALayer() {
