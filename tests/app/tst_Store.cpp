@@ -117,16 +117,16 @@ private Q_SLOTS:
             for (auto value = values.begin(); value != values.end(); ++value)
                 older.setValue(value.key(), value.value());
         }
-        for (const bool again : {false, true}) {
-            const Store store(file_, ini);
-            QCOMPARE(store.text(kKey), QStringLiteral("eraser"));
-            QCOMPARE(store.text(QStringLiteral("qirn.pt.textFont")), QStringLiteral("Gänsefüßchen; \"A\""));
-            QCOMPARE(store.flag(QStringLiteral("qirn.pt.textBold")), std::optional(false));
-            QCOMPARE(store.number(QStringLiteral("qirn.pt.jpegQuality")), std::optional(0.8));
-            QCOMPARE(jsonMember(*store.json(QStringLiteral("qirn.pt.fill")), "expand"), 2);
-            QVERIFY(store.text(QStringLiteral("qirn.pt.colors")));
-            if (!again) QSettings(ini, QSettings::IniFormat).setValue(kKey, QByteArray("blur"));
-        }
+        Store(file_, ini).flush();
+        const QByteArray taken(
+            "{\"qirn.pt.colors\":\"[{\\\"r\\\":\",\"qirn.pt.fill\":{\"expand\":2},"
+            "\"qirn.pt.jpegQuality\":0.8,\"qirn.pt.textBold\":0,"
+            "\"qirn.pt.textFont\":\"Gänsefüßchen; \\\"A\\\"\",\"qirn.pt.tool\":\"eraser\"}");
+        QCOMPARE(stored(), taken);
+        QSettings(ini, QSettings::IniFormat).setValue(kKey, QByteArray("blur"));
+        const Store again(file_, ini);
+        QCOMPARE(again.text(kKey), QStringLiteral("eraser"));
+        QCOMPARE(again.flag(QStringLiteral("qirn.pt.textBold")), std::optional(false));
     }
 
     void preferencesAreBroughtIntoTheirRanges() {
@@ -138,12 +138,14 @@ private Q_SLOTS:
             prefs.save(store);
             return PaintPrefs::load(store);
         };
-        const PaintPrefs low = loaded(-1e9), none = loaded(0), high = loaded(1e18);
-        QCOMPARE(QList<double>({low.autosaveSeconds, none.autosaveSeconds, high.autosaveSeconds}),
-                 QList<double>({30, 0, 600}));
-        QCOMPARE(QList<double>({low.pressureCurve, high.pressureCurve, low.checkerSize, high.checkerSize}),
-                 QList<double>({0.4, 2.5, 4, 40}));
-        QCOMPARE(QList<int64_t>({low.undoSteps, high.undoSteps}), QList<int64_t>({20, 500}));
+        const auto numbers = [&](double given) {
+            const PaintPrefs prefs = loaded(given);
+            return QList<double>({prefs.autosaveSeconds, prefs.pressureCurve, prefs.checkerSize,
+                                  static_cast<double>(prefs.undoSteps)});
+        };
+        QCOMPARE(numbers(-1e9), QList<double>({30, 0.4, 4, 20}));
+        QCOMPARE(numbers(0), QList<double>({0, 0.4, 4, 20}));
+        QCOMPARE(numbers(1e18), QList<double>({600, 2.5, 40, 500}));
     }
 };
 
