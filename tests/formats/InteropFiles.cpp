@@ -30,9 +30,18 @@ QImage straightImage(const RGBABuffer& buffer, const IRect& rect) {
     return image;
 }
 
-/// A layer of each blend mode with noise in a rectangle of its own, one hidden, one clipped, one empty.
+/// Premultiplied, four bytes a pixel.
+QByteArray rawPixels(const RGBABuffer& buffer, const IRect& rect) {
+    QByteArray bytes;
+    for (int64_t y = rect.y; y < rect.maxY(); ++y)
+        bytes.append(reinterpret_cast<const char*>(buffer.row(y) + 4 * rect.x), 4 * rect.w);
+    return bytes;
+}
+
+/// A layer of each blend mode with noise in a rectangle of its own, one hidden, one clipped, one empty; nothing below
+/// them.
 std::unique_ptr<PaintDocument> document() {
-    auto doc = std::make_unique<PaintDocument>(400, 300, 150, PaintColor(0.9, 0.8, 0.7));
+    auto doc = std::make_unique<PaintDocument>(400, 300, 150, std::nullopt);
     for (const BlendModeRow& row : kBlendModes) {
         const auto i = static_cast<int64_t>(row.mode);
         addLayer(*doc, QString::fromUtf8(row.id) + QStringLiteral(" é"));
@@ -60,13 +69,16 @@ int main(int argc, char** argv) {
     const auto doc = document();
     save(folder.filePath("layered.psd"), PSDFile::write(*doc, PSDFile::Layered::yes));
     save(folder.filePath("flat.psd"), PSDFile::write(*doc, PSDFile::Layered::no));
-    straightImage(*flattened(*doc), doc->grid().bounds()).save(folder.filePath("finished.png"));
+    const auto finished = flattened(*doc);
+    straightImage(*finished, doc->grid().bounds()).save(folder.filePath("finished.png"));
+    save(folder.filePath("finished.rgba"), rawPixels(*finished, doc->grid().bounds()));
     QString list;
     QTextStream lines(&list);
     for (int64_t i = 0; i < doc->layerCount(); ++i) {
         const Layer& layer = doc->layer(i);
         const IRect rect = layer.contentBounds().value_or(IRect{0, 0, 1, 1});
         straightImage(*layer.toBuffer(), rect).save(folder.filePath(QStringLiteral("layer-%1.png").arg(i)));
+        save(folder.filePath(QStringLiteral("layer-%1.rgba").arg(i)), rawPixels(*layer.toBuffer(), rect));
         lines << layer.name << '\t' << rowOf(layer.blendMode).id << '\t' << std::lround(layer.opacity * 255)
               << '\t' << layer.isVisible << '\t' << layer.isClipping << '\t' << rect.x << '\t' << rect.y
               << '\n';

@@ -106,14 +106,16 @@ private Q_SLOTS:
                  hex("00000000 00000000 03") + "Ink8BIMluni" + hex("0000000C 00000003 0049 006E 006B 0000"));
         QCOMPARE(file.mid(166, 24), hex("0001 0002 FE64  0001 0002 FE80  0001 0002 FE00  0001 0002 FEFF"));
         QCOMPARE(file.mid(190, 4), hex("00000000"));
-        // Hidden: seven rows of nothing, four times.
-        QByteArray picture = hex("0001"), row = hex("8100 8100 D500");
-        for (int i = 0; i < 28; ++i) picture += big16(6);
-        for (int i = 0; i < 28; ++i) picture += row;
-        QCOMPARE(file.mid(194), picture);
+        // Hidden: seven rows of nothing, four times; with layers the colours are white, and others lie on it.
+        const QByteArray counts = hex("0001") + big16(6).repeated(28), zeros = hex("8100 8100 D500");
+        QCOMPARE(file.mid(194), counts + hex("81FF 81FF D5FF").repeated(21) + zeros.repeated(7));
+        PaintDocument dot(1, 1, 72, std::nullopt);
+        paintRect(dot, dot.activeLayer(), {0, 0, 1, 1}, {10, 20, 30, 100});
+        QCOMPARE(PSDFile::write(dot, Layered::yes).right(18),
+                 hex("0001 0002 0002 0002 0002 00A5 00AF 00B9 0064"));
 
         const QByteArray flat = PSDFile::write(doc, Layered::no);
-        QCOMPARE(flat, file.left(62) + hex("00000000") + picture);
+        QCOMPARE(flat, file.left(62) + hex("00000000") + counts + zeros.repeated(28));
     }
 
     void anyNumberOfThreadsWritesTheSame() {
@@ -125,7 +127,7 @@ private Q_SLOTS:
                                 randomDocument(1, 1, 1, 4), std::move(odd)}) {
             setConcurrency(1);
             const QByteArray alone = PSDFile::write(*doc, Layered::yes);
-            QCOMPARE(alone[69] % 2, 0); // the length of the layers
+            QCOMPARE(alone[69] % 4, 0); // the length of the layers
             setConcurrency(8);
             QVERIFY(PSDFile::write(*doc, Layered::yes) == alone);
             const auto again = PSDFile::read(bytesOf(alone));

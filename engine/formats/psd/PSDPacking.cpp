@@ -22,8 +22,25 @@ constexpr std::size_t kChunkBytes = 1 << 20;
 constexpr int64_t kTilesOfAWorker = 16;
 constexpr int64_t kMostTiles = 96; // 24 MiB
 
+constexpr std::size_t kAlpha = 3; // which plane
+
 int64_t bandOf(int64_t y) {
     return y / kBandRows;
+}
+
+/// What a plane holds where nothing is.
+uint8_t blankOf(std::size_t plane, Matte matte) {
+    return matte == Matte::white && plane != kAlpha ? 255 : 0;
+}
+
+/// Colour stored multiplied by alpha lacks just the light that a white ground gives.
+void whiteRow(const uint8_t* pixels, int64_t count, const PlaneRows& rows) {
+    for (int64_t x = 0; x < count; ++x, pixels += 4) {
+        const int white = 255 - pixels[kAlpha];
+        for (std::size_t c = 0; c < kAlpha; ++c)
+            rows[c][x] = static_cast<uint8_t>(std::min(pixels[c] + white, 255));
+        rows[kAlpha][x] = pixels[kAlpha];
+    }
 }
 
 } // namespace
@@ -73,28 +90,32 @@ IRect PlanePacker::bandRect(const PackedPlanes& planes, int64_t band) const {
     return rect.intersection({rect.x, (bandOf(rect.y) + band) * kBandRows, rect.w, kBandRows});
 }
 
-void PlanePacker::packBlank(PackedPlanes& planes, int64_t band, Room& room) {
+void PlanePacker::packBlank(PackedPlanes& planes, int64_t band, Matte matte, Room& room) {
     const IRect part = bandRect(planes, band);
-    const std::vector<uint8_t> zeros(static_cast<std::size_t>(part.w));
-    uint8_t* const start = room.atLeast(packedRoom(zeros.size()) * static_cast<std::size_t>(part.h));
-    const auto length = static_cast<std::size_t>(packBits(zeros, start) - start);
-    for (int64_t y = 1; y < part.h; ++y)
-        std::memcpy(start + static_cast<std::size_t>(y) * length, start, length);
-    const auto rows = room.keep(start + static_cast<std::size_t>(part.h) * length);
-    for (std::size_t plane = 0; plane < kPlanes; ++plane) {
+    PackedBand& packed = planes.bands[static_cast<std::size_t>(band)];
+    for (std::size_t plane = kPlanes; plane-- > 0;) {
+        const std::vector<uint8_t> blank(static_cast<std::size_t>(part.w), blankOf(plane, matte));
+        if (plane < kAlpha && blank[0] == blankOf(plane + 1, matte)) {
+            packed[plane] = packed[plane + 1];
+        } else {
+            uint8_t* const start = room.atLeast(packedRoom(blank.size()) * static_cast<std::size_t>(part.h));
+            const auto length = static_cast<std::size_t>(packBits(blank, start) - start);
+            for (int64_t y = 1; y < part.h; ++y)
+                std::memcpy(start + static_cast<std::size_t>(y) * length, start, length);
+            packed[plane] = room.keep(start + static_cast<std::size_t>(part.h) * length);
+        }
         std::fill_n(planes.counts[plane].begin() + (part.y - planes.rect.y), part.h,
-                    static_cast<uint16_t>(length));
-        planes.bands[static_cast<std::size_t>(band)][plane] = rows;
+                    static_cast<uint16_t>(std::ssize(packed[plane]) / part.h));
     }
 }
 
 void PlanePacker::packBand(PackedPlanes& planes, int64_t band, std::span<const uint8_t* const> tiles,
-                           Worker& worker) {
+                           Matte matte, Worker& worker) {
     const IRect part = bandRect(planes, band);
     const int64_t firstTile = part.x / kTileSize, lastTile = (part.maxX() - 1) / kTileSize;
     if (std::all_of(tiles.begin() + firstTile, tiles.begin() + lastTile + 1,
                     [](const uint8_t* tile) { return tile == nullptr; }))
-        return packBlank(planes, band, worker.room);
+        return packBlank(planes, band, matte, worker.room);
     const auto width = static_cast<std::size_t>(part.w);
     const std::size_t planeSize = width * static_cast<std::size_t>(part.h);
     worker.rows.resize(std::max(worker.rows.size(), kPlanes * planeSize));
@@ -107,10 +128,12 @@ void PlanePacker::packBand(PackedPlanes& planes, int64_t band, std::span<const u
                 into[plane] = worker.rows.data() + plane * planeSize + static_cast<std::size_t>(y) * width +
                               (left - part.x);
             if (const uint8_t* pixels = tiles[static_cast<std::size_t>(tile)]) {
-                straightRow(pixels + (part.y + y) % kTileSize * kTileRowBytes + left % kTileSize * 4,
-                            right - left, into);
+                const auto split = matte == Matte::white ? whiteRow : straightRow;
+                split(pixels + (part.y + y) % kTileSize * kTileRowBytes + left % kTileSize * 4, right - left,
+                      into);
             } else {
-                for (uint8_t* row : into) std::memset(row, 0, static_cast<std::size_t>(right - left));
+                for (std::size_t plane = 0; plane < kPlanes; ++plane)
+                    std::memset(into[plane], blankOf(plane, matte), static_cast<std::size_t>(right - left));
             }
         }
     }
@@ -137,12 +160,12 @@ PackedPlanes PlanePacker::layer(const Layer& layer, const IRect& rect) {
                 const Tile* tile = layer.tile(firstIndex + col);
                 tiles[static_cast<std::size_t>(col)] = tile ? tile->pixels() : nullptr;
             }
-            packBand(planes, band, tiles, workers_[worker]);
+            packBand(planes, band, tiles, Matte::none, workers_[worker]);
         });
     return planes;
 }
 
-PackedPlanes PlanePacker::finishedPicture() {
+PackedPlanes PlanePacker::finishedPicture(Matte matte) {
     const TileGrid& grid = doc_.grid();
     const std::vector<CompositeInput> inputs = compositeInputs(doc_, ForDisplay::no);
     PackedPlanes planes = emptyPlanes(grid.bounds());
@@ -165,7 +188,7 @@ PackedPlanes PlanePacker::finishedPicture() {
                                        const auto rowOfTiles = std::span<const uint8_t* const>(tiles).subspan(
                                            static_cast<std::size_t>(i / kBandsInTile * grid.cols),
                                            static_cast<std::size_t>(grid.cols));
-                                       packBand(planes, firstBand + i, rowOfTiles, workers_[worker]);
+                                       packBand(planes, firstBand + i, rowOfTiles, matte, workers_[worker]);
                                    });
     }
     return planes;

@@ -15,7 +15,13 @@ inline constexpr int kPlanes = 4; // red, green, blue, alpha
 /// Packed rows of a part of the picture that lies within one row of tiles.
 using PackedBand = std::array<std::span<const uint8_t>, kPlanes>;
 
-/// A rectangle of the canvas as four planes of straight colour, each row packed for itself. It is cut into bands, which
+/// How the colours of half-transparent pixels stand in planes.
+enum class Matte {
+    none,  ///< Straight.
+    white, ///< As they look on white.
+};
+
+/// A rectangle of the canvas as four planes, each row packed for itself. It is cut into bands, which
 /// are packed side by side; their bytes are the packer's that made them.
 struct PackedPlanes {
     IRect rect;
@@ -32,8 +38,9 @@ public:
     explicit PlanePacker(const PaintDocument& doc); ///< Borrows the document.
 
     // What either returns is good until the next call.
-    PackedPlanes layer(const Layer& layer, const IRect& rect);
-    PackedPlanes finishedPicture(); ///< The whole canvas, composited a few rows of tiles at a time.
+    PackedPlanes layer(const Layer& layer, const IRect& rect); ///< Straight.
+    PackedPlanes
+    finishedPicture(Matte matte); ///< The whole canvas, composited a few rows of tiles at a time.
 
 private:
     /// Where packed rows go, one behind the other.
@@ -60,8 +67,9 @@ private:
     PackedPlanes emptyPlanes(const IRect& rect);
     IRect bandRect(const PackedPlanes& planes, int64_t band) const;
     /// `tiles` are the pixels of the canvas's row of tiles in which the band lies, null for a transparent tile.
-    void packBand(PackedPlanes& planes, int64_t band, std::span<const uint8_t* const> tiles, Worker& worker);
-    void packBlank(PackedPlanes& planes, int64_t band, Room& room);
+    void packBand(PackedPlanes& planes, int64_t band, std::span<const uint8_t* const> tiles, Matte matte,
+                  Worker& worker);
+    void packBlank(PackedPlanes& planes, int64_t band, Matte matte, Room& room);
 
     const PaintDocument& doc_;
     std::vector<Worker> workers_;

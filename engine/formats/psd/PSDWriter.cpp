@@ -195,7 +195,7 @@ void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
         channelsAt.push_back(writeRecord(out, doc.layer(i), bounds[static_cast<std::size_t>(i)]));
     for (std::size_t i = 0; i < bounds.size(); ++i)
         writeChannels(out, packer.layer(doc.layer(static_cast<int64_t>(i)), bounds[i]), channelsAt[i]);
-    out.zeros((out.size() - contentAt) % 2);
+    padToFour(out, out.size() - contentAt); // one common reader refuses what is merely even
     out.patchU32(sectionAt + 4, static_cast<uint32_t>(out.size() - contentAt));
     out.u32(0); // no masks
     const int64_t section = out.size() - (sectionAt + 4);
@@ -214,7 +214,9 @@ QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
     else
         out.u32(0);
 
-    const PackedPlanes finished = packer.finishedPicture();
+    // With layers others take white off the colours, as the program does that made the format.
+    const PackedPlanes finished =
+        packer.finishedPicture(layered == Layered::yes ? Matte::white : Matte::none);
     Blocks blocks;
     blocks.add(kRunLengths);
     for (int plane = 0; plane < kPlanes; ++plane) blocks.addCounts(finished, plane);
