@@ -109,6 +109,10 @@ private Q_SLOTS:
         QByteArray progressive = patched(jpeg, frame + 5, QByteArray("\x75\x30\x75\x30", 4));
         progressive[frame + 1] = '\xC2';
         QTest::newRow("jpeg progressive") << progressive << "";
+        // Enough bytes for the size, but not for all the coefficients that it stands for.
+        progressive = patched(progressive, frame + 5, QByteArray("\x3E\x80\x3E\x80", 4)); // 16,000 twice
+        progressive[progressive.indexOf("\xFF\xDA") + 12] = '\0'; // of each block the first
+        QTest::newRow("jpeg progressive, longer") << progressive + QByteArray(600'000, 'x') << "";
         auto tags = tiffTags(30'000, 30'000, 2, 3, 16);
         for (const uint32_t compression : {1u, 5u, 7u, 8u, 32773u}) {
             tags[3].values = {compression};

@@ -20,6 +20,10 @@ namespace {
 // A block of 8 x 8 pixels takes at least a bit, or, in the rare arithmetic coding, a small part of one.
 constexpr double kPixelsAByte = 8 * 64;
 constexpr double kPixelsAByteArithmetic = 16 * kPixelsAByte;
+// A progressive picture is held as a whole: two bytes a sample, whose blocks of 64 take at least a bit as well.
+constexpr long kBytesAByte = 8 * 2 * 64;
+constexpr long kBytesAByteArithmetic = 16 * kBytesAByte;
+constexpr long kSmallMemory = 32 << 20;
 // Each pass over a progressive picture costs the time of a decode, and a few bytes can ask for another one.
 constexpr int kMostScans = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
@@ -130,6 +134,9 @@ std::optional<DecodedPicture> readJpeg(std::span<const uint8_t> file) {
                              *model == ColorModel::cmyk && jpeg.saw_Adobe_marker};
     auto profile = ColorProfile::embedded({decoder.profile, decoder.profileBytes}, layout);
     const ExifTags tags = tagsOf(jpeg);
+    // Beyond it the library stops before it takes anything.
+    jpeg.mem->max_memory_to_use = kSmallMemory + (jpeg.arith_code ? kBytesAByteArithmetic : kBytesAByte) *
+                                                     static_cast<long>(file.size());
     decoder.builder.emplace(width, height, profile ? *std::move(profile) : ColorProfile::standard(layout),
                             tags.orientation);
     readRows(decoder);
