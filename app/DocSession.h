@@ -39,6 +39,7 @@ public:
     std::shared_future<void>
         copy; ///< Of `autosavedChange`: ready when it is on disk, or with the error. Not valid: none.
     std::shared_ptr<CopyLock> copyLock; ///< Of the safety copy, from the first one on; null before.
+    QString remark; ///< What the picture lacks of the file that it was opened from, until it is saved.
     ViewState view;
     /// The view is to be fitted: not shown yet, or still as the fit at its showing left it, so that the picture
     /// follows a window that is still finding its size. Whoever changes the view or works in it ends that.

@@ -41,8 +41,8 @@ QString standardized(const QString& path) {
 }
 
 /// Throws ReadError, or the format layer's typed error.
-std::unique_ptr<PaintDocument> readPicture(const QString& path) {
-    return ImageImport::document(bytesOf(readFile(path)), QFileInfo(path).suffix());
+ImageImport::Imported readPicture(const QString& path) {
+    return ImageImport::imported(bytesOf(readFile(path)));
 }
 
 } // namespace
@@ -126,12 +126,16 @@ void PaintModel::open(const QString& path) {
     }
     const QFileInfo info(path);
     try {
-        std::unique_ptr<PaintDocument> doc = readPicture(path);
+        ImageImport::Imported picture = readPicture(path);
         const bool native = FileTypes::isNative(path);
         const QString base = info.completeBaseName();
         const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
-        add(std::make_shared<DocSession>(std::move(doc), name,
-                                         native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl()));
+        const auto session =
+            std::make_shared<DocSession>(std::move(picture.document), name,
+                                         native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
+        session->remark = wordsOf(picture.remarks);
+        add(session);
+        if (!session->remark.isEmpty()) flash(session->remark);
         desktop_.noteRecentFile(info.absoluteFilePath());
     } catch (const DescribedError& error) {
         alert(tr("Couldn't open %1").arg(info.fileName()), error.description());
@@ -159,6 +163,7 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     const QFileInfo info(path);
     session->fileURL = QUrl::fromLocalFile(info.absoluteFilePath());
     session->name = info.completeBaseName();
+    session->remark.clear();
     session->savedChange = session->autosavedChange = session->doc().changeCount();
     Recovery::discard(session->id);
     session->announceChange();

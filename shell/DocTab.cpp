@@ -74,9 +74,9 @@ void DocTab::showSession(const DocSession& session, bool current) {
     setAccessibleName(dirty ? tr("%1, not saved yet").arg(session.name) : session.name);
     if (text() != session.name) {
         setText(session.name);
-        setToolTip(session.name);
         updateGeometry();
     }
+    setToolTip(session.remark.isEmpty() ? session.name : session.name + u'\n' + session.remark);
 }
 
 QSize DocTab::sizeHint() const {

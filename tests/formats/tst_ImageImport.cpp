@@ -55,6 +55,22 @@ QByteArray onePixelTiff(uint32_t photometric, uint32_t bits, const std::vector<u
     return tiffFile(std::move(entries), pixel);
 }
 
+/// Two pixels wide, of two bytes each.
+QByteArray wordBmp(uint32_t compression, int height, const std::vector<uint32_t>& masks,
+                   const QByteArray& rows) {
+    const auto little = [](std::initializer_list<uint32_t> numbers) {
+        QByteArray bytes;
+        for (const uint32_t number : numbers)
+            for (int shift = 0; shift < 32; shift += 8) bytes.append(static_cast<char>(number >> shift));
+        return bytes;
+    };
+    const auto start = static_cast<uint32_t>(54 + 4 * masks.size());
+    QByteArray file = "BM" + little({start + 8, 0, start, 40, 2, static_cast<uint32_t>(height), 16u << 16 | 1,
+                                     compression, 8, 0, 0, 0, 0});
+    for (const uint32_t mask : masks) file += little({mask});
+    return file + rows;
+}
+
 } // namespace
 
 class tst_ImageImport : public QObject {
@@ -81,6 +97,17 @@ private Q_SLOTS:
         fromTheTop.replace(22, 4, QByteArray("\xE0\xFF\xFF\xFF", 4)); // 32 rows, below nothing
         QTest::newRow("bmp from the top") << fromTheTop << opaque << 0;
         QTest::newRow("bmp with palette") << written(indexed, "bmp") << opaque << 0;
+        // Words of 5 bits a channel from the bottom, and of 5, 6 and 5 from the top.
+        QImage corners(2, 2, QImage::Format_RGB888);
+        corners.setPixelColor(0, 0, Qt::white);
+        corners.setPixelColor(1, 0, Qt::red);
+        corners.setPixelColor(0, 1, QColor(0, 255, 132));
+        corners.setPixelColor(1, 1, Qt::black);
+        QTest::newRow("bmp of 15 bits")
+            << wordBmp(0, 2, {}, QByteArray("\xF0\x03\0\0\xFF\x7F\0\x7C", 8)) << corners << 0;
+        QTest::newRow("bmp of 16 bits")
+            << wordBmp(3, -2, {0xF800, 0x07E0, 0x001F}, QByteArray("\xFF\xFF\0\xF8\xF0\x07\0\0", 8))
+            << corners << 0;
         QTest::newRow("webp") << written(clear, "webp") << clear << 0;
         QTest::newRow("gif") << testData("blocks.gif") << opaque << 0;
         QTest::newRow("heic") << testData("blocks.heic") << opaque << 4;
@@ -295,8 +322,10 @@ private Q_SLOTS:
         QTest::newRow("below nothing") << dpiFromMeters(-5) << 72.0;
         QTest::newRow("not a number") << dpiFromInches(std::nan("")) << 72.0;
         QTest::newRow("endless") << dpiFromCentimeters(HUGE_VAL) << 72.0;
-        QTest::newRow("tiny") << dpiFromInches(1e-9) << 1.0;
-        QTest::newRow("huge") << dpiFromMeters(0x7FFFFFFF) << 100'000.0;
+        QTest::newRow("tiny") << dpiFromInches(0.9) << 72.0;
+        QTest::newRow("one") << dpiFromInches(1) << 1.0;
+        QTest::newRow("most") << dpiFromInches(1e5) << 1e5;
+        QTest::newRow("huge") << dpiFromMeters(0x7FFFFFFF) << 72.0;
         for (int dpi = 1; dpi <= 2400; dpi += 1) {
             const bool isKept = dpiFromMeters(std::lround(dpi / 0.0254)) == dpi &&
                                 dpiFromInches(dpi) == dpi &&
@@ -332,7 +361,7 @@ private Q_SLOTS:
         QTest::newRow("png") << png(11811, 1) << 300.0;
         QTest::newRow("png aspect only") << png(11811, 0) << 72.0;
         QTest::newRow("png 0") << png(0, 1) << 72.0;
-        QTest::newRow("png hostile") << png(0x7FFFFFFF, 1) << 100'000.0;
+        QTest::newRow("png hostile") << png(0x7FFFFFFF, 1) << 72.0;
         QTest::newRow("jpeg inches") << jpegOf(blocks()) << 72.0;
         QTest::newRow("jpeg centimetres") << inCentimeters << 300.0;
         QTest::newRow("jpeg aspect only") << aspect << 72.0;

@@ -2,11 +2,13 @@
 #include "core/PaintDocument.h"
 #include "formats/ByteReader.h"
 #include "formats/native/PaintFile.h"
+#include "formats/pictures/ImageImport.h"
 #include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
+#include "support/Profiles.h"
 #include "support/TestMain.h"
 
 #include <cmath>
@@ -344,6 +346,73 @@ private Q_SLOTS:
                                      .joined());
         QCOMPARE(flat->layerCount(), 1);
         QCOMPARE(flat->layer(0).pixel(3, 2), (PixelBytes{8, 8, 8, 255}));
+    }
+
+    void whatIsLostIsTold_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("words");
+        const auto row = [](const char* name, const PSDParts& parts, const char* words) {
+            PSDParts whole = parts;
+            if (whole.picture.isEmpty())
+                whole.picture = rawChannel(4 * whole.depth / 8, 3 * whole.channels, 8);
+            QTest::newRow(name) << whole.joined() << words;
+        };
+        const auto with = [](PSDRecord record) { return PSDParts{.records = {std::move(record)}}; };
+        const auto block = [&](const char* key, const QByteArray& data) {
+            return with({.blocks = psdBlock(key, data)});
+        };
+        const auto mask = [](int32_t side, char round, char flags) {
+            return big32(0) + big32(0) + big32(static_cast<uint32_t>(side)) +
+                   big32(static_cast<uint32_t>(side)) + round + flags + QByteArray(2, '\0');
+        };
+        const auto group = [](uint32_t kind, const QByteArray& key, uint8_t opacity, uint8_t flags) {
+            return PSDRecord{
+                .opacity = opacity, .flags = flags, .blocks = psdBlock("lsct", big32(kind) + "8BIM" + key)};
+        };
+        row("nothing", with({.blocks = psdBlock("iOpa", "\xFF\0\0\0")}), "");
+        row("masks", with({.mask = mask(2, '\xFF', 0)}), "Opened without: masks.");
+        row("a mask that hides all", with({.mask = mask(0, 0, 0)}), "Opened without: masks.");
+        row("a mask that hides nothing", with({.mask = mask(0, '\xFF', 0)}), "");
+        row("a mask that is off", with({.mask = mask(2, 0, 2)}), "");
+        row("a path as mask", block("vmsk", big32(3) + big32(0)), "Opened without: masks.");
+        row("ranges", with({.ranges = big32(0xFFFF) + big32(0x0A0AFFFF)}),
+            "Opened without: blending ranges.");
+        row("ranges of all", with({.ranges = big32(0xFFFF).repeated(10)}), "");
+        row("opacity", block("iOpa", QByteArray("\x80\0\0\0", 4)), "Opened without: fill opacity.");
+        row("adjustments", block("levl", "abcd"), "Opened without: adjustment layers.");
+        row("fills", block("SoCo", "abcd"), "Opened without: fill layers.");
+        row("modes", with({.key = "diss"}), "Opened without: unknown blend modes.");
+        row("a group", {.records = {group(3, "pass", 255, 2), {}, group(1, "pass", 255, 0)}}, "");
+        row("a hidden group", {.records = {group(3, "pass", 255, 0), {}, group(2, "norm", 255, 2)}},
+            "Opened without: hidden groups.");
+        row("a pale group", {.records = {group(3, "pass", 255, 0), {}, group(1, "pass", 99, 0)}},
+            "Opened without: group blending.");
+        row("a group that multiplies", {.records = {group(3, "pass", 255, 0), {}, group(1, "mul ", 255, 0)}},
+            "Opened without: group blending.");
+        row("several",
+            {.resources = psdResource(1039, {}, displayP3Profile()),
+             .records = {{.mask = mask(2, 0, 0), .blocks = psdBlock("lfx2", "abcd")},
+                         {.mask = mask(2, 0, 0)}}},
+            "Opened without: masks, layer effects, color profile.");
+        row("sRGB", {.resources = psdResource(1039, {}, srgbProfile()), .records = {{}}}, "");
+        row("deep", {.depth = 16, .records = {{}}}, "Opened as one layer: 16-bit color.");
+        row("inks", {.channels = 4, .mode = 4}, "Opened as one layer: CMYK color.");
+        row("flat gray", {.channels = 1, .mode = 1}, "");
+        PSDRecord zipped = flatRecord(0, 0, 1, 1, {1, 1, 1, 255});
+        zipped.channels[0].data = big16(2) + "x";
+        row("zipped", with(zipped), "Opened as one layer: ZIP-compressed layers.");
+        row("damaged", with({.signature = "8BIX"}), "Opened as one layer: damaged layers.");
+    }
+
+    void whatIsLostIsTold() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, words);
+        QCOMPARE(wordsOf(ImageImport::imported(bytesOf(file)).remarks), words);
+    }
+
+    void aDensityOutOfRangeIsMissing() {
+        const QByteArray tiny = psdResource(1005, {}, big32(1) + QByteArray(12, '\0'));
+        QCOMPARE(opened(PSDParts{.resources = tiny, .picture = rawChannel(4, 9, 8)}.joined())->dpi, 72.0);
     }
 
     /// With a buffer for each layer, or a tile of its own for each slot, this would take 36 GB.

@@ -2,6 +2,8 @@
 #include "HudBubble.h"
 #include "StatusItems.h"
 #include "Window.h"
+#include "support/Files.h"
+#include "support/PSDFiles.h"
 #include "support/TestMain.h"
 
 #include <QAbstractButton>
@@ -123,6 +125,21 @@ private Q_SLOTS:
         w.click("headerSave");
         QVERIFY(!tabs(w)[0]->showsDot());
         QCOMPARE(tabs(w)[0]->text(), QStringLiteral("kept"));
+    }
+
+    void whatAPhotoshopFileLostIsToldUntilASave() {
+        Window w;
+        PSDRecord masked;
+        masked.mask = big32(0) + big32(0) + big32(2) + big32(2) + QByteArray(4, '\0');
+        const QString path = w.folder.filePath(QStringLiteral("cat.psd"));
+        writeFile(path, PSDParts{.records = {masked, {.blocks = psdBlock("lfx2", "abcd")}}}.joined());
+        w.model.open(path);
+        const QString told = QStringLiteral("Opened without: masks, layer effects.");
+        QCOMPARE(w.model.hud(), told);
+        QCOMPARE(tabs(w)[1]->toolTip(), QStringLiteral("cat (from PSD)\n") + told);
+        w.desktop.savePaths.push_back(w.folder.filePath(QStringLiteral("kept.qirnpaint")));
+        w.click("headerSave");
+        QCOMPARE(tabs(w)[1]->toolTip(), QStringLiteral("kept"));
     }
 
     void undoAndRedoAreOfferedWhileTheyWork() {

@@ -40,8 +40,8 @@ QByteArray recordBytes(const PSDRecord& record) {
     bytes += record.signature + record.key;
     for (const uint8_t byte : {record.opacity, record.clipping, record.flags, uint8_t{0}})
         bytes.append(static_cast<char>(byte));
-    return bytes +
-           counted(counted({}) + counted({}) + padded(record.name, record.namePadding) + record.blocks);
+    return bytes + counted(counted(record.mask) + counted(record.ranges) +
+                           padded(record.name, record.namePadding) + record.blocks);
 }
 
 } // namespace

@@ -21,6 +21,7 @@ struct PSDRecord {
     QByteArray signature = "8BIM";
     QByteArray key = "norm";
     uint8_t opacity = 255, clipping = 0, flags = 0;
+    QByteArray mask{}, ranges{};
     QByteArray name{};        ///< With its length and padding made for it.
     QByteArray blocks{};      ///< Behind the name.
     QByteArray namePadding{}; ///< In place of zeros.

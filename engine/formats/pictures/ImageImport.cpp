@@ -40,20 +40,30 @@ constexpr Reader kReaders[] = {
 
 } // namespace
 
-std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&) {
-    if (PaintFile::infoOf(file)) return PaintFile::decode(file);
+ImageImport::Imported ImageImport::imported(Bytes file) {
+    if (PaintFile::infoOf(file)) return {PaintFile::decode(file), {}};
+    Imported result;
     if (PSDPicture::isPhotoshopFile(file)) {
+        // Whatever its layers lack, the finished picture beside them may still be shown as one.
         try {
-            return PSDFile::read(file);
+            result.document = PSDFile::read(file, &result.remarks);
+            return result;
+        } catch (const PSDFile::PSDError& error) {
+            result.remarks = PSDPicture::remarks(file, error.feature());
         } catch (const std::exception&) {
-            // Whatever its layers lack, the finished picture beside them may still be shown as one.
+            result.remarks = PSDPicture::remarks(file, {});
         }
     }
     auto picture = decode(file);
     if (!picture) throw ExportError::cannotRead();
     const TileGrid grid = picture->layer->grid();
-    return std::make_unique<PaintDocument>(grid.width, grid.height, picture->dpi,
-                                           std::vector<LayerRef>{std::move(picture->layer)}, 0);
+    result.document = std::make_unique<PaintDocument>(grid.width, grid.height, picture->dpi,
+                                                      std::vector<LayerRef>{std::move(picture->layer)}, 0);
+    return result;
+}
+
+std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&) {
+    return imported(file).document;
 }
 
 std::optional<DecodedPicture> ImageImport::decode(Bytes file) {

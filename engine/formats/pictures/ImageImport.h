@@ -1,5 +1,6 @@
 #pragma once
 #include "core/PaintDocument.h"
+#include "formats/ImportRemarks.h"
 #include "formats/pictures/DecodedPicture.h"
 
 #include <cstdint>
@@ -12,9 +13,15 @@
 
 namespace qirn::ImageImport {
 
-/// A document from the bytes of any file that can be opened, told apart by content: the extension is not looked
-/// at. Throws PaintFileError for damage behind a native document's sound manifest, PSDFile::PSDError for a
-/// Photoshop file that was saved without a picture of what its layers show, otherwise ExportError.
+struct Imported {
+    std::unique_ptr<PaintDocument> document;
+    ImportRemarks remarks; ///< What of the file it does not show.
+};
+/// From the bytes of any file that can be opened, told apart by content. Throws PaintFileError for damage behind a native
+/// document's sound manifest, PSDFile::PSDError for a Photoshop file that was saved without a picture of what its layers
+/// show, otherwise ExportError.
+Imported imported(std::span<const uint8_t> file);
+/// The document alone; the extension is not looked at.
 std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QString& fileExtension);
 
 /// The picture of a file other than a native document; nothing when it is none, is damaged beyond use, has a side of

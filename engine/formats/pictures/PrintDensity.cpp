@@ -1,6 +1,5 @@
 #include "formats/pictures/PrintDensity.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace qirn {
@@ -9,10 +8,6 @@ namespace {
 
 constexpr double kCentimetersPerInch = 2.54;
 constexpr double kMetersPerInch = 0.0254;
-
-double inRange(double dpi) {
-    return dpi > 0 && std::isfinite(dpi) ? std::clamp(dpi, 1.0, 100'000.0) : kUnknownDpi;
-}
 
 /// The whole number, or the tenth, that lies within the rounding (in dots per inch); otherwise the value itself.
 double snapped(double dpi, double wholeRounding, double tenthRounding) {
@@ -24,19 +19,23 @@ double snapped(double dpi, double wholeRounding, double tenthRounding) {
 
 } // namespace
 
+double dpiInRange(double dpi) {
+    return dpi >= 1 && dpi <= 100'000 ? dpi : kUnknownDpi;
+}
+
 double dpiFromInches(double dots) {
-    return inRange(snapped(dots, 0.005, 0.0005));
+    return dpiInRange(snapped(dots, 0.005, 0.0005));
 }
 
 double dpiFromCentimeters(double dots) {
     // Noted as a whole number, or with two decimals.
     const double rounding = dots == std::round(dots) ? 0.5 : 0.005;
-    return inRange(snapped(dots * kCentimetersPerInch, rounding * kCentimetersPerInch, 0.0005));
+    return dpiInRange(snapped(dots * kCentimetersPerInch, rounding * kCentimetersPerInch, 0.0005));
 }
 
 double dpiFromMeters(int64_t dots) {
     // Some cut the fraction off, so a whole number may be nearly a dot away.
-    return inRange(
+    return dpiInRange(
         snapped(static_cast<double>(dots) * kMetersPerInch, 0.999 * kMetersPerInch, 0.5 * kMetersPerInch));
 }
 

@@ -6,6 +6,8 @@
 #include "formats/pictures/PrintDensity.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 #include <string_view>
 
@@ -21,7 +23,7 @@ using Bytes = std::span<const uint8_t>;
 // How many pixels a byte of the file can stand for.
 constexpr double kGifPixelsAByte =
     2800; // LZW: at best each code of 12 bits is a run longer than the one before
-constexpr double kBmpRunPixelsAByte = 512;
+constexpr double kBmpRunPixelsAByte = 128;
 constexpr double kWebPPixelsAByte = 1 << 16; // a flat picture takes next to nothing
 
 bool holds(Bytes file, std::size_t at, std::string_view text) {
@@ -53,10 +55,13 @@ struct Header {
     Bytes icc;
 };
 
+bool isBacked(Bytes file, const Header& header) {
+    return isReadableSize(header.width, header.height) &&
+           backs(file.size(), header.pixelsAByte, header.width, header.height);
+}
+
 std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Header& header) {
-    if (!isReadableSize(header.width, header.height) ||
-        !backs(file.size(), header.pixelsAByte, header.width, header.height))
-        return std::nullopt;
+    if (!isBacked(file, header)) return std::nullopt;
     // The sizes have been judged: Qt's own limit only has to let through what may be opened.
     constexpr int64_t kSide = PaintEngine::maxCanvasSide;
     static const bool isRaised = (QImageReader::setAllocationLimit((kSide * kSide * 4 >> 20) + 1), true);
@@ -89,6 +94,7 @@ std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Head
 constexpr std::size_t kInfoAt = 14;
 constexpr uint32_t kOldInfoBytes = 12; // 16-bit sides
 constexpr uint32_t kInfoBytes = 40;
+constexpr uint32_t kInfo3Bytes = 56;  // has a mask for alpha
 constexpr uint32_t kInfo5Bytes = 124; // may embed a profile
 
 Header bmpHeader(Bytes file) {
@@ -158,12 +164,62 @@ std::optional<DecodedPicture> readGif(Bytes file) {
     return decoded(file, "gif", header);
 }
 
+namespace {
+
+/// The bits that a mask picks, spread over a byte: the largest value is white.
+uint8_t maskedByte(uint32_t pixel, uint32_t mask) {
+    if (mask == 0) return 255;
+    const int shift = std::countr_zero(mask);
+    const uint32_t most = mask >> shift;
+    return static_cast<uint8_t>((((pixel & mask) >> shift) * 255 + most / 2) / most);
+}
+
+/// Two bytes a pixel, by masks or 5 bits a channel. Qt makes 248 of the 31 that stands for white.
+std::optional<DecodedPicture> readWords(Bytes file, const Header& header) {
+    constexpr uint32_t kMasksAt = kInfoAt + 40, kFifteenBits[] = {0x7C00, 0x03E0, 0x001F, 0};
+    const uint32_t infoBytes = littleEndian(file, kInfoAt, 4);
+    std::array<uint32_t, 4> masks{};
+    for (std::size_t c = 0; c < masks.size(); ++c) {
+        masks[c] = kFifteenBits[c];
+        const bool isStored = c < 3 || infoBytes >= kInfo3Bytes;
+        if (littleEndian(file, kInfoAt + 16, 4) != 0)
+            masks[c] = isStored ? littleEndian(file, kMasksAt + 4 * c, 4) : 0;
+    }
+    const int64_t rowBytes = (header.width * 2 + 3) / 4 * 4;
+    const Bytes rows = part(file, littleEndian(file, 10, 4), file.size());
+    const PixelLayout layout{ColorModel::rgb, SampleType::u8, true, false};
+    const auto profile = ColorProfile::embedded(header.icc, layout);
+    const bool isFromTop = static_cast<int32_t>(littleEndian(file, kInfoAt + 8, 4)) < 0;
+    constexpr int kUpsideDown = 4;
+    PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout),
+                           Orientation(isFromTop ? 1 : kUpsideDown));
+    for (int64_t y = 0; y < header.height && (y + 1) * rowBytes <= std::ssize(rows); ++y) {
+        auto* out = static_cast<uint8_t*>(builder.row());
+        for (int64_t x = 0; x < header.width; ++x) {
+            const uint32_t pixel = littleEndian(rows, static_cast<std::size_t>(y * rowBytes + 2 * x), 2);
+            for (const uint32_t mask : masks) *out++ = maskedByte(pixel, mask);
+        }
+        builder.rowDone();
+    }
+    auto layer = builder.finish();
+    if (!layer) return std::nullopt;
+    return DecodedPicture{std::move(layer), header.dpi};
+}
+
+} // namespace
+
 bool isBmp(Bytes file) {
     return holds(file, 0, "BM");
 }
 
 std::optional<DecodedPicture> readBmp(Bytes file) {
-    return decoded(file, "bmp", bmpHeader(file));
+    const Header header = bmpHeader(file);
+    const uint32_t infoBytes = littleEndian(file, kInfoAt, 4),
+                   compression = littleEndian(file, kInfoAt + 16, 4);
+    const bool isOfWords = infoBytes >= kInfoBytes && littleEndian(file, kInfoAt + 14, 2) == 16 &&
+                           (compression == 0 || compression == 3);
+    if (!isOfWords) return decoded(file, "bmp", header);
+    return isBacked(file, header) ? readWords(file, header) : std::nullopt;
 }
 
 bool isWebP(Bytes file) {

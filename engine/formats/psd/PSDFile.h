@@ -1,6 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/RGBABuffer.h"
+#include "formats/ImportRemarks.h"
 #include "formats/psd/PackBits.h"
 #include "platform/DescribedError.h"
 
@@ -34,8 +35,12 @@ public:
     static PSDError unsupported(const QString& feature); ///< "16-bit color", ...
     static PSDError noMergedPicture();
 
+    const QString& feature() const { return feature_; } ///< As given.
+
 private:
     using DescribedError::DescribedError;
+
+    QString feature_;
 };
 
 enum class Layered { no, yes };
@@ -46,8 +51,9 @@ enum class Layered { no, yes };
 QByteArray write(const PaintDocument& doc, Layered layered);
 
 /// The document with its top layer active and a fresh history. A file without layers gives one, "Background".
-/// Throws PSDError, PaintFileError, or BEReader::Short for a file that ends too early.
-std::unique_ptr<PaintDocument> read(std::span<const uint8_t> file);
+/// Throws PSDError, PaintFileError, or BEReader::Short for a file that ends too early. `remarks`, if given, becomes what
+/// does not show as it was made.
+std::unique_ptr<PaintDocument> read(std::span<const uint8_t> file, ImportRemarks* remarks = nullptr);
 
 /// Straight red, green, blue and alpha of a rectangle within the buffer. Multiplying by alpha again gives back every
 /// pixel whose colour does not exceed its alpha.

@@ -13,6 +13,8 @@
 #include <atomic>
 #include <vector>
 
+#include <QCoreApplication>
+
 namespace qirn {
 
 namespace {
@@ -118,6 +120,37 @@ std::optional<DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) 
     } catch (const BEReader::Short&) {
         return std::nullopt;
     }
+}
+
+ImportRemarks PSDPicture::remarks(std::span<const uint8_t> file, const QString& feature) {
+    const auto because = [](const QString& what) {
+        return ImportRemarks{{ImportRemark::Kind::asOneLayer, what}};
+    };
+    const auto word = [](const char* text) { return QCoreApplication::translate("ImportRemark", text); };
+    try {
+        const auto sections = psdSectionsOf(file);
+        if (!sections) return {};
+        if (sections->depth > 8) return because(feature);
+        switch (sections->mode) {
+        case PSDColorMode::bitmap:
+        case PSDColorMode::gray:
+        case PSDColorMode::indexed:
+            return sections->hasLayers ? because(word("grayscale, indexed or bitmap color"))
+                                       : ImportRemarks{};
+        case PSDColorMode::rgb:
+            if (!sections->hasLayers) return {};
+            if (sections->isLarge) return because(word("large document format"));
+            return because(feature.isEmpty() ? word("damaged layers") : feature);
+        case PSDColorMode::cmyk:
+            return because(word("CMYK color"));
+        case PSDColorMode::lab:
+            return because(word("Lab color"));
+        case PSDColorMode::multichannel:
+        case PSDColorMode::duotone:
+            return because(word("spot color"));
+        }
+    } catch (const BEReader::Short&) {} // refused by `decode` as well
+    return {};
 }
 
 } // namespace qirn

@@ -1,4 +1,5 @@
 #pragma once
+#include "formats/ImportRemarks.h"
 #include "formats/pictures/DecodedPicture.h"
 
 #include <cstdint>
@@ -16,5 +17,9 @@ bool isPhotoshopFile(std::span<const uint8_t> file);
 /// missing of the picture, none of it is given. Throws PSDFile::PSDError for a sound file that was saved without a
 /// merged picture.
 std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
+
+/// Why a file whose layers are not read opens as one. `feature` is what the reader of layers does not understand, empty for
+/// damage. None for a file that was made as one picture and comes as it is.
+ImportRemarks remarks(std::span<const uint8_t> file, const QString& feature);
 
 } // namespace qirn::PSDPicture

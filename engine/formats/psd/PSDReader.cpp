@@ -2,7 +2,9 @@
 #include "core/PaintEngine.h"
 #include "formats/ByteReader.h"
 #include "formats/native/PaintFile.h"
+#include "formats/pictures/PrintDensity.h"
 #include "formats/psd/PSDFile.h"
+#include "formats/psd/PSDRecords.h"
 #include "formats/psd/PSDTiles.h"
 
 #include <algorithm>
@@ -20,6 +22,7 @@ namespace {
 using namespace PSDFile;
 
 constexpr uint16_t kResolution = 1005;
+constexpr uint16_t kProfile = 1039;
 constexpr int kAlpha = -1; // a layer channel's identifier
 constexpr int64_t kLeastBlock = 12;
 
@@ -48,9 +51,14 @@ Head readHead(BEReader& in) {
     return head;
 }
 
-/// The resources' dots per inch, 72 without any. Leaves the reader behind them.
-double readResolution(BEReader& in) {
-    double dpi = 72;
+struct Resources {
+    double dpi = kUnknownDpi;
+    std::span<const uint8_t> profile; // ICC; empty without any
+};
+
+/// Leaves the reader behind the resources.
+Resources readResources(BEReader& in) {
+    Resources resources;
     const int64_t length = in.u32();
     const int64_t end = in.pos() + length;
     for (int64_t at = in.pos(); at + kLeastBlock <= end;) {
@@ -61,84 +69,11 @@ double readResolution(BEReader& in) {
         in.skip(nameLength + (nameLength + 1) % 2);
         const int64_t size = in.u32();
         at = in.pos() + size + size % 2;
-        if (identifier == kResolution && size >= 16) dpi = in.u32() / 65536.0;
+        if (identifier == kResolution && size >= 16) resources.dpi = dpiInRange(in.u32() / 65536.0);
+        if (identifier == kProfile && size <= in.remaining()) resources.profile = in.slice(size);
     }
     in.moveTo(end);
-    return dpi;
-}
-
-/// What a file says of one layer, group or divider.
-struct Rec {
-    IRect rect;
-    std::vector<std::pair<int16_t, int64_t>> chans; // identifier and bytes of data
-    BlendMode mode = BlendMode::normal;
-    double opacity = 1;
-    bool isClipping = false;
-    uint8_t flags = 0;
-    QString name;
-    bool isSection = false;
-
-    bool isHidden() const { return flags & 2; }
-    bool alphaLocked() const { return flags & 1; }
-};
-
-QString unicodeName(BEReader& in, int64_t units) {
-    QString name;
-    for (int64_t i = 0; i < units; ++i) name.append(QChar(in.u16()));
-    const auto isEnd = [](QChar c) { return c == QChar::Null; };
-    const auto first = std::find_if_not(name.begin(), name.end(), isEnd);
-    const auto last = std::find_if_not(name.rbegin(), std::make_reverse_iterator(first), isEnd).base();
-    const QString trimmed(first, last - first);
-    const auto scalars = trimmed.toUcs4(); // halves of pairs are replaced on the way
-    return QString::fromUcs4(reinterpret_cast<const char32_t*>(scalars.constData()), scalars.size());
-}
-
-/// The tagged blocks at the end of a record, up to `end`.
-void readBlocks(BEReader& in, int64_t end, Rec& rec) {
-    for (int64_t at = in.pos(); at + kLeastBlock <= end;) {
-        in.moveTo(at);
-        const auto signature = text(in.slice(4));
-        if (signature != "8BIM" && signature != "8B64") break;
-        const auto key = text(in.slice(4));
-        const int64_t size = in.u32();
-        at = in.pos() + size;
-        if (key == "luni" && size >= 4) {
-            const int64_t count = in.u32();
-            // Never beyond the record, so that a thousand records cannot have the same bytes for their names.
-            const int64_t room = std::min(size - 4, std::max<int64_t>(end - in.pos(), 0));
-            rec.name = unicodeName(in, std::min(count, room / 2));
-        } else if (key == "lsct" || key == "lsdk") {
-            rec.isSection = true;
-        }
-    }
-}
-
-Rec readRecord(BEReader& in) {
-    Rec rec;
-    const int64_t top = in.i32(), left = in.i32(), bottom = in.i32(), right = in.i32();
-    rec.rect = {left, top, right - left, bottom - top};
-    const int channels = in.u16();
-    for (int i = 0; i < channels; ++i) {
-        const int16_t identifier = in.i16();
-        rec.chans.emplace_back(identifier, in.u32());
-    }
-    if (text(in.slice(4)) != "8BIM") throw PaintFileError::damaged(QStringLiteral("layer record"));
-    rec.mode = blendModeFromPSD(text(in.slice(4)));
-    rec.opacity = in.u8() / 255.0;
-    rec.isClipping = in.u8() != 0;
-    rec.flags = in.u8();
-    in.skip(1);
-    const int64_t extra = in.u32();
-    const int64_t end = in.pos() + extra;
-    in.skip(in.u32()); // mask
-    in.skip(in.u32()); // blending ranges
-    const int64_t nameLength = in.u8();
-    const auto name = in.slice(nameLength);
-    rec.name = QString::fromUtf8(reinterpret_cast<const char*>(name.data()), nameLength);
-    in.skip((4 - (1 + nameLength) % 4) % 4);
-    readBlocks(in, end, rec);
-    in.moveTo(end);
-    return rec;
+    return resources;
 }
 
 std::span<const uint8_t> rawRows(BEReader& in, int64_t w, int64_t h) {
@@ -219,9 +154,12 @@ LayerRef emptyLayer(const Rec& rec, std::size_t position, const TileGrid& grid) 
     return layer;
 }
 
-std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& grid) {
+std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses) {
     std::vector<Rec> recs;
-    for (int64_t i = 0; i < count; ++i) recs.push_back(readRecord(in));
+    for (int64_t i = 0; i < count; ++i) {
+        recs.push_back(readRecord(in));
+        losses.merge(recs.back().losses);
+    }
 
     LayerData data(in);
     std::vector<LayerRef> layers;
@@ -268,8 +206,10 @@ LayerRef readFinishedPicture(BEReader& in, const Head& head, const TileGrid& gri
 } // namespace
 
 PSDFile::PSDError PSDFile::PSDError::unsupported(const QString& feature) {
-    return PSDError(
+    PSDError error(
         QStringLiteral("This Photoshop file uses a feature Qirn Paint can't read (%1).").arg(feature));
+    error.feature_ = feature;
+    return error;
 }
 
 PSDFile::PSDError PSDFile::PSDError::noMergedPicture() {
@@ -278,10 +218,11 @@ PSDFile::PSDError PSDFile::PSDError::noMergedPicture() {
         "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
 }
 
-std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file) {
+std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
     BEReader in(file);
     const Head head = readHead(in);
-    const double dpi = readResolution(in);
+    const Resources resources = readResources(in);
+    Losses losses = lossesOfProfile(resources.profile);
     const TileGrid grid(head.width, head.height);
 
     std::vector<LayerRef> layers;
@@ -289,14 +230,15 @@ std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file) {
     const int64_t end = in.pos() + length;
     if (length >= 5 && in.u32() != 0) {
         const int64_t count = in.i16(); // negative where the finished picture has its own transparency
-        layers = readLayers(in, std::abs(count), grid);
+        layers = readLayers(in, std::abs(count), grid, losses);
     }
     if (layers.empty()) {
         in.moveTo(end);
         layers.push_back(readFinishedPicture(in, head, grid));
     }
+    if (remarks) *remarks = remarksOf(losses);
     const auto top = static_cast<int64_t>(layers.size()) - 1;
-    return std::make_unique<PaintDocument>(head.width, head.height, dpi, std::move(layers), top);
+    return std::make_unique<PaintDocument>(head.width, head.height, resources.dpi, std::move(layers), top);
 }
 
 } // namespace qirn

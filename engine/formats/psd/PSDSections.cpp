@@ -1,6 +1,7 @@
 #include "formats/psd/PSDSections.h"
 
 #include "formats/ByteReader.h"
+#include "formats/pictures/PrintDensity.h"
 
 #include <algorithm>
 #include <array>
@@ -19,8 +20,6 @@ constexpr uint16_t kProfile = 1039;
 constexpr uint16_t kTransparentIndex = 1047;
 constexpr uint16_t kAlphaIdentifiers = 1053;
 constexpr uint16_t kVersionInfo = 1057;
-
-constexpr double kLargestDpi = 100'000;
 
 // Blocks whose length takes eight bytes in large files.
 constexpr std::array kLongBlocks{"LMsk"sv, "Lr16"sv, "Lr32"sv, "Layr"sv, "Mt16"sv, "Mt32"sv, "Mtrn"sv,
@@ -61,9 +60,7 @@ struct Resources {
 void readResource(uint16_t identifier, BEReader data, PSDSections& sections, Resources& resources) {
     switch (identifier) {
     case kResolution: { // pixels an inch in 16.16, whatever unit it was shown in
-        const double dpi = data.u32() / 65536.0;
-        if (dpi >= 1)
-            sections.dpi = std::min(dpi, kLargestDpi); // less is how some writers say that they don't know
+        sections.dpi = dpiInRange(data.u32() / 65536.0);
         break;
     }
     case kProfile:
