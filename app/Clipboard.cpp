@@ -4,6 +4,7 @@
 #include "formats/pictures/ImageImport.h"
 #include "formats/pictures/TiffWriter.h"
 #include "platform/Bytes.h"
+#include "platform/FilePath.h"
 #include "platform/QtImages.h"
 #include "platform/ReadFile.h"
 
@@ -150,7 +151,8 @@ std::unique_ptr<QMimeData> Clipboard::copied(std::shared_ptr<const RGBABuffer> b
 
 std::optional<QString> Clipboard::firstFile(const QMimeData& offer) {
     for (const QUrl& url : offer.urls()) {
-        if (url.isLocalFile()) return url.toLocalFile();
+        if (!url.isLocalFile()) continue;
+        return pathFromBytes(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
     }
     return std::nullopt;
 }

@@ -11,11 +11,14 @@
 #include "Store.h"
 #include "SuddenEnd.h"
 #include "platform/DescribedError.h"
+#include "platform/FilePath.h"
 
 #include <cstdio>
+#include <filesystem>
+#include <span>
+#include <system_error>
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QFileOpenEvent>
 #include <QSessionManager>
 
@@ -108,10 +111,13 @@ protected:
 };
 
 /// Arguments that name existing files; every other one is ignored.
-QStringList filesIn(const QStringList& arguments) {
+QStringList filesIn(int argc, char** argv) {
     QStringList files;
-    for (const QString& argument : arguments.mid(1)) {
-        if (!argument.startsWith(QStringLiteral("--")) && QFileInfo(argument).isFile()) files << argument;
+    for (const char* argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+        std::error_code none;
+        const bool named = !QByteArray(argument).startsWith("--");
+        if (named && std::filesystem::is_regular_file(argument, none))
+            files << absolutePath(pathFromBytes(argument));
     }
     return files;
 }
@@ -137,7 +143,7 @@ int runStudio(int& argc, char** argv) {
     model.ensureDocument();
     window.show();
     const SuddenEnd suddenEnd([&model] { model.keepWork(); });
-    delegate->didFinishLaunching(filesIn(app.arguments()));
+    delegate->didFinishLaunching(filesIn(argc, argv));
     return app.exec();
 }
 

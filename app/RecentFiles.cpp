@@ -2,6 +2,7 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/FilePath.h"
 #include "platform/ReadFile.h"
 
 #include <cerrno>
@@ -9,7 +10,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QStandardPaths>
-#include <QUrl>
 
 namespace qirn {
 
@@ -26,7 +26,9 @@ QString recentListWith(const QString& list, const QString& path, const QString& 
             "      xmlns:mime=\"http://www.freedesktop.org/standards/shared-mime-info\"\n>\n</xbel>\n");
     }
     const qsizetype end = text.lastIndexOf(QStringLiteral("</xbel>"));
-    const QString href = QString::fromUtf8(QUrl::fromLocalFile(path).toEncoded()).toHtmlEscaped();
+    const QByteArray encoded =
+        bytesOfPath(path).toPercentEncoding("!$&'()*+,;=:@/"); // as in a file's address
+    const QString href = QString::fromLatin1("file://" + encoded).toHtmlEscaped();
     if (end < 0 || text.contains(QStringLiteral("href=\"%1\"").arg(href))) return list;
     text.insert(end, QStringLiteral(
                          "  <bookmark href=\"%1\" added=\"%2\" modified=\"%2\" visited=\"%2\">\n"

@@ -1,11 +1,12 @@
 #include "QirnPaintApp.h"
+#include "platform/FilePath.h"
 
 #include <QGuiApplication>
 
 int main(int argc, char** argv) {
     using namespace qirn;
     QStringList arguments;
-    for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+    for (int i = 0; i < argc; ++i) arguments << pathFromBytes(argv[i]);
     const CommandModes::Mode mode = CommandModes::modeOf(arguments);
     if (mode == CommandModes::Mode::none) return runStudio(argc, argv);
     // No window ever opens in these, so none needs a display.

@@ -1,5 +1,7 @@
 #include "platform/AtomicFile.h"
 
+#include "platform/FilePath.h"
+
 #include <cerrno>
 #include <optional>
 #include <string>
@@ -7,7 +9,6 @@
 #include <utility>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QUuid>
 #include <fcntl.h>
 #include <unistd.h>
@@ -265,7 +266,7 @@ const FileCalls& FileCalls::ofSystem() {
 }
 
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const FileCalls& calls) {
-    const std::string target = followLinks(QFile::encodeName(path).toStdString(), calls);
+    const std::string target = followLinks(bytesOfPath(path).toStdString(), calls);
     const Replacement replacement{target, folderOf(target), modeToKeep(target, calls), bytes};
     const OpenFile folder(openFolder(replacement.folder, calls), calls);
     if (!replaceWithoutName(replacement, calls)) replaceByName(replacement, calls);

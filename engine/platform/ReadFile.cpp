@@ -1,5 +1,7 @@
 #include "platform/ReadFile.h"
 
+#include "platform/FilePath.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -7,7 +9,6 @@
 #include <system_error>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -58,7 +59,7 @@ struct Descriptor {
 
 /// Opens without waiting, as for the other end of a pipe.
 int openAtOnce(const QString& path) {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = bytesOfPath(path);
     int descriptor = -1;
     do {
         descriptor = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);

@@ -5,12 +5,17 @@
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
 #include "formats/native/PaintFile.h"
+#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/FilePath.h"
+#include "platform/ReadFile.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
+
+#include <filesystem>
 
 #include <QDir>
 #include <QFile>
@@ -45,6 +50,7 @@ private Q_SLOTS:
     void twoPicturesHaveTheirOwnViews();
     void aPictureIsSavedClosedAndOpenedAgain();
     void aFileIsNeverOpenedTwice();
+    void aNameThatIsNoTextIsKept();
     void aFailedSaveLosesNothing();
     void aDamagedFileIsToldInWords();
     void closingAsksAboutUnsavedWork_data();
@@ -257,6 +263,27 @@ void tst_PaintModel::aFileIsNeverOpenedTwice() {
     studio.model.select(*studio.model.sessions().front());
     studio.model.open(studio.path(QStringLiteral("a.qirnpaint")));
     QCOMPARE(studio.model.current(), opened);
+}
+
+void tst_PaintModel::aNameThatIsNoTextIsKept() {
+    for (const char* bytes :
+         {"caf\xe9.qirnpaint", "\x93\xfa\x96\x7b \xe6\x97\xa5.qirnpaint", "\xed\xb3\xa9.qirnpaint"}) {
+        Studio studio;
+        QDir(studio.path({})).mkdir(QStringLiteral("own"));
+        const QByteArray folder = QFile::encodeName(studio.path(QStringLiteral("own/")));
+        const QString path = pathFromBytes(folder + bytes);
+        writeAtomically(path, bytesOf(PaintFile::encode(studio.doc())));
+        QMimeData offer;
+        offer.setData(QStringLiteral("text/uri-list"), "file://" + (folder + bytes).toPercentEncoding("/"));
+        QVERIFY(studio.model.drop(offer));
+        QTRY_COMPARE(studio.model.sessions().size(), std::size_t{2});
+        paintDot(studio);
+        QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
+        QCOMPARE(PaintFile::decode(bytesOf(readFile(path)))->fingerprint(), studio.doc().fingerprint());
+        const std::filesystem::directory_iterator names(folder.toStdString());
+        QCOMPARE(std::distance(begin(names), end(names)), std::ptrdiff_t{1}); // and no other
+        std::filesystem::remove_all(folder.toStdString());                    // which the toolkit cannot
+    }
 }
 
 void tst_PaintModel::aFailedSaveLosesNothing() {

@@ -1,0 +1,15 @@
+#pragma once
+#include <QByteArray>
+#include <QString>
+
+namespace qirn {
+
+/// A path as the system has it, of any bytes, as text. A byte that is no UTF-8 is kept as a lone surrogate, U+DC80 to
+/// U+DCFF, which no text has, so that the file is found again and keeps its name.
+QString pathFromBytes(const QByteArray& bytes);
+QByteArray bytesOfPath(const QString& path);
+
+/// From the root; a relative path is taken from the working folder.
+QString absolutePath(const QString& path);
+
+} // namespace qirn
