@@ -1,7 +1,6 @@
 #include "QtDesktop.h"
 
 #include "FileTypes.h"
-#include "HostWords.h"
 #include "RecentFiles.h"
 
 #include <QApplication>
@@ -96,8 +95,8 @@ void QtDesktop::setClipboard(std::unique_ptr<QMimeData> content) {
 int QtDesktop::ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) {
     QMessageBox box(QApplication::activeWindow());
     box.setWindowTitle(QApplication::applicationDisplayName());
-    box.setText(QStringLiteral("<b>%1</b>").arg(hostWords(title).toHtmlEscaped()));
-    box.setInformativeText(hostWords(text));
+    box.setText(QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()));
+    box.setInformativeText(text);
     box.setTextFormat(Qt::RichText);
     QList<QPushButton*> made;
     for (const QString& label : buttons) {

@@ -1,5 +1,6 @@
 #include "DocTab.h"
 #include "HudBubble.h"
+#include "QtDesktop.h"
 #include "StatusItems.h"
 #include "Window.h"
 #include "support/Files.h"
@@ -10,6 +11,7 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -260,6 +262,18 @@ private Q_SLOTS:
         QVERIFY(w.view.isVisible());
         w.desktop.answers.push_back(2); // Don't Save
         QVERIFY(w.view.close());
+    }
+
+    void namesAreNoWordsOfTheProgram() {
+        QString asked;
+        QTimer::singleShot(0, this, [&asked] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            asked = box->text() + box->informativeText();
+            box->reject();
+        });
+        QtDesktop().ask(QStringLiteral("Save changes to \"macOS study\"?"), QStringLiteral("⌘N"),
+                        {QStringLiteral("OK")}, 0);
+        QCOMPARE(asked, QStringLiteral("<b>Save changes to &quot;macOS study&quot;?</b>⌘N"));
     }
 
     void theMenuBarHasItsMenus() {
