@@ -1,5 +1,6 @@
 #include "Clipboard.h"
 
+#include "Typing.h"
 #include "formats/pictures/ImageExport.h"
 #include "formats/pictures/ImageImport.h"
 #include "formats/pictures/TiffWriter.h"
@@ -10,7 +11,6 @@
 
 #include <chrono>
 
-#include <QApplication>
 #include <QDeadlineTimer>
 #include <QImage>
 #include <QLineEdit>
@@ -200,9 +200,9 @@ template <class Field> bool doneIn(QWidget* widget, Clipboard::TextAction action
 } // namespace
 
 bool Clipboard::doneInTextField(TextAction action) {
-    QWidget* focus = QApplication::focusWidget();
-    return doneIn<QLineEdit>(focus, action) || doneIn<QPlainTextEdit>(focus, action) ||
-           doneIn<QTextEdit>(focus, action);
+    QWidget* field = Typing::field();
+    return doneIn<QLineEdit>(field, action) || doneIn<QPlainTextEdit>(field, action) ||
+           doneIn<QTextEdit>(field, action);
 }
 
 } // namespace qirn

@@ -6,7 +6,6 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include "CanvasView.h"
 #include "ColorPlane.h"
 #include "Metrics.h"
 #include "PaintModel.h"
@@ -37,6 +36,7 @@ ColorChooser::ColorChooser(PaintModel& model, QWidget* parent)
 
     connect(plane_, &ColorPlane::changed, this, &ColorChooser::push);
     connect(hex_, &QLineEdit::returnPressed, this, &ColorChooser::takeHex);
+    connect(hex_, &QLineEdit::editingFinished, this, [this] { hex_->setText(model_.primary().hex()); });
     connect(&model, &PaintModel::changed, this, &ColorChooser::refresh);
     refresh();
 }
@@ -53,7 +53,6 @@ void ColorChooser::takeHex() {
     if (!typed) return QApplication::beep();
     lastSet_.clear();
     model_.pick(*typed, PaintModel::AddRecent::yes);
-    if (QWidget* canvas = model_.canvas()) canvas->setFocus(); // done typing: letters mean tools again
 }
 
 void ColorChooser::refresh() {

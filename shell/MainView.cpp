@@ -21,6 +21,7 @@
 #include "StatusBar.h"
 #include "ToolOptionsBar.h"
 #include "ToolRail.h"
+#include "Typing.h"
 #include "sheets/ExportSheet.h"
 #include "sheets/RecoverySheet.h"
 #include "sheets/TextSheet.h"
@@ -78,6 +79,7 @@ MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(mo
     connect(canvas_, &CanvasView::textRequested, this,
             [this](QPointF at) { TextSheet(model_, at, this).exec(); });
     model.setCanvas(canvas_);
+    new TypingKeys(*this, *canvas_);
     canvas_->setFocus();
     keepToScreen();
     resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);

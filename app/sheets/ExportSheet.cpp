@@ -6,6 +6,7 @@
 #include "Metrics.h"
 #include "PaintModel.h"
 #include "Store.h"
+#include "Typing.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -115,6 +116,7 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     QPushButton* go = buttons->addButton(tr("Export…"), QDialogButtonBox::AcceptRole);
     go->setDefault(true);
+    new TypingKeys(*this, *go);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(Metrics::kSpace16, Metrics::kSpace16, Metrics::kSpace16, Metrics::kSpace16);

@@ -3,6 +3,7 @@
 #include "PaintModel.h"
 #include "Store.h"
 #include "TextRenderer.h"
+#include "Typing.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -83,6 +84,7 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
     layout->addWidget(preview_);
     layout->addWidget(buttons);
 
+    new TypingKeys(*this, *place);
     loadLook();
     connect(words_, &QPlainTextEdit::textChanged, this, &TextSheet::refreshPreview);
     for (QComboBox* box : {family_, alignment_})

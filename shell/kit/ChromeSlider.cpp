@@ -128,6 +128,7 @@ void ChromeSlider::wheelEvent(QWheelEvent* event) {
 }
 
 void ChromeSlider::keyPressEvent(QKeyEvent* event) {
+    if (field_->isVisible()) return QWidget::keyPressEvent(event); // what the field has no use for
     const bool typed = !event->text().isEmpty() &&
                        (event->text().front().isDigit() || event->text() == u"-") &&
                        !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
@@ -190,8 +191,6 @@ void ChromeSlider::closeField(bool take) {
 
 bool ChromeSlider::eventFilter(QObject* watched, QEvent* event) {
     if (watched == field_ && event->type() == QEvent::FocusOut) closeField(true);
-    if (watched == field_ && event->type() == QEvent::ShortcutOverride)
-        event->accept(); // letters are typed here
     if (watched == field_ && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) {

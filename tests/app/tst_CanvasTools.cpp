@@ -2,13 +2,16 @@
 #include "TextSpec.h"
 #include "compositing/CompositeInputs.h"
 #include "operations/LayerOperations.h"
+#include "sheets/TextSheet.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
 #include "support/TestMain.h"
 
 #include <cmath>
 
+#include <QDoubleSpinBox>
 #include <QPainter>
+#include <QPlainTextEdit>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -463,6 +466,24 @@ void tst_CanvasTools::textBecomesALayer() {
     studio.model.placeText(spec, {50, 40});
     QCOMPARE(studio.model.hud(), QStringLiteral("Type some text first"));
     QCOMPARE(studio.doc().layerCount(), int64_t{2});
+    // Escape and Return end the typing before they mean the sheet.
+    TextSheet sheet(studio.model, {50, 40}, nullptr);
+    sheet.show();
+    sheet.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&sheet));
+    auto* words = sheet.findChild<QPlainTextEdit*>();
+    QTest::keyClicks(words, QStringLiteral("two"));
+    QTest::keyClick(words, Qt::Key_Return);
+    QTest::keyClicks(words, QStringLiteral("lines"));
+    QTest::keyClick(words, Qt::Key_Escape);
+    auto* size = sheet.findChild<QDoubleSpinBox*>();
+    size->setFocus();
+    size->selectAll();
+    QTest::keyClicks(size, QStringLiteral("24"));
+    QTest::keyClick(size, Qt::Key_Return);
+    QVERIFY(sheet.isVisible() && size->value() == 24);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QCOMPARE(studio.layer().name, QStringLiteral("Text: two lines"));
 }
 
 QIRN_TEST(tst_CanvasTools)

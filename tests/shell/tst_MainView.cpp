@@ -1,3 +1,4 @@
+#include "ChromeSlider.h"
 #include "DocTab.h"
 #include "HudBubble.h"
 #include "QtDesktop.h"
@@ -177,6 +178,44 @@ private Q_SLOTS:
         QTest::keyClicks(&hex, QStringLiteral("b"));
         QCOMPARE(hex.text(), QStringLiteral("b"));
         QCOMPARE(w.model.tool(), Tool::eraser);
+    }
+
+    void whatIsTypedStaysInItsField() {
+        Window w;
+        w.paint();
+        w.model.beginTransform();
+        const TransformState floating = *w.model.transform();
+        const int64_t changes = w.doc().changeCount();
+        auto& hex = w.find<QLineEdit>("hex");
+        auto& slider = w.find<ChromeSlider>("Rotate");
+        auto* number = slider.findChild<QLineEdit*>();
+        const auto open = [&](QLineEdit* field) {
+            slider.setFocus();
+            field == number ? QTest::keyClick(&slider, Qt::Key_Return) : hex.setFocus();
+        };
+        for (QLineEdit* field : {&hex, number}) {
+            for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Right, Qt::Key_Backspace,
+                                  Qt::Key_Delete, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_Space}) {
+                for (int keys = 0; keys < 16; ++keys) {
+                    if (key == Qt::Key_Space && keys > 1) continue;
+                    open(field);
+                    QTest::keyClick(field, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(keys << 25));
+                    QVERIFY2(QApplication::focusWidget() == field && slider.value() == 0 &&
+                                 w.model.transform()->center == floating.center,
+                             qPrintable(QKeySequence(key | keys << 25).toString()));
+                }
+            }
+            for (const Qt::Key end : {Qt::Key_Escape, Qt::Key_Return}) {
+                open(field);
+                QTest::keyClick(field, end);
+                QVERIFY(QApplication::focusWidget() != field);
+            }
+            QVERIFY(w.model.transform() && w.doc().changeCount() == changes);
+        }
+        QCOMPARE(hex.text(), w.model.primary().hex());
+        open(number);
+        QTest::keyClick(number, Qt::Key_J, Qt::ControlModifier); // no text's key
+        QCOMPARE(w.doc().undoName().value_or(QString()), QStringLiteral("Duplicate Layer"));
     }
 
     void theRailMarksTheToolAndSetsIt() {

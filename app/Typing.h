@@ -1,0 +1,36 @@
+#pragma once
+#include <QObject>
+
+class QKeyEvent;
+class QWidget;
+
+namespace qirn {
+
+/// Whether somebody types, and which keys are the text's meanwhile.
+namespace Typing {
+
+/// The text field that has the keyboard, be it one that only shows its text; null where none has it.
+QWidget* field();
+
+/// Whether a key belongs to the text that is being typed: letters, and with any modifier the keys that edit, move in
+/// it or end it. Other keys with Command, Option or Control and the function keys belong to the window.
+bool takes(const QKeyEvent& event);
+
+} // namespace Typing
+
+/// Keeps the keys of whoever types from a window's commands: what the text field itself has no use for ends here.
+/// Return and Escape end the typing.
+class TypingKeys : public QObject {
+    Q_OBJECT
+public:
+    /// Belongs to the window; `next` is a part of it that has the keyboard once the typing has ended.
+    TypingKeys(QWidget& window, QWidget& next);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QWidget& next_;
+};
+
+} // namespace qirn
