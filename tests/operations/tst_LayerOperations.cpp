@@ -195,6 +195,7 @@ private Q_SLOTS:
     void flatteningKeepsOnlyThePicture() {
         const auto doc = randomDocument(300, 200, 5, 2);
         doc->fillLayer(doc->layer(0), PaintColor(0.3, 0.6, 0.9)); // beyond the edge too
+        doc->layer(0).isVisible = true;
         doc->layer(2).isVisible = false;
         Layer plain("Background", doc->grid());
         plain.load(*flattened(*doc));
