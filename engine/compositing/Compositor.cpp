@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <vector>
 
 namespace qirn {
@@ -35,6 +36,7 @@ std::map<int64_t, QImage> Compositor::compositeImages(std::span<const int64_t> t
         const int64_t index = tiles[static_cast<std::size_t>(i)];
         const IRect part = grid.rectOf(index);
         QImage image(kTileSize, kTileSize, PaintEngine::imageFormat);
+        if (image.isNull()) throw std::bad_alloc();
         if (!compositeTile(index, layers, image.bits())) return;
         const bool whole = part.w == kTileSize && part.h == kTileSize;
         images[static_cast<std::size_t>(i)] =

@@ -9,8 +9,8 @@ void DirtyTiles::add(int64_t index, const IRect& part) {
     const auto slot = static_cast<std::size_t>(index);
     if (slot >= places_.size()) places_.resize(slot + 1, -1);
     if (places_[slot] < 0) {
-        places_[slot] = static_cast<int32_t>(listed_.size());
         listed_.push_back({index, part});
+        places_[slot] = static_cast<int32_t>(listed_.size()) - 1;
     } else {
         IRect& listed = listed_[static_cast<std::size_t>(places_[slot])].part;
         listed = listed.united(part);

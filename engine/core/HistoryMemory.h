@@ -14,7 +14,7 @@ class Selection;
 /// a commit costs what changed since the last one.
 class HistoryMemory {
 public:
-    /// `selection` may be null.
+    /// Counts all or, where memory runs out, none and throws. `selection` may be null.
     void add(const std::vector<LayerState>& layers, const Selection* selection);
     void remove(const std::vector<LayerState>& layers, const Selection* selection);
     void clear() { *this = {}; }
@@ -23,6 +23,9 @@ public:
 
 private:
     using Uses = std::unordered_map<const void*, int64_t>;
+    void add(const TileArray& tiles);
+    void remove(const TileArray& tiles);
+
     Uses arrays_;     // shared blocks of slots, with the layers that use each
     Uses tiles_;      // tiles, with the arrays and slots that name each
     Uses selections_; // with the states that hold each

@@ -94,12 +94,13 @@ uint64_t PaintDocument::fingerprint() const {
 }
 
 void PaintDocument::markDirty(const IRect& rect) {
+    if (allDirty_) return;
     for (int64_t index : grid_.tilesIn(rect)) dirty_.add(index, grid_.rectOf(index).intersection(rect));
 }
 
 void PaintDocument::markAllDirty() {
     dirty_.clear(); // of tiles that another canvas had
-    markDirty(grid_.bounds());
+    allDirty_ = true;
 }
 
 std::vector<int64_t> PaintDocument::takeDirtyTiles() {
@@ -109,7 +110,12 @@ std::vector<int64_t> PaintDocument::takeDirtyTiles() {
 }
 
 std::vector<DirtyTile> PaintDocument::takeDirtyParts() {
-    return dirty_.take();
+    if (!allDirty_) return dirty_.take();
+    std::vector<DirtyTile> all;
+    all.reserve(static_cast<std::size_t>(grid_.count()));
+    for (int64_t index = 0; index < grid_.count(); ++index) all.push_back({index, grid_.rectOf(index)});
+    allDirty_ = false;
+    return all;
 }
 
 } // namespace qirn

@@ -61,7 +61,7 @@ public:
 
     // What the screen has to show again.
     void markDirty(const IRect& rect);
-    void markAllDirty();
+    void markAllDirty();                     ///< Asks for no memory.
     std::vector<int64_t> takeDirtyTiles();   ///< Sorted; leaves none.
     std::vector<DirtyTile> takeDirtyParts(); ///< The same with the part of each tile that changed.
 
@@ -80,13 +80,16 @@ public:
     int64_t maxUndoSteps = 100;
     int64_t maxUndoBytes = 1'500'000'000; ///< Of tile memory held by the history, selections included.
 
+    // Each of these either does all of it or, where memory runs out, throws and leaves the history as it was.
     State captureState(); ///< Freezes every tile; copies no pixels.
     void commit(const QString& name);
     void perform(const QString& name, const std::function<void()>& body);
-    void undo();               ///< Nothing at the start of the history.
-    void redo();               ///< Nothing at its end.
-    void revertToLastCommit(); ///< Throws away what was not committed, without counting as a change.
-    void resetHistory();       ///< One entry named "Open"; the change count stays.
+    void undo(); ///< Nothing at the start of the history.
+    void redo(); ///< Nothing at its end.
+    /// Throws away what was not committed, without counting as a change. Asks for no more memory than a few words a
+    /// layer, so that it is the way out where there is no more.
+    void revertToLastCommit();
+    void resetHistory(); ///< One entry named "Open"; the change count stays.
     bool canUndo() const { return cursor_ > 0; }
     bool canRedo() const { return cursor_ + 1 < static_cast<int64_t>(history_.size()); }
     std::optional<QString> undoName() const;
@@ -99,13 +102,14 @@ public:
 
 private:
     enum class CountsAsChange { no, yes };
-    void restore(const State& state, CountsAsChange counts);
+    void restore(int64_t entry, CountsAsChange counts);
     void dropOldestEntry();
 
     TileGrid grid_;
     std::vector<LayerRef> layers_;
     int64_t activeIndex_ = 0;
     DirtyTiles dirty_;
+    bool allDirty_ = false;             // whatever is listed
     std::vector<HistoryEntry> history_; // oldest first
     int64_t cursor_ = 0;                // the entry that the picture equals
     int64_t changeCount_ = 0;

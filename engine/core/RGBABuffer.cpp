@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace qirn {
 
@@ -44,7 +45,9 @@ std::shared_ptr<RGBABuffer> RGBABuffer::copy() const {
 }
 
 QImage RGBABuffer::makeImage() const {
-    return imageOver(data(), static_cast<int>(width_), static_cast<int>(height_)).copy();
+    QImage image = imageOver(data(), static_cast<int>(width_), static_cast<int>(height_)).copy();
+    if (image.isNull()) throw std::bad_alloc();
+    return image;
 }
 
 void RGBABuffer::fill(const PaintColor& color) {

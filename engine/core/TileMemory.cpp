@@ -9,7 +9,9 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <sys/mman.h>
@@ -59,6 +61,7 @@ public:
 
     uint8_t* take() {
         const std::lock_guard lock(mutex_);
+        if (refused_ > 0 && --refused_ == 0) throw std::bad_alloc();
         if (open_.empty()) addPage();
         uint8_t* const block = detach(ready_ > 0 ? readyBlock() : anyBlock(open_.back()));
         ++used_;
@@ -81,7 +84,12 @@ public:
     void prepare() {
         const std::lock_guard lock(mutex_);
         if (ready_ >= kPreparedBlocks || !canPrepare_) return;
-        if (!preparing_.joinable()) preparing_ = std::thread([this] { keepPrepared(); });
+        try {
+            if (!preparing_.joinable()) preparing_ = std::thread([this] { keepPrepared(); });
+        } catch (const std::system_error&) {
+            canPrepare_ = false; // no thread to be had: tiles are made when they are needed
+            return;
+        }
         isWanted_ = true;
         wanted_.notify_one();
     }
@@ -102,6 +110,10 @@ public:
         }
     }
 
+    int64_t refuse(int64_t nth) {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(refused_, nth);
+    }
     int64_t ready() {
         const std::lock_guard lock(mutex_);
         return ready_ * kTileBytes;
@@ -187,6 +199,7 @@ private:
     }
 
     void addPage() {
+        open_.reserve(pages_.size() + 1); // so that blocks can be given back where there is no memory
         // Twice the size, so that an aligned page lies within.
         void* const mapped =
             mmap(nullptr, 2 * kPageBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -199,8 +212,13 @@ private:
         if (behind < start + 2 * kPageBytes)
             munmap(behind, static_cast<std::size_t>(start + 2 * kPageBytes - behind));
         // No large pages: filling one takes the system up to 25 ms, which a pen feels, and opening a picture twice as long.
+        try {
+            pages_.emplace(page, PageBlocks());
+        } catch (const std::bad_alloc&) {
+            munmap(page, kPageBytes);
+            throw;
+        }
         ASAN_POISON_MEMORY_REGION(page, kPageBytes);
-        pages_.emplace(page, PageBlocks());
         open_.push_back(page);
         ++emptyPages_;
         spare_ += kBlocksInPage;
@@ -227,6 +245,7 @@ private:
     std::condition_variable wanted_;
     bool isWanted_ = false;
     bool canPrepare_ = true;
+    int64_t refused_ = 0; // of the blocks to come: which one, for tests
 };
 
 } // namespace
@@ -245,6 +264,10 @@ void TileMemory::trim() {
 
 void TileMemory::prepare() {
     Pool::shared().prepare();
+}
+
+int64_t TileMemory::refuse(int64_t nth) {
+    return Pool::shared().refuse(nth);
 }
 
 int64_t TileMemory::readyBytes() {

@@ -19,7 +19,7 @@ struct GiveBack {
 /// A block of `kTileBytes` bytes, its content unspecified; the owner's until it is let go.
 using Block = std::unique_ptr<uint8_t, GiveBack>;
 
-Block take();
+Block take(); ///< Throws std::bad_alloc; giving a block back asks for no memory.
 
 /// Returns at once and has the system hand out the pages of the next few blocks in the background: a pen that comes to
 /// a new tile does not wait for them. Does nothing where the system cannot.
@@ -27,6 +27,10 @@ void prepare();
 
 /// Gives the system back all that nobody uses: called when a picture is closed.
 void trim();
+
+/// For tests: refuses the `nth` block that is asked for from here on, 1 being the next, once; 0 refuses none. Tells how
+/// far off the one of the call before still is, 0 where it was refused.
+int64_t refuse(int64_t nth);
 
 int64_t readyBytes(); ///< Spare blocks whose pages are there.
 int64_t usedBytes();  ///< Of blocks that are taken.

@@ -19,12 +19,17 @@ PaintDocument::State PaintDocument::captureState() {
 }
 
 void PaintDocument::commit(const QString& name) {
-    while (canRedo()) {
-        memory_.remove(history_.back().state.layers, history_.back().state.selection.get());
-        history_.pop_back();
-    }
     history_.push_back({name, captureState()});
-    memory_.add(history_.back().state.layers, history_.back().state.selection.get());
+    try {
+        memory_.add(history_.back().state.layers, history_.back().state.selection.get());
+    } catch (...) {
+        history_.pop_back();
+        throw;
+    }
+    const auto undone = history_.begin() + cursor_ + 1, added = history_.end() - 1;
+    for (auto entry = undone; entry != added; ++entry)
+        memory_.remove(entry->state.layers, entry->state.selection.get());
+    history_.erase(undone, added);
     cursor_ = static_cast<int64_t>(history_.size()) - 1;
     ++changeCount_;
 
@@ -47,18 +52,16 @@ void PaintDocument::perform(const QString& name, const std::function<void()>& bo
 
 void PaintDocument::undo() {
     if (!canUndo()) return;
-    --cursor_;
-    restore(history_[static_cast<std::size_t>(cursor_)].state, CountsAsChange::yes);
+    restore(cursor_ - 1, CountsAsChange::yes);
 }
 
 void PaintDocument::redo() {
     if (!canRedo()) return;
-    ++cursor_;
-    restore(history_[static_cast<std::size_t>(cursor_)].state, CountsAsChange::yes);
+    restore(cursor_ + 1, CountsAsChange::yes);
 }
 
 void PaintDocument::revertToLastCommit() {
-    restore(history_[static_cast<std::size_t>(cursor_)].state, CountsAsChange::no);
+    restore(cursor_, CountsAsChange::no);
 }
 
 void PaintDocument::resetHistory() {
@@ -79,12 +82,17 @@ std::optional<QString> PaintDocument::redoName() const {
     return history_[static_cast<std::size_t>(cursor_) + 1].name;
 }
 
-void PaintDocument::restore(const State& state, CountsAsChange counts) {
+void PaintDocument::restore(int64_t entry, CountsAsChange counts) {
+    const State& state = history_[static_cast<std::size_t>(entry)].state;
+    std::vector<LayerRef> layers;
+    layers.reserve(state.layers.size());
+    for (const LayerState& layer : state.layers)
+        layers.push_back(std::make_shared<Layer>(layer, state.grid));
     const bool gridChanged = !(state.grid == grid_);
+    cursor_ = entry;
     grid_ = state.grid;
     dpi = state.dpi;
-    layers_.clear();
-    for (const LayerState& layer : state.layers) layers_.push_back(std::make_shared<Layer>(layer, grid_));
+    layers_ = std::move(layers);
     selection = state.selection;
     setActiveIndex(state.active);
     if (counts == CountsAsChange::yes) ++changeCount_;
