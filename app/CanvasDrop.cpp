@@ -19,14 +19,14 @@ void takeCopy(QDropEvent& event, bool take) {
 } // namespace
 
 void CanvasView::dragEnterEvent(QDragEnterEvent* event) {
+    enter(&CanvasView::dragged, event);
+}
+
+void CanvasView::dragged(QDragMoveEvent* event) {
     takeCopy(*event, Clipboard::mayHoldPicture(*event->mimeData()));
 }
 
-void CanvasView::dragMoveEvent(QDragMoveEvent* event) {
-    takeCopy(*event, Clipboard::mayHoldPicture(*event->mimeData()));
-}
-
-void CanvasView::dropEvent(QDropEvent* event) {
+void CanvasView::dropped(QDropEvent* event) {
     takeCopy(*event, model_.drop(*event->mimeData()));
 }
 

@@ -38,6 +38,12 @@ double secondsOf(const QInputEvent& event, double now) {
 // --- Events
 
 bool CanvasView::event(QEvent* event) {
+    bool taken = false;
+    guarded(model_, [&] { taken = gestureMade(event); });
+    return taken || QWidget::event(event);
+}
+
+bool CanvasView::gestureMade(QEvent* event) {
     if (event->type() == QEvent::NativeGesture && session_) {
         auto* gesture = static_cast<QNativeGestureEvent*>(event);
         const QPointF around = toView(gesture->position());
@@ -51,19 +57,23 @@ bool CanvasView::event(QEvent* event) {
         }
     }
     if (event->type() == QEvent::WindowDeactivate) inputLost();
-    return QWidget::event(event);
+    return false;
 }
 
 bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == qApp && event->type() == QEvent::TabletEnterProximity) {
+    if (watched == qApp) enter(&CanvasView::applicationTold, event);
+    return QWidget::eventFilter(watched, event);
+}
+
+void CanvasView::applicationTold(QEvent* event) {
+    if (event->type() == QEvent::TabletEnterProximity) {
         penEndChanged(static_cast<QTabletEvent*>(event)->pointerType() ==
                       QPointingDevice::PointerType::Eraser);
-    } else if (watched == qApp && event->type() == QEvent::TabletLeaveProximity) {
+    } else if (event->type() == QEvent::TabletLeaveProximity) {
         // A pen that leaves has let go, even when its release was lost.
         if (std::exchange(penDown_, false)) endGesture();
         penEndChanged(false);
     }
-    return QWidget::eventFilter(watched, event);
 }
 
 void CanvasView::penEndChanged(bool eraser) {
@@ -81,7 +91,7 @@ void CanvasView::penEndChanged(bool eraser) {
     updateCursor(lastMouseView_);
 }
 
-void CanvasView::tabletEvent(QTabletEvent* event) {
+void CanvasView::penMoved(QTabletEvent* event) {
     // Always taken: a pen event that is not comes again as a mouse event.
     event->accept();
     PenSample sample;
@@ -132,7 +142,7 @@ std::optional<PenSample> CanvasView::mouseSample(const QMouseEvent& event) {
     return sample;
 }
 
-void CanvasView::mousePressEvent(QMouseEvent* event) {
+void CanvasView::mousePressed(QMouseEvent* event) {
     const auto sample = mouseSample(*event);
     if (!sample) return;
     if (event->button() == Qt::LeftButton) press(*sample);
@@ -141,14 +151,14 @@ void CanvasView::mousePressEvent(QMouseEvent* event) {
     if (drag_ == Drag::none) beginPan(*sample);
 }
 
-void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
+void CanvasView::mouseDoubleClicked(QMouseEvent* event) {
     auto sample = mouseSample(*event);
     if (!sample || event->button() != Qt::LeftButton) return;
     sample->clicks = 2;
     press(*sample);
 }
 
-void CanvasView::mouseMoveEvent(QMouseEvent* event) {
+void CanvasView::mouseMoved(QMouseEvent* event) {
     const auto sample = mouseSample(*event);
     if (!sample) return;
     if (event->buttons() != Qt::NoButton) return drag(*sample);
@@ -156,13 +166,13 @@ void CanvasView::mouseMoveEvent(QMouseEvent* event) {
     hover(*sample);
 }
 
-void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
+void CanvasView::mouseReleased(QMouseEvent* event) {
     const bool ends =
         event->button() == Qt::LeftButton || (event->button() == Qt::MiddleButton && drag_ == Drag::pan);
     if (const auto sample = mouseSample(*event); sample && ends) release(*sample);
 }
 
-void CanvasView::leaveEvent(QEvent*) {
+void CanvasView::pointerLeft() {
     lastMouseView_.reset();
     updateCursor(std::nullopt);
     CanvasStatus::Cursor cursor = model_.status().cursor();
@@ -171,11 +181,11 @@ void CanvasView::leaveEvent(QEvent*) {
 }
 
 void CanvasView::focusOutEvent(QFocusEvent* event) {
-    inputLost();
+    guarded(model_, [this] { inputLost(); });
     QWidget::focusOutEvent(event);
 }
 
-void CanvasView::wheelEvent(QWheelEvent* event) {
+void CanvasView::wheelTurned(QWheelEvent* event) {
     event->accept();
     if (!session_) return;
     const bool precise = !event->pixelDelta().isNull();
@@ -422,6 +432,17 @@ void CanvasView::cancelStroke() {
     }
     dropGesture();
     model_.announce();
+}
+
+void CanvasView::dropUncommitted() {
+    holdTimer_.stop();
+    stroke_.reset();
+    waiting_.reset();
+    dragBase_.reset();
+    lassoPoints_.clear();
+    presentation_.show(session_ ? &session_->doc() : nullptr);
+    dropGesture();
+    update();
 }
 
 bool CanvasView::isBusy() const {

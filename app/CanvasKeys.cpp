@@ -77,6 +77,18 @@ void CanvasView::keyReleaseEvent(QKeyEvent* event) {
 }
 
 bool CanvasView::handleKeyPress(QKeyEvent* event) {
+    bool taken = true; // also where it failed
+    guarded(model_, [&] { taken = keyPressed(event); });
+    return taken;
+}
+
+bool CanvasView::handleKeyRelease(QKeyEvent* event) {
+    bool taken = true;
+    guarded(model_, [&] { taken = keyReleased(event); });
+    return taken;
+}
+
+bool CanvasView::keyPressed(QKeyEvent* event) {
     keysHeld_ |= modifierOf(event->key());
     if (event->key() == Qt::Key_Space) {
         if (!event->isAutoRepeat()) setSpaceDown(true);
@@ -86,7 +98,7 @@ bool CanvasView::handleKeyPress(QKeyEvent* event) {
     return handleNamedKey(event) || handleCharacter(event);
 }
 
-bool CanvasView::handleKeyRelease(QKeyEvent* event) {
+bool CanvasView::keyReleased(QKeyEvent* event) {
     keysHeld_ &= ~Qt::KeyboardModifiers(modifierOf(event->key()));
     if (event->key() != Qt::Key_Space) return false;
     if (!event->isAutoRepeat()) setSpaceDown(false);

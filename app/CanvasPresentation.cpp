@@ -30,14 +30,12 @@ int levelFor(double zoom) {
 
 void CanvasPresentation::show(const PaintDocument* document) {
     document_ = document;
-    const TileGrid grid = document ? document->grid() : TileGrid();
-    states_.assign(static_cast<std::size_t>(grid.count()), TileState::stale);
+    states_.clear();
     images_.clear();
-    images_.resize(states_.size());
     heldImages_ = 0;
     tilesComposited_ = 0;
     visible_ = {};
-    window_.reset(grid);
+    window_.reset(document ? document->grid() : TileGrid());
 }
 
 void CanvasPresentation::setCheckerSize(double canvasPixels) {
@@ -51,21 +49,28 @@ void CanvasPresentation::look(const ViewTransform& view, double zoom) {
     quarterTurn_ = canvasToWidget_.m12() == 0 || std::abs(canvasToWidget_.m11()) < 1e-9;
     if (!document_) return;
     const TileGrid& grid = document_->grid();
+    if (states_.empty()) {
+        images_.resize(static_cast<std::size_t>(grid.count()));
+        states_.assign(images_.size(), TileState::stale);
+    }
     const QRectF seen = canvasToWidget_.inverted().mapRect(QRectF(QPointF(), view.viewSize()));
     const IRect part = IRect::covering(seen & grid.bounds().rectF()).intersection(grid.bounds());
     if (part.isEmpty()) {
         visible_ = {};
         return;
     }
-    visible_ = {part.x / kTileSize, part.y / kTileSize, (part.maxX() + kTileSize - 1) / kTileSize,
-                (part.maxY() + kTileSize - 1) / kTileSize};
+    const TileRange seenTiles{part.x / kTileSize, part.y / kTileSize,
+                              (part.maxX() + kTileSize - 1) / kTileSize,
+                              (part.maxY() + kTileSize - 1) / kTileSize};
     const int level = levelFor(zoom);
-    if (level != window_.level() || !window_.range().contains(visible_)) {
+    if (level != window_.level() || !window_.range().contains(seenTiles)) {
         // A tile more on each side, so that a slow pan does not rebuild the window at each step.
-        coverWindow({std::max<int64_t>(visible_.firstCol - 1, 0), std::max<int64_t>(visible_.firstRow - 1, 0),
-                     std::min(visible_.endCol + 1, grid.cols), std::min(visible_.endRow + 1, grid.rows)},
+        coverWindow({std::max<int64_t>(seenTiles.firstCol - 1, 0),
+                     std::max<int64_t>(seenTiles.firstRow - 1, 0), std::min(seenTiles.endCol + 1, grid.cols),
+                     std::min(seenTiles.endRow + 1, grid.rows)},
                     level);
     }
+    visible_ = seenTiles;
     makeVisibleTiles();
 }
 
@@ -123,16 +128,35 @@ void CanvasPresentation::coverWindow(const TileRange& range, int level) {
             }
         }
     }
-    for (const int64_t index : leaving) takeImage(index);
+    std::vector<TileMemory::Block> copies(leaving.size());
     concurrentPerform(static_cast<int64_t>(leaving.size()), [&](int64_t i) {
-        const int64_t index = leaving[static_cast<std::size_t>(i)];
-        window_.copyTo(index, images_[static_cast<std::size_t>(index)].get());
+        const auto place = static_cast<std::size_t>(i);
+        copies[place] = TileMemory::take();
+        window_.copyTo(leaving[place], copies[place].get());
     });
     window_.cover(range, level);
+    for (std::size_t i = 0; i < leaving.size(); ++i) {
+        dropImage(leaving[i]);
+        images_[static_cast<std::size_t>(leaving[i])] = std::move(copies[i]);
+        ++heldImages_;
+    }
 }
 
 void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
     if (tiles.empty()) return;
+    try {
+        drawTiles(tiles);
+    } catch (...) {
+        // Which of them were drawn, and where, nobody knows: all are out of date.
+        for (const DirtyTile& tile : tiles) {
+            states_[static_cast<std::size_t>(tile.index)] = TileState::stale;
+            window_.drop(tile.index);
+        }
+        throw;
+    }
+}
+
+void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
     const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
     const int level = window_.level();
     // A few tiles are cut into bands, so that every core has something to do where there is much.

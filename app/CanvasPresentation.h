@@ -20,10 +20,12 @@ class PaintDocument;
 /// composite nothing again.
 class CanvasPresentation {
 public:
-    void show(const PaintDocument* document); ///< Null shows nothing. The document is borrowed.
+    /// Null shows nothing; the document is borrowed, and all of it drawn anew. Asks for no memory.
+    void show(const PaintDocument* document);
     void setCheckerSize(double canvasPixels); ///< Side of a square, at least 2.
 
-    /// The view that the next `draw` is for; makes the tiles that it shows and that are not made yet.
+    /// The view that the next `draw` is for; makes the tiles that it shows and that are not made yet. Where memory runs
+    /// out it throws, `draw` shows what there is, and the next call goes on.
     void look(const ViewTransform& view, double zoom);
     /// While the view turns or zooms it is drawn without smoothing, which takes a fraction of the time.
     void setInMotion(bool inMotion) { inMotion_ = inMotion; }
@@ -48,6 +50,7 @@ private:
     void makeVisibleTiles();
     /// Brings these parts to the window, from the layers where they are out of date.
     void drawIntoWindow(const std::vector<DirtyTile>& tiles);
+    void drawTiles(const std::vector<DirtyTile>& tiles);
     Source sourceOf(const DirtyTile& tile, std::span<const CompositeInput> layers);
     void takeImage(int64_t index);
     void dropImage(int64_t index);

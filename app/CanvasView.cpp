@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <new>
+#include <utility>
 
 #include <QApplication>
 #include <QDateTime>
@@ -45,11 +47,11 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     setAcceptDrops(true);
     holdTimer_.setTimerType(Qt::PreciseTimer);
     holdTimer_.setInterval(1000 / 60);
-    connect(&holdTimer_, &QTimer::timeout, this, &CanvasView::holdTick);
-    connect(&antsTimer_, &QTimer::timeout, this, [this] {
+    connect(&holdTimer_, &QTimer::timeout, this, guarding(model_, [this] { holdTick(); }));
+    connect(&antsTimer_, &QTimer::timeout, this, guarding(model_, [this] {
         overlay_.advanceAnts(antsTimer_.interval() / 1000.0);
         update(toWidget(overlay_.antsRegion()));
-    });
+    }));
     restTimer_.setSingleShot(true);
     restTimer_.setInterval(kRestAfter);
     connect(&restTimer_, &QTimer::timeout, this, [this] {
@@ -167,7 +169,7 @@ void CanvasView::flush() {
 void CanvasView::scheduleFlush() {
     if (flushScheduled_) return;
     flushScheduled_ = true;
-    QMetaObject::invokeMethod(this, &CanvasView::flush, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, guarding(model_, [this] { flush(); }), Qt::QueuedConnection);
 }
 
 void CanvasView::refresh(AllTiles all) {
@@ -227,17 +229,25 @@ void CanvasView::paintEvent(QPaintEvent* event) {
     painter.fillRect(exposed.adjusted(-1, -1, 1, 1),
                      QColor(kBackgroundGrey, kBackgroundGrey, kBackgroundGrey));
     if (!session_) return;
-    presentation_.look(transform_, session_->view.zoom);
-    presentation_.draw(painter, exposed);
-    overlay_.paint(painter);
+    // What there is no memory for stays away until it is seen again: nothing of the picture is lost by that.
+    bool whole = contained([&] { presentation_.look(transform_, session_->view.zoom); });
+    whole &= contained([&] { presentation_.draw(painter, exposed); });
+    whole &= contained([&] { overlay_.paint(painter); });
+    if (whole == std::exchange(shownWhole_, whole)) return;
+    contained([&] {
+        if (whole) return update();
+        QMetaObject::invokeMethod(this,
+                                  guarding(model_, [this] { model_.flash(failureText(std::bad_alloc())); }),
+                                  Qt::QueuedConnection);
+    });
 }
 
-void CanvasView::resizeEvent(QResizeEvent*) {
+void CanvasView::viewResized() {
     fitIfNeeded();
     applyViewTransform();
 }
 
-void CanvasView::showEvent(QShowEvent*) {
+void CanvasView::viewShown() {
     fitIfNeeded();
     applyViewTransform();
     updateAntsTimer();

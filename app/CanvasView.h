@@ -1,6 +1,7 @@
 #pragma once
 #include "CanvasOverlay.h"
 #include "CanvasPresentation.h"
+#include "Guarded.h"
 #include "PenInput.h"
 #include "Tool.h"
 #include "TransformState.h"
@@ -48,6 +49,8 @@ public:
     bool isBusy() const; ///< A stroke is in progress.
     void endStroke();    ///< Ends and commits the stroke in progress, if any.
     void endGesture();   ///< Whatever drag is in progress, as if it were let go where it last was.
+    /// After a failure: any gesture goes, and all is drawn anew. The picture is the model's to put back.
+    void dropUncommitted();
 
     // The view.
     DocSession* session() const { return session_; }
@@ -74,27 +77,47 @@ Q_SIGNALS:
     void textRequested(QPointF canvasPoint); ///< A press of the Text tool; the window asks for the words.
 
 protected:
+    // The doors from Qt: each hands its event on to the member of that name below, where a failure may throw.
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void showEvent(QShowEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override;
-    void tabletEvent(QTabletEvent* event) override;
-    void leaveEvent(QEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
+    void resizeEvent(QResizeEvent*) override { enter(&CanvasView::viewResized); }
+    void showEvent(QShowEvent*) override { enter(&CanvasView::viewShown); }
+    void mousePressEvent(QMouseEvent* event) override { enter(&CanvasView::mousePressed, event); }
+    void mouseMoveEvent(QMouseEvent* event) override { enter(&CanvasView::mouseMoved, event); }
+    void mouseReleaseEvent(QMouseEvent* event) override { enter(&CanvasView::mouseReleased, event); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override { enter(&CanvasView::mouseDoubleClicked, event); }
+    void tabletEvent(QTabletEvent* event) override { enter(&CanvasView::penMoved, event); }
+    void leaveEvent(QEvent*) override { enter(&CanvasView::pointerLeft); }
+    void wheelEvent(QWheelEvent* event) override { enter(&CanvasView::wheelTurned, event); }
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
-    void dragMoveEvent(QDragMoveEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override { enter(&CanvasView::dragged, event); }
+    void dropEvent(QDropEvent* event) override { enter(&CanvasView::dropped, event); }
 
 private:
     enum class Drag { none, paint, pan, zoomDrag, tool };
+
+    template <class Handler, class... Event> void enter(Handler handler, Event*... event) {
+        guarded(model_, [&] { (this->*handler)(event...); });
+    }
+    bool gestureMade(QEvent* event); ///< True when the event meant something here.
+    void applicationTold(QEvent* event);
+    void viewResized();
+    void viewShown();
+    void mousePressed(QMouseEvent* event);
+    void mouseMoved(QMouseEvent* event);
+    void mouseReleased(QMouseEvent* event);
+    void mouseDoubleClicked(QMouseEvent* event);
+    void penMoved(QTabletEvent* event);
+    void pointerLeft();
+    void wheelTurned(QWheelEvent* event);
+    bool keyPressed(QKeyEvent* event);
+    bool keyReleased(QKeyEvent* event);
+    void dragged(QDragMoveEvent* event);
+    void dropped(QDropEvent* event);
 
     // Gestures (CanvasGestures.cpp).
     std::optional<PenSample> mouseSample(const QMouseEvent& event); ///< Nothing for a pen's echo.
@@ -177,6 +200,7 @@ private:
     CanvasPresentation presentation_;
     CanvasOverlay overlay_;
     bool flushScheduled_ = false;
+    bool shownWhole_ = true; // there was memory for the latest paint
     QTimer antsTimer_;
     QTimer restTimer_; // runs from one turn or zoom of the view until it has come to rest
 

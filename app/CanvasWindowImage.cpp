@@ -29,16 +29,17 @@ void CanvasWindowImage::reset(const TileGrid& grid) {
 
 void CanvasWindowImage::cover(const TileRange& range, int level) {
     if (range == range_ && level == level_ && pixels_) return;
-    CanvasWindowImage old = std::exchange(*this, {});
-    grid_ = old.grid_;
-    range_ = range;
-    level_ = level;
     const int64_t side = kTileSize >> level, cols = range.endCol - range.firstCol,
                   rows = range.endRow - range.firstRow;
-    rowBytes_ = cols * side * 4;
-    const auto bytes = static_cast<std::size_t>(rows * side * rowBytes_);
-    pixels_.reset(static_cast<uint8_t*>(operator new(bytes, kAlignment)));
-    held_.assign(static_cast<std::size_t>(rows * cols), false);
+    CanvasWindowImage next;
+    next.grid_ = grid_;
+    next.range_ = range;
+    next.level_ = level;
+    next.rowBytes_ = cols * side * 4;
+    const auto bytes = static_cast<std::size_t>(rows * side * next.rowBytes_);
+    next.pixels_.reset(static_cast<uint8_t*>(operator new(bytes, kAlignment)));
+    next.held_.assign(static_cast<std::size_t>(rows * cols), false);
+    const CanvasWindowImage old = std::exchange(*this, std::move(next));
     if (!old.pixels_ || old.level_ != level) return;
     for (int64_t row = range.firstRow; row < range.endRow; ++row) {
         for (int64_t col = range.firstCol; col < range.endCol; ++col) {

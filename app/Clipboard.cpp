@@ -1,5 +1,6 @@
 #include "Clipboard.h"
 
+#include "Guarded.h"
 #include "Typing.h"
 #include "formats/pictures/ImageExport.h"
 #include "formats/pictures/ImageImport.h"
@@ -38,15 +39,18 @@ public:
 
 protected:
     QVariant retrieveData(const QString& type, QMetaType) const override {
-        if (type == kPng) {
-            if (png_.isEmpty()) png_ = ImageExport::pngData(image(), dpi_).value_or(QByteArray());
-            return png_;
-        }
-        if (type == kTiff) {
-            if (tiff_.isEmpty()) tiff_ = tiffBytes(*pixels_, dpi_).value_or(QByteArray());
-            return tiff_;
-        }
-        return {};
+        QVariant data;
+        contained([&] {
+            if (type == kPng) {
+                if (png_.isEmpty()) png_ = ImageExport::pngData(image(), dpi_).value_or(QByteArray());
+                data = png_;
+            }
+            if (type == kTiff) {
+                if (tiff_.isEmpty()) tiff_ = tiffBytes(*pixels_, dpi_).value_or(QByteArray());
+                data = tiff_;
+            }
+        });
+        return data;
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "CanvasView.h"
 #include "DocSession.h"
+#include "Guarded.h"
 #include "PaintModel.h"
 
 #include <QAction>
@@ -253,7 +254,9 @@ PaintCommands::PaintCommands(PaintModel& model, QMenuBar& menuBar) : QObject(&me
             if (row.title) action->setText(plainTitle(tr(row.title)));
             if (row.shortcut != 0) action->setShortcut(QKeySequence(row.shortcut));
             action->setCheckable(row.checked != nullptr);
-            if (row.run) connect(action, &QAction::triggered, this, [this, run = row.run] { run(model_); });
+            if (row.run)
+                connect(action, &QAction::triggered, this,
+                        guarding(model_, [this, run = row.run] { run(model_); }));
         }
     }
     connect(action(QLatin1String(kQuit)), &QAction::triggered, menuBar.window(), &QWidget::close);

@@ -4,6 +4,7 @@
 #include "AppFolders.h"
 #include "CanvasView.h"
 #include "Desktop.h"
+#include "Guarded.h"
 #include "Store.h"
 #include "formats/palettes/PaletteLibrary.h"
 
@@ -30,13 +31,13 @@ PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Store& store)
         if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
     }
     hudTimer_.setSingleShot(true);
-    connect(&hudTimer_, &QTimer::timeout, this, [this] {
+    connect(&hudTimer_, &QTimer::timeout, this, guarding(*this, [this] {
         hud_.reset();
         announce();
-    });
+    }));
     stateTimer_.setSingleShot(true);
-    connect(&stateTimer_, &QTimer::timeout, this, &PaintModel::saveState);
-    connect(&autosaveTimer_, &QTimer::timeout, this, &PaintModel::autosaveTick);
+    connect(&stateTimer_, &QTimer::timeout, this, guarding(*this, [this] { saveState(); }));
+    connect(&autosaveTimer_, &QTimer::timeout, this, guarding(*this, [this] { autosaveTick(); }));
     if (stores == LoadStores::yes) loadState();
 }
 
@@ -136,6 +137,24 @@ void PaintModel::flash(const QString& text) {
 
 void PaintModel::alert(const QString& title, const QString& text) {
     desktop_.ask(title, text, {tr("OK")}, 0);
+}
+
+void PaintModel::takeBack(const QString& why) {
+    transform_.reset();
+    opacityPreview_.reset();
+    DocSession* const session = current();
+    contained([&] {
+        if (!session) return;
+        PaintDocument& doc = session->doc();
+        const QUuid active = doc.activeLayer().id;
+        doc.revertToLastCommit();
+        if (const auto index = doc.indexOf(active)) doc.setActiveIndex(*index);
+    });
+    contained([&] {
+        if (canvas_) canvas_->dropUncommitted();
+    });
+    if (session) session->announceChange();
+    flash(why);
 }
 
 bool PaintModel::confirm(const QString& title, const QString& text) {

@@ -105,6 +105,8 @@ public:
     void flash(const QString& text);                           ///< Shown for 2.6 seconds; the newest wins.
     void alert(const QString& title, const QString& text);
     bool confirm(const QString& title, const QString& text);
+    /// After a failure: the picture is what it was at its last commit, nothing is in progress, and `why` is said.
+    void takeBack(const QString& why);
     void announce() { Q_EMIT changed(); }
     void requestSheet(PaintSheet sheet) { Q_EMIT sheetRequested(sheet); }
 

@@ -5,6 +5,7 @@
 #include "Clipboard.h"
 #include "Desktop.h"
 #include "FileTypes.h"
+#include "Guarded.h"
 #include "formats/pictures/ImageImport.h"
 #include "operations/Floating.h"
 #include "operations/LayerOperations.h"
@@ -122,8 +123,8 @@ bool PaintModel::drop(const QMimeData& offer) {
     if (const auto path = Clipboard::firstFile(offer)) {
         // Later: the program that the drag came from waits for this call, and a box may come up.
         const auto take = FileTypes::isNative(*path) ? &PaintModel::open : &PaintModel::importImage;
-        QMetaObject::invokeMethod(
-            this, [this, take, path = *path] { (this->*take)(path); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, guarding(*this, [this, take, path = *path] { (this->*take)(path); }),
+                                  Qt::QueuedConnection);
         return true;
     }
     const Clipboard::Taken taken = Clipboard::picture(offer);

@@ -6,6 +6,7 @@
 #include "CanvasView.h"
 #include "Desktop.h"
 #include "FileTypes.h"
+#include "Guarded.h"
 #include "HostWords.h"
 #include "Recovery.h"
 #include "Store.h"
@@ -125,21 +126,22 @@ void PaintModel::open(const QString& path) {
             return select(*session);
     }
     const QFileInfo info(path);
+    ImageImport::Imported picture;
     try {
-        ImageImport::Imported picture = readPicture(path);
-        const bool native = FileTypes::isNative(path);
-        const QString base = info.completeBaseName();
-        const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
-        const auto session =
-            std::make_shared<DocSession>(std::move(picture.document), name,
-                                         native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
-        session->remark = wordsOf(picture.remarks);
-        add(session);
-        if (!session->remark.isEmpty()) flash(session->remark);
-        desktop_.noteRecentFile(info.absoluteFilePath());
-    } catch (const DescribedError& error) {
-        alert(tr("Couldn't open %1").arg(info.fileName()), error.description());
+        picture = readPicture(path);
+    } catch (const std::exception& error) {
+        return alert(tr("Couldn't open %1").arg(info.fileName()), failureText(error));
     }
+    const bool native = FileTypes::isNative(path);
+    const QString base = info.completeBaseName();
+    const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
+    const auto session =
+        std::make_shared<DocSession>(std::move(picture.document), name,
+                                     native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
+    session->remark = wordsOf(picture.remarks);
+    add(session);
+    if (!session->remark.isEmpty()) flash(session->remark);
+    desktop_.noteRecentFile(info.absoluteFilePath());
 }
 
 bool PaintModel::save(DocSession* session, SaveAs as) {
@@ -156,8 +158,8 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     }
     try {
         writeAtomically(path, bytesOf(PaintFile::encode(session->doc())));
-    } catch (const DescribedError& error) {
-        alert(tr("Couldn't save"), error.description() + tr("\n\nYour work is still open and autosaved."));
+    } catch (const std::exception& error) {
+        alert(tr("Couldn't save"), failureText(error) + tr("\n\nYour work is still open and autosaved."));
         return false;
     }
     const QFileInfo info(path);
@@ -184,8 +186,8 @@ void PaintModel::exportPicture(ExportFormat format, double jpegQuality, const Pa
     try {
         writeAtomically(*path,
                         bytesOf(ImageExport::data(session->doc(), format, jpegQuality, jpegBackground)));
-    } catch (const DescribedError& error) {
-        return alert(tr("Couldn't export"), error.description());
+    } catch (const std::exception& error) {
+        return alert(tr("Couldn't export"), failureText(error));
     }
     flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
 }

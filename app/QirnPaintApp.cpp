@@ -2,6 +2,7 @@
 
 #include "AppFolders.h"
 #include "Benchmark.h"
+#include "Guarded.h"
 #include "MainView.h"
 #include "PaintModel.h"
 #include "PaintSample.h"
@@ -92,13 +93,18 @@ public:
             this,
             [paths] {
                 for (const QString& path : paths) {
-                    if (PaintModel::shared) PaintModel::shared->open(path);
+                    if (PaintModel* const model = PaintModel::shared)
+                        guarded(*model, [&] { model->open(path); });
                 }
             },
             Qt::QueuedConnection);
     }
 
-    static bool shouldTerminate() { return !PaintModel::shared || PaintModel::shared->shouldQuit(); }
+    static bool shouldTerminate() {
+        PaintModel* const model = PaintModel::shared;
+        bool terminate = true;
+        return !model || (guarded(*model, [&] { terminate = model->shouldQuit(); }) && terminate);
+    }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {

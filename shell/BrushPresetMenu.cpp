@@ -4,6 +4,7 @@
 #include <QStyleOption>
 #include <QStylePainter>
 
+#include "Guarded.h"
 #include "Metrics.h"
 #include "PaintModel.h"
 
@@ -50,7 +51,8 @@ void BrushPresetMenu::fill() {
                 group->menuAction()->setCheckable(true); // the mark tells where the brush is
                 group->menuAction()->setChecked(true);
             }
-            connect(action, &QAction::triggered, this, [this, brush] { model_.choose(brush); });
+            connect(action, &QAction::triggered, this,
+                    guarding(model_, [this, brush] { model_.choose(brush); }));
         }
     }
 }

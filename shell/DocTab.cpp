@@ -8,6 +8,7 @@
 
 #include "ChromePaint.h"
 #include "DocSession.h"
+#include "Guarded.h"
 #include "IconButton.h"
 #include "Metrics.h"
 #include "PaintModel.h"
@@ -50,10 +51,10 @@ DocTab::DocTab(PaintModel& model, QWidget* parent)
     close_ = new IconButton(Icon::close, tr("Close this picture"), this);
     close_->setFocusPolicy(Qt::NoFocus); // Delete on the tab does the same
     close_->setIconSize({Metrics::kChevron, Metrics::kChevron});
-    connect(this, &QAbstractButton::clicked, this, [this] {
-        if (DocSession* shown = session()) model_.select(*shown);
-    });
-    connect(close_, &QAbstractButton::clicked, this, &DocTab::closeSession);
+    connect(this, &QAbstractButton::clicked, this, guarding(model_, [this] {
+                if (DocSession* shown = session()) model_.select(*shown);
+            }));
+    connect(close_, &QAbstractButton::clicked, this, guarding(model_, [this] { closeSession(); }));
 }
 
 DocSession* DocTab::session() const {

@@ -11,6 +11,7 @@
 #include "Badge.h"
 #include "DocSession.h"
 #include "DocTab.h"
+#include "Guarded.h"
 #include "HostWords.h"
 #include "IconButton.h"
 #include "Metrics.h"
@@ -53,7 +54,7 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     const auto made = [this](const HeaderButton& row) {
         auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
         button->setObjectName(QLatin1String(row.name));
-        connect(button, &IconButton::clicked, this, [this, run = row.run] { run(model_); });
+        connect(button, &IconButton::clicked, this, guarding(model_, [this, run = row.run] { run(model_); }));
         return button;
     };
 

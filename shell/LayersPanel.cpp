@@ -13,6 +13,7 @@
 #include "ChromeFont.h"
 #include "ChromeSlider.h"
 #include "DocSession.h"
+#include "Guarded.h"
 #include "HostWords.h"
 #include "IconButton.h"
 #include "LayerRowDelegate.h"
@@ -65,23 +66,24 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
     column->addWidget(opacity_);
     column->addWidget(list_, 1);
 
-    connect(add, &IconButton::clicked, this, [this] { model_.addLayer(); });
-    connect(delete_, &IconButton::clicked, this, [this] { model_.deleteLayer(); });
-    connect(blend_, &QComboBox::activated, this, [this](int mode) {
-        if (const DocSession* session = model_.current())
-            model_.setLayer(session->doc().activeIndex(), tr("Blend Mode"),
-                            [mode](Layer& layer) { layer.blendMode = static_cast<BlendMode>(mode); });
-    });
-    connect(opacity_, &ChromeSlider::valueChanged, this, [this](double opacity) {
-        if (const DocSession* session = model_.current())
-            model_.previewOpacity(session->doc().activeIndex(), opacity);
-    });
-    connect(opacity_, &ChromeSlider::editingFinished, this, [this] { model_.commitOpacity(); });
-    connect(list_, &QListWidget::currentRowChanged, this, [this](int row) {
-        if (row >= 0) model_.setActiveLayer(layerOfRow(row));
-    });
+    connect(add, &IconButton::clicked, this, guarding(model_, [this] { model_.addLayer(); }));
+    connect(delete_, &IconButton::clicked, this, guarding(model_, [this] { model_.deleteLayer(); }));
+    connect(blend_, &QComboBox::activated, this, guarding(model_, [this](int mode) {
+                if (const DocSession* session = model_.current())
+                    model_.setLayer(session->doc().activeIndex(), tr("Blend Mode"),
+                                    [mode](Layer& layer) { layer.blendMode = static_cast<BlendMode>(mode); });
+            }));
+    connect(opacity_, &ChromeSlider::valueChanged, this, guarding(model_, [this](double opacity) {
+                if (const DocSession* session = model_.current())
+                    model_.previewOpacity(session->doc().activeIndex(), opacity);
+            }));
+    connect(opacity_, &ChromeSlider::editingFinished, this,
+            guarding(model_, [this] { model_.commitOpacity(); }));
+    connect(list_, &QListWidget::currentRowChanged, this, guarding(model_, [this](int row) {
+                if (row >= 0) model_.setActiveLayer(layerOfRow(row));
+            }));
     connect(list_, &QListWidget::itemChanged, this,
-            [this](const QListWidgetItem* item) { rowChanged(*item); });
+            guarding(model_, [this](const QListWidgetItem* item) { rowChanged(*item); }));
     connect(&model, &PaintModel::changed, this, &LayersPanel::refresh);
     refresh();
 }

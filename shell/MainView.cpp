@@ -12,6 +12,7 @@
 #include "ChromePanel.h"
 #include "ColorChooser.h"
 #include "ColorWells.h"
+#include "Guarded.h"
 #include "HeaderBar.h"
 #include "HudBubble.h"
 #include "LayersPanel.h"
@@ -136,7 +137,7 @@ void MainView::showEvent(QShowEvent* event) {
     if (shown_) return;
     shown_ = true;
     connect(windowHandle(), &QWindow::screenChanged, this, &MainView::keepToScreen);
-    QMetaObject::invokeMethod(this, &MainView::offerRecovery, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, guarding(model_, [this] { offerRecovery(); }), Qt::QueuedConnection);
 }
 
 void MainView::keepToScreen() {
@@ -164,7 +165,9 @@ void MainView::showSheet(PaintSheet sheet) {
 }
 
 void MainView::closeEvent(QCloseEvent* event) {
-    event->setAccepted(model_.shouldQuit());
+    bool quit = false;
+    guarded(model_, [&] { quit = model_.shouldQuit(); });
+    event->setAccepted(quit);
 }
 
 // Keys that no control took mean the canvas.

@@ -13,6 +13,7 @@
 #include "ChromeSegments.h"
 #include "ChromeSlider.h"
 #include "ChromeToggle.h"
+#include "Guarded.h"
 #include "HostWords.h"
 #include "Metrics.h"
 #include "PaintModel.h"
@@ -70,7 +71,7 @@ ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::S
     slider->setToolTip(hostTip(row.tip));
     slider->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     connect(slider, &ChromeSlider::valueChanged, this,
-            [this, set = row.set](double value) { set(model_, value); });
+            guarding(model_, [this, set = row.set](double value) { set(model_, value); }));
     return {shows, slider, [this, slider, get = row.get] { slider->setValue(get(model_)); }};
 }
 
@@ -83,7 +84,7 @@ ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::S
     segments->setObjectName(QString::fromUtf8(row.label));
     segments->setToolTip(hostTip(row.tip));
     connect(segments, &ChromeSegments::picked, this,
-            [this, set = row.set](int index) { set(model_, index); });
+            guarding(model_, [this, set = row.set](int index) { set(model_, index); }));
     return {shows, segments, [this, segments, get = row.get] { segments->setChosen(get(model_)); }};
 }
 
@@ -106,7 +107,8 @@ ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::T
     auto* toggle = new ChromeToggle(tr(row.label), this);
     toggle->setObjectName(QString::fromUtf8(row.label));
     toggle->setToolTip(hostTip(row.tip));
-    connect(toggle, &ChromeToggle::toggled, this, [this, set = row.set](bool on) { set(model_, on); });
+    connect(toggle, &ChromeToggle::toggled, this,
+            guarding(model_, [this, set = row.set](bool on) { set(model_, on); }));
     return {shows, toggle, [this, toggle, get = row.get] {
                 const QSignalBlocker blocked(toggle);
                 toggle->setChecked(get(model_));
@@ -117,7 +119,7 @@ ToolOptionsBar::Option ToolOptionsBar::made(Shows shows, const ToolOptionRows::B
     auto* button = new QPushButton(tr(row.label), this);
     button->setObjectName(QString::fromUtf8(row.label));
     button->setFocusPolicy(Qt::TabFocus);
-    connect(button, &QPushButton::clicked, this, [this, run = row.run] { run(model_); });
+    connect(button, &QPushButton::clicked, this, guarding(model_, [this, run = row.run] { run(model_); }));
     return {shows, button, {}};
 }
 

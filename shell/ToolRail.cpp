@@ -2,6 +2,7 @@
 
 #include <QVBoxLayout>
 
+#include "Guarded.h"
 #include "Metrics.h"
 #include "PaintModel.h"
 #include "RoundButton.h"
@@ -29,10 +30,10 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
         auto* button = new RoundButton(kToolIcons[static_cast<std::size_t>(row.tool)], tip, this);
         button->setObjectName(QLatin1String(row.id));
         button->setCheckable(true);
-        connect(button, &RoundButton::clicked, this, [this, tool = row.tool] {
-            model_.setTool(tool);
-            refresh(); // a click on the current tool would take its mark away
-        });
+        connect(button, &RoundButton::clicked, this, guarding(model_, [this, tool = row.tool] {
+                    model_.setTool(tool);
+                    refresh(); // a click on the current tool would take its mark away
+                }));
         column->addWidget(button);
         entries_.push_back({row.tool, button});
     }

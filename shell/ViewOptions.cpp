@@ -8,6 +8,7 @@
 
 #include "CanvasView.h"
 #include "ChromeSlider.h"
+#include "Guarded.h"
 #include "IconButton.h"
 #include "Metrics.h"
 #include "PaintModel.h"
@@ -23,9 +24,9 @@ ViewOptions::ViewOptions(PaintModel& model, QWidget* parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(Metrics::kSpace8);
     const auto onCanvas = [this](auto action) {
-        return [this, action] {
+        return guarding(model_, [this, action] {
             if (CanvasView* canvas = model_.canvas()) action(*canvas);
-        };
+        });
     };
     const auto button = [&](const char* name, const QString& text, auto action) {
         auto* made = new QPushButton(text, this);
@@ -63,9 +64,9 @@ ViewOptions::ViewOptions(PaintModel& model, QWidget* parent)
                          2 * Metrics::kControlPadding);
     row->addWidget(flip_);
 
-    connect(rotation_, &ChromeSlider::valueChanged, this, [this](double degrees) {
-        if (CanvasView* canvas = model_.canvas()) canvas->setRotation(degrees);
-    });
+    connect(rotation_, &ChromeSlider::valueChanged, this, guarding(model_, [this](double degrees) {
+                if (CanvasView* canvas = model_.canvas()) canvas->setRotation(degrees);
+            }));
     connect(&model.status(), &CanvasStatus::changed, this, &ViewOptions::refresh);
     refresh();
 }

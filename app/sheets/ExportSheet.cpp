@@ -3,6 +3,7 @@
 #include "ChromeSegments.h"
 #include "ChromeSlider.h"
 #include "DocSession.h"
+#include "Guarded.h"
 #include "Metrics.h"
 #include "PaintModel.h"
 #include "Store.h"
@@ -166,9 +167,10 @@ void ExportSheet::refresh() {
 void ExportSheet::exportPicture() {
     model_.store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
     model_.store().set(kQualityKey, quality_->value());
-    QTimer::singleShot(0, &model_,
-                       [&model = model_, format = format(), quality = quality_->value(),
-                        color = background()] { model.exportPicture(format, quality, color); });
+    QTimer::singleShot(
+        0, &model_,
+        guarding(model_, [&model = model_, format = format(), quality = quality_->value(),
+                          color = background()] { model.exportPicture(format, quality, color); }));
     accept();
 }
 

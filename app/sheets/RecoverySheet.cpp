@@ -1,5 +1,6 @@
 #include "sheets/RecoverySheet.h"
 
+#include "Guarded.h"
 #include "PaintModel.h"
 #include "Recovery.h"
 #include "platform/DescribedError.h"
@@ -28,7 +29,8 @@ std::vector<Recovery::Item> pendingFor(const PaintModel& model) {
 QIcon preview(const Recovery::Item& item, double ratio) {
     QPixmap pixmap(QSize(kPreviewWidth, kPreviewHeight) * ratio);
     pixmap.fill(Qt::transparent);
-    const QImage image = item.thumbnail();
+    QImage image;
+    contained([&] { image = item.thumbnail(); });
     if (!image.isNull()) {
         pixmap =
             QPixmap::fromImage(image.scaled(pixmap.size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
@@ -71,11 +73,13 @@ RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(paren
     layout->addLayout(buttons);
 
     connect(list_, &QListWidget::currentRowChanged, this, &RecoverySheet::refreshButtons);
-    connect(list_, &QListWidget::itemActivated, this, [this] { recover(list_->currentRow()); });
-    connect(recover_, &QPushButton::clicked, this, [this] { recover(list_->currentRow()); });
-    connect(trash_, &QPushButton::clicked, this, [this] { moveToTrash(list_->currentRow()); });
+    const auto recoverChosen = guarding(model_, [this] { recover(list_->currentRow()); });
+    connect(list_, &QListWidget::itemActivated, this, recoverChosen);
+    connect(recover_, &QPushButton::clicked, this, recoverChosen);
+    connect(trash_, &QPushButton::clicked, this,
+            guarding(model_, [this] { moveToTrash(list_->currentRow()); }));
     connect(later, &QPushButton::clicked, this, &QDialog::reject);
-    connect(recoverAll_, &QPushButton::clicked, this, &RecoverySheet::recoverAll);
+    connect(recoverAll_, &QPushButton::clicked, this, guarding(model_, [this] { recoverAll(); }));
     reload();
 }
 
@@ -114,8 +118,8 @@ bool RecoverySheet::restore(const Recovery::Item& item) {
     try {
         model_.addRecovered(Recovery::restore(item));
         return true;
-    } catch (const DescribedError& error) {
-        model_.alert(tr("Couldn't recover %1").arg(item.info.name), error.description());
+    } catch (const std::exception& error) {
+        model_.alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));
         return false;
     }
 }

@@ -1,5 +1,6 @@
 #include "sheets/TextSheet.h"
 
+#include "Guarded.h"
 #include "PaintModel.h"
 #include "Store.h"
 #include "TextRenderer.h"
@@ -93,7 +94,7 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
         connect(box, &QDoubleSpinBox::valueChanged, this, &TextSheet::refreshPreview);
     for (QCheckBox* box : {bold_, italic_, outline_})
         connect(box, &QCheckBox::toggled, this, &TextSheet::refreshPreview);
-    connect(buttons, &QDialogButtonBox::accepted, this, &TextSheet::placeText);
+    connect(buttons, &QDialogButtonBox::accepted, this, guarding(model_, [this] { placeText(); }));
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     refreshPreview();
     words_->setFocus();
@@ -152,6 +153,10 @@ void TextSheet::saveLook() const {
 
 void TextSheet::refreshPreview() {
     outlineWidth_->setEnabled(outline_->isChecked());
+    if (!contained([this] { showPreview(); })) preview_->clear();
+}
+
+void TextSheet::showPreview() {
     const auto rendered = TextRenderer::render(spec());
     if (!rendered) return preview_->clear();
     const double ratio = devicePixelRatioF();

@@ -29,6 +29,7 @@ private:
     void loadLook();
     void saveLook() const;
     void refreshPreview();
+    void showPreview();
 
     PaintModel& model_;
     QPointF at_;

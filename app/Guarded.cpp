@@ -1,0 +1,62 @@
+#include "Guarded.h"
+
+#include "PaintModel.h"
+#include "core/TileMemory.h"
+#include "platform/DescribedError.h"
+
+#include <cstddef>
+#include <memory>
+#include <new>
+
+#include <QCoreApplication>
+
+namespace qirn {
+
+namespace {
+
+constexpr std::size_t kReserveBytes = 4 * 1024 * 1024;
+
+/// Memory for the way back and the message: many small pieces, for which there may be nothing else.
+std::unique_ptr<std::byte[]>& reserve() {
+    static std::unique_ptr<std::byte[]> bytes;
+    return bytes;
+}
+
+void refillReserve() {
+    if (!reserve()) reserve().reset(new (std::nothrow) std::byte[kReserveBytes]);
+}
+
+[[maybe_unused]] const bool filledAtStart = (refillReserve(), true);
+
+QString textOfExceptionInFlight() {
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return failureText(error);
+    } catch (...) {
+        return failureText(std::exception());
+    }
+}
+
+} // namespace
+
+QString failureText(const std::exception& error) {
+    if (const auto* described = dynamic_cast<const DescribedError*>(&error)) return described->description();
+    if (dynamic_cast<const std::bad_alloc*>(&error))
+        return QCoreApplication::translate("Guarded",
+                                           "There is not enough memory for this. Nothing was changed.");
+    qWarning("Qirn Paint: %s", error.what());
+    return QCoreApplication::translate("Guarded", "This did not work. Nothing was changed.");
+}
+
+void takeBackAfterFailure(PaintModel& model) noexcept {
+    reserve().reset();
+    contained([&] {
+        const QString why = textOfExceptionInFlight();
+        TileMemory::trim();
+        model.takeBack(why);
+    });
+    refillReserve();
+}
+
+} // namespace qirn

@@ -1,0 +1,55 @@
+#pragma once
+#include <exception>
+#include <type_traits>
+#include <utility>
+
+#include <QString>
+
+namespace qirn {
+
+class PaintModel;
+
+/// Why something did not work, in words for the user: those of a DescribedError, or that memory is out.
+QString failureText(const std::exception& error);
+
+/// Puts the picture back to its last commit after the exception in flight, and says so. Memory kept for this moment is
+/// let go first.
+void takeBackAfterFailure(PaintModel& model) noexcept;
+
+/// Whatever Qt calls and that touches pictures runs in here: an exception that passed Qt's Gui or Widgets would leave
+/// them broken, and one that nobody takes ends the program with every picture. A failure, which is nearly always
+/// memory that is out, costs what was not committed: a stroke goes as by Esc. True when `body` ran to its end.
+template <class Body> bool guarded(PaintModel& model, Body&& body) noexcept {
+    try {
+        std::forward<Body>(body)();
+        return true;
+    } catch (...) {
+        takeBackAfterFailure(model);
+        return false;
+    }
+}
+
+/// The same as a slot, which may take fewer arguments than its signal brings.
+template <class Body> auto guarding(PaintModel& model, Body body) {
+    return [&model, body = std::move(body)](auto&&... arguments) -> void {
+        guarded(model, [&] {
+            if constexpr (std::is_invocable_v<const Body&, decltype(arguments)...>)
+                body(arguments...);
+            else
+                body();
+        });
+    };
+}
+
+/// For what changes no picture, such as drawing one: nothing is taken back, and the caller makes do without. True when
+/// `body` ran to its end.
+template <class Body> bool contained(Body&& body) noexcept {
+    try {
+        std::forward<Body>(body)();
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+} // namespace qirn
