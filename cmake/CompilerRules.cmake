@@ -43,6 +43,12 @@ if(QIRN_SANITIZE)
     target_compile_options(qirnRules INTERFACE ${sanitizers} -fno-sanitize-recover=all)
     target_link_options(qirnRules INTERFACE ${sanitizers})
 endif()
+if(QIRN_SANITIZE_THREADS)
+    # Threads share tiles and not lanes: one instruction set stands for all.
+    target_compile_definitions(qirnRules INTERFACE HWY_COMPILE_ONLY_STATIC)
+    target_compile_options(qirnRules INTERFACE -fsanitize=thread)
+    target_link_options(qirnRules INTERFACE -fsanitize=thread)
+endif()
 if(QIRN_FUZZ)
     # Coverage for libFuzzer to steer by, and speed, of which it can have enough.
     target_compile_options(qirnRules INTERFACE -fsanitize=fuzzer-no-link -O2)
