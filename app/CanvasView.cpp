@@ -31,11 +31,16 @@ uint64_t clockSeed() {
     return static_cast<uint64_t>(QDateTime::currentMSecsSinceEpoch()) & 0xFFFFFFu;
 }
 
+double steadySeconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 } // namespace
 
 CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     : QWidget(parent),
       strokeSeed(clockSeed),
+      clock(steadySeconds),
       model_(model) {
     setObjectName(QStringLiteral("canvas"));
     setAccessibleName(tr("Canvas"));
@@ -67,10 +72,6 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
 
 CanvasView::~CanvasView() {
     if (session_) session_->doc().onGridChange = nullptr;
-}
-
-double CanvasView::now() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 // --- Device pixels. At a fractional ratio a widget's corner can fall between two of them; the view starts at the

@@ -69,8 +69,9 @@ public:
     bool handleKeyPress(QKeyEvent* event);
     bool handleKeyRelease(QKeyEvent* event);
 
-    /// Where a stroke's seed comes from: the clock, unless a test hands in its own.
+    /// Where a stroke's seed comes from, and the seconds of a clock that never goes back; tests hand in their own.
     std::function<uint64_t()> strokeSeed;
+    std::function<double()> clock;
     const CanvasPresentation& presentation() const { return presentation_; }
 
 Q_SIGNALS:
@@ -139,7 +140,7 @@ private:
     void penEndChanged(bool eraser);
     double shapedPressureOf(const PenSample& sample);
     StrokePoint strokePoint(const PenSample& sample, double pressure) const; ///< Shaped pressure.
-    double now() const; ///< Seconds of a clock that never goes back.
+    double now() const { return clock(); }
 
     // The tools that do not paint with a brush (CanvasTools.cpp).
     struct ToolGesture;

@@ -12,12 +12,6 @@
 
 namespace qirn {
 
-namespace {
-
-constexpr int kMessageTime = 2600; // milliseconds
-
-} // namespace
-
 PaintModel* PaintModel::shared = nullptr;
 
 PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Store& store)
@@ -131,7 +125,7 @@ void PaintModel::applyPrefs() {
 
 void PaintModel::flash(const QString& text) {
     hud_ = text;
-    hudTimer_.start(kMessageTime);
+    hudTimer_.start(messageTime);
     announce();
 }
 

@@ -202,6 +202,7 @@ public:
     CanvasView* canvas() const;
     void setCanvas(CanvasView* canvas);
     bool penIsEraser = false; ///< The eraser end of the pen is down or near.
+    int messageTime = 2600;   ///< Milliseconds that a message stands.
 
 Q_SIGNALS:
     void changed();

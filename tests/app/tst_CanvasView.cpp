@@ -448,7 +448,7 @@ void tst_CanvasView::heldAirbrushKeepsPainting() {
 void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegionOnceAPoint() {
     Studio studio;
     studio.model.newDocument(3840, 2160, 72, PaintColor::white(), QStringLiteral("4K"));
-    QTest::qWait(20);
+    QCoreApplication::processEvents();
     studio.model.setActiveBrush(dot(20));
     const QPointF from(1000, 1000), to(1100, 1050);
     PaintWatcher watcher(studio.canvas);
@@ -462,7 +462,7 @@ void tst_CanvasView::aStrokeRepaintsOnlyItsOwnRegionOnceAPoint() {
         QCOMPARE(watcher.paints, 1);
     }
     studio.penEvent(QEvent::TabletRelease, to, 0);
-    QTest::qWait(20);
+    QCoreApplication::processEvents();
     const QPointF corner = studio.widgetPoint(from - QPointF(300, 300)),
                   opposite = studio.widgetPoint(to + QPointF(300, 300));
     const QRect tiles = QRectF(corner, opposite).toAlignedRect();
@@ -514,6 +514,7 @@ void tst_CanvasView::rectanglesAreSelected() {
     studio.model.setTool(Tool::selectRect);
     studio.mouseDrag({20.6, 20.6}, {99.2, 99.2});
     QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 80, 80}));
+    QCOMPARE(int(studio.doc().selection->value(20, 20)), 255); // outward to whole pixels
     ToolOptions options = studio.model.options();
     options.selectionMode = static_cast<SelectionOp>(mode);
     studio.model.setOptions(options);

@@ -131,12 +131,12 @@ int main(int argc, char** argv) {
     MainView window(model);
     model.newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), QStringLiteral("Ten brushes"));
     window.show();
-    QTest::qWait(200);
+    QCoreApplication::processEvents();
     Hand hand(window.canvas());
     if (argc > 2)
         paintRecording(model, hand, QString::fromLocal8Bit(argv[2]));
     else
         paintTenPresets(model, hand);
-    QTest::qWait(200);
+    QCoreApplication::processEvents();
     return window.grab().save(QString::fromLocal8Bit(argv[1])) ? 0 : 1;
 }

@@ -51,9 +51,8 @@ struct Studio {
     void mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers = {});
     void mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers = {});
     void key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {});
-    void pointerLeaves(); ///< The ring goes.
-    /// Lets the time pass in which a mouse event could be the echo of a pen's.
-    void waitForPenEcho();
+    void pointerLeaves();  ///< The ring goes.
+    void waitForPenEcho(); ///< A second passes: no mouse event is the echo of a pen's any more.
 };
 
 } // namespace qirn::test
