@@ -50,6 +50,7 @@ private Q_SLOTS:
     void theCheckerboardShowsThroughEmptyTiles();
     void emptyTilesLookLikeTransparentOnes();
     void undoShowsTheOldPicture();
+    void ghostsFollowTheActiveLayer();
     void aPartDrawnAgainIsThatOfAFreshView_data();
     void aPartDrawnAgainIsThatOfAFreshView();
     void whatWasPannedOrZoomedAwayComesBack();
@@ -163,6 +164,22 @@ void tst_CanvasPresentation::emptyTilesLookLikeTransparentOnes() {
         }
         QCOMPARE(screens[0], screens[1]);
     }
+}
+
+void tst_CanvasPresentation::ghostsFollowTheActiveLayer() {
+    Studio studio;
+    studio.model.setTool(Tool::hand); // without a ring
+    studio.model.addLayer();
+    for (int64_t i : {1, 2})
+        paintRect(studio.doc(), studio.doc().layer(i), {100 * i, 50, 50, 50}, {255, 0, 0, 255});
+    studio.doc().onion.enabled = true;
+    studio.canvas.refresh(CanvasView::AllTiles::yes);
+    const QImage before = studio.canvas.grab().toImage();
+    studio.model.setActiveLayer(1);
+    const QImage shown = studio.canvas.grab().toImage();
+    studio.canvas.refresh(CanvasView::AllTiles::yes);
+    QCOMPARE(studio.canvas.grab().toImage(), shown);
+    QVERIFY(shown != before);
 }
 
 void tst_CanvasPresentation::undoShowsTheOldPicture() {

@@ -9,9 +9,13 @@
 
 #include <cmath>
 
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QSignalSpy>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -38,6 +42,7 @@ void paintSquare(Studio& studio) {
 class tst_CanvasTools : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void everyToolHasAKeyAndAGesture_data();
     void everyToolHasAKeyAndAGesture();
     void theBucketFillsAndRemembersTheColour();
     void aGradientRunsFromPressToRelease();
@@ -53,22 +58,45 @@ private Q_SLOTS:
     void aTransformIsOneUndoStep();
     void escapeUndoAndRedoPutPixelsBack();
     void handlesScaleAndTurn();
+    void handlesAndAntsAreDrawnWhereTheyAct();
     void arrowsNudge();
     void nothingToMoveIsTold();
     void alphaLockLosesNothing();
     void noSafetyCopyOfFloatingPixels();
     void liftedPixelsAreShownAsOneImage();
     void textBecomesALayer();
+    void theTextSheetPlacesWhatItsControlsSay();
 };
 
+void tst_CanvasTools::everyToolHasAKeyAndAGesture_data() {
+    QTest::addColumn<QString>("does");
+    const char* const done[kToolCount] = {"Brush Stroke", "Erase",     "Smudge", "Blur",   "Bucket Fill",
+                                          "Gradient",     "picks",     "Select", "Select", "Select",
+                                          "lifts",        "Rectangle", "asks",   "pans",   "zooms"};
+    for (const ToolRow& row : kTools)
+        QTest::newRow(row.id) << QString::fromLatin1(done[static_cast<std::size_t>(row.tool)]);
+}
+
 void tst_CanvasTools::everyToolHasAKeyAndAGesture() {
+    const ToolRow& row = rowOf(*toolWithId(QString::fromLatin1(QTest::currentDataTag())));
     Studio studio;
-    for (const ToolRow& row : kTools) {
-        studio.key(0, QString(QLatin1Char(row.key)).toLower());
-        QCOMPARE(studio.model.tool(), row.tool);
-        studio.mouseDrag({30, 30}, {90, 70}); // none of them stops the program, whatever it does
-        studio.key(Qt::Key_Escape);
-    }
+    paintRect(studio.doc(), studio.layer(), {20, 20, 40, 40}, kRed);
+    studio.doc().commit(QStringLiteral("Square"));
+    studio.model.setTool(row.tool == Tool::brush ? Tool::hand : Tool::brush);
+    studio.key(0, QString(QLatin1Char(row.key)).toLower());
+    QCOMPARE(studio.model.tool(), row.tool);
+    const QSignalSpy texts(&studio.canvas, &CanvasView::textRequested);
+    const ViewState view = studio.session().view;
+    studio.mouseDrag({30, 30}, {90, 70});
+    QCoreApplication::processEvents();
+    const QString does = studio.doc().undoDepth() > 1                    ? *studio.doc().undoName()
+                         : studio.model.primary() == PaintColor(1, 0, 0) ? QStringLiteral("picks")
+                         : studio.model.transform()                      ? QStringLiteral("lifts")
+                         : texts.count() == 1                            ? QStringLiteral("asks")
+                         : studio.session().view.zoom != view.zoom       ? QStringLiteral("zooms")
+                         : studio.session().view.pan != view.pan         ? QStringLiteral("pans")
+                                                                         : QStringLiteral("nothing");
+    QTEST(does, "does");
 }
 
 void tst_CanvasTools::theBucketFillsAndRemembersTheColour() {
@@ -358,6 +386,33 @@ void tst_CanvasTools::handlesScaleAndTurn() {
     QCOMPARE(studio.layer().pixel(106, 76), kRed);
 }
 
+void tst_CanvasTools::handlesAndAntsAreDrawnWhereTheyAct() {
+    Studio studio;
+    paintSquare(studio);
+    studio.model.beginTransform();
+    for (const double zoom : {1.0, 2.0}) {
+        studio.canvas.setZoom(zoom);
+        const QPointF handle = studio.widgetPoint({120, 80}) - QPointF(0, 28);
+        const QColor drawn = studio.canvas.grab().toImage().pixelColor(handle.toPoint());
+        QVERIFY2(drawn.red() > 180 && drawn.green() < 80, qPrintable(drawn.name()));
+    }
+    studio.model.cancelTransform();
+    studio.canvas.setZoom(1);
+    studio.model.setTool(Tool::selectRect);
+    studio.mouseDrag({100, 100}, {300, 200});
+    studio.pointerLeaves();
+    for (const double zoom : {1.0, 2.0}) {
+        studio.canvas.setZoom(zoom);
+        const QPoint edge = studio.widgetPoint({100, 150}).toPoint();
+        const QImage shown = studio.canvas.grab({edge - QPoint(1, 0), QSize(3, 16)}).toImage();
+        int dark = 0;
+        for (int y = 0; y < shown.height(); ++y) dark += qGray(shown.pixel(1, y)) < 128;
+        QVERIFY2(dark >= 4, qPrintable(QString::number(dark))); // of dashes on white paper
+    }
+    studio.mouseDrag({250, 150}, {252, 152}); // four points on the screen are a drag
+    QCOMPARE(studio.doc().selection->bounds(), (IRect{250, 150, 2, 2}));
+}
+
 void tst_CanvasTools::arrowsNudge() {
     Studio studio;
     paintSquare(studio);
@@ -484,6 +539,40 @@ void tst_CanvasTools::textBecomesALayer() {
     QVERIFY(sheet.isVisible() && size->value() == 24);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     QCOMPARE(studio.layer().name, QStringLiteral("Text: two lines"));
+}
+
+void tst_CanvasTools::theTextSheetPlacesWhatItsControlsSay() {
+    Studio studio;
+    studio.model.swapColors();
+    TextSpec spec;
+    spec.text = QStringLiteral("Ab\nAbc");
+    spec.fontFamily = QStringLiteral("Inter");
+    spec.size = 44;
+    spec.bold = false;
+    spec.italic = true;
+    spec.alignment = 2;
+    spec.color = studio.model.primary();
+    spec.outline = true;
+    spec.outlineColor = studio.model.secondary();
+    spec.outlineWidth = 3;
+    TextSheet sheet(studio.model, {50, 40}, nullptr);
+    sheet.findChild<QPlainTextEdit*>()->setPlainText(spec.text);
+    const auto choices = sheet.findChildren<QComboBox*>();
+    choices[0]->setCurrentText(spec.fontFamily);
+    choices[1]->setCurrentIndex(spec.alignment);
+    const auto numbers = sheet.findChildren<QDoubleSpinBox*>();
+    numbers[0]->setValue(spec.size);
+    numbers[1]->setValue(spec.outlineWidth);
+    const auto boxes = sheet.findChildren<QCheckBox*>();
+    boxes[0]->setChecked(spec.bold);
+    boxes[1]->setChecked(spec.italic);
+    boxes[2]->setChecked(spec.outline);
+    Q_EMIT sheet.findChild<QDialogButtonBox*>()->accepted();
+    const auto placed = studio.layer().toBuffer();
+    studio.model.undo();
+    studio.model.placeText(spec, {50, 40});
+    QVERIFY(!studio.layer().isEmpty());
+    QCOMPARE(firstDifference(*placed, *studio.layer().toBuffer()), QString());
 }
 
 QIRN_TEST(tst_CanvasTools)

@@ -63,6 +63,8 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(QString, written);
         QCOMPARE(FileTypes::withExtension(typed, FileTypes::exported(ExportFormat::jpeg)), written);
+        QCOMPARE(FileTypes::fileName(QStringLiteral(".a/b"), QStringLiteral("png")),
+                 QStringLiteral("-a-b.png")); // neither hidden nor in a folder
     }
 
     void picturesOpenUnderTheirNameAndAreNeverOverwritten() {
@@ -179,6 +181,8 @@ private Q_SLOTS:
     void theExportSheetAsksAndRemembers() {
         Studio studio;
         paintPicture(studio);
+        studio.model.setPrimary(PaintColor(0, 1, 0));
+        studio.model.swapColors();
         studio.store.setText(QStringLiteral("qirn.pt.exportFormat"), QStringLiteral("no such format"));
         {
             ExportSheet sheet(studio.model, nullptr);
@@ -195,7 +199,7 @@ private Q_SLOTS:
             QVERIFY(quality.isVisible());
             QCOMPARE(quality.value(), 0.9);
             QTest::keyClick(&quality, Qt::Key_Home);
-            QTest::mouseClick(background.findChildren<QAbstractButton*>()[1], Qt::LeftButton);
+            QTest::mouseClick(background.findChildren<QAbstractButton*>()[2], Qt::LeftButton);
             studio.desktop.savePaths = {studio.path(QStringLiteral("out.jpg"))};
             QTest::keyClick(&sheet, Qt::Key_Return);
             QVERIFY(!sheet.isVisible());
@@ -204,9 +208,9 @@ private Q_SLOTS:
         QTRY_VERIFY(QFile::exists(studio.path(QStringLiteral("out.jpg"))));
         QCOMPARE(studio.store.text(QStringLiteral("qirn.pt.exportFormat")), QStringLiteral("jpeg"));
         QCOMPARE(studio.store.number(QStringLiteral("qirn.pt.jpegQuality")), std::optional(0.3));
-        // Black shows where the picture is transparent; white would not.
+        // The second colour shows where the picture is transparent.
         QCOMPARE(bytesAt(studio.path(QStringLiteral("out.jpg"))),
-                 ImageExport::data(studio.doc(), ExportFormat::jpeg, 0.3, PaintColor::black()));
+                 ImageExport::data(studio.doc(), ExportFormat::jpeg, 0.3, PaintColor(0, 1, 0)));
         QCOMPARE(ExportSheet(studio.model, nullptr).findChild<ChromeSlider*>()->value(), 0.3);
     }
 

@@ -12,7 +12,6 @@
 #include <cmath>
 #include <limits>
 
-
 using namespace qirn;
 using namespace qirn::test;
 

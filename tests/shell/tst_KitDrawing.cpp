@@ -67,6 +67,8 @@ private Q_SLOTS:
             ChromePaint::line(painter, QRectF(45, 5, 5, 41), ChromePaint::Side::left, Qt::white);
             painter.end();
             QCOMPARE(halfTones(image, qRound(30 * ratio)), 0);
+            const int top = qRound((5 + shift) * ratio), inside = qRound((20 + shift) * ratio);
+            QVERIFY(qRed(image.pixel(inside, top)) == 255 && qRed(image.pixel(inside, top - 1)) == 0);
             int line = 0;
             for (int x = qRound((44.4 + shift) * ratio); x < qRound((50 + shift) * ratio); ++x)
                 line += image.pixel(x, qRound(30 * ratio)) == qRgb(255, 255, 255);

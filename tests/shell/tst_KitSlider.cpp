@@ -1,5 +1,6 @@
 #include "ChromeSlider.h"
 #include "ChromeToggle.h"
+#include "Metrics.h"
 #include "QirnKit.h"
 #include "support/TestMain.h"
 
@@ -227,8 +228,14 @@ private Q_SLOTS:
         ChromeToggle toggle(QStringLiteral("Smooth edges"), &window);
         toggle.resize(toggle.sizeHint());
         window.show();
+        const auto knobAt = [&toggle](int x) {
+            return toggle.grab().toImage().pixelColor(Metrics::kSpace4 + x, toggle.height() / 2);
+        };
+        const int half = Metrics::kSwitchHeight / 2;
+        QCOMPARE(knobAt(half), QirnKitHost::colors().dim);
         QTest::mouseClick(&toggle, Qt::LeftButton, {}, {toggle.width() - 4, 4});
         QVERIFY(toggle.isChecked());
+        QCOMPARE(knobAt(Metrics::kSwitchWidth - half), QirnKitHost::colors().onAccent);
         toggle.setFocus();
         QTest::keyClick(&toggle, Qt::Key_Space);
         QVERIFY(!toggle.isChecked());

@@ -1,6 +1,7 @@
 #include "ChromeSlider.h"
 #include "ColorPlane.h"
 #include "ColorWells.h"
+#include "LayerRowDelegate.h"
 #include "Window.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
@@ -109,6 +110,19 @@ private Q_SLOTS:
         clickRow(w, 1, 100);
         QCOMPARE(menu.currentIndex(), 0);
         QCOMPARE(w.doc().undoDepth(), 1);
+    }
+
+    void aRowTellsWhatItsLayerIs() {
+        Window w;
+        const auto marks = [&] {
+            return w.find<QListWidget>("layers").item(0)->data(LayerRowDelegate::kMarksRole).toString();
+        };
+        QCOMPARE(marks(), QString());
+        w.model.setLayer(1, QStringLiteral("Change"), [](Layer& layer) {
+            layer.opacity = 0.5;
+            layer.isClipping = layer.isLocked = layer.alphaLocked = true;
+        });
+        QCOMPARE(marks(), QStringLiteral("Clip · Lock · α · 50%"));
     }
 
     void deleteTakesTheActiveLayer() {

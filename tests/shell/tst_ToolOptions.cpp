@@ -82,6 +82,8 @@ private Q_SLOTS:
         w.find<ChromeSlider>("Scale").setFocus();
         w.model.updateTransform([](TransformState& state) { state.scaleX = state.scaleY = 2; });
         QCOMPARE(w.find<ChromeSlider>("Scale").value(), 2.0);
+        w.model.updateTransform([](TransformState& state) { state.angle = 270; });
+        QCOMPARE(w.find<ChromeSlider>("Rotate").value(), -90.0);
         w.click("Flip ↔");
         QVERIFY(w.model.transform()->flipH);
         w.model.setTool(Tool::bucket);
