@@ -139,6 +139,7 @@ private Q_SLOTS:
         const QString path = w.folder.filePath(QStringLiteral("cat.psd"));
         writeFile(path, PSDParts{.records = {masked, {.blocks = psdBlock("lfx2", "abcd")}}}.joined());
         w.model.open(path);
+        QTRY_COMPARE(tabs(w).size(), 2);
         const QString told = QStringLiteral("Opened without: masks, layer effects.");
         QCOMPARE(w.model.hud(), told);
         QCOMPARE(tabs(w)[1]->toolTip(), QStringLiteral("cat (from PSD)\n") + told);
