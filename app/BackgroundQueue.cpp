@@ -1,34 +1,78 @@
 #include "BackgroundQueue.h"
 
+#include <condition_variable>
+#include <deque>
 #include <exception>
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include <QCoreApplication>
-#include <QThreadPool>
 
 namespace qirn {
 
 namespace {
 
-/// It lives as long as the application object, which waits for it.
-QThreadPool& pool() {
-    static QThreadPool* const pool = [] {
-        auto* made = new QThreadPool(QCoreApplication::instance());
-        made->setObjectName(QStringLiteral("qirn.paint.autosave"));
-        made->setMaxThreadCount(1);
-        made->setThreadPriority(QThread::LowPriority);
-        return made;
-    }();
-    return *pool;
-}
+/// A thread and a mutex of the standard library, which the thread sanitizer can see into.
+class Worker {
+public:
+    static Worker& shared() {
+        static Worker worker;
+        return worker;
+    }
+
+    Worker() { qAddPostRoutine(BackgroundQueue::finish); } // the application object waits for the work
+    ~Worker() {
+        {
+            const std::lock_guard lock(mutex_);
+            isEnding_ = true;
+        }
+        changed_.notify_all();
+        if (thread_.joinable()) thread_.join();
+    }
+
+    void add(std::function<void()> task) {
+        const std::lock_guard lock(mutex_);
+        if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
+        tasks_.push_back(std::move(task));
+        changed_.notify_all();
+    }
+
+    void finish() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return tasks_.empty(); });
+    }
+
+private:
+    void work() {
+        std::unique_lock lock(mutex_);
+        for (;;) {
+            changed_.wait(lock, [this] { return isEnding_ || !tasks_.empty(); });
+            if (tasks_.empty()) return;
+            const std::function<void()>& task = tasks_.front(); // stays where it is until it has run
+            lock.unlock();
+            task();
+            lock.lock();
+            tasks_.pop_front();
+            changed_.notify_all();
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_; // something to do, or nothing left
+    std::deque<std::function<void()>> tasks_;
+    bool isEnding_ = false;
+    std::thread thread_;
+};
 
 } // namespace
 
 std::shared_future<void> BackgroundQueue::run(std::function<void()> job) {
     // No packaged_task, whose result would keep the job, and the picture in it, for as long as itself.
     const auto result = std::make_shared<std::promise<void>>();
-    pool().start([job = std::move(job), result]() mutable {
+    std::shared_future<void> future = result->get_future().share();
+    Worker::shared().add([job = std::move(job), result]() mutable {
         try {
             std::exchange(job, nullptr)();
             result->set_value();
@@ -36,11 +80,11 @@ std::shared_future<void> BackgroundQueue::run(std::function<void()> job) {
             result->set_exception(std::current_exception());
         }
     });
-    return result->get_future().share();
+    return future;
 }
 
 void BackgroundQueue::finish() {
-    pool().waitForDone();
+    Worker::shared().finish();
 }
 
 } // namespace qirn

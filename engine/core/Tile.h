@@ -63,7 +63,9 @@ public:
         return pixels_.get();
     }
     /// Called by whoever makes a second reference to the tile; nothing undoes it.
-    void freeze() { frozen_ = true; }
+    void freeze() {
+        if (!frozen_) frozen_ = true; // other threads may read one that is frozen already
+    }
 
     /// What was remembered of a frozen tile; null when nothing was. Any thread may ask and remember.
     std::shared_ptr<const StoredForm> storedForm() const { return storedForm_.load(); }

@@ -19,7 +19,7 @@ using namespace qirn::test;
 
 namespace {
 
-const QDateTime kMoment(QDate(2026, 3, 1), QTime(12, 30, 5), Qt::UTC);
+const QDateTime kMoment = QDateTime::fromSecsSinceEpoch(1772368205).toUTC(); // 2026-03-01T12:30:05Z
 
 std::unique_ptr<PaintDocument> reopened(PaintDocument& doc) {
     return PaintFile::decode(bytesOf(PaintFile::encode(doc)));

@@ -149,6 +149,8 @@ private Q_SLOTS:
         QVERIFY(!Selection::fromMask({}, 0, 0));
         QVERIFY(!some->offsetBy(-1'000'000'000, 1'000'000'000) && !some->offsetBy(0, kHeight));
         QVERIFY(!Selection::all(kWidth, kHeight)->inverted());
+        QCOMPARE(Selection::all(kWidth, kHeight)->offsetBy(9, -7)->bounds(),
+                 (IRect{9, 0, kWidth - 9, kHeight - 7}));
     }
 
     void tilesAreThoseOfOneCanvas() {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QTimeZone>
+
 namespace qirn::PaintFile {
 
 namespace {
@@ -77,7 +79,7 @@ QDateTime readMoment(const Json& json) {
     const QString text = jsonText(json);
     const QDate date = QDate::fromString(text.left(10), QStringLiteral("yyyy-MM-dd"));
     const QTime time = QTime::fromString(text.mid(11, 8), QStringLiteral("HH:mm:ss"));
-    const QDateTime moment(date, time, Qt::UTC);
+    const QDateTime moment = QDateTime(date, time, QTimeZone::utc()).toUTC();
     if (!moment.isValid() || moment.toString(kMomentForm) != text) throw JsonTypeError("moment");
     return moment;
 }

@@ -6,6 +6,7 @@
 #include "formats/pictures/StraightPixels.h"
 #include "formats/psd/PackBits.h"
 #include "platform/Parallel.h"
+#include "platform/Require.h"
 
 #include <algorithm>
 #include <atomic>
@@ -132,6 +133,7 @@ struct Band {
 
 void decodeBand(Band& band, const StoredPicture& picture, const TileGrid& grid) {
     const IRect& visible = band.visible;
+    require(visible.w > 0); // which g++ 14 wants to know as well
     const auto width = static_cast<std::size_t>(visible.w);
     const int64_t skipped = visible.x - picture.rect.x; // pixels of each row that lie left of the canvas
     std::vector<GrowingTile> growing;
