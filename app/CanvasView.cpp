@@ -220,7 +220,7 @@ void CanvasView::prefsChanged() {
 }
 
 void CanvasView::paintEvent(QPaintEvent* event) {
-    followSize();
+    contained([this] { followSize(); });
     QPainter painter(this);
     painter.scale(1 / pixelRatio(), 1 / pixelRatio());
     painter.translate(deviceOffset());

@@ -1,6 +1,7 @@
 #include "Store.h"
 
 #include "BackgroundQueue.h"
+#include "Guarded.h"
 #include "UserFile.h"
 #include "platform/Bytes.h"
 
@@ -47,11 +48,14 @@ Store::Store(const QString& file, const QString& older, Delays delays)
     : delays_(delays),
       target_(std::make_shared<Target>(file)) {
     timer_.setSingleShot(true);
-    connect(&timer_, &QTimer::timeout, this, &Store::write);
+    // Without memory for a write the next one tries again.
+    const auto tryToWrite = [this] { contained([this] { write(); }); };
+    connect(&timer_, &QTimer::timeout, this, tryToWrite);
     if (qGuiApp) {
-        connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
-            if (state != Qt::ApplicationActive) write();
-        });
+        connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+                [tryToWrite](Qt::ApplicationState state) {
+                    if (state != Qt::ApplicationActive) tryToWrite();
+                });
     }
     const bool isThere = target_->file.load([this](std::span<const uint8_t> text) {
         std::optional<Json> json = parseJson(text);
@@ -107,11 +111,11 @@ void Store::writeSoon() {
 void Store::write() {
     timer_.stop();
     if (!target_ || !(changed_.isValid() || target_->hasFailed)) return;
-    changed_.invalidate();
     target_->hasFailed = false;
     BackgroundQueue::run([target = target_, bytes = QByteArray::fromStdString(jsonBytes(values_))] {
         if (!target->file.save(bytes)) target->hasFailed = true;
     });
+    changed_.invalidate();
 }
 
 void Store::flush() {

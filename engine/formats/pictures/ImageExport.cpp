@@ -60,11 +60,7 @@ ExportError ExportError::cannotRead() {
 
 QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
                              const PaintColor& jpegBackground) {
-    std::optional<QByteArray> bytes;
-    try {
-        bytes = encoded(doc, format, jpegQuality, jpegBackground);
-    } catch (const std::bad_alloc&) { // a picture whose copy this machine has no memory for
-    }
+    std::optional<QByteArray> bytes = encoded(doc, format, jpegQuality, jpegBackground);
     if (!bytes) throw ExportError::cannotEncode(displayName(format));
     return *std::move(bytes);
 }

@@ -50,6 +50,8 @@ ImageImport::Imported ImageImport::imported(Bytes file) {
             return result;
         } catch (const PSDFile::PSDError& error) {
             result.remarks = PSDPicture::remarks(file, error.feature());
+        } catch (const std::bad_alloc&) {
+            throw; // the finished picture would open in place of the layers
         } catch (const std::exception&) {
             result.remarks = PSDPicture::remarks(file, {});
         }
@@ -68,12 +70,7 @@ std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&)
 
 std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
     for (const Reader& reader : kReaders) {
-        if (!reader.isOne(file)) continue;
-        try {
-            return reader.read(file);
-        } catch (const std::bad_alloc&) {
-            return std::nullopt; // a picture that this machine has no memory for
-        }
+        if (reader.isOne(file)) return reader.read(file);
     }
     return std::nullopt;
 }
