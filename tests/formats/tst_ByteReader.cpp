@@ -18,8 +18,8 @@ private Q_SLOTS:
         for (const Read& read : std::initializer_list<Read>{
                  [](BEReader& in) { in.u16(); }, [](BEReader& in) { in.u32(); },
                  [](BEReader& in) { in.u64(); }, [](BEReader& in) { in.slice(2); },
-                 [](BEReader& in) { in.slice(-1); }, [most](BEReader& in) { in.slice(most); },
-                 [most](BEReader& in) { in.skip(-most); }, [](BEReader& in) { in.moveTo(4); },
+                 [](BEReader& in) { in.slice(-1); }, [](BEReader& in) { in.slice(most); },
+                 [](BEReader& in) { in.skip(-most); }, [](BEReader& in) { in.moveTo(4); },
                  [](BEReader& in) { in.moveTo(-1); }}) {
             BEReader in(bytesOf(bytes));
             in.skip(2);
