@@ -29,15 +29,19 @@ template <class Body> bool guarded(PaintModel& model, Body&& body) noexcept {
     }
 }
 
-/// The same as a slot, which may take fewer arguments than its signal brings.
+/// Calls `body` with `arguments` where it takes them, without where it takes none.
+template <class Body, class... Arguments>
+void callWithWhatItTakes(const Body& body, Arguments&&... arguments) {
+    if constexpr (std::is_invocable_v<const Body&, Arguments...>)
+        body(std::forward<Arguments>(arguments)...);
+    else
+        body();
+}
+
+/// The same as a slot, which may leave out the arguments that its signal brings.
 template <class Body> auto guarding(PaintModel& model, Body body) {
     return [&model, body = std::move(body)](auto&&... arguments) -> void {
-        guarded(model, [&] {
-            if constexpr (std::is_invocable_v<const Body&, decltype(arguments)...>)
-                body(arguments...);
-            else
-                body();
-        });
+        guarded(model, [&] { callWithWhatItTakes(body, std::forward<decltype(arguments)>(arguments)...); });
     };
 }
 
