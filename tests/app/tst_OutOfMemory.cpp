@@ -50,6 +50,12 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 void* operator new[](std::size_t size, std::align_val_t alignment) {
     return memory(size, static_cast<std::size_t>(alignment), __builtin_return_address(0));
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size);
+}
 void operator delete(void* piece) noexcept {
     std::free(piece);
 }

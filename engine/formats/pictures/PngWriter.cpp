@@ -12,6 +12,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <memory>
+#include <new>
 #include <vector>
 
 #include <zlib.h>
@@ -149,6 +151,7 @@ Band compressed(const Bytes& raw, bool isLast) {
     z_stream stream{};
     if (deflateInit2(&stream, kLevel, Z_DEFLATED, -MAX_WBITS, 9, Z_DEFAULT_STRATEGY) != Z_OK)
         throw std::bad_alloc();
+    const std::unique_ptr<z_stream, int (*)(z_stream*)> end(&stream, deflateEnd);
     Band band;
     constexpr std::size_t kFlushBytes = 16;
     band.stream.resize(deflateBound(&stream, static_cast<uLong>(raw.size())) + kFlushBytes);
@@ -157,10 +160,8 @@ Band compressed(const Bytes& raw, bool isLast) {
     stream.next_out = band.stream.data();
     stream.avail_out = static_cast<uInt>(band.stream.size());
     const int state = deflate(&stream, isLast ? Z_FINISH : Z_SYNC_FLUSH);
-    const std::size_t made = band.stream.size() - stream.avail_out;
-    deflateEnd(&stream);
     require(state == (isLast ? Z_STREAM_END : Z_OK) && stream.avail_in == 0);
-    band.stream.resize(made);
+    band.stream.resize(band.stream.size() - stream.avail_out);
     band.stream.shrink_to_fit();
     band.sum = adler32(adler32(0, nullptr, 0), raw.data(), static_cast<uInt>(raw.size()));
     band.rawBytes = static_cast<int64_t>(raw.size());
