@@ -44,7 +44,7 @@ private Q_SLOTS:
         for (int i = 0; i < 10; ++i) {
             doc.activeLayer().freezeTiles(); // as a stroke begins, on other tiles than the last
             paintRect(doc, doc.activeLayer(), {i % 3 * 256, i * 50, 80, 90}, {9, 8, 7, 255});
-            doc.commit(QStringLiteral("Brush Stroke"));
+            doc.commit("Brush Stroke");
             moments.push_back(doc.fingerprint());
             BackgroundQueue::run([&begun, &copy = copies[static_cast<std::size_t>(i)], kept = snapshot(doc)] {
                 begun.fetch_add(1, std::memory_order_relaxed);

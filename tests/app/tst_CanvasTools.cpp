@@ -1,7 +1,5 @@
 #include "FloatingImage.h"
 #include "TextSpec.h"
-#include "compositing/CompositeInputs.h"
-#include "operations/LayerOperations.h"
 #include "sheets/TextSheet.h"
 #include "support/Pictures.h"
 #include "support/Studio.h"
@@ -11,7 +9,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -22,558 +19,450 @@ using namespace qirn::test;
 
 namespace {
 
-void setOptions(Studio& studio, const std::function<void(ToolOptions&)>& change) {
-    ToolOptions options = studio.model.options();
-    change(options);
-    studio.model.setOptions(options);
-}
-
-/// A red square on the active layer, committed.
 constexpr IRect kSquare{100, 80, 40, 30};
 constexpr PixelBytes kRed{255, 0, 0, 255};
 
-void paintSquare(Studio& studio) {
-    paintRect(studio.doc(), studio.layer(), kSquare, kRed);
-    studio.doc().commit(QStringLiteral("Square"));
-}
+/// With a red square on the active layer, committed.
+struct SquareStudio : Studio {
+    SquareStudio() { fill(kSquare); }
+};
 
 } // namespace
 
 class tst_CanvasTools : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void everyToolHasAKeyAndAGesture_data();
-    void everyToolHasAKeyAndAGesture();
-    void theBucketFillsAndRemembersTheColour();
-    void aGradientRunsFromPressToRelease();
-    void shapesAreDrawnInTheirColours_data();
-    void shapesAreDrawnInTheirColours();
-    void lockedLayersRefuseEveryTool();
-    void ellipsesAndLassosSelect();
-    void aDragKeepsTheToolThatBeganIt();
-    void aLassoOfTwoPointsIsAClick();
-    void movedPixelsKeepTheirBytesAndTheirSelection_data();
-    void movedPixelsKeepTheirBytesAndTheirSelection();
-    void aTransformIsOneUndoStep_data();
-    void aTransformIsOneUndoStep();
-    void escapeUndoAndRedoPutPixelsBack();
-    void handlesScaleAndTurn();
-    void handlesAndAntsAreDrawnWhereTheyAct();
-    void arrowsNudge();
-    void nothingToMoveIsTold();
-    void alphaLockLosesNothing();
-    void noSafetyCopyOfFloatingPixels();
-    void liftedPixelsAreShownAsOneImage();
-    void textBecomesALayer();
-    void theTextSheetPlacesWhatItsControlsSay();
-};
-
-void tst_CanvasTools::everyToolHasAKeyAndAGesture_data() {
-    QTest::addColumn<QString>("does");
-    const char* const done[kToolCount] = {"Brush Stroke", "Erase",     "Smudge", "Blur",   "Bucket Fill",
-                                          "Gradient",     "picks",     "Select", "Select", "Select",
-                                          "lifts",        "Rectangle", "asks",   "pans",   "zooms"};
-    for (const ToolRow& row : kTools)
-        QTest::newRow(row.id) << QString::fromLatin1(done[static_cast<std::size_t>(row.tool)]);
-}
-
-void tst_CanvasTools::everyToolHasAKeyAndAGesture() {
-    const ToolRow& row = rowOf(*toolWithId(QString::fromLatin1(QTest::currentDataTag())));
-    Studio studio;
-    paintRect(studio.doc(), studio.layer(), {20, 20, 40, 40}, kRed);
-    studio.doc().commit(QStringLiteral("Square"));
-    studio.model.setTool(row.tool == Tool::brush ? Tool::hand : Tool::brush);
-    studio.key(0, QString(QLatin1Char(row.key)).toLower());
-    QCOMPARE(studio.model.tool(), row.tool);
-    const QSignalSpy texts(&studio.canvas, &CanvasView::textRequested);
-    const ViewState view = studio.session().view;
-    studio.mouseDrag({30, 30}, {90, 70});
-    QCoreApplication::processEvents();
-    const QString does = studio.doc().undoDepth() > 1                    ? *studio.doc().undoName()
-                         : studio.model.primary() == PaintColor(1, 0, 0) ? QStringLiteral("picks")
-                         : studio.model.transform()                      ? QStringLiteral("lifts")
-                         : texts.count() == 1                            ? QStringLiteral("asks")
-                         : studio.session().view.zoom != view.zoom       ? QStringLiteral("zooms")
-                         : studio.session().view.pan != view.pan         ? QStringLiteral("pans")
-                                                                         : QStringLiteral("nothing");
-    QTEST(does, "does");
-}
-
-void tst_CanvasTools::theBucketFillsAndRemembersTheColour() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.setTool(Tool::bucket);
-    studio.model.setPrimary(PaintColor(0, 0, 1));
-    studio.mouseDrag({110.9, 90.2}, {110.9, 90.2});
-    QCOMPARE(studio.layer().pixel(139, 109), (PixelBytes{0, 0, 255, 255}));
-    QCOMPARE(studio.layer().pixel(140, 100), (PixelBytes{0, 0, 255, 255})); // grown by a pixel
-    QCOMPARE(studio.layer().pixel(142, 100)[3], uint8_t{0});
-    QCOMPARE(studio.doc().undoName(), QStringLiteral("Bucket Fill"));
-    QCOMPARE(studio.model.recent().front(), PaintColor(0, 0, 1));
-    studio.mouseDrag({-5, 20}, {-5, 20});
-    QCOMPARE(studio.model.hud(), QStringLiteral("Click inside the picture to fill"));
-    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-}
-
-void tst_CanvasTools::aGradientRunsFromPressToRelease() {
-    Studio studio;
-    studio.model.setTool(Tool::gradient);
-    studio.model.setPrimary(PaintColor::black());
-    studio.mouseDrag({100, 50}, {300, 50});
-    QCOMPARE(studio.layer().pixel(50, 10), (PixelBytes{0, 0, 0, 255}));
-    QCOMPARE(studio.layer().pixel(350, 290), (PixelBytes{255, 255, 255, 255}));
-    QVERIFY(std::abs(studio.layer().pixel(200, 150)[0] - 128) <= 2);
-    QCOMPARE(studio.doc().undoName(), QStringLiteral("Gradient"));
-    studio.mouseDrag({100, 50}, {100.5, 50});
-    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
-    studio.model.undo();
-    setOptions(studio, [](ToolOptions& options) { options.gradientToTransparent = true; });
-    studio.mouseDrag({100, 50}, {300, 50});
-    QCOMPARE(studio.layer().pixel(350, 290)[3], uint8_t{0});
-}
-
-void tst_CanvasTools::shapesAreDrawnInTheirColours_data() {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("fill");
-    QTest::addColumn<bool>("outline");
-    QTest::addColumn<QString>("inside"); // empty: transparent
-    QTest::addColumn<QString>("edge");
-    QTest::addColumn<QString>("undo"); // empty: refused
-    const int rectangle = int(ShapeKind::rectangle), line = int(ShapeKind::line);
-    QTest::newRow("filled") << rectangle << true << false << "#FF0000"
-                            << "#FF0000"
-                            << "Rectangle";
-    QTest::newRow("outlined") << rectangle << false << true << ""
-                              << "#FF0000"
-                              << "Rectangle";
-    QTest::newRow("both") << rectangle << true << true << "#FF0000"
-                          << "#0000FF"
-                          << "Rectangle";
-    QTest::newRow("neither") << rectangle << false << false << ""
-                             << ""
-                             << "";
-    QTest::newRow("a line is always drawn") << line << true << false << "#FF0000"
-                                            << "#FF0000"
-                                            << "Line";
-    QTest::newRow("hexagon") << int(ShapeKind::polygon) << true << false << "#FF0000"
-                             << ""
-                             << "Hexagon";
-}
-
-void tst_CanvasTools::shapesAreDrawnInTheirColours() {
-    QFETCH(int, kind);
-    QFETCH(bool, fill);
-    QFETCH(bool, outline);
-    QFETCH(QString, inside);
-    QFETCH(QString, edge);
-    QFETCH(QString, undo);
-    Studio studio;
-    studio.model.setTool(Tool::shape);
-    setOptions(studio, [&](ToolOptions& options) {
-        options.shapeKind = static_cast<ShapeKind>(kind);
-        options.shapeFill = fill;
-        options.shapeOutline = outline;
-    });
-    studio.model.setPrimary(PaintColor(0, 0, 1));
-    studio.model.swapColors();
-    studio.model.setPrimary(PaintColor(1, 0, 0));
-    studio.mouseDrag({50, 50}, {250, 150});
-    const auto colourAt = [&](int64_t x, int64_t y) {
-        const PixelBytes p = studio.layer().pixel(x, y);
-        return p[3] == 0 ? QString() : PaintColor::fromBytes(p[0], p[1], p[2]).hex();
-    };
-    QCOMPARE(colourAt(150, 100), inside);
-    QCOMPARE(colourAt(51, 51), edge);
-    QCOMPARE(studio.doc().undoName().value_or(QString()), undo);
-    if (undo.isEmpty()) QCOMPARE(studio.model.hud(), QStringLiteral("Turn on Fill or Outline for shapes"));
-}
-
-void tst_CanvasTools::lockedLayersRefuseEveryTool() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.toggleLock();
-    const uint64_t print = studio.doc().fingerprint();
-    for (const Tool tool : {Tool::bucket, Tool::gradient, Tool::shape, Tool::move}) {
-        studio.model.flash(QString());
-        studio.model.setTool(tool);
-        studio.mouseDrag({110, 90}, {200, 150});
-        QCOMPARE(studio.model.hud(), QStringLiteral("The layer is locked"));
+    void everyToolHasAKeyAndAGesture_data() {
+        QTest::addColumn<QString>("does");
+        const char* const done[kToolCount] = {"Brush Stroke", "Erase",     "Smudge", "Blur",   "Bucket Fill",
+                                              "Gradient",     "picks",     "Select", "Select", "Select",
+                                              "lifts",        "Rectangle", "asks",   "pans",   "zooms"};
+        for (const ToolRow& row : kTools)
+            QTest::newRow(row.id) << QString::fromLatin1(done[static_cast<std::size_t>(row.tool)]);
     }
-    QCOMPARE(studio.doc().fingerprint(), print);
-    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-}
-
-void tst_CanvasTools::ellipsesAndLassosSelect() {
-    Studio studio;
-    studio.model.setTool(Tool::selectEllipse);
-    studio.mouseDrag({100, 100}, {200, 160});
-    QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
-    QCOMPARE(int(studio.doc().selection->value(102, 102)), 0);
-    studio.model.setTool(Tool::lasso);
-    const auto lasso = [&](Qt::KeyboardModifiers keys) {
-        studio.mouseEvent(QEvent::MouseButtonPress, {20, 20}, keys);
-        for (const QPointF& p : {QPointF(80, 20), QPointF(80, 80), QPointF(20, 80)})
-            studio.mouseEvent(QEvent::MouseMove, p, keys);
-        studio.mouseEvent(QEvent::MouseButtonRelease, {20, 80}, keys);
-    };
-    lasso(Qt::ShiftModifier); // adds, with this tool alone
-    QCOMPARE(int(studio.doc().selection->value(50, 50)), 255);
-    QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
-    lasso({});
-    QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 60, 60}));
-}
-
-void tst_CanvasTools::aDragKeepsTheToolThatBeganIt() {
-    Studio studio;
-    studio.model.setTool(Tool::selectRect);
-    studio.mouseEvent(QEvent::MouseButtonPress, {20, 20});
-    studio.key(Qt::Key_O, QStringLiteral("o"));
-    studio.mouseEvent(QEvent::MouseButtonRelease, {80, 60});
-    QCOMPARE(studio.model.tool(), Tool::selectEllipse);
-    QCOMPARE(int(studio.doc().selection->value(21, 21)), 255); // the corner of a box
-}
-
-void tst_CanvasTools::aLassoOfTwoPointsIsAClick() {
-    Studio studio;
-    studio.model.selectAll();
-    studio.model.setTool(Tool::lasso);
-    studio.mouseDrag({50, 50}, {50.5, 50.5});
-    QVERIFY(!studio.doc().selection);
-}
-
-void tst_CanvasTools::movedPixelsKeepTheirBytesAndTheirSelection_data() {
-    QTest::addColumn<double>("zoom");
-    QTest::addColumn<QPointF>("way");
-    QTest::newRow("whole pixels") << 1.0 << QPointF(9, 6);
-    QTest::newRow("between pixels") << 1.37 << QPointF(8.73, 5.61);
-    QTest::newRow("halves, to and fro") << 2.0 << QPointF(0.5, -1.5);
-}
-
-void tst_CanvasTools::movedPixelsKeepTheirBytesAndTheirSelection() {
-    QFETCH(double, zoom);
-    QFETCH(QPointF, way);
-    Studio studio;
-    studio.layer().load(*noise(400, 300, 9));
-    for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbours
-        for (uint8_t x = 0; x < 40; ++x)
-            paintRect(studio.doc(), studio.layer(), {100 + x, 80 + y, 1, 1},
-                      {static_cast<uint8_t>(x * 97), static_cast<uint8_t>(y * 61), 9, 255});
+    void everyToolHasAKeyAndAGesture() {
+        const ToolRow& row = rowOf(*toolWithId(QString::fromLatin1(QTest::currentDataTag())));
+        Studio studio;
+        studio.fill({20, 20, 40, 40});
+        studio.model.setTool(row.tool == Tool::brush ? Tool::hand : Tool::brush);
+        studio.key(0, QString(QLatin1Char(row.key)).toLower());
+        QCOMPARE(studio.model.tool(), row.tool);
+        const QSignalSpy texts(&studio.canvas, &CanvasView::textRequested);
+        const ViewState view = studio.session().view;
+        studio.mouseDrag({30, 30}, {90, 70});
+        QCoreApplication::processEvents();
+        const QString does = studio.doc().undoDepth() > 1                    ? *studio.doc().undoName()
+                             : studio.model.primary() == PaintColor(1, 0, 0) ? QStringLiteral("picks")
+                             : studio.model.transform()                      ? QStringLiteral("lifts")
+                             : texts.count() == 1                            ? QStringLiteral("asks")
+                             : studio.session().view.zoom != view.zoom       ? QStringLiteral("zooms")
+                             : studio.session().view.pan != view.pan         ? QStringLiteral("pans")
+                                                                             : QStringLiteral("nothing");
+        QTEST(does, "does");
     }
-    studio.doc().commit(QStringLiteral("Noise"));
-    const auto before = studio.layer().toBuffer();
-    QPainterPath path;
-    path.addRect(100, 80, 40, 30);
-    studio.doc().selection = Selection::make(path, SelectionOp::replace, nullptr, 400, 300, Antialias::yes);
-    studio.canvas.setZoom(zoom);
-    studio.model.setTool(Tool::move);
-    QPointF hand(110, 90);
-    for (int i = 0; i < 12; ++i) {
-        studio.mouseDrag(hand, hand + way);
-        hand += way;
-        QVERIFY(studio.model.transform());
-        const QPointF corner = studio.model.transform()->corners()[0];
-        QCOMPARE(studio.layer().pixel(static_cast<int64_t>(corner.x()) + 20,
-                                      static_cast<int64_t>(corner.y()) + 10)[3],
-                 uint8_t{0}); // they float
-        const QRect inside =
-            QRectF(studio.widgetPoint(corner + QPointF(8, 4)), studio.widgetPoint(corner + QPointF(32, 26)))
-                .toRect();
-        const QImage floating = studio.canvas.grab(inside).toImage();
-        studio.key(Qt::Key_Return);
-        QVERIFY(!studio.model.transform());
-        QCOMPARE(studio.doc().selection->bounds().rectF().topLeft(), corner);
-        if (zoom == 1) QCOMPARE(studio.canvas.grab(inside).toImage(), floating); // shown where it lands
+
+    void theBucketFillsAndRemembersTheColour() {
+        SquareStudio studio;
+        studio.model.setTool(Tool::bucket);
+        studio.model.setPrimary(PaintColor(0, 0, 1));
+        studio.mouseDrag({110.9, 90.2}, {110.9, 90.2});
+        QCOMPARE(studio.layer().pixel(139, 109), (PixelBytes{0, 0, 255, 255}));
+        QCOMPARE(studio.layer().pixel(140, 100), (PixelBytes{0, 0, 255, 255})); // grown by a pixel
+        QCOMPARE(studio.layer().pixel(142, 100)[3], uint8_t{0});
+        QCOMPARE(studio.doc().undoName(), "Bucket Fill");
+        QCOMPARE(studio.model.recent().front(), PaintColor(0, 0, 1));
+        studio.mouseDrag({-5, 20}, {-5, 20});
+        QCOMPARE(studio.model.hud(), "Click inside the picture to fill");
+        QCOMPARE(studio.doc().undoDepth(), int64_t{2});
     }
-    const IRect now = studio.doc().selection->bounds();
-    for (int64_t y = 0; y < 30; ++y) {
-        for (int64_t x = 0; x < 40; ++x) {
-            QCOMPARE(studio.layer().pixel(now.x + x, now.y + y), before->pixel(100 + x, 80 + y));
+
+    void aGradientRunsFromPressToRelease() {
+        Studio studio;
+        studio.model.setTool(Tool::gradient);
+        studio.model.setPrimary(PaintColor::black());
+        studio.mouseDrag({100, 50}, {300, 50});
+        QCOMPARE(studio.layer().pixel(50, 10), (PixelBytes{0, 0, 0, 255}));
+        QCOMPARE(studio.layer().pixel(350, 290), (PixelBytes{255, 255, 255, 255}));
+        QVERIFY(std::abs(studio.layer().pixel(200, 150)[0] - 128) <= 2);
+        QCOMPARE(studio.doc().undoName(), "Gradient");
+        studio.mouseDrag({100, 50}, {100.5, 50});
+        QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+        studio.model.undo();
+        studio.set(&ToolOptions::gradientToTransparent, true);
+        studio.mouseDrag({100, 50}, {300, 50});
+        QCOMPARE(studio.layer().pixel(350, 290)[3], uint8_t{0});
+    }
+
+    void shapesAreDrawnInTheirColours() {
+        const struct {
+            ShapeKind kind;
+            bool fill, outline;
+            const char *inside, *edge; // empty: transparent
+            const char* undo;          // empty: refused
+        } cases[] = {{ShapeKind::rectangle, true, false, "#FF0000", "#FF0000", "Rectangle"},
+                     {ShapeKind::rectangle, false, true, "", "#FF0000", "Rectangle"},
+                     {ShapeKind::rectangle, true, true, "#FF0000", "#0000FF", "Rectangle"},
+                     {ShapeKind::rectangle, false, false, "", "", ""},
+                     {ShapeKind::line, true, false, "#FF0000", "#FF0000", "Line"}, // is always drawn
+                     {ShapeKind::polygon, true, false, "#FF0000", "", "Hexagon"}};
+        for (const auto& [kind, fill, outline, inside, edge, undo] : cases) {
+            Studio studio;
+            studio.model.setTool(Tool::shape);
+            studio.set(&ToolOptions::shapeKind, kind);
+            studio.set(&ToolOptions::shapeFill, fill);
+            studio.set(&ToolOptions::shapeOutline, outline);
+            studio.model.setPrimary(PaintColor(0, 0, 1));
+            studio.model.swapColors();
+            studio.model.setPrimary(PaintColor(1, 0, 0));
+            studio.mouseDrag({50, 50}, {250, 150});
+            const auto colourAt = [&](int64_t x, int64_t y) {
+                const PixelBytes p = studio.layer().pixel(x, y);
+                return p[3] == 0 ? QString() : PaintColor::fromBytes(p[0], p[1], p[2]).hex();
+            };
+            QCOMPARE(colourAt(150, 100), inside);
+            QCOMPARE(colourAt(51, 51), edge);
+            QCOMPARE(studio.doc().undoName().value_or(QString()), undo);
+            if (!*undo) QCOMPARE(studio.model.hud(), "Turn on Fill or Outline for shapes");
         }
     }
-    while (studio.doc().undoDepth() > 1) studio.model.undo();
-    QCOMPARE(firstDifference(*studio.layer().toBuffer(), *before), QString());
-}
 
-void tst_CanvasTools::aTransformIsOneUndoStep_data() {
-    QTest::addColumn<int>("way");
-    for (const char* way : {"return", "command", "another tool", "another layer", "save", "menu"})
-        QTest::newRow(way) << 0;
-}
-
-void tst_CanvasTools::aTransformIsOneUndoStep() {
-    const QByteArray way = QTest::currentDataTag();
-    Studio studio;
-    paintSquare(studio);
-    studio.model.setTool(Tool::move);
-    studio.mouseDrag({110, 90}, {160, 120});
-    QCOMPARE(studio.doc().undoDepth(), int64_t{1});
-    if (way == "return")
-        studio.key(Qt::Key_Return);
-    else if (way == "command")
-        studio.model.addLayer();
-    else if (way == "another tool")
-        studio.model.setTool(Tool::brush);
-    else if (way == "another layer")
-        studio.model.setActiveLayer(0);
-    else if (way == "menu")
-        studio.model.applyTransform();
-    else {
-        studio.desktop.savePaths = {studio.path(QStringLiteral("moved.qirnpaint"))};
-        QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
-    }
-    QVERIFY(!studio.model.transform());
-    QCOMPARE(studio.doc().layer(1).pixel(155, 115), kRed);
-    QCOMPARE(studio.doc().layer(1).pixel(110, 90)[3], uint8_t{0});
-    if (way == "command") {
-        QCOMPARE(studio.doc().undoName(), QStringLiteral("New Layer"));
-        studio.model.undo();
-    }
-    QCOMPARE(studio.doc().undoName(), QStringLiteral("Transform"));
-    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-}
-
-void tst_CanvasTools::escapeUndoAndRedoPutPixelsBack() {
-    Studio studio;
-    paintSquare(studio);
-    const uint64_t print = studio.doc().fingerprint();
-    const auto floats = [&](QPointF to) {
-        studio.model.setTool(Tool::move);
-        studio.mouseEvent(QEvent::MouseButtonPress, {110, 90});
-        studio.mouseEvent(QEvent::MouseMove, to); // not let go yet
-        return studio.model.transform().has_value();
-    };
-    QVERIFY(floats({160, 120}));
-    studio.model.redo(); // nothing to redo: they stay where they are
-    QVERIFY(studio.desktop.beeps == 1 && studio.model.transform());
-    studio.model.cancelTransform();
-    studio.model.selectAll();
-    studio.model.undo();
-    void (*const ways[])(Studio&) = {[](Studio& s) { s.key(Qt::Key_Escape); },
-                                     [](Studio& s) { s.model.undo(); }, [](Studio& s) { s.model.redo(); }};
-    for (const auto& way : ways) {
-        QVERIFY(floats({160, 120}) && studio.doc().fingerprint() != print);
-        way(studio);
-        studio.mouseEvent(QEvent::MouseMove, {200, 150}); // of a drag that is no more
-        QVERIFY(!studio.model.transform());
+    void lockedLayersRefuseEveryTool() {
+        SquareStudio studio;
+        studio.model.toggleLock();
+        const uint64_t print = studio.doc().fingerprint();
+        for (const Tool tool : {Tool::bucket, Tool::gradient, Tool::shape, Tool::move}) {
+            studio.model.flash(QString());
+            studio.model.setTool(tool);
+            studio.mouseDrag({110, 90}, {200, 150});
+            QCOMPARE(studio.model.hud(), "The layer is locked");
+        }
         QCOMPARE(studio.doc().fingerprint(), print);
-        QVERIFY(studio.doc().undoDepth() == 1 && studio.doc().canRedo());
+        QCOMPARE(studio.doc().undoDepth(), int64_t{2});
     }
-}
 
-void tst_CanvasTools::handlesScaleAndTurn() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.selectAll();
-    studio.model.deselect();
-    studio.model.beginTransform();
-    QCOMPARE(studio.model.tool(), Tool::move);
-    const QPointF center(120, 95);
-    QCOMPARE(studio.model.transform()->center, center);
-    // The corner at 140, 110: to double the distance keeps the proportions, with Shift each axis for itself.
-    studio.mouseDrag({140, 110}, {160, 125});
-    QCOMPARE(studio.model.transform()->scaleX, 2.0);
-    QCOMPARE(studio.model.transform()->scaleY, 2.0);
-    studio.mouseDrag({160, 125}, {140, 125}, Qt::ShiftModifier);
-    QCOMPARE(studio.model.transform()->scaleX, 1.0);
-    QCOMPARE(studio.model.transform()->scaleY, 2.0);
-    // The rotate handle stands 28 points above the top edge, at y 65.
-    studio.mouseDrag({120, 37}, {170, 90}, Qt::ShiftModifier);
-    QCOMPARE(studio.model.transform()->angle, 90.0);
-    studio.model.updateTransform([](TransformState& state) { state.scaleY = 1; });
-    studio.model.applyTransform();
-    const auto bounds = studio.layer().contentBounds();
-    QCOMPARE(*bounds, (IRect{105, 75, 30, 40}));
-    QCOMPARE(studio.layer().pixel(106, 76), kRed);
-}
+    void ellipsesAndLassosSelect() {
+        Studio studio;
+        studio.model.setTool(Tool::selectEllipse);
+        studio.mouseDrag({100, 100}, {200, 160});
+        QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
+        QCOMPARE(int(studio.doc().selection->value(102, 102)), 0);
+        studio.model.setTool(Tool::lasso);
+        const auto lasso = [&](Qt::KeyboardModifiers keys) {
+            studio.mouseEvent(QEvent::MouseButtonPress, {20, 20}, keys);
+            for (const QPointF& p : {QPointF(80, 20), QPointF(80, 80), QPointF(20, 80)})
+                studio.mouseEvent(QEvent::MouseMove, p, keys);
+            studio.mouseEvent(QEvent::MouseButtonRelease, {20, 80}, keys);
+        };
+        lasso(Qt::ShiftModifier); // adds, with this tool alone
+        QCOMPARE(int(studio.doc().selection->value(50, 50)), 255);
+        QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
+        lasso({});
+        QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 60, 60}));
+    }
 
-void tst_CanvasTools::handlesAndAntsAreDrawnWhereTheyAct() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.beginTransform();
-    for (const double zoom : {1.0, 2.0}) {
+    void aDragKeepsTheToolThatBeganIt() {
+        Studio studio;
+        studio.model.setTool(Tool::selectRect);
+        studio.mouseEvent(QEvent::MouseButtonPress, {20, 20});
+        studio.key(Qt::Key_O, "o");
+        studio.mouseEvent(QEvent::MouseButtonRelease, {80, 60});
+        QCOMPARE(studio.model.tool(), Tool::selectEllipse);
+        QCOMPARE(int(studio.doc().selection->value(21, 21)), 255); // the corner of a box
+    }
+
+    void movedPixelsKeepTheirBytesAndTheirSelection_data() {
+        QTest::addColumn<double>("zoom");
+        QTest::addColumn<QPointF>("way");
+        QTest::newRow("whole pixels") << 1.0 << QPointF(9, 6);
+        QTest::newRow("between pixels") << 1.37 << QPointF(8.73, 5.61);
+        QTest::newRow("halves, to and fro") << 2.0 << QPointF(0.5, -1.5);
+    }
+    void movedPixelsKeepTheirBytesAndTheirSelection() {
+        QFETCH(double, zoom);
+        QFETCH(QPointF, way);
+        Studio studio;
+        studio.layer().load(*noise(400, 300, 9));
+        for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbours
+            for (uint8_t x = 0; x < 40; ++x)
+                paintRect(studio.doc(), studio.layer(), {100 + x, 80 + y, 1, 1},
+                          {static_cast<uint8_t>(x * 97), static_cast<uint8_t>(y * 61), 9, 255});
+        }
+        studio.doc().commit("Noise");
+        const auto before = studio.layer().toBuffer();
+        studio.select({100, 80, 40, 30});
         studio.canvas.setZoom(zoom);
-        const QPointF handle = studio.widgetPoint({120, 80}) - QPointF(0, 28);
-        const QColor drawn = studio.canvas.grab().toImage().pixelColor(handle.toPoint());
-        QVERIFY2(drawn.red() > 180 && drawn.green() < 80, qPrintable(drawn.name()));
+        studio.model.setTool(Tool::move);
+        QPointF hand(110, 90);
+        for (int i = 0; i < 12; ++i) {
+            studio.mouseDrag(hand, hand + way);
+            hand += way;
+            QVERIFY(studio.model.transform());
+            const QPointF corner = studio.model.transform()->corners()[0];
+            QCOMPARE(studio.layer().pixel(static_cast<int64_t>(corner.x()) + 20,
+                                          static_cast<int64_t>(corner.y()) + 10)[3],
+                     uint8_t{0}); // they float
+            const QRect inside = QRectF(studio.widgetPoint(corner + QPointF(8, 4)),
+                                        studio.widgetPoint(corner + QPointF(32, 26)))
+                                     .toRect();
+            const QImage floating = studio.canvas.grab(inside).toImage();
+            studio.key(Qt::Key_Return);
+            QVERIFY(!studio.model.transform());
+            QCOMPARE(studio.doc().selection->bounds().rectF().topLeft(), corner);
+            if (zoom == 1) QCOMPARE(studio.canvas.grab(inside).toImage(), floating); // shown where it lands
+        }
+        const IRect now = studio.doc().selection->bounds();
+        for (int64_t y = 0; y < 30; ++y) {
+            for (int64_t x = 0; x < 40; ++x) {
+                QCOMPARE(studio.layer().pixel(now.x + x, now.y + y), before->pixel(100 + x, 80 + y));
+            }
+        }
+        while (studio.doc().undoDepth() > 2) studio.model.undo();
+        QCOMPARE(firstDifference(*studio.layer().toBuffer(), *before), QString());
     }
-    studio.model.cancelTransform();
-    studio.canvas.setZoom(1);
-    studio.model.setTool(Tool::selectRect);
-    studio.mouseDrag({100, 100}, {300, 200});
-    studio.pointerLeaves();
-    for (const double zoom : {1.0, 2.0}) {
-        studio.canvas.setZoom(zoom);
-        const QPoint edge = studio.widgetPoint({100, 150}).toPoint();
-        const QImage shown = studio.canvas.grab({edge - QPoint(1, 0), QSize(3, 16)}).toImage();
-        int dark = 0;
-        for (int y = 0; y < shown.height(); ++y) dark += qGray(shown.pixel(1, y)) < 128;
-        QVERIFY2(dark >= 4, qPrintable(QString::number(dark))); // of dashes on white paper
+
+    void aTransformIsOneUndoStepHoweverItEnds() {
+        void (*const ends[])(Studio&) = {
+            [](Studio& s) { s.key(Qt::Key_Return); },
+            [](Studio& s) { s.model.applyTransform(); },
+            [](Studio& s) { s.model.setTool(Tool::brush); },
+            [](Studio& s) { s.model.setActiveLayer(0); },
+            [](Studio& s) {
+                s.model.addLayer(); // a step of its own
+                QCOMPARE(s.doc().undoName(), "New Layer");
+                s.model.undo();
+            },
+            [](Studio& s) {
+                s.desktop.savePaths = {s.path("moved.qirnpaint")};
+                QVERIFY(s.model.save(nullptr, PaintModel::SaveAs::no));
+            },
+            [](Studio& s) {
+                s.desktop.savePaths = {s.path("out.png")};
+                s.model.exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+                QCOMPARE(QImage(s.path("out.png")).pixelColor(155, 115), QColor(Qt::red));
+            }};
+        for (const auto& end : ends) {
+            SquareStudio studio;
+            studio.model.toggleAlphaLock(); // which the move neither heeds nor takes away
+            studio.model.setTool(Tool::move);
+            studio.mouseDrag({110, 90}, {160, 120});
+            QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+            studio.model.autosaveTick();
+            QVERIFY(!studio.model.lastAutosaveText()); // no copy of floating pixels
+            end(studio);
+            QVERIFY(!studio.model.transform());
+            QCOMPARE(studio.doc().layer(1).contentBounds(), std::optional(IRect{150, 110, 40, 30}));
+            QVERIFY(studio.doc().layer(1).alphaLocked);
+            QCOMPARE(studio.doc().undoName(), "Transform");
+            QCOMPARE(studio.doc().undoDepth(), int64_t{3});
+        }
     }
-    studio.mouseDrag({250, 150}, {252, 152}); // four points on the screen are a drag
-    QCOMPARE(studio.doc().selection->bounds(), (IRect{250, 150, 2, 2}));
-}
 
-void tst_CanvasTools::arrowsNudge() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.setTool(Tool::move);
-    studio.key(Qt::Key_Left);
-    studio.key(Qt::Key_Down, {}, Qt::ShiftModifier);
-    studio.key(Qt::Key_Return);
-    QCOMPARE(*studio.layer().contentBounds(), (IRect{99, 90, 40, 30}));
-    studio.model.setTool(Tool::brush);
-    studio.key(Qt::Key_Left);
-    QVERIFY(!studio.model.transform());
-}
-
-void tst_CanvasTools::nothingToMoveIsTold() {
-    Studio studio;
-    const uint64_t print = studio.doc().fingerprint();
-    studio.model.beginTransform();
-    QCOMPARE(studio.model.hud(), QStringLiteral("Nothing to move on this layer"));
-    paintSquare(studio);
-    QPainterPath path;
-    path.addRect(0, 0, 20, 20);
-    studio.doc().selection = Selection::make(path, SelectionOp::replace, nullptr, 400, 300, Antialias::yes);
-    studio.doc().commit(QStringLiteral("Select"));
-    studio.model.flash(QString());
-    studio.model.beginTransform();
-    QCOMPARE(studio.model.hud(), QStringLiteral("Nothing to move on this layer"));
-    QVERIFY(!studio.model.transform());
-    QVERIFY(studio.doc().selection);
-    QVERIFY(studio.doc().fingerprint() != print);
-    QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-}
-
-void tst_CanvasTools::alphaLockLosesNothing() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.toggleAlphaLock();
-    studio.model.setTool(Tool::move);
-    studio.mouseDrag({110, 90}, {210, 190});
-    studio.key(Qt::Key_Return);
-    QCOMPARE(*studio.layer().contentBounds(), (IRect{200, 180, 40, 30}));
-    QVERIFY(studio.layer().alphaLocked);
-}
-
-void tst_CanvasTools::noSafetyCopyOfFloatingPixels() {
-    Studio studio;
-    paintSquare(studio);
-    studio.model.beginTransform();
-    studio.model.autosaveTick();
-    QVERIFY(!studio.model.lastAutosaveText());
-    studio.model.applyTransform();
-    studio.model.autosaveTick();
-    QVERIFY(studio.model.lastAutosaveText());
-}
-
-void tst_CanvasTools::liftedPixelsAreShownAsOneImage() {
-    const auto doc = randomDocument(600, 500, 1, 7);
-    const Floating floating{doc->layers()[0], {30, 20, 510, 430}, {}};
-    const auto whole = floating.picture(floating.origin);
-    const auto drawn = [](const auto& draw) {
-        QImage device(200, 150, QImage::Format_RGBA8888_Premultiplied);
-        device.fill(Qt::transparent);
-        QPainter painter(&device);
-        draw(painter);
-        return device;
-    };
-    FloatingImage shown; // each view takes up what the last one had
-    const QTransform views[] = {QTransform(3, 0, 0, 3, -900, -700), QTransform(3, 0, 0, 3, -930, -640),
-                                QTransform(1, 0, 0, 1, 150, 100),   QTransform(1, 0, 0, 1, -480, -350),
-                                QTransform(1, 0, 0, 1, -900, 0),    QTransform(-1, 0, 0, 2, 300, -500)};
-    for (const QTransform& view : views) {
-        const QImage got = drawn([&](QPainter& painter) { shown.paint(painter, floating, view); });
-        QCOMPARE(got, drawn([&](QPainter& painter) {
-                     painter.setTransform(view);
-                     painter.drawImage(0, 0, whole->makeImage());
-                 }));
+    void escapeUndoAndRedoPutPixelsBack() {
+        SquareStudio studio;
+        const uint64_t print = studio.doc().fingerprint();
+        const auto floats = [&](QPointF to) {
+            studio.model.setTool(Tool::move);
+            studio.mouseEvent(QEvent::MouseButtonPress, {110, 90});
+            studio.mouseEvent(QEvent::MouseMove, to); // not let go yet
+            return studio.model.transform().has_value();
+        };
+        QVERIFY(floats({160, 120}));
+        studio.model.redo(); // nothing to redo: they stay where they are
+        QVERIFY(studio.desktop.beeps == 1 && studio.model.transform());
+        studio.model.cancelTransform();
+        studio.model.selectAll();
+        studio.model.undo();
+        void (*const ways[])(Studio&) = {[](Studio& s) { s.key(Qt::Key_Escape); },
+                                         [](Studio& s) { s.model.undo(); },
+                                         [](Studio& s) { s.model.redo(); }};
+        for (const auto& way : ways) {
+            QVERIFY(floats({160, 120}) && studio.doc().fingerprint() != print);
+            way(studio);
+            studio.mouseEvent(QEvent::MouseMove, {200, 150}); // of a drag that is no more
+            QVERIFY(!studio.model.transform());
+            QCOMPARE(studio.doc().fingerprint(), print);
+            QVERIFY(studio.doc().undoDepth() == 1 && studio.doc().canRedo());
+        }
     }
-    // From afar a pixel is the mean of what it covers, in the corner of as much as there is.
-    const QImage far =
-        drawn([&](QPainter& painter) { shown.paint(painter, floating, QTransform::fromScale(0.25, 0.25)); });
-    for (const QPoint at : {QPoint(0, 0), QPoint(100, 60), QPoint(127, 107)}) {
-        int sums[4] = {8, 8, 8, 8};
-        for (int i = 0; i < 64; ++i)
-            sums[i % 4] +=
-                whole->pixel(at.x() * 4 + i / 4 % 4, at.y() * 4 + i / 16)[static_cast<std::size_t>(i % 4)];
-        for (int c = 0; c < 4; ++c) QCOMPARE(int(far.constScanLine(at.y())[at.x() * 4 + c]), sums[c] / 16);
+
+    void handlesScaleAndTurn() {
+        SquareStudio studio;
+        studio.model.beginTransform();
+        QCOMPARE(studio.model.tool(), Tool::move);
+        const QPointF center(120, 95);
+        QCOMPARE(studio.model.transform()->center, center);
+        // The corner at 140, 110: to double the distance keeps the proportions, with Shift each axis for itself.
+        studio.mouseDrag({140, 110}, {160, 125});
+        QCOMPARE(studio.model.transform()->scaleX, 2.0);
+        QCOMPARE(studio.model.transform()->scaleY, 2.0);
+        studio.mouseDrag({160, 125}, {140, 125}, Qt::ShiftModifier);
+        QCOMPARE(studio.model.transform()->scaleX, 1.0);
+        QCOMPARE(studio.model.transform()->scaleY, 2.0);
+        // The rotate handle stands 28 points above the top edge, at y 65.
+        studio.mouseDrag({120, 37}, {170, 90}, Qt::ShiftModifier);
+        QCOMPARE(studio.model.transform()->angle, 90.0);
+        studio.model.updateTransform([](TransformState& state) { state.scaleY = 1; });
+        studio.model.applyTransform();
+        QCOMPARE(*studio.layer().contentBounds(), (IRect{105, 75, 30, 40}));
     }
-}
 
-void tst_CanvasTools::textBecomesALayer() {
-    Studio studio;
-    studio.model.selectAll();
-    const auto selection = studio.doc().selection;
-    TextSpec spec;
-    spec.text = QStringLiteral("Words in two lines\nand more than 24 letters");
-    spec.size = 20;
-    studio.model.placeText(spec, {50, 40});
-    QCOMPARE(studio.layer().name, QStringLiteral("Text: Words in two lines and m").left(30));
-    QCOMPARE(studio.doc().undoName(), QStringLiteral("Text"));
-    QCOMPARE(studio.doc().selection, selection);
-    const IRect bounds = *studio.layer().contentBounds();
-    QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
-             qPrintable(bounds.description()));
-    studio.model.undo();
-    QCOMPARE(studio.doc().layerCount(), int64_t{2});
-    spec.text = QStringLiteral(" \n\t ");
-    studio.model.placeText(spec, {50, 40});
-    QCOMPARE(studio.model.hud(), QStringLiteral("Type some text first"));
-    QCOMPARE(studio.doc().layerCount(), int64_t{2});
-    // Escape and Return end the typing before they mean the sheet.
-    TextSheet sheet(studio.model, {50, 40}, nullptr);
-    sheet.show();
-    sheet.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&sheet));
-    auto* words = sheet.findChild<QPlainTextEdit*>();
-    QTest::keyClicks(words, QStringLiteral("two"));
-    QTest::keyClick(words, Qt::Key_Return);
-    QTest::keyClicks(words, QStringLiteral("lines"));
-    QTest::keyClick(words, Qt::Key_Escape);
-    auto* size = sheet.findChild<QDoubleSpinBox*>();
-    size->setFocus();
-    size->selectAll();
-    QTest::keyClicks(size, QStringLiteral("24"));
-    QTest::keyClick(size, Qt::Key_Return);
-    QVERIFY(sheet.isVisible() && size->value() == 24);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    QCOMPARE(studio.layer().name, QStringLiteral("Text: two lines"));
-}
+    void handlesAndAntsAreDrawnWhereTheyAct() {
+        SquareStudio studio;
+        studio.model.beginTransform();
+        for (const double zoom : {1.0, 2.0}) {
+            studio.canvas.setZoom(zoom);
+            const QPointF handle = studio.widgetPoint({120, 80}) - QPointF(0, 28);
+            const QColor drawn = studio.canvas.grab().toImage().pixelColor(handle.toPoint());
+            QVERIFY2(drawn.red() > 180 && drawn.green() < 80, qPrintable(drawn.name()));
+        }
+        studio.model.cancelTransform();
+        studio.canvas.setZoom(1);
+        studio.model.setTool(Tool::selectRect);
+        studio.mouseDrag({100, 100}, {300, 200});
+        studio.pointerLeaves();
+        for (const double zoom : {1.0, 2.0}) {
+            studio.canvas.setZoom(zoom);
+            const QPoint edge = studio.widgetPoint({100, 150}).toPoint();
+            const QImage shown = studio.canvas.grab({edge - QPoint(1, 0), QSize(3, 16)}).toImage();
+            int dark = 0;
+            for (int y = 0; y < shown.height(); ++y) dark += qGray(shown.pixel(1, y)) < 128;
+            QVERIFY2(dark >= 4, qPrintable(QString::number(dark))); // of dashes on white paper
+        }
+        studio.mouseDrag({250, 150}, {252, 152}); // four points on the screen are a drag
+        QCOMPARE(studio.doc().selection->bounds(), (IRect{250, 150, 2, 2}));
+    }
 
-void tst_CanvasTools::theTextSheetPlacesWhatItsControlsSay() {
-    Studio studio;
-    studio.model.swapColors();
-    TextSpec spec;
-    spec.text = QStringLiteral("Ab\nAbc");
-    spec.fontFamily = QStringLiteral("Inter");
-    spec.size = 44;
-    spec.bold = false;
-    spec.italic = true;
-    spec.alignment = 2;
-    spec.color = studio.model.primary();
-    spec.outline = true;
-    spec.outlineColor = studio.model.secondary();
-    spec.outlineWidth = 3;
-    TextSheet sheet(studio.model, {50, 40}, nullptr);
-    sheet.findChild<QPlainTextEdit*>()->setPlainText(spec.text);
-    const auto choices = sheet.findChildren<QComboBox*>();
-    choices[0]->setCurrentText(spec.fontFamily);
-    choices[1]->setCurrentIndex(spec.alignment);
-    const auto numbers = sheet.findChildren<QDoubleSpinBox*>();
-    numbers[0]->setValue(spec.size);
-    numbers[1]->setValue(spec.outlineWidth);
-    const auto boxes = sheet.findChildren<QCheckBox*>();
-    boxes[0]->setChecked(spec.bold);
-    boxes[1]->setChecked(spec.italic);
-    boxes[2]->setChecked(spec.outline);
-    Q_EMIT sheet.findChild<QDialogButtonBox*>()->accepted();
-    const auto placed = studio.layer().toBuffer();
-    studio.model.undo();
-    studio.model.placeText(spec, {50, 40});
-    QVERIFY(!studio.layer().isEmpty());
-    QCOMPARE(firstDifference(*placed, *studio.layer().toBuffer()), QString());
-}
+    void arrowsNudge() {
+        SquareStudio studio;
+        studio.model.setTool(Tool::move);
+        studio.key(Qt::Key_Left);
+        studio.key(Qt::Key_Down, {}, Qt::ShiftModifier);
+        studio.key(Qt::Key_Return);
+        QCOMPARE(*studio.layer().contentBounds(), (IRect{99, 90, 40, 30}));
+        studio.model.setTool(Tool::brush);
+        studio.key(Qt::Key_Left);
+        QVERIFY(!studio.model.transform());
+    }
+
+    void nothingToMoveIsTold() {
+        Studio studio;
+        for (const bool elsewhere : {false, true}) {
+            if (elsewhere) {
+                studio.fill(kSquare);
+                studio.select({0, 0, 20, 20});
+            }
+            studio.model.flash({});
+            studio.model.beginTransform();
+            QCOMPARE(studio.model.hud(), "Nothing to move on this layer");
+            QVERIFY(!studio.model.transform());
+        }
+        QVERIFY(studio.doc().selection);
+        QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+    }
+
+    void liftedPixelsAreShownAsOneImage() {
+        const auto doc = randomDocument(600, 500, 1, 7);
+        const Floating floating{doc->layers()[0], {30, 20, 510, 430}, {}};
+        const auto whole = floating.picture(floating.origin);
+        const auto drawn = [](const auto& draw) {
+            QImage device(200, 150, QImage::Format_RGBA8888_Premultiplied);
+            device.fill(Qt::transparent);
+            QPainter painter(&device);
+            draw(painter);
+            return device;
+        };
+        FloatingImage shown; // each view takes up what the last one had
+        const QTransform views[] = {QTransform(3, 0, 0, 3, -900, -700), QTransform(3, 0, 0, 3, -930, -640),
+                                    QTransform(1, 0, 0, 1, 150, 100),   QTransform(1, 0, 0, 1, -480, -350),
+                                    QTransform(1, 0, 0, 1, -900, 0),    QTransform(-1, 0, 0, 2, 300, -500)};
+        for (const QTransform& view : views) {
+            const QImage got = drawn([&](QPainter& painter) { shown.paint(painter, floating, view); });
+            QCOMPARE(got, drawn([&](QPainter& painter) {
+                         painter.setTransform(view);
+                         painter.drawImage(0, 0, whole->makeImage());
+                     }));
+        }
+        // From afar a pixel is the mean of what it covers, in the corner of as much as there is.
+        const QImage far = drawn(
+            [&](QPainter& painter) { shown.paint(painter, floating, QTransform::fromScale(0.25, 0.25)); });
+        for (const QPoint at : {QPoint(0, 0), QPoint(100, 60), QPoint(127, 107)}) {
+            int sums[4] = {8, 8, 8, 8};
+            for (int i = 0; i < 64; ++i)
+                sums[i % 4] += whole->pixel(at.x() * 4 + i / 4 % 4,
+                                            at.y() * 4 + i / 16)[static_cast<std::size_t>(i % 4)];
+            for (int c = 0; c < 4; ++c)
+                QCOMPARE(int(far.constScanLine(at.y())[at.x() * 4 + c]), sums[c] / 16);
+        }
+    }
+
+    void textBecomesALayer() {
+        Studio studio;
+        studio.model.selectAll();
+        const auto selection = studio.doc().selection;
+        TextSpec spec;
+        spec.text = "Words in two lines\nand more than 24 letters";
+        spec.size = 20;
+        studio.model.placeText(spec, {50, 40});
+        QCOMPARE(studio.layer().name, QStringLiteral("Text: Words in two lines and m").left(30));
+        QCOMPARE(studio.doc().undoName(), "Text");
+        QCOMPARE(studio.doc().selection, selection);
+        const IRect bounds = *studio.layer().contentBounds();
+        QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
+                 qPrintable(bounds.description()));
+        studio.model.undo();
+        QCOMPARE(studio.doc().layerCount(), int64_t{2});
+        spec.text = " \n\t ";
+        studio.model.placeText(spec, {50, 40});
+        QCOMPARE(studio.model.hud(), "Type some text first");
+        QCOMPARE(studio.doc().layerCount(), int64_t{2});
+    }
+
+    void theTextSheetPlacesWhatItsControlsSay() {
+        Studio studio;
+        studio.model.swapColors();
+        TextSpec spec;
+        spec.text = "Ab\nAbc";
+        spec.fontFamily = "Inter";
+        spec.size = 44;
+        spec.bold = false;
+        spec.italic = true;
+        spec.alignment = 2;
+        spec.color = studio.model.primary();
+        spec.outline = true;
+        spec.outlineColor = studio.model.secondary();
+        spec.outlineWidth = 3;
+        TextSheet sheet(studio.model, {50, 40}, nullptr);
+        sheet.show();
+        sheet.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&sheet));
+        const auto choices = sheet.findChildren<QComboBox*>();
+        choices[0]->setCurrentText(spec.fontFamily);
+        choices[1]->setCurrentIndex(spec.alignment);
+        const auto numbers = sheet.findChildren<QDoubleSpinBox*>();
+        numbers[1]->setValue(spec.outlineWidth);
+        const auto boxes = sheet.findChildren<QCheckBox*>();
+        boxes[0]->setChecked(spec.bold);
+        boxes[1]->setChecked(spec.italic);
+        boxes[2]->setChecked(spec.outline);
+        // Escape and Return end the typing before they mean the sheet.
+        auto* words = sheet.findChild<QPlainTextEdit*>();
+        QTest::keyClicks(words, "Ab");
+        QTest::keyClick(words, Qt::Key_Return);
+        QTest::keyClicks(words, "Abc");
+        QTest::keyClick(words, Qt::Key_Escape);
+        numbers[0]->setFocus();
+        numbers[0]->selectAll();
+        QTest::keyClicks(numbers[0], "44");
+        QTest::keyClick(numbers[0], Qt::Key_Return);
+        QVERIFY(sheet.isVisible() && numbers[0]->value() == 44);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        const auto placed = studio.layer().toBuffer();
+        studio.model.undo();
+        studio.model.placeText(spec, {50, 40});
+        QVERIFY(!studio.layer().isEmpty());
+        QCOMPARE(firstDifference(*placed, *studio.layer().toBuffer()), QString());
+    }
+};
 
 QIRN_TEST(tst_CanvasTools)
 #include "tst_CanvasTools.moc"

@@ -28,7 +28,7 @@ private Q_SLOTS:
     void aFileThatTheEndingLeadsToIsNotReplacedUnasked() {
         QFETCH(bool, replaces);
         QTemporaryDir folder;
-        writeFile(folder.filePath(QStringLiteral("a.b.png")), "there already");
+        writeFile(folder.filePath("a.b.png"), "there already");
         int asked = 0, shown = 0;
         QTimer person; // does the next thing whenever a window waits for it
         connect(&person, &QTimer::timeout, this, [&] {
@@ -38,16 +38,16 @@ private Q_SLOTS:
                 box->buttons()[replaces ? 0 : 1]->click();
             } else if (auto* panel = qobject_cast<QDialog*>(window)) {
                 if (++shown > 1) return panel->reject();
-                panel->findChild<QLineEdit*>()->setText(folder.filePath(QStringLiteral("a.b")));
+                panel->findChild<QLineEdit*>()->setText(folder.filePath("a.b"));
                 panel->accept();
             }
         });
         person.start(1);
-        const FileType png{QStringLiteral("PNG"), {QStringLiteral("png")}};
-        const auto path = QtDesktop().saveFile(QStringLiteral("x"), {png}, QStringLiteral("Export"));
+        const FileType png{"PNG", {"png"}};
+        const auto path = QtDesktop().saveFile("x", {png}, "Export");
         QCOMPARE(asked, 1);
         QCOMPARE(path.has_value(), replaces);
-        if (replaces) QCOMPARE(*path, folder.filePath(QStringLiteral("a.b.png")));
+        if (replaces) QCOMPARE(*path, folder.filePath("a.b.png"));
     }
 };
 

@@ -2,8 +2,8 @@
 #include "BackgroundQueue.h"
 #include "Recovery.h"
 #include "formats/native/PaintFile.h"
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "support/Files.h"
 #include "support/NativeFiles.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
@@ -22,20 +22,19 @@ namespace {
 
 constexpr auto kWait = Recovery::Synchronously::yes;
 
-void put(const QString& path, const QByteArray& bytes) {
-    writeAtomically(path, bytesOf(bytes));
-}
-
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-std::unique_ptr<DocSession> changedSession(const QString& name = QStringLiteral("Ébauche ✏️")) {
+std::unique_ptr<DocSession> changedSession(const QString& name = "Ébauche ✏️") {
     auto document = richDocument();
-    document->commit(QStringLiteral("Paint"));
+    document->commit("Paint");
     return std::make_unique<DocSession>(std::move(document), name, QUrl(), QUuid::createUuid(),
                                         DocSession::Dirty::yes);
+}
+
+/// What its program leaves behind when it ends with a copy written.
+std::unique_ptr<DocSession> endedSession(const QString& name = "Ébauche ✏️") {
+    auto session = changedSession(name);
+    Recovery::write(*session, kWait);
+    session->copyLock.reset();
+    return session;
 }
 
 QStringList namesIn(const QString& folder) {
@@ -63,243 +62,215 @@ class tst_Recovery : public QObject {
 private Q_SLOTS:
     void init() {
         world_ = std::make_unique<QTemporaryDir>();
-        qputenv("XDG_DATA_HOME", QFile::encodeName(world_->filePath(QStringLiteral("data"))));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(world_->filePath("data")));
     }
     void cleanup() { AppFolders::setBaseOverride({}); }
 
-    void foldersAreMadeWhereTheyBelong();
-    void aCopyOutlivesACrash();
-    void whatAnotherHasOpenIsNotOffered();
-    void theNewestCopyComesFirst();
-    void aCopyWithoutItsRecordIsListed_data();
-    void aCopyWithoutItsRecordIsListed();
-    void whatIsNoCopyIsIgnored();
-    void aDiscardComesAfterAPendingWrite();
-    void aDamagedCopyIsListedAndRefusedInWords();
-    void aFailedWriteIsLoggedAndNothingElse();
-    void unsavedWorkGoesToTheTrashUnderItsName();
+    void foldersAreMadeWhereTheyBelong() {
+        const QString other = world_->filePath("other");
+        AppFolders::setBaseOverride(other);
+        Recovery::write(*changedSession(), kWait);
+        QVERIFY(!QDir(world_->filePath("data")).exists());
+        for (const QString& base : {other, world_->filePath("data/Qirn Paint")}) {
+            QCOMPARE(AppFolders::autosave(), base + "/Autosave");
+            QVERIFY(QDir(base + "/Autosave").exists());
+            QCOMPARE(AppFolders::brushesFile(), base + "/My Brushes.json");
+            QCOMPARE(AppFolders::palettesFile(), base + "/My Palettes.json");
+            AppFolders::setBaseOverride({});
+        }
+    }
+
+    void aCopyOutlivesACrash() {
+        auto session = changedSession();
+        const QUuid id = session->id;
+        const uint64_t committed = session->doc().fingerprint();
+        session->fileURL = QUrl::fromLocalFile("/home/a b/Sea.qirnpaint");
+        const auto paint = [&](int at) {
+            paintRect(session->doc(), session->doc().layer(0), {at, at, 100, 100}, {9, 8, 7, 255});
+        };
+        paint(0); // a stroke under way, which the copy leaves out
+        Recovery::write(*session, Recovery::Synchronously::no);
+        for (int i = 0; i < 50; ++i) { // and what is painted while it is written
+            paint(i);
+            session->doc().commit("Paint");
+        }
+        BackgroundQueue::finish();
+        QVERIFY(session->lastAutosave.isValid());
+        const QString upper = id.toString(QUuid::WithoutBraces).toUpper();
+        QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".lock", upper + ".qirnpaint"}));
+        const QByteArray text = bytesAt(Recovery::infoURL(id));
+        QVERIFY2(
+            text.startsWith(
+                "{\"name\":\"Ébauche ✏️\",\"originalPath\":\"/home/a b/Sea.qirnpaint\",\"date\":\"20"),
+            text.constData());
+        QVERIFY2(text.endsWith("Z\",\"width\":300,\"height\":200,\"layers\":3}"), text.constData());
+        session.reset(); // never closed
+
+        const std::vector<Recovery::Item> items = Recovery::pending({});
+        QCOMPARE(items.size(), std::size_t{1});
+        QCOMPARE(items[0].id, id);
+        QCOMPARE(items[0].info.name, "Ébauche ✏️");
+        QCOMPARE(items[0].info.originalPath, "/home/a b/Sea.qirnpaint");
+        QCOMPARE(QList<int64_t>({items[0].info.width, items[0].info.height, items[0].info.layers}),
+                 QList<int64_t>({300, 200, 3}));
+        QVERIFY(items[0].info.date.secsTo(QDateTime::currentDateTime()) < 60);
+        QCOMPARE(items[0].thumbnail().size(), QSize(300, 200));
+        const SessionRef restored = Recovery::restore(items[0]);
+        QCOMPARE(restored->doc().fingerprint(), committed);
+        QCOMPARE(restored->name, "Ébauche ✏️ (recovered)");
+        QVERIFY(restored->isDirty() && restored->fileURL.isEmpty());
+        QCOMPARE(restored->id, id); // so that later copies replace this one
+        QCOMPARE(copiesOnDisk().size(), 3);
+    }
+
+    void whatAnotherHasOpenIsNotOffered() {
+        // Whoever asks here is to the lock as another program would be.
+        const auto open = changedSession();
+        auto lost = changedSession("Lost");
+        const QUuid id = lost->id;
+        for (const auto& session : {std::cref(open), std::cref(lost)}) Recovery::write(*session.get(), kWait);
+        QVERIFY(Recovery::pending({}).empty());
+        lost.reset();
+        writeFile(AppFolders::autosave() + "/killed before its copy.lock", {});
+        QVERIFY(Recovery::pending({id}).empty());
+        auto items = Recovery::pending({});
+        QCOMPARE(items.size(), std::size_t{1});
+        QCOMPARE(items[0].id, id);
+        QVERIFY(Recovery::pending({}).empty()); // one program offers it at a time
+        SessionRef restored = Recovery::restore(items[0]);
+        QVERIFY(Recovery::isUpToDate(*restored));
+        items.clear();
+        QVERIFY(Recovery::pending({}).empty());
+        QCOMPARE(copiesOnDisk().filter(".lock").size(), 2);
+
+        // A picture whose copy another has got hold of writes no more over it.
+        auto other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
+        QVERIFY(!other);
+        restored->copyLock.reset();
+        other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
+        QVERIFY(other && other->isHeld());
+        const QByteArray copy = bytesAt(Recovery::fileURL(id));
+        paintRect(restored->doc(), restored->doc().layer(0), {0, 0, 9, 9}, {9, 8, 7, 255});
+        restored->doc().commit("Paint");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Qirn Paint autosave failed: "));
+        Recovery::write(*restored, kWait);
+        QVERIFY(!Recovery::isUpToDate(*restored));
+        QCOMPARE(bytesAt(Recovery::fileURL(id)), copy);
+    }
+
+    void theNewestCopyComesFirst() {
+        const auto session = endedSession();
+        for (const char* date : {"2004-05-01T00:00:00Z", "2036-01-01T00:00:00Z", "2005-12-31T23:59:59Z"}) {
+            const QUuid id = QUuid::createUuid();
+            writeFile(Recovery::fileURL(id), bytesAt(Recovery::fileURL(session->id)));
+            writeFile(Recovery::infoURL(id), QByteArray("{\"layers\":1,\"name\":\"") + date +
+                                                 "\",\"date\":\"" + date + "\",\"width\":1,\"height\":1}");
+        }
+        QStringList years;
+        for (const auto& item : Recovery::pending({})) years << item.info.name.left(4);
+        QCOMPARE(years, QStringList({"2036", "Ébau", "2005", "2004"}));
+    }
+
+    void aCopyWithoutItsRecordIsListed() {
+        for (const char* record :
+             {"", "{}", "{\"name\":\"x\",\"date\":\"2026-01-",
+              "{\"name\":7,\"date\":\"2026-01-01T00:00:00Z\",\"width\":1,\"height\":1,\"layers\":1}",
+              "{\"name\":\"x\",\"date\":\"\",\"width\":1,\"height\":1,\"layers\":1}"}) {
+            init();
+            const auto session = endedSession();
+            QVERIFY(QFile::remove(Recovery::infoURL(session->id)));
+            if (*record) writeFile(Recovery::infoURL(session->id), record);
+            QFile copy(Recovery::fileURL(session->id));
+            const QDateTime then(QDate(2025, 6, 7), QTime(8, 9, 10));
+            QVERIFY(copy.open(QIODevice::ReadWrite) &&
+                    copy.setFileTime(then, QFileDevice::FileModificationTime));
+            copy.close();
+
+            const auto items = Recovery::pending({});
+            QVERIFY2(items.size() == 1 && items[0].info.name == "Recovered picture", record);
+            QVERIFY(!items[0].info.originalPath);
+            QCOMPARE(items[0].info.date, then);
+            QCOMPARE(items[0].info.width + items[0].info.height + items[0].info.layers, 0);
+            QVERIFY(!items[0].thumbnail().isNull());
+            QCOMPARE(Recovery::restore(items[0])->doc().fingerprint(), session->doc().fingerprint());
+        }
+    }
+
+    void whatIsNoCopyIsIgnored() {
+        const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+        for (const QString& name :
+             QStringList{"My picture.qirnpaint", '{' + id + "}.qirnpaint", id + ".old.qirnpaint", id + ".png",
+                         id + ".json", id, ".qirnpaint", id.left(35) + ".qirnpaint"}) {
+            writeFile(AppFolders::autosave() + '/' + name, "x");
+        }
+        QVERIFY(QDir(AppFolders::autosave()).mkdir(id + ".qirnpaint"));
+        QVERIFY(Recovery::pending({}).empty());
+        QVERIFY(QDir(AppFolders::autosave()).removeRecursively());
+        QVERIFY(Recovery::pending({}).empty());
+    }
+
+    void aDiscardComesAfterAPendingWrite() {
+        const auto session = std::make_unique<DocSession>(randomDocument(1200, 900, 4, 3), "Large");
+        for (int i = 0; i < 3; ++i) Recovery::write(*session, Recovery::Synchronously::no);
+        Recovery::discard(session->id);
+        session->copyLock.reset();
+        QCOMPARE(copiesOnDisk(), QStringList());
+    }
+
+    void aDamagedCopyIsListedAndRefusedInWords() {
+        const QString path = Recovery::fileURL(endedSession()->id);
+        writeFile(path, bytesAt(path).left(200));
+        const Recovery::Item item = Recovery::pending({})[0];
+        QVERIFY(item.thumbnail().isNull());
+        QCOMPARE(errorOf(item), damaged("manifest size"));
+        QVERIFY(QFile::remove(path)); // gone since the list was made
+        QVERIFY(item.thumbnail().isNull());
+        QVERIFY(errorOf(item).contains("No such file"));
+    }
+
+    void aFailedWriteIsLoggedAndNothingElse() {
+        AppFolders::setBaseOverride(world_->filePath("full"));
+        writeFile(world_->filePath("full"), "a file where the folder should be");
+        const auto session = changedSession();
+        QTest::ignoreMessage(QtWarningMsg, "Qirn Paint autosave failed: The folder does not exist.");
+        Recovery::write(*session, kWait);
+        QCOMPARE(session->autosavedChange, session->doc().changeCount()); // not again before the next change
+        QVERIFY(!Recovery::isUpToDate(*session));
+        Recovery::discard(session->id);
+        QVERIFY(Recovery::pending({}).empty());
+    }
+
+    void unsavedWorkGoesToTheTrashUnderItsName() {
+        const auto session = changedSession("A/B");
+        session->fileURL = QUrl::fromLocalFile("/home/a b/old.qirnpaint");
+        Recovery::moveToTrash(*session); // there was no copy yet
+        session->copyLock.reset();
+        QCOMPARE(copiesOnDisk(), QStringList());
+        const QString name = QStringLiteral("A-B (autosaved %1)")
+                                 .arg(QLocale().toString(session->lastAutosave, "d MMM hh.mm"));
+        const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + "/Trash";
+        QCOMPARE(namesIn(trash + "/files"), QStringList(name + ".qirnpaint"));
+        QCOMPARE(PaintFile::decode(bytesOf(bytesAt(trash + "/files/" + name + ".qirnpaint")))->fingerprint(),
+                 session->doc().fingerprint());
+        QVERIFY(
+            bytesAt(trash + "/info/" + name + ".qirnpaint.trashinfo").contains("Path=/home/a%20b/A-B%20%28"));
+
+        // As it was when its program ended, at the time of that copy, where pictures are.
+        endedSession("Lost");
+        Recovery::Item item = Recovery::pending({})[0];
+        item.info.date = QDateTime(QDate(2025, 11, 22), QTime(0, 30));
+        Recovery::moveToTrash(item);
+        const QString lostName = QStringLiteral("Lost (autosaved %1).qirnpaint")
+                                     .arg(QLocale().toString(item.info.date, "d MMM hh.mm"));
+        QVERIFY(namesIn(trash + "/files").contains(lostName));
+        const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+        QVERIFY(bytesAt(trash + "/info/" + lostName + ".trashinfo")
+                    .contains("Path=" + pictures.toUtf8().toPercentEncoding("/") + "/Lost"));
+    }
 
 private:
     std::unique_ptr<QTemporaryDir> world_;
 };
-
-void tst_Recovery::foldersAreMadeWhereTheyBelong() {
-    const QString other = world_->filePath(QStringLiteral("other"));
-    AppFolders::setBaseOverride(other);
-    Recovery::write(*changedSession(), kWait);
-    QVERIFY(!QDir(world_->filePath(QStringLiteral("data"))).exists());
-    for (const QString& base : {other, world_->filePath(QStringLiteral("data/Qirn Paint"))}) {
-        QCOMPARE(AppFolders::autosave(), base + "/Autosave");
-        QVERIFY(QDir(base + "/Autosave").exists());
-        QCOMPARE(AppFolders::brushesFile(), base + "/My Brushes.json");
-        QCOMPARE(AppFolders::palettesFile(), base + "/My Palettes.json");
-        AppFolders::setBaseOverride({});
-    }
-}
-
-void tst_Recovery::aCopyOutlivesACrash() {
-    auto session = changedSession();
-    const QUuid id = session->id;
-    const uint64_t committed = session->doc().fingerprint();
-    session->fileURL = QUrl::fromLocalFile(QStringLiteral("/home/a b/Sea.qirnpaint"));
-    const auto paint = [&](int at) {
-        paintRect(session->doc(), session->doc().layer(0), {at, at, 100, 100}, {9, 8, 7, 255});
-    };
-    paint(0); // a stroke under way, which the copy leaves out
-    Recovery::write(*session, Recovery::Synchronously::no);
-    for (int i = 0; i < 50; ++i) { // and what is painted while it is written
-        paint(i);
-        session->doc().commit(QStringLiteral("Paint"));
-    }
-    BackgroundQueue::finish();
-    QVERIFY(session->lastAutosave.isValid());
-    const QString upper = id.toString(QUuid::WithoutBraces).toUpper();
-    QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".lock", upper + ".qirnpaint"}));
-    const QByteArray text = contentOf(Recovery::infoURL(id));
-    QVERIFY2(text.startsWith(
-                 "{\"name\":\"Ébauche ✏️\",\"originalPath\":\"/home/a b/Sea.qirnpaint\",\"date\":\"20"),
-             text.constData());
-    QVERIFY2(text.endsWith("Z\",\"width\":300,\"height\":200,\"layers\":3}"), text.constData());
-    session.reset(); // never closed
-
-    const std::vector<Recovery::Item> items = Recovery::pending({});
-    QCOMPARE(items.size(), std::size_t{1});
-    QCOMPARE(items[0].id, id);
-    QCOMPARE(items[0].info.name, QStringLiteral("Ébauche ✏️"));
-    QCOMPARE(items[0].info.originalPath, QStringLiteral("/home/a b/Sea.qirnpaint"));
-    QCOMPARE(QList<int64_t>({items[0].info.width, items[0].info.height, items[0].info.layers}),
-             QList<int64_t>({300, 200, 3}));
-    QVERIFY(items[0].info.date.secsTo(QDateTime::currentDateTime()) < 60);
-    QCOMPARE(items[0].thumbnail().size(), QSize(300, 200));
-    const SessionRef restored = Recovery::restore(items[0]);
-    QCOMPARE(restored->doc().fingerprint(), committed);
-    QCOMPARE(restored->name, QStringLiteral("Ébauche ✏️ (recovered)"));
-    QVERIFY(restored->isDirty() && restored->fileURL.isEmpty());
-    QCOMPARE(restored->id, id); // so that later copies replace this one
-    QCOMPARE(copiesOnDisk().size(), 3);
-}
-
-void tst_Recovery::whatAnotherHasOpenIsNotOffered() {
-    // Whoever asks here is to the lock as another program would be.
-    const auto open = changedSession();
-    auto lost = changedSession(QStringLiteral("Lost"));
-    const QUuid id = lost->id;
-    for (const auto& session : {std::cref(open), std::cref(lost)}) Recovery::write(*session.get(), kWait);
-    QVERIFY(Recovery::pending({}).empty());
-    lost.reset();
-    put(AppFolders::autosave() + "/killed before its copy.lock", {});
-    QVERIFY(Recovery::pending({id}).empty());
-    auto items = Recovery::pending({});
-    QCOMPARE(items.size(), std::size_t{1});
-    QCOMPARE(items[0].id, id);
-    QVERIFY(Recovery::pending({}).empty()); // one program offers it at a time
-    SessionRef restored = Recovery::restore(items[0]);
-    QVERIFY(Recovery::isUpToDate(*restored));
-    items.clear();
-    QVERIFY(Recovery::pending({}).empty());
-    QCOMPARE(copiesOnDisk().filter(QStringLiteral(".lock")).size(), 2);
-
-    // A picture whose copy another has got hold of writes no more over it.
-    auto other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
-    QVERIFY(!other);
-    restored->copyLock.reset();
-    other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
-    QVERIFY(other && other->isHeld());
-    const QByteArray copy = contentOf(Recovery::fileURL(id));
-    paintRect(restored->doc(), restored->doc().layer(0), {0, 0, 9, 9}, {9, 8, 7, 255});
-    restored->doc().commit(QStringLiteral("Paint"));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Qirn Paint autosave failed: ")));
-    Recovery::write(*restored, kWait);
-    QVERIFY(!Recovery::isUpToDate(*restored));
-    QCOMPARE(contentOf(Recovery::fileURL(id)), copy);
-}
-
-void tst_Recovery::theNewestCopyComesFirst() {
-    const auto session = changedSession();
-    Recovery::write(*session, kWait);
-    const QByteArray copy = contentOf(Recovery::fileURL(session->id));
-    for (const char* date : {"2024-05-01T00:00:00Z", "2026-01-01T00:00:00Z", "2025-12-31T23:59:59Z"}) {
-        const QUuid id = QUuid::createUuid();
-        put(Recovery::fileURL(id), copy);
-        put(Recovery::infoURL(id), QByteArray("{\"layers\":1,\"name\":\"") + date + "\",\"date\":\"" + date +
-                                       "\",\"width\":1,\"height\":1}");
-    }
-    QStringList names;
-    for (const auto& item : Recovery::pending({session->id})) names << item.info.name;
-    QCOMPARE(names, QStringList({"2026-01-01T00:00:00Z", "2025-12-31T23:59:59Z", "2024-05-01T00:00:00Z"}));
-}
-
-void tst_Recovery::aCopyWithoutItsRecordIsListed_data() {
-    QTest::addColumn<QByteArray>("record");
-    QTest::newRow("none") << QByteArray();
-    QTest::newRow("empty") << QByteArray("{}");
-    QTest::newRow("cut") << QByteArray("{\"name\":\"x\",\"date\":\"2026-01-");
-    QTest::newRow("wrong type") << QByteArray(
-        "{\"name\":7,\"date\":\"2026-01-01T00:00:00Z\",\"width\":1,\"height\":1,\"layers\":1}");
-    QTest::newRow("no date") << QByteArray(
-        "{\"name\":\"x\",\"date\":\"\",\"width\":1,\"height\":1,\"layers\":1}");
-}
-
-void tst_Recovery::aCopyWithoutItsRecordIsListed() {
-    QFETCH(QByteArray, record);
-    const auto session = changedSession();
-    Recovery::write(*session, kWait);
-    session->copyLock.reset();
-    QVERIFY(QFile::remove(Recovery::infoURL(session->id)));
-    if (!record.isEmpty()) put(Recovery::infoURL(session->id), record);
-    QFile copy(Recovery::fileURL(session->id));
-    const QDateTime then(QDate(2025, 6, 7), QTime(8, 9, 10));
-    QVERIFY(copy.open(QIODevice::ReadWrite) && copy.setFileTime(then, QFileDevice::FileModificationTime));
-    copy.close();
-
-    const auto items = Recovery::pending({});
-    QCOMPARE(items.size(), std::size_t{1});
-    QCOMPARE(items[0].info.name, QStringLiteral("Recovered picture"));
-    QVERIFY(!items[0].info.originalPath);
-    QCOMPARE(items[0].info.date, then);
-    QCOMPARE(items[0].info.width + items[0].info.height + items[0].info.layers, 0);
-    QVERIFY(!items[0].thumbnail().isNull());
-    QCOMPARE(Recovery::restore(items[0])->doc().fingerprint(), session->doc().fingerprint());
-}
-
-void tst_Recovery::whatIsNoCopyIsIgnored() {
-    const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    for (const QString& name :
-         QStringList{"My picture.qirnpaint", '{' + id + "}.qirnpaint", id + ".old.qirnpaint", id + ".png",
-                     id + ".json", id, ".qirnpaint", id.left(35) + ".qirnpaint"}) {
-        put(AppFolders::autosave() + '/' + name, "x");
-    }
-    QVERIFY(QDir(AppFolders::autosave()).mkdir(id + ".qirnpaint"));
-    QVERIFY(Recovery::pending({}).empty());
-    QVERIFY(QDir(AppFolders::autosave()).removeRecursively());
-    QVERIFY(Recovery::pending({}).empty());
-}
-
-void tst_Recovery::aDiscardComesAfterAPendingWrite() {
-    const auto session =
-        std::make_unique<DocSession>(randomDocument(1200, 900, 4, 3), QStringLiteral("Large"));
-    for (int i = 0; i < 3; ++i) Recovery::write(*session, Recovery::Synchronously::no);
-    Recovery::discard(session->id);
-    session->copyLock.reset();
-    QCOMPARE(copiesOnDisk(), QStringList());
-}
-
-void tst_Recovery::aDamagedCopyIsListedAndRefusedInWords() {
-    const auto session = changedSession();
-    Recovery::write(*session, kWait);
-    const QString path = Recovery::fileURL(session->id);
-    session->copyLock.reset();
-    const QByteArray whole = contentOf(path);
-    put(path, whole.left(200));
-    const Recovery::Item item = Recovery::pending({})[0];
-    QVERIFY(item.thumbnail().isNull());
-    QCOMPARE(errorOf(item), damaged("manifest size"));
-    QVERIFY(QFile::remove(path)); // gone since the list was made
-    QVERIFY(item.thumbnail().isNull());
-    QVERIFY(errorOf(item).contains(QStringLiteral("No such file")));
-}
-
-void tst_Recovery::aFailedWriteIsLoggedAndNothingElse() {
-    AppFolders::setBaseOverride(world_->filePath(QStringLiteral("full")));
-    put(world_->filePath(QStringLiteral("full")), "a file where the folder should be");
-    const auto session = changedSession();
-    QTest::ignoreMessage(QtWarningMsg, "Qirn Paint autosave failed: The folder does not exist.");
-    Recovery::write(*session, kWait);
-    QCOMPARE(session->autosavedChange, session->doc().changeCount()); // not again before the next change
-    QVERIFY(!Recovery::isUpToDate(*session));
-    Recovery::discard(session->id);
-    QVERIFY(Recovery::pending({}).empty());
-}
-
-void tst_Recovery::unsavedWorkGoesToTheTrashUnderItsName() {
-    const auto session = changedSession(QStringLiteral("A/B"));
-    session->fileURL = QUrl::fromLocalFile(QStringLiteral("/home/a b/old.qirnpaint"));
-    Recovery::moveToTrash(*session); // there was no copy yet
-    session->copyLock.reset();
-    QCOMPARE(copiesOnDisk(), QStringList());
-    const QString name = QStringLiteral("A-B (autosaved %1)")
-                             .arg(QLocale().toString(session->lastAutosave, QStringLiteral("d MMM hh.mm")));
-    const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + "/Trash";
-    QCOMPARE(namesIn(trash + "/files"), QStringList(name + ".qirnpaint"));
-    QCOMPARE(PaintFile::decode(bytesOf(contentOf(trash + "/files/" + name + ".qirnpaint")))->fingerprint(),
-             session->doc().fingerprint());
-    QVERIFY(
-        contentOf(trash + "/info/" + name + ".qirnpaint.trashinfo").contains("Path=/home/a%20b/A-B%20%28"));
-
-    // As it was when its program ended, at the time of that copy, where pictures are.
-    const auto lost = changedSession(QStringLiteral("Lost"));
-    Recovery::write(*lost, kWait);
-    lost->copyLock.reset();
-    Recovery::Item item = Recovery::pending({})[0];
-    item.info.date = QDateTime(QDate(2025, 11, 22), QTime(0, 30));
-    Recovery::moveToTrash(item);
-    const QString lostName = QStringLiteral("Lost (autosaved %1).qirnpaint")
-                                 .arg(QLocale().toString(item.info.date, QStringLiteral("d MMM hh.mm")));
-    QVERIFY(namesIn(trash + "/files").contains(lostName));
-    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    QVERIFY(contentOf(trash + "/info/" + lostName + ".trashinfo")
-                .contains("Path=" + pictures.toUtf8().toPercentEncoding("/") + "/Lost"));
-}
 
 QIRN_TEST(tst_Recovery)
 #include "tst_Recovery.moc"

@@ -18,7 +18,7 @@ using namespace qirn;
 using namespace qirn::test;
 
 namespace {
-const QString kKey = QStringLiteral("qirn.pt.tool");
+const QString kKey = "qirn.pt.tool";
 using Make = void (*)(const QString& path);
 } // namespace
 Q_DECLARE_METATYPE(Make)
@@ -33,7 +33,7 @@ class tst_Store : public QObject {
 private Q_SLOTS:
     void init() {
         folder_ = std::make_unique<QTemporaryDir>();
-        file_ = folder_->filePath(QStringLiteral("Preferences.json"));
+        file_ = folder_->filePath("Preferences.json");
     }
 
     void manyChangesAreOneWrite() {
@@ -82,12 +82,12 @@ private Q_SLOTS:
         QCOMPARE(stat(QFile::encodeName(file_).constData(), &before), 0);
         Store store(file_);
         QVERIFY(!store.json(kKey));
-        store.setText(kKey, QStringLiteral("eraser"));
+        store.setText(kKey, "eraser");
         store.flush();
-        QCOMPARE(Store(file_).text(kKey), QStringLiteral("eraser"));
+        QCOMPARE(Store(file_).text(kKey), "eraser");
         const QDir folder(folder_->path());
-        const QStringList aside = folder.entryList({QStringLiteral("Preferences (unreadable, *).json")},
-                                                   QDir::AllEntries | QDir::System);
+        const QStringList aside =
+            folder.entryList({"Preferences (unreadable, *).json"}, QDir::AllEntries | QDir::System);
         QCOMPARE(aside.size(), 1);
         QCOMPARE(stat(QFile::encodeName(folder.filePath(aside[0])).constData(), &after), 0);
         QCOMPARE(after.st_ino, before.st_ino);
@@ -98,7 +98,7 @@ private Q_SLOTS:
         Store store(file_);
         {
             const FullDisk full;
-            store.setText(kKey, QStringLiteral("eraser"));
+            store.setText(kKey, "eraser");
             store.flush();
             QCOMPARE(stored(), QByteArray("{\"old\":1}"));
         }
@@ -107,13 +107,13 @@ private Q_SLOTS:
     }
 
     void anOlderStoreIsReadOnce() {
-        const QString ini = folder_->filePath(QStringLiteral("Qirn Paint.ini"));
+        const QString ini = folder_->filePath("Qirn Paint.ini");
         const QMap<QString, QByteArray> values{{kKey, "eraser"},
-                                               {QStringLiteral("qirn.pt.textFont"), "Gänsefüßchen; \"A\""},
-                                               {QStringLiteral("qirn.pt.textBold"), "0"},
-                                               {QStringLiteral("qirn.pt.jpegQuality"), "0.80000000000000004"},
-                                               {QStringLiteral("qirn.pt.fill"), "{\"expand\":2}"},
-                                               {QStringLiteral("qirn.pt.colors"), "[{\"r\":"}};
+                                               {"qirn.pt.textFont", "Gänsefüßchen; \"A\""},
+                                               {"qirn.pt.textBold", "0"},
+                                               {"qirn.pt.jpegQuality", "0.80000000000000004"},
+                                               {"qirn.pt.fill", "{\"expand\":2}"},
+                                               {"qirn.pt.colors", "[{\"r\":"}};
         {
             QSettings older(ini, QSettings::IniFormat);
             for (auto value = values.begin(); value != values.end(); ++value)
@@ -127,8 +127,8 @@ private Q_SLOTS:
         QCOMPARE(stored(), taken);
         QSettings(ini, QSettings::IniFormat).setValue(kKey, QByteArray("blur"));
         const Store again(file_, ini);
-        QCOMPARE(again.text(kKey), QStringLiteral("eraser"));
-        QCOMPARE(again.flag(QStringLiteral("qirn.pt.textBold")), std::optional(false));
+        QCOMPARE(again.text(kKey), "eraser");
+        QCOMPARE(again.flag("qirn.pt.textBold"), std::optional(false));
     }
 
     void preferencesAreBroughtIntoTheirRanges() {

@@ -36,7 +36,7 @@ const PaintColor kFirst(1, 0, 0), kLast(0, 0, 1);
     PaintPrefs prefs;
     prefs.autosaveSeconds = 0;
     model.setPrefs(prefs);
-    model.newDocument(64, 64, 72, std::nullopt, QStringLiteral("Kept"));
+    model.newDocument(64, 64, 72, std::nullopt, "Kept");
     canvas.resize(300, 300);
     canvas.show();
     model.fillSelection(kFirst);
@@ -91,14 +91,14 @@ private Q_SLOTS:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(kChild, QStringList{folder.path(), QTest::currentDataTag(), gesture}.join(u'|'));
         program.setProcessEnvironment(environment);
-        program.start(QCoreApplication::applicationFilePath(), {QStringLiteral("tst_SuddenEnd")});
+        program.start(QCoreApplication::applicationFilePath(), {"tst_SuddenEnd"});
         QByteArray said;
         while (!said.contains("painting")) {
             QVERIFY(program.waitForReadyRead(30'000));
             said += program.readAllStandardOutput();
         }
         if (number != 0) {
-            QCOMPARE(QDir(AppFolders::autosave()).entryList({QStringLiteral("*.qirnpaint")}).size(), 1);
+            QCOMPARE(QDir(AppFolders::autosave()).entryList({"*.qirnpaint"}).size(), 1);
             QVERIFY(Recovery::pending({}).empty()); // its picture is open
             QCOMPARE(::kill(static_cast<pid_t>(program.processId()), number), 0);
         }
@@ -112,7 +112,7 @@ private Q_SLOTS:
         PaintDocument expected(64, 64, 72, std::nullopt);
         paintRect(expected, expected.activeLayer(), {0, 0, 64, 64}, {0, 0, 255, 255});
         QCOMPARE(restored->doc().fingerprint(), expected.fingerprint());
-        QVERIFY(Store(AppFolders::storeFile()).json(QStringLiteral("qirn.pt.colors")));
+        QVERIFY(Store(AppFolders::storeFile()).json("qirn.pt.colors"));
         AppFolders::setBaseOverride({});
     }
 };

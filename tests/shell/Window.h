@@ -1,42 +1,25 @@
 #pragma once
-#include "AppFolders.h"
-#include "CanvasView.h"
 #include "DocSession.h"
 #include "MainView.h"
-#include "PaintModel.h"
 #include "QirnKit.h"
-#include "Store.h"
-#include "support/ScriptedDesktop.h"
+#include "support/Studio.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace qirn::test {
 
 /// The real main window in a world of its own, showing a white picture of 400 x 300 named "Test".
-struct Window {
-    struct FolderOverride {
-        explicit FolderOverride(const QString& path) { AppFolders::setBaseOverride(path); }
-        ~FolderOverride() { AppFolders::setBaseOverride({}); }
-    };
-
-    QTemporaryDir folder;
-    FolderOverride base{folder.path()};
-    ScriptedDesktop desktop;
-    Store store;
-    PaintModel model{PaintModel::LoadStores::yes, desktop, store};
+struct Window : OwnWorld {
     MainView view{model};
 
     Window() {
-        model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
+        model.newDocument(400, 300, 72, PaintColor::white(), "Test");
         view.show();
         view.activateWindow();
         [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&view);
     }
 
-    DocSession& session() { return *model.current(); }
-    PaintDocument& doc() { return session().doc(); }
     CanvasView& canvas() { return view.canvas(); }
 
     /// Of two controls of one name, as two tools can have, the one that is shown.

@@ -23,8 +23,7 @@ struct Bench {
     QSignalSpy changed{&slider, &ChromeSlider::valueChanged};
     QSignalSpy finished{&slider, &ChromeSlider::editingFinished};
 
-    Bench(const SliderScale& scale, const SliderFormat& format)
-        : slider(QStringLiteral("Size"), scale, format, &window) {
+    Bench(const SliderScale& scale, const SliderFormat& format) : slider("Size", scale, format, &window) {
         window.resize(240, 200);
         slider.setGeometry(10, 50, 200, 28);
         before.setGeometry(10, 10, 200, 28);
@@ -59,7 +58,7 @@ const SliderScale kSizes{1, 400, 1, true};
 class tst_KitSlider : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { QirnKit::install(QStringLiteral("Qirn Paint")); }
+    void initTestCase() { QirnKit::install("Qirn Paint"); }
 
     void aDragAnnouncesEachValueAndItsEndOnce() {
         Bench b(kPercent, SliderFormat::percent());
@@ -86,15 +85,14 @@ private Q_SLOTS:
         QCOMPARE(b.slider.value(), 0.5);
         b.mouse(QEvent::MouseMove, 120, Qt::ShiftModifier);
         QCOMPARE(b.slider.value(), 0.55);
-        b.mouse(QEvent::MouseButtonRelease, 120, Qt::ShiftModifier);
     }
 
     void showingAValueAnnouncesNothingAndStopsAtTheEnds() {
         Bench b(kSizes, SliderFormat::pixels());
         b.slider.setValue(1000); // a brush can be larger than its slider
-        QCOMPARE(b.slider.valueText(), QStringLiteral("400 px"));
+        QCOMPARE(b.slider.valueText(), "400 px");
         b.slider.setValue(0.2);
-        QCOMPARE(b.slider.valueText(), QStringLiteral("1 px"));
+        QCOMPARE(b.slider.valueText(), "1 px");
         QCOMPARE(b.changed.count() + b.finished.count(), 0);
     }
 
@@ -141,71 +139,61 @@ private Q_SLOTS:
 
     void aNumberIsTypedAfterADoubleClick() {
         Bench b(kPercent, SliderFormat::percent());
+        b.after.setFocus();
         b.mouse(QEvent::MouseButtonDblClick, 100);
         QVERIFY(b.field().isVisible());
-        QTest::keyClicks(&b.field(), QStringLiteral("35 %"));
+        QTest::keyClicks(&b.field(), "35 %");
         QTest::keyClick(&b.field(), Qt::Key_Return);
         QCOMPARE(b.slider.value(), 0.35);
-        QCOMPARE(b.changed.count(), 1);
-        QCOMPARE(b.finished.count(), 1);
-        QVERIFY(!b.field().isVisible());
-        QCOMPARE(QApplication::focusWidget(), &b.before); // the keys go back to where they were
+        QVERIFY(b.changed.count() == 1 && b.finished.count() == 1 && !b.field().isVisible());
+        QCOMPARE(QApplication::focusWidget(), &b.after); // the keys go back to where they were
+        b.mouse(QEvent::MouseButtonDblClick, 100);
+        b.field().setText("33");
+        b.before.setFocus(); // leaving the field takes the number
+        QCOMPARE(b.slider.value(), 0.33);
+        QCOMPARE(b.finished.count(), 2);
+        QCOMPARE(QApplication::focusWidget(), &b.before);
     }
 
     void typingADigitOpensTheFieldAndEscapeLeavesTheValue() {
         Bench b({-180, 180, 1}, SliderFormat::degrees());
         b.slider.setFocus();
-        QTest::keyClicks(&b.slider, QStringLiteral("-"));
+        QTest::keyClicks(&b.slider, "-");
         QVERIFY(b.field().isVisible());
-        QTest::keyClicks(&b.field(), QStringLiteral("45"));
-        QCOMPARE(b.field().text(), QStringLiteral("-45"));
+        QTest::keyClicks(&b.field(), "45");
+        QCOMPARE(b.field().text(), "-45");
         QTest::keyClick(&b.field(), Qt::Key_Return);
         QCOMPARE(b.slider.value(), -45.0);
-        QTest::keyClicks(&b.slider, QStringLiteral("9"));
+        QTest::keyClicks(&b.slider, "9");
         QTest::keyClick(&b.field(), Qt::Key_Escape);
         QCOMPARE(b.slider.value(), -45.0);
         QCOMPARE(b.changed.count(), 1);
     }
 
-    void whatIsTypedIsReadWithUnitsAndRefusedWhenItIsNoNumber_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("expected"); // below the range: nothing
-        QTest::newRow("plain") << "24" << 24.0;
-        QTest::newRow("unit") << "24 px" << 24.0;
-        QTest::newRow("unit without a blank") << "24PX" << 24.0;
-        QTest::newRow("comma") << "12,5" << 12.5;
-        QTest::newRow("above the range") << "9000" << 400.0;
-        QTest::newRow("negative") << "-4" << 1.0;
-        QTest::newRow("empty") << "" << 77.0;
-        QTest::newRow("words") << "big" << 77.0;
-        QTest::newRow("nan") << "nan" << 77.0;
-        QTest::newRow("inf") << "inf" << 77.0;
-    }
     void whatIsTypedIsReadWithUnitsAndRefusedWhenItIsNoNumber() {
-        QFETCH(QString, text);
-        QFETCH(double, expected);
         Bench b(kSizes, SliderFormat::pixels());
-        b.slider.setValue(77);
-        b.mouse(QEvent::MouseButtonDblClick, 100);
-        b.field().setText(text);
-        QTest::keyClick(&b.field(), Qt::Key_Return);
-        QCOMPARE(b.slider.value(), expected);
-    }
-
-    void leavingTheFieldTakesTheNumber() {
-        Bench b(kSizes, SliderFormat::pixels());
-        b.mouse(QEvent::MouseButtonDblClick, 100);
-        b.field().setText(QStringLiteral("33"));
-        b.after.setFocus();
-        QCOMPARE(b.slider.value(), 33.0);
-        QCOMPARE(b.finished.count(), 1);
-        QCOMPARE(QApplication::focusWidget(), &b.after);
+        for (const auto& [text, expected] : {std::pair{"24", 24.0},
+                                             {"24 px", 24.0},
+                                             {"24PX", 24.0},
+                                             {"12,5", 12.5},
+                                             {"9000", 400.0},
+                                             {"-4", 1.0},
+                                             {"", 77.0},
+                                             {"big", 77.0},
+                                             {"nan", 77.0},
+                                             {"inf", 77.0}}) {
+            b.slider.setValue(77);
+            b.mouse(QEvent::MouseButtonDblClick, 100);
+            b.field().setText(text);
+            QTest::keyClick(&b.field(), Qt::Key_Return);
+            QVERIFY2(b.slider.value() == expected, text);
+        }
     }
 
     void zeroIsNeverShownAsNegative() {
-        QCOMPARE(SliderFormat::degrees().text(-0.2), QStringLiteral("0°"));
-        QCOMPARE(SliderFormat::plain(1).text(-0.04), QStringLiteral("0.0"));
-        QCOMPARE(SliderFormat::percent().text(0.335), QStringLiteral("34%"));
+        QCOMPARE(SliderFormat::degrees().text(-0.2), "0°");
+        QCOMPARE(SliderFormat::plain(1).text(-0.04), "0.0");
+        QCOMPARE(SliderFormat::percent().text(0.335), "34%");
     }
 
     void aScreenReaderFindsNameValueAndLimits() {
@@ -214,8 +202,8 @@ private Q_SLOTS:
         QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&b.slider);
         QVERIFY(access);
         QCOMPARE(access->role(), QAccessible::Slider);
-        QCOMPARE(access->text(QAccessible::Name), QStringLiteral("Size"));
-        QCOMPARE(access->text(QAccessible::Value), QStringLiteral("24 px"));
+        QCOMPARE(access->text(QAccessible::Name), "Size");
+        QCOMPARE(access->text(QAccessible::Value), "24 px");
         QVERIFY(access->valueInterface());
         QCOMPARE(access->valueInterface()->maximumValue().toDouble(), 400.0);
         access->valueInterface()->setCurrentValue(50);
@@ -225,7 +213,7 @@ private Q_SLOTS:
 
     void aSwitchIsPressedByItsLabelAndByTheKeyboard() {
         QWidget window;
-        ChromeToggle toggle(QStringLiteral("Smooth edges"), &window);
+        ChromeToggle toggle("Smooth edges", &window);
         toggle.resize(toggle.sizeHint());
         window.show();
         const auto knobAt = [&toggle](int x) {
@@ -239,8 +227,7 @@ private Q_SLOTS:
         toggle.setFocus();
         QTest::keyClick(&toggle, Qt::Key_Space);
         QVERIFY(!toggle.isChecked());
-        QCOMPARE(QAccessible::queryAccessibleInterface(&toggle)->text(QAccessible::Name),
-                 QStringLiteral("Smooth edges"));
+        QCOMPARE(QAccessible::queryAccessibleInterface(&toggle)->text(QAccessible::Name), "Smooth edges");
     }
 };
 

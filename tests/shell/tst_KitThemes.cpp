@@ -3,8 +3,6 @@
 #include "QirnThemes.h"
 #include "support/TestMain.h"
 
-#include <map>
-
 #include <QApplication>
 
 using namespace qirn;
@@ -15,43 +13,12 @@ double contrast(const QColor& a, const QColor& b) {
     return QirnTheme::RGB::of(a).contrast(QirnTheme::RGB::of(b));
 }
 
-struct TextOn {
-    const char* what;
-    QColor text;
-    QColor surface;
-};
-
-/// Every text of the chrome on every surface that it stands on.
-std::vector<TextOn> textsOf(const ChromeColors& c) {
-    return {
-        {"text on canvas", c.text, c.canvas},
-        {"text on panel", c.text, c.panel},
-        {"text on bar", c.text, c.bar},
-        {"text on popup", c.text, c.popup},
-        {"text on raised", c.text, c.raised},
-        {"text on hover", c.text, c.hover},
-        {"text on pressed", c.text, c.pressed},
-        {"text on well", c.text, c.well},
-        {"text on level", c.text, c.level},
-        {"text on selected", c.text, c.selected},
-        {"dim on canvas", c.dim, c.canvas},
-        {"dim on panel", c.dim, c.panel},
-        {"dim on bar", c.dim, c.bar},
-        {"dim on popup", c.dim, c.popup},
-        {"dim on raised", c.dim, c.raised},
-        {"dim on well", c.dim, c.well},
-        {"dim on level", c.dim, c.level},
-        {"on accent", c.onAccent, c.accent},
-        {"on accent hover", c.onAccent, c.accentHover},
-    };
-}
-
 } // namespace
 
 class tst_KitThemes : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { QirnKit::install(QStringLiteral("Qirn Paint")); }
+    void initTestCase() { QirnKit::install("Qirn Paint"); }
 
     void contrastIsThatOfTheStandard() {
         const auto black = QirnTheme::RGB::fromHex(0x000000), white = QirnTheme::RGB::fromHex(0xFFFFFF);
@@ -64,47 +31,29 @@ private Q_SLOTS:
         QVERIFY(qAbs(QirnTheme::RGB::fromHex(0xFF0000).luminance() - 0.2126) < 1e-9);
     }
 
-    void aFirstRunShowsCobaltGunmetal() {
-        QCOMPARE(QirnThemes::currentID(), QStringLiteral("cobalt-gunmetal"));
-        QCOMPARE(QirnThemes::current().name, QStringLiteral("Cobalt Gunmetal"));
-        const QrKitTheme theme = QirnThemes::current().kitTheme();
-        QCOMPARE(theme.panelTop, QColor(0x35, 0x3C, 0x48));
-        QCOMPARE(theme.accent, QColor(0x2F, 0x7B, 0xF2));
-        QCOMPARE(theme.rim.alpha(), 64);
-        QCOMPARE(theme.text.alpha(), 255);
-    }
-
-    void theBuiltInFamiliesAreComplete() {
-        std::map<QirnTheme::Family, int> count;
-        for (const QirnTheme& theme : QirnThemes::builtIn()) ++count[theme.family];
-        using F = QirnTheme::Family;
-        const std::map<F, int> expected{{F::masculine, 2}, {F::feminine, 2}, {F::black, 1}, {F::gray, 1}};
-        QVERIFY(count == expected);
-    }
-
     void aRegisteredThemeIsFoundAndNeverReplacesAKnownOne() {
-        QirnTheme mine = QirnThemes::named(QStringLiteral("rose-gold"));
-        mine.name = QStringLiteral("Not this one");
+        QirnTheme mine = QirnThemes::named("rose-gold");
+        mine.name = "Not this one";
         QirnTheme fresh = mine;
-        fresh.id = QStringLiteral("fresh");
-        fresh.name = QStringLiteral("Fresh");
+        fresh.id = "fresh";
+        fresh.name = "Fresh";
         const QirnTheme list[] = {mine, fresh, fresh};
         QirnThemes::registerThemes(list);
-        QCOMPARE(QirnThemes::named(QStringLiteral("rose-gold")).name, QStringLiteral("Rose Gold"));
-        QCOMPARE(QirnThemes::named(QStringLiteral("fresh")).name, QStringLiteral("Fresh"));
+        QCOMPARE(QirnThemes::named("rose-gold").name, "Rose Gold");
+        QCOMPARE(QirnThemes::named("fresh").name, "Fresh");
         QCOMPARE(QirnThemes::builtIn().size(), std::size_t(6));
     }
 
     void theChosenThemeLivesInTheStoreAndAnUnknownOneIsTheDefault() {
-        QString stored = QStringLiteral("midnight-black");
+        QString stored = "midnight-black";
         QirnThemes::useStore({[&] { return stored; }, [&](const QString& id) { stored = id; }});
-        QCOMPARE(QirnThemes::current().name, QStringLiteral("Midnight Black"));
-        QirnThemes::setCurrentID(QStringLiteral("brushed-gray"));
-        QCOMPARE(stored, QStringLiteral("brushed-gray"));
+        QCOMPARE(QirnThemes::current().name, "Midnight Black");
+        QirnThemes::setCurrentID("brushed-gray");
+        QCOMPARE(stored, "brushed-gray");
         QirnKit::applyTheme();
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x45, 0x48, 0x4E));
-        stored = QStringLiteral("gone");
-        QCOMPARE(QirnThemes::current().id, QStringLiteral("cobalt-gunmetal"));
+        stored = "gone";
+        QCOMPARE(QirnThemes::current().id, "cobalt-gunmetal");
         QirnThemes::useStore({});
         QirnKit::applyTheme();
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x1C, 0x21, 0x29));
@@ -117,11 +66,17 @@ private Q_SLOTS:
     void everyTextCanBeReadInEveryTheme() {
         QFETCH(QString, id);
         const ChromeColors colors = ChromeColors::of(QirnThemes::named(id).kitTheme());
-        for (const TextOn& pair : textsOf(colors)) {
-            const double ratio = contrast(pair.text, pair.surface);
-            QVERIFY2(ratio >= 4.5,
-                     qPrintable(QStringLiteral("%1: %2").arg(QLatin1String(pair.what)).arg(ratio)));
-        }
+        const auto canBeRead = [](const QColor& text, const QColor& on, int which) {
+            const double ratio = contrast(text, on);
+            QVERIFY2(ratio >= 4.5, qPrintable(QString("surface %1: %2").arg(which).arg(ratio)));
+        };
+        const ChromeColors& c = colors; // every text of the chrome on every surface that it stands on
+        const QColor surfaces[] = {c.canvas, c.panel, c.bar,   c.popup,   c.raised,
+                                   c.well,   c.level, c.hover, c.pressed, c.selected};
+        for (int i = 0; i < 10; ++i) canBeRead(c.text, surfaces[i], i);
+        for (int i = 0; i < 7; ++i) canBeRead(c.dim, surfaces[i], i);
+        canBeRead(c.onAccent, c.accent, 10);
+        canBeRead(c.onAccent, c.accentHover, 11);
         for (const QColor& surface :
              {colors.canvas, colors.panel, colors.bar, colors.popup, colors.raised, colors.well})
             QVERIFY(contrast(colors.focus, surface) >= 3);

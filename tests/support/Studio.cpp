@@ -1,6 +1,8 @@
 #include "support/Studio.h"
 
 #include "DocSession.h"
+#include "operations/Selection.h"
+#include "support/Pictures.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -15,11 +17,21 @@ constexpr auto kCapabilities = QInputDevice::Capability::Position | QInputDevice
 
 }
 
+void OwnWorld::fill(const IRect& rect, const PixelBytes& pixel) {
+    paintRect(doc(), layer(), rect, pixel);
+    doc().commit(QStringLiteral("Dot"));
+}
+
+void OwnWorld::select(const QRectF& rect) {
+    QPainterPath path;
+    path.addRect(rect);
+    doc().selection = Selection::make(path, SelectionOp::replace, nullptr, doc().grid().width,
+                                      doc().grid().height, Antialias::yes);
+    doc().commit(QStringLiteral("Select"));
+}
+
 Studio::Studio()
-    : base(folder.path()),
-      model(PaintModel::LoadStores::yes, desktop, store),
-      canvas(model),
-      penTip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
+    : penTip(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
              kCapabilities, 1, 1),
       eraserEnd(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus,
                 QPointingDevice::PointerType::Eraser, kCapabilities, 1, 1) {

@@ -14,9 +14,8 @@
 
 namespace qirn::test {
 
-/// A model with a canvas of 800 x 600 in a world of its own: a private folder, a store in memory, a scripted
-/// desktop. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the widget.
-struct Studio {
+/// A model in a world of its own: a private folder, a store in memory, a scripted desktop.
+struct OwnWorld {
     struct FolderOverride {
         explicit FolderOverride(const QString& path) {
             AppFolders::setBaseOverride(path);
@@ -28,20 +27,46 @@ struct Studio {
     };
 
     QTemporaryDir folder;
-    FolderOverride base;
+    FolderOverride base{folder.path()};
     ScriptedDesktop desktop;
     Store store;
-    PaintModel model;
-    CanvasView canvas;
-    QPointingDevice penTip;
-    QPointingDevice eraserEnd;
-
-    Studio();
+    PaintModel model{PaintModel::LoadStores::yes, desktop, store};
 
     DocSession& session() { return *model.current(); }
     PaintDocument& doc() { return session().doc(); }
     Layer& layer() { return doc().activeLayer(); }
     QString path(const QString& name) const { return folder.filePath(name); }
+
+    // Steps that need no hand.
+    void fill(const IRect& rect, const PixelBytes& pixel = {255, 0, 0, 255}); ///< Of the active layer.
+    void select(const QRectF& rect);
+    /// One field of the preferences, the tool options or the brush in hand.
+    template <class T> void set(T PaintPrefs::*field, const std::type_identity_t<T>& value) {
+        PaintPrefs prefs = model.prefs();
+        prefs.*field = value;
+        model.setPrefs(prefs);
+    }
+    template <class T> void set(T ToolOptions::*field, const std::type_identity_t<T>& value) {
+        ToolOptions options = model.options();
+        options.*field = value;
+        model.setOptions(options);
+    }
+    template <class T> void set(T BrushSettings::*field, const std::type_identity_t<T>& value) {
+        BrushSettings brush = model.activeBrush();
+        brush.*field = value;
+        model.setActiveBrush(brush);
+    }
+};
+
+/// One with a canvas of 800 x 600. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the
+/// widget.
+struct Studio : OwnWorld {
+    CanvasView canvas{model};
+    QPointingDevice penTip;
+    QPointingDevice eraserEnd;
+
+    Studio();
+
     QPointF widgetPoint(QPointF canvasPoint) const; ///< Where a canvas point is shown, in widget coordinates.
 
     // Events as the window system would send them; points are canvas points.
