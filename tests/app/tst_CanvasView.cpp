@@ -1,9 +1,7 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "support/PenRecording.h"
-#include "support/Pictures.h"
 #include "support/Studio.h"
-#include "support/TestMain.h"
 
 #include <cmath>
 
@@ -100,17 +98,11 @@ private Q_SLOTS:
         studio.canvas.actualPixels();
         studio.model.choose(*BrushLibrary::named(brush));
         // A spray burst between two events comes from a timer; the engine's strokes have none.
-        BrushSettings settings = studio.model.activeBrush();
-        settings.airbrush = false;
-        studio.model.setActiveBrush(settings);
+        studio.set(&BrushSettings::airbrush, false);
         PaintDocument direct(1200, 900, 72, PaintColor::white());
         for (const std::vector<StrokePoint>& stroke : strokes) {
-            studio.penEvent(QEvent::TabletPress, {stroke[0].x, stroke[0].y}, stroke[0].pressure);
-            for (std::size_t i = 1; i < stroke.size(); ++i) {
-                studio.penEvent(QEvent::TabletMove, {stroke[i].x, stroke[i].y}, stroke[i].pressure);
-            }
-            studio.penEvent(QEvent::TabletRelease, {stroke.back().x, stroke.back().y}, 0);
-            paintStroke(direct, stroke, settings, studio.model.primary(), nullptr, 1);
+            sendStroke(studio.canvas, studio.penTip, stroke);
+            paintStroke(direct, stroke, studio.model.activeBrush(), studio.model.primary(), nullptr, 1);
         }
         QCOMPARE(firstDifference(*studio.layer().toBuffer(), *direct.activeLayer().toBuffer()), QString());
         QVERIFY(brush == "Smudge" || !direct.activeLayer().isEmpty());
@@ -250,18 +242,10 @@ private Q_SLOTS:
             Studio studio;
             studio.set(&PaintPrefs::mouseSpeedPressure, true);
             studio.model.setActiveBrush(dot(40, true));
-            const auto send = [&](QEvent::Type type, double at, uint64_t milliseconds) {
-                const QPointF place = studio.widgetPoint({at, 150});
-                const bool up = type == QEvent::MouseButtonRelease;
-                QMouseEvent event(type, place, studio.canvas.mapToGlobal(place),
-                                  type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                                  up ? Qt::NoButton : Qt::LeftButton, {});
-                event.setTimestamp(milliseconds);
-                QApplication::sendEvent(&studio.canvas, &event);
-            };
-            send(QEvent::MouseButtonPress, 100, 1000);
-            if (x > 100) send(QEvent::MouseMove, 100 + way, 1000 + static_cast<uint64_t>(time));
-            send(QEvent::MouseButtonRelease, 100 + way, 1000 + static_cast<uint64_t>(time));
+            const uint64_t end = 1000 + static_cast<uint64_t>(time);
+            studio.mouseEvent(QEvent::MouseButtonPress, {100, 150}, {}, 1000);
+            if (x > 100) studio.mouseEvent(QEvent::MouseMove, {100 + way, 150}, {}, end);
+            studio.mouseEvent(QEvent::MouseButtonRelease, {100 + way, 150}, {}, end);
             int64_t height = 0;
             for (int64_t y = 0; y < 300; ++y)
                 height += studio.layer().pixel(static_cast<int64_t>(x), y)[3] > 127;

@@ -4,10 +4,7 @@
 #include "formats/native/PaintFile.h"
 #include "formats/pictures/ImageImport.h"
 #include "platform/Bytes.h"
-#include "support/Files.h"
-#include "support/Pictures.h"
 #include "support/Studio.h"
-#include "support/TestMain.h"
 
 #include <QApplication>
 #include <QBuffer>

@@ -8,12 +8,9 @@
 #include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 #include "sheets/ExportSheet.h"
-#include "support/Files.h"
 #include "support/FullDisk.h"
 #include "support/PSDFiles.h"
-#include "support/Pictures.h"
 #include "support/Studio.h"
-#include "support/TestMain.h"
 
 #include <QAbstractButton>
 #include <QLabel>

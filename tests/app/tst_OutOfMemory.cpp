@@ -1,12 +1,9 @@
-#include "DocSession.h"
 #include "Guarded.h"
 #include "PaintCommands.h"
 #include "TextSpec.h"
 #include "core/TileMemory.h"
 #include "formats/pictures/ImageExport.h"
-#include "support/Files.h"
 #include "support/Studio.h"
-#include "support/TestMain.h"
 
 #include <atomic>
 #include <cstdlib>

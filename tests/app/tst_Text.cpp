@@ -4,8 +4,6 @@
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
-#include <QFontInfo>
-
 using namespace qirn;
 using namespace qirn::test;
 

@@ -1,8 +1,6 @@
 #include "formats/palettes/PaletteLibrary.h"
 #include "platform/Bytes.h"
-#include "support/Files.h"
 #include "support/Studio.h"
-#include "support/TestMain.h"
 
 #include <QFile>
 
@@ -59,16 +57,6 @@ private Q_SLOTS:
         }
     }
 
-    void anEditThatIsNoneMakesNoCopy() {
-        Studio studio;
-        studio.model.removeFromPalette(99);
-        studio.model.renamePalette({});
-        studio.model.deletePalette(); // a built-in one stays
-        QVERIFY(studio.model.userPalettes().empty());
-        QVERIFY(studio.desktop.asked.empty());
-        QVERIFY(!QFile::exists(AppFolders::palettesFile()));
-    }
-
     void newPalettesHoldWhatIsInHand() {
         Studio studio;
         studio.model.pick(PaintColor(1, 0, 0), PaintModel::AddRecent::yes);
@@ -86,12 +74,20 @@ private Q_SLOTS:
         const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(again.userPalettes(), studio.model.userPalettes());
         QCOMPARE(again.currentPalette(), studio.model.currentPalette());
-        const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.store);
-        QCOMPARE(fresh.currentPalette(), PaletteLibrary::builtIn().front());
+        for (const char* gone : {"1B671A64-40D5-491E-99B0-DA01FF1F3341", "no id"}) {
+            studio.store.setText("qirn.pt.palette", gone);
+            const PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
+            QCOMPARE(model.currentPalette(), PaletteLibrary::builtIn().front());
+        }
     }
 
     void deletingAsksAndFallsBack() {
         Studio studio;
+        studio.model.removeFromPalette(99); // edits that are none make no copy
+        studio.model.renamePalette({});
+        studio.model.deletePalette(); // a built-in one stays
+        QVERIFY(studio.model.userPalettes().empty() && studio.desktop.asked.empty());
+        QVERIFY(!QFile::exists(AppFolders::palettesFile()));
         studio.model.newPalette("Doomed", PaintModel::FromRecent::no);
         studio.desktop.answers = {1, 0};
         studio.model.deletePalette();
@@ -103,15 +99,6 @@ private Q_SLOTS:
         QVERIFY(studio.model.userPalettes().empty() && stored().empty());
         QCOMPARE(studio.model.currentPalette(), PaletteLibrary::builtIn().front());
         QCOMPARE(QUuid(*studio.store.text("qirn.pt.palette")), PaletteLibrary::builtIn().front().id);
-    }
-
-    void aChoiceThatIsGoneShowsTheFirst() {
-        Studio studio;
-        for (const char* stored : {"1B671A64-40D5-491E-99B0-DA01FF1F3341", "no id"}) {
-            studio.store.setText("qirn.pt.palette", QLatin1String(stored));
-            PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
-            QCOMPARE(model.currentPalette(), PaletteLibrary::builtIn().front());
-        }
     }
 
     void palettesAreExchanged_data() {

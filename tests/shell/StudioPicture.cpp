@@ -1,27 +1,13 @@
 // Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves a picture of it:
-//     studio_picture FILE.png [RECORDING]
-// With a recorded hand (lines of time, x, y, pressure) it paints that instead, with each of the presets in turn.
-#include "AppFolders.h"
-#include "CanvasView.h"
-#include "DocSession.h"
-#include "MainView.h"
-#include "PaintModel.h"
-#include "QirnKit.h"
-#include "Store.h"
+//     studio_picture FILE.png
+#include "Window.h"
 #include "brush/BrushLibrary.h"
 #include "platform/Trigonometry.h"
-#include "support/PenRecording.h"
-#include "support/ScriptedDesktop.h"
 
 #include <cstdio>
 
-#include <QApplication>
-#include <QPointingDevice>
-#include <QTabletEvent>
-#include <QTemporaryDir>
-#include <QtTest>
-
 using namespace qirn;
+using namespace qirn::test;
 
 namespace {
 
@@ -51,62 +37,16 @@ std::vector<StrokePoint> swellingCurve(double left, double middle, double width,
     return points;
 }
 
-class Hand {
-public:
-    explicit Hand(CanvasView& canvas) : canvas_(canvas) {}
-
-    void paint(const std::vector<StrokePoint>& points) {
-        send(QEvent::TabletPress, points.front());
-        for (const StrokePoint& point : points) send(QEvent::TabletMove, point);
-        send(QEvent::TabletRelease, points.back());
-    }
-
-private:
-    void send(QEvent::Type type, const StrokePoint& point) {
-        const double ratio = canvas_.devicePixelRatioF();
-        const QPointF view = canvas_.viewPoint({point.x, point.y});
-        const QPointF at = QPointF(view.x(), canvas_.height() * ratio - view.y()) / ratio;
-        const bool up = type == QEvent::TabletRelease;
-        QTabletEvent event(type, &pen_, at, canvas_.mapToGlobal(at), up ? 0 : point.pressure, 0, 0, 0, 0, 0,
-                           {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
-                           up ? Qt::NoButton : Qt::LeftButton);
-        QApplication::sendEvent(&canvas_, &event);
-        QApplication::processEvents();
-    }
-
-    CanvasView& canvas_;
-    const QPointingDevice pen_{QStringLiteral("pen"),
-                               1,
-                               QInputDevice::DeviceType::Stylus,
-                               QPointingDevice::PointerType::Pen,
-                               QInputDevice::Capability::Pressure,
-                               1,
-                               1};
-};
-
-void paintTenPresets(PaintModel& model, Hand& hand) {
+void paintTenPresets(Window& window) {
+    const QPointingDevice pen("pen", 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
+                              QInputDevice::Capability::Pressure, 1, 1);
     int i = 0;
     for (const Sample& sample : kSamples) {
-        model.choose(*BrushLibrary::named(QLatin1String(sample.preset)));
-        BrushSettings brush = model.activeBrush();
-        brush.size = std::min(brush.size * 2, 120.0);
-        model.setActiveBrush(brush);
-        model.setPrimary(*PaintColor::fromHex(QLatin1String(sample.color)));
-        hand.paint(swellingCurve(110 + 900 * (i / 5), 130 + 205 * (i % 5), 780, 52));
-        if (++i == 5) model.addLayer();
-    }
-}
-
-void paintRecording(PaintModel& model, Hand& hand, const QString& path) {
-    const auto strokes = test::readPenRecording(path);
-    if (!strokes) return;
-    int i = 0;
-    for (const BrushSettings& preset : BrushLibrary::builtIn()) {
-        model.choose(preset);
-        model.setPrimary(PaintColor::fromHSV(i * 0.13, 0.7, 0.6));
-        const double scale = 0.4, dx = 10 + (i % 7) * 270, dy = -20 + (i / 7) * 210;
-        for (const auto& stroke : test::toSixtyFourths(*strokes, scale, dx, dy)) hand.paint(stroke);
-        ++i;
+        window.model.choose(*BrushLibrary::named(sample.preset));
+        window.set(&BrushSettings::size, std::min(window.model.activeBrush().size * 2, 120.0));
+        window.model.setPrimary(*PaintColor::fromHex(sample.color));
+        sendStroke(window.canvas(), pen, swellingCurve(110 + 900 * (i / 5), 130 + 205 * (i % 5), 780, 52));
+        if (++i == 5) window.model.addLayer();
     }
 }
 
@@ -119,24 +59,13 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "Which file is the picture to go to?\n");
         return 1;
     }
-    QirnKit::install(QStringLiteral("Qirn Paint"));
-    QTemporaryDir folder;
-    AppFolders::setBaseOverride(folder.path());
-    test::ScriptedDesktop desktop;
-    Store store;
-    PaintModel model(PaintModel::LoadStores::no, desktop, store);
-    PaintPrefs prefs;
-    prefs.showPerformance = true;
-    model.setPrefs(prefs);
-    MainView window(model);
-    model.newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), QStringLiteral("Ten brushes"));
-    window.show();
+    QirnKit::install("Qirn Paint");
+    Window window;
+    window.set(&PaintPrefs::showPerformance, true);
+    window.model.newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), "Ten brushes");
+    window.model.close(*window.model.sessions().front());
     QCoreApplication::processEvents();
-    Hand hand(window.canvas());
-    if (argc > 2)
-        paintRecording(model, hand, QString::fromLocal8Bit(argv[2]));
-    else
-        paintTenPresets(model, hand);
+    paintTenPresets(window);
     QCoreApplication::processEvents();
-    return window.grab().save(QString::fromLocal8Bit(argv[1])) ? 0 : 1;
+    return window.view.grab().save(QString::fromLocal8Bit(argv[1])) ? 0 : 1;
 }

@@ -1,7 +1,6 @@
 #include "ChromePaint.h"
 #include "Icons.h"
 #include "QirnKit.h"
-#include "QirnThemes.h"
 #include "support/TestMain.h"
 
 #include <set>

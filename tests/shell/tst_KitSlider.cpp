@@ -7,7 +7,6 @@
 #include <QAccessible>
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QVBoxLayout>
 #include <QWheelEvent>
 
 using namespace qirn;

@@ -4,10 +4,7 @@
 #include "QtDesktop.h"
 #include "StatusItems.h"
 #include "Window.h"
-#include "support/Files.h"
 #include "support/PSDFiles.h"
-#include "support/Pictures.h"
-#include "support/TestMain.h"
 
 #include <QAbstractButton>
 #include <QAction>

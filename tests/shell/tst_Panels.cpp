@@ -3,8 +3,6 @@
 #include "ColorWells.h"
 #include "LayerRowDelegate.h"
 #include "Window.h"
-#include "support/Pictures.h"
-#include "support/TestMain.h"
 
 #include <QComboBox>
 #include <QLineEdit>

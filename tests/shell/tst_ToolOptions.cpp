@@ -4,7 +4,6 @@
 #include "ChromeToggle.h"
 #include "ToolOptionsBar.h"
 #include "Window.h"
-#include "support/TestMain.h"
 
 #include <algorithm>
 

@@ -2,7 +2,6 @@
 
 #include "DocSession.h"
 #include "operations/Selection.h"
-#include "support/Pictures.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -43,33 +42,44 @@ Studio::Studio()
     canvas.actualPixels();
 }
 
-QPointF Studio::widgetPoint(QPointF canvasPoint) const {
+QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint) {
+    const double ratio = canvas.devicePixelRatioF();
     const QPointF view = canvas.viewPoint(canvasPoint);
-    return QPointF(view.x(), canvas.height() * canvas.devicePixelRatioF() - view.y()) /
-           canvas.devicePixelRatioF();
+    return QPointF(view.x(), canvas.height() * ratio - view.y()) / ratio;
 }
 
-void Studio::penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser,
-                      Qt::KeyboardModifiers modifiers) {
-    const QPointF at = widgetPoint(point);
+void sendPen(CanvasView& canvas, const QPointingDevice& device, QEvent::Type type, QPointF canvasPoint,
+             double pressure, Qt::KeyboardModifiers modifiers) {
+    const QPointF at = widgetPoint(canvas, canvasPoint);
     const bool up = type == QEvent::TabletRelease;
     const Qt::MouseButton button = type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton;
-    QTabletEvent event(type, eraser ? &eraserEnd : &penTip, at, canvas.mapToGlobal(at), pressure, 0, 0, 0, 0,
-                       0, modifiers, button, up ? Qt::NoButton : Qt::LeftButton);
+    QTabletEvent event(type, &device, at, canvas.mapToGlobal(at), up ? 0 : pressure, 0, 0, 0, 0, 0, modifiers,
+                       button, up ? Qt::NoButton : Qt::LeftButton);
     QApplication::sendEvent(&canvas, &event);
 }
 
-void Studio::penStroke(const std::vector<QPointF>& points, double pressure) {
-    penEvent(QEvent::TabletPress, points.front(), pressure);
-    for (std::size_t i = 1; i < points.size(); ++i) penEvent(QEvent::TabletMove, points[i], pressure);
-    penEvent(QEvent::TabletRelease, points.back(), 0);
+void sendStroke(CanvasView& canvas, const QPointingDevice& device, const std::vector<StrokePoint>& points) {
+    const auto send = [&](QEvent::Type type, const StrokePoint& point) {
+        sendPen(canvas, device, type, {point.x, point.y}, point.pressure);
+    };
+    send(QEvent::TabletPress, points.front());
+    for (std::size_t i = 1; i < points.size(); ++i) send(QEvent::TabletMove, points[i]);
+    send(QEvent::TabletRelease, points.back());
 }
 
-void Studio::mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers) {
+void Studio::penStroke(const std::vector<QPointF>& points, double pressure) {
+    std::vector<StrokePoint> stroke;
+    for (const QPointF& point : points) stroke.emplace_back(point.x(), point.y(), pressure, 0, 0, 0);
+    sendStroke(canvas, penTip, stroke);
+}
+
+void Studio::mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers,
+                        uint64_t milliseconds) {
     const QPointF at = widgetPoint(point);
     const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, at, canvas.mapToGlobal(at), button, held, modifiers);
+    event.setTimestamp(milliseconds);
     QApplication::sendEvent(&canvas, &event);
 }
 

@@ -3,12 +3,14 @@
 #include "CanvasView.h"
 #include "PaintModel.h"
 #include "Store.h"
+#include "brush/StrokePoint.h"
+#include "support/Files.h"
+#include "support/Pictures.h"
 #include "support/ScriptedDesktop.h"
+#include "support/TestMain.h"
 
 #include <memory>
 
-#include <QEvent>
-#include <QFile>
 #include <QPointingDevice>
 #include <QTemporaryDir>
 
@@ -58,6 +60,12 @@ struct OwnWorld {
     }
 };
 
+/// Where a canvas point is shown, in widget coordinates.
+QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint);
+void sendPen(CanvasView& canvas, const QPointingDevice& device, QEvent::Type type, QPointF canvasPoint,
+             double pressure, Qt::KeyboardModifiers modifiers = {});
+void sendStroke(CanvasView& canvas, const QPointingDevice& device, const std::vector<StrokePoint>& points);
+
 /// One with a canvas of 800 x 600. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the
 /// widget.
 struct Studio : OwnWorld {
@@ -67,13 +75,16 @@ struct Studio : OwnWorld {
 
     Studio();
 
-    QPointF widgetPoint(QPointF canvasPoint) const; ///< Where a canvas point is shown, in widget coordinates.
+    QPointF widgetPoint(QPointF canvasPoint) const { return test::widgetPoint(canvas, canvasPoint); }
 
     // Events as the window system would send them; points are canvas points.
     void penEvent(QEvent::Type type, QPointF point, double pressure, bool eraser = false,
-                  Qt::KeyboardModifiers modifiers = {});
+                  Qt::KeyboardModifiers modifiers = {}) {
+        sendPen(canvas, eraser ? eraserEnd : penTip, type, point, pressure, modifiers);
+    }
     void penStroke(const std::vector<QPointF>& points, double pressure = 1);
-    void mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers = {});
+    void mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers = {},
+                    uint64_t milliseconds = 0);
     void mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers = {});
     void key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {});
     void pointerLeaves();  ///< The ring goes.
