@@ -38,13 +38,6 @@ class tst_FilesInOut : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theOpenPanelOffersWhatCanBeRead() {
-        QStringList offered;
-        for (const FileType& type : FileTypes::open()) offered << type.extensions.front();
-        QCOMPARE(offered, QStringLiteral("qirnpaint png jpg tiff heic gif bmp psd webp").split(u' '));
-        QCOMPARE(FileTypes::import().size(), FileTypes::open().size() - 1);
-    }
-
     void aNameTellsWhatAFileIs() {
         for (const auto& [typed, written] : {std::pair{"/a.b/cat", "/a.b/cat.jpg"},
                                              {"/a.b/cat.jpg", "/a.b/cat.jpg"},

@@ -259,6 +259,7 @@ private Q_SLOTS:
             run();
             const Facts done(work);
             work.goBackTo(before.depth, before.pictures);
+            QCOMPARE(work.doc().fingerprint(), before.picture);
             for (const Refused what : {Refused::block, Refused::piece}) {
                 for (int64_t n = 1;; ++n) {
                     const Facts start(work);

@@ -18,20 +18,14 @@ TextSpec words(const QString& text) {
     return spec;
 }
 
-/// Covered pixels of one row.
-int64_t inkInRow(const RGBABuffer& buffer, int64_t y) {
-    int64_t ink = 0;
-    for (int64_t x = 0; x < buffer.width(); ++x) ink += buffer.pixel(x, y)[3] > 127;
-    return ink;
-}
-
-int64_t firstInk(const RGBABuffer& buffer, int64_t fromRow, int64_t toRow) {
-    for (int64_t x = 0; x < buffer.width(); ++x) {
-        for (int64_t y = fromRow; y < toRow; ++y) {
-            if (buffer.pixel(x, y)[3] > 127) return x;
-        }
+/// What is covered between two rows; the last row is not looked at.
+QRect inkOf(const RGBABuffer& buffer, int64_t fromRow, int64_t toRow) {
+    QRect ink;
+    for (int64_t y = fromRow; y < toRow; ++y) {
+        for (int64_t x = 0; x < buffer.width(); ++x)
+            if (buffer.pixel(x, y)[3] > 127) ink |= QRect(static_cast<int>(x), static_cast<int>(y), 1, 1);
     }
-    return -1;
+    return ink;
 }
 
 } // namespace
@@ -43,13 +37,11 @@ private Q_SLOTS:
         const auto t = TextRenderer::render(words("T"));
         QCOMPARE(t->x, int64_t{-4});
         QCOMPARE(t->y, int64_t{-4});
-        int64_t top = 0;
-        while (inkInRow(*t->buffer, top) == 0) ++top;
-        int64_t bottom = t->buffer->height() - 1;
-        while (inkInRow(*t->buffer, bottom) == 0) --bottom;
+        const QRect ink = inkOf(*t->buffer, 0, t->buffer->height());
         // The bar of a T is at the top.
-        QVERIFY(inkInRow(*t->buffer, top + 3) > 2 * inkInRow(*t->buffer, bottom - 3));
-        QCOMPARE(t->buffer->pixel(t->buffer->width() / 2, (top + bottom) / 2), (PixelBytes{255, 0, 0, 255}));
+        QVERIFY(inkOf(*t->buffer, ink.top() + 3, ink.top() + 4).width() >
+                2 * inkOf(*t->buffer, ink.bottom() - 3, ink.bottom() - 2).width());
+        QCOMPARE(t->buffer->pixel(t->buffer->width() / 2, ink.center().y()), (PixelBytes{255, 0, 0, 255}));
         QCOMPARE(t->buffer->pixel(0, 0), PixelBytes{});
     }
 
@@ -61,13 +53,13 @@ private Q_SLOTS:
     }
 
     void linesAreAlignedWithinTheWidest() {
-        int64_t starts[3];
+        int starts[3];
         for (int alignment = 0; alignment < 3; ++alignment) {
             TextSpec spec = words("MMMMMM\nM");
             spec.alignment = alignment;
             const auto text = TextRenderer::render(spec);
-            starts[alignment] =
-                firstInk(*text->buffer, text->buffer->height() / 2 + 10, text->buffer->height());
+            const int64_t height = text->buffer->height();
+            starts[alignment] = inkOf(*text->buffer, height / 2 + 10, height).left();
         }
         QVERIFY(starts[0] < 20);
         QVERIFY(starts[1] > starts[0] + 80);
@@ -86,7 +78,7 @@ private Q_SLOTS:
         const auto text = TextRenderer::render(spec);
         QCOMPARE(text->x, int64_t{-10});
         const int64_t middle = text->buffer->height() / 2;
-        const int64_t edge = firstInk(*text->buffer, middle, middle + 1);
+        const int edge = inkOf(*text->buffer, middle, middle + 1).left();
         QCOMPARE(text->buffer->pixel(edge + 4, middle), (PixelBytes{0, 0, 255, 255}));
         QCOMPARE(text->buffer->pixel(edge + 18, middle), (PixelBytes{255, 0, 0, 255}));
     }

@@ -51,11 +51,7 @@ struct Window : OwnWorld {
 /// A drag over a widget from one point to another, as fractions of its width and height.
 inline void dragOver(QWidget& widget, QPointF from, QPointF to) {
     const auto send = [&](QEvent::Type type, QPointF fraction) {
-        const QPointF at(fraction.x() * widget.width(), fraction.y() * widget.height());
-        QMouseEvent event(type, at, widget.mapToGlobal(at),
-                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
-        QApplication::sendEvent(&widget, &event);
+        sendMouse(widget, type, {fraction.x() * widget.width(), fraction.y() * widget.height()});
     };
     send(QEvent::MouseButtonPress, from);
     send(QEvent::MouseMove, (from + to) / 2);

@@ -2,14 +2,14 @@
 #include "ChromeToggle.h"
 #include "Metrics.h"
 #include "QirnKit.h"
-#include "support/TestMain.h"
+#include "support/Studio.h"
 
 #include <QAccessible>
 #include <QLineEdit>
 #include <QSignalSpy>
-#include <QWheelEvent>
 
 using namespace qirn;
+using namespace qirn::test;
 
 namespace {
 
@@ -36,17 +36,9 @@ struct Bench {
     }
     QLineEdit& field() { return *slider.findChild<QLineEdit*>(); }
     void mouse(QEvent::Type type, double x, Qt::KeyboardModifiers modifiers = {}) {
-        const QPointF at(x, 14);
-        const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, at, slider.mapToGlobal(at),
-                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held, modifiers);
-        QApplication::sendEvent(&slider, &event);
+        sendMouse(slider, type, {x, 14}, modifiers);
     }
-    void wheel(int angle) {
-        QWheelEvent event({100, 14}, slider.mapToGlobal(QPointF(100, 14)), {}, {0, angle}, Qt::NoButton, {},
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&slider, &event);
-    }
+    void wheel(int angle) { sendWheel(slider, {100, 14}, {0, angle}); }
 };
 
 const SliderScale kPercent{0, 1, 0.01};
@@ -86,26 +78,24 @@ private Q_SLOTS:
         QCOMPARE(b.slider.value(), 0.55);
     }
 
-    void showingAValueAnnouncesNothingAndStopsAtTheEnds() {
+    void aScaleHasEndsAndItsTextNoNegativeZero() {
         Bench b(kSizes, SliderFormat::pixels());
         b.slider.setValue(1000); // a brush can be larger than its slider
         QCOMPARE(b.slider.valueText(), "400 px");
         b.slider.setValue(0.2);
         QCOMPARE(b.slider.valueText(), "1 px");
-        QCOMPARE(b.changed.count() + b.finished.count(), 0);
-    }
-
-    void smallSizesTakeMoreOfTheLength() {
-        QCOMPARE(kSizes.valueAt(0), 1.0);
-        QCOMPARE(kSizes.valueAt(0.5), 101.0);
-        QCOMPARE(kSizes.valueAt(1), 400.0);
-        for (const double size : {1.0, 2.0, 24.0, 399.0})
+        QCOMPARE(b.changed.count() + b.finished.count(), 0); // of what is only shown
+        QCOMPARE(kSizes.valueAt(0.5), 101.0);                // small sizes take more of the length
+        for (const double size : {1.0, 2.0, 24.0, 399.0, 400.0})
             QCOMPARE(kSizes.valueAt(kSizes.placeOf(size)), size);
         // A notch is felt at large sizes and is one pixel at small ones.
         QCOMPARE(kSizes.stepped(3, 1), 4.0);
         QVERIFY(kSizes.stepped(200, 1) >= 204);
         QCOMPARE(kSizes.stepped(400, 1), 400.0);
         QCOMPARE(kSizes.stepped(1, -1), 1.0);
+        QCOMPARE(SliderFormat::degrees().text(-0.2), "0°");
+        QCOMPARE(SliderFormat::plain(1).text(-0.04), "0.0");
+        QCOMPARE(SliderFormat::percent().text(0.335), "34%");
     }
 
     void theWheelStepsAWholeNotchAndFinishesAtRest() {
@@ -187,12 +177,6 @@ private Q_SLOTS:
             QTest::keyClick(&b.field(), Qt::Key_Return);
             QVERIFY2(b.slider.value() == expected, text);
         }
-    }
-
-    void zeroIsNeverShownAsNegative() {
-        QCOMPARE(SliderFormat::degrees().text(-0.2), "0°");
-        QCOMPARE(SliderFormat::plain(1).text(-0.04), "0.0");
-        QCOMPARE(SliderFormat::percent().text(0.335), "34%");
     }
 
     void aScreenReaderFindsNameValueAndLimits() {

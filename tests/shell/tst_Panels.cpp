@@ -42,8 +42,7 @@ private Q_SLOTS:
         clickRow(w, 1, 12);
         QVERIFY(!w.doc().layer(0).isVisible && w.doc().layer(1).isVisible);
         QCOMPARE(w.doc().activeIndex(), 1); // the eye chooses nothing
-        QCOMPARE(w.doc().undoName(), "Visibility");
-        QCOMPARE(w.doc().undoDepth(), 1);
+        QCOMPARE(w.lastStep(), "1 Visibility");
         w.model.undo();
         QVERIFY(w.doc().layer(0).isVisible);
         QCOMPARE(list.item(1)->checkState(), Qt::Checked);
@@ -65,17 +64,14 @@ private Q_SLOTS:
         QVERIFY(qAbs(w.doc().activeLayer().opacity - 0.5) < 0.02);
         QCOMPARE(w.doc().undoDepth(), 0);
         QTest::mouseRelease(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10});
-        QCOMPARE(w.doc().undoDepth(), 1);
-        QCOMPARE(w.doc().undoName(), "Layer Opacity");
+        QCOMPARE(w.lastStep(), "1 Layer Opacity");
         const double set = w.doc().activeLayer().opacity;
         QVERIFY(qAbs(set - 0.25) < 0.02);
         QTest::mouseClick(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10}); // to where it is
         QCOMPARE(w.doc().undoDepth(), 1);
         // Undo before the wheel has come to rest takes back the opacity, and nothing comes after it.
         w.paint();
-        QWheelEvent wheel({5, 5}, slider.mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton, {},
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&slider, &wheel);
+        sendWheel(slider, {5, 5}, {0, 120});
         w.click("headerUndo");
         QFocusEvent rest(QEvent::FocusOut);
         QApplication::sendEvent(&slider, &rest);
@@ -93,8 +89,7 @@ private Q_SLOTS:
         menu.setFocus();
         QTest::keyClick(&menu, Qt::Key_Down);
         QCOMPARE(w.doc().activeLayer().blendMode, BlendMode::multiply);
-        QCOMPARE(w.doc().undoName(), "Blend Mode");
-        QCOMPARE(w.doc().undoDepth(), 1);
+        QCOMPARE(w.lastStep(), "1 Blend Mode");
         clickRow(w, 1, 100);
         QCOMPARE(menu.currentIndex(), 0);
         QCOMPARE(w.doc().undoDepth(), 1);

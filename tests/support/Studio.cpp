@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTabletEvent>
+#include <QWheelEvent>
 
 namespace qirn::test {
 
@@ -48,6 +49,21 @@ QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint) {
     return QPointF(view.x(), canvas.height() * ratio - view.y()) / ratio;
 }
 
+void sendMouse(QWidget& widget, QEvent::Type type, QPointF widgetPoint, Qt::KeyboardModifiers modifiers,
+               uint64_t milliseconds) {
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, widgetPoint, widget.mapToGlobal(widgetPoint), button, held, modifiers);
+    event.setTimestamp(milliseconds);
+    QApplication::sendEvent(&widget, &event);
+}
+
+void sendWheel(QWidget& widget, QPointF widgetPoint, QPoint angle, QPoint pixels, Qt::ScrollPhase phase) {
+    QWheelEvent event(widgetPoint, widget.mapToGlobal(widgetPoint), pixels, angle, Qt::NoButton, {}, phase,
+                      false);
+    QApplication::sendEvent(&widget, &event);
+}
+
 void sendPen(CanvasView& canvas, const QPointingDevice& device, QEvent::Type type, QPointF canvasPoint,
              double pressure, Qt::KeyboardModifiers modifiers) {
     const QPointF at = widgetPoint(canvas, canvasPoint);
@@ -71,16 +87,6 @@ void Studio::penStroke(const std::vector<QPointF>& points, double pressure) {
     std::vector<StrokePoint> stroke;
     for (const QPointF& point : points) stroke.emplace_back(point.x(), point.y(), pressure, 0, 0, 0);
     sendStroke(canvas, penTip, stroke);
-}
-
-void Studio::mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers,
-                        uint64_t milliseconds) {
-    const QPointF at = widgetPoint(point);
-    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, at, canvas.mapToGlobal(at), button, held, modifiers);
-    event.setTimestamp(milliseconds);
-    QApplication::sendEvent(&canvas, &event);
 }
 
 void Studio::mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers) {

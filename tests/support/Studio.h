@@ -39,6 +39,9 @@ struct OwnWorld {
     Layer& layer() { return doc().activeLayer(); }
     QString path(const QString& name) const { return folder.filePath(name); }
 
+    QString lastStep() { ///< As "2 Paste": how many there are, and the name of the last.
+        return QString("%1 %2").arg(doc().undoDepth()).arg(doc().undoName().value_or(QString()));
+    }
     // Steps that need no hand.
     void fill(const IRect& rect, const PixelBytes& pixel = {255, 0, 0, 255}); ///< Of the active layer.
     void select(const QRectF& rect);
@@ -62,6 +65,10 @@ struct OwnWorld {
 
 /// Where a canvas point is shown, in widget coordinates.
 QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint);
+void sendMouse(QWidget& widget, QEvent::Type type, QPointF widgetPoint, Qt::KeyboardModifiers modifiers = {},
+               uint64_t milliseconds = 0);
+void sendWheel(QWidget& widget, QPointF widgetPoint, QPoint angle, QPoint pixels = {},
+               Qt::ScrollPhase phase = Qt::NoScrollPhase);
 void sendPen(CanvasView& canvas, const QPointingDevice& device, QEvent::Type type, QPointF canvasPoint,
              double pressure, Qt::KeyboardModifiers modifiers = {});
 void sendStroke(CanvasView& canvas, const QPointingDevice& device, const std::vector<StrokePoint>& points);
@@ -84,7 +91,9 @@ struct Studio : OwnWorld {
     }
     void penStroke(const std::vector<QPointF>& points, double pressure = 1);
     void mouseEvent(QEvent::Type type, QPointF point, Qt::KeyboardModifiers modifiers = {},
-                    uint64_t milliseconds = 0);
+                    uint64_t milliseconds = 0) {
+        sendMouse(canvas, type, widgetPoint(point), modifiers, milliseconds);
+    }
     void mouseDrag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers = {});
     void key(int key, const QString& text = {}, Qt::KeyboardModifiers modifiers = {});
     void pointerLeaves();  ///< The ring goes.
