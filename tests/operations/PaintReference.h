@@ -1,11 +1,10 @@
 #pragma once
 #include "core/PaintColor.h"
 #include "core/RGBABuffer.h"
-#include "operations/Selection.h"
+#include "support/Pictures.h"
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace qirn::test {
 
@@ -32,16 +31,11 @@ inline std::array<float, 3> straightFloats(const PaintColor& color) {
 /// A selection in which every byte may occur; a third is 0 and a third 255, in blocks of 32 x 32 pixels, which leaves
 /// whole tiles empty, full and mixed.
 inline SelectionRef patchySelection(int64_t width, int64_t height, uint64_t seed) {
-    std::vector<uint8_t> mask(static_cast<std::size_t>(width * height));
-    for (int64_t y = 0; y < height; ++y) {
-        for (int64_t x = 0; x < width; ++x) {
-            const uint64_t block =
-                (static_cast<uint64_t>(x / 32 * 7919 + y / 32 * 104729) + seed) * 2654435761u >> 7;
-            const auto soft = static_cast<uint8_t>(x * 5 + y * 3);
-            mask[static_cast<std::size_t>(y * width + x)] = block % 3 == 0 ? 0 : block % 3 == 1 ? 255 : soft;
-        }
-    }
-    return Selection::fromMask(mask, width, height);
+    return selectionOf(width, height, [seed](int64_t x, int64_t y) -> int {
+        const uint64_t block =
+            (static_cast<uint64_t>(x / 32 * 7919 + y / 32 * 104729) + seed) * 2654435761u >> 7;
+        return block % 3 == 0 ? 0 : block % 3 == 1 ? 255 : static_cast<uint8_t>(x * 5 + y * 3);
+    });
 }
 
 } // namespace qirn::test

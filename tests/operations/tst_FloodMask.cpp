@@ -6,6 +6,7 @@
 #include "operations/TileMatch.h"
 #include "platform/InstructionSets.h"
 #include "support/Pictures.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 #include <algorithm>
@@ -16,8 +17,6 @@ using namespace qirn::test;
 
 namespace {
 
-using Mask = std::vector<uint8_t>; // of the canvas, row by row
-
 bool matches(const PixelBytes& a, const PixelBytes& target, int64_t tolerance) {
     if (a == target) return true;
     if (tolerance < 1) return false;
@@ -27,67 +26,61 @@ bool matches(const PixelBytes& a, const PixelBytes& target, int64_t tolerance) {
     return true;
 }
 
-/// A queue of single pixels, and growth round by round over the whole canvas.
-Mask simpleFill(const RGBABuffer& source, int64_t x, int64_t y, const FillOptions& options) {
-    const int64_t w = source.width(), h = source.height();
-    const PixelBytes target = source.pixel(x, y);
-    Mask mask(static_cast<std::size_t>(w * h));
-    const auto at = [&](int64_t px, int64_t py) -> uint8_t& {
-        return mask[static_cast<std::size_t>(py * w + px)];
-    };
-    const auto inside = [&](int64_t px, int64_t py) { return px >= 0 && py >= 0 && px < w && py < h; };
-    constexpr std::pair<int, int> sides[] = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}};
-    if (options.contiguous) {
-        std::deque<std::pair<int64_t, int64_t>> queue{{x, y}};
-        at(x, y) = 255;
-        while (!queue.empty()) {
-            const auto [px, py] = queue.front();
-            queue.pop_front();
-            for (const auto& [dx, dy] : sides) {
-                const int64_t nx = px + dx, ny = py + dy;
-                if (!inside(nx, ny) || at(nx, ny) ||
-                    !matches(source.pixel(nx, ny), target, options.tolerance))
-                    continue;
-                at(nx, ny) = 255;
-                queue.emplace_back(nx, ny);
+/// A queue of single pixels, and growth round by round; the mask has a frame of a pixel round the canvas.
+class SimpleFill {
+public:
+    SimpleFill(const RGBABuffer& source, int64_t x, int64_t y, const FillOptions& options)
+        : width_(source.width()),
+          height_(source.height()),
+          stride_(width_ + 2),
+          mask_(static_cast<std::size_t>(stride_ * (height_ + 2))) {
+        std::deque<int64_t> queue{at(x, y)};
+        mask_[static_cast<std::size_t>(at(x, y))] = true;
+        std::vector<bool> like(mask_.size());
+        forEachPixel([&](int64_t px, int64_t py) {
+            like[static_cast<std::size_t>(at(px, py))] =
+                matches(source.pixel(px, py), source.pixel(x, y), options.tolerance);
+        });
+        for (; options.contiguous && !queue.empty(); queue.pop_front()) {
+            for (const int64_t side : {-stride_, int64_t{-1}, int64_t{1}, stride_}) {
+                const auto i = static_cast<std::size_t>(queue.front() + side);
+                if (!like[i] || mask_[i]) continue;
+                mask_[i] = true;
+                queue.push_back(queue.front() + side);
             }
         }
-    } else {
-        for (int64_t py = 0; py < h; ++py) {
-            for (int64_t px = 0; px < w; ++px) {
-                if (matches(source.pixel(px, py), target, options.tolerance)) at(px, py) = 255;
-            }
-        }
-    }
-    for (int64_t round = 0; round < std::min<int64_t>(options.expand, 4); ++round) {
-        const Mask before = mask;
-        for (int64_t py = 0; py < h; ++py) {
-            for (int64_t px = 0; px < w; ++px) {
-                for (const auto& [dx, dy] : sides) {
-                    const int64_t nx = px + dx, ny = py + dy;
-                    if (inside(nx, ny) && before[static_cast<std::size_t>(ny * w + nx)] == 255)
-                        at(px, py) = 255;
-                }
-            }
+        if (!options.contiguous) mask_ = like;
+        for (int64_t round = 0; round < std::min<int64_t>(options.expand, 4); ++round) {
+            const std::vector<bool> before = mask_;
+            forEachPixel([&](int64_t px, int64_t py) {
+                const auto i = static_cast<std::size_t>(at(px, py)), row = static_cast<std::size_t>(stride_);
+                mask_[i] = before[i] || before[i - 1] || before[i + 1] || before[i - row] || before[i + row];
+            });
         }
     }
-    return mask;
-}
 
-/// Empty when the mask is the wanted one and its bounds are tight, otherwise what is wrong.
-QString difference(const std::optional<FloodMask>& flood, const Mask& wanted, const TileGrid& grid) {
-    if (!flood) return QStringLiteral("no mask");
-    IRect box;
-    for (int64_t y = 0; y < grid.height; ++y) {
-        for (int64_t x = 0; x < grid.width; ++x) {
-            const uint8_t byte = wanted[static_cast<std::size_t>(y * grid.width + x)];
-            if (byte) box = box.united({x, y, 1, 1});
-            if (flood->mask.covers(x, y) != (byte != 0))
-                return QStringLiteral("at %1,%2, where the simple fill has %3").arg(x).arg(y).arg(byte);
-        }
+    /// Empty when the mask is this one and its bounds are tight, otherwise what is wrong.
+    QString differenceFrom(const std::optional<FloodMask>& flood) const {
+        QString wrong = flood ? "" : "no mask";
+        IRect box;
+        forEachPixel([&](int64_t x, int64_t y) {
+            const bool isCovered = mask_[static_cast<std::size_t>(at(x, y))];
+            if (isCovered) box = box.united({x, y, 1, 1});
+            if (wrong.isEmpty() && flood->mask.covers(x, y) != isCovered)
+                wrong = QStringLiteral("at %1,%2, where the simple fill has %3").arg(x).arg(y).arg(isCovered);
+        });
+        return wrong.isEmpty() && flood->bounds != box ? flood->bounds.description() : wrong;
     }
-    return flood->bounds == box ? QString() : flood->bounds.description() + ", not " + box.description();
-}
+
+private:
+    int64_t at(int64_t x, int64_t y) const { return (y + 1) * stride_ + x + 1; }
+    template <class Body> void forEachPixel(Body body) const {
+        for (int64_t i = 0; i < width_ * height_; ++i) body(i % width_, i / width_);
+    }
+
+    const int64_t width_, height_, stride_;
+    std::vector<bool> mask_;
+};
 
 /// Grey of three shades 10 apart, drawn for each block of so many pixels; some blocks are transparent.
 std::unique_ptr<PaintDocument> maze(int64_t width, int64_t height, int64_t block, uint64_t seed) {
@@ -110,35 +103,29 @@ class tst_FloodMask : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void mazesAreFilledAsByAQueueOfPixels_data() {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("height");
-        QTest::addColumn<int>("block");
-        QTest::newRow("pixels across seams") << 530 << 300 << 1;
-        QTest::newRow("corridors") << 700 << 520 << 3;
-        QTest::newRow("blocks as large as tiles") << 1000 << 800 << 128;
-        QTest::newRow("one pixel") << 1 << 1 << 1;
-        QTest::newRow("one column") << 1 << 2000 << 2;
-        QTest::newRow("one very long row") << 30000 << 1 << 5;
-    }
     void mazesAreFilledAsByAQueueOfPixels() {
-        QFETCH(int, width);
-        QFETCH(int, height);
-        QFETCH(int, block);
-        for (uint64_t seed = 1; seed <= 12; ++seed) {
-            const auto doc = maze(width, height, block, seed);
-            const auto source = doc->activeLayer().toBuffer();
-            SeededRandom random(seed);
-            const auto x = static_cast<int64_t>(random.unit() * width);
-            const auto y = static_cast<int64_t>(random.unit() * height);
-            // With 10 two of the three shades are alike, which is where mazes wind the most.
-            const FillOptions options{.tolerance = seed % 3 == 0 ? 0 : 10,
-                                      .contiguous = seed % 4 != 0,
-                                      .expand = seed % 6 == 0 ? 9 : static_cast<int64_t>(seed % 6) - 1};
-            const QString wrong =
-                difference(fillMask(*doc, x, y, options), simpleFill(*source, x, y, options), doc->grid());
-            QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(seed).arg(wrong)));
-        }
+        forRows<int, int, int>({{"pixels across seams", 530, 300, 1},
+                                {"corridors", 700, 520, 3},
+                                {"blocks as large as tiles", 1000, 800, 128},
+                                {"one pixel", 1, 1, 1},
+                                {"one column", 1, 2000, 2},
+                                {"one very long row", 30000, 1, 5}},
+                               [](int width, int height, int block) {
+                                   for (uint64_t seed = 1; seed <= 12; ++seed) {
+                                       const auto doc = maze(width, height, block, seed);
+                                       SeededRandom random(seed);
+                                       const auto x = static_cast<int64_t>(random.unit() * width);
+                                       const auto y = static_cast<int64_t>(random.unit() * height);
+                                       // With 10 two of the three shades are alike, which is where mazes wind the most.
+                                       const FillOptions options{
+                                           .tolerance = seed % 3 == 0 ? 0 : 10,
+                                           .contiguous = seed % 4 != 0,
+                                           .expand = seed % 6 == 0 ? 9 : static_cast<int64_t>(seed % 6) - 1};
+                                       QCOMPARE(SimpleFill(*doc->activeLayer().toBuffer(), x, y, options)
+                                                    .differenceFrom(fillMask(*doc, x, y, options)),
+                                                QString());
+                                   }
+                               });
     }
 
     void matchingIsTheSameWithAnyInstructions() {
@@ -164,9 +151,9 @@ private Q_SLOTS:
     void theFinishedPictureIsWhatIsSeen() {
         const auto doc = randomDocument(530, 300, 4, 7);
         const FillOptions options{.tolerance = 90, .contiguous = false, .sampleAllLayers = true, .expand = 0};
-        const QString wrong = difference(fillMask(*doc, 260, 150, options),
-                                         simpleFill(*flattened(*doc), 260, 150, options), doc->grid());
-        QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
+        QCOMPARE(
+            SimpleFill(*flattened(*doc), 260, 150, options).differenceFrom(fillMask(*doc, 260, 150, options)),
+            QString());
         // The onion skin would show the nearest layer only; the picture has them all.
         PaintDocument ghosts(300, 200, 72, std::nullopt);
         paintRect(ghosts, ghosts.activeLayer(), {0, 0, 150, 200}, {255, 0, 0, 255});

@@ -1,8 +1,8 @@
 #include "compositing/CompositeInputs.h"
 #include "core/TileMemory.h"
 #include "operations/LayerOperations.h"
-#include "operations/Selection.h"
 #include "support/Pictures.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
@@ -38,69 +38,46 @@ class tst_LayerOperations : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void newLayersGetTheFirstFreeNumber_data() {
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<int>("active");
-        QTest::addColumn<QString>("result");
-        QTest::newRow("one layer") << QStringList{"Layer 1"} << 0 << "Layer 1 [Layer 2]";
-        QTest::newRow("paper") << QStringList{"Background", "Layer 1"} << 1 << "Background Layer 1 [Layer 2]";
-        QTest::newRow("both") << QStringList{"Layer 1", "Layer 2"} << 0 << "Layer 1 [Layer 3] Layer 2";
-        QTest::newRow("taken") << QStringList{"Layer 2", "Layer 3"} << 1 << "Layer 2 Layer 3 [Layer 4]";
-        QTest::newRow("free below") << QStringList{"Layer 3", "Layer 4"} << 0 << "Layer 3 [Layer 2] Layer 4";
-    }
     void newLayersGetTheFirstFreeNumber() {
-        QFETCH(QStringList, names);
-        QFETCH(int, active);
-        const auto doc = stackOf(names, active);
-        addLayer(*doc);
-        QTEST(stack(*doc), "result");
-        QVERIFY(doc->takeDirtyTiles().empty()); // an empty layer changes no pixel
+        forRows<QStringList, int, QString>(
+            {{"one layer", {"Layer 1"}, 0, "Layer 1 [Layer 2]"},
+             {"paper", {"Background", "Layer 1"}, 1, "Background Layer 1 [Layer 2]"},
+             {"both", {"Layer 1", "Layer 2"}, 0, "Layer 1 [Layer 3] Layer 2"},
+             {"taken", {"Layer 2", "Layer 3"}, 1, "Layer 2 Layer 3 [Layer 4]"},
+             {"free below", {"Layer 3", "Layer 4"}, 0, "Layer 3 [Layer 2] Layer 4"}},
+            [](const QStringList& names, int active, const QString& result) {
+                const auto doc = stackOf(names, active);
+                addLayer(*doc);
+                QCOMPARE(stack(*doc), result);
+                QVERIFY(doc->takeDirtyTiles().empty()); // an empty layer changes no pixel
+            });
     }
 
-    void deletingKeepsTheSameLayerActive_data() {
-        QTest::addColumn<int>("active");
-        QTest::addColumn<int>("index");
-        QTest::addColumn<QString>("result");
-        QTest::newRow("below") << 1 << 0 << "[b] c";
-        QTest::newRow("above") << 1 << 2 << "a [b]";
-        QTest::newRow("itself") << 1 << 1 << "a [c]";
-        QTest::newRow("the active top") << 2 << 2 << "a [b]";
-        QTest::newRow("below the active top") << 2 << 0 << "b [c]";
-        QTest::newRow("no layer") << 1 << 3 << "a [b] c";
-        QTest::newRow("negative") << 1 << -1 << "a [b] c";
-    }
-    void deletingKeepsTheSameLayerActive() {
-        QFETCH(int, active);
-        QFETCH(int, index);
-        const auto doc = stackOf({"a", "b", "c"}, active);
-        deleteLayer(*doc, index);
-        QTEST(stack(*doc), "result");
-        QCOMPARE(doc->takeDirtyTiles().empty(), doc->layerCount() == 3);
-    }
-
-    void movingKeepsTheSameLayerActive_data() {
-        QTest::addColumn<int>("active");
-        QTest::addColumn<int>("from");
-        QTest::addColumn<int>("to");
-        QTest::addColumn<QString>("result");
-        QTest::newRow("up") << 0 << 0 << 2 << "b c [a]";
-        QTest::newRow("down across it") << 1 << 2 << 0 << "c a [b]";
-        QTest::newRow("up across it") << 1 << 0 << 2 << "[b] c a";
-        QTest::newRow("far too high") << 2 << 0 << 99 << "b [c] a";
-        QTest::newRow("far too low") << 0 << 2 << -9 << "c [a] b";
-        QTest::newRow("nowhere") << 1 << 1 << 1 << "a [b] c";
-        QTest::newRow("no layer") << 1 << 3 << 0 << "a [b] c";
-        QTest::newRow("negative") << 1 << -1 << 0 << "a [b] c";
-    }
-    void movingKeepsTheSameLayerActive() {
-        QFETCH(int, active);
-        QFETCH(int, from);
-        QFETCH(int, to);
-        const auto doc = stackOf({"a", "b", "c"}, active);
-        const QString before = stack(*doc);
-        moveLayer(*doc, from, to);
-        QTEST(stack(*doc), "result");
-        QCOMPARE(doc->takeDirtyTiles().empty(), stack(*doc) == before);
+    void deletingAndMovingKeepTheSameLayerActive() {
+        constexpr int kDelete = 100;
+        forRows<int, int, int, QString>({{"below", 1, 0, kDelete, "[b] c"},
+                                         {"above", 1, 2, kDelete, "a [b]"},
+                                         {"itself", 1, 1, kDelete, "a [c]"},
+                                         {"the active top", 2, 2, kDelete, "a [b]"},
+                                         {"below the top", 2, 0, kDelete, "b [c]"},
+                                         {"no layer", 1, 3, kDelete, "a [b] c"},
+                                         {"negative", 1, -1, kDelete, "a [b] c"},
+                                         {"up", 0, 0, 2, "b c [a]"},
+                                         {"down across it", 1, 2, 0, "c a [b]"},
+                                         {"up across it", 1, 0, 2, "[b] c a"},
+                                         {"far too high", 2, 0, 99, "b [c] a"},
+                                         {"far too low", 0, 2, -9, "c [a] b"},
+                                         {"nowhere", 1, 1, 1, "a [b] c"},
+                                         {"no layer to move", 1, 3, 0, "a [b] c"},
+                                         {"a negative one", 1, -1, 0, "a [b] c"}},
+                                        [](int active, int from, int to, const QString& result) {
+                                            const auto doc = stackOf({"a", "b", "c"}, active);
+                                            const QString before = stack(*doc);
+                                            to == kDelete ? deleteLayer(*doc, from)
+                                                          : moveLayer(*doc, from, to);
+                                            QCOMPARE(stack(*doc), result);
+                                            QCOMPARE(doc->takeDirtyTiles().empty(), stack(*doc) == before);
+                                        });
     }
 
     void aDuplicateSharesItsTilesUntilOneIsPainted() {
@@ -163,33 +140,25 @@ private Q_SLOTS:
         QCOMPARE(*doc->layer(0).contentBounds(), (IRect{0, 0, 300, 200}));
     }
 
-    void mergingTheVisibleOnesKeepsTheHidden_data() {
-        QTest::addColumn<QString>("visible");
-        QTest::addColumn<QString>("result");
-        QTest::newRow("one between") << "a-c--"
-                                     << "b [Merged] d e";
-        QTest::newRow("the topmost") << "-b--e"
-                                     << "a c d [Merged]";
-        QTest::newRow("all") << "abcde"
-                             << "[Merged]";
-        QTest::newRow("only one") << "--c--"
-                                  << "a b [c] d e";
-        QTest::newRow("none") << "-----"
-                              << "a b [c] d e";
-    }
     void mergingTheVisibleOnesKeepsTheHidden() {
-        QFETCH(QString, visible);
-        const auto doc = stackOf({"a", "b", "c", "d", "e"}, 2);
-        for (int i = 0; i < 5; ++i) {
-            doc->layer(i).load(*noise(300, 200, static_cast<uint64_t>(i)));
-            doc->layer(i).isVisible = visible[i] != '-';
-            doc->layer(i).blendMode = BlendMode(i + 3);
-        }
-        doc->onion.enabled = true; // never in the picture
-        const auto before = flattened(*doc);
-        mergeVisible(*doc);
-        QTEST(stack(*doc), "result");
-        QCOMPARE(whole(*doc, *before), QString());
+        forRows<QString, QString>({{"one between", "a-c--", "b [Merged] d e"},
+                                   {"the topmost", "-b--e", "a c d [Merged]"},
+                                   {"all", "abcde", "[Merged]"},
+                                   {"only one", "--c--", "a b [c] d e"},
+                                   {"none", "-----", "a b [c] d e"}},
+                                  [](const QString& visible, const QString& result) {
+                                      const auto doc = stackOf({"a", "b", "c", "d", "e"}, 2);
+                                      for (int i = 0; i < 5; ++i) {
+                                          doc->layer(i).load(*noise(300, 200, static_cast<uint64_t>(i)));
+                                          doc->layer(i).isVisible = visible[i] != '-';
+                                          doc->layer(i).blendMode = BlendMode(i + 3);
+                                      }
+                                      doc->onion.enabled = true; // never in the picture
+                                      const auto before = flattened(*doc);
+                                      mergeVisible(*doc);
+                                      QCOMPARE(stack(*doc), result);
+                                      QCOMPARE(whole(*doc, *before), QString());
+                                  });
     }
 
     void flatteningKeepsOnlyThePicture() {
@@ -205,59 +174,52 @@ private Q_SLOTS:
         QCOMPARE(doc->takeDirtyTiles().size(), std::size_t{2});
     }
 
-    void mergingTakesMemoryOnlyForWhatDiffers_data() {
-        QTest::addColumn<Merge>("merge");
-        QTest::addColumn<int>("tiles");
-        // Paper within the canvas, at its edges and in its corner, two tiles with something on them; those below go.
-        QTest::newRow("visible") << +[](PaintDocument& doc) { mergeVisible(doc); } << 4;
-        QTest::newRow("all") << +[](PaintDocument& doc) { flattenImage(doc); } << 4;
-        QTest::newRow("paper over paper") << +[](PaintDocument& doc) {
-            moveLayer(doc, 1, 0);
-            mergeDown(doc, 1);
-        } << 1;
-    }
     void mergingTakesMemoryOnlyForWhatDiffers() {
-        QFETCH(Merge, merge);
-        QFETCH(int, tiles);
-        PaintDocument doc(30000, 30000, 72, PaintColor::white());
-        addLayer(doc);
-        for (int64_t i : {1, 2}) paintRect(doc, doc.layer(i), {i * 5000, 300, 1, 1}, {9, 9, 9, 255});
-        const int64_t before = TileMemory::usedBytes();
-        const auto pixels = [&] {
-            return text(compositePixel(doc, 10000, 300)) + text(compositePixel(doc, 0, 0));
-        };
-        const QString picture = pixels();
-        merge(doc);
-        QCOMPARE(pixels(), picture);
-        QCOMPARE((TileMemory::usedBytes() - before) / kTileBytes, int64_t{tiles});
+        // Paper within the canvas, at its edges and in its corner, two tiles with something on them; those below go.
+        forRows<Merge, int>({{"visible", [](PaintDocument& doc) { mergeVisible(doc); }, 4},
+                             {"all", [](PaintDocument& doc) { flattenImage(doc); }, 4},
+                             {"paper over paper",
+                              [](PaintDocument& doc) {
+                                  moveLayer(doc, 1, 0);
+                                  mergeDown(doc, 1);
+                              },
+                              1}},
+                            [](const Merge& merge, int tiles) {
+                                PaintDocument doc(30000, 30000, 72, PaintColor::white());
+                                addLayer(doc);
+                                for (int64_t i : {1, 2})
+                                    paintRect(doc, doc.layer(i), {i * 5000, 300, 1, 1}, {9, 9, 9, 255});
+                                const int64_t before = TileMemory::usedBytes();
+                                const auto pixels = [&] {
+                                    return text(compositePixel(doc, 10000, 300)) +
+                                           text(compositePixel(doc, 0, 0));
+                                };
+                                const QString picture = pixels();
+                                merge(doc);
+                                QCOMPARE(pixels(), picture);
+                                QCOMPARE((TileMemory::usedBytes() - before) / kTileBytes, int64_t{tiles});
+                            });
     }
 
     void clearingStaysInsideTheSelection() {
-        const auto doc = stackOf({"a"}, 0);
-        Layer& layer = doc->activeLayer();
         const auto picture = noise(300, 200, 8);
-        layer.load(*picture);
-        std::vector<uint8_t> mask(300 * 200);
-        for (int64_t y = 50; y < 60; ++y) {
-            for (int64_t x = 250; x < 262; ++x)
-                mask[static_cast<std::size_t>(y * 300 + x)] = static_cast<uint8_t>(x);
-        }
-        doc->selection = Selection::fromMask(mask, 300, 200);
-        doc->takeDirtyTiles();
+        const auto doc = documentOf(*picture);
+        Layer& layer = doc->activeLayer();
+        doc->selection = selectionOf(300, 200, [](int64_t x, int64_t y) {
+            return IRect{250, 50, 12, 10}.contains(x, y) ? static_cast<int>(x) : 0;
+        });
         clearLayer(*doc, layer);
-        for (int64_t y = 0; y < 200; ++y) {
-            for (int64_t x = 0; x < 300; ++x) {
-                const int m = mask[static_cast<std::size_t>(y * 300 + x)];
-                PixelBytes wanted = picture->pixel(x, y);
-                for (uint8_t& c : wanted)
-                    c = static_cast<uint8_t>((2 * c * (255 - m) + 255) / 510); // to nearest
-                if (layer.pixel(x, y) != wanted) QFAIL(qPrintable(QString("%1,%2").arg(x).arg(y)));
-            }
-        }
+        const auto wanted = pictureOf(300, 200, [&](int64_t x, int64_t y) {
+            PixelBytes pixel = picture->pixel(x, y);
+            for (uint8_t& c : pixel) // to nearest
+                c = static_cast<uint8_t>((2 * c * (255 - doc->selection->value(x, y)) + 255) / 510);
+            return pixel;
+        });
+        QCOMPARE(firstDifference(*layer.toBuffer(), *wanted), QString());
         QCOMPARE(doc->takeDirtyTiles(), (std::vector<int64_t>{0, 1}));
 
         doc->fillLayer(layer, PaintColor::white());
-        doc->selection = Selection::fromMask(std::vector<uint8_t>(300 * 200, 128), 300, 200);
+        doc->selection = selectionOf(300, 200, [](int64_t, int64_t) { return 128; });
         clearLayer(*doc, layer);
         QCOMPARE(text(layer.pixel(299, 199)), QStringLiteral("127,127,127,127"));
         clearLayer(*doc, *addLayer(*doc)); // nothing to clear makes no tile

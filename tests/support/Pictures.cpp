@@ -34,6 +34,38 @@ std::shared_ptr<RGBABuffer> noise(int64_t width, int64_t height, uint64_t seed) 
     return buffer;
 }
 
+std::shared_ptr<RGBABuffer> pictureOf(int64_t width, int64_t height,
+                                      const std::function<PixelBytes(int64_t x, int64_t y)>& pixelAt) {
+    auto buffer = std::make_shared<RGBABuffer>(width, height);
+    for (int64_t i = 0; i < width * height; ++i) {
+        const PixelBytes pixel = pixelAt(i % width, i / width);
+        std::copy(pixel.begin(), pixel.end(), buffer->data() + i * 4);
+    }
+    return buffer;
+}
+
+SelectionRef selectionOf(int64_t width, int64_t height,
+                         const std::function<int(int64_t x, int64_t y)>& valueAt) {
+    std::vector<uint8_t> mask;
+    for (int64_t i = 0; i < width * height; ++i)
+        mask.push_back(static_cast<uint8_t>(valueAt(i % width, i / width)));
+    return Selection::fromMask(mask, width, height);
+}
+
+std::unique_ptr<PaintDocument> documentOf(const RGBABuffer& pixels) {
+    auto doc = std::make_unique<PaintDocument>(pixels.width(), pixels.height(), 72, std::nullopt);
+    doc->activeLayer().load(pixels);
+    doc->commit(QStringLiteral("Paint"));
+    doc->takeDirtyTiles();
+    return doc;
+}
+
+std::set<const Tile*> tilesOf(const Layer& layer) {
+    std::set<const Tile*> tiles;
+    layer.tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
+    return tiles;
+}
+
 std::unique_ptr<PaintDocument> randomDocument(int64_t width, int64_t height, int layers, uint64_t seed) {
     SeededRandom random(seed);
     const TileGrid grid(width, height);
@@ -53,22 +85,14 @@ std::unique_ptr<PaintDocument> randomDocument(int64_t width, int64_t height, int
 }
 
 QString firstDifference(const RGBABuffer& a, const RGBABuffer& b) {
-    if (a.width() != b.width() || a.height() != b.height()) {
-        return QStringLiteral("sizes %1x%2 and %3x%4")
-            .arg(a.width())
-            .arg(a.height())
-            .arg(b.width())
-            .arg(b.height());
-    }
-    for (int64_t y = 0; y < a.height(); ++y) {
-        for (int64_t x = 0; x < a.width(); ++x) {
-            if (a.pixel(x, y) != b.pixel(x, y)) {
-                return QStringLiteral("at %1,%2: %3 and %4")
-                    .arg(x)
-                    .arg(y)
-                    .arg(text(a.pixel(x, y)), text(b.pixel(x, y)));
-            }
-        }
+    if (a.width() != b.width() || a.height() != b.height())
+        return QString::asprintf("sizes %d x %d and %d x %d", int(a.width()), int(a.height()), int(b.width()),
+                                 int(b.height()));
+    for (int64_t i = 0; i < a.width() * a.height(); ++i) {
+        const int64_t x = i % a.width(), y = i / a.width();
+        if (a.pixel(x, y) != b.pixel(x, y))
+            return QStringLiteral("at %1,%2: ").arg(x).arg(y) + text(a.pixel(x, y)) + " and " +
+                   text(b.pixel(x, y));
     }
     return {};
 }

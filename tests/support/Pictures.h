@@ -1,9 +1,12 @@
 #pragma once
 #include "core/PaintDocument.h"
 #include "core/RGBABuffer.h"
+#include "operations/Selection.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <set>
 
 #include <QString>
 
@@ -14,6 +17,19 @@ void paintRect(PaintDocument& doc, Layer& layer, const IRect& rect, const PixelB
 
 /// Valid premultiplied noise from a seed: transparent, opaque and in-between pixels all occur.
 std::shared_ptr<RGBABuffer> noise(int64_t width, int64_t height, uint64_t seed);
+
+/// A picture of one's own, pixel by pixel.
+std::shared_ptr<RGBABuffer> pictureOf(int64_t width, int64_t height,
+                                      const std::function<PixelBytes(int64_t x, int64_t y)>& pixelAt);
+/// A selection of one's own, byte by byte.
+SelectionRef selectionOf(int64_t width, int64_t height,
+                         const std::function<int(int64_t x, int64_t y)>& valueAt);
+
+/// One layer of these pixels; nothing is dirty.
+std::unique_ptr<PaintDocument> documentOf(const RGBABuffer& pixels);
+
+/// The tiles that a layer holds, each once.
+std::set<const Tile*> tilesOf(const Layer& layer);
 
 /// A document of random layers with every kind of setting, the same for the same seed.
 std::unique_ptr<PaintDocument> randomDocument(int64_t width, int64_t height, int layers, uint64_t seed);
