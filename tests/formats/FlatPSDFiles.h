@@ -39,25 +39,17 @@ struct File {
     QByteArray layers; ///< The section without its length.
 
     QByteArray bytes() const {
-        BEWriter out;
-        out.bytes(QByteArray("8BPS"));
-        out.u16(isLarge ? 2 : 1);
-        out.zeros(6);
-        out.u16(channels);
-        out.u32(height);
-        out.u32(width);
-        out.u16(depth);
-        out.u16(mode);
-        for (const QByteArray& section : {colorTable, resources}) {
-            out.u32(static_cast<uint32_t>(section.size()));
-            out.bytes(section);
-        }
-        if (isLarge) out.u32(0);
-        out.u32(static_cast<uint32_t>(layers.size()));
-        out.bytes(layers);
-        out.u16(packing);
-        out.bytes(picture());
-        return out.take();
+        const PSDParts parts{.width = width,
+                             .height = height,
+                             .version = static_cast<uint16_t>(isLarge ? 2 : 1),
+                             .channels = channels,
+                             .depth = depth,
+                             .mode = mode,
+                             .modeData = colorTable,
+                             .resources = resources,
+                             .behindLayers = layers,
+                             .picture = big16(packing) + picture()};
+        return parts.joined();
     }
 
     QByteArray row(uint16_t channel, uint32_t y) const {
@@ -110,27 +102,16 @@ struct File {
     }
 };
 
-inline const QByteArray kResolutionTail("\0\1\0\1\0\1\0\0\0\1\0\1", 12);
-
 /// A layer section of which only the count is of interest: in its ordinary place or in a block of its own.
 inline QByteArray layerCount(int16_t count, const char* block = nullptr, bool isLarge = false) {
-    BEWriter out;
-    const auto length = [&](uint32_t value, bool isLong) {
-        if (isLong) out.u32(0);
-        out.u32(value);
+    const auto length = [isLarge](uint32_t value) {
+        return (isLarge ? big32(0) : QByteArray()) + big32(value);
     };
-    length(block ? 0 : 2, isLarge);
-    if (!block) out.i16(count);
-    out.u32(0); // global mask
-    if (!block) return out.take();
-    out.bytes(QByteArray("8BIMPatt")); // 5 bytes and what fills them up to 8
-    length(5, false);
-    out.zeros(8);
-    out.bytes(QByteArray("8BIM") + block);
-    length(2, isLarge);
-    out.i16(count);
-    out.zeros(2);
-    return out.take();
+    const QByteArray bytes = big16(static_cast<uint16_t>(count)), noMask = big32(0);
+    if (!block) return length(2) + bytes + noMask;
+    // First a block of 5 bytes and what fills them up to 8.
+    return length(0) + noMask + "8BIMPatt" + big32(5) + QByteArray(8, '\0') + "8BIM" + block + length(2) +
+           bytes + big16(0);
 }
 
 inline uint32_t bitsOf(double value) {

@@ -58,8 +58,7 @@ QString harmOf(const QByteArray& file, bool isNative) {
         if (!(doc->dpi >= 1 && doc->dpi <= 100'000)) return QStringLiteral("dots an inch");
         if (doc->layerCount() < 1 || !(doc->activeLayer().opacity <= 1)) return QStringLiteral("layers");
         std::set<const Tile*> tiles;
-        for (const LayerRef& layer : doc->layers())
-            layer->tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
+        for (const LayerRef& layer : doc->layers()) tiles.merge(tilesOf(*layer));
         for (const Tile* tile : tiles) {
             const uint8_t* p = tile->pixels();
             for (int i = 0; i < kTilePixels && !isNative; ++i, p += 4) {
@@ -162,25 +161,22 @@ private Q_SLOTS:
         QVERIFY2(kilobytes() - before < 64 * 1024, qPrintable(QString::number(kilobytes() - before)));
     }
 
-    void aSpoiledFileIsRefusedOrSound_data() {
-        QTest::addColumn<QByteArray>("file");
-        for (const auto& [name, file] : soundFiles()) QTest::newRow(name) << file;
-    }
     void aSpoiledFileIsRefusedOrSound() {
-        QFETCH(QByteArray, file);
-        const bool isNative = QTest::currentDataTag() == QByteArray("native");
-        QVERIFY(ImageImport::document(bytesOf(file), {}));
-        for (qsizetype cut = 0; cut < file.size(); cut += 1 + file.size() / 150)
-            QCOMPARE(harmOf(file.left(cut), isNative), QString());
-        SeededRandom random(11);
-        for (int i = 0; i < 200; ++i) {
-            QByteArray spoiled = file;
-            for (uint64_t bytes = 1 + random.next() % 6; bytes > 0; --bytes) {
-                const auto at = static_cast<qsizetype>(
-                    random.next() % static_cast<uint64_t>(std::min<qsizetype>(file.size(), 4000)));
-                spoiled[at] = static_cast<char>(random.next());
+        for (const auto& [name, file] : soundFiles()) {
+            const bool isNative = name == QByteArray("native");
+            QVERIFY2(ImageImport::document(bytesOf(file), {}), name);
+            for (qsizetype cut = 0; cut < file.size(); cut += 1 + file.size() / 150)
+                QCOMPARE(harmOf(file.left(cut), isNative), QString());
+            SeededRandom random(11);
+            for (int i = 0; i < 200; ++i) {
+                QByteArray spoiled = file;
+                for (uint64_t bytes = 1 + random.next() % 6; bytes > 0; --bytes)
+                    spoiled[static_cast<qsizetype>(
+                        random.next() % static_cast<uint64_t>(std::min<qsizetype>(file.size(), 4000)))] =
+                        static_cast<char>(random.next());
+                const QString harm = harmOf(spoiled, isNative);
+                QVERIFY2(harm.isEmpty(), qPrintable(QString("%1, %2: %3").arg(name).arg(i).arg(harm)));
             }
-            QCOMPARE(harmOf(spoiled, isNative), QString());
         }
     }
 };

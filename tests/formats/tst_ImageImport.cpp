@@ -76,46 +76,46 @@ QByteArray wordBmp(uint32_t compression, int height, const std::vector<uint32_t>
 class tst_ImageImport : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void eachFormatGivesItsPixels_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QImage>("expected");
-        QTest::addColumn<int>("tolerance");
+    void eachFormatGivesItsPixels() {
+        const auto row = [](const QString& name, const QByteArray& file, const QImage& expected,
+                            int tolerance) {
+            QVERIFY2(distance(decoded(file), expected) <= tolerance,
+                     qPrintable(name + ": " + QString::number(distance(decoded(file), expected))));
+        };
         const QImage opaque = blocks();
         const QImage clear = blocks(true);
-        QTest::newRow("png") << written(opaque, "png") << opaque << 0;
-        QTest::newRow("png with alpha") << written(clear, "png") << clear << 0;
+        row("png", written(opaque, "png"), opaque, 0);
+        row("png with alpha", written(clear, "png"), clear, 0);
         const QImage gray = opaque.convertToFormat(QImage::Format_Grayscale8);
-        QTest::newRow("png grey") << written(gray, "png") << gray << 0;
+        row("png grey", written(gray, "png"), gray, 0);
         const QImage indexed = opaque.convertToFormat(QImage::Format_Indexed8);
-        QTest::newRow("png with palette") << written(indexed, "png") << opaque << 0;
+        row("png with palette", written(indexed, "png"), opaque, 0);
         const QImage mono = opaque.convertToFormat(QImage::Format_Mono);
-        QTest::newRow("png of one bit") << written(mono, "png") << mono << 0;
-        QTest::newRow("jpeg") << jpegOf(opaque) << opaque << 2;
-        QTest::newRow("jpeg grey") << written(gray, "jpg") << gray << 2;
-        QTest::newRow("bmp") << written(opaque, "bmp") << opaque << 0;
+        row("png of one bit", written(mono, "png"), mono, 0);
+        row("jpeg", jpegOf(opaque), opaque, 2);
+        row("jpeg grey", written(gray, "jpg"), gray, 2);
+        row("bmp", written(opaque, "bmp"), opaque, 0);
         QByteArray fromTheTop = written(opaque.mirrored(), "bmp");
         fromTheTop.replace(22, 4, QByteArray("\xE0\xFF\xFF\xFF", 4)); // 32 rows, below nothing
-        QTest::newRow("bmp from the top") << fromTheTop << opaque << 0;
-        QTest::newRow("bmp with palette") << written(indexed, "bmp") << opaque << 0;
+        row("bmp from the top", fromTheTop, opaque, 0);
+        row("bmp with palette", written(indexed, "bmp"), opaque, 0);
         // Words of 5 bits a channel from the bottom, and of 5, 6 and 5 from the top.
         QImage corners(2, 2, QImage::Format_RGB888);
         corners.setPixelColor(0, 0, Qt::white);
         corners.setPixelColor(1, 0, Qt::red);
         corners.setPixelColor(0, 1, QColor(0, 255, 132));
         corners.setPixelColor(1, 1, Qt::black);
-        QTest::newRow("bmp of 15 bits")
-            << wordBmp(0, 2, {}, QByteArray("\xF0\x03\0\0\xFF\x7F\0\x7C", 8)) << corners << 0;
-        QTest::newRow("bmp of 16 bits")
-            << wordBmp(3, -2, {0xF800, 0x07E0, 0x001F}, QByteArray("\xFF\xFF\0\xF8\xF0\x07\0\0", 8))
-            << corners << 0;
-        QTest::newRow("webp") << written(clear, "webp") << clear << 0;
-        QTest::newRow("gif") << testData("blocks.gif") << opaque << 0;
-        QTest::newRow("heic") << testData("blocks.heic") << opaque << 4;
-        QTest::newRow("tiff") << tiffOf(opaque) << opaque << 0;
-        QTest::newRow("tiff by Qt") << written(clear.convertToFormat(QImage::Format_ARGB32), "tiff") << clear
-                                    << 1;
-        QTest::newRow("tiff with palette") << written(indexed, "tiff") << opaque << 0;
-        QTest::newRow("tiff of one bit") << written(mono, "tiff") << mono << 0;
+        row("bmp of 15 bits", wordBmp(0, 2, {}, QByteArray("\xF0\x03\0\0\xFF\x7F\0\x7C", 8)), corners, 0);
+        row("bmp of 16 bits",
+            wordBmp(3, -2, {0xF800, 0x07E0, 0x001F}, QByteArray("\xFF\xFF\0\xF8\xF0\x07\0\0", 8)), corners,
+            0);
+        row("webp", written(clear, "webp"), clear, 0);
+        row("gif", testData("blocks.gif"), opaque, 0);
+        row("heic", testData("blocks.heic"), opaque, 4);
+        row("tiff", tiffOf(opaque), opaque, 0);
+        row("tiff by Qt", written(clear.convertToFormat(QImage::Format_ARGB32), "tiff"), clear, 1);
+        row("tiff with palette", written(indexed, "tiff"), opaque, 0);
+        row("tiff of one bit", written(mono, "tiff"), mono, 0);
         QByteArray planes;
         const QByteArray rgb = rgbBytes(opaque);
         for (int c = 0; c < 3; ++c) {
@@ -124,16 +124,14 @@ private Q_SLOTS:
         auto tags = tiffTags(kWidth, kHeight, 2, 3, 8);
         tags.back() = {284, 3, {2}};
         tags.erase(tags.begin() + 3); // no word about compression means none
-        QTest::newRow("tiff in planes") << planarTiff(tags, planes, 3) << opaque << 0;
+        row("tiff in planes", planarTiff(tags, planes, 3), opaque, 0);
         const uint8_t grays[4] = {255, 170, 85, 0};
-        QTest::newRow("tiff of two bits, white first")
-            << tiffFile(tiffTags(4, 1, 0, 1, 2), "\x1B")
-            << QImage(grays, 4, 1, QImage::Format_Grayscale8).copy() << 0;
+        row("tiff of two bits, white first", tiffFile(tiffTags(4, 1, 0, 1, 2), "\x1B"),
+            QImage(grays, 4, 1, QImage::Format_Grayscale8).copy(), 0);
         auto mapped = tiffTags(2, 1, 3, 1, 4);
         mapped.push_back({320, 3, std::vector<uint32_t>(48)});
         for (std::size_t c = 0; c < 3; ++c) mapped.back().values[16 * c + 11] = grays[c] * 257u;
-        QTest::newRow("tiff with a map of 16")
-            << tiffFile(mapped, "\xBB") << flat({255, 170, 85}).copy(0, 0, 2, 1) << 0;
+        row("tiff with a map of 16", tiffFile(mapped, "\xBB"), flat({255, 170, 85}).copy(0, 0, 2, 1), 0);
         QByteArray passes;
         for (const auto& [x0, y0, dx, dy] : std::initializer_list<std::array<int, 4>>{{0, 0, 8, 8},
                                                                                       {4, 0, 8, 8},
@@ -148,20 +146,14 @@ private Q_SLOTS:
                     passes.append(reinterpret_cast<const char*>(clear.constScanLine(y) + 4 * x), 4);
             }
         }
-        QTest::newRow("png interlaced")
-            << pngFile(kWidth, kHeight, QByteArray("\x08\6\0\0\1", 5), passes) << clear << 0;
-    }
-    void eachFormatGivesItsPixels() {
-        QFETCH(QByteArray, file);
-        QFETCH(QImage, expected);
-        QFETCH(int, tolerance);
-        QVERIFY2(distance(decoded(file), expected) <= tolerance,
-                 qPrintable(QString::number(distance(decoded(file), expected))));
+        row("png interlaced", pngFile(kWidth, kHeight, QByteArray("\x08\6\0\0\1", 5), passes), clear, 0);
     }
 
-    void everyOrientationStandsUpright_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QImage>("expected");
+    void everyOrientationStandsUpright() {
+        const auto row = [](const QString& name, const QByteArray& file, const QImage& expected) {
+            QVERIFY2(distance(decoded(file), expected) <= 2,
+                     qPrintable(name + ": " + QString::number(distance(decoded(file), expected))));
+        };
         const QImage stored = blocks();
         // Where the stored first row and first column belong, in EXIF's words.
         const struct {
@@ -183,25 +175,19 @@ private Q_SLOTS:
             }
             const auto order = way.number % 2 == 0 ? ByteOrder::little : ByteOrder::big;
             const QByteArray exif = exifBlock(way.number, 0, 1, 2, order);
-            QTest::addRow("jpeg %u", way.number)
-                << withJpegSegment(jpegOf(stored), 0xE1, QByteArray("Exif\0\0", 6) + exif) << upright;
-            QTest::addRow("tiff %u", way.number) << tiffOf(stored, {{274, 3, {way.number}}}) << upright;
-            QTest::addRow("png %u", way.number)
-                << withPngChunk(written(stored, "png"), "eXIf", exif) << upright;
-            QTest::addRow("webp %u", way.number) << webpOf(stored, {}, exif) << upright;
+            row(QString::asprintf("jpeg %u", way.number),
+                withJpegSegment(jpegOf(stored), 0xE1, QByteArray("Exif\0\0", 6) + exif), upright);
+            row(QString::asprintf("tiff %u", way.number), tiffOf(stored, {{274, 3, {way.number}}}), upright);
+            row(QString::asprintf("png %u", way.number), withPngChunk(written(stored, "png"), "eXIf", exif),
+                upright);
+            row(QString::asprintf("webp %u", way.number), webpOf(stored, {}, exif), upright);
             // A palette goes through the library's own conversion, which must not turn as well.
             QByteArray indexed = written(stored.convertToFormat(QImage::Format_Indexed8), "tiff");
             const qsizetype at = indexed.indexOf(QByteArray("\x12\x01\x03\x00\x01\x00\x00\x00", 8));
             QVERIFY(at > 0);
             indexed[at + 8] = static_cast<char>(way.number);
-            QTest::addRow("tiff with palette %u", way.number) << indexed << upright;
+            row(QString::asprintf("tiff with palette %u", way.number), indexed, upright);
         }
-    }
-    void everyOrientationStandsUpright() {
-        QFETCH(QByteArray, file);
-        QFETCH(QImage, expected);
-        QVERIFY2(distance(decoded(file), expected) <= 2,
-                 qPrintable(QString::number(distance(decoded(file), expected))));
     }
 
     void aTurnedHeicIsTurnedOnce() {
@@ -214,67 +200,57 @@ private Q_SLOTS:
         QCOMPARE(picture->dpi, 300.0);
     }
 
-    void embeddedColorsBecomeScreenColors_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QColor>("expected");
+    void embeddedColorsBecomeScreenColors() {
+        const auto row = [](const QString& name, const QByteArray& file, const QColor& expected) {
+            const PixelBytes pixel = firstPixel(file);
+            const PixelBytes wanted{static_cast<uint8_t>(expected.red()),
+                                    static_cast<uint8_t>(expected.green()),
+                                    static_cast<uint8_t>(expected.blue()), 255};
+            QVERIFY2(isNear(pixel, wanted, 2), qPrintable(name + ": " + text(pixel)));
+        };
         const QColor stored(60, 200, 90);
         const QColor fromP3(0, 203, 73); // by the formulas published with the spaces
         const QColor fromAdobe(0, 201, 80);
         const QColor grayStored(128, 128, 128);
         const QColor fromLinear(188, 188, 188);
         const QByteArray p3 = displayP3Profile();
-        QTest::newRow("png P3") << withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(p3)) << fromP3;
-        QTest::newRow("png 16 bits P3")
-            << withPngChunk(written(flat(stored, QImage::Format_RGBX64), "png"), "iCCP", iccpBody(p3))
-            << fromP3;
-        QTest::newRow("png Adobe") << withPngChunk(written(flat(stored), "png"), "iCCP",
-                                                   iccpBody(adobeRgbProfile()))
-                                   << fromAdobe;
-        QTest::newRow("png grey") << withPngChunk(written(flat(grayStored, QImage::Format_Grayscale8), "png"),
-                                                  "iCCP", iccpBody(grayProfile(1)))
-                                  << fromLinear;
-        QTest::newRow("png linear gamma")
-            << withPngChunk(written(flat(grayStored), "png"), "gAMA", bigEndianWords({100000})) << fromLinear;
-        QTest::newRow("png P3 by its primaries")
-            << withPngChunk(withPngChunk(written(flat(stored), "png"), "gAMA", bigEndianWords({45455})),
-                            "cHRM", bigEndianWords({31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000}))
-            << fromP3;
-        QTest::newRow("jpeg P3") << withJpegProfile(jpegOf(flat(stored)), p3) << fromP3;
-        QTest::newRow("tiff P3") << tiffOf(flat(stored), {profileTag(p3)}) << fromP3;
-        QTest::newRow("webp P3") << webpOf(flat(stored), p3, {}) << fromP3;
-        QTest::newRow("broken") << withPngChunk(written(flat(stored), "png"), "iCCP",
-                                                iccpBody(QByteArray(400, 'x')))
-                                << stored;
-        QTest::newRow("of another model") << withJpegProfile(jpegOf(flat(stored)), grayProfile(1)) << stored;
+        row("png P3", withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(p3)), fromP3);
+        row("png 16 bits P3",
+            withPngChunk(written(flat(stored, QImage::Format_RGBX64), "png"), "iCCP", iccpBody(p3)), fromP3);
+        row("png Adobe", withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(adobeRgbProfile())),
+            fromAdobe);
+        row("png grey",
+            withPngChunk(written(flat(grayStored, QImage::Format_Grayscale8), "png"), "iCCP",
+                         iccpBody(grayProfile(1))),
+            fromLinear);
+        row("png linear gamma",
+            withPngChunk(written(flat(grayStored), "png"), "gAMA", bigEndianWords({100000})), fromLinear);
+        row("png P3 by its primaries",
+            withPngChunk(withPngChunk(written(flat(stored), "png"), "gAMA", bigEndianWords({45455})), "cHRM",
+                         bigEndianWords({31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000})),
+            fromP3);
+        row("jpeg P3", withJpegProfile(jpegOf(flat(stored)), p3), fromP3);
+        row("tiff P3", tiffOf(flat(stored), {profileTag(p3)}), fromP3);
+        row("webp P3", webpOf(flat(stored), p3, {}), fromP3);
+        row("broken", withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(QByteArray(400, 'x'))),
+            stored);
+        row("of another model", withJpegProfile(jpegOf(flat(stored)), grayProfile(1)), stored);
 
         const QColor press(kPressCyan[0], kPressCyan[1], kPressCyan[2]);
         const QByteArray cyan = QByteArray("\xFF\0\0\0", 4).repeated(256);
         const QByteArray inverted = QByteArray("\0\xFF\xFF\xFF", 4).repeated(256);
-        QTest::newRow("jpeg inks") << withJpegProfile(cmykJpeg(cyan, 16, 16, false), pressProfile()) << press;
-        QTest::newRow("jpeg Adobe's inks")
-            << withJpegProfile(cmykJpeg(inverted, 16, 16, true), pressProfile()) << press;
-        QTest::newRow("jpeg Adobe's inks, no profile")
-            << cmykJpeg(inverted, 16, 16, true) << QColor(0, 255, 255);
-        QTest::newRow("tiff inks") << onePixelTiff(5, 8, {255, 0, 0, 0}, {profileTag(pressProfile())})
-                                   << press;
-        QTest::newRow("tiff 16-bit inks")
-            << onePixelTiff(5, 16, {65535, 0, 0, 0}, {profileTag(pressProfile())}) << press;
-        QTest::newRow("tiff inks, no profile") << onePixelTiff(5, 8, {0, 255, 255, 0}) << QColor(255, 0, 0);
-        QTest::newRow("tiff 16 bits P3")
-            << onePixelTiff(2, 16, {60 * 257, 200 * 257, 90 * 257}, {profileTag(p3)}) << fromP3;
-        QTest::newRow("tiff Lab") << onePixelTiff(8, 8, {128, 0, 0}) << QColor(119, 119, 119);
-        QTest::newRow("tiff Lab, a below 0") << onePixelTiff(8, 8, {153, 0xCE, 0x32}) << QColor(53, 166, 43);
-        QTest::newRow("tiff 16-bit Lab")
-            << onePixelTiff(8, 16, {153 * 257, 0xCE00, 0x3200}) << QColor(53, 166, 43);
-        QTest::newRow("tiff white is 0") << onePixelTiff(0, 8, {55}) << QColor(200, 200, 200);
-    }
-    void embeddedColorsBecomeScreenColors() {
-        QFETCH(QByteArray, file);
-        QFETCH(QColor, expected);
-        const PixelBytes pixel = firstPixel(file);
-        const PixelBytes wanted{static_cast<uint8_t>(expected.red()), static_cast<uint8_t>(expected.green()),
-                                static_cast<uint8_t>(expected.blue()), 255};
-        QVERIFY2(isNear(pixel, wanted, 2), qPrintable(text(pixel)));
+        row("jpeg inks", withJpegProfile(cmykJpeg(cyan, 16, 16, false), pressProfile()), press);
+        row("jpeg Adobe's inks", withJpegProfile(cmykJpeg(inverted, 16, 16, true), pressProfile()), press);
+        row("jpeg Adobe's inks, no profile", cmykJpeg(inverted, 16, 16, true), QColor(0, 255, 255));
+        row("tiff inks", onePixelTiff(5, 8, {255, 0, 0, 0}, {profileTag(pressProfile())}), press);
+        row("tiff 16-bit inks", onePixelTiff(5, 16, {65535, 0, 0, 0}, {profileTag(pressProfile())}), press);
+        row("tiff inks, no profile", onePixelTiff(5, 8, {0, 255, 255, 0}), QColor(255, 0, 0));
+        row("tiff 16 bits P3", onePixelTiff(2, 16, {60 * 257, 200 * 257, 90 * 257}, {profileTag(p3)}),
+            fromP3);
+        row("tiff Lab", onePixelTiff(8, 8, {128, 0, 0}), QColor(119, 119, 119));
+        row("tiff Lab, a below 0", onePixelTiff(8, 8, {153, 0xCE, 0x32}), QColor(53, 166, 43));
+        row("tiff 16-bit Lab", onePixelTiff(8, 16, {153 * 257, 0xCE00, 0x3200}), QColor(53, 166, 43));
+        row("tiff white is 0", onePixelTiff(0, 8, {55}), QColor(200, 200, 200));
     }
 
     void screenColorsStayExact() {
@@ -306,42 +282,37 @@ private Q_SLOTS:
                  QStringLiteral("100,0,0,100"));
     }
 
-    void densitiesAreThoseThatWereMeant_data() {
-        QTest::addColumn<double>("read");
-        QTest::addColumn<double>("meant");
-        QTest::newRow("PNG 300") << dpiFromMeters(11811) << 300.0;
-        QTest::newRow("PNG 72") << dpiFromMeters(2835) << 72.0;
-        QTest::newRow("PNG 72, cut") << dpiFromMeters(2834) << 72.0;
-        QTest::newRow("PNG 72.3") << dpiFromMeters(2846) << 72.3;
-        QTest::newRow("PNG, nothing nice") << dpiFromMeters(2848) << 2848 * 0.0254;
-        QTest::newRow("per cm") << dpiFromCentimeters(118.11) << 300.0;
-        QTest::newRow("whole per cm") << dpiFromCentimeters(118) << 300.0;
-        QTest::newRow("inches, noisy") << dpiFromInches(299.9994) << 300.0;
-        QTest::newRow("inches, meant so") << dpiFromInches(299.5) << 299.5;
-        QTest::newRow("nothing") << dpiFromInches(0) << 72.0;
-        QTest::newRow("below nothing") << dpiFromMeters(-5) << 72.0;
-        QTest::newRow("not a number") << dpiFromInches(std::nan("")) << 72.0;
-        QTest::newRow("endless") << dpiFromCentimeters(HUGE_VAL) << 72.0;
-        QTest::newRow("tiny") << dpiFromInches(0.9) << 72.0;
-        QTest::newRow("one") << dpiFromInches(1) << 1.0;
-        QTest::newRow("most") << dpiFromInches(1e5) << 1e5;
-        QTest::newRow("huge") << dpiFromMeters(0x7FFFFFFF) << 72.0;
-        for (int dpi = 1; dpi <= 2400; dpi += 1) {
-            const bool isKept = dpiFromMeters(std::lround(dpi / 0.0254)) == dpi &&
-                                dpiFromInches(dpi) == dpi &&
-                                dpiFromCentimeters(std::round(dpi / 2.54 * 100) / 100) == dpi;
-            if (!isKept) QTest::addRow("%d", dpi) << 0.0 << static_cast<double>(dpi);
+    void densitiesAreThoseThatWereMeant() {
+        for (const auto& [read, meant] : {std::pair{dpiFromMeters(11811), 300.0},
+                                          {dpiFromMeters(2835), 72},
+                                          {dpiFromMeters(2834), 72}, // cut
+                                          {dpiFromMeters(2846), 72.3},
+                                          {dpiFromMeters(2848), 2848 * 0.0254}, // nothing nice
+                                          {dpiFromCentimeters(118.11), 300},
+                                          {dpiFromCentimeters(118), 300},
+                                          {dpiFromInches(299.9994), 300},
+                                          {dpiFromInches(299.5), 299.5},
+                                          {dpiFromInches(0), 72},
+                                          {dpiFromMeters(-5), 72},
+                                          {dpiFromInches(std::nan("")), 72},
+                                          {dpiFromCentimeters(HUGE_VAL), 72},
+                                          {dpiFromInches(0.9), 72},
+                                          {dpiFromInches(1), 1},
+                                          {dpiFromInches(1e5), 1e5},
+                                          {dpiFromMeters(0x7FFFFFFF), 72}})
+            QCOMPARE(read, meant);
+        for (int dpi = 1; dpi <= 2400; ++dpi) {
+            QCOMPARE(dpiFromMeters(std::lround(dpi / 0.0254)), dpi);
+            QCOMPARE(dpiFromInches(dpi), dpi);
+            QCOMPARE(dpiFromCentimeters(std::round(dpi / 2.54 * 100) / 100), dpi);
         }
     }
-    void densitiesAreThoseThatWereMeant() {
-        QFETCH(double, read);
-        QFETCH(double, meant);
-        QCOMPARE(read, meant);
-    }
 
-    void aDensityIsReadFromEachFormat_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<double>("dpi");
+    void aDensityIsReadFromEachFormat() {
+        const auto row = [](const char* name, const QByteArray& file, double dpi) {
+            const auto picture = decoded(file);
+            QVERIFY2(picture && picture->dpi == dpi, name);
+        };
         QImage image = blocks();
         image.setDotsPerMeterX(11811);
         image.setDotsPerMeterY(11811);
@@ -358,34 +329,26 @@ private Q_SLOTS:
             file.remove(33, 21); // Qt's own
             return withPngChunk(file, "pHYs", bigEndianWords({dots, dots}) + unit);
         };
-        QTest::newRow("png") << png(11811, 1) << 300.0;
-        QTest::newRow("png aspect only") << png(11811, 0) << 72.0;
-        QTest::newRow("png 0") << png(0, 1) << 72.0;
-        QTest::newRow("png hostile") << png(0x7FFFFFFF, 1) << 72.0;
-        QTest::newRow("jpeg inches") << jpegOf(blocks()) << 72.0;
-        QTest::newRow("jpeg centimetres") << inCentimeters << 300.0;
-        QTest::newRow("jpeg aspect only") << aspect << 72.0;
-        QTest::newRow("jpeg EXIF") << withJpegSegment(withoutJfif, 0xE1, exif) << 300.0;
-        QTest::newRow("jpeg JFIF before EXIF") << withJpegSegment(bare, 0xE1, exif) << 72.0;
-        QTest::newRow("tiff inches") << tiffOf(blocks(), {{282, 5, {300, 1}}, {296, 3, {2}}}) << 300.0;
-        QTest::newRow("tiff inches unsaid") << tiffOf(blocks(), {{282, 5, {3000, 10}}}) << 300.0;
-        QTest::newRow("tiff centimetres")
-            << tiffOf(blocks(), {{282, 5, {11811, 100}}, {296, 3, {3}}}) << 300.0;
-        QTest::newRow("tiff no unit") << tiffOf(blocks(), {{282, 5, {300, 1}}, {296, 3, {1}}}) << 72.0;
-        QTest::newRow("tiff by nothing") << tiffOf(blocks(), {{282, 5, {300, 0}}}) << 72.0;
-        QTest::newRow("tiff missing") << tiffOf(blocks()) << 72.0;
-        QTest::newRow("bmp") << written(image, "bmp") << 300.0;
-        QTest::newRow("webp EXIF") << webpOf(blocks(), {}, exifBlock(1, 300)) << 300.0;
-        QTest::newRow("webp missing") << written(image, "webp") << 72.0;
-        QTest::newRow("gif") << testData("blocks.gif") << 72.0;
-        QTest::newRow("heic missing") << testData("blocks.heic") << 72.0;
-    }
-    void aDensityIsReadFromEachFormat() {
-        QFETCH(QByteArray, file);
-        QFETCH(double, dpi);
-        const auto picture = decoded(file);
-        QVERIFY(picture);
-        QCOMPARE(picture->dpi, dpi);
+        row("png", png(11811, 1), 300.0);
+        row("png aspect only", png(11811, 0), 72.0);
+        row("png 0", png(0, 1), 72.0);
+        row("png hostile", png(0x7FFFFFFF, 1), 72.0);
+        row("jpeg inches", jpegOf(blocks()), 72.0);
+        row("jpeg centimetres", inCentimeters, 300.0);
+        row("jpeg aspect only", aspect, 72.0);
+        row("jpeg EXIF", withJpegSegment(withoutJfif, 0xE1, exif), 300.0);
+        row("jpeg JFIF before EXIF", withJpegSegment(bare, 0xE1, exif), 72.0);
+        row("tiff inches", tiffOf(blocks(), {{282, 5, {300, 1}}, {296, 3, {2}}}), 300.0);
+        row("tiff inches unsaid", tiffOf(blocks(), {{282, 5, {3000, 10}}}), 300.0);
+        row("tiff centimetres", tiffOf(blocks(), {{282, 5, {11811, 100}}, {296, 3, {3}}}), 300.0);
+        row("tiff no unit", tiffOf(blocks(), {{282, 5, {300, 1}}, {296, 3, {1}}}), 72.0);
+        row("tiff by nothing", tiffOf(blocks(), {{282, 5, {300, 0}}}), 72.0);
+        row("tiff missing", tiffOf(blocks()), 72.0);
+        row("bmp", written(image, "bmp"), 300.0);
+        row("webp EXIF", webpOf(blocks(), {}, exifBlock(1, 300)), 300.0);
+        row("webp missing", written(image, "webp"), 72.0);
+        row("gif", testData("blocks.gif"), 72.0);
+        row("heic missing", testData("blocks.heic"), 72.0);
     }
 
     void aHeicTellsWhatItsDecoderWillTake() {

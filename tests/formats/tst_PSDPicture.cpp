@@ -8,6 +8,7 @@
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/Pictures.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 #include <array>
@@ -25,15 +26,11 @@ QString decodedPixel(const File& file) {
     return picture ? text(picture->layer->pixel(0, 0)) : "nothing";
 }
 
-void addPixelColumns() {
-    QTest::addColumn<File>("file");
-    QTest::addColumn<QString>("pixel");
-}
+using PixelRows = std::initializer_list<std::tuple<const char*, File, QString>>;
 
-void comparePixel() {
-    QFETCH(File, file);
-    QFETCH(QString, pixel);
-    QCOMPARE(decodedPixel(file), pixel);
+void comparePixels(PixelRows rows) {
+    forRows<File, QString>(
+        rows, [](const File& file, const QString& pixel) { QCOMPARE(decodedPixel(file), pixel); });
 }
 
 } // namespace
@@ -43,7 +40,7 @@ class tst_PSDPicture : public QObject {
 private Q_SLOTS:
     void cleanup() { setConcurrency(0); }
 
-    void everyColorModeDepthAndPackingOpens_data() {
+    void everyColorModeDepthAndPackingOpens() {
         struct Kind {
             Mode mode;
             uint16_t depth;
@@ -53,50 +50,42 @@ private Q_SLOTS:
                                   {indexed, 8, 1}, {rgb, 8, 3},   {rgb, 16, 3},         {rgb, 32, 3},
                                   {cmyk, 8, 4},    {cmyk, 16, 4}, {multichannel, 8, 5}, {duotone, 8, 1},
                                   {lab, 8, 3},     {lab, 16, 3}};
-        QTest::addColumn<File>("file");
-        for (const Kind& kind : kinds) {
+        for (const auto& [mode, depth, channels] : kinds) {
+            const QString what = QStringLiteral("mode %1, %2 bits").arg(mode).arg(depth);
             File file;
-            file.mode = kind.mode;
-            file.depth = kind.depth;
-            file.channels = kind.channels;
-            file.width = kind.mode == gray ? 260 : 11; // over the seams of tiles
-            file.height = 261;                         // more rows than are unpacked at once
-            file.sampleAt = noiseOf(kind.mode, kind.depth);
-            if (kind.mode == indexed) file.colorTable = colorTable();
-            QTest::addRow("mode %d, %d bits", int(kind.mode), int(kind.depth)) << file;
-        }
-    }
-    void everyColorModeDepthAndPackingOpens() {
-        QFETCH(File, file);
-        const int tolerance = file.mode == lab ? 1 : 0; // where the colour library works in tables
-        const auto plain = PSDPicture::decode(bytesOf(file.bytes()));
-        QVERIFY(plain);
-        for (uint32_t y = 0; y < file.height; ++y) {
-            for (uint32_t x = 0; x < file.width; ++x) {
-                const auto expected = meaning(file.mode, file.depth, file.sampleAt(x, y));
+            file.mode = mode;
+            file.depth = depth;
+            file.channels = channels;
+            file.width = mode == gray ? 260 : 11; // over the seams of tiles
+            file.height = 261;                    // more rows than are unpacked at once
+            file.sampleAt = noiseOf(mode, depth);
+            if (mode == indexed) file.colorTable = colorTable();
+            const int tolerance = mode == lab ? 1 : 0; // where the colour library works in tables
+            const auto plain = PSDPicture::decode(bytesOf(file.bytes()));
+            QVERIFY2(plain, qPrintable(what));
+            for (uint32_t i = 0; i < file.width * file.height; ++i) {
+                const uint32_t x = i % file.width, y = i / file.width;
+                const auto expected = meaning(mode, depth, file.sampleAt(x, y));
                 const PixelBytes got = plain->layer->pixel(x, y);
-                for (std::size_t c = 0; c < 3; ++c)
-                    QVERIFY2(
-                        std::abs(got[c] - expected[c]) <= tolerance,
-                        qPrintable(
-                            QString("%1,%2: %3, expected %4").arg(x).arg(y).arg(text(got)).arg(expected[c])));
-                QCOMPARE(got[3], uint8_t{255});
+                bool isRight = got[3] == 255;
+                for (std::size_t c = 0; c < 3; ++c) isRight &= std::abs(got[c] - expected[c]) <= tolerance;
+                QVERIFY2(isRight, qPrintable(what + QString(" at %1,%2: ").arg(x).arg(y) + text(got)));
             }
-        }
-        for (const Packing packing : {raw, runs, deflated, differences}) {
-            for (const bool isLarge : {false, true}) {
-                file.packing = packing;
-                file.isLarge = isLarge;
-                setConcurrency(isLarge ? 1 : 0);
-                const auto packed = PSDPicture::decode(bytesOf(file.bytes()));
-                QVERIFY2(packed, qPrintable(QString::number(packing)));
-                QCOMPARE(firstDifference(*packed->layer->toBuffer(), *plain->layer->toBuffer()), QString());
+            for (const Packing packing : {raw, runs, deflated, differences}) {
+                for (const bool isLarge : {false, true}) {
+                    file.packing = packing;
+                    file.isLarge = isLarge;
+                    setConcurrency(isLarge ? 1 : 0);
+                    const auto packed = PSDPicture::decode(bytesOf(file.bytes()));
+                    QVERIFY2(packed, qPrintable(what));
+                    QCOMPARE(firstDifference(*packed->layer->toBuffer(), *plain->layer->toBuffer()),
+                             QString());
+                }
             }
         }
     }
 
-    void theFirstExtraChannelIsTransparencyWhereTheFileSaysSo_data() {
-        addPixelColumns();
+    void theFirstExtraChannelIsTransparencyWhereTheFileSaysSo() {
         const QByteArray none;
         const QByteArray saved = psdResource(1053, {}, big32(7));
         const QByteArray transparency = psdResource(1053, {}, big32(0));
@@ -105,30 +94,29 @@ private Q_SLOTS:
         const Samples onWhite16{65535, 45875, 26214, 39321};
         const Samples straight16{65535, 32896, 0, 39321};
         const Samples floats{bitsOf(1), bitsOf(0.7), bitsOf(0.4), bitsOf(0.6)};
-        const QString pixel = "153,77,0,153";
-        const QString opaque = "255,179,102,255";
-        QTest::newRow("layers") << pixelFile(rgb, 8, onWhite, layerCount(-2)) << pixel;
-        QTest::newRow("layers of 16 bits") << pixelFile(rgb, 16, onWhite16, layerCount(-1, "Lr16")) << pixel;
-        QTest::newRow("layers of 32 bits")
-            << pixelFile(rgb, 32, floats, layerCount(-1, "Lr32")) << "153,113,0,153";
+        const char *pixel = "153,77,0,153", *opaque = "255,179,102,255";
         File large = pixelFile(rgb, 16, onWhite16, layerCount(-1, "Lr16", true));
         large.isLarge = true;
-        QTest::newRow("large") << large << pixel;
-        QTest::newRow("saved, with layers") << pixelFile(rgb, 16, onWhite16, layerCount(1, "Lr16")) << opaque;
-        QTest::newRow("saved, without") << pixelFile(rgb, 8, onWhite, none, saved) << opaque;
-        QTest::newRow("named") << pixelFile(rgb, 16, straight16, none, transparency) << pixel;
-        QTest::newRow("nothing named") << pixelFile(rgb, 16, straight16) << pixel;
-        QTest::newRow("two of them") << pixelFile(gray, 8, {200, 102, 9}, layerCount(-1)) << "47,47,47,102";
-        QTest::newRow("inks") << pixelFile(cmyk, 8, {255, 179, 102, 255, 153}, layerCount(-1)) << pixel;
-        QTest::newRow("another ink") << pixelFile(multichannel, 8, {255, 179, 102, 255, 153}) << opaque;
-        QTest::newRow("three inks") << pixelFile(multichannel, 8, {255, 179, 102}) << opaque;
-        QTest::newRow("palette") << pixelFile(indexed, 8, {255, 51}) << "51,0,34,51";
-        // Half of a mid gray: L 53.6 on 100, and no colour in either coding of it.
-        QTest::newRow("lab 8") << pixelFile(lab, 8, {196, 128, 128, 128}, layerCount(-1)) << "64,64,64,128";
-        QTest::newRow("lab 16") << pixelFile(lab, 16, {50266, 32768, 32768, 32896}, layerCount(-1, "Lr16"))
-                                << "64,64,64,128";
+        comparePixels({
+            {"layers", pixelFile(rgb, 8, onWhite, layerCount(-2)), pixel},
+            {"layers of 16 bits", pixelFile(rgb, 16, onWhite16, layerCount(-1, "Lr16")), pixel},
+            {"layers of 32 bits", pixelFile(rgb, 32, floats, layerCount(-1, "Lr32")), "153,113,0,153"},
+            {"large", large, pixel},
+            {"saved, with layers", pixelFile(rgb, 16, onWhite16, layerCount(1, "Lr16")), opaque},
+            {"saved, without", pixelFile(rgb, 8, onWhite, none, saved), opaque},
+            {"named", pixelFile(rgb, 16, straight16, none, transparency), pixel},
+            {"nothing named", pixelFile(rgb, 16, straight16), pixel},
+            {"two of them", pixelFile(gray, 8, {200, 102, 9}, layerCount(-1)), "47,47,47,102"},
+            {"inks", pixelFile(cmyk, 8, {255, 179, 102, 255, 153}, layerCount(-1)), pixel},
+            {"another ink", pixelFile(multichannel, 8, {255, 179, 102, 255, 153}), opaque},
+            {"three inks", pixelFile(multichannel, 8, {255, 179, 102}), opaque},
+            {"palette", pixelFile(indexed, 8, {255, 51}), "51,0,34,51"},
+            // Half of a mid gray: L 53.6 on 100, and no colour in either coding of it.
+            {"lab 8", pixelFile(lab, 8, {196, 128, 128, 128}, layerCount(-1)), "64,64,64,128"},
+            {"lab 16", pixelFile(lab, 16, {50266, 32768, 32768, 32896}, layerCount(-1, "Lr16")),
+             "64,64,64,128"},
+        });
     }
-    void theFirstExtraChannelIsTransparencyWhereTheFileSaysSo() { comparePixel(); }
 
     void colorsComeOffTheirWhiteBackdropExactly() {
         const auto expected = noise(300, 40, 5);
@@ -182,57 +170,46 @@ private Q_SLOTS:
             compare(bits, false);
     }
 
-    void aProfileIsUsedWhereItFits_data() {
-        addPixelColumns();
+    void aProfileIsUsedWhereItFits() {
         const QByteArray icc = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
         const QByteArray adobe = psdResource(1039, {}, icc);
         const QByteArray broken = psdResource(1039, {}, icc.left(200));
         const QColorSpace linearP3(QColorSpace::Primaries::DciP3D65, QColorSpace::TransferFunction::Linear);
         const QByteArray linear = psdResource(1039, {}, linearP3.iccProfile());
-        const Samples floats{bitsOf(0.2), bitsOf(0.5), bitsOf(0.2)};
+        const Samples floats{bitsOf(0.2), bitsOf(0.5), bitsOf(0.2)}, words{25700, 38550, 51400};
         // Computed from the definitions of the colour spaces.
-        QTest::newRow("8 bits") << pixelFile(rgb, 8, {100, 150, 200}, {}, adobe) << "66,151,203,255";
-        QTest::newRow("16 bits") << pixelFile(rgb, 16, {25700, 38550, 51400}, {}, adobe) << "66,151,203,255";
-        QTest::newRow("palette") << pixelFile(indexed, 8, {100}, {}, adobe) << "60,156,31,255";
-        QTest::newRow("broken") << pixelFile(rgb, 16, {25700, 38550, 51400}, {}, broken) << "100,150,200,255";
-        QTest::newRow("another model") << pixelFile(gray, 8, {100}, {}, adobe) << "100,100,100,255";
-        QTest::newRow("floats, curved") << pixelFile(rgb, 32, floats, {}, adobe) << "124,188,124,255";
-        QTest::newRow("floats, linear") << pixelFile(rgb, 32, floats, {}, linear) << "102,190,117,255";
+        comparePixels({
+            {"8 bits", pixelFile(rgb, 8, {100, 150, 200}, {}, adobe), "66,151,203,255"},
+            {"16 bits", pixelFile(rgb, 16, words, {}, adobe), "66,151,203,255"},
+            {"palette", pixelFile(indexed, 8, {100}, {}, adobe), "60,156,31,255"},
+            {"broken", pixelFile(rgb, 16, words, {}, broken), "100,150,200,255"},
+            {"another model", pixelFile(gray, 8, {100}, {}, adobe), "100,100,100,255"},
+            {"floats, curved", pixelFile(rgb, 32, floats, {}, adobe), "124,188,124,255"},
+            {"floats, linear", pixelFile(rgb, 32, floats, {}, linear), "102,190,117,255"},
+        });
     }
-    void aProfileIsUsedWhereItFits() { comparePixel(); }
 
-    void aFileSavedWithoutAPictureIsSaidToBe_data() {
-        QTest::addColumn<QByteArray>("layers");
-        QTest::addColumn<int>("flag"); // -1: none
-        QTest::addColumn<bool>("hasPicture");
-        QTest::addColumn<bool>("isRefused");
-        QTest::newRow("blank picture") << layerCount(1, "Lr16") << 0 << true << true;
-        QTest::newRow("real picture") << layerCount(1, "Lr16") << 1 << true << false;
-        QTest::newRow("nothing said") << layerCount(1, "Lr16") << -1 << true << false;
-        QTest::newRow("no picture at all") << layerCount(1) << 1 << false << true;
-        QTest::newRow("no layers either") << QByteArray() << 0 << true << false;
-    }
     void aFileSavedWithoutAPictureIsSaidToBe() {
-        QFETCH(QByteArray, layers);
-        QFETCH(int, flag);
-        QFETCH(bool, hasPicture);
-        QFETCH(bool, isRefused);
-        File file = pixelFile(gray, 16, {65535}, layers);
-        if (flag >= 0) file.resources = psdResource(1057, {}, big32(1) + static_cast<char>(flag));
-        QByteArray bytes = file.bytes();
-        if (!hasPicture) bytes.chop(4);
-        bool refused = false;
-        try {
-            QVERIFY(PSDPicture::decode(bytesOf(bytes)));
-        } catch (const PSDFile::PSDError& error) {
-            refused = true;
-            QCOMPARE(
-                error.description(),
-                QString(
-                    "This Photoshop file was saved without a flattened picture, and its layers use a feature "
-                    "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
-        }
-        QCOMPARE(refused, isRefused);
+        const QString words =
+            "This Photoshop file was saved without a flattened picture, and its layers use a feature "
+            "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on.";
+        // The flag is left out where it is -1.
+        forRows<QByteArray, int, bool, QString>(
+            {{"blank picture", layerCount(1, "Lr16"), 0, true, words},
+             {"real picture", layerCount(1, "Lr16"), 1, true, "opens"},
+             {"nothing said", layerCount(1, "Lr16"), -1, true, "opens"},
+             {"no picture at all", layerCount(1), 1, false, words},
+             {"no layers either", "", 0, true, "opens"}},
+            [](const QByteArray& layers, int flag, bool hasPicture, const QString& outcome) {
+                File file = pixelFile(gray, 16, {65535}, layers);
+                if (flag >= 0) file.resources = psdResource(1057, {}, big32(1) + static_cast<char>(flag));
+                const QByteArray bytes = file.bytes().chopped(hasPicture ? 0 : 4);
+                try {
+                    QCOMPARE(PSDPicture::decode(bytesOf(bytes)) ? "opens" : "refused", outcome);
+                } catch (const PSDFile::PSDError& error) {
+                    QCOMPARE(error.description(), outcome);
+                }
+            });
     }
 
     void aFileOpensInLayersWhereTheyCanBeRead() {

@@ -119,20 +119,18 @@ private Q_SLOTS:
         }
     }
 
-    void refusalsAreInTheseWords_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("words");
-        const auto row = [](const char* name, const PSDParts& parts, const QString& words) {
-            QTest::newRow(name) << parts.joined() << words;
+    void refusalsAreInTheseWords() {
+        const auto row = [](const QString& name, const PSDParts& parts, const QString& words) {
+            QCOMPARE(name + ": " + refusalOf(parts.joined()), name + ": " + words);
         };
-        const auto layered = [&](const char* name, const PSDRecord& record, const QString& words) {
+        const auto layered = [&](const QString& name, const PSDRecord& record, const QString& words) {
             row(name, {.records = {record}}, words);
         };
         const QString notOurs = PaintFileError::notPaintFile().description();
         const QString tooLarge = PaintFileError::tooLarge().description();
         const QByteArray flat = rawChannel(4, 9, 1);
 
-        QTest::newRow("no bytes") << QByteArray() << notOurs;
+        QCOMPARE(refusalOf({}), notOurs);
         row("large document", {.version = 2}, notOurs);
         row("16 bits", {.depth = 16, .mode = 4}, unsupported("16-bit color"));
         row("CMYK", {.mode = 4}, unsupported("color mode 4; only RGB"));
@@ -166,7 +164,7 @@ private Q_SLOTS:
                     huge.channels.push_back(
                         {identifier, big16(static_cast<uint32_t>(code)) + QByteArray(200, '\0')});
                 huge.top = -h;
-                layered(qPrintable(QStringLiteral("%1 x %2, code %3").arg(w).arg(h).arg(code)), huge,
+                layered(QStringLiteral("%1 x %2, code %3").arg(w).arg(h).arg(code), huge,
                         h == 1 && code == 1 ? QString() : "short");
             }
         }
@@ -174,17 +172,12 @@ private Q_SLOTS:
         record.channels[0].statedLength = 0xFFFFFFFF;
         layered("a channel beyond the file", record, "short");
     }
-    void refusalsAreInTheseWords() {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, words);
-        QCOMPARE(refusalOf(file), words);
-    }
 
-    void layersLieWhereTheirRectanglesSay_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("pixels");
-        const auto row = [](const char* name, PSDRecord record, const char* pixels) {
-            QTest::newRow(name) << PSDParts{.records = {std::move(record)}}.joined() << QString(pixels);
+    void layersLieWhereTheirRectanglesSay() {
+        const auto row = [](const QString& name, PSDRecord record, const char* pixels) {
+            const QByteArray file = PSDParts{.records = {std::move(record)}}.joined();
+            QCOMPARE(name + ": " + reds(file), name + ": " + pixels);
+            QCOMPARE(opened(file)->layerCount(), 1);
         };
         const PixelBytes seven{7, 0, 0, 255};
         row("inside", flatRecord(1, 1, 2, 3, seven), ".... .77. ....");
@@ -210,52 +203,35 @@ private Q_SLOTS:
         record.channels[3].statedLength = 2; // the last one, whose rows run on
         row("a length that is too small", record, "77.. .... ....");
     }
-    void layersLieWhereTheirRectanglesSay() {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, pixels);
-        QCOMPARE(reds(file), pixels);
-        QCOMPARE(opened(file)->layerCount(), 1);
-    }
 
-    void rowsAreMendedOrRefused_data() {
-        QTest::addColumn<QByteArray>("row");
-        QTest::addColumn<QString>("pixels"); // of that row; empty: refused
-        const auto row = [](const char* name, const char* hex, const char* pixels) {
-            QTest::newRow(name) << QByteArray::fromHex(hex) << QString(pixels);
-        };
-        row("full", "FD05", "5555");
-        row("short", "FF0500 07", "5570");
-        row("nothing", "", "0000");
-        row("no step", "80", "0000");
-        row("too long", "030102030405", "1234");
-        row("a run without its byte", "FF05FF", "");
-        row("a stretch that is cut", "0301 02", "");
-    }
     void rowsAreMendedOrRefused() {
-        QFETCH(QByteArray, row);
-        QFETCH(QString, pixels);
-        const QByteArray full = QByteArray::fromHex("FD09");
-        // Rows before and behind show that each starts afresh.
-        PSDParts parts = withRedRows({full, row, full});
-        if (pixels.isEmpty()) {
-            QCOMPARE(refusalOf(parts.joined()), QStringLiteral("short"));
-        } else {
-            QCOMPARE(reds(parts.joined()), QStringLiteral("9999 %1 9999").arg(pixels));
-        }
-        // The same rows where nobody sees them are walked all the same.
-        const QString words = pixels.isEmpty() ? QStringLiteral("short") : QString();
-        for (const auto& [top, left] : {std::pair{-1, -4}, {-2, 0}, {2, 0}, {7, 7}}) {
-            PSDRecord& record = parts.records[0];
-            record.top = top, record.left = left, record.bottom = top + 3, record.right = left + 4;
+        // The bytes of a row and its pixels; none: refused.
+        for (const auto& [hex, pixels] : {std::pair("FD05", "5555"), // full
+                                          {"FF0500 07", "5570"},     // short
+                                          {"", "0000"},
+                                          {"80", "0000"}, // no step
+                                          {"030102030405", "1234"},
+                                          {"FF05FF", ""}, // a run without its byte
+                                          {"0301 02", ""}}) {
+            const QByteArray row = QByteArray::fromHex(hex), full = QByteArray::fromHex("FD09");
+            const QString words = *pixels ? "" : "short";
+            // Rows before and behind show that each starts afresh.
+            PSDParts parts = withRedRows({full, row, full});
             QCOMPARE(refusalOf(parts.joined()), words);
+            if (*pixels) QCOMPARE(reds(parts.joined()), QStringLiteral("9999 %1 9999").arg(pixels));
+            // The same rows where nobody sees them are walked all the same.
+            for (const auto& [top, left] : {std::pair{-1, -4}, {-2, 0}, {2, 0}, {7, 7}}) {
+                PSDRecord& record = parts.records[0];
+                record.top = top, record.left = left, record.bottom = top + 3, record.right = left + 4;
+                QCOMPARE(refusalOf(parts.joined()), words);
+            }
+            parts.records[0].blocks = section("lsdk");
+            parts.picture = rawChannel(4, 9, 1);
+            QCOMPARE(refusalOf(parts.joined()), words);
+            std::vector<QByteArray> rows(9, full);
+            rows.back() = row;
+            QCOMPARE(refusalOf(PSDParts{.picture = packedChannel(rows)}.joined()), words);
         }
-        parts.records[0].blocks = section("lsdk");
-        parts.picture = rawChannel(4, 9, 1);
-        QCOMPARE(refusalOf(parts.joined()), words);
-        QCOMPARE(refusalOf(
-                     PSDParts{.picture = packedChannel({full, full, full, full, full, full, full, full, row})}
-                         .joined()),
-                 words);
     }
 
     void aShortRowKeepsNothingOfTheOneAbove() {
@@ -293,16 +269,19 @@ private Q_SLOTS:
         }
     }
 
-    void namesAreMended_data() {
-        QTest::addColumn<QByteArray>("pascal");
-        QTest::addColumn<QByteArray>("blocks");
-        QTest::addColumn<QString>("name");
+    void namesAreMended() {
         const auto luni = [](const std::vector<uint16_t>& units) {
             return psdBlock("luni", psdUnicode(units));
         };
-        const auto row = [](const char* what, const char* pascal, const QByteArray& blocks,
+        const auto row = [](const QString& what, const char* pascal, const QByteArray& blocks,
                             const QString& name) {
-            QTest::newRow(what) << QByteArray(pascal) << blocks << name;
+            PSDRecord record = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
+            record.name = pascal;
+            record.blocks = blocks;
+            record.namePadding = "8BI"; // is passed over whatever it holds
+            const auto doc = opened(PSDParts{.records = {flatRecord(0, 0, 1, 1, {}), record}}.joined());
+            QCOMPARE(what + ": " + doc->layer(1).name, what + ": " + name);
+            QCOMPARE(doc->layer(1).pixel(0, 0), (PixelBytes{1, 2, 3, 255}));
         };
         row("only the old name", "Inks", {}, "Inks");
         row("the new one counts", "Inks", luni({'P', 'e', 'n'}), "Pen");
@@ -315,18 +294,6 @@ private Q_SLOTS:
         row("behind what is no block", "Inks", psdBlock("lyid", big32(7)) + "8BXX" + luni({'P'}).mid(4),
             "Inks");
         row("none at all", "", {}, "Layer 2");
-    }
-    void namesAreMended() {
-        QFETCH(QByteArray, pascal);
-        QFETCH(QByteArray, blocks);
-        QFETCH(QString, name);
-        PSDRecord record = flatRecord(0, 0, 1, 1, {1, 2, 3, 255});
-        record.name = pascal;
-        record.blocks = blocks;
-        record.namePadding = "8BI"; // is passed over whatever it holds
-        const auto doc = opened(PSDParts{.records = {flatRecord(0, 0, 1, 1, {}), record}}.joined());
-        QCOMPARE(doc->layer(1).name, name);
-        QCOMPARE(doc->layer(1).pixel(0, 0), (PixelBytes{1, 2, 3, 255}));
     }
 
     void groupsLeaveTheirLayersBehind() {
@@ -348,14 +315,11 @@ private Q_SLOTS:
         QCOMPARE(flat->layer(0).pixel(3, 2), (PixelBytes{8, 8, 8, 255}));
     }
 
-    void whatIsLostIsTold_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("words");
-        const auto row = [](const char* name, const PSDParts& parts, const char* words) {
-            PSDParts whole = parts;
-            if (whole.picture.isEmpty())
-                whole.picture = rawChannel(4 * whole.depth / 8, 3 * whole.channels, 8);
-            QTest::newRow(name) << whole.joined() << words;
+    void whatIsLostIsTold() {
+        const auto row = [](const QString& name, PSDParts parts, const QString& words) {
+            parts.picture = rawChannel(4 * parts.depth / 8, 3 * parts.channels, 8);
+            const auto remarks = ImageImport::imported(bytesOf(parts.joined())).remarks;
+            QCOMPARE(name + ": " + wordsOf(remarks), name + ": " + words);
         };
         const auto with = [](PSDRecord record) { return PSDParts{.records = {std::move(record)}}; };
         const auto block = [&](const char* key, const QByteArray& data) {
@@ -404,12 +368,6 @@ private Q_SLOTS:
         row("damaged", with({.signature = "8BIX"}), "Opened as one layer: damaged layers.");
     }
 
-    void whatIsLostIsTold() {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, words);
-        QCOMPARE(wordsOf(ImageImport::imported(bytesOf(file)).remarks), words);
-    }
-
     void aDensityOutOfRangeIsMissing() {
         const QByteArray tiny = psdResource(1005, {}, big32(1) + QByteArray(12, '\0'));
         QCOMPARE(opened(PSDParts{.resources = tiny, .picture = rawChannel(4, 9, 8)}.joined())->dpi, 72.0);
@@ -430,8 +388,7 @@ private Q_SLOTS:
         const auto doc = opened(parts.joined());
         const TileGrid& grid = doc->grid();
         std::set<const Tile*> tiles;
-        for (const LayerRef& layer : doc->layers())
-            layer->tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });
+        for (const LayerRef& layer : doc->layers()) tiles.merge(tilesOf(*layer));
         QCOMPARE(tiles.size(),
                  std::size_t{4 + 4}); // the inside and the three edges; two stripes, cut at the right or not
         QCOMPARE(doc->layer(0).pixel(29999, 29999), (PixelBytes{0, 0, 0, 255}));

@@ -8,6 +8,7 @@
 #include "platform/Parallel.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
@@ -29,6 +30,43 @@ std::unique_ptr<PaintDocument> scatteredDocument() {
     return doc;
 }
 
+/// Every colour with every alpha to straight colour and back.
+void checkStraightRows() {
+    for (int a = 0; a < 256; ++a) {
+        std::array<std::array<uint8_t, 256>, 4> planes;
+        std::array<uint8_t, 256 * 4> pixels, back;
+        for (std::size_t c = 0; c < 256; ++c) {
+            // Two transparent or opaque pixels at the end, so that the row is neither all the one nor all the other.
+            const int alpha = c < 254 ? a : 255 - a;
+            const std::array<uint8_t, 4> pixel{static_cast<uint8_t>(c), static_cast<uint8_t>(255 - c),
+                                               static_cast<uint8_t>(c / 2), static_cast<uint8_t>(alpha)};
+            std::copy(pixel.begin(), pixel.end(), pixels.begin() + static_cast<std::ptrdiff_t>(4 * c));
+        }
+        straightRow(pixels.data(), 256,
+                    {planes[0].data(), planes[1].data(), planes[2].data(), planes[3].data()});
+        premultiplyRow({planes[0].data(), planes[1].data(), planes[2].data(), planes[3].data()}, 256,
+                       back.data());
+        for (std::size_t c = 0; c < 256; ++c) {
+            const int alpha = pixels[4 * c + 3];
+            for (std::size_t channel = 0; channel < 3; ++channel) {
+                const int value = pixels[4 * c + channel];
+                const int s = alpha == 0 ? 0 : std::min((255 * value + alpha / 2) / alpha, 255);
+                QCOMPARE(planes[channel][c], s);
+                QCOMPARE(back[4 * c + channel], (alpha * s + 127) / 255);
+                if (value <= alpha) QCOMPARE(back[4 * c + channel], value);
+            }
+            QCOMPARE(back[4 * c + 3], alpha);
+        }
+        // Every colour times every alpha.
+        std::array<uint8_t, 256> alphas;
+        alphas.fill(static_cast<uint8_t>(a));
+        for (std::size_t c = 0; c < 256; ++c) planes[0][c] = static_cast<uint8_t>(c);
+        premultiplyRow({planes[0].data(), planes[0].data(), planes[0].data(), alphas.data()}, 256,
+                       back.data());
+        for (int c = 0; c < 256; ++c) QCOMPARE(back[static_cast<std::size_t>(4 * c)], (a * c + 127) / 255);
+    }
+}
+
 } // namespace
 
 class tst_PSDWriter : public QObject {
@@ -39,46 +77,10 @@ private Q_SLOTS:
         useInstructionSet({});
     }
 
-    void straightColourComesBack_data() {
-        QTest::addColumn<std::string>("instructions");
-        for (const std::string& set : instructionSets()) QTest::newRow(set.c_str()) << set;
-    }
     void straightColourComesBack() {
-        QFETCH(std::string, instructions);
-        useInstructionSet(instructions);
-        for (int a = 0; a < 256; ++a) {
-            std::array<std::array<uint8_t, 256>, 4> planes;
-            std::array<uint8_t, 256 * 4> pixels, back;
-            for (std::size_t c = 0; c < 256; ++c) {
-                // Two transparent or opaque pixels at the end, so that the row is neither all the one nor all the other.
-                const int alpha = c < 254 ? a : 255 - a;
-                const std::array<uint8_t, 4> pixel{static_cast<uint8_t>(c), static_cast<uint8_t>(255 - c),
-                                                   static_cast<uint8_t>(c / 2), static_cast<uint8_t>(alpha)};
-                std::copy(pixel.begin(), pixel.end(), pixels.begin() + static_cast<std::ptrdiff_t>(4 * c));
-            }
-            straightRow(pixels.data(), 256,
-                        {planes[0].data(), planes[1].data(), planes[2].data(), planes[3].data()});
-            premultiplyRow({planes[0].data(), planes[1].data(), planes[2].data(), planes[3].data()}, 256,
-                           back.data());
-            for (std::size_t c = 0; c < 256; ++c) {
-                const int alpha = pixels[4 * c + 3];
-                for (std::size_t channel = 0; channel < 3; ++channel) {
-                    const int value = pixels[4 * c + channel];
-                    const int s = alpha == 0 ? 0 : std::min((255 * value + alpha / 2) / alpha, 255);
-                    QCOMPARE(planes[channel][c], s);
-                    QCOMPARE(back[4 * c + channel], (alpha * s + 127) / 255);
-                    if (value <= alpha) QCOMPARE(back[4 * c + channel], value);
-                }
-                QCOMPARE(back[4 * c + 3], alpha);
-            }
-            // Every colour times every alpha.
-            std::array<uint8_t, 256> alphas;
-            alphas.fill(static_cast<uint8_t>(a));
-            for (std::size_t c = 0; c < 256; ++c) planes[0][c] = static_cast<uint8_t>(c);
-            premultiplyRow({planes[0].data(), planes[0].data(), planes[0].data(), alphas.data()}, 256,
-                           back.data());
-            for (int c = 0; c < 256; ++c)
-                QCOMPARE(back[static_cast<std::size_t>(4 * c)], (a * c + 127) / 255);
+        for (const std::string& name : instructionSets()) {
+            useInstructionSet(name);
+            checkStraightRows();
         }
     }
 
@@ -137,32 +139,25 @@ private Q_SLOTS:
         }
     }
 
-    void namesAreWrittenTwice_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("pascal");
-        QTest::addColumn<int>("units");
-        QTest::newRow("none") << QString() << QByteArray(4, '\0') << 0;
-        QTest::newRow("padding of three") << "abcd" << QByteArray("\4abcd\0\0\0", 8) << 4;
-        QTest::newRow("a letter for each scalar")
-            << QString::fromUtf8("aéЖ🦊") << QByteArray("\4a???\0\0\0", 8) << 5;
-        QTest::newRow("cut at 255") << QString(300, 'x') << '\xFF' + QByteArray(255, 'x') << 300;
-    }
     void namesAreWrittenTwice() {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, pascal);
-        QFETCH(int, units);
-        PaintDocument doc(1, 1, 72, std::nullopt);
-        doc.activeLayer().name = name;
-        const QByteArray file = PSDFile::write(doc, Layered::yes);
-        QCOMPARE(file.mid(138, pascal.size()), pascal); // behind a record of 66 bytes
-        std::vector<uint16_t> codes;
-        for (const QChar unit : name) codes.push_back(unit.unicode());
-        QByteArray unicode = psdUnicode(codes);
-        QCOMPARE(unicode.size(), 4 + 2 * units);
-        unicode.append((4 - unicode.size() % 4) % 4, '\0');
-        QCOMPARE(file.mid(138 + pascal.size(), 12 + unicode.size()), psdBlock("luni", unicode));
-        QCOMPARE(PSDFile::read(bytesOf(file))->layer(0).name,
-                 name.isEmpty() ? QStringLiteral("Layer 1") : name);
+        forRows<QString, QByteArray>(
+            {{"none", "", QByteArray(4, '\0')},
+             {"padding of three", "abcd", QByteArray("\4abcd\0\0\0", 8)},
+             {"a letter for each scalar", QString::fromUtf8("aéЖ🦊"), QByteArray("\4a???\0\0\0", 8)},
+             {"cut at 255", QString(300, 'x'), '\xFF' + QByteArray(255, 'x')}},
+            [](const QString& name, const QByteArray& pascal) {
+                PaintDocument doc(1, 1, 72, std::nullopt);
+                doc.activeLayer().name = name;
+                const QByteArray file = PSDFile::write(doc, Layered::yes);
+                QCOMPARE(file.mid(138, pascal.size()), pascal); // behind a record of 66 bytes
+                std::vector<uint16_t> codes;
+                for (const QChar unit : name) codes.push_back(unit.unicode());
+                QByteArray unicode = psdUnicode(codes);
+                unicode.append((4 - unicode.size() % 4) % 4, '\0');
+                QCOMPARE(file.mid(138 + pascal.size(), 12 + unicode.size()), psdBlock("luni", unicode));
+                QCOMPARE(PSDFile::read(bytesOf(file))->layer(0).name,
+                         name.isEmpty() ? QStringLiteral("Layer 1") : name);
+            });
     }
 };
 

@@ -2,9 +2,11 @@
 #include "formats/ByteReader.h"
 #include "formats/psd/PackBits.h"
 #include "platform/Bytes.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
+using namespace qirn::test;
 
 namespace {
 
@@ -43,30 +45,27 @@ Row mixedRow(SeededRandom& random, std::size_t length) {
 class tst_PackBits : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void rowsPackToTheseBytes_data() {
-        QTest::addColumn<QByteArray>("row");
-        QTest::addColumn<QByteArray>("packed");
+    void rowsPackToTheseBytes() {
         const auto hex = [](const char* digits) { return QByteArray::fromHex(digits); };
         QByteArray rising;
         for (int i = 0; i < 130; ++i) rising.append(static_cast<char>(i));
-        QTest::newRow("nothing") << QByteArray() << QByteArray();
-        QTest::newRow("one byte") << hex("07") << hex("0007");
-        QTest::newRow("runs round a byte") << hex("01010203030303") << hex("FF010002FD03");
-        QTest::newRow("a pair within a stretch") << hex("0102020304") << hex("040102020304");
-        QTest::newRow("a pair at the end of a stretch") << hex("010202") << hex("02010202");
-        QTest::newRow("128 equal") << QByteArray(128, 'x') << hex("8178");
-        QTest::newRow("130 equal") << QByteArray(130, 'x') << hex("8178FF78");
-        QTest::newRow("130 different") << rising << hex("7F") + rising.left(128) + hex("018081");
-        // The stretch is full one byte before the three: they are a run of their own.
-        QTest::newRow("a run behind a full stretch")
-            << rising.left(128) + "xxx" << hex("7F") + rising.left(128) + hex("FE78");
-    }
-    void rowsPackToTheseBytes() {
-        QFETCH(QByteArray, row);
-        QFETCH(QByteArray, packed);
-        QCOMPARE(packedBy(PSDFile::packBitsPlainly, bytes(row)), bytes(packed));
-        QCOMPARE(packedBy(PSDFile::packBits, bytes(row)), bytes(packed));
-        QCOMPARE(unpacked(bytes(packed), static_cast<std::size_t>(row.size())), bytes(row));
+        forRows<QByteArray, QByteArray>(
+            {{"nothing", "", ""},
+             {"one byte", hex("07"), hex("0007")},
+             {"runs round a byte", hex("01010203030303"), hex("FF010002FD03")},
+             {"a pair within a stretch", hex("0102020304"), hex("040102020304")},
+             {"a pair at the end of a stretch", hex("010202"), hex("02010202")},
+             {"128 equal", QByteArray(128, 'x'), hex("8178")},
+             {"130 equal", QByteArray(130, 'x'), hex("8178FF78")},
+             {"130 different", rising, hex("7F") + rising.left(128) + hex("018081")},
+             // The stretch is full one byte before the three: they are a run of their own.
+             {"a run behind a full stretch", rising.left(128) + "xxx",
+              hex("7F") + rising.left(128) + hex("FE78")}},
+            [](const QByteArray& row, const QByteArray& packed) {
+                QCOMPARE(packedBy(PSDFile::packBitsPlainly, bytes(row)), bytes(packed));
+                QCOMPARE(packedBy(PSDFile::packBits, bytes(row)), bytes(packed));
+                QCOMPARE(unpacked(bytes(packed), static_cast<std::size_t>(row.size())), bytes(row));
+            });
     }
 
     void packingSixtyFourAtATimeGivesTheSameBytes() {

@@ -69,16 +69,14 @@ class tst_PaintFileDamage : public QObject {
 private Q_SLOTS:
     void cleanup() { setConcurrency(0); }
 
-    void refusalsAreInTheseWords_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("words");
+    void refusalsAreInTheseWords() {
         const QByteArray good = richFile();
-        const auto row = [](const char* name, const QByteArray& file, const QString& words) {
-            QTest::newRow(name) << file << words;
+        const auto row = [](const QString& name, const QByteArray& file, const QString& words) {
+            QCOMPARE(name + ": " + refusalOf(file), name + ": " + words);
         };
         const auto changed = [&](const char* name, const QString& words,
                                  const std::function<void(OrderedJson&)>& change) {
-            QTest::newRow(name) << withManifest(good, change) << words;
+            row(name, withManifest(good, change), words);
         };
         QByteArray otherGeneration = good;
         otherGeneration[7] = 2;
@@ -109,20 +107,13 @@ private Q_SLOTS:
              {"2026-03-01", "2026-03-01 12:30:05Z", "2026-02-30T12:30:05Z", "2026-03-01T12:30:05Zx"})
             changed(moment, damaged("manifest"), [moment](OrderedJson& m) { m["saved"] = moment; });
     }
-    void refusalsAreInTheseWords() {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, words);
-        QCOMPARE(refusalOf(file), words);
-    }
 
-    void tilesAreRefusedInTheseWords_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("words");
+    void tilesAreRefusedInTheseWords() {
         const QByteArray raw(kTileBytes, '\x7F');
         const QByteArray stream = compressed(raw);
-        const auto row = [](const char* name, const QByteArray& bytes, int64_t coding, const QString& words,
-                            const std::function<void(OrderedJson&)>& change = {}) {
-            QTest::newRow(name) << fileWithTile(bytes, coding, change) << words;
+        const auto row = [](const QString& name, const QByteArray& bytes, int64_t coding,
+                            const QString& words, const std::function<void(OrderedJson&)>& change = {}) {
+            QCOMPARE(name + ": " + refusalOf(fileWithTile(bytes, coding, change)), name + ": " + words);
         };
         row("as it should be", stream, 1, {});
         row("slot below", stream, 1, damaged("tile -1"), [](OrderedJson& e) { e["i"] = -1; });
@@ -142,11 +133,6 @@ private Q_SLOTS:
         row("raw", raw, 0, {});
         row("raw in a coding that is not known", raw, 5, {});
         row("raw and short", raw.left(kTileBytes - 1), 0, damaged("tile 0 length"));
-    }
-    void tilesAreRefusedInTheseWords() {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, words);
-        QCOMPARE(refusalOf(file), words);
     }
 
     void theFirstBadTileIsReported() {
@@ -169,33 +155,25 @@ private Q_SLOTS:
         }
     }
 
-    void oddButSoundFilesOpen_data() {
-        QTest::addColumn<QByteArray>("file");
-        const QByteArray good = richFile();
-        const NativeFile parts = NativeFile::takenApart(good);
-        const QByteArray text = QByteArray::fromStdString(jsonBytes(parts.manifest));
-        const auto changed = [&](const char* name, const std::function<void(OrderedJson&)>& change) {
-            QTest::newRow(name) << withManifest(good, change);
-        };
-        const auto replaced = [&](const char* name, const char* from, const char* to) {
-            QVERIFY2(text.contains(from), from);
-            QTest::newRow(name) << parts.joinedWith(QByteArray(text).replace(from, to));
-        };
-        changed("another version and other keys", [](OrderedJson& m) {
-            m["formatVersion"] = 2;
-            m["format"] = "";
-            m["extra"] = {{"deep", {1, 2, 3}}};
-            m["layers"][0]["extra"] = nullptr;
-            m["layers"][0]["tiles"][0]["extra"] = "x";
-        });
-        changed("null for what may be absent", [](OrderedJson& m) { m["thumbnail"] = m["saved"] = nullptr; });
-        replaced("3e2", "\"width\":300", "\"width\":3e2");
-        replaced("the last of two equal keys", "\"width\":300", "\"width\":\"none\",\"width\":300");
-    }
     void oddButSoundFilesOpen() {
-        QFETCH(QByteArray, file);
-        QCOMPARE(refusalOf(file), QString());
-        QCOMPARE(PaintFile::decode(bytesOf(file))->fingerprint(), richDocument()->fingerprint());
+        const NativeFile parts = NativeFile::takenApart(richFile());
+        const QByteArray text = QByteArray::fromStdString(jsonBytes(parts.manifest)), width = "\"width\":300";
+        QVERIFY(text.contains(width));
+        for (const QByteArray& file :
+             {withManifest(richFile(),
+                           [](OrderedJson& m) {
+                               m["formatVersion"] = 2;
+                               m["format"] = "";
+                               m["extra"] = {{"deep", {1, 2, 3}}};
+                               m["layers"][0]["extra"] = nullptr;
+                               m["layers"][0]["tiles"][0]["extra"] = "x";
+                           }),
+              withManifest(richFile(), [](OrderedJson& m) { m["thumbnail"] = m["saved"] = nullptr; }),
+              parts.joinedWith(QByteArray(text).replace(width, "\"width\":3e2")),
+              parts.joinedWith(QByteArray(text).replace(width, "\"width\":\"none\",\"width\":300"))}) {
+            QCOMPARE(refusalOf(file), QString());
+            QCOMPARE(PaintFile::decode(bytesOf(file))->fingerprint(), richDocument()->fingerprint());
+        }
     }
 
     void odditiesAreMended() {
@@ -268,31 +246,29 @@ private Q_SLOTS:
         QVERIFY(seen > 300);
     }
 
-    void previewsThatAreNoneAreIgnored_data() {
-        QTest::addColumn<QByteArray>("file");
+    void previewsThatAreNoneAreIgnored() {
         const QByteArray good = richFile();
-        const auto changed = [&](const char* name, const char* field, int64_t value) {
-            QTest::newRow(name) << withManifest(good, [&](OrderedJson& m) { m["thumbnail"][field] = value; });
+        const auto check = [](const QByteArray& file, const char* what) {
+            QVERIFY2(!PaintFile::thumbnailOf(bytesOf(file)), what);
+            QCOMPARE(refusalOf(file), QString()); // the picture is whole
         };
-        changed("offset below", "o", -1);
-        changed("offset above", "o", kLargest);
-        changed("no bytes", "n", 0);
-        changed("bytes above", "n", kLargest);
-        changed("a few bytes", "n", 20);
-        changed("a tile in place of the preview", "o", 0);
+        // Out of the file, of few bytes, and at a tile's place.
+        for (const auto& [field, value] : {std::pair<const char*, int64_t>{"o", -1},
+                                           {"o", kLargest},
+                                           {"n", 0},
+                                           {"n", kLargest},
+                                           {"n", 20},
+                                           {"o", 0}})
+            check(withManifest(good, [&, f = field, v = value](OrderedJson& m) { m["thumbnail"][f] = v; }),
+                  field);
         // A header alone that claims the largest picture, or a size beyond all.
         for (uint32_t side : {30000u, 0xFFFFFFFFu}) {
             NativeFile parts = NativeFile::takenApart(good);
             const auto at = static_cast<qsizetype>(parts.manifest["thumbnail"]["o"].get<int64_t>());
             for (int i = 0; i < 8; ++i)
                 parts.blob[at + 16 + i] = static_cast<char>(side >> (24 - 8 * (i % 4)));
-            QTest::newRow(qPrintable(QString::number(side))) << parts.joined();
+            check(parts.joined(), "side");
         }
-    }
-    void previewsThatAreNoneAreIgnored() {
-        QFETCH(QByteArray, file);
-        QVERIFY(!PaintFile::thumbnailOf(bytesOf(file)));
-        QCOMPARE(refusalOf(file), QString()); // the picture is whole
     }
 
     void importTellsFilesByContent() {

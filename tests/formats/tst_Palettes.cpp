@@ -129,13 +129,10 @@ private Q_SLOTS:
         }
     }
 
-    void filesAreReadAs_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* title, const QByteArray& file, const char* name,
+    void filesAreReadAs() {
+        const auto row = [](const QString& title, const QByteArray& file, const char* name,
                             const QString& expected) {
-            QTest::newRow(title) << file << QString::fromUtf8(name) << expected;
+            QCOMPARE(title + ": " + reading(file, name), title + ": " + expected);
         };
         const QByteArray head("GIMP Palette\n");
         const QString f = QStringLiteral("f: ");
@@ -161,43 +158,32 @@ private Q_SLOTS:
         row("other words", "; paint.net\nFFGG00 red 12345 #AA1122", "f.txt", f + "#AA1122");
         row("plus for a digit", "+12345 +12", "f.txt", f + "#012345");
     }
-    void filesAreReadAs() {
-        QFETCH(QByteArray, file);
-        QFETCH(QString, name);
-        QTEST(reading(file, name.toUtf8().constData()), "expected");
-    }
 
-    void swatchesAreReadAs_data() {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("expected");
+    void swatchesAreReadAs() {
+        const auto row = [](const QString& title, const QByteArray& file, const QString& expected) {
+            QCOMPARE(title + ": " + reading(file, "a.b.Aco"), title + ": " + expected);
+        };
         const QByteArray first = words({1, 1, 0, 0xFFFF, 0, 0, 0});
         const QString f = QStringLiteral("a.b: ");
-        QTest::newRow("first section alone") << first << f + "#FF0000";
-        QTest::newRow("every space") << words({1,     8,     1, 21845, 65535, 65535, 0,     1,     65535,
-                                               65535, 32768, 7, 2,     65535, 0,     32768, 32768, 2,
-                                               0,     0,     0, 0,     7,     9000,  1,     2,     3,
-                                               8,     5000,  0, 0,     0,     8,     10001, 9,     9,
-                                               9,     3,     1, 1,     1,     1})
-                                     << f + "#00FF00, #800000, #800040, #000000, #808080, #FFFFFF";
-        QTest::newRow("second section has the names")
-            << first +
-                   words({2, 3, 0, 0,      0xFFFF, 0, 0, 0, 3, 'A', 'b', 0, 7, 1, 2, 3, 4, 0, 2, 'L', 0, //
-                          0, 0, 0, 0xFFFF, 0,      0, 0})
-            << f + "#00FF00 Ab, #0000FF";
-        QTest::newRow("zeros and broken pairs in names")
-            << first + words({2, 1, 0, 0, 0, 0, 0, 0, 9, 0, 'a', 0, 0xD83D, 0xDE00, 0xDC00, 'b', 0xD800, 0})
-            << QString::fromUtf8("a.b: #000000 a😀\uFFFDb\uFFFD");
-        QTest::newRow("three bytes behind") << first + words({2}) + "x" << f + "#FF0000";
-        QTest::newRow("no colours") << words({1, 1, 7, 0, 0, 0, 0, 2, 0}) << refusal("no colors found");
-        QTest::newRow("another version")
-            << words({2, 1, 0, 0, 0, 0, 0, 0, 0}) << refusal("not a Photoshop swatch file");
-        QTest::newRow("nothing") << QByteArray() << refusal("the file is cut short");
-        QTest::newRow("a name longer than any file")
-            << first + words({2, 1, 0, 0, 0, 0, 0, 0xFFFF, 0xFFFF, 'a'}) << refusal("the file is cut short");
-    }
-    void swatchesAreReadAs() {
-        QFETCH(QByteArray, file);
-        QTEST(reading(file, "a.b.Aco"), "expected");
+        row("first section alone", first, f + "#FF0000");
+        row("every space",
+            words({1,    8,     1,     21845, 65535, 65535, 0, 1, 65535, 65535, 32768, 7, 2, 65535,
+                   0,    32768, 32768, 2,     0,     0,     0, 0, 7,     9000,  1,     2, 3, 8,
+                   5000, 0,     0,     0,     8,     10001, 9, 9, 9,     3,     1,     1, 1, 1}),
+            f + "#00FF00, #800000, #800040, #000000, #808080, #FFFFFF");
+        row("second section has the names",
+            first + words({2, 3, 0, 0, 0xFFFF, 0,   0, 0, 3, 'A', 'b',    0, 7, 1,
+                           2, 3, 4, 0, 2,      'L', 0, 0, 0, 0,   0xFFFF, 0, 0, 0}),
+            f + "#00FF00 Ab, #0000FF");
+        row("zeros and broken pairs in names",
+            first + words({2, 1, 0, 0, 0, 0, 0, 0, 9, 0, 'a', 0, 0xD83D, 0xDE00, 0xDC00, 'b', 0xD800, 0}),
+            QString::fromUtf8("a.b: #000000 a😀\uFFFDb\uFFFD"));
+        row("three bytes behind", first + words({2}) + "x", f + "#FF0000");
+        row("no colours", words({1, 1, 7, 0, 0, 0, 0, 2, 0}), refusal("no colors found"));
+        row("another version", words({2, 1, 0, 0, 0, 0, 0, 0, 0}), refusal("not a Photoshop swatch file"));
+        row("nothing", {}, refusal("the file is cut short"));
+        row("a name longer than any file", first + words({2, 1, 0, 0, 0, 0, 0, 0xFFFF, 0xFFFF, 'a'}),
+            refusal("the file is cut short"));
     }
 
     void theStoreKeepsEveryField() {

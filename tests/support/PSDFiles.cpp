@@ -49,7 +49,8 @@ QByteArray recordBytes(const PSDRecord& record) {
 QByteArray PSDParts::joined() const {
     QByteArray file = "8BPS" + big16(version) + QByteArray(6, '\0') + big16(channels) + big32(height) +
                       big32(width) + big16(depth) + big16(mode) + counted(modeData) + counted(resources);
-    if (records.empty() && !count) return file + big32(0) + picture;
+    if (version == 2) file += big32(0); // the upper half of the length
+    if (records.empty() && !count) return file + counted(behindLayers) + picture;
     QByteArray layers =
         big16(static_cast<uint16_t>(count.value_or(static_cast<int16_t>(-static_cast<int>(records.size())))));
     for (const PSDRecord& record : records) layers += recordBytes(record);

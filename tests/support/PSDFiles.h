@@ -35,7 +35,7 @@ struct PSDParts {
     QByteArray resources{};
     std::vector<PSDRecord> records{};
     std::optional<int16_t> count{}; ///< Of layers; minus the number of records if not given.
-    QByteArray behindLayers{};      ///< In the layer section.
+    QByteArray behindLayers{};      ///< In the layer section, or all of it where there are no records.
     QByteArray picture{};           ///< Compression code and data.
 
     QByteArray joined() const;
