@@ -34,23 +34,6 @@ double encodedSrgb(double light) {
 class tst_ColorProfile : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void withoutAProfileColorsAreThoseOfTheScreen() {
-        const auto plain = [](ColorModel model, bool hasAlpha, bool isInverted,
-                              const std::vector<uint8_t>& pixel) {
-            return converted(ColorProfile::standard({model, SampleType::u8, hasAlpha, isInverted}), pixel);
-        };
-        QCOMPARE(plain(ColorModel::rgb, true, false, {1, 2, 3, 4}), (Rgba{1, 2, 3, 4}));
-        QCOMPARE(plain(ColorModel::rgb, false, false, {1, 2, 3}), (Rgba{1, 2, 3, 255}));
-        QCOMPARE(plain(ColorModel::gray, true, false, {9, 70}), (Rgba{9, 9, 9, 70}));
-        QCOMPARE(plain(ColorModel::cmyk, false, false, {255, 0, 0, 0}), (Rgba{0, 255, 255, 255}));
-        QCOMPARE(plain(ColorModel::cmyk, false, true, {255, 0, 255, 128}), (Rgba{128, 0, 128, 255}));
-        QCOMPARE(told(plain(ColorModel::lab, false, false, {255, 128, 128})), told({255, 255, 255, 255}));
-        QCOMPARE(told(plain(ColorModel::lab, true, false, {0, 128, 128, 5})), told({0, 0, 0, 5}));
-        // L 53.4, a 80, b 67: the red of sRGB, near enough.
-        const Rgba red = plain(ColorModel::lab, false, false, {138, 209, 198});
-        QVERIFY(red[0] >= 252 && red[1] <= 20 && red[2] <= 20);
-    }
-
     void linearLightIsEncodedToTheNearestStep() {
         const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::f32});
         for (int i = -10; i <= 1010; ++i) {
@@ -66,16 +49,6 @@ private Q_SLOTS:
             QCOMPARE(converted(gray, std::vector{std::nextafter(border, 1.0f)})[0], i + 1);
         }
         QCOMPARE(converted(gray, std::vector{std::nanf("")}), (Rgba{0, 0, 0, 255}));
-    }
-
-    void sixteenBitsAreRounded() {
-        const ColorProfile gray = ColorProfile::standard({ColorModel::gray, SampleType::u16, true});
-        for (int v = 0; v < 65536; v += 7) {
-            const auto byte = static_cast<uint8_t>(std::lround(v / 257.0));
-            QCOMPARE(
-                converted(gray, std::vector<uint16_t>{static_cast<uint16_t>(v), static_cast<uint16_t>(v)}),
-                (Rgba{byte, byte, byte, byte}));
-        }
     }
 
     void tablesGiveWhatTheLibraryComputes() {

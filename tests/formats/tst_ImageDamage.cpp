@@ -128,7 +128,8 @@ private Q_SLOTS:
         planar[3].values = {32773};
         planar.back().values = {2};
         QTest::newRow("tiff in blank planes")
-            << planarTiff(planar, QByteArray("\x81\0", 2).repeated(3 * 100 * 12'800), 3) << "0,0,0,255";
+            << tiffFile(planar, QByteArray("\x81\0", 2).repeated(3 * 100 * 12'800), ByteOrder::little, 3)
+            << "0,0,0,255";
         QTest::newRow("png interlaced")
             << pngFile(16'000, 16'000, QByteArray("\1\0\0\0\1", 5), QByteArray(33'000'000, '\0'))
             << "0,0,0,255";

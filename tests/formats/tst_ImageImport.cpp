@@ -124,7 +124,7 @@ private Q_SLOTS:
         auto tags = tiffTags(kWidth, kHeight, 2, 3, 8);
         tags.back() = {284, 3, {2}};
         tags.erase(tags.begin() + 3); // no word about compression means none
-        row("tiff in planes", planarTiff(tags, planes, 3), opaque, 0);
+        row("tiff in planes", tiffFile(tags, planes, ByteOrder::little, 3), opaque, 0);
         const uint8_t grays[4] = {255, 170, 85, 0};
         row("tiff of two bits, white first", tiffFile(tiffTags(4, 1, 0, 1, 2), "\x1B"),
             QImage(grays, 4, 1, QImage::Format_Grayscale8).copy(), 0);
@@ -201,6 +201,10 @@ private Q_SLOTS:
     }
 
     void embeddedColorsBecomeScreenColors() {
+        const auto png = [](const QColor& color, const char* type, const QByteArray& body,
+                            QImage::Format format = QImage::Format_RGB888) {
+            return withPngChunk(written(flat(color, format), "png"), type, body);
+        };
         const auto row = [](const QString& name, const QByteArray& file, const QColor& expected) {
             const PixelBytes pixel = firstPixel(file);
             const PixelBytes wanted{static_cast<uint8_t>(expected.red()),
@@ -214,26 +218,20 @@ private Q_SLOTS:
         const QColor grayStored(128, 128, 128);
         const QColor fromLinear(188, 188, 188);
         const QByteArray p3 = displayP3Profile();
-        row("png P3", withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(p3)), fromP3);
-        row("png 16 bits P3",
-            withPngChunk(written(flat(stored, QImage::Format_RGBX64), "png"), "iCCP", iccpBody(p3)), fromP3);
-        row("png Adobe", withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(adobeRgbProfile())),
-            fromAdobe);
-        row("png grey",
-            withPngChunk(written(flat(grayStored, QImage::Format_Grayscale8), "png"), "iCCP",
-                         iccpBody(grayProfile(1))),
+        row("png P3", png(stored, "iCCP", iccpBody(p3)), fromP3);
+        row("png 16 bits P3", png(stored, "iCCP", iccpBody(p3), QImage::Format_RGBX64), fromP3);
+        row("png Adobe", png(stored, "iCCP", iccpBody(adobeRgbProfile())), fromAdobe);
+        row("png grey", png(grayStored, "iCCP", iccpBody(grayProfile(1)), QImage::Format_Grayscale8),
             fromLinear);
-        row("png linear gamma",
-            withPngChunk(written(flat(grayStored), "png"), "gAMA", bigEndianWords({100000})), fromLinear);
+        row("png linear gamma", png(grayStored, "gAMA", bigEndianWords({100000})), fromLinear);
         row("png P3 by its primaries",
-            withPngChunk(withPngChunk(written(flat(stored), "png"), "gAMA", bigEndianWords({45455})), "cHRM",
+            withPngChunk(png(stored, "gAMA", bigEndianWords({45455})), "cHRM",
                          bigEndianWords({31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000})),
             fromP3);
         row("jpeg P3", withJpegProfile(jpegOf(flat(stored)), p3), fromP3);
         row("tiff P3", tiffOf(flat(stored), {profileTag(p3)}), fromP3);
         row("webp P3", webpOf(flat(stored), p3, {}), fromP3);
-        row("broken", withPngChunk(written(flat(stored), "png"), "iCCP", iccpBody(QByteArray(400, 'x'))),
-            stored);
+        row("broken", png(stored, "iCCP", iccpBody(QByteArray(400, 'x'))), stored);
         row("of another model", withJpegProfile(jpegOf(flat(stored)), grayProfile(1)), stored);
 
         const QColor press(kPressCyan[0], kPressCyan[1], kPressCyan[2]);
@@ -259,27 +257,23 @@ private Q_SLOTS:
         const auto srgbChromaticities =
             bigEndianWords({31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000});
         const QByteArray gamma = bigEndianWords({45455});
-        QCOMPARE(distance(decoded(withPngChunk(plain, "sRGB", QByteArray(1, '\0'))), image), 0);
-        QCOMPARE(distance(decoded(withPngChunk(plain, "gAMA", gamma)), image), 0);
-        QCOMPARE(
-            distance(decoded(withPngChunk(withPngChunk(plain, "gAMA", gamma), "cHRM", srgbChromaticities)),
-                     image),
-            0);
-        QCOMPARE(distance(decoded(withPngChunk(plain, "iCCP", iccpBody(srgbProfile()))), image), 0);
-        QCOMPARE(distance(decoded(webpOf(image, srgbProfile(), {})), image), 0);
+        for (const QByteArray& file :
+             {withPngChunk(plain, "sRGB", QByteArray(1, '\0')), withPngChunk(plain, "gAMA", gamma),
+              withPngChunk(withPngChunk(plain, "gAMA", gamma), "cHRM", srgbChromaticities),
+              withPngChunk(plain, "iCCP", iccpBody(srgbProfile())), webpOf(image, srgbProfile(), {})})
+            QCOMPARE(distance(decoded(file), image), 0);
     }
 
     void premultipliedSamplesAreKept() {
-        QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {10, 100, 7, 101}, {{338, 3, {1}}}))),
-                 QStringLiteral("10,100,7,101"));
+        const auto pixel = [](const std::vector<uint32_t>& samples, uint32_t kind) {
+            return text(firstPixel(onePixelTiff(2, 8, samples, {{338, 3, {kind}}})));
+        };
+        QCOMPARE(pixel({10, 100, 7, 101}, 1), QStringLiteral("10,100,7,101"));
         // Straight ones are multiplied, and a fourth sample that says nothing is no alpha.
-        QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {255, 100, 0, 51}, {{338, 3, {2}}}))),
-                 QStringLiteral("51,20,0,51"));
-        QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {255, 100, 0, 51}, {{338, 3, {0}}}))),
-                 QStringLiteral("255,100,0,255"));
+        QCOMPARE(pixel({255, 100, 0, 51}, 2), QStringLiteral("51,20,0,51"));
+        QCOMPARE(pixel({255, 100, 0, 51}, 0), QStringLiteral("255,100,0,255"));
         // Light beyond its coverage cannot be shown.
-        QCOMPARE(text(firstPixel(onePixelTiff(2, 8, {200, 0, 0, 100}, {{338, 3, {1}}}))),
-                 QStringLiteral("100,0,0,100"));
+        QCOMPARE(pixel({200, 0, 0, 100}, 1), QStringLiteral("100,0,0,100"));
     }
 
     void densitiesAreThoseThatWereMeant() {

@@ -193,23 +193,21 @@ private Q_SLOTS:
         const QString words =
             "This Photoshop file was saved without a flattened picture, and its layers use a feature "
             "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on.";
-        // The flag is left out where it is -1.
-        forRows<QByteArray, int, bool, QString>(
-            {{"blank picture", layerCount(1, "Lr16"), 0, true, words},
-             {"real picture", layerCount(1, "Lr16"), 1, true, "opens"},
-             {"nothing said", layerCount(1, "Lr16"), -1, true, "opens"},
-             {"no picture at all", layerCount(1), 1, false, words},
-             {"no layers either", "", 0, true, "opens"}},
-            [](const QByteArray& layers, int flag, bool hasPicture, const QString& outcome) {
-                File file = pixelFile(gray, 16, {65535}, layers);
-                if (flag >= 0) file.resources = psdResource(1057, {}, big32(1) + static_cast<char>(flag));
-                const QByteArray bytes = file.bytes().chopped(hasPicture ? 0 : 4);
-                try {
-                    QCOMPARE(PSDPicture::decode(bytesOf(bytes)) ? "opens" : "refused", outcome);
-                } catch (const PSDFile::PSDError& error) {
-                    QCOMPARE(error.description(), outcome);
-                }
-            });
+        const auto check = [](const QByteArray& layers, int flag, bool hasPicture, const QString& outcome) {
+            File file = pixelFile(gray, 16, {65535}, layers);
+            if (flag >= 0) file.resources = psdResource(1057, {}, big32(1) + static_cast<char>(flag));
+            const QByteArray bytes = file.bytes().chopped(hasPicture ? 0 : 4);
+            try {
+                QCOMPARE(PSDPicture::decode(bytesOf(bytes)) ? "opens" : "refused", outcome);
+            } catch (const PSDFile::PSDError& error) {
+                QCOMPARE(error.description(), outcome);
+            }
+        };
+        check(layerCount(1, "Lr16"), 0, true, words); // of a blank picture
+        check(layerCount(1, "Lr16"), 1, true, "opens");
+        check(layerCount(1, "Lr16"), -1, true, "opens"); // nothing is said
+        check(layerCount(1), 1, false, words);
+        check({}, 0, true, "opens"); // no layers either
     }
 
     void aFileOpensInLayersWhereTheyCanBeRead() {

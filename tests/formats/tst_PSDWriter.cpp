@@ -5,7 +5,6 @@
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 #include "platform/InstructionSets.h"
-#include "platform/Parallel.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
 #include "support/Rows.h"
@@ -16,19 +15,6 @@ using namespace qirn::test;
 using PSDFile::Layered;
 
 namespace {
-
-/// Layers that end anywhere: one over all, one in a corner, one in a stripe across the seam of tiles, and an empty one.
-std::unique_ptr<PaintDocument> scatteredDocument() {
-    auto doc = randomDocument(600, 300, 2, 53);
-    doc->dpi = 300;
-    for (const IRect& rect : {IRect{5, 3, 1, 1}, IRect{250, 254, 300, 5}, IRect{}}) {
-        addLayer(*doc, QStringLiteral("At %1").arg(rect.x));
-        doc->activeLayer().opacity = 0.7;
-        paintRect(*doc, doc->activeLayer(), rect, {40, 60, 20, 120});
-    }
-    paintRect(*doc, doc->layer(2), {590, 290, 10, 10}, {9, 9, 9, 9}); // tiles are absent between the corners
-    return doc;
-}
 
 /// Every colour with every alpha to straight colour and back.
 void checkStraightRows() {
@@ -72,10 +58,7 @@ void checkStraightRows() {
 class tst_PSDWriter : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void cleanup() {
-        setConcurrency(0);
-        useInstructionSet({});
-    }
+    void cleanup() { useInstructionSet({}); }
 
     void straightColourComesBack() {
         for (const std::string& name : instructionSets()) {
@@ -118,25 +101,6 @@ private Q_SLOTS:
 
         const QByteArray flat = PSDFile::write(doc, Layered::no);
         QCOMPARE(flat, file.left(62) + hex("00000000") + counts + zeros.repeated(28));
-    }
-
-    void anyNumberOfThreadsWritesTheSame() {
-        auto odd =
-            std::make_unique<PaintDocument>(2, 1, 72, std::nullopt); // three bytes of red, two of the others
-        paintRect(*odd, odd->activeLayer(), {0, 0, 1, 1}, {10, 0, 0, 255});
-        paintRect(*odd, odd->activeLayer(), {1, 0, 1, 1}, {20, 0, 0, 255});
-        for (const auto& doc : {scatteredDocument(), randomDocument(257, 40, 3, 8),
-                                randomDocument(1, 1, 1, 4), std::move(odd)}) {
-            setConcurrency(1);
-            const QByteArray alone = PSDFile::write(*doc, Layered::yes);
-            QCOMPARE(alone[69] % 4, 0); // the length of the layers
-            setConcurrency(8);
-            QVERIFY(PSDFile::write(*doc, Layered::yes) == alone);
-            const auto again = PSDFile::read(bytesOf(alone));
-            QCOMPARE(again->layerCount(), doc->layerCount());
-            for (int64_t i = 0; i < doc->layerCount(); ++i)
-                QCOMPARE(firstDifference(*again->layer(i).toBuffer(), *doc->layer(i).toBuffer()), QString());
-        }
     }
 
     void namesAreWrittenTwice() {

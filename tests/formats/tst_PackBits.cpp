@@ -82,12 +82,6 @@ private Q_SLOTS:
         }
     }
 
-    void bytesThatEndWithinAStepThrow() {
-        QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({0xFF}, 2));
-        QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({2, 1, 2}, 3));
-        QVERIFY_THROWS_EXCEPTION(BEReader::Short, unpacked({3, 1, 2}, 2)); // though the row would be full
-    }
-
     void aPartIsThatPartOfTheRow() {
         SeededRandom random(9);
         for (int round = 0; round < 400; ++round) {

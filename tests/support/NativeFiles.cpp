@@ -5,6 +5,8 @@
 #include "platform/Bytes.h"
 #include "support/Pictures.h"
 
+#include <QtEndian>
+
 namespace qirn::test {
 
 namespace {
@@ -12,8 +14,7 @@ constexpr qsizetype kMagicBytes = 8;
 }
 
 NativeFile NativeFile::takenApart(const QByteArray& file) {
-    uint32_t length = 0;
-    for (int i = 0; i < 4; ++i) length |= uint32_t{static_cast<uint8_t>(file[kMagicBytes + i])} << (8 * i);
+    const auto length = qFromLittleEndian<uint32_t>(file.data() + kMagicBytes);
     const QByteArray text = file.mid(kMagicBytes + 4, length);
     return {file.left(kMagicBytes), OrderedJson::parse(text.begin(), text.end()),
             file.mid(kMagicBytes + 4 + length)};

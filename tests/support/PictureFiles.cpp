@@ -141,49 +141,35 @@ QByteArray extendedWebP(const QByteArray& plain, int width, int height, const QB
     return "RIFF" + little(static_cast<uint32_t>(body.size()), 4) + body;
 }
 
-QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels, ByteOrder order) {
-    constexpr uint32_t kDirectoryAt = 8;
+QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels, ByteOrder order,
+                    uint32_t strips) {
     if (!pixels.isEmpty()) {
-        entries.push_back({273, 4, {0}});
-        entries.push_back({279, 4, {static_cast<uint32_t>(pixels.size())}});
+        const auto stripBytes = static_cast<uint32_t>(pixels.size()) / strips;
+        entries.push_back({279, 4, std::vector<uint32_t>(strips, stripBytes)});
+        entries.push_back({273, 4, std::vector<uint32_t>(strips)});
+        const auto at =
+            static_cast<uint32_t>(tiffFile(entries, {}, order).size()); // as long with other places
+        for (uint32_t i = 0; i < strips; ++i) entries.back().values[i] = at + i * stripBytes;
+        return tiffFile(std::move(entries), {}, order) + pixels;
     }
+    constexpr uint32_t kDirectoryAt = 8;
     std::sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.tag < b.tag; });
-    const auto valuesAt = static_cast<uint32_t>(kDirectoryAt + 2 + entries.size() * 12 + 4);
-    uint32_t outside = 0; // bytes of values that do not fit their entry
-    for (const TiffEntry& entry : entries) {
-        const auto bytes =
-            static_cast<uint32_t>(entry.values.size()) * static_cast<uint32_t>(sizeOfType(entry.type));
-        if (bytes > 4) outside += (bytes + 1) / 2 * 2;
-    }
+    const auto count = static_cast<uint32_t>(entries.size()), valuesAt = kDirectoryAt + 2 + count * 12 + 4;
     QByteArray file = (order == ByteOrder::little ? QByteArray("II*\0", 4) : QByteArray("MM\0*", 4)) +
-                      number(kDirectoryAt, 4, order) +
-                      number(static_cast<uint32_t>(entries.size()), 2, order);
-    QByteArray values;
-    for (TiffEntry& entry : entries) {
-        if (entry.tag == 273 && !pixels.isEmpty()) entry.values = {valuesAt + outside};
+                      number(kDirectoryAt, 4, order) + number(count, 2, order);
+    QByteArray values; // that do not fit their entry
+    for (const TiffEntry& entry : entries) {
         const uint32_t perValue = entry.type == 5 ? 2 : 1;
         file += number(entry.tag, 2, order) + number(entry.type, 2, order) +
                 number(static_cast<uint32_t>(entry.values.size()) / perValue, 4, order);
         QByteArray bytes;
         for (const uint32_t value : entry.values) bytes += number(value, sizeOfType(entry.type), order);
-        if (bytes.size() <= 4) {
-            file += bytes.leftJustified(4, '\0');
-        } else {
-            file += number(valuesAt + static_cast<uint32_t>(values.size()), 4, order);
-            values += bytes;
-            if (bytes.size() % 2 == 1) values.append('\0');
-        }
+        const bool fits = bytes.size() <= 4;
+        file += fits ? bytes.leftJustified(4, '\0')
+                     : number(valuesAt + static_cast<uint32_t>(values.size()), 4, order);
+        if (!fits) values += bytes + QByteArray(bytes.size() % 2, '\0');
     }
-    return file + number(0, 4, order) + values + pixels;
-}
-
-QByteArray planarTiff(std::vector<TiffEntry> tags, const QByteArray& planes, uint32_t count) {
-    const auto planeBytes = static_cast<uint32_t>(planes.size()) / count;
-    tags.push_back({279, 4, std::vector<uint32_t>(count, planeBytes)});
-    tags.push_back({273, 4, std::vector<uint32_t>(count)});
-    const auto at = static_cast<uint32_t>(tiffFile(tags).size()); // as long with other places
-    for (uint32_t i = 0; i < count; ++i) tags.back().values[i] = at + i * planeBytes;
-    return tiffFile(tags) + planes;
+    return file + number(0, 4, order) + values;
 }
 
 QByteArray faxPage(uint32_t side) {

@@ -42,12 +42,10 @@ struct TiffEntry {
     std::vector<uint32_t> values;
 };
 enum class ByteOrder { little, big };
-/// A TIFF directory with its values, then the pixels in one strip (none: an EXIF block). Tags in rising order; those of
-/// the strip are added.
+/// A TIFF directory with its values, then the pixels in strips of equal length (none: an EXIF block). Tags may come in
+/// any order; those of the strips are added.
 QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels = {},
-                    ByteOrder order = ByteOrder::little);
-/// Planes in a strip each, of equal length.
-QByteArray planarTiff(std::vector<TiffEntry> tags, const QByteArray& planes, uint32_t count);
+                    ByteOrder order = ByteOrder::little, uint32_t strips = 1);
 /// A blank page as fax machines pack it, in one strip; the side is a multiple of 8.
 QByteArray faxPage(uint32_t side);
 /// The tags that every picture needs.

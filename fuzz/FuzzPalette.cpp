@@ -1,13 +1,18 @@
-#include "PaletteProperties.h"
-
+// A palette file, of the kind that its name QIRN_PALETTE_FILE says, is refused in one way only. What is read is the
+// user's own, has colours in range, and comes back from each form that it can be written in.
+#include "MemoryWatch.h"
+#include "formats/palettes/PaletteLibrary.h"
 #include "platform/Bytes.h"
 #include "platform/Require.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
 
 #include <QStringList>
 
-namespace qirn::fuzz {
+using namespace qirn;
 
 namespace {
 
@@ -56,10 +61,10 @@ void checkCopies(const Palette& palette) {
 
 } // namespace
 
-void checkPaletteFile(std::span<const uint8_t> file, const char* name) {
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     try {
-        MemoryWatch memory;
-        const Palette palette = PaletteLibrary::read(file, QString::fromUtf8(name));
+        fuzz::MemoryWatch memory;
+        const Palette palette = PaletteLibrary::read({data, size}, QStringLiteral(QIRN_PALETTE_FILE));
         memory.requireWithin(static_cast<int64_t>(palette.colors.size() * sizeof(PaletteColor)));
         require(!palette.isBuiltIn && !palette.id.isNull() && !palette.colors.empty());
         for (const PaletteColor& entry : palette.colors) require(isWithin(entry.color));
@@ -67,6 +72,5 @@ void checkPaletteFile(std::span<const uint8_t> file, const char* name) {
     } catch (const PaletteError& error) {
         require(!error.description().isEmpty());
     }
+    return 0;
 }
-
-} // namespace qirn::fuzz

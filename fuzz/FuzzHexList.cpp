@@ -1,7 +1,0 @@
-// Lists of colour codes.
-#include "PaletteProperties.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    qirn::fuzz::checkPaletteFile({data, size}, "colors.hex");
-    return 0;
-}

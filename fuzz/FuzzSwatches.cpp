@@ -1,7 +1,0 @@
-// Photoshop's swatches.
-#include "PaletteProperties.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    qirn::fuzz::checkPaletteFile({data, size}, "swatches.aco");
-    return 0;
-}
