@@ -171,42 +171,38 @@ private Q_SLOTS:
         }
     }
 
-    void aLiftWithoutASelectionTakesAllAndNoMore() {
+    void aLiftTakesAllThatIsSelectedAndNoMore() {
         PaintDocument doc(kWidth, kHeight, 72, {});
+        Layer& layer = doc.activeLayer();
         QVERIFY(!liftFloating(doc)); // nothing there
-        doc.activeLayer().writableTile(0);
+        layer.writableTile(0);
         QVERIFY(!liftFloating(doc));
-        paintRect(doc, doc.activeLayer(), {250, 200, 20, 90}, {1, 2, 3, 4});
-        doc.activeLayer().isLocked = true;
+        paintRect(doc, layer, {250, 200, 20, 90}, {1, 2, 3, 4});
+        layer.isLocked = true;
         const uint64_t before = doc.fingerprint();
         QVERIFY(!liftFloating(doc));
         QCOMPARE(doc.fingerprint(), before);
-        doc.activeLayer().isLocked = false;
+        layer.isLocked = false;
         doc.takeDirtyTiles();
         const auto floating = liftFloating(doc);
         QCOMPARE(floating->origin, (IRect{250, 200, 20, 90}));
         QCOMPARE(floating->pixels->pixel(269, 289), (PixelBytes{1, 2, 3, 4}));
-        QVERIFY(doc.activeLayer().isEmpty());
+        QVERIFY(layer.isEmpty());
         QCOMPARE(doc.takeDirtyTiles(), (std::vector<int64_t>{0, 1, 3, 4}));
-    }
-
-    void aLiftOfNothingUnderASelectionMakesNoTile() {
-        PaintDocument doc(kWidth, kHeight, 72, {});
+        // Nothing under a selection is lifted too, and makes no tile.
+        layer.removeAllTiles();
         doc.selection = softSelection({240, 10, 30, 20}, 1);
-        const auto floating = liftFloating(doc);
-        QVERIFY(floating);
-        QCOMPARE(floating->origin, doc.selection->bounds());
-        QVERIFY(tilesOf(doc.activeLayer()).empty());
+        QCOMPARE(liftFloating(doc)->origin, doc.selection->bounds());
+        QVERIFY(tilesOf(layer).empty());
         // Tiles inside the box of which no pixel is selected stay shared with the history.
-        doc.activeLayer().load(*noise(kWidth, kHeight, 2));
+        layer.load(*noise(kWidth, kHeight, 2));
         doc.commit("Paint");
-        const auto before = tilesOf(doc.activeLayer());
+        auto both = tilesOf(layer);
         doc.selection = selectionOf(kWidth, kHeight, [](int64_t x, int64_t y) {
             return x + y == 0 || x + y == kWidth + kHeight - 2 ? 200 : 0;
         });
         liftFloating(doc);
-        auto both = tilesOf(doc.activeLayer());
-        both.insert(before.begin(), before.end());
+        both.merge(tilesOf(layer));
         QCOMPARE(both.size(), std::size_t{6 + 2});
     }
 

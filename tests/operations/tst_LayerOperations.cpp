@@ -2,7 +2,6 @@
 #include "core/TileMemory.h"
 #include "operations/LayerOperations.h"
 #include "support/Pictures.h"
-#include "support/Rows.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
@@ -39,45 +38,38 @@ class tst_LayerOperations : public QObject {
 
 private Q_SLOTS:
     void newLayersGetTheFirstFreeNumber() {
-        forRows<QStringList, int, QString>(
-            {{"one layer", {"Layer 1"}, 0, "Layer 1 [Layer 2]"},
-             {"paper", {"Background", "Layer 1"}, 1, "Background Layer 1 [Layer 2]"},
-             {"both", {"Layer 1", "Layer 2"}, 0, "Layer 1 [Layer 3] Layer 2"},
-             {"taken", {"Layer 2", "Layer 3"}, 1, "Layer 2 Layer 3 [Layer 4]"},
-             {"free below", {"Layer 3", "Layer 4"}, 0, "Layer 3 [Layer 2] Layer 4"}},
-            [](const QStringList& names, int active, const QString& result) {
-                const auto doc = stackOf(names, active);
-                addLayer(*doc);
-                QCOMPARE(stack(*doc), result);
-                QVERIFY(doc->takeDirtyTiles().empty()); // an empty layer changes no pixel
-            });
+        const auto check = [](const QStringList& names, int active, const QString& result) {
+            const auto doc = stackOf(names, active);
+            addLayer(*doc);
+            QCOMPARE(stack(*doc), result);
+            QVERIFY(doc->takeDirtyTiles().empty()); // an empty layer changes no pixel
+        };
+        check({"Layer 1"}, 0, "Layer 1 [Layer 2]");
+        check({"Background", "Layer 1"}, 1, "Background Layer 1 [Layer 2]");
+        check({"Layer 1", "Layer 2"}, 0, "Layer 1 [Layer 3] Layer 2");
+        check({"Layer 2", "Layer 3"}, 1, "Layer 2 Layer 3 [Layer 4]");
+        check({"Layer 3", "Layer 4"}, 0, "Layer 3 [Layer 2] Layer 4");
     }
 
     void deletingAndMovingKeepTheSameLayerActive() {
-        constexpr int kDelete = 100;
-        forRows<int, int, int, QString>({{"below", 1, 0, kDelete, "[b] c"},
-                                         {"above", 1, 2, kDelete, "a [b]"},
-                                         {"itself", 1, 1, kDelete, "a [c]"},
-                                         {"the active top", 2, 2, kDelete, "a [b]"},
-                                         {"below the top", 2, 0, kDelete, "b [c]"},
-                                         {"no layer", 1, 3, kDelete, "a [b] c"},
-                                         {"negative", 1, -1, kDelete, "a [b] c"},
-                                         {"up", 0, 0, 2, "b c [a]"},
-                                         {"down across it", 1, 2, 0, "c a [b]"},
-                                         {"up across it", 1, 0, 2, "[b] c a"},
-                                         {"far too high", 2, 0, 99, "b [c] a"},
-                                         {"far too low", 0, 2, -9, "c [a] b"},
-                                         {"nowhere", 1, 1, 1, "a [b] c"},
-                                         {"no layer to move", 1, 3, 0, "a [b] c"},
-                                         {"a negative one", 1, -1, 0, "a [b] c"}},
-                                        [](int active, int from, int to, const QString& result) {
-                                            const auto doc = stackOf({"a", "b", "c"}, active);
-                                            const QString before = stack(*doc);
-                                            to == kDelete ? deleteLayer(*doc, from)
-                                                          : moveLayer(*doc, from, to);
-                                            QCOMPARE(stack(*doc), result);
-                                            QCOMPARE(doc->takeDirtyTiles().empty(), stack(*doc) == before);
-                                        });
+        // From every place to every place and beyond, with every layer active.
+        for (int i = 0; i < 3 * 5 * 8; ++i) {
+            const int active = i % 3, from = i / 3 % 5 - 1, to = i / 15 - 2; // -2: it is deleted
+            const auto doc = stackOf({"a", "b", "c"}, active);
+            QStringList wanted{"a", "b", "c"};
+            wanted[active] = '[' + wanted[active] + ']';
+            if (from >= 0 && from < 3) {
+                const QString taken = wanted.takeAt(from);
+                if (to > -2) wanted.insert(std::clamp(to, 0, 2), taken);
+                // The next one, or the top, takes a deleted layer's place.
+                if (to == -2 && from == active)
+                    wanted[std::min(from, 1)] = '[' + wanted[std::min(from, 1)] + ']';
+            }
+            const QString before = stack(*doc);
+            to == -2 ? deleteLayer(*doc, from) : moveLayer(*doc, from, to < 0 ? -9 : to);
+            QCOMPARE(stack(*doc), wanted.join(' '));
+            QCOMPARE(doc->takeDirtyTiles().empty(), stack(*doc) == before);
+        }
     }
 
     void aDuplicateSharesItsTilesUntilOneIsPainted() {
@@ -141,24 +133,23 @@ private Q_SLOTS:
     }
 
     void mergingTheVisibleOnesKeepsTheHidden() {
-        forRows<QString, QString>({{"one between", "a-c--", "b [Merged] d e"},
-                                   {"the topmost", "-b--e", "a c d [Merged]"},
-                                   {"all", "abcde", "[Merged]"},
-                                   {"only one", "--c--", "a b [c] d e"},
-                                   {"none", "-----", "a b [c] d e"}},
-                                  [](const QString& visible, const QString& result) {
-                                      const auto doc = stackOf({"a", "b", "c", "d", "e"}, 2);
-                                      for (int i = 0; i < 5; ++i) {
-                                          doc->layer(i).load(*noise(300, 200, static_cast<uint64_t>(i)));
-                                          doc->layer(i).isVisible = visible[i] != '-';
-                                          doc->layer(i).blendMode = BlendMode(i + 3);
-                                      }
-                                      doc->onion.enabled = true; // never in the picture
-                                      const auto before = flattened(*doc);
-                                      mergeVisible(*doc);
-                                      QCOMPARE(stack(*doc), result);
-                                      QCOMPARE(whole(*doc, *before), QString());
-                                  });
+        for (const auto& [visible, result] : {std::pair("a-c--", "b [Merged] d e"),
+                                              {"-b--e", "a c d [Merged]"},
+                                              {"abcde", "[Merged]"},
+                                              {"--c--", "a b [c] d e"},
+                                              {"-----", "a b [c] d e"}}) {
+            const auto doc = stackOf({"a", "b", "c", "d", "e"}, 2);
+            for (int i = 0; i < 5; ++i) {
+                doc->layer(i).load(*noise(300, 200, static_cast<uint64_t>(i)));
+                doc->layer(i).isVisible = visible[i] != '-';
+                doc->layer(i).blendMode = BlendMode(i + 3);
+            }
+            doc->onion.enabled = true; // never in the picture
+            const auto before = flattened(*doc);
+            mergeVisible(*doc);
+            QCOMPARE(stack(*doc), QString(result));
+            QCOMPARE(whole(*doc, *before), QString());
+        }
     }
 
     void flatteningKeepsOnlyThePicture() {
@@ -175,30 +166,27 @@ private Q_SLOTS:
     }
 
     void mergingTakesMemoryOnlyForWhatDiffers() {
+        const auto check = [](const Merge& merge, int tiles) {
+            PaintDocument doc(30000, 30000, 72, PaintColor::white());
+            addLayer(doc);
+            for (int64_t i : {1, 2}) paintRect(doc, doc.layer(i), {i * 5000, 300, 1, 1}, {9, 9, 9, 255});
+            const int64_t before = TileMemory::usedBytes();
+            const auto pixels = [&] {
+                return text(compositePixel(doc, 10000, 300)) + text(compositePixel(doc, 0, 0));
+            };
+            const QString picture = pixels();
+            merge(doc);
+            QCOMPARE(pixels(), picture);
+            QCOMPARE((TileMemory::usedBytes() - before) / kTileBytes, int64_t{tiles});
+        };
         // Paper within the canvas, at its edges and in its corner, two tiles with something on them; those below go.
-        forRows<Merge, int>({{"visible", [](PaintDocument& doc) { mergeVisible(doc); }, 4},
-                             {"all", [](PaintDocument& doc) { flattenImage(doc); }, 4},
-                             {"paper over paper",
-                              [](PaintDocument& doc) {
-                                  moveLayer(doc, 1, 0);
-                                  mergeDown(doc, 1);
-                              },
-                              1}},
-                            [](const Merge& merge, int tiles) {
-                                PaintDocument doc(30000, 30000, 72, PaintColor::white());
-                                addLayer(doc);
-                                for (int64_t i : {1, 2})
-                                    paintRect(doc, doc.layer(i), {i * 5000, 300, 1, 1}, {9, 9, 9, 255});
-                                const int64_t before = TileMemory::usedBytes();
-                                const auto pixels = [&] {
-                                    return text(compositePixel(doc, 10000, 300)) +
-                                           text(compositePixel(doc, 0, 0));
-                                };
-                                const QString picture = pixels();
-                                merge(doc);
-                                QCOMPARE(pixels(), picture);
-                                QCOMPARE((TileMemory::usedBytes() - before) / kTileBytes, int64_t{tiles});
-                            });
+        check([](PaintDocument& doc) { mergeVisible(doc); }, 4);
+        check([](PaintDocument& doc) { flattenImage(doc); }, 4);
+        const auto paperOverPaper = [](PaintDocument& doc) {
+            moveLayer(doc, 1, 0);
+            mergeDown(doc, 1);
+        };
+        check(paperOverPaper, 1);
     }
 
     void clearingStaysInsideTheSelection() {

@@ -95,27 +95,18 @@ QPainterPath anyShape(SeededRandom& random) {
         return QPointF(std::round(x * grid) / grid, std::round(y * grid) / grid);
     };
     QPainterPath path;
-    switch (random.next() % 4) {
-    case 0:
-        path.addRect(QRectF(at(), at()).normalized());
-        break;
-    case 1:
-        path.addEllipse(QRectF(at(), at()).normalized());
-        break;
-    case 2:
-        for (uint64_t i = 0, count = 3 + random.next() % 30; i < count; ++i)
-            i == 0 ? path.moveTo(at()) : path.lineTo(at());
-        break;
-    default: // a hand's lasso
-        const QPointF middle = at();
-        for (int i = 0; i < 4000; ++i) {
-            const double angle = i * 0.0015708,
-                         radius = kHeight * (0.3 + 0.1 * std::sin(angle * 7) + 0.01 * random.unit());
-            const QPointF corner = middle + radius * QPointF(std::cos(angle), std::sin(angle));
-            i == 0 ? path.moveTo(corner) : path.lineTo(corner);
-        }
-        break;
+    QPolygonF corners;
+    const uint64_t kind = random.next() % 4;
+    const QPointF middle = at();
+    if (kind == 0) path.addRect(QRectF(middle, at()).normalized());
+    if (kind == 1) path.addEllipse(QRectF(middle, at()).normalized());
+    for (uint64_t i = 0, count = 3 + random.next() % 30; kind == 2 && i < count; ++i) corners += at();
+    for (int i = 0; kind == 3 && i < 4000; ++i) { // a hand's lasso
+        const double angle = i * 0.0015708,
+                     radius = kHeight * (0.3 + 0.1 * std::sin(angle * 7) + 0.01 * random.unit());
+        corners += middle + radius * QPointF(std::cos(angle), std::sin(angle));
     }
+    path.addPolygon(corners);
     return path;
 }
 
