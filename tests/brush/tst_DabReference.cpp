@@ -1,7 +1,6 @@
 #include "brush/DabStamp.h"
 #include "brush/PaperGrain.h"
 #include "core/SeededRandom.h"
-#include "operations/Selection.h"
 #include "platform/Trigonometry.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
@@ -137,22 +136,12 @@ class tst_DabReference : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void dabsEqualThePlainRules_data() {
-        QTest::addColumn<bool>("erases");
-        QTest::addColumn<bool>("keepsAlpha");
-        QTest::addColumn<bool>("selected");
-        QTest::addColumn<bool>("onPaint");
-        for (int bits = 0; bits < 16; ++bits) {
-            QTest::addRow("%s%s%s%s", bits & 1 ? "erase" : "paint", bits & 2 ? ", alpha lock" : "",
-                          bits & 4 ? ", selection" : "", bits & 8 ? ", on paint" : ", on nothing")
-                << bool(bits & 1) << bool(bits & 2) << bool(bits & 4) << bool(bits & 8);
-        }
-    }
     void dabsEqualThePlainRules() {
-        QFETCH(bool, erases);
-        QFETCH(bool, keepsAlpha);
-        QFETCH(bool, selected);
-        QFETCH(bool, onPaint);
+        for (int bits = 0; bits < 16; ++bits) compareDabs(bits & 1, bits & 2, bits & 4, bits & 8);
+    }
+
+private:
+    static void compareDabs(bool erases, bool keepsAlpha, bool selected, bool onPaint) {
         SeededRandom random(17);
         PaintDocument doc(300, 280, 72, std::nullopt);
         Layer& layer = doc.layer(0);
@@ -167,9 +156,9 @@ private Q_SLOTS:
         layer.freezeTiles();
         layer.alphaLocked = keepsAlpha;
         if (selected) {
-            std::vector<uint8_t> mask(300 * 280);
-            for (uint8_t& byte : mask) byte = random.unit() < 0.2 ? 0 : static_cast<uint8_t>(random.next());
-            doc.selection = Selection::fromMask(mask, 300, 280);
+            doc.selection = selectionOf(300, 280, [&](int64_t, int64_t) {
+                return random.unit() < 0.2 ? 0 : static_cast<uint8_t>(random.next());
+            });
         }
         BrushSettings brush(QStringLiteral("B"), QStringLiteral("C"),
                             erases ? BrushKind::erase : BrushKind::paint);
@@ -188,7 +177,9 @@ private Q_SLOTS:
             }
             if (i % 25 != 24) continue;
             const QString difference = firstDifference(*layer.toBuffer(), *plain.pixels);
-            QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("by dab %1 %2").arg(i).arg(difference)));
+            const char* const how = erases ? "erases" : "paints";
+            QVERIFY2(difference.isEmpty(),
+                     qPrintable(QString("%1, dab %2 %3").arg(how).arg(i).arg(difference)));
         }
         // A fingerprint counts whole tiles, also what lies beyond the canvas edge.
         const uint8_t* right = layer.tile(1)->pixels();

@@ -17,14 +17,11 @@ class tst_StrokeConstants : public QObject {
 
 private Q_SLOTS:
     void everyPresetPaintsTheSameBytes_data() {
-        QTest::addColumn<int>("row");
-        for (int row = 0; row < static_cast<int>(std::size(kStrokeConstants)); ++row) {
-            QTest::newRow(kStrokeConstants[row].name) << row;
-        }
+        QTest::addColumn<StrokeConstant>("wanted");
+        for (const StrokeConstant& row : kStrokeConstants) QTest::newRow(row.name) << row;
     }
     void everyPresetPaintsTheSameBytes() {
-        QFETCH(int, row);
-        const StrokeConstant& wanted = kStrokeConstants[row];
+        QFETCH(StrokeConstant, wanted);
         const auto brush = BrushLibrary::named(QString::fromLatin1(wanted.name));
         QVERIFY(brush);
         const std::vector<std::string> sets = instructionSets();

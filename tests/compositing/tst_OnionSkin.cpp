@@ -1,6 +1,7 @@
 #include "compositing/CompositeInputs.h"
 #include "operations/LayerOperations.h"
 #include "support/Pictures.h"
+#include "support/Rows.h"
 #include "support/TestMain.h"
 
 using namespace qirn;
@@ -47,37 +48,22 @@ class tst_OnionSkin : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void nearLayersShowAsGhosts_data() {
-        QTest::addColumn<QString>("bottom");
-        QTest::addColumn<int>("active");
-        QTest::addColumn<int>("before");
-        QTest::addColumn<int>("after");
-        QTest::addColumn<bool>("tint");
-        QTest::addColumn<QStringList>("list");
-        const QString paper = QStringLiteral("Background");
-        QTest::newRow("two below") << "Sketch" << 3 << 2 << 0 << true
-                                   << QStringList{"1 0.24 red", "2 0.4 red", "3 0.5"};
-        QTest::newRow("both sides") << "Sketch" << 2 << 1 << 2 << true
-                                    << QStringList{"1 0.4 red", "2 0.5", "3 0.4 green", "4 0.24 green"};
-        QTest::newRow("own colours") << "Sketch" << 1 << 1 << 1 << false
-                                     << QStringList{"0 0.4", "1 0.5", "2 0.4"};
-        QTest::newRow("paper stays") << paper << 2 << 0 << 0 << true << QStringList{"0 0.5-", "2 0.5"};
-        QTest::newRow("paper in range is a ghost")
-            << paper << 1 << 1 << 0 << true << QStringList{"0 0.4 red", "1 0.5"};
-        QTest::newRow("the name is exact") << "background" << 2 << 0 << 0 << true << QStringList{"2 0.5"};
-    }
     void nearLayersShowAsGhosts() {
-        QFETCH(QString, bottom);
-        QFETCH(int, active);
-        QFETCH(int, before);
-        QFETCH(int, after);
-        QFETCH(bool, tint);
-        const auto doc = animation(bottom);
-        doc->setActiveIndex(active);
-        doc->onion.before = before;
-        doc->onion.after = after;
-        doc->onion.tint = tint;
-        QTEST(shown(*doc), "list");
+        forRows<QString, int, int, int, bool, QStringList>(
+            {{"two below", "Sketch", 3, 2, 0, true, {"1 0.24 red", "2 0.4 red", "3 0.5"}},
+             {"both sides", "Sketch", 2, 1, 2, true, {"1 0.4 red", "2 0.5", "3 0.4 green", "4 0.24 green"}},
+             {"own colours", "Sketch", 1, 1, 1, false, {"0 0.4", "1 0.5", "2 0.4"}},
+             {"paper stays", "Background", 2, 0, 0, true, {"0 0.5-", "2 0.5"}},
+             {"paper in range is a ghost", "Background", 1, 1, 0, true, {"0 0.4 red", "1 0.5"}},
+             {"the name is exact", "background", 2, 0, 0, true, {"2 0.5"}}},
+            [](const QString& bottom, int active, int before, int after, bool tint, const QStringList& list) {
+                const auto doc = animation(bottom);
+                doc->setActiveIndex(active);
+                doc->onion.before = before;
+                doc->onion.after = after;
+                doc->onion.tint = tint;
+                QCOMPARE(shown(*doc), list);
+            });
     }
 
     void ghostsNeverReachThePicture() {

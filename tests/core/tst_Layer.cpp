@@ -30,18 +30,6 @@ class tst_Layer : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void paintingADuplicateLeavesTheOriginal() {
-        Layer original("a", kGrid), copy("b", kGrid);
-        put(original, 300, 10, {50, 0, 0, 255});
-        copy.shareTilesOf(original);
-        QCOMPARE(copy.tile(1), original.tile(1));
-        put(copy, 300, 10, {60, 0, 0, 255});
-        QCOMPARE(int(red(original)), 50);
-        put(original, 300, 10, {70, 0, 0, 255}); // and the other way round
-        QCOMPARE(int(red(copy)), 60);
-        QCOMPARE(int(red(original)), 70);
-    }
-
     void aStateKeepsItsPixelsWhateverTheLayerDoes() {
         Layer layer("a", kGrid);
         put(layer, 300, 10, {50, 0, 0, 255});

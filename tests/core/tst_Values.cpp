@@ -17,16 +17,19 @@ using namespace qirn::test;
 
 namespace {
 
-std::vector<IRect> smallRects() {
-    std::vector<IRect> rects;
-    for (int64_t x : {-1, 0, 2}) {
-        for (int64_t y : {-1, 1}) {
-            for (int64_t w : {-1, 0, 1, 3}) {
-                for (int64_t h : {0, 1, 2}) rects.push_back({x, y, w, h});
-            }
-        }
-    }
-    return rects;
+/// Somewhere near the origin, many of them empty.
+IRect smallRect(SeededRandom& random) {
+    const auto among = [&random](int least, int most) {
+        return least + static_cast<int64_t>(random.next() % static_cast<uint64_t>(most - least + 1));
+    };
+    return {among(-1, 2), among(-1, 1), among(-1, 3), among(0, 2)};
+}
+
+/// Both within, neither empty but perhaps the first.
+IRect boxOf(const IRect& a, const IRect& b) {
+    if (a.isEmpty()) return b;
+    const int64_t x = std::min(a.x, b.x), y = std::min(a.y, b.y);
+    return {x, y, std::max(a.x + a.w, b.x + b.w) - x, std::max(a.y + a.h, b.y + b.h) - y};
 }
 
 } // namespace
@@ -36,25 +39,19 @@ class tst_Values : public QObject {
 
 private Q_SLOTS:
     void rectanglesCombineAsSetsOfPixels() {
-        for (const IRect& a : smallRects()) {
-            for (const IRect& b : smallRects()) {
-                const IRect common = a.intersection(b), both = a.united(b);
-                if (common.isEmpty()) QCOMPARE(common, IRect{});
-                for (int64_t y = -2; y < 5; ++y) {
-                    for (int64_t x = -2; x < 7; ++x) {
-                        const bool inA = !a.isEmpty() && a.contains(x, y);
-                        const bool inB = !b.isEmpty() && b.contains(x, y);
-                        QCOMPARE(!common.isEmpty() && common.contains(x, y), inA && inB);
-                        if (inA || inB) QVERIFY(both.contains(x, y));
-                    }
-                }
-                if (a.isEmpty())
-                    QCOMPARE(both, b);
-                else if (b.isEmpty())
-                    QCOMPARE(both, a);
-                else
-                    QCOMPARE(both.maxX(), std::max(a.maxX(), b.maxX()));
+        SeededRandom random(5);
+        for (int i = 0; i < 5000; ++i) {
+            const IRect a = smallRect(random), b = smallRect(random);
+            IRect common, both; // of their pixels
+            for (int64_t pixel = 0; pixel < 63; ++pixel) {
+                const int64_t x = pixel % 9 - 2, y = pixel / 9 - 2;
+                const IRect one{x, y, 1, 1};
+                const bool inA = !a.isEmpty() && a.contains(x, y), inB = !b.isEmpty() && b.contains(x, y);
+                if (inA && inB) common = boxOf(common, one);
+                if (inA || inB) both = boxOf(both, one);
             }
+            QCOMPARE(a.intersection(b), common);
+            if (!both.isEmpty()) QCOMPARE(a.united(b), both);
         }
         QCOMPARE((IRect{10, 20, 30, 40}.insetBy(-2)), (IRect{8, 18, 34, 44}));
         QCOMPARE((IRect{10, 20, 3, 40}.insetBy(2)), (IRect{12, 22, -1, 36}));
@@ -80,31 +77,22 @@ private Q_SLOTS:
         QVERIFY(!stopsTheProcess([&] { (void)IRect{top - 1, 0, 1, 1}.maxX(); }));
     }
 
-    void hexTexts_data() {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QList<int>>("bytes");
-        const QList<int> none;
-        QTest::newRow("six digits") << "#0D0221" << QList<int>{13, 2, 33, 255};
-        QTest::newRow("three digits") << "abc" << QList<int>{0xAA, 0xBB, 0xCC, 255};
-        QTest::newRow("eight digits") << "01fE0300" << QList<int>{1, 254, 3, 0};
-        QTest::newRow("blanks round it") << " \t#F80\n" << QList<int>{255, 136, 0, 255};
-        QTest::newRow("five digits") << "12345" << none;
-        QTest::newRow("a letter beyond F") << "12345G" << none;
-        QTest::newRow("a minus sign") << "-12345" << none;
-        QTest::newRow("two hashes") << "##12345" << none;
-        QTest::newRow("a digit of another script") << QStringLiteral("12345\u0666") << none;
-        QTest::newRow("empty") << "" << none;
-    }
     void hexTexts() {
-        QFETCH(QString, text);
-        QFETCH(QList<int>, bytes);
-        const auto color = PaintColor::fromHex(text);
-        QCOMPARE(color.has_value(), !bytes.isEmpty());
-        if (!color) return;
-        QCOMPARE((QList<int>{color->r8(), color->g8(), color->b8(), color->a8()}), bytes);
-        PaintColor opaque = *color;
-        opaque.a = 1;
-        QVERIFY(PaintColor::fromHex(color->hex()) == opaque);
+        const auto check = [](const QString& text, const QList<int>& bytes) {
+            const auto color = PaintColor::fromHex(text);
+            QCOMPARE(color.has_value(), !bytes.isEmpty());
+            if (!color) return;
+            QCOMPARE((QList<int>{color->r8(), color->g8(), color->b8(), color->a8()}), bytes);
+            PaintColor opaque = *color;
+            opaque.a = 1;
+            QVERIFY(PaintColor::fromHex(color->hex()) == opaque);
+        };
+        check("#0D0221", {13, 2, 33, 255});
+        check("abc", {0xAA, 0xBB, 0xCC, 255});
+        check("01fE0300", {1, 254, 3, 0});
+        check(" \t#F80\n", {255, 136, 0, 255});
+        for (const QString& none : {"12345", "12345G", "-12345", "##12345", "", "12345\u0666"})
+            check(none, {});
     }
 
     void hueSaturationAndBrightness() {

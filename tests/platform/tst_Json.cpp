@@ -1,3 +1,4 @@
+#include "platform/Bytes.h"
 #include "platform/Json.h"
 #include "support/TestMain.h"
 
@@ -6,8 +7,7 @@ using namespace qirn;
 namespace {
 
 std::optional<Json> parsed(const QByteArray& text) {
-    return parseJson(
-        {reinterpret_cast<const uint8_t*>(text.constData()), static_cast<std::size_t>(text.size())});
+    return parseJson(bytesOf(text));
 }
 
 /// What a typed read makes of a text: the value as text, or "refused".
@@ -25,11 +25,9 @@ class tst_Json : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void onlyWholeAndWellFormedTextIsRead_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<bool>("read");
+    void onlyWholeAndWellFormedTextIsRead() {
         const auto row = [](const char* name, const QByteArray& text, bool read) {
-            QTest::newRow(name) << text << read;
+            QVERIFY2(parsed(text).has_value() == read, name);
         };
         row("object", R"({"a":[1,2.5,true,null,"x"]})", true);
         row("a bare value", "7", true);
@@ -51,10 +49,6 @@ private Q_SLOTS:
         row("33 deep, mixed", QByteArray("{\"a\":[").repeated(16) + "{}" + QByteArray("]}").repeated(16),
             false);
         row("a million deep", QByteArray(1'000'000, '['), false);
-    }
-    void onlyWholeAndWellFormedTextIsRead() {
-        QFETCH(QByteArray, text);
-        QTEST(parsed(text).has_value(), "read");
     }
 
     void theLastOfTwoEqualKeysWins() {
@@ -82,8 +76,7 @@ private Q_SLOTS:
         QCOMPARE(outcome("\"\uFEFFname\"", jsonText), QStringLiteral("\uFEFFname"));
 
         const Json object = *parsed(R"({"a":1,"n":null})");
-        QVERIFY(jsonOptionalMember(object, "a"));
-        QVERIFY(!jsonOptionalMember(object, "n"));
+        QVERIFY(jsonOptionalMember(object, "a") && !jsonOptionalMember(object, "n"));
         QVERIFY(!jsonOptionalMember(object, "b"));
         QVERIFY(jsonMember(object, "n").is_null());
         QVERIFY_THROWS_EXCEPTION(JsonTypeError, jsonMember(object, "b"));
