@@ -1,7 +1,5 @@
 #include "brush/BrushLibrary.h"
-#include "brush/PaperGrain.h"
 #include "brush/StrokeConstants.h"
-#include "core/PaintEngine.h"
 #include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
 #include "support/Strokes.h"
@@ -47,12 +45,6 @@ private Q_SLOTS:
         for (const StrokeConstant& constant : kStrokeConstants)
             listed.append(QString::fromLatin1(constant.name));
         QCOMPARE(listed, wanted);
-    }
-
-    void thePaperIsTheSame() {
-        const auto grain = PaperGrain::values();
-        QCOMPARE(PaintEngine::fnv({reinterpret_cast<const uint8_t*>(grain.data()), grain.size_bytes()}),
-                 uint64_t{0xBB48E79A9F646437u});
     }
 };
 

@@ -1,6 +1,5 @@
 #include "compositing/Reference.h"
 #include "core/SeededRandom.h"
-#include "support/Pictures.h"
 #include "support/TestMain.h"
 
 #include <set>

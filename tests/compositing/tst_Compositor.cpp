@@ -12,9 +12,9 @@ using namespace qirn::test;
 
 namespace {
 
-/// One input of noise for a picture of one tile; `absent` leaves the slot empty.
+/// One input of noise for a picture of two tiles that are alike; `absent` leaves the slots empty.
 CompositeInput noiseInput(SeededRandom& random, bool absent) {
-    TileArray tiles(1);
+    TileArray tiles(2);
     if (!absent) {
         auto tile = std::make_shared<Tile>();
         std::memcpy(tile->writablePixels(), noise(256, 256, random.next())->data(), kTileBytes);
@@ -26,7 +26,8 @@ CompositeInput noiseInput(SeededRandom& random, bool absent) {
             for (int i = 3; kind == 1 && i < 32 * kTileRowBytes; i += 4) band[i] = 255;
             for (int i = 3; kind == 2 && i < 32 * kTileRowBytes; i += 4) band[i] = 0;
         }
-        tiles.set(0, std::move(tile));
+        tiles.set(0, tile);
+        tiles.set(1, tile);
     }
     return {.tiles = tiles};
 }
@@ -81,7 +82,7 @@ private Q_SLOTS:
 
     void theScreenShowsTheRoundedPixelsOverGrey() {
         const std::vector<std::string> sets = instructionSets();
-        const TileGrid grid(250, 256); // cut at the right
+        const TileGrid grid(250, 512); // one tile above the other, cut at the right
         SeededRandom random(4);
         for (uint64_t seed = 1; seed <= 12 * sets.size(); ++seed) {
             useInstructionSet(sets[seed / 12 % sets.size()]);
@@ -91,18 +92,20 @@ private Q_SLOTS:
                 IRect{static_cast<int64_t>(random.next() % 250), static_cast<int64_t>(random.next() % 256),
                       static_cast<int64_t>(1 + random.next() % 250),
                       static_cast<int64_t>(1 + random.next() % 256)}
-                    .intersection(grid.bounds());
+                    .intersection(grid.rectOf(0));
             // Whole tiles in memory that begins evenly have a road of their own.
-            if (seed % 3 != 0) part = grid.bounds();
+            if (seed % 3 != 0) part = grid.rectOf(0);
+            const auto index = static_cast<int64_t>(seed % 2), top = index * kTileSize;
             const TileMemory::Block even = TileMemory::take();
             std::vector<uint32_t> uneven(kTilePixels + 1);
             auto* const screen = seed % 3 == 1 ? reinterpret_cast<uint32_t*>(even.get()) : uneven.data() + 1;
-            drawForScreen({0, part}, stack, grid, {7.5}, reinterpret_cast<uint8_t*>(screen), kTileRowBytes);
+            drawForScreen({index, {part.x, part.y + top, part.w, part.h}}, stack, grid, {7.5},
+                          reinterpret_cast<uint8_t*>(screen), kTileRowBytes);
             for (int64_t y = part.y; y < part.maxY(); ++y) {
                 for (int64_t x = part.x; x < part.maxX(); ++x) {
                     const uint8_t* p = pixels.data() + (y * kTileSize + x) * 4;
                     const bool dark = (static_cast<int>(static_cast<double>(x) / 7.5) +
-                                       static_cast<int>(static_cast<double>(y) / 7.5)) %
+                                       static_cast<int>(static_cast<double>(y + top) / 7.5)) %
                                           2 ==
                                       0;
                     const int behind = ((dark ? 179 : 219) * (255 - p[3]) + 127) / 255;

@@ -1,8 +1,6 @@
 #include "core/DirtyTiles.h"
 #include "core/IRect.h"
 #include "core/PaintColor.h"
-#include "core/PaintEngine.h"
-#include "core/RGBABuffer.h"
 #include "core/SeededRandom.h"
 #include "core/TileGrid.h"
 #include "support/Pictures.h"
@@ -122,27 +120,12 @@ private Q_SLOTS:
         QVERIFY(stopsTheProcess([&] { (void)bad.r8(); }));
     }
 
-    void randomNumbersAreTheSameEverywhere() {
-        QCOMPARE(SeededRandom(0).state, uint64_t{1});
-        SeededRandom random(1);
-        QCOMPARE(random.state, uint64_t{0x9E3779B97F4A7C15});
-        QCOMPARE(random.next(), uint64_t{0xDC1B77AE0BF34DAD});
-        SeededRandom a(77), b(77);
-        for (int i = 0; i < 1000; ++i) {
-            const double unit = a.unit();
-            QVERIFY(unit >= 0 && unit < 1);
-            QCOMPARE(b.signedUnit(), 2 * unit - 1);
-        }
-    }
-
     void buffersHoldPremultipliedPixels() {
         RGBABuffer tiny(0, -3);
         QCOMPARE(tiny.byteCount(), int64_t{4});
-        QCOMPARE(text(tiny.pixel(0, 0)), QStringLiteral("0,0,0,0"));
         tiny.fill({1, 0, 0, 0.5});
         QCOMPARE(text(tiny.pixel(0, 0)), QStringLiteral("128,0,0,128"));
-        QCOMPARE(text(tiny.pixel(-1, 0)), QStringLiteral("0,0,0,0"));
-        QCOMPARE(text(tiny.pixel(0, 1)), QStringLiteral("0,0,0,0"));
+        for (const auto& [x, y] : {std::pair{-1, 0}, {0, 1}}) QCOMPARE(tiny.pixel(x, y), PixelBytes{});
 
         const auto picture = noise(37, 11, 5);
         const auto copy = picture->copy();

@@ -1,5 +1,4 @@
 #include "compositing/CompositeInputs.h"
-#include "core/PaintDocument.h"
 #include "formats/psd/PSDFile.h"
 #include "operations/LayerOperations.h"
 #include "support/Pictures.h"
@@ -50,11 +49,9 @@ std::unique_ptr<PaintDocument> document() {
         layer.opacity = static_cast<double>(255 - 9 * i) / 255;
         layer.isVisible = row.mode != BlendMode::screen;
         layer.isClipping = row.mode == BlendMode::overlay;
-        RGBABuffer canvas(400, 300);
-        const auto noise = test::noise(150, 90, static_cast<uint64_t>(i + 1));
-        for (int64_t y = 0; y < 90; ++y)
-            std::copy_n(noise->row(y), 150 * 4, canvas.row(y + 10 * i) + 4 * (12 * i));
-        layer.load(canvas);
+        const auto part = test::noise(150, 90, static_cast<uint64_t>(i + 1));
+        layer.load(*test::pictureOf(
+            400, 300, [&](int64_t x, int64_t y) { return part->pixel(x - 12 * i, y - 10 * i); }));
     }
     addLayer(*doc, QStringLiteral("empty"));
     return doc;

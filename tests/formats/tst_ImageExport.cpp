@@ -1,7 +1,5 @@
 #include "compositing/CompositeInputs.h"
-#include "core/RGBABuffer.h"
 #include "formats/AreaReducer.h"
-#include "formats/ByteReader.h"
 #include "formats/pictures/ImageExport.h"
 #include "formats/pictures/ImageImport.h"
 #include "platform/Bytes.h"

@@ -1,5 +1,4 @@
 #include "compositing/CompositeInputs.h"
-#include "core/PaintDocument.h"
 #include "formats/ByteReader.h"
 #include "formats/native/PaintFile.h"
 #include "formats/pictures/ImageImport.h"

@@ -1,8 +1,5 @@
-#include "core/PaintDocument.h"
-#include "formats/ByteReader.h"
 #include "formats/pictures/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
-#include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 #include "platform/InstructionSets.h"
 #include "support/PSDFiles.h"

@@ -1,7 +1,6 @@
 #include "core/SeededRandom.h"
 #include "formats/ByteReader.h"
 #include "formats/psd/PackBits.h"
-#include "platform/Bytes.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"
 

@@ -1,5 +1,4 @@
 #include "compositing/CompositeInputs.h"
-#include "core/PaintDocument.h"
 #include "formats/native/PaintFile.h"
 #include "formats/native/TileCodec.h"
 #include "formats/pictures/ImageExport.h"

@@ -1,12 +1,10 @@
 #include "core/PaintDocument.h"
 #include "core/Tile.h"
 #include "formats/native/PaintFile.h"
-#include "formats/pictures/ImageExport.h"
 #include "formats/pictures/ImageImport.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/NativeFiles.h"
-#include "support/Pictures.h"
 #include "support/TestMain.h"
 
 #include <functional>
@@ -272,13 +270,9 @@ private Q_SLOTS:
     }
 
     void importTellsFilesByContent() {
-        const auto imported = [](const QByteArray& file) {
-            return ImageImport::document(bytesOf(file), QStringLiteral("png"));
-        };
-        QCOMPARE(imported(richFile())->fingerprint(), richDocument()->fingerprint());
         const auto refusal = [&](const QByteArray& file) {
             try {
-                imported(file);
+                ImageImport::document(bytesOf(file), QStringLiteral("png"));
             } catch (const DescribedError& error) {
                 return error.description();
             }
@@ -286,9 +280,9 @@ private Q_SLOTS:
         };
         const QString cannotRead = QStringLiteral(
             "This picture could not be opened. It may be damaged or in a format macOS cannot read.");
+        QCOMPARE(refusal(richFile()), QString());
         QCOMPARE(refusal({}), cannotRead);
-        QCOMPARE(refusal(richFile().left(200)),
-                 cannotRead); // no sound manifest, so it is not known to be ours
+        QCOMPARE(refusal(richFile().left(200)), cannotRead); // without a manifest it is not known to be ours
         QCOMPARE(refusal(withManifest(richFile(), [](OrderedJson& m) { m["width"] = 30001; })), kTooLarge);
     }
 };

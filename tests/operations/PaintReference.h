@@ -1,6 +1,5 @@
 #pragma once
 #include "core/PaintColor.h"
-#include "core/RGBABuffer.h"
 #include "support/Pictures.h"
 
 #include <algorithm>

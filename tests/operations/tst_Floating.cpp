@@ -2,7 +2,6 @@
 #include "core/SeededRandom.h"
 #include "core/TileMemory.h"
 #include "operations/Floating.h"
-#include "operations/Selection.h"
 #include "platform/Resampler.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
@@ -83,13 +82,12 @@ private Q_SLOTS:
     void tilesAreThoseOfOneBuffer_data() {
         QTest::addColumn<SelectionRef>("selection");
         QTest::addColumn<QTransform>("transform"); // besides the way to where the pixels were
-        QPainterPath rectangle;
-        rectangle.addRect(100.5, 3, 420, 280.25); // the second tile of the first row within
         const std::pair<const char*, SelectionRef> selections[] = {
             {"all", {}},
             {"soft", softSelection({200, 100, 300, 190}, 6)},
-            {"whole tiles",
-             Selection::make(rectangle, SelectionOp::replace, {}, kWidth, kHeight, Antialias::yes)}};
+            {"whole tiles", // the second of the first row
+             Selection::make(rectangle(100.5, 3, 420, 280.25), SelectionOp::replace, {}, kWidth, kHeight,
+                             Antialias::yes)}};
         const std::pair<const char*, QTransform> transforms[] = {
             {"back", QTransform()},
             {"moved", QTransform::fromTranslate(100, -50)},

@@ -1,5 +1,5 @@
 #include "core/SeededRandom.h"
-#include "operations/Selection.h"
+#include "support/Pictures.h"
 #include "support/TestMain.h"
 
 #include <cmath>
@@ -9,16 +9,11 @@
 #include <QPainter>
 
 using namespace qirn;
+using namespace qirn::test;
 
 namespace {
 
 constexpr int kWidth = 700, kHeight = 530; // 3 x 3 tiles
-
-QPainterPath rectangle(double x, double y, double w, double h) {
-    QPainterPath path;
-    path.addRect(x, y, w, h);
-    return path;
-}
 
 SelectionRef made(const QPainterPath& path, SelectionOp op = SelectionOp::replace,
                   const SelectionRef& existing = {}, Antialias antialias = Antialias::yes) {

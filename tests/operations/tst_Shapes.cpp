@@ -21,12 +21,6 @@ bool isNear(QPointF a, QPointF b) {
     return std::hypot(a.x() - b.x(), a.y() - b.y()) < 1e-9;
 }
 
-QPainterPath rectangle(double x, double y, double w, double h) {
-    QPainterPath path;
-    path.addRect(x, y, w, h);
-    return path;
-}
-
 /// The pixel of a rendered shape at a place on the canvas.
 PixelBytes at(const PlacedPixels& pixels, int64_t x, int64_t y) {
     return pixels.buffer->pixel(x - pixels.rect.x, y - pixels.rect.y);

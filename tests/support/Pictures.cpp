@@ -60,6 +60,12 @@ std::unique_ptr<PaintDocument> documentOf(const RGBABuffer& pixels) {
     return doc;
 }
 
+QPainterPath rectangle(double x, double y, double w, double h) {
+    QPainterPath path;
+    path.addRect(x, y, w, h);
+    return path;
+}
+
 std::set<const Tile*> tilesOf(const Layer& layer) {
     std::set<const Tile*> tiles;
     layer.tiles().forEachTile([&](int64_t, const Tile& tile) { tiles.insert(&tile); });

@@ -28,6 +28,8 @@ SelectionRef selectionOf(int64_t width, int64_t height,
 /// One layer of these pixels; nothing is dirty.
 std::unique_ptr<PaintDocument> documentOf(const RGBABuffer& pixels);
 
+QPainterPath rectangle(double x, double y, double w, double h);
+
 /// The tiles that a layer holds, each once.
 std::set<const Tile*> tilesOf(const Layer& layer);
 

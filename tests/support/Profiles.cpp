@@ -1,7 +1,5 @@
 #include "support/Profiles.h"
 
-#include <algorithm>
-
 #include <lcms2.h>
 
 namespace qirn::test {
