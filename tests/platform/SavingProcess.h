@@ -3,7 +3,6 @@
 namespace qirn::test {
 
 // What a saving process ends with where that is no error's number; 0 when it saved.
-inline constexpr int kCannotBeMade = 255; ///< This machine does not let the trouble be made.
 inline constexpr int kOldFileHarmed = 254;
 inline constexpr int kUnexpected = 253;
 

@@ -1,5 +1,6 @@
 #include "core/SeededRandom.h"
 #include "platform/PathCoverage.h"
+#include "support/Pictures.h"
 #include "support/TestMain.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <QTransform>
 
 using namespace qirn;
+using namespace qirn::test;
 
 namespace {
 
@@ -63,12 +65,6 @@ std::vector<uint8_t> covered(const QPainterPath& path, Antialias antialias, int 
     std::vector<uint8_t> mask(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     fillPathCoverage(path, antialias, mask.data(), width, height);
     return mask;
-}
-
-QPainterPath rectangle(double x, double y, double w, double h) {
-    QPainterPath path;
-    path.addRect(x, y, w, h);
-    return path;
 }
 
 void checkArea(const char* what, const QPainterPath& path, bool crossesItself = false) {

@@ -3,11 +3,11 @@
 #include "platform/Trigonometry.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 
 #include <QFile>
+#include <QTextStream>
 
 namespace qirn::test {
 
@@ -42,18 +42,12 @@ std::optional<std::vector<PenStroke>> readPenRecording(const QString& path) {
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
     std::vector<PenStroke> strokes;
     bool isDown = false;
-    while (!file.atEnd()) {
-        const QByteArray text = file.readLine().simplified();
-        if (text.isEmpty()) continue;
-        const QList<QByteArray> words = text.split(' ');
-        if (words.size() != 4) return std::nullopt;
-        std::array<double, 4> values{};
-        for (std::size_t i = 0; i < 4; ++i) {
-            bool isNumber = false;
-            values[i] = words[static_cast<qsizetype>(i)].toDouble(&isNumber);
-            if (!isNumber || !std::isfinite(values[i])) return std::nullopt;
-        }
-        const auto [time, x, y, pressure] = values;
+    QTextStream numbers(&file);
+    for (numbers.skipWhiteSpace(); !numbers.atEnd(); numbers.skipWhiteSpace()) {
+        double time = 0, x = 0, y = 0, pressure = 0;
+        numbers >> time >> x >> y >> pressure;
+        if (numbers.status() != QTextStream::Ok || !std::isfinite(time + x + y + pressure))
+            return std::nullopt;
         if (pressure > 0) {
             if (!isDown) strokes.emplace_back();
             strokes.back().emplace_back(x, y, pressure, 0, 0, time);

@@ -12,7 +12,7 @@ namespace qirn::test {
 using PenStroke = std::vector<StrokePoint>;
 
 /// Reads lines of "time x y pressure" (seconds, canvas pixels, 0 to 1; pressure 0: the pen is up), exactly as they
-/// are. Nothing when the file cannot be read or a line is not four numbers.
+/// are. Nothing when the file cannot be read or holds anything but four numbers and four again.
 std::optional<std::vector<PenStroke>> readPenRecording(const QString& path);
 
 /// Scaled first, then moved by pixels. Positions and pressure come out as whole 1/64ths (of a pixel, of full
