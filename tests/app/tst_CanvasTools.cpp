@@ -18,7 +18,6 @@ using namespace qirn::test;
 namespace {
 
 constexpr IRect kSquare{100, 80, 40, 30};
-constexpr PixelBytes kRed{255, 0, 0, 255};
 
 /// With a red square on the active layer, committed.
 struct SquareStudio : Studio {
@@ -67,7 +66,14 @@ private Q_SLOTS:
         QCOMPARE(studio.model.recent().front(), PaintColor(0, 0, 1));
         studio.mouseDrag({-5, 20}, {-5, 20});
         QCOMPARE(studio.model.hud(), "Click inside the picture to fill");
-        QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+        studio.model.toggleLock(); // which every tool heeds
+        for (const Tool tool : {Tool::bucket, Tool::gradient, Tool::shape, Tool::move}) {
+            studio.model.flash(QString());
+            studio.model.setTool(tool);
+            studio.mouseDrag({110, 90}, {200, 150});
+            QCOMPARE(studio.model.hud(), "The layer is locked");
+        }
+        QCOMPARE(studio.lastStep(), "3 Lock");
     }
 
     void aGradientRunsFromPressToRelease() {
@@ -120,98 +126,72 @@ private Q_SLOTS:
         }
     }
 
-    void lockedLayersRefuseEveryTool() {
-        SquareStudio studio;
-        studio.model.toggleLock();
-        const uint64_t print = studio.doc().fingerprint();
-        for (const Tool tool : {Tool::bucket, Tool::gradient, Tool::shape, Tool::move}) {
-            studio.model.flash(QString());
-            studio.model.setTool(tool);
-            studio.mouseDrag({110, 90}, {200, 150});
-            QCOMPARE(studio.model.hud(), "The layer is locked");
-        }
-        QCOMPARE(studio.doc().fingerprint(), print);
-        QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-    }
-
     void ellipsesAndLassosSelect() {
         Studio studio;
-        studio.model.setTool(Tool::selectEllipse);
+        const auto valueAt = [&](int64_t x, int64_t y) { return int(studio.doc().selection->value(x, y)); };
+        studio.model.setTool(Tool::selectRect);
+        studio.mouseEvent(QEvent::MouseButtonPress, {20, 20});
+        studio.key(Qt::Key_O, "o"); // the drag keeps the tool that began it
+        studio.mouseEvent(QEvent::MouseButtonRelease, {80, 60});
+        QCOMPARE(valueAt(21, 21), 255); // the corner of a box
         studio.mouseDrag({100, 100}, {200, 160});
-        QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
-        QCOMPARE(int(studio.doc().selection->value(102, 102)), 0);
+        QCOMPARE(valueAt(150, 130), 255);
+        QCOMPARE(valueAt(102, 102), 0);
         studio.model.setTool(Tool::lasso);
-        const auto lasso = [&](Qt::KeyboardModifiers keys) {
+        for (const auto keys : {Qt::ShiftModifier, Qt::NoModifier}) { // it adds, with this tool alone
             studio.mouseEvent(QEvent::MouseButtonPress, {20, 20}, keys);
             for (const QPointF& p : {QPointF(80, 20), QPointF(80, 80), QPointF(20, 80)})
                 studio.mouseEvent(QEvent::MouseMove, p, keys);
             studio.mouseEvent(QEvent::MouseButtonRelease, {20, 80}, keys);
-        };
-        lasso(Qt::ShiftModifier); // adds, with this tool alone
-        QCOMPARE(int(studio.doc().selection->value(50, 50)), 255);
-        QCOMPARE(int(studio.doc().selection->value(150, 130)), 255);
-        lasso({});
+            QCOMPARE(valueAt(50, 50), 255);
+            QCOMPARE(valueAt(150, 130), keys ? 255 : 0);
+        }
         QCOMPARE(studio.doc().selection->bounds(), (IRect{20, 20, 60, 60}));
     }
 
-    void aDragKeepsTheToolThatBeganIt() {
-        Studio studio;
-        studio.model.setTool(Tool::selectRect);
-        studio.mouseEvent(QEvent::MouseButtonPress, {20, 20});
-        studio.key(Qt::Key_O, "o");
-        studio.mouseEvent(QEvent::MouseButtonRelease, {80, 60});
-        QCOMPARE(studio.model.tool(), Tool::selectEllipse);
-        QCOMPARE(int(studio.doc().selection->value(21, 21)), 255); // the corner of a box
-    }
-
-    void movedPixelsKeepTheirBytesAndTheirSelection_data() {
-        QTest::addColumn<double>("zoom");
-        QTest::addColumn<QPointF>("way");
-        QTest::newRow("whole pixels") << 1.0 << QPointF(9, 6);
-        QTest::newRow("between pixels") << 1.37 << QPointF(8.73, 5.61);
-        QTest::newRow("halves, to and fro") << 2.0 << QPointF(0.5, -1.5);
-    }
     void movedPixelsKeepTheirBytesAndTheirSelection() {
-        QFETCH(double, zoom);
-        QFETCH(QPointF, way);
-        Studio studio;
-        studio.layer().load(*noise(400, 300, 9));
-        for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbours
-            for (uint8_t x = 0; x < 40; ++x)
-                paintRect(studio.doc(), studio.layer(), {100 + x, 80 + y, 1, 1},
-                          {static_cast<uint8_t>(x * 97), static_cast<uint8_t>(y * 61), 9, 255});
-        }
-        studio.doc().commit("Noise");
-        const auto before = studio.layer().toBuffer();
-        studio.select({100, 80, 40, 30});
-        studio.canvas.setZoom(zoom);
-        studio.model.setTool(Tool::move);
-        QPointF hand(110, 90);
-        for (int i = 0; i < 12; ++i) {
-            studio.mouseDrag(hand, hand + way);
-            hand += way;
-            QVERIFY(studio.model.transform());
-            const QPointF corner = studio.model.transform()->corners()[0];
-            QCOMPARE(studio.layer().pixel(static_cast<int64_t>(corner.x()) + 20,
-                                          static_cast<int64_t>(corner.y()) + 10)[3],
-                     uint8_t{0}); // they float
-            const QRect inside = QRectF(studio.widgetPoint(corner + QPointF(8, 4)),
-                                        studio.widgetPoint(corner + QPointF(32, 26)))
-                                     .toRect();
-            const QImage floating = studio.canvas.grab(inside).toImage();
-            studio.key(Qt::Key_Return);
-            QVERIFY(!studio.model.transform());
-            QCOMPARE(studio.doc().selection->bounds().rectF().topLeft(), corner);
-            if (zoom == 1) QCOMPARE(studio.canvas.grab(inside).toImage(), floating); // shown where it lands
-        }
-        const IRect now = studio.doc().selection->bounds();
-        for (int64_t y = 0; y < 30; ++y) {
-            for (int64_t x = 0; x < 40; ++x) {
-                QCOMPARE(studio.layer().pixel(now.x + x, now.y + y), before->pixel(100 + x, 80 + y));
+        for (const auto& [zoom, way] :
+             {std::pair{1.0, QPointF(9, 6)}, {1.37, QPointF(8.73, 5.61)}, {2.0, QPointF(0.5, -1.5)}}) {
+            Studio studio;
+            studio.layer().load(*noise(400, 300, 9));
+            for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbours
+                for (uint8_t x = 0; x < 40; ++x)
+                    paintRect(studio.doc(), studio.layer(), {100 + x, 80 + y, 1, 1},
+                              {static_cast<uint8_t>(x * 97), static_cast<uint8_t>(y * 61), 9, 255});
             }
+            studio.doc().commit("Noise");
+            const auto before = studio.layer().toBuffer();
+            studio.select({100, 80, 40, 30});
+            studio.canvas.setZoom(zoom);
+            studio.model.setTool(Tool::move);
+            QPointF hand(110, 90);
+            for (int i = 0; i < 12; ++i) {
+                studio.mouseDrag(hand, hand + way);
+                hand += way;
+                QVERIFY(studio.model.transform());
+                const QPointF corner = studio.model.transform()->corners()[0];
+                QCOMPARE(studio.layer().pixel(static_cast<int64_t>(corner.x()) + 20,
+                                              static_cast<int64_t>(corner.y()) + 10)[3],
+                         uint8_t{0}); // they float
+                const QRect inside = QRectF(studio.widgetPoint(corner + QPointF(8, 4)),
+                                            studio.widgetPoint(corner + QPointF(32, 26)))
+                                         .toRect();
+                const QImage floating = studio.canvas.grab(inside).toImage();
+                studio.key(Qt::Key_Return);
+                QVERIFY(!studio.model.transform());
+                QCOMPARE(studio.doc().selection->bounds().rectF().topLeft(), corner);
+                if (zoom == 1)
+                    QCOMPARE(studio.canvas.grab(inside).toImage(), floating); // shown where it lands
+            }
+            const IRect now = studio.doc().selection->bounds();
+            for (int64_t y = 0; y < 30; ++y) {
+                for (int64_t x = 0; x < 40; ++x) {
+                    QCOMPARE(studio.layer().pixel(now.x + x, now.y + y), before->pixel(100 + x, 80 + y));
+                }
+            }
+            while (studio.doc().undoDepth() > 2) studio.model.undo();
+            QCOMPARE(firstDifference(*studio.layer().toBuffer(), *before), QString());
         }
-        while (studio.doc().undoDepth() > 2) studio.model.undo();
-        QCOMPARE(firstDifference(*studio.layer().toBuffer(), *before), QString());
     }
 
     void aTransformIsOneUndoStepHoweverItEnds() {
@@ -322,8 +302,15 @@ private Q_SLOTS:
         QCOMPARE(studio.doc().selection->bounds(), (IRect{250, 150, 2, 2}));
     }
 
-    void arrowsNudge() {
-        SquareStudio studio;
+    void arrowsNudgeAndNothingToMoveIsTold() {
+        Studio studio;
+        const auto refused = [&] {
+            studio.model.flash({});
+            studio.model.beginTransform();
+            return !studio.model.transform() && studio.model.hud() == "Nothing to move on this layer";
+        };
+        QVERIFY(refused());
+        studio.fill(kSquare);
         studio.model.setTool(Tool::move);
         studio.key(Qt::Key_Left);
         studio.key(Qt::Key_Down, {}, Qt::ShiftModifier);
@@ -332,22 +319,9 @@ private Q_SLOTS:
         studio.model.setTool(Tool::brush);
         studio.key(Qt::Key_Left);
         QVERIFY(!studio.model.transform());
-    }
-
-    void nothingToMoveIsTold() {
-        Studio studio;
-        for (const bool elsewhere : {false, true}) {
-            if (elsewhere) {
-                studio.fill(kSquare);
-                studio.select({0, 0, 20, 20});
-            }
-            studio.model.flash({});
-            studio.model.beginTransform();
-            QCOMPARE(studio.model.hud(), "Nothing to move on this layer");
-            QVERIFY(!studio.model.transform());
-        }
-        QVERIFY(studio.doc().selection);
-        QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+        studio.select({0, 0, 20, 20});
+        QVERIFY(refused() && studio.doc().selection);
+        QCOMPARE(studio.lastStep(), "3 Select");
     }
 
     void liftedPixelsAreShownAsOneImage() {
@@ -402,9 +376,7 @@ private Q_SLOTS:
         spec.outlineColor = studio.model.secondary();
         spec.outlineWidth = 3;
         TextSheet sheet(studio.model, {50, 40}, nullptr);
-        sheet.show();
-        sheet.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&sheet));
+        showActive(sheet);
         const auto choices = sheet.findChildren<QComboBox*>();
         choices[0]->setCurrentText(spec.fontFamily);
         choices[1]->setCurrentIndex(spec.alignment);

@@ -3,6 +3,7 @@
 #include "support/PenRecording.h"
 #include "support/Studio.h"
 
+#include <array>
 #include <cmath>
 
 #include <QApplication>
@@ -107,19 +108,6 @@ private Q_SLOTS:
         QVERIFY(brush == "Smudge" || !direct.activeLayer().isEmpty());
     }
 
-    void pressureReachesTheBrush() {
-        const auto heightAt = [](double pressure, double curve) {
-            Studio studio;
-            studio.set(&PaintPrefs::pressureCurve, curve);
-            studio.model.setActiveBrush(dot(40, true));
-            studio.penStroke({{200, 150}}, pressure);
-            return studio.layer().contentBounds()->h;
-        };
-        QVERIFY(heightAt(0.25, 1) <= 12 && heightAt(0.25, 1) >= 9);
-        QVERIFY(heightAt(1, 1) >= 39);
-        QVERIFY(heightAt(0.25, 0.5) >= 19); // a soft touch
-    }
-
     void aMouseThatFollowsAPenPaintsNothing() {
         Studio studio;
         studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
@@ -182,79 +170,79 @@ private Q_SLOTS:
         QVERIFY(!studio.canvas.isBusy());
     }
 
-    void aLostReleaseEndsTheGesture_data() {
-        QTest::addColumn<Tool>("tool");
-        QTest::addColumn<bool>("pen");
-        for (const bool pen : {true, false}) {
-            for (const Tool tool : {Tool::brush, Tool::shape, Tool::selectRect})
-                QTest::addRow("%s, %s", rowOf(tool).id, pen ? "pen" : "mouse") << tool << pen;
-        }
-    }
     void aLostReleaseEndsTheGesture() {
-        QFETCH(Tool, tool);
-        QFETCH(bool, pen);
-        // What comes in place of the release; of the moves that still come of that hand nothing is drawn.
-        void (*const ends[])(Studio&) = {
-            [](Studio& s) {
-                QFocusEvent out(QEvent::FocusOut);
-                QApplication::sendEvent(&s.canvas, &out);
-            },
-            [](Studio& s) {
-                QEvent out(QEvent::WindowDeactivate);
-                QApplication::sendEvent(&s.canvas, &out);
-            },
-            [](Studio& s) { s.model.copy(Merged::no); },
-        };
-        for (const auto& end : ends) {
-            Studio studio;
-            studio.model.setTool(tool);
-            const auto send = [&](QEvent::Type penType, QEvent::Type mouseType, QPointF at) {
-                pen ? studio.penEvent(penType, at, 1) : studio.mouseEvent(mouseType, at);
+        for (int i = 0; i < 6; ++i) {
+            const Tool tool =
+                std::array{Tool::brush, Tool::shape, Tool::selectRect}[static_cast<std::size_t>(i % 3)];
+            const bool pen = i < 3;
+            // What comes in place of the release; of the moves that still come of that hand nothing is drawn.
+            void (*const ends[])(Studio&) = {
+                [](Studio& s) {
+                    QFocusEvent out(QEvent::FocusOut);
+                    QApplication::sendEvent(&s.canvas, &out);
+                },
+                [](Studio& s) {
+                    QEvent out(QEvent::WindowDeactivate);
+                    QApplication::sendEvent(&s.canvas, &out);
+                },
+                [](Studio& s) { s.model.copy(Merged::no); },
             };
-            const auto dragged = [&](QPointF from, QPointF to) {
-                send(QEvent::TabletPress, QEvent::MouseButtonPress, from);
-                send(QEvent::TabletMove, QEvent::MouseMove, to);
-                return studio.doc().undoDepth();
-            };
-            QCOMPARE(dragged({50, 50}, {90, 80}), int64_t{0});
-            end(studio);
-            QCOMPARE(studio.doc().undoDepth(), int64_t{1});
-            const uint64_t print = studio.doc().fingerprint();
-            send(QEvent::TabletMove, QEvent::MouseMove, {150, 150});
-            send(QEvent::TabletRelease, QEvent::MouseButtonRelease, {150, 150});
-            QCOMPARE(studio.doc().fingerprint(), print);
-            QCOMPARE(dragged({50, 100}, {90, 130}), int64_t{1});
-            QCOMPARE(dragged({100, 100}, {130, 140}),
-                     int64_t{2}); // another press, without a release before it
-            send(QEvent::TabletRelease, QEvent::MouseButtonRelease, {130, 140});
-            QCOMPARE(studio.doc().undoDepth(), int64_t{3});
-            if (!pen || &end != &ends[0]) continue;
-            dragged({10, 10}, {40, 40});
-            studio.waitForPenEcho();
-            studio.mouseDrag({150, 20}, {190, 60}); // the pen lies on the table
-            QCOMPARE(studio.doc().undoDepth(), int64_t{5});
+            for (const auto& end : ends) {
+                Studio studio;
+                studio.model.setTool(tool);
+                const auto send = [&](QEvent::Type penType, QEvent::Type mouseType, QPointF at) {
+                    pen ? studio.penEvent(penType, at, 1) : studio.mouseEvent(mouseType, at);
+                };
+                const auto dragged = [&](QPointF from, QPointF to) {
+                    send(QEvent::TabletPress, QEvent::MouseButtonPress, from);
+                    send(QEvent::TabletMove, QEvent::MouseMove, to);
+                    return studio.doc().undoDepth();
+                };
+                QCOMPARE(dragged({50, 50}, {90, 80}), int64_t{0});
+                end(studio);
+                QCOMPARE(studio.doc().undoDepth(), int64_t{1});
+                const uint64_t print = studio.doc().fingerprint();
+                send(QEvent::TabletMove, QEvent::MouseMove, {150, 150});
+                send(QEvent::TabletRelease, QEvent::MouseButtonRelease, {150, 150});
+                QCOMPARE(studio.doc().fingerprint(), print);
+                QCOMPARE(dragged({50, 100}, {90, 130}), int64_t{1});
+                QCOMPARE(dragged({100, 100}, {130, 140}),
+                         int64_t{2}); // another press, without a release before it
+                send(QEvent::TabletRelease, QEvent::MouseButtonRelease, {130, 140});
+                QCOMPARE(studio.doc().undoDepth(), int64_t{3});
+                if (!pen || &end != &ends[0]) continue;
+                dragged({10, 10}, {40, 40});
+                studio.waitForPenEcho();
+                studio.mouseDrag({150, 20}, {190, 60}); // the pen lies on the table
+                QCOMPARE(studio.doc().undoDepth(), int64_t{5});
+            }
         }
     }
 
-    void aMouseLineBeginsAsThinAsItIsFast() {
-        const auto heightAt = [](double way, double time, double x) {
+    void pressureAndSpeedReachTheBrush() {
+        const auto heightAt = [](Studio& studio, int64_t x) {
+            int64_t height = 0;
+            for (int64_t y = 0; y < 300; ++y) height += studio.layer().pixel(x, y)[3] > 127;
+            return static_cast<double>(height);
+        };
+        for (const auto& [pressure, curve, height] :
+             {std::tuple{0.25, 1.0, 10}, {1.0, 1.0, 40}, {0.25, 0.5, 20}}) { // the last a soft touch
+            Studio studio;
+            studio.set(&PaintPrefs::pressureCurve, curve);
+            studio.model.setActiveBrush(dot(40, true));
+            studio.penStroke({{200, 150}}, pressure);
+            QVERIFY(std::abs(heightAt(studio, 200) - height) <= 1);
+        }
+        for (const auto& [way, time, height] : {std::tuple{100, 40u, 8}, {100, 100u, 32}, {0, 500u, 40}}) {
             Studio studio;
             studio.set(&PaintPrefs::mouseSpeedPressure, true);
             studio.model.setActiveBrush(dot(40, true));
-            const uint64_t end = 1000 + static_cast<uint64_t>(time);
             studio.mouseEvent(QEvent::MouseButtonPress, {100, 150}, {}, 1000);
-            if (x > 100) studio.mouseEvent(QEvent::MouseMove, {100 + way, 150}, {}, end);
-            studio.mouseEvent(QEvent::MouseButtonRelease, {100 + way, 150}, {}, end);
-            int64_t height = 0;
-            for (int64_t y = 0; y < 300; ++y)
-                height += studio.layer().pixel(static_cast<int64_t>(x), y)[3] > 127;
-            return height;
-        };
-        for (const double x : {100, 150}) { // begun and going on
-            QVERIFY(std::abs(heightAt(100, 40, x) - 8) <= 1);
-            QVERIFY(std::abs(heightAt(100, 100, x) - 32) <= 1);
+            if (way) studio.mouseEvent(QEvent::MouseMove, {100.0 + way, 150}, {}, 1000 + time);
+            studio.mouseEvent(QEvent::MouseButtonRelease, {100.0 + way, 150}, {}, 1000 + time);
+            QVERIFY(std::abs(heightAt(studio, 100) - height) <= 1); // as thin as the line goes on
+            if (way) QVERIFY(std::abs(heightAt(studio, 150) - height) <= 1);
         }
-        QVERIFY(std::abs(heightAt(0, 500, 100) - 40) <= 1); // a click
     }
 
     void undoAndEscapeDropTheStroke() {

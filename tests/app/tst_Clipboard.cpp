@@ -75,9 +75,7 @@ struct MenuWindow : Studio {
         for (QWidget* widget : std::initializer_list<QWidget*>{line, text, &canvas})
             column->addWidget(widget);
         window.resize(800, 800);
-        window.show();
-        window.activateWindow();
-        [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&window);
+        showActive(window);
         canvas.setFocus();
     }
     ~MenuWindow() { canvas.setParent(nullptr); }

@@ -19,8 +19,6 @@
 using namespace qirn;
 using namespace qirn::test;
 
-Q_DECLARE_METATYPE(qirn::ExportFormat)
-
 namespace {
 
 /// A half-transparent picture on two layers, one of them hidden.
@@ -99,30 +97,28 @@ private Q_SLOTS:
         QCOMPARE(studio.doc().changeCount(), before);
     }
 
-    void anExportIsTheFinishedPicture_data() {
-        QTest::addColumn<ExportFormat>("format");
-        for (const ExportFormatRow& row : kExportFormats) QTest::newRow(row.id) << row.format;
-    }
     void anExportIsTheFinishedPicture() {
-        QFETCH(ExportFormat, format);
-        Studio studio;
-        paintPicture(studio);
-        const int64_t changes = studio.doc().changeCount();
-        studio.desktop.savePaths = {studio.path("out")};
-        studio.model.exportPicture(format, 0.9, PaintColor::white());
-        const QString extension = QLatin1String(rowOf(format).fileExtension);
-        QCOMPARE(studio.desktop.proposedNames.back(), QStringLiteral("Cats-dogs.") + extension);
-        QCOMPARE(studio.model.hud(), QStringLiteral("Exported out.") + extension);
-        const QByteArray file = bytesAt(studio.path(QStringLiteral("out.") + extension));
-        const auto read = ImageImport::document(bytesOf(file), extension);
-        QCOMPARE(read->grid(), studio.doc().grid());
-        QCOMPARE(read->dpi, 300.0);
-        if (format != ExportFormat::jpeg)
-            QCOMPARE(firstDifference(*flattened(*read), *flattened(studio.doc())), QString());
-        QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
-        QCOMPARE(studio.session().name, "Cats/dogs");
-        QCOMPARE(studio.doc().changeCount(), changes);
-        QVERIFY(studio.desktop.recentFiles.isEmpty());
+        for (const ExportFormatRow& row : kExportFormats) {
+            const ExportFormat format = row.format;
+            Studio studio;
+            paintPicture(studio);
+            const int64_t changes = studio.doc().changeCount();
+            studio.desktop.savePaths = {studio.path("out")};
+            studio.model.exportPicture(format, 0.9, PaintColor::white());
+            const QString extension = QLatin1String(rowOf(format).fileExtension);
+            QCOMPARE(studio.desktop.proposedNames.back(), QStringLiteral("Cats-dogs.") + extension);
+            QCOMPARE(studio.model.hud(), QStringLiteral("Exported out.") + extension);
+            const QByteArray file = bytesAt(studio.path(QStringLiteral("out.") + extension));
+            const auto read = ImageImport::document(bytesOf(file), extension);
+            QCOMPARE(read->grid(), studio.doc().grid());
+            QCOMPARE(read->dpi, 300.0);
+            if (format != ExportFormat::jpeg)
+                QCOMPARE(firstDifference(*flattened(*read), *flattened(studio.doc())), QString());
+            QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
+            QCOMPARE(studio.session().name, "Cats/dogs");
+            QCOMPARE(studio.doc().changeCount(), changes);
+            QVERIFY(studio.desktop.recentFiles.isEmpty());
+        }
     }
 
     void anExportThatFailsLeavesTheOldFile() {

@@ -195,26 +195,18 @@ struct Facts {
     bool canRedo;
     const Selection* selection;
     std::size_t pictures;
-
-    explicit Facts(Work& work)
-        : picture(work.doc().fingerprint()),
-          depth(work.doc().undoDepth()),
-          canRedo(work.doc().canRedo()),
-          selection(work.doc().selection.get()),
-          pictures(work.model.sessions().size()) {}
     bool operator==(const Facts&) const = default;
 };
-
-/// Refuses the n-th block of tile memory or the n-th large piece of other memory.
-enum class Refused { block, piece };
-void refuse(Refused what, int64_t n) {
-    if (what == Refused::block)
-        TileMemory::refuse(n);
-    else
-        untilRefused = n;
+Facts factsOf(Work& work) {
+    PaintDocument& doc = work.doc();
+    return {doc.fingerprint(), doc.undoDepth(), doc.canRedo(), doc.selection.get(),
+            work.model.sessions().size()};
 }
-bool wasRefused(Refused what) {
-    return (what == Refused::block ? TileMemory::refuse(0) : untilRefused.exchange(0)) <= 0;
+
+/// Refuses the n-th block of tile memory or the n-th large piece of other memory, and tells how far off the last was.
+enum class Refused { block, piece };
+int64_t refuse(Refused what, int64_t n) {
+    return what == Refused::block ? TileMemory::refuse(n) : untilRefused.exchange(n);
 }
 
 } // namespace
@@ -255,18 +247,18 @@ private Q_SLOTS:
                 command.run ? command.run(work) : work.choose(command.name);
                 Work::pass();
             };
-            const Facts before(work);
+            const Facts before = factsOf(work);
             run();
-            const Facts done(work);
+            const Facts done = factsOf(work);
             work.goBackTo(before.depth, before.pictures);
             QCOMPARE(work.doc().fingerprint(), before.picture);
             for (const Refused what : {Refused::block, Refused::piece}) {
                 for (int64_t n = 1;; ++n) {
-                    const Facts start(work);
+                    const Facts start = factsOf(work);
                     refuse(what, n);
                     run();
-                    if (!wasRefused(what)) break;
-                    const Facts end(work);
+                    if (refuse(what, 0) > 0) break;
+                    const Facts end = factsOf(work);
                     const bool isDone = end.picture == done.picture && end.depth == done.depth;
                     const auto& asked = work.desktop.asked;
                     const QString said =
@@ -281,7 +273,7 @@ private Q_SLOTS:
                     work.goBackTo(start.depth, start.pictures);
                     QVERIFY(n < 2000);
                 }
-                QVERIFY(Facts(work).picture == done.picture); // the next one works
+                QVERIFY(factsOf(work).picture == done.picture); // the next one works
                 work.goBackTo(before.depth, before.pictures);
             }
         }

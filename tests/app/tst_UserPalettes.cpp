@@ -101,40 +101,36 @@ private Q_SLOTS:
         QCOMPARE(QUuid(*studio.store.text("qirn.pt.palette")), PaletteLibrary::builtIn().front().id);
     }
 
-    void palettesAreExchanged_data() {
-        QTest::addColumn<PaintModel::PaletteFile>("file");
-        QTest::newRow("gpl") << PaintModel::PaletteFile::gpl;
-        QTest::newRow("aco") << PaintModel::PaletteFile::aco;
-    }
     void palettesAreExchanged() {
-        QFETCH(PaintModel::PaletteFile, file);
-        const QString extension = QTest::currentDataTag();
-        Studio studio;
-        const Palette& neon = builtIn("Neon Night");
-        studio.model.selectPalette(neon.id);
-        studio.desktop.savePaths = {studio.path("neon")};
-        studio.model.exportPalette(file);
-        QCOMPARE(studio.desktop.proposedNames.back(), QStringLiteral("Neon Night.") + extension);
-        QCOMPARE(studio.model.hud(), QStringLiteral("Exported neon.") + extension);
-        const QString damaged = studio.path("bad.aco");
-        writeFile(damaged, QByteArray("\0\1\0\5\0", 5));
-        const QString path = studio.path(QStringLiteral("neon.") + extension);
-        studio.desktop.openPaths = {{path, damaged, studio.path("missing.gpl")}};
-        studio.model.importPalette();
-        QCOMPARE(studio.model.userPalettes().size(), std::size_t{1});
-        const Palette& back = studio.model.currentPalette();
-        QCOMPARE(back.colors, neon.colors);
-        const QString name = file == PaintModel::PaletteFile::gpl ? neon.name : QStringLiteral("neon");
-        QCOMPARE(back.name, name);
-        QCOMPARE(studio.model.hud(), QStringLiteral("Imported 9 colors from %1").arg(name));
-        QCOMPARE(stored(), studio.model.userPalettes());
-        QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
-        QCOMPARE(studio.desktop.asked[0].title, "Couldn't import bad.aco");
-        QCOMPARE(studio.desktop.asked[0].text, "This palette file can't be read: the file is cut short.");
-        QCOMPARE(studio.desktop.asked[1].title, "Couldn't import missing.gpl");
-        studio.desktop.savePaths = {studio.path("no such folder/a")};
-        studio.model.exportPalette(file);
-        QCOMPARE(studio.desktop.asked.back().title, "Couldn't export the palette");
+        for (const auto& [file, extension] : {std::pair{PaintModel::PaletteFile::gpl, QString("gpl")},
+                                              {PaintModel::PaletteFile::aco, QString("aco")}}) {
+            Studio studio;
+            const Palette& neon = builtIn("Neon Night");
+            studio.model.selectPalette(neon.id);
+            studio.desktop.savePaths = {studio.path("neon")};
+            studio.model.exportPalette(file);
+            QCOMPARE(studio.desktop.proposedNames.back(), QStringLiteral("Neon Night.") + extension);
+            QCOMPARE(studio.model.hud(), QStringLiteral("Exported neon.") + extension);
+            const QString damaged = studio.path("bad.aco");
+            writeFile(damaged, QByteArray("\0\1\0\5\0", 5));
+            const QString path = studio.path(QStringLiteral("neon.") + extension);
+            studio.desktop.openPaths = {{path, damaged, studio.path("missing.gpl")}};
+            studio.model.importPalette();
+            QCOMPARE(studio.model.userPalettes().size(), std::size_t{1});
+            const Palette& back = studio.model.currentPalette();
+            QCOMPARE(back.colors, neon.colors);
+            const QString name = file == PaintModel::PaletteFile::gpl ? neon.name : QStringLiteral("neon");
+            QCOMPARE(back.name, name);
+            QCOMPARE(studio.model.hud(), QStringLiteral("Imported 9 colors from %1").arg(name));
+            QCOMPARE(stored(), studio.model.userPalettes());
+            QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
+            QCOMPARE(studio.desktop.asked[0].title, "Couldn't import bad.aco");
+            QCOMPARE(studio.desktop.asked[0].text, "This palette file can't be read: the file is cut short.");
+            QCOMPARE(studio.desktop.asked[1].title, "Couldn't import missing.gpl");
+            studio.desktop.savePaths = {studio.path("no such folder/a")};
+            studio.model.exportPalette(file);
+            QCOMPARE(studio.desktop.asked.back().title, "Couldn't export the palette");
+        }
     }
 };
 

@@ -65,22 +65,16 @@ private Q_SLOTS:
         QCOMPARE(before.zoomedTo(0, pointer).zoom, kMinZoom);
     }
 
-    void manySmallZoomsDoNotWander() {
+    void manySmallZoomsDoNotWanderAndFitLeavesTheMargin() {
         ViewState state{1, {0, 0}, 0, false};
-        const QSizeF view(901, 701), canvas(500, 400);
-        const QPointF pointer(100, 90), under = ViewTransform(view, canvas, state).canvasPoint(pointer);
-        for (int i = 0; i < 400; ++i) {
-            state = ViewTransform(view, canvas, state)
-                        .zoomedTo(state.zoom * (i % 2 ? 1 / 1.013 : 1.013), pointer);
-        }
-        const QPointF now = ViewTransform(view, canvas, state).viewPoint(under);
-        QVERIFY(std::hypot(now.x() - pointer.x(), now.y() - pointer.y()) < 1.5);
-    }
-
-    void fitLeavesTheMargin() {
+        const auto shown = [&] { return ViewTransform({901, 701}, {500, 400}, state); };
+        const QPointF pointer(100, 90), under = shown().canvasPoint(pointer);
+        for (int i = 0; i < 400; ++i)
+            state = shown().zoomedTo(state.zoom * (i % 2 ? 1 / 1.013 : 1.013), pointer);
+        const QPointF off = shown().viewPoint(under) - pointer;
+        QVERIFY(std::hypot(off.x(), off.y()) < 1.5);
         const ViewTransform view({860, 660}, {1600, 600}, {3, {50, 50}, 20, true});
-        const ViewState fitted = view.fitted(60);
-        QCOMPARE(fitted, (ViewState{0.5, {0, 0}, 0, true}));
+        QCOMPARE(view.fitted(60), (ViewState{0.5, {0, 0}, 0, true}));
     }
 
     void zoomStopsSkipTheOneThatIsNear() {
@@ -94,15 +88,12 @@ private Q_SLOTS:
             QCOMPARE(nextZoomStop(zoom, in), next);
     }
 
-    void speedMakesAMouseThinner() {
+    void speedAndCurveShapeThePressure() {
         SpeedPressure speed;
         speed.follow(1.0, {0, 0});
         QCOMPARE(speed.next(1.1, {100, 0}), 1.2 - 1000 / 2500.0);
         QCOMPARE(speed.next(1.2, {101, 0}), 1.0);  // slow
         QCOMPARE(speed.next(1.2, {400, 0}), 0.15); // no time passed: a thousandth of a second counts
-    }
-
-    void pressureCurves() {
         QCOMPARE(shapedPressure(0.25, 0.5), 0.5);
         QCOMPARE(shapedPressure(0.5, 2), 0.25);
         QCOMPARE(shapedPressure(1.7, 1), 1.0);

@@ -11,12 +11,7 @@ using namespace qirn::test;
 
 namespace {
 
-struct Sample {
-    const char* preset;
-    const char* color;
-};
-
-constexpr Sample kSamples[] = {
+constexpr std::pair<const char*, const char*> kSamples[] = {
     {"Ink Brush", "#14213D"},  {"Charcoal", "#3A3F47"},   {"Calligraphy Ink", "#B3001B"},
     {"Marker", "#00A3E0"},     {"Soft Round", "#6A0DAD"}, {"Chalk", "#E07A1F"},
     {"Dry Brush", "#4F6D2F"},  {"Spray Can", "#FF1F8F"},  {"Pastel Grain", "#0077B6"},
@@ -41,10 +36,10 @@ void paintTenPresets(Window& window) {
     const QPointingDevice pen("pen", 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen,
                               QInputDevice::Capability::Pressure, 1, 1);
     int i = 0;
-    for (const Sample& sample : kSamples) {
-        window.model.choose(*BrushLibrary::named(sample.preset));
+    for (const auto& [preset, color] : kSamples) {
+        window.model.choose(*BrushLibrary::named(preset));
         window.set(&BrushSettings::size, std::min(window.model.activeBrush().size * 2, 120.0));
-        window.model.setPrimary(*PaintColor::fromHex(sample.color));
+        window.model.setPrimary(*PaintColor::fromHex(color));
         sendStroke(window.canvas(), pen, swellingCurve(110 + 900 * (i / 5), 130 + 205 * (i % 5), 780, 52));
         if (++i == 5) window.model.addLayer();
     }

@@ -15,9 +15,7 @@ struct Window : OwnWorld {
 
     Window() {
         model.newDocument(400, 300, 72, PaintColor::white(), "Test");
-        view.show();
-        view.activateWindow();
-        [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&view);
+        showActive(view);
     }
 
     CanvasView& canvas() { return view.canvas(); }

@@ -53,33 +53,30 @@ class tst_KitDrawing : public QObject {
 private Q_SLOTS:
     void initTestCase() { QirnKit::install("Qirn Paint"); }
 
-    void edgesLieOnDevicePixelsAtEveryRatioAndPlace_data() {
-        QTest::addColumn<double>("ratio");
-        for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) QTest::addRow("%g", ratio) << ratio;
-    }
     void edgesLieOnDevicePixelsAtEveryRatioAndPlace() {
-        QFETCH(double, ratio);
-        for (int shift = 0; shift < 5; ++shift) { // a widget may stand at any logical pixel of its window
-            QImage image = canvas(ratio);
-            QPainter painter(&image);
-            painter.translate(shift, shift);
-            ChromePaint::box(painter, QRectF(7, 5, 31, 41), 0, Qt::white);
-            ChromePaint::line(painter, QRectF(45, 5, 5, 41), ChromePaint::Side::left, Qt::white);
-            painter.end();
-            QCOMPARE(halfTones(image, qRound(30 * ratio)), 0);
-            const int top = qRound((5 + shift) * ratio), inside = qRound((20 + shift) * ratio);
-            QVERIFY(qRed(image.pixel(inside, top)) == 255 && qRed(image.pixel(inside, top - 1)) == 0);
-            int line = 0;
-            for (int x = qRound((44.4 + shift) * ratio); x < qRound((50 + shift) * ratio); ++x)
-                line += image.pixel(x, qRound(30 * ratio)) == qRgb(255, 255, 255);
-            QCOMPARE(line, static_cast<int>(ratio));
+        for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+            for (int shift = 0; shift < 5; ++shift) { // a widget may stand at any logical pixel of its window
+                QImage image = canvas(ratio);
+                QPainter painter(&image);
+                painter.translate(shift, shift);
+                ChromePaint::box(painter, QRectF(7, 5, 31, 41), 0, Qt::white);
+                ChromePaint::line(painter, QRectF(45, 5, 5, 41), ChromePaint::Side::left, Qt::white);
+                painter.end();
+                QCOMPARE(halfTones(image, qRound(30 * ratio)), 0);
+                const int top = qRound((5 + shift) * ratio), inside = qRound((20 + shift) * ratio);
+                QVERIFY(qRed(image.pixel(inside, top)) == 255 && qRed(image.pixel(inside, top - 1)) == 0);
+                int line = 0;
+                for (int x = qRound((44.4 + shift) * ratio); x < qRound((50 + shift) * ratio); ++x)
+                    line += image.pixel(x, qRound(30 * ratio)) == qRgb(255, 255, 255);
+                QCOMPARE(line, static_cast<int>(ratio));
 
-            image.fill(Qt::black); // a border is one sharp line
-            painter.begin(&image);
-            painter.translate(shift, shift);
-            ChromePaint::box(painter, QRectF(3, 3, 31, 41), 6, Qt::black, Qt::white);
-            painter.end();
-            QCOMPARE(halfTones(image, qRound(27 * ratio)), 0);
+                image.fill(Qt::black); // a border is one sharp line
+                painter.begin(&image);
+                painter.translate(shift, shift);
+                ChromePaint::box(painter, QRectF(3, 3, 31, 41), 6, Qt::black, Qt::white);
+                painter.end();
+                QCOMPARE(halfTones(image, qRound(27 * ratio)), 0);
+            }
         }
     }
 
@@ -95,27 +92,24 @@ private Q_SLOTS:
         QCOMPARE(static_cast<int>(used.size()), static_cast<int>(QDir(":/qirn/icons").entryList().size()));
     }
 
-    void iconsHaveTheExactPixelsOfTheScreen() {
+    void anIconHasTheExactPixelsOfTheScreenAndIsPlacedOnThem() {
         for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
-            const QPixmap pixmap = Icons::pixmap(Icon::brush, 20, ratio, Qt::white);
+            const QPixmap pixmap = Icons::pixmap(Icon::save, 20, ratio, Qt::white);
             QCOMPARE(pixmap.width(), qRound(20 * ratio));
             QCOMPARE(pixmap.devicePixelRatio(), ratio);
-            QCOMPARE(Icons::of(Icon::brush).pixmap(QSize(20, 20), ratio).width(), qRound(20 * ratio));
-        }
-    }
-
-    void anIconIsPlacedPixelForPixel() {
-        const QImage icon = Icons::pixmap(Icon::save, 20, 1.25, Qt::white).toImage();
-        for (int shift = 0; shift < 4; ++shift) {
-            QImage image = canvas(1.25);
-            QPainter painter(&image);
-            painter.translate(shift, 0);
-            ChromePaint::icon(painter, QRectF(11, 11, 28, 28), Icon::save, 20, Qt::white);
-            painter.end();
-            const int left = qRound((15 + shift) * 1.25), top = qRound(15 * 1.25);
-            for (int y = 0; y < icon.height(); ++y)
-                for (int x = 0; x < icon.width(); ++x)
-                    QCOMPARE(qRed(image.pixel(left + x, top + y)), qAlpha(icon.pixel(x, y)));
+            QCOMPARE(Icons::of(Icon::save).pixmap(QSize(20, 20), ratio).width(), qRound(20 * ratio));
+            const QImage icon = pixmap.toImage();
+            for (int shift = 0; shift < 4; ++shift) {
+                QImage image = canvas(ratio);
+                QPainter painter(&image);
+                painter.translate(shift, 0);
+                ChromePaint::icon(painter, QRectF(11, 11, 28, 28), Icon::save, 20, Qt::white);
+                painter.end();
+                const QPoint corner(qRound((15 + shift) * ratio), qRound(15 * ratio));
+                for (int y = 0; y < icon.height(); ++y)
+                    for (int x = 0; x < icon.width(); ++x)
+                        QCOMPARE(qRed(image.pixel(corner + QPoint(x, y))), qAlpha(icon.pixel(x, y)));
+            }
         }
     }
 

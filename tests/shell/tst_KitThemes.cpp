@@ -22,9 +22,7 @@ private Q_SLOTS:
 
     void contrastIsThatOfTheStandard() {
         const auto black = QirnTheme::RGB::fromHex(0x000000), white = QirnTheme::RGB::fromHex(0xFFFFFF);
-        QCOMPARE(black.contrast(white), 21.0);
-        QCOMPARE(white.contrast(black), 21.0);
-        QCOMPARE(white.contrast(white), 1.0);
+        QVERIFY(black.contrast(white) == 21 && white.contrast(black) == 21);
         // A dark channel is on the straight part of the curve, a bright one on the power.
         QCOMPARE(QirnTheme::RGB::fromHex(0x0A0A0A).luminance(), 10 / 255.0 / 12.92);
         QVERIFY(qAbs(QirnTheme::RGB::fromHex(0x777777).contrast(white) - 4.478) < 0.001);
@@ -59,38 +57,35 @@ private Q_SLOTS:
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x1C, 0x21, 0x29));
     }
 
-    void everyTextCanBeReadInEveryTheme_data() {
-        QTest::addColumn<QirnTheme>("theme");
-        for (const QirnTheme& theme : QirnThemes::builtIn()) QTest::newRow(qPrintable(theme.id)) << theme;
-    }
     void everyTextCanBeReadInEveryTheme() {
-        QFETCH(QirnTheme, theme);
-        const ChromeColors c = ChromeColors::of(theme.kitTheme());
-        const auto canBeRead = [](const QColor& text, const QColor& on, int which) {
-            const double ratio = contrast(text, on);
-            QVERIFY2(ratio >= 4.5, qPrintable(QString("surface %1: %2").arg(which).arg(ratio)));
-        };
-        // Every text of the chrome on every surface that it stands on, and so in the widgets' palette.
-        const QColor surfaces[] = {c.canvas, c.panel, c.bar,   c.popup,   c.raised,
-                                   c.well,   c.level, c.hover, c.pressed, c.selected};
-        for (int i = 0; i < 10; ++i) canBeRead(c.text, surfaces[i], i);
-        for (int i = 0; i < 7; ++i) canBeRead(c.dim, surfaces[i], i);
-        canBeRead(c.onAccent, c.accent, 10);
-        canBeRead(c.onAccent, c.accentHover, 11);
-        for (int i = 0; i < 6; ++i) QVERIFY(contrast(c.focus, surfaces[i]) >= 3);
-        const QPalette p = c.palette();
-        using P = QPalette;
-        for (const auto& [text, base] : {std::pair{P::WindowText, P::Window},
-                                         {P::Text, P::Base},
-                                         {P::Text, P::AlternateBase},
-                                         {P::ButtonText, P::Button},
-                                         {P::ToolTipText, P::ToolTipBase},
-                                         {P::HighlightedText, P::Highlight},
-                                         {P::PlaceholderText, P::Base}})
-            canBeRead(p.color(text), p.color(base), 100 + base);
-        // The theme still looks like itself: its text is the table's.
-        QCOMPARE(c.text, theme.kitTheme().text);
-        QCOMPARE(c.panel, theme.kitTheme().panelBottom);
+        for (const QirnTheme& theme : QirnThemes::builtIn()) {
+            const ChromeColors c = ChromeColors::of(theme.kitTheme());
+            const auto canBeRead = [](const QColor& text, const QColor& on, int which) {
+                const double ratio = contrast(text, on);
+                QVERIFY2(ratio >= 4.5, qPrintable(QString("surface %1: %2").arg(which).arg(ratio)));
+            };
+            // Every text of the chrome on every surface that it stands on, and so in the widgets' palette.
+            const QColor surfaces[] = {c.canvas, c.panel, c.bar,   c.popup,   c.raised,
+                                       c.well,   c.level, c.hover, c.pressed, c.selected};
+            for (int i = 0; i < 10; ++i) canBeRead(c.text, surfaces[i], i);
+            for (int i = 0; i < 7; ++i) canBeRead(c.dim, surfaces[i], i);
+            canBeRead(c.onAccent, c.accent, 10);
+            canBeRead(c.onAccent, c.accentHover, 11);
+            for (int i = 0; i < 6; ++i) QVERIFY(contrast(c.focus, surfaces[i]) >= 3);
+            const QPalette p = c.palette();
+            using P = QPalette;
+            for (const auto& [text, base] : {std::pair{P::WindowText, P::Window},
+                                             {P::Text, P::Base},
+                                             {P::Text, P::AlternateBase},
+                                             {P::ButtonText, P::Button},
+                                             {P::ToolTipText, P::ToolTipBase},
+                                             {P::HighlightedText, P::Highlight},
+                                             {P::PlaceholderText, P::Base}})
+                canBeRead(p.color(text), p.color(base), 100 + base);
+            // The theme still looks like itself: its text is the table's.
+            QCOMPARE(c.text, theme.kitTheme().text);
+            QCOMPARE(c.panel, theme.kitTheme().panelBottom);
+        }
     }
 };
 

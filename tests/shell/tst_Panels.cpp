@@ -82,7 +82,7 @@ private Q_SLOTS:
         QCOMPARE(slider.value(), 1.0);
     }
 
-    void theBlendModeIsTheActiveLayersAndOneStep() {
+    void theBlendModeIsTheActiveLayersAndARowTellsWhatItsLayerIs() {
         Window w;
         auto& menu = w.find<QComboBox>("blendMode");
         QCOMPARE(menu.count(), kBlendModeCount);
@@ -93,15 +93,11 @@ private Q_SLOTS:
         clickRow(w, 1, 100);
         QCOMPARE(menu.currentIndex(), 0);
         QCOMPARE(w.doc().undoDepth(), 1);
-    }
-
-    void aRowTellsWhatItsLayerIs() {
-        Window w;
         const auto marks = [&] {
-            return w.find<QListWidget>("layers").item(0)->data(LayerRowDelegate::kMarksRole).toString();
+            return w.find<QListWidget>("layers").item(1)->data(LayerRowDelegate::kMarksRole).toString();
         };
         QCOMPARE(marks(), QString());
-        w.model.setLayer(1, "Change", [](Layer& layer) {
+        w.model.setLayer(0, "Change", [](Layer& layer) {
             layer.opacity = 0.5;
             layer.isClipping = layer.isLocked = layer.alphaLocked = true;
         });
@@ -124,7 +120,7 @@ private Q_SLOTS:
         QCOMPARE(second.color(), QColor(Qt::white));
     }
 
-    void aDragInThePlaneStaysWithItsPartAndIsNoRecentColour() {
+    void aDragInThePlaneStaysWithItsPartAndGreyKeepsTheHue() {
         Window w;
         auto& plane = w.find<ColorPlane>();
         dragOver(plane, {0.5, 0.98}, {0.0, 0.0}); // from the strip of hues up across the square
@@ -135,34 +131,24 @@ private Q_SLOTS:
         QCOMPARE(plane.color().v, 0.0);
         QCOMPARE(w.model.primary().hex(), "#000000");
         QVERIFY(w.model.recent().empty());
-    }
-
-    void blackAndGreyKeepTheHue() {
-        Window w;
         w.model.pick(PaintColor::fromHSV(0.6, 0.8, 0.9), PaintModel::AddRecent::no);
-        auto& plane = w.find<ColorPlane>();
-        const double hue = plane.color().h, saturation = plane.color().s;
-        QVERIFY(qAbs(hue - 0.6) < 0.01);
+        const HueColor blue = plane.color();
+        QVERIFY(qAbs(blue.h - 0.6) < 0.01);
         w.model.pick(PaintColor::black(), PaintModel::AddRecent::no);
-        QCOMPARE(plane.color(), (HueColor{hue, saturation, 0}));
+        QCOMPARE(plane.color(), (HueColor{blue.h, blue.s, 0}));
         w.model.pick(PaintColor::white(), PaintModel::AddRecent::no);
-        QCOMPARE(plane.color(), (HueColor{hue, 0, 1}));
-    }
-
-    void hexIsTakenOnReturnAndABadOneChangesNothing() {
-        Window w;
+        QCOMPARE(plane.color(), (HueColor{blue.h, 0, 1}));
+        // A hex number is taken on Return, and a bad one changes nothing.
         auto& hex = w.find<QLineEdit>("hex");
-        hex.setFocus();
-        hex.setText("b3001b");
-        QTest::keyClick(&hex, Qt::Key_Return);
-        QCOMPARE(w.model.primary().hex(), "#B3001B");
-        QCOMPARE(w.model.recent().size(), std::size_t(1));
-        QCOMPARE(hex.text(), "#B3001B");
-        QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
-        hex.setText("#12");
-        QTest::keyClick(&hex, Qt::Key_Return);
-        QCOMPARE(w.model.primary().hex(), "#B3001B");
-        QCOMPARE(w.model.recent().size(), std::size_t(1));
+        for (const char* typed : {"b3001b", "#12"}) {
+            hex.setFocus();
+            hex.setText(typed);
+            QTest::keyClick(&hex, Qt::Key_Return);
+            QCOMPARE(w.model.primary().hex(), "#B3001B");
+            QCOMPARE(w.model.recent().size(), std::size_t(1));
+            QCOMPARE(hex.text(), "#B3001B");
+            QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
+        }
     }
 };
 

@@ -43,6 +43,12 @@ Studio::Studio()
     canvas.actualPixels();
 }
 
+void showActive(QWidget& window) {
+    window.show();
+    window.activateWindow();
+    [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&window);
+}
+
 QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint) {
     const double ratio = canvas.devicePixelRatioF();
     const QPointF view = canvas.viewPoint(canvasPoint);

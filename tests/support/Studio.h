@@ -63,6 +63,7 @@ struct OwnWorld {
     }
 };
 
+void showActive(QWidget& window); ///< With the keys.
 /// Where a canvas point is shown, in widget coordinates.
 QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint);
 void sendMouse(QWidget& widget, QEvent::Type type, QPointF widgetPoint, Qt::KeyboardModifiers modifiers = {},
