@@ -97,26 +97,6 @@ private Q_SLOTS:
             }
         }
     }
-
-    void brokenProfilesAreNone() {
-        const QByteArray good = displayP3Profile();
-        const auto accepted = [](const QByteArray& icc, ColorModel model = ColorModel::rgb) {
-            return ColorProfile::embedded(bytesOf(icc), {model}).has_value();
-        };
-        QVERIFY(accepted(good));
-        QVERIFY(!accepted({}));
-        QVERIFY(!accepted(QByteArray(5000, 'x')));
-        QVERIFY(!accepted(good, ColorModel::gray));
-        QVERIFY(!accepted(pressProfile()));
-        for (qsizetype cut = 1; cut < good.size(); cut += 37)
-            accepted(good.left(cut)); // no crash, whatever it says
-        for (qsizetype at = 0; at < good.size(); at += 17) {
-            QByteArray damaged = good;
-            damaged[at] = static_cast<char>(damaged[at] ^ 0xFF);
-            if (const auto profile = ColorProfile::embedded(bytesOf(damaged), {}))
-                converted(*profile, std::vector<uint8_t>{1, 2, 3});
-        }
-    }
 };
 
 QIRN_TEST(tst_ColorProfile)

@@ -80,13 +80,6 @@ private Q_SLOTS:
         check(700, 2, 33);
     }
 
-    void aPictureIsNeverEnlarged() {
-        const QImage image = noise(20, 30, 1)->makeImage();
-        QCOMPARE(ImageExport::scaled(image, 30).constBits(), image.constBits());
-        QCOMPARE(ImageExport::scaled(image, 1000).size(), image.size());
-        QVERIFY(ImageExport::scaled(QImage(), 100).isNull());
-    }
-
     void aPNGIsTheSameOnAnyNumberOfThreads() {
         // Several bands; opaque ones without alpha. Read by Qt, whose codec is another one than ours.
         const auto clear = noise(1200, 900, 3);

@@ -150,7 +150,7 @@ private Q_SLOTS:
     }
 
     void everyOrientationStandsUpright() {
-        const auto row = [](const QString& name, const QByteArray& file, const QImage& expected) {
+        const auto check = [](const QString& name, const QByteArray& file, const QImage& expected) {
             QVERIFY2(distance(decoded(file), expected) <= 2,
                      qPrintable(name + ": " + QString::number(distance(decoded(file), expected))));
         };
@@ -175,18 +175,19 @@ private Q_SLOTS:
             }
             const auto order = way.number % 2 == 0 ? ByteOrder::little : ByteOrder::big;
             const QByteArray exif = exifBlock(way.number, 0, 1, 2, order);
-            row(QString::asprintf("jpeg %u", way.number),
-                withJpegSegment(jpegOf(stored), 0xE1, QByteArray("Exif\0\0", 6) + exif), upright);
-            row(QString::asprintf("tiff %u", way.number), tiffOf(stored, {{274, 3, {way.number}}}), upright);
-            row(QString::asprintf("png %u", way.number), withPngChunk(written(stored, "png"), "eXIf", exif),
-                upright);
-            row(QString::asprintf("webp %u", way.number), webpOf(stored, {}, exif), upright);
+            check(QString::asprintf("jpeg %u", way.number),
+                  withJpegSegment(jpegOf(stored), 0xE1, QByteArray("Exif\0\0", 6) + exif), upright);
+            check(QString::asprintf("tiff %u", way.number), tiffOf(stored, {{274, 3, {way.number}}}),
+                  upright);
+            check(QString::asprintf("png %u", way.number), withPngChunk(written(stored, "png"), "eXIf", exif),
+                  upright);
+            check(QString::asprintf("webp %u", way.number), webpOf(stored, {}, exif), upright);
             // A palette goes through the library's own conversion, which must not turn as well.
             QByteArray indexed = written(stored.convertToFormat(QImage::Format_Indexed8), "tiff");
             const qsizetype at = indexed.indexOf(QByteArray("\x12\x01\x03\x00\x01\x00\x00\x00", 8));
             QVERIFY(at > 0);
             indexed[at + 8] = static_cast<char>(way.number);
-            row(QString::asprintf("tiff with palette %u", way.number), indexed, upright);
+            check(QString::asprintf("tiff with palette %u", way.number), indexed, upright);
         }
     }
 

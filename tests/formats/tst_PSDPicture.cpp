@@ -1,7 +1,5 @@
 #include "FlatPSDFiles.h"
 #include "formats/ByteReader.h"
-#include "formats/pictures/ImageExport.h"
-#include "formats/pictures/ImageImport.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDPicture.h"
 #include "platform/Bytes.h"
@@ -207,16 +205,6 @@ private Q_SLOTS:
         check(layerCount(1, "Lr16"), -1, true, "opens"); // nothing is said
         check(layerCount(1), 1, false, words);
         check({}, 0, true, "opens"); // no layers either
-    }
-
-    void aFileOpensFlatOrIsRefusedInWords() {
-        File file = pixelFile(gray, 16, {65535}, layerCount(1, "Lr16"));
-        const auto flat = ImageImport::document(bytesOf(file.bytes()), "png");
-        QVERIFY(flat->layerCount() == 1 && flat->layer(0).name == QString("Background"));
-        QCOMPARE(text(flat->layer(0).pixel(0, 0)), QString("255,255,255,255"));
-        file.resources = psdResource(1057, {}, big32(1) + '\0');
-        QVERIFY_THROWS_EXCEPTION(PSDFile::PSDError, ImageImport::document(bytesOf(file.bytes()), "psd"));
-        QVERIFY_THROWS_EXCEPTION(ExportError, ImageImport::document(bytesOf(file.bytes().left(30)), "psd"));
     }
 
     void aLyingSizeIsRefused() {
