@@ -3,11 +3,9 @@
 #include "formats/native/PaintFile.h"
 
 #include "core/PaintDocument.h"
-#include "formats/pictures/ImageImport.h"
+#include "formats/pictures/PngReader.h"
 
 #include <algorithm>
-
-#include <QCoreApplication>
 
 namespace qirn {
 
@@ -15,26 +13,7 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = PaintFile::magic.size() + 4;
 
-QString translated(const char* text) {
-    return QCoreApplication::translate("PaintFileError", text);
-}
-
 } // namespace
-
-PaintFileError PaintFileError::notPaintFile() {
-    return PaintFileError(translated("This file is not an Qirn Paint document."));
-}
-
-PaintFileError PaintFileError::tooLarge() {
-    return PaintFileError(
-        translated("The canvas in this file is larger than Qirn Paint can open (30,000 × 30,000 pixels)."));
-}
-
-PaintFileError PaintFileError::damaged(const QString& detail) {
-    return PaintFileError(
-        translated("The Qirn Paint document is damaged (%1). Try File → Recover Autosaved Work.")
-            .arg(detail));
-}
 
 DocumentSnapshot snapshot(PaintDocument& doc) {
     PaintDocument::State state = doc.captureState();
@@ -67,7 +46,7 @@ std::optional<QImage> PaintFile::thumbnailOf(std::span<const uint8_t> file) {
         if (!manifest.thumbnail) return std::nullopt;
         const auto png = storedBytes(file.subspan(static_cast<std::size_t>(blobOffset)), *manifest.thumbnail);
         if (!png) return std::nullopt;
-        return ImageImport::decodePNG(*png);
+        return decodePNG(*png);
     } catch (const PaintFileError&) {
         return std::nullopt;
     }

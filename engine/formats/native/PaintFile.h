@@ -2,8 +2,8 @@
 #include "core/Layer.h"
 #include "core/OnionSkin.h"
 #include "core/TileGrid.h"
+#include "formats/common/FormatErrors.h"
 #include "formats/native/PaintFileManifest.h"
-#include "platform/DescribedError.h"
 
 #include <array>
 #include <cstdint>
@@ -36,17 +36,6 @@ DocumentSnapshot snapshot(PaintDocument& doc);
 
 /// The picture as it was last committed, without the stroke or preview that is under way; its tiles are frozen.
 DocumentSnapshot snapshotOfLastCommit(const PaintDocument& doc);
-
-/// Why a native document was refused.
-class PaintFileError : public DescribedError {
-public:
-    static PaintFileError notPaintFile();
-    static PaintFileError tooLarge();
-    static PaintFileError damaged(const QString& detail); ///< "manifest", "tile 7 data", ...
-
-private:
-    using DescribedError::DescribedError;
-};
 
 /// The layered document file (docs/formats.md has it byte by byte):
 ///

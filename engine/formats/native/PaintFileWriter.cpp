@@ -2,7 +2,7 @@
 #include "formats/native/PaintFile.h"
 #include "formats/native/PaintPreview.h"
 #include "formats/native/TileCodec.h"
-#include "formats/pictures/ImageExport.h"
+#include "formats/pictures/PngWriter.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 

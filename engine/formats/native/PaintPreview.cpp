@@ -2,8 +2,8 @@
 
 #include "compositing/CompositeInputs.h"
 #include "formats/AreaReducer.h"
+#include "formats/common/ScaledImage.h"
 #include "formats/native/PaintFile.h"
-#include "formats/pictures/ImageExport.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>

@@ -1,17 +1,15 @@
 #include "formats/pictures/ImageImport.h"
 
+#include "formats/common/FormatErrors.h"
 #include "formats/native/PaintFile.h"
 #include "formats/pictures/HeifReader.h"
-#include "formats/pictures/ImageExport.h"
 #include "formats/pictures/JpegReader.h"
 #include "formats/pictures/PngReader.h"
 #include "formats/pictures/QtReader.h"
 #include "formats/pictures/TiffReader.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDPicture.h"
-#include "platform/QtImages.h"
 
-#include <cmath>
 #include <new>
 #include <utility>
 #include <vector>
@@ -73,20 +71,6 @@ std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
         if (reader.isOne(file)) return reader.read(file);
     }
     return std::nullopt;
-}
-
-std::optional<QImage> ImageImport::decodePNG(Bytes png) {
-    constexpr int64_t kLongestSide = 4096;
-    if (!isPng(png)) return std::nullopt;
-    const auto picture = decode(png);
-    if (!picture || picture->layer->grid().width > kLongestSide ||
-        picture->layer->grid().height > kLongestSide)
-        return std::nullopt;
-    QImage image = picture->layer->toBuffer()->makeImage();
-    const auto perMeter = static_cast<int>(std::lround(picture->dpi / 0.0254));
-    image.setDotsPerMeterX(perMeter);
-    image.setDotsPerMeterY(perMeter);
-    return image;
 }
 
 } // namespace qirn

@@ -8,7 +8,6 @@
 #include <optional>
 #include <span>
 
-#include <QImage>
 #include <QString>
 
 namespace qirn::ImageImport {
@@ -27,9 +26,5 @@ std::unique_ptr<PaintDocument> document(std::span<const uint8_t> file, const QSt
 /// The picture of a file other than a native document; nothing when it is none, is damaged beyond use, has a side of
 /// more than 30,000 pixels, or claims a size that its bytes cannot hold. Throws PSDFile::PSDError as above.
 std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
-
-/// A small picture, as previews are, of a PNG; nothing when it is damaged, claims a size that its bytes cannot hold, or
-/// has a side of more than 4096 pixels.
-std::optional<QImage> decodePNG(std::span<const uint8_t> png);
 
 } // namespace qirn::ImageImport

@@ -4,6 +4,7 @@
 #include "formats/ByteReader.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
+#include "platform/QtImages.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -227,6 +228,12 @@ QByteArray pngBytes(const QImage& picture, double dpi) {
     }
     addChunk(out, "IEND", {});
     return out.take();
+}
+
+std::optional<QByteArray> ImageExport::pngData(const QImage& image, double dpi) {
+    const QImage picture = image.isNull() ? image : inPixelFormat(image);
+    if (picture.isNull()) return std::nullopt;
+    return pngBytes(picture, dpi);
 }
 
 } // namespace qirn

@@ -11,4 +11,11 @@ namespace qirn {
 /// threads.
 QByteArray pngBytes(const QImage& picture, double dpi);
 
+namespace ImageExport {
+
+/// A PNG with its resolution noted; nothing for a null image.
+std::optional<QByteArray> pngData(const QImage& image, double dpi);
+
+} // namespace ImageExport
+
 } // namespace qirn

@@ -1,7 +1,7 @@
 #include "core/PaintDocument.h"
 #include "core/PaintEngine.h"
 #include "formats/ByteReader.h"
-#include "formats/native/PaintFile.h"
+#include "formats/common/FormatErrors.h"
 #include "formats/pictures/PrintDensity.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDRecords.h"

@@ -1,6 +1,6 @@
 #include "formats/psd/PSDRecords.h"
 
-#include "formats/native/PaintFile.h"
+#include "formats/common/FormatErrors.h"
 
 #include <algorithm>
 #include <iterator>

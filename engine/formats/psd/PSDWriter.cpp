@@ -1,6 +1,7 @@
 #include "core/PaintDocument.h"
 #include "formats/ByteReader.h"
-#include "formats/pictures/ImageExport.h"
+#include "formats/common/ExportFormat.h"
+#include "formats/common/FormatErrors.h"
 #include "formats/pictures/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDPacking.h"

@@ -1,0 +1,11 @@
+#include "formats/common/ExportFormat.h"
+
+#include <QCoreApplication>
+
+namespace qirn {
+
+QString displayName(ExportFormat format) {
+    return QCoreApplication::translate("ExportFormat", rowOf(format).displayName);
+}
+
+} // namespace qirn

@@ -1,0 +1,30 @@
+#pragma once
+#include "platform/DescribedError.h"
+
+#include <QString>
+
+namespace qirn {
+
+/// Why a native document, or a layered one of another program, was refused.
+class PaintFileError : public DescribedError {
+public:
+    static PaintFileError notPaintFile();
+    static PaintFileError tooLarge();
+    static PaintFileError damaged(const QString& detail); ///< "manifest", "tile 7 data", ...
+
+private:
+    using DescribedError::DescribedError;
+};
+
+/// A picture that could not be turned into a file's bytes, or bytes that are no picture.
+class ExportError : public DescribedError {
+public:
+    static ExportError
+    cannotEncode(const QString& formatName); ///< As the user reads it in the list of formats.
+    static ExportError cannotRead();
+
+private:
+    using DescribedError::DescribedError;
+};
+
+} // namespace qirn
