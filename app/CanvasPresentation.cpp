@@ -38,9 +38,10 @@ void CanvasPresentation::show(const PaintDocument* document) {
     window_.reset(document ? document->grid() : TileGrid());
 }
 
-void CanvasPresentation::setCheckerSize(double canvasPixels) {
-    board_.side = std::max(canvasPixels, 2.0);
+bool CanvasPresentation::setCheckerSize(double canvasPixels) {
+    if (std::exchange(board_.side, std::max(canvasPixels, 2.0)) == board_.side) return false;
     if (document_) show(document_);
+    return true;
 }
 
 void CanvasPresentation::look(const ViewTransform& view, double zoom) {

@@ -22,7 +22,8 @@ class CanvasPresentation {
 public:
     /// Null shows nothing; the document is borrowed, and all of it drawn anew. Asks for no memory.
     void show(const PaintDocument* document);
-    void setCheckerSize(double canvasPixels); ///< Side of a square, at least 2.
+    bool
+    setCheckerSize(double canvasPixels); ///< Side of a square, at least 2. True where it was another one.
 
     /// The view that the next `draw` is for; makes the tiles that it shows and that are not made yet. Where memory runs
     /// out it throws, `draw` shows what there is, and the next call goes on.

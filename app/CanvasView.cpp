@@ -68,9 +68,11 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     // Proximity of the pen is told to the application, not to a widget.
     qApp->installEventFilter(this);
     updateMouseCursor();
+    model_.setCanvas(this);
 }
 
 CanvasView::~CanvasView() {
+    model_.setCanvas(nullptr);
     if (session_) session_->doc().onGridChange = nullptr;
 }
 
@@ -212,13 +214,6 @@ void CanvasView::updateAntsTimer() {
         antsTimer_.start(overlay_.antsInterval());
 }
 
-void CanvasView::prefsChanged() {
-    penEndChanged(model_.penIsEraser);
-    presentation_.setCheckerSize(model_.prefs().checkerSize);
-    updateCursor(std::nullopt);
-    update();
-}
-
 void CanvasView::paintEvent(QPaintEvent* event) {
     contained([this] { followSize(); });
     QPainter painter(this);
@@ -326,14 +321,12 @@ void CanvasView::toggleFlipView() {
 
 // --- Cursors and reports
 
-void CanvasView::toolDidChange() {
+void CanvasView::choicesChanged() {
+    penEndChanged(model_.penIsEraser); // the preferences may no longer let it erase
+    if (presentation_.setCheckerSize(model_.prefs().checkerSize)) update();
     updateCursor(lastMouseView_);
     updateMouseCursor();
     updateOverlay();
-}
-
-void CanvasView::brushChanged() {
-    updateCursor(lastMouseView_);
 }
 
 void CanvasView::updateCursor(std::optional<QPointF> viewPoint) {

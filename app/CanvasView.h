@@ -1,5 +1,6 @@
 #pragma once
 #include "CanvasOverlay.h"
+#include "CanvasPort.h"
 #include "CanvasPresentation.h"
 #include "Guarded.h"
 #include "PenInput.h"
@@ -29,28 +30,23 @@ struct StrokePoint;
 /// screen before the next event is read, and shows the finished tiles with what is drawn over them.
 ///
 /// View points are device pixels with y up; canvas points are pixels with y down.
-class CanvasView : public QWidget {
+class CanvasView : public QWidget, public CanvasPort {
     Q_OBJECT
 public:
+    /// The model's canvas from now on, for its life.
     explicit CanvasView(PaintModel& model, QWidget* parent = nullptr);
     ~CanvasView() override;
 
-    // What the model asks of it.
-    void showSession(DocSession& session);
-    void forgetSession(const DocSession& session); ///< Before the session goes away.
-    void flush();                                  ///< Recomposites and shows the dirty tiles at once.
+    void showSession(DocSession& session) override;
+    void forgetSession(const DocSession& session) override;
+    void refresh(AllTiles all) override;
+    void choicesChanged() override;
+    bool isBusy() const override;
+    void endStroke() override;
+    void endGesture() override;
+    void dropUncommitted() override;
+    void flush();         ///< Recomposites and shows the dirty tiles at once.
     void scheduleFlush(); ///< The same after the current event, once however often it was asked.
-    enum class AllTiles { no, yes };
-    void refresh(AllTiles all);
-    void updateOverlay(); ///< Ants and previews as the model now has them.
-    void toolDidChange();
-    void prefsChanged();
-    void brushChanged(); ///< The ring follows.
-    bool isBusy() const; ///< A stroke is in progress.
-    void endStroke();    ///< Ends and commits the stroke in progress, if any.
-    void endGesture();   ///< Whatever drag is in progress, as if it were let go where it last was.
-    /// After a failure: any gesture goes, and all is drawn anew. The picture is the model's to put back.
-    void dropUncommitted();
 
     // The view.
     DocSession* session() const { return session_; }
@@ -177,6 +173,7 @@ private:
 
     // The view (CanvasView.cpp).
     void applyView(const ViewState& state);
+    void updateOverlay(); // ants and previews as the model now has them
     void applyViewTransform();
     void noteMotion();
     void fitIfNeeded();

@@ -2,13 +2,10 @@
 
 #include "PaintModel.h"
 #include "core/TileMemory.h"
-#include "platform/DescribedError.h"
 
 #include <cstddef>
 #include <memory>
 #include <new>
-
-#include <QCoreApplication>
 
 namespace qirn {
 
@@ -39,15 +36,6 @@ QString textOfExceptionInFlight() {
 }
 
 } // namespace
-
-QString failureText(const std::exception& error) {
-    if (const auto* described = dynamic_cast<const DescribedError*>(&error)) return described->description();
-    if (dynamic_cast<const std::bad_alloc*>(&error))
-        return QCoreApplication::translate("Guarded",
-                                           "There is not enough memory for this. Nothing was changed.");
-    qWarning("Qirn Paint: %s", error.what());
-    return QCoreApplication::translate("Guarded", "This did not work. Nothing was changed.");
-}
 
 void takeBackAfterFailure(PaintModel& model) noexcept {
     reserve().reset();

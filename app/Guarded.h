@@ -1,16 +1,12 @@
 #pragma once
-#include <exception>
+#include "Failures.h"
+
 #include <type_traits>
 #include <utility>
-
-#include <QString>
 
 namespace qirn {
 
 class PaintModel;
-
-/// Why something did not work, in words for the user: those of a DescribedError, or that memory is out.
-QString failureText(const std::exception& error);
 
 /// Puts the picture back to its last commit after the exception in flight, and says so. Memory kept for this moment is
 /// let go first.
@@ -43,17 +39,6 @@ template <class Body> auto guarding(PaintModel& model, Body body) {
     return [&model, body = std::move(body)](auto&&... arguments) -> void {
         guarded(model, [&] { callWithWhatItTakes(body, std::forward<decltype(arguments)>(arguments)...); });
     };
-}
-
-/// For what changes no picture, such as drawing one: nothing is taken back, and the caller makes do without. True when
-/// `body` ran to its end.
-template <class Body> bool contained(Body&& body) noexcept {
-    try {
-        std::forward<Body>(body)();
-        return true;
-    } catch (...) {
-        return false;
-    }
 }
 
 } // namespace qirn

@@ -5,6 +5,8 @@
 #include "Guarded.h"
 #include "PaintModel.h"
 
+#include <type_traits>
+
 #include <QAction>
 #include <QKeySequence>
 #include <QMenu>
@@ -17,12 +19,27 @@ namespace {
 using Shortcut = int; // a key with modifiers, 0 for none
 constexpr int Command = Qt::CTRL, Shift = Qt::SHIFT, Option = Qt::ALT;
 
+/// What a command does: to the model, or to the view of the canvas.
+struct CommandBody {
+    void (*onModel)(PaintModel&) = nullptr;
+    void (*onView)(CanvasView&) = nullptr;
+
+    constexpr CommandBody() = default;
+    template <class Function>
+    constexpr CommandBody(Function function) { // NOLINT(google-explicit-constructor)
+        if constexpr (std::is_convertible_v<Function, void (*)(PaintModel&)>)
+            onModel = function;
+        else
+            onView = function;
+    }
+};
+
 struct CommandRow {
     const char* menu; ///< The menu it stands in; rows of one menu stand together.
     const char* name; ///< Object name of the action; null for a divider.
     const char* title = nullptr;
     Shortcut shortcut = 0;
-    void (*run)(PaintModel&) = nullptr;
+    CommandBody run = {};
     QString (*liveTitle)(const PaintModel&) = nullptr; ///< In place of `title`, asked at each change.
     bool (*checked)(const PaintModel&) = nullptr;      ///< Makes the item checkable.
     bool (*enabled)(const PaintModel&) = nullptr;      ///< Always, where there is none.
@@ -61,25 +78,6 @@ template <PaintSheet kSheet> void sheet(PaintModel& model) {
     model.requestSheet(kSheet);
 }
 
-template <auto kMethod, auto... kArguments> void view(PaintModel& model) {
-    if (CanvasView* canvas = model.canvas()) (canvas->*kMethod)(kArguments...);
-}
-
-void zoomIn(PaintModel& model) {
-    if (CanvasView* canvas = model.canvas()) canvas->zoomStep(true);
-}
-void zoomOut(PaintModel& model) {
-    if (CanvasView* canvas = model.canvas()) canvas->zoomStep(false);
-}
-void rotateLeft(PaintModel& model) {
-    if (CanvasView* canvas = model.canvas()) canvas->rotateView(-15);
-}
-void rotateRight(PaintModel& model) {
-    if (CanvasView* canvas = model.canvas()) canvas->rotateView(15);
-}
-void resetRotation(PaintModel& model) {
-    if (CanvasView* canvas = model.canvas()) canvas->setRotation(0);
-}
 void save(PaintModel& model) {
     model.save(nullptr, PaintModel::SaveAs::no);
 }
@@ -206,22 +204,22 @@ const CommandRow kCommands[] = {
     {"Layer", "onionSkin", nullptr, Command | Option | Qt::Key_K, call<&PaintModel::toggleOnion>, onionTitle},
 
     {"View", "zoomIn", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom In  (= key)"),
-     Command | Option | Qt::Key_Equal, zoomIn},
+     Command | Option | Qt::Key_Equal, [](CanvasView& view) { view.zoomStep(true); }},
     {"View", "zoomOut", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom Out  (− key)"),
-     Command | Option | Qt::Key_Minus, zoomOut},
+     Command | Option | Qt::Key_Minus, [](CanvasView& view) { view.zoomStep(false); }},
     {"View", "fit", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Fit in Window  (F)"),
-     Command | Option | Qt::Key_0, view<&CanvasView::fit>},
+     Command | Option | Qt::Key_0, [](CanvasView& view) { view.fit(); }},
     {"View", "actualPixels", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Actual Pixels 100%  (1)"),
-     Command | Option | Qt::Key_1, view<&CanvasView::actualPixels>},
+     Command | Option | Qt::Key_1, [](CanvasView& view) { view.actualPixels(); }},
     {"View", nullptr},
     {"View", "rotateLeft", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Left 15°  (,)"), 0,
-     rotateLeft},
+     [](CanvasView& view) { view.rotateView(-15); }},
     {"View", "rotateRight", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Right 15°  (.)"), 0,
-     rotateRight},
+     [](CanvasView& view) { view.rotateView(15); }},
     {"View", "resetRotation", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Reset Rotation  (/)"), 0,
-     resetRotation},
+     [](CanvasView& view) { view.setRotation(0); }},
     {"View", "flipView", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Flip View (mirror check)  (W)"), 0,
-     view<&CanvasView::toggleFlipView>},
+     [](CanvasView& view) { view.toggleFlipView(); }},
     {"View", nullptr},
     {"View", "showPerformance", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show Stroke Performance"), 0,
      togglePerformance, nullptr, [](const PaintModel& model) { return model.prefs().showPerformance; }},
@@ -239,7 +237,9 @@ QString plainTitle(QString title) {
 
 } // namespace
 
-PaintCommands::PaintCommands(PaintModel& model, QMenuBar& menuBar) : QObject(&menuBar), model_(model) {
+PaintCommands::PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menuBar)
+    : QObject(&menuBar),
+      model_(model) {
     for (const char* menuTitle : kMenuTitles) {
         QMenu* menu = menuBar.addMenu(QStringLiteral("&") + tr(menuTitle));
         menu->setObjectName(QLatin1String(menuTitle));
@@ -254,9 +254,10 @@ PaintCommands::PaintCommands(PaintModel& model, QMenuBar& menuBar) : QObject(&me
             if (row.title) action->setText(plainTitle(tr(row.title)));
             if (row.shortcut != 0) action->setShortcut(QKeySequence(row.shortcut));
             action->setCheckable(row.checked != nullptr);
-            if (row.run)
-                connect(action, &QAction::triggered, this,
-                        guarding(model_, [this, run = row.run] { run(model_); }));
+            connect(action, &QAction::triggered, this, guarding(model_, [this, &view, run = row.run] {
+                        if (run.onModel) run.onModel(model_);
+                        if (run.onView) run.onView(view);
+                    }));
         }
     }
     connect(action(QLatin1String(kQuit)), &QAction::triggered, menuBar.window(), &QWidget::close);

@@ -6,6 +6,7 @@ class QMenuBar;
 
 namespace qirn {
 
+class CanvasView;
 class PaintModel;
 
 /// The menu bar: a table that binds items and shortcuts to the model and the canvas. It holds no logic of its own;
@@ -13,8 +14,8 @@ class PaintModel;
 class PaintCommands : public QObject {
     Q_OBJECT
 public:
-    /// Fills the menu bar; every action has its command's object name. The model is borrowed.
-    PaintCommands(PaintModel& model, QMenuBar& menuBar);
+    /// Fills the menu bar; every action has its command's object name. Model and view are borrowed.
+    PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menuBar);
 
     QAction* action(const QString& objectName) const; ///< Null for a name that is not in the table.
 

@@ -2,7 +2,6 @@
 #include "PaintModel.h"
 
 #include "AppFolders.h"
-#include "CanvasView.h"
 #include "Desktop.h"
 #include "Guarded.h"
 #include "Store.h"
@@ -39,13 +38,9 @@ PaintModel::~PaintModel() {
     if (shared == this) shared = nullptr;
 }
 
-CanvasView* PaintModel::canvas() const {
-    return canvas_;
-}
-
-void PaintModel::setCanvas(CanvasView* canvas) {
-    canvas_ = canvas;
-    if (canvas_ && current()) canvas_->showSession(*current());
+void PaintModel::setCanvas(CanvasPort* canvas) {
+    canvas_ = canvas ? canvas : &noCanvas_;
+    if (current()) canvas_->showSession(*current());
 }
 
 DocSession* PaintModel::current() const {
@@ -61,10 +56,10 @@ void PaintModel::setTool(Tool tool) {
     if (tool == tool_) return;
     if (tool_ == Tool::move)
         finishGesture(); // leaving the Move tool puts the pixels down
-    else if (canvas_)
+    else
         canvas_->endStroke();
     tool_ = tool;
-    if (canvas_) canvas_->toolDidChange();
+    canvas_->choicesChanged();
     saveStateLater();
     announce();
 }
@@ -118,7 +113,7 @@ void PaintModel::setPrefs(const PaintPrefs& prefs) {
 
 void PaintModel::applyPrefs() {
     for (const SessionRef& session : sessions_) session->doc().maxUndoSteps = prefs_.undoSteps;
-    if (canvas_) canvas_->prefsChanged();
+    canvas_->choicesChanged();
 }
 
 // --- Messages
@@ -144,9 +139,7 @@ void PaintModel::takeBack(const QString& why) {
         doc.revertToLastCommit();
         if (const auto index = doc.indexOf(active)) doc.setActiveIndex(*index);
     });
-    contained([&] {
-        if (canvas_) canvas_->dropUncommitted();
-    });
+    contained([&] { canvas_->dropUncommitted(); });
     if (session) session->announceChange();
     flash(why);
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include "CanvasPort.h"
 #include "CanvasStatus.h"
 #include "DocSession.h"
 #include "PaintPrefs.h"
@@ -22,14 +23,12 @@
 
 #include <QObject>
 #include <QPoint>
-#include <QPointer>
 #include <QTimer>
 
 class QMimeData;
 
 namespace qirn {
 
-class CanvasView;
 class Desktop;
 class Store;
 struct TextSpec;
@@ -199,10 +198,9 @@ public:
 
     Store& store() const { return store_; }
     CanvasStatus& status() { return status_; }
-    CanvasView* canvas() const;
-    void setCanvas(CanvasView* canvas);
-    bool penIsEraser = false; ///< The eraser end of the pen is down or near.
-    int messageTime = 2600;   ///< Milliseconds that a message stands.
+    void setCanvas(CanvasPort* canvas); ///< Borrowed until another one is set; null for none.
+    bool penIsEraser = false;           ///< The eraser end of the pen is down or near.
+    int messageTime = 2600;             ///< Milliseconds that a message stands.
 
 Q_SIGNALS:
     void changed();
@@ -254,7 +252,8 @@ private:
     std::optional<QString> hud_;
     CanvasStatus status_;
     std::optional<QString> lastAutosaveText_;
-    QPointer<CanvasView> canvas_;
+    CanvasPort noCanvas_;
+    CanvasPort* canvas_ = &noCanvas_;
     QTimer autosaveTimer_;
     QTimer hudTimer_;
     QTimer stateTimer_; // single shot, 0 ms: the queued saveState

@@ -1,7 +1,6 @@
 // The brush of each tool, the user's own presets, and brush files.
 #include "PaintModel.h"
 
-#include "CanvasView.h"
 #include "Desktop.h"
 #include "FileTypes.h"
 #include "brush/BrushFile.h"
@@ -71,7 +70,7 @@ void PaintModel::setActiveBrush(const BrushSettings& brush) {
 
 void PaintModel::setToolBrush(Tool tool, const BrushSettings& brush) {
     toolBrush_.insert_or_assign(tool, sanitized(brush));
-    if (canvas_) canvas_->brushChanged();
+    canvas_->choicesChanged();
     saveStateLater();
     announce();
 }

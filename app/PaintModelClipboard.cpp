@@ -1,7 +1,6 @@
 // Pictures that go out and come in beside whole documents: the clipboard, drags and imported layers.
 #include "PaintModel.h"
 
-#include "CanvasView.h"
 #include "Clipboard.h"
 #include "Desktop.h"
 #include "FileTypes.h"
@@ -35,7 +34,7 @@ bool hasAlpha(const RGBABuffer& buffer) {
 
 void PaintModel::copy(Merged merged) {
     if (Clipboard::doneInTextField(Clipboard::TextAction::copy)) return;
-    if (canvas_) canvas_->endGesture();
+    canvas_->endGesture();
     copyPicture(merged);
 }
 

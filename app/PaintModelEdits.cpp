@@ -1,7 +1,6 @@
 // The commands that change a picture: each is one undo step with a fixed name, each refusal one short message.
 #include "PaintModel.h"
 
-#include "CanvasView.h"
 #include "Desktop.h"
 #include "TextRenderer.h"
 #include "operations/Fill.h"
@@ -14,7 +13,7 @@
 namespace qirn {
 
 void PaintModel::finishGesture() {
-    if (canvas_) canvas_->endGesture();
+    canvas_->endGesture();
     commitOpacity();
     applyTransform();
 }
@@ -34,7 +33,7 @@ void PaintModel::edit(const QString& name, const std::function<void(PaintDocumen
 }
 
 void PaintModel::afterChange(DocSession& session) {
-    if (canvas_) canvas_->refresh(CanvasView::AllTiles::no);
+    canvas_->refresh(CanvasPort::AllTiles::no);
     session.announceChange();
     announce();
 }
@@ -53,7 +52,7 @@ void PaintModel::undo() {
 
 void PaintModel::redo() {
     DocSession* session = current();
-    if (canvas_) canvas_->endGesture();
+    canvas_->endGesture();
     commitOpacity();
     const std::optional<QString> name = session ? session->doc().redoName() : std::nullopt;
     if (!name) return desktop_.beep();
@@ -177,7 +176,7 @@ void PaintModel::setActiveLayer(int64_t index) {
     announce();
     // Ghosts depend on the active layer.
     const bool all = session->doc().onion.enabled;
-    if (canvas_) canvas_->refresh(all ? CanvasView::AllTiles::yes : CanvasView::AllTiles::no);
+    canvas_->refresh(all ? CanvasPort::AllTiles::yes : CanvasPort::AllTiles::no);
 }
 
 void PaintModel::previewOpacity(int64_t index, double opacity) {
@@ -190,7 +189,7 @@ void PaintModel::previewOpacity(int64_t index, double opacity) {
     }
     doc.layer(index).opacity = opacity;
     doc.markAllDirty();
-    if (canvas_) canvas_->refresh(CanvasView::AllTiles::no);
+    canvas_->refresh(CanvasPort::AllTiles::no);
     announce();
 }
 
@@ -210,7 +209,7 @@ void PaintModel::setOnion(const std::function<void(OnionSkin&)>& change) {
     if (!session) return;
     change(session->doc().onion);
     session->doc().markAllDirty();
-    if (canvas_) canvas_->refresh(CanvasView::AllTiles::no);
+    canvas_->refresh(CanvasPort::AllTiles::no);
     session->announceChange();
     announce();
 }

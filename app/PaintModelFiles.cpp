@@ -3,7 +3,6 @@
 
 #include "AppFolders.h"
 #include "BackgroundQueue.h"
-#include "CanvasView.h"
 #include "Desktop.h"
 #include "FileTypes.h"
 #include "Guarded.h"
@@ -49,7 +48,7 @@ ImageImport::Imported readPicture(const QString& path) {
 } // namespace
 
 void PaintModel::showOnCanvas(DocSession& session) {
-    if (canvas_) canvas_->showSession(session);
+    canvas_->showSession(session);
 }
 
 // --- New pictures and tabs
@@ -100,7 +99,7 @@ void PaintModel::addRecovered(SessionRef session) {
 }
 
 void PaintModel::remove(DocSession& session) {
-    if (canvas_) canvas_->forgetSession(session);
+    canvas_->forgetSession(session);
     std::erase_if(sessions_, [&](const SessionRef& s) { return s.get() == &session; });
 }
 
@@ -135,9 +134,8 @@ void PaintModel::open(const QString& path) {
     const bool native = FileTypes::isNative(path);
     const QString base = info.completeBaseName();
     const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
-    const auto session =
-        std::make_shared<DocSession>(std::move(picture.document), name,
-                                     native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
+    const auto session = std::make_shared<DocSession>(
+        std::move(picture.document), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
     session->remark = wordsOf(picture.remarks);
     add(session);
     if (!session->remark.isEmpty()) flash(session->remark);
@@ -282,7 +280,7 @@ void PaintModel::autosaveTick() {
             static_cast<double>(session->lastAutosave.msecsTo(now)) < prefs_.autosaveSeconds * 1000;
         // Lifted pixels are in no layer: a copy of such a moment would lack them.
         const bool floating = transform_ && session.get() == current();
-        if (recent || floating || (canvas_ && canvas_->isBusy())) continue;
+        if (recent || floating || canvas_->isBusy()) continue;
         Recovery::write(*session, Recovery::Synchronously::no);
         lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));
         announce();

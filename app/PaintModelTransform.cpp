@@ -1,8 +1,6 @@
 // The pending transform: pixels lifted off the active layer until they are put down or put back.
 #include "PaintModel.h"
 
-#include "CanvasView.h"
-
 namespace qirn {
 
 void PaintModel::beginTransform() {
@@ -23,21 +21,21 @@ void PaintModel::beginTransform() {
     layer.alphaLocked = false;
     transform_.emplace(std::move(floating));
     if (tool_ != Tool::move) setTool(Tool::move);
-    if (canvas_) canvas_->refresh(CanvasView::AllTiles::no);
+    canvas_->refresh(CanvasPort::AllTiles::no);
     announce();
 }
 
 void PaintModel::updateTransform(const std::function<void(TransformState&)>& change) {
     if (!transform_) return;
     change(*transform_);
-    if (canvas_) canvas_->updateOverlay();
+    canvas_->refresh(CanvasPort::AllTiles::no);
     announce();
 }
 
 void PaintModel::applyTransform() {
     DocSession* session = current();
     if (!transform_ || !session) return;
-    if (canvas_) canvas_->endGesture();
+    canvas_->endGesture();
     const TransformState state = *transform_;
     transform_.reset();
     PaintDocument& doc = session->doc();
@@ -56,7 +54,7 @@ void PaintModel::applyTransform() {
 void PaintModel::cancelTransform() {
     DocSession* session = current();
     if (!transform_ || !session) return;
-    if (canvas_) canvas_->endGesture();
+    canvas_->endGesture();
     transform_.reset();
     session->doc().revertToLastCommit();
     afterChange(*session);

@@ -99,7 +99,6 @@ void canvasPipeline(const SelfTestWorld& world) {
     PaintModel model(PaintModel::LoadStores::no, world.desktop, world.store);
     CanvasView canvas(model);
     canvas.resize(900, 700);
-    model.setCanvas(&canvas);
     model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Canvas"));
     canvas.show();
     canvas.setZoom(1.6);

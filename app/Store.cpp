@@ -1,7 +1,7 @@
 #include "Store.h"
 
 #include "BackgroundQueue.h"
-#include "Guarded.h"
+#include "Failures.h"
 #include "UserFile.h"
 #include "platform/Bytes.h"
 

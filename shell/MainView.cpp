@@ -73,21 +73,16 @@ protected:
 
 MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model)) {
     setWindowTitle(tr("Qirn Paint"));
-    new PaintCommands(model, *menuBar());
+    new PaintCommands(model, *canvas_, *menuBar());
     connect(&model, &PaintModel::sheetRequested, this, &MainView::showSheet);
 
     setCentralWidget(new ContentScroller(content()));
     connect(canvas_, &CanvasView::textRequested, this,
             [this](QPointF at) { TextSheet(model_, at, this).exec(); });
-    model.setCanvas(canvas_);
     new TypingKeys(*this, *canvas_);
     canvas_->setFocus();
     keepToScreen();
     resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
-}
-
-MainView::~MainView() {
-    model_.setCanvas(nullptr);
 }
 
 QWidget* MainView::content() {
@@ -95,7 +90,7 @@ QWidget* MainView::content() {
     content->setMinimumSize(kLeastContent);
     auto* rows = columnIn(content);
     rows->addWidget(new HeaderBar(model_, content));
-    rows->addWidget(new ToolOptionsBar(model_, content));
+    rows->addWidget(new ToolOptionsBar(model_, *canvas_, content));
     rows->addWidget(body(), 1);
     rows->addWidget(new StatusBar(model_, content));
     return content;

@@ -17,7 +17,6 @@ class MainView : public QMainWindow {
     Q_OBJECT
 public:
     explicit MainView(PaintModel& model);
-    ~MainView() override;
 
     CanvasView& canvas() { return *canvas_; }
 

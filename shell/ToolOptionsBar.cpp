@@ -29,7 +29,7 @@ bool movesView(const PaintModel& model) {
 
 } // namespace
 
-ToolOptionsBar::ToolOptionsBar(PaintModel& model, QWidget* parent)
+ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* parent)
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       title_(new QLabel(this)) {
@@ -47,7 +47,7 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, QWidget* parent)
     for (const ToolOptionRows::Row& option : ToolOptionRows::all())
         options_.push_back(
             std::visit([&](const auto& control) { return made(option.shows, control); }, option.control));
-    options_.push_back({movesView, new ViewOptions(model, this), {}});
+    options_.push_back({movesView, new ViewOptions(model, view, this), {}});
     for (const Option& option : options_)
         row->addWidget(option.widget, qobject_cast<ChromeNote*>(option.widget) ? 1 : 0);
     row->addStretch();

@@ -9,6 +9,7 @@ class QLabel;
 
 namespace qirn {
 
+class CanvasView;
 class PaintModel;
 class ViewOptions;
 
@@ -16,7 +17,7 @@ class ViewOptions;
 class ToolOptionsBar : public ChromePanel {
     Q_OBJECT
 public:
-    ToolOptionsBar(PaintModel& model, QWidget* parent);
+    ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* parent);
 
 private:
     using Shows = bool (*)(const PaintModel&);

@@ -15,7 +15,7 @@
 
 namespace qirn {
 
-ViewOptions::ViewOptions(PaintModel& model, QWidget* parent)
+ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
     : QWidget(parent),
       model_(model),
       zoom_(new QLabel(this)),
@@ -23,22 +23,20 @@ ViewOptions::ViewOptions(PaintModel& model, QWidget* parent)
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(Metrics::kSpace8);
-    const auto onCanvas = [this](auto action) {
-        return guarding(model_, [this, action] {
-            if (CanvasView* canvas = model_.canvas()) action(*canvas);
-        });
+    const auto onView = [this, &view](auto action) {
+        return guarding(model_, [&view, action] { action(view); });
     };
     const auto button = [&](const char* name, const QString& text, auto action) {
         auto* made = new QPushButton(text, this);
         made->setObjectName(QLatin1String(name));
         made->setFocusPolicy(Qt::TabFocus);
-        connect(made, &QPushButton::clicked, this, onCanvas(action));
+        connect(made, &QPushButton::clicked, this, onView(action));
         return made;
     };
     const auto iconButton = [&](const char* name, Icon icon, const QString& tip, auto action) {
         auto* made = new IconButton(icon, tip, this);
         made->setObjectName(QLatin1String(name));
-        connect(made, &IconButton::clicked, this, onCanvas(action));
+        connect(made, &IconButton::clicked, this, onView(action));
         return made;
     };
 
@@ -64,9 +62,8 @@ ViewOptions::ViewOptions(PaintModel& model, QWidget* parent)
                          2 * Metrics::kControlPadding);
     row->addWidget(flip_);
 
-    connect(rotation_, &ChromeSlider::valueChanged, this, guarding(model_, [this](double degrees) {
-                if (CanvasView* canvas = model_.canvas()) canvas->setRotation(degrees);
-            }));
+    connect(rotation_, &ChromeSlider::valueChanged, this,
+            guarding(model_, [&view](double degrees) { view.setRotation(degrees); }));
     connect(&model.status(), &CanvasStatus::changed, this, &ViewOptions::refresh);
     refresh();
 }

@@ -6,6 +6,7 @@ class QPushButton;
 
 namespace qirn {
 
+class CanvasView;
 class ChromeSlider;
 class PaintModel;
 
@@ -13,7 +14,7 @@ class PaintModel;
 class ViewOptions : public QWidget {
     Q_OBJECT
 public:
-    ViewOptions(PaintModel& model, QWidget* parent);
+    ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent);
 
 private:
     void refresh();

@@ -65,7 +65,7 @@ void addNoise(Studio& studio) {
 struct MenuWindow : Studio {
     QWidget window;
     QMenuBar* menu = new QMenuBar(&window);
-    PaintCommands commands{model, *menu};
+    PaintCommands commands{model, canvas, *menu};
     QLineEdit* line = new QLineEdit(&window);
     QPlainTextEdit* text = new QPlainTextEdit(&window);
 

@@ -76,7 +76,7 @@ const QString kMessage = "There is not enough memory for this. Nothing was chang
 struct Work : Studio {
     static inline QString files; ///< Where those to open are.
     QMenuBar bar;
-    PaintCommands commands{model, bar};
+    PaintCommands commands{model, canvas, bar};
 
     explicit Work(bool selected) {
         penStroke({{30, 40}, {370, 250}});

@@ -32,7 +32,6 @@ const PaintColor kFirst(1, 0, 0), kLast(0, 0, 1);
     Store store(AppFolders::storeFile());
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     CanvasView canvas(model);
-    model.setCanvas(&canvas);
     PaintPrefs prefs;
     prefs.autosaveSeconds = 0;
     model.setPrefs(prefs);

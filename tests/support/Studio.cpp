@@ -35,7 +35,6 @@ Studio::Studio()
              kCapabilities, 1, 1),
       eraserEnd(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus,
                 QPointingDevice::PointerType::Eraser, kCapabilities, 1, 1) {
-    model.setCanvas(&canvas);
     canvas.strokeSeed = [] { return uint64_t{1}; };
     model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
     canvas.resize(800, 600);
