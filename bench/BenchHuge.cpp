@@ -1,8 +1,8 @@
 // Huge canvases, and what is done to them at once. `peak` is how many megabytes the process took beyond what it held.
 #include "PlainPass.h"
 #include "core/TileMemory.h"
-#include "formats/pictures/ImageExport.h"
-#include "formats/pictures/ImageImport.h"
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
 #include "operations/Floating.h"
 #include "operations/LayerOperations.h"
 #include "operations/Selection.h"

@@ -1,8 +1,8 @@
 #include "PaintedPicture.h"
 #include "PlainPass.h"
 #include "compositing/CompositeInputs.h"
-#include "formats/pictures/ImageExport.h"
-#include "formats/pictures/ImageImport.h"
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
 #include "platform/Bytes.h"
 
 #include <benchmark/benchmark.h>

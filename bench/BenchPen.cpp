@@ -1,8 +1,8 @@
 // What stands between the pen and the screen: one point painted, what it changed composited and put into the image
 // that the screen shows.
-#include "CanvasPresentation.h"
 #include "PaintedPicture.h"
 #include "PlainPass.h"
+#include "app/canvas/CanvasPresentation.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 

@@ -1,6 +1,6 @@
-#include "CanvasPresentation.h"
 #include "PaintedPicture.h"
 #include "PlainPass.h"
+#include "app/canvas/CanvasPresentation.h"
 
 #include <benchmark/benchmark.h>
 

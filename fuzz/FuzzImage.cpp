@@ -1,7 +1,7 @@
 // Any bytes as a picture file: told apart by content, decoded, opened as a document.
 #include "MemoryWatch.h"
 #include "core/PaintEngine.h"
-#include "formats/pictures/ImageImport.h"
+#include "formats/ImageImport.h"
 #include "platform/DescribedError.h"
 #include "platform/Require.h"
 

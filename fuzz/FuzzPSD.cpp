@@ -1,6 +1,6 @@
 #include "MemoryWatch.h"
 #include "core/PaintDocument.h"
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 #include "platform/DescribedError.h"

@@ -1,11 +1,11 @@
-#include "Badge.h"
+#include "shell/Badge.h"
 
 #include <QPainter>
 
-#include "ChromeFont.h"
-#include "ChromePaint.h"
-#include "Metrics.h"
-#include "QirnKit.h"
+#include "kit/ChromeFont.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 

@@ -1,14 +1,14 @@
-#include "ColorWells.h"
+#include "shell/ColorWells.h"
 
 #include <QPainter>
 
-#include "ChromePaint.h"
-#include "HostWords.h"
-#include "IconButton.h"
-#include "Metrics.h"
-#include "PaintModel.h"
-#include "QirnKit.h"
-#include "ShownColor.h"
+#include "app/desktop/HostWords.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/controls/IconButton.h"
+#include "kit/style/ChromePaint.h"
+#include "shell/ShownColor.h"
 
 namespace qirn {
 

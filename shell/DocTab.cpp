@@ -1,4 +1,4 @@
-#include "DocTab.h"
+#include "shell/DocTab.h"
 
 #include <algorithm>
 
@@ -6,13 +6,13 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-#include "ChromePaint.h"
-#include "DocSession.h"
-#include "Guarded.h"
-#include "IconButton.h"
-#include "Metrics.h"
-#include "PaintModel.h"
-#include "QirnKit.h"
+#include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/controls/IconButton.h"
+#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 

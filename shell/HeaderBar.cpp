@@ -1,4 +1,4 @@
-#include "HeaderBar.h"
+#include "shell/HeaderBar.h"
 
 #include <utility>
 
@@ -8,14 +8,14 @@
 #include <QTimer>
 #include <QWheelEvent>
 
-#include "Badge.h"
-#include "DocSession.h"
-#include "DocTab.h"
-#include "Guarded.h"
-#include "HostWords.h"
-#include "IconButton.h"
-#include "Metrics.h"
-#include "PaintModel.h"
+#include "app/desktop/HostWords.h"
+#include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/controls/IconButton.h"
+#include "shell/Badge.h"
+#include "shell/DocTab.h"
 
 namespace qirn {
 

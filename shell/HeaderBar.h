@@ -1,7 +1,7 @@
 #pragma once
 #include <vector>
 
-#include "ChromePanel.h"
+#include "kit/controls/ChromePanel.h"
 
 class QHBoxLayout;
 class QScrollArea;

@@ -1,14 +1,14 @@
-#include "HudBubble.h"
+#include "shell/HudBubble.h"
 
 #include <algorithm>
 
 #include <QEvent>
 #include <QPainter>
 
-#include "ChromePaint.h"
-#include "Metrics.h"
-#include "PaintModel.h"
-#include "QirnKit.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 

@@ -1,4 +1,4 @@
-#include "MainView.h"
+#include "shell/MainView.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -8,24 +8,24 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
-#include "CanvasView.h"
-#include "ChromePanel.h"
-#include "ColorChooser.h"
-#include "ColorWells.h"
-#include "Guarded.h"
-#include "HeaderBar.h"
-#include "HudBubble.h"
-#include "LayersPanel.h"
-#include "Metrics.h"
-#include "PaintCommands.h"
-#include "PaintModel.h"
-#include "StatusBar.h"
-#include "ToolOptionsBar.h"
-#include "ToolRail.h"
-#include "Typing.h"
-#include "sheets/ExportSheet.h"
-#include "sheets/RecoverySheet.h"
-#include "sheets/TextSheet.h"
+#include "app/canvas/CanvasView.h"
+#include "app/commands/PaintCommands.h"
+#include "app/desktop/Typing.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/controls/ChromePanel.h"
+#include "shell/ColorWells.h"
+#include "shell/HeaderBar.h"
+#include "shell/HudBubble.h"
+#include "shell/StatusBar.h"
+#include "shell/ToolRail.h"
+#include "shell/options/ToolOptionsBar.h"
+#include "shell/panels/ColorChooser.h"
+#include "shell/panels/LayersPanel.h"
+#include "shell/sheets/ExportSheet.h"
+#include "shell/sheets/RecoverySheet.h"
+#include "shell/sheets/TextSheet.h"
 
 namespace qirn {
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <QMainWindow>
 
-#include "PaintSheet.h"
+#include "app/model/PaintSheet.h"
 
 namespace qirn {
 

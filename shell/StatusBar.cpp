@@ -1,14 +1,14 @@
-#include "StatusBar.h"
+#include "shell/StatusBar.h"
 
 #include <chrono>
 #include <cmath>
 
 #include <QHBoxLayout>
 
-#include "DocSession.h"
-#include "Metrics.h"
-#include "PaintModel.h"
-#include "StatusItems.h"
+#include "app/files/DocSession.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "shell/StatusItems.h"
 
 namespace qirn {
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <QTimer>
 
-#include "ChromePanel.h"
+#include "kit/controls/ChromePanel.h"
 
 namespace qirn {
 

@@ -1,13 +1,13 @@
-#include "StatusItems.h"
+#include "shell/StatusItems.h"
 
 #include <algorithm>
 
 #include <QPainter>
 
-#include "ChromeFont.h"
-#include "ChromePaint.h"
-#include "Metrics.h"
-#include "QirnKit.h"
+#include "kit/ChromeFont.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 

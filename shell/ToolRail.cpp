@@ -1,11 +1,11 @@
-#include "ToolRail.h"
+#include "shell/ToolRail.h"
 
 #include <QVBoxLayout>
 
-#include "Guarded.h"
-#include "Metrics.h"
-#include "PaintModel.h"
-#include "RoundButton.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/controls/RoundButton.h"
 
 namespace qirn {
 

@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-#include "Tool.h"
+#include "app/model/Tool.h"
 
 namespace qirn {
 

@@ -2,7 +2,7 @@
 
 #include "../PaintedPicture.h"
 #include "../PlainPass.h"
-#include "CanvasPresentation.h"
+#include "app/canvas/CanvasPresentation.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "support/PenRecording.h"

@@ -1,11 +1,11 @@
 #include "Measurements.h"
 
 #include "../PlainPass.h"
-#include "AppFolders.h"
-#include "MainView.h"
-#include "PaintModel.h"
-#include "QtDesktop.h"
-#include "Store.h"
+#include "app/desktop/AppFolders.h"
+#include "app/desktop/QtDesktop.h"
+#include "app/desktop/Store.h"
+#include "app/model/PaintModel.h"
+#include "shell/MainView.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,13 +2,13 @@
 
 #include "../PaintedPicture.h"
 #include "../PlainPass.h"
-#include "CanvasView.h"
-#include "MainView.h"
-#include "PaintModel.h"
-#include "QirnKit.h"
-#include "QtDesktop.h"
-#include "Store.h"
+#include "app/canvas/CanvasView.h"
+#include "app/desktop/QtDesktop.h"
+#include "app/desktop/Store.h"
+#include "app/model/PaintModel.h"
 #include "brush/BrushLibrary.h"
+#include "kit/QirnKit.h"
+#include "shell/MainView.h"
 #include "support/PenRecording.h"
 
 #include <algorithm>

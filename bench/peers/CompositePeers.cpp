@@ -1,7 +1,7 @@
 #include "PeerTable.h"
 
 #include "../PaintedPicture.h"
-#include "CanvasPresentation.h"
+#include "app/canvas/CanvasPresentation.h"
 #include "compositing/CompositeInputs.h"
 #include "core/SeededRandom.h"
 #include "platform/Parallel.h"

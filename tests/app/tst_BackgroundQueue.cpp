@@ -1,4 +1,4 @@
-#include "BackgroundQueue.h"
+#include "app/desktop/BackgroundQueue.h"
 
 #include "core/PaintDocument.h"
 #include "formats/native/PaintFile.h"

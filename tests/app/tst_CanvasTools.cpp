@@ -1,6 +1,6 @@
-#include "FloatingImage.h"
-#include "TextSpec.h"
-#include "sheets/TextSheet.h"
+#include "app/canvas/FloatingImage.h"
+#include "app/text/TextSpec.h"
+#include "shell/sheets/TextSheet.h"
 #include "support/Studio.h"
 
 #include <cmath>

@@ -1,8 +1,8 @@
-#include "Clipboard.h"
-#include "PaintCommands.h"
+#include "app/commands/PaintCommands.h"
+#include "app/model/Clipboard.h"
 #include "compositing/CompositeInputs.h"
+#include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
-#include "formats/pictures/ImageImport.h"
 #include "platform/Bytes.h"
 #include "support/Studio.h"
 

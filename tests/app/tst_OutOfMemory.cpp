@@ -1,8 +1,8 @@
-#include "Guarded.h"
-#include "PaintCommands.h"
-#include "TextSpec.h"
+#include "app/commands/PaintCommands.h"
+#include "app/model/Guarded.h"
+#include "app/text/TextSpec.h"
 #include "core/TileMemory.h"
-#include "formats/pictures/ImageExport.h"
+#include "formats/ImageExport.h"
 #include "support/Studio.h"
 
 #include <atomic>

@@ -1,5 +1,5 @@
-#include "FileTypes.h"
-#include "QtDesktop.h"
+#include "app/desktop/FileTypes.h"
+#include "app/desktop/QtDesktop.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 

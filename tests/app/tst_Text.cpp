@@ -1,6 +1,6 @@
-#include "PaintSample.h"
-#include "TextRenderer.h"
+#include "app/text/TextRenderer.h"
 #include "compositing/CompositeInputs.h"
+#include "program/PaintSample.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

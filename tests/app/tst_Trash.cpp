@@ -1,4 +1,4 @@
-#include "Trash.h"
+#include "app/desktop/Trash.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 

@@ -1,6 +1,6 @@
-#include "HostWords.h"
-#include "PenInput.h"
-#include "ViewTransform.h"
+#include "app/canvas/PenInput.h"
+#include "app/desktop/HostWords.h"
+#include "app/files/ViewTransform.h"
 #include "support/TestMain.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 // Photoshop files without layers that a test makes itself, in every mode, depth and packing.
 #include "core/SeededRandom.h"
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "formats/psd/PackBits.h"
 #include "platform/Bytes.h"
 #include "support/PSDFiles.h"

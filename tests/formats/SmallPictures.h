@@ -1,7 +1,7 @@
 #pragma once
 // Small pictures in the formats that come in, for the tests of reading them.
-#include "formats/pictures/ImageExport.h"
-#include "formats/pictures/ImageImport.h"
+#include "formats/ImageExport.h"
+#include "formats/ImageImport.h"
 #include "platform/Bytes.h"
 #include "support/PictureFiles.h"
 #include "support/Pictures.h"

@@ -1,4 +1,4 @@
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "platform/Bytes.h"
 #include "support/TestMain.h"
 

@@ -1,5 +1,5 @@
 #include "core/SeededRandom.h"
-#include "formats/pictures/ColorProfile.h"
+#include "formats/common/ColorProfile.h"
 #include "platform/Bytes.h"
 #include "support/Profiles.h"
 #include "support/TestMain.h"

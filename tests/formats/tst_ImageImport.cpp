@@ -1,6 +1,6 @@
 #include "SmallPictures.h"
+#include "formats/common/PrintDensity.h"
 #include "formats/pictures/HevcSize.h"
-#include "formats/pictures/PrintDensity.h"
 #include "support/Profiles.h"
 #include "support/TestMain.h"
 

@@ -1,4 +1,4 @@
-#include "formats/pictures/StraightPixels.h"
+#include "formats/common/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
 #include "platform/InstructionSets.h"

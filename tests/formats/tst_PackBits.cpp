@@ -1,5 +1,5 @@
 #include "core/SeededRandom.h"
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "formats/psd/PackBits.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"

@@ -1,7 +1,7 @@
 #include "compositing/CompositeInputs.h"
+#include "formats/ImageExport.h"
 #include "formats/native/PaintFile.h"
 #include "formats/native/TileCodec.h"
-#include "formats/pictures/ImageExport.h"
 #include "operations/LayerOperations.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"

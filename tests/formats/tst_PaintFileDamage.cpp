@@ -1,7 +1,7 @@
 #include "core/PaintDocument.h"
 #include "core/Tile.h"
+#include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
-#include "formats/pictures/ImageImport.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/NativeFiles.h"

@@ -1,5 +1,5 @@
 #include "core/SeededRandom.h"
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "formats/palettes/PaletteLibrary.h"
 #include "platform/Bytes.h"
 #include "support/TestMain.h"

@@ -1,10 +1,10 @@
-#include "ChromeSlider.h"
-#include "DocTab.h"
-#include "HudBubble.h"
-#include "QtDesktop.h"
-#include "StatusItems.h"
-#include "Window.h"
+#include "app/desktop/QtDesktop.h"
+#include "kit/controls/ChromeSlider.h"
+#include "shell/DocTab.h"
+#include "shell/HudBubble.h"
+#include "shell/StatusItems.h"
 #include "support/PSDFiles.h"
+#include "support/Window.h"
 
 #include <QAbstractButton>
 #include <QAction>

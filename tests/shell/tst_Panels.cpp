@@ -1,8 +1,8 @@
-#include "ChromeSlider.h"
-#include "ColorPlane.h"
-#include "ColorWells.h"
-#include "LayerRowDelegate.h"
-#include "Window.h"
+#include "kit/controls/ChromeSlider.h"
+#include "shell/ColorWells.h"
+#include "shell/panels/ColorPlane.h"
+#include "shell/panels/LayerRowDelegate.h"
+#include "support/Window.h"
 
 #include <QComboBox>
 #include <QLineEdit>

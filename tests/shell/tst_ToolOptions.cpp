@@ -1,9 +1,9 @@
-#include "BrushPresetMenu.h"
-#include "ChromeSegments.h"
-#include "ChromeSlider.h"
-#include "ChromeToggle.h"
-#include "ToolOptionsBar.h"
-#include "Window.h"
+#include "kit/controls/ChromeSegments.h"
+#include "kit/controls/ChromeSlider.h"
+#include "kit/controls/ChromeToggle.h"
+#include "shell/options/BrushPresetMenu.h"
+#include "shell/options/ToolOptionsBar.h"
+#include "support/Window.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "support/PSDFiles.h"
 
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 
 namespace qirn::test {
 

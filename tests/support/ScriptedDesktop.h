@@ -1,6 +1,6 @@
 #pragma once
-#include "Desktop.h"
-#include "FileTypes.h"
+#include "app/desktop/Desktop.h"
+#include "app/desktop/FileTypes.h"
 
 #include <deque>
 #include <memory>

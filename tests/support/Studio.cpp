@@ -1,6 +1,6 @@
 #include "support/Studio.h"
 
-#include "DocSession.h"
+#include "app/files/DocSession.h"
 #include "operations/Selection.h"
 
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
-#include "AppFolders.h"
-#include "CanvasView.h"
-#include "PaintModel.h"
-#include "Store.h"
+#include "app/canvas/CanvasView.h"
+#include "app/desktop/AppFolders.h"
+#include "app/desktop/Store.h"
+#include "app/model/PaintModel.h"
 #include "brush/StrokePoint.h"
 #include "support/Files.h"
 #include "support/Pictures.h"

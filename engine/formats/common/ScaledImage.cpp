@@ -1,7 +1,7 @@
 #include "formats/common/ScaledImage.h"
 
 #include "core/PaintEngine.h"
-#include "formats/AreaReducer.h"
+#include "formats/common/AreaReducer.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
 

@@ -1,7 +1,7 @@
 #include "formats/native/PaintPreview.h"
 
 #include "compositing/CompositeInputs.h"
-#include "formats/AreaReducer.h"
+#include "formats/common/AreaReducer.h"
 #include "formats/common/ScaledImage.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Parallel.h"

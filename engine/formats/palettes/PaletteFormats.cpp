@@ -1,5 +1,5 @@
 // Palettes as other programs write them: GIMP's text, Photoshop's swatches, lists of codes.
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "formats/palettes/PaletteLibrary.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "formats/pictures/ExifTags.h"
 
-#include "formats/pictures/PrintDensity.h"
+#include "formats/common/PrintDensity.h"
 
 #include <algorithm>
 #include <array>

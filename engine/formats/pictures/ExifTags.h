@@ -1,5 +1,5 @@
 #pragma once
-#include "formats/pictures/PictureBuilder.h"
+#include "formats/common/PictureBuilder.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,10 +1,10 @@
 #include "formats/pictures/HeifReader.h"
 
 #include "core/PaintEngine.h"
+#include "formats/common/PictureBuilder.h"
+#include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
 #include "formats/pictures/HevcSize.h"
-#include "formats/pictures/PictureBuilder.h"
-#include "formats/pictures/PrintDensity.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "formats/pictures/HevcSize.h"
 
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 #include "formats/pictures/JpegReader.h"
 
+#include "formats/common/PictureBuilder.h"
+#include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
 #include "formats/pictures/JpegErrors.h"
-#include "formats/pictures/PictureBuilder.h"
-#include "formats/pictures/PrintDensity.h"
 
 #include <csetjmp>
 #include <cstdio>

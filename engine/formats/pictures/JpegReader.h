@@ -1,5 +1,5 @@
 #pragma once
-#include "formats/pictures/DecodedPicture.h"
+#include "formats/common/DecodedPicture.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "formats/pictures/PngChunks.h"
 
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,9 +1,9 @@
 #include "formats/pictures/PngReader.h"
 
+#include "formats/common/PictureBuilder.h"
+#include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
-#include "formats/pictures/PictureBuilder.h"
 #include "formats/pictures/PngChunks.h"
-#include "formats/pictures/PrintDensity.h"
 
 #include <array>
 #include <bit>

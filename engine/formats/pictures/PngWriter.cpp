@@ -1,7 +1,7 @@
 #include "formats/pictures/PngWriter.h"
 
 #include "core/PaintEngine.h"
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"

@@ -1,9 +1,9 @@
 #include "formats/pictures/QtReader.h"
 
 #include "core/PaintEngine.h"
+#include "formats/common/PictureBuilder.h"
+#include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
-#include "formats/pictures/PictureBuilder.h"
-#include "formats/pictures/PrintDensity.h"
 
 #include <algorithm>
 #include <array>

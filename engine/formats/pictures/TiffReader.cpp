@@ -1,8 +1,8 @@
 #include "formats/pictures/TiffReader.h"
 
+#include "formats/common/PictureBuilder.h"
+#include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
-#include "formats/pictures/PictureBuilder.h"
-#include "formats/pictures/PrintDensity.h"
 #include "formats/pictures/TiffMemory.h"
 #include "formats/pictures/TiffRows.h"
 

@@ -1,6 +1,6 @@
 #include "formats/pictures/TiffRows.h"
 
-#include "formats/pictures/PictureBuilder.h"
+#include "formats/common/PictureBuilder.h"
 #include "formats/pictures/TiffMemory.h"
 #include "formats/pictures/TiffSamples.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "formats/pictures/ColorProfile.h"
+#include "formats/common/ColorProfile.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/RGBABuffer.h"
-#include "formats/ImportRemarks.h"
+#include "formats/common/ImportRemarks.h"
 #include "formats/psd/PackBits.h"
 #include "platform/DescribedError.h"
 

@@ -1,6 +1,6 @@
 #include "formats/psd/PackBits.h"
 
-#include "formats/ByteReader.h"
+#include "formats/common/ByteReader.h"
 #include "platform/Require.h"
 
 #include <algorithm>

@@ -1,0 +1,33 @@
+// Files and pictures that are dropped on the canvas.
+#include "app/canvas/CanvasView.h"
+
+#include "app/model/Clipboard.h"
+#include "app/model/PaintModel.h"
+
+#include <QDropEvent>
+
+namespace qirn {
+
+namespace {
+
+/// Whatever the source would rather do, what is dragged stays with it: a move would delete its file.
+void takeCopy(QDropEvent& event, bool take) {
+    event.setDropAction(Qt::CopyAction);
+    event.setAccepted(take);
+}
+
+} // namespace
+
+void CanvasView::dragEnterEvent(QDragEnterEvent* event) {
+    enter(&CanvasView::dragged, event);
+}
+
+void CanvasView::dragged(QDragMoveEvent* event) {
+    takeCopy(*event, Clipboard::mayHoldPicture(*event->mimeData()));
+}
+
+void CanvasView::dropped(QDropEvent* event) {
+    takeCopy(*event, model_.drop(*event->mimeData()));
+}
+
+} // namespace qirn

@@ -1,0 +1,177 @@
+// The plain keys of the canvas. Keys with Command, Option or Control go on to the menus.
+#include "app/canvas/CanvasView.h"
+
+#include "app/files/DocSession.h"
+#include "app/model/PaintModel.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QKeyEvent>
+
+namespace qirn {
+
+namespace {
+
+void scaleBrush(PaintModel& model, double size) {
+    BrushSettings brush = model.activeBrush();
+    brush.size = size;
+    model.setActiveBrush(brush);
+}
+
+void makeBrushSmaller(PaintModel& model) {
+    scaleBrush(model, std::max(std::round(model.activeBrush().size * 0.85), 1.0));
+}
+
+void makeBrushLarger(PaintModel& model) {
+    const double size = model.activeBrush().size;
+    scaleBrush(model, std::min(std::max(std::round(size * 1.18), size + 1), 1000.0));
+}
+
+struct CharacterKey {
+    char16_t character; // lower case
+    void (*action)(CanvasView&, PaintModel&, std::optional<QPointF> pointer);
+};
+
+constexpr double kTurnStep = 15; // degrees
+
+constexpr CharacterKey kCharacterKeys[] = {
+    {u'[', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { makeBrushSmaller(model); }},
+    {u']', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { makeBrushLarger(model); }},
+    {u'=', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(true, at); }},
+    {u'+', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(true, at); }},
+    {u'-', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(false, at); }},
+    {u'_', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(false, at); }},
+    {u'x', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { model.swapColors(); }},
+    {u'f', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.fit(); }},
+    {u'1', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.actualPixels(); }},
+    {u',', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.rotateView(-kTurnStep); }},
+    {u'.', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.rotateView(kTurnStep); }},
+    {u'/', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.setRotation(0); }},
+    {u'w', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.toggleFlipView(); }},
+};
+
+Qt::KeyboardModifier modifierOf(int key) {
+    switch (key) {
+    case Qt::Key_Shift:
+        return Qt::ShiftModifier;
+    case Qt::Key_Control:
+        return Qt::ControlModifier;
+    case Qt::Key_Alt:
+        return Qt::AltModifier;
+    case Qt::Key_Meta:
+        return Qt::MetaModifier;
+    default:
+        return Qt::NoModifier;
+    }
+}
+
+} // namespace
+
+void CanvasView::keyPressEvent(QKeyEvent* event) {
+    if (!handleKeyPress(event)) QWidget::keyPressEvent(event);
+}
+
+void CanvasView::keyReleaseEvent(QKeyEvent* event) {
+    if (!handleKeyRelease(event)) QWidget::keyReleaseEvent(event);
+}
+
+bool CanvasView::handleKeyPress(QKeyEvent* event) {
+    bool taken = true; // also where it failed
+    guarded(model_, [&] { taken = keyPressed(event); });
+    return taken;
+}
+
+bool CanvasView::handleKeyRelease(QKeyEvent* event) {
+    bool taken = true;
+    guarded(model_, [&] { taken = keyReleased(event); });
+    return taken;
+}
+
+bool CanvasView::keyPressed(QKeyEvent* event) {
+    keysHeld_ |= modifierOf(event->key());
+    if (event->key() == Qt::Key_Space) {
+        if (!event->isAutoRepeat()) setSpaceDown(true);
+        return true;
+    }
+    if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+    return handleNamedKey(event) || handleCharacter(event);
+}
+
+bool CanvasView::keyReleased(QKeyEvent* event) {
+    keysHeld_ &= ~Qt::KeyboardModifiers(modifierOf(event->key()));
+    if (event->key() != Qt::Key_Space) return false;
+    if (!event->isAutoRepeat()) setSpaceDown(false);
+    return true;
+}
+
+bool CanvasView::handleNamedKey(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!model_.transform()) return false;
+        model_.applyTransform();
+        return true;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        return nudge(event->key(), event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1);
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete:
+        model_.clearLayer();
+        return true;
+    case Qt::Key_Escape:
+        if (model_.transform())
+            model_.cancelTransform();
+        else if (drag_ == Drag::none)
+            model_.deselect();
+        else if (drag_ == Drag::paint)
+            cancelStroke();
+        else
+            dropGesture();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool CanvasView::nudge(int key, int step) {
+    if (!model_.transform() && model_.tool() == Tool::move) model_.beginTransform();
+    if (!model_.transform()) return model_.tool() == Tool::move;
+    const QPointF way(key == Qt::Key_Left    ? -step
+                      : key == Qt::Key_Right ? step
+                                             : 0,
+                      key == Qt::Key_Up     ? -step
+                      : key == Qt::Key_Down ? step
+                                            : 0);
+    model_.updateTransform([&](TransformState& state) { state.center += way; });
+    return true;
+}
+
+bool CanvasView::handleCharacter(QKeyEvent* event) {
+    if (event->text().size() != 1) return false;
+    const QChar character = event->text()[0].toLower();
+    // Shift D is the colours' key, plain D a tool's.
+    if (character == u'd' && event->modifiers().testFlag(Qt::ShiftModifier)) {
+        model_.defaultColors();
+        return true;
+    }
+    for (const CharacterKey& key : kCharacterKeys) {
+        if (character.unicode() != key.character) continue;
+        key.action(*this, model_, lastMouseView_);
+        return true;
+    }
+    const std::optional<Tool> tool = toolWithKey(character);
+    if (tool) model_.setTool(*tool);
+    return tool.has_value();
+}
+
+void CanvasView::setSpaceDown(bool down) {
+    if (spaceDown_ == down) return;
+    spaceDown_ = down;
+    updateMouseCursor();
+    updateCursor(lastMouseView_);
+}
+
+} // namespace qirn

@@ -1,0 +1,70 @@
+#pragma once
+#include "app/canvas/FloatingImage.h"
+#include "app/model/TransformState.h"
+#include "operations/Selection.h"
+
+#include <optional>
+
+#include <QPainterPath>
+#include <QRegion>
+#include <QTransform>
+
+class QPainter;
+
+namespace qirn {
+
+/// What is drawn over the picture: marching ants, the preview of a gesture, the brush ring. Paths are kept in canvas
+/// coordinates and drawn in device pixels, so that every line keeps its width at any zoom. Lengths are logical
+/// points times the display's ratio.
+class CanvasOverlay {
+public:
+    struct Ring {
+        QPointF center; ///< Device pixels, y down.
+        double diameter = 2;
+
+        bool operator==(const Ring&) const = default;
+    };
+
+    // Logical points on screen, whatever the zoom.
+    static constexpr double kHandleReach = 9;           ///< A press this near to a corner takes it.
+    static constexpr double kRotateHandleDistance = 28; ///< Beyond the top edge.
+
+    void setView(const QTransform& canvasToWidget, double zoom, double pixelRatio);
+    void setSelection(SelectionRef selection); ///< Null: no ants.
+    void setPreview(const QPainterPath& path); ///< Empty: none.
+    void
+    setTransform(const std::optional<TransformState>& transform); ///< Lifted pixels, their box and handles.
+    void setRing(std::optional<Ring> ring) { ring_ = ring; }
+    const std::optional<Ring>& ring() const { return ring_; }
+
+    bool hasAnts() const { return selection_ != nullptr; }
+    int antsInterval() const; ///< Milliseconds between two steps: rarer for a long outline, which costs more.
+    void advanceAnts(double seconds);
+
+    void paint(QPainter& painter) const; ///< In device pixels, y down.
+
+    // What each covers, in device pixels; the ring as an annulus, since a wide one is mostly empty.
+    QRegion ringRegion() const;
+    QRegion antsRegion() const;
+    QRegion previewRegion() const;
+    QRegion transformRegion() const;
+
+private:
+    const QPainterPath& antsPath() const;
+    QPainterPath handlesPath() const; ///< In device pixels.
+    void paintTransform(QPainter& painter) const;
+    QRegion outlineRegion(const QPainterPath& devicePath) const;
+
+    QTransform canvasToWidget_;
+    double zoom_ = 1;
+    double ratio_ = 1;
+    SelectionRef selection_;
+    mutable std::optional<QPainterPath> antsPath_; // the outline in device pixels, made once a view
+    double antsPhase_ = 0;                         // logical points
+    QPainterPath preview_;
+    std::optional<TransformState> transform_;
+    mutable FloatingImage floatingImage_;
+    std::optional<Ring> ring_;
+};
+
+} // namespace qirn

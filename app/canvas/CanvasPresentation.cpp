@@ -1,0 +1,254 @@
+#include "app/canvas/CanvasPresentation.h"
+
+#include "app/canvas/CanvasShadow.h"
+#include "app/canvas/ReducedTile.h"
+#include "compositing/CompositeInputs.h"
+#include "core/PaintDocument.h"
+#include "platform/Parallel.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QPainter>
+
+namespace qirn {
+
+namespace {
+
+constexpr double kNearestFromZoom = 2.0;
+constexpr int64_t kBandRows = 32; // of a tile, drawn by one thread
+// Two thousand tiles: eight 4K canvases. Beyond it, tiles out of sight are let go and made again when seen.
+constexpr int64_t kMostTileImages = 512LL * 1024 * 1024 / kTileBytes;
+/// The level at which the painter has to shrink by at most a half.
+int levelFor(double zoom) {
+    int level = 0;
+    while (zoom * static_cast<double>(1 << level) < 0.5) ++level;
+    return level;
+}
+
+} // namespace
+
+void CanvasPresentation::show(const PaintDocument* document) {
+    document_ = document;
+    states_.clear();
+    images_.clear();
+    heldImages_ = 0;
+    tilesComposited_ = 0;
+    visible_ = {};
+    window_.reset(document ? document->grid() : TileGrid());
+}
+
+bool CanvasPresentation::setCheckerSize(double canvasPixels) {
+    if (std::exchange(board_.side, std::max(canvasPixels, 2.0)) == board_.side) return false;
+    if (document_) show(document_);
+    return true;
+}
+
+void CanvasPresentation::look(const ViewTransform& view, double zoom) {
+    canvasToWidget_ = view.canvasToWidget();
+    zoom_ = zoom;
+    quarterTurn_ = canvasToWidget_.m12() == 0 || std::abs(canvasToWidget_.m11()) < 1e-9;
+    if (!document_) return;
+    const TileGrid& grid = document_->grid();
+    if (states_.empty()) {
+        images_.resize(static_cast<std::size_t>(grid.count()));
+        states_.assign(images_.size(), TileState::stale);
+    }
+    const QRectF seen = canvasToWidget_.inverted().mapRect(QRectF(QPointF(), view.viewSize()));
+    const IRect part = IRect::covering(seen & grid.bounds().rectF()).intersection(grid.bounds());
+    if (part.isEmpty()) {
+        visible_ = {};
+        return;
+    }
+    const TileRange seenTiles{part.x / kTileSize, part.y / kTileSize,
+                              (part.maxX() + kTileSize - 1) / kTileSize,
+                              (part.maxY() + kTileSize - 1) / kTileSize};
+    const int level = levelFor(zoom);
+    if (level != window_.level() || !window_.range().contains(seenTiles)) {
+        // A tile more on each side, so that a slow pan does not rebuild the window at each step.
+        coverWindow({std::max<int64_t>(seenTiles.firstCol - 1, 0),
+                     std::max<int64_t>(seenTiles.firstRow - 1, 0), std::min(seenTiles.endCol + 1, grid.cols),
+                     std::min(seenTiles.endRow + 1, grid.rows)},
+                    level);
+    }
+    visible_ = seenTiles;
+    makeVisibleTiles();
+}
+
+bool CanvasPresentation::isVisible(int64_t index) const {
+    const int64_t col = index % document_->grid().cols, row = index / document_->grid().cols;
+    return visible_.contains({col, row, col + 1, row + 1});
+}
+
+std::vector<IRect> CanvasPresentation::update(const std::vector<DirtyTile>& dirty) {
+    std::vector<IRect> changed;
+    if (!document_) return changed;
+    std::vector<DirtyTile> parts;
+    for (const DirtyTile& tile : dirty) {
+        const auto place = static_cast<std::size_t>(tile.index);
+        if (place >= states_.size()) continue;
+        const bool visible = isVisible(tile.index);
+        if (visible) changed.push_back(tile.part);
+        // A whole tile may have become empty; a part of one that stands on screen is drawn into its image.
+        const bool partly = tile.part != document_->grid().rectOf(tile.index);
+        if (partly && visible && states_[place] == TileState::made && window_.holds(tile.index)) {
+            parts.push_back(tile);
+        } else {
+            states_[place] = TileState::stale;
+            window_.drop(tile.index);
+        }
+    }
+    drawIntoWindow(parts);
+    makeVisibleTiles();
+    return changed;
+}
+
+void CanvasPresentation::makeVisibleTiles() {
+    std::vector<DirtyTile> missing;
+    for (int64_t row = visible_.firstRow; row < visible_.endRow; ++row) {
+        for (int64_t col = visible_.firstCol; col < visible_.endCol; ++col) {
+            const int64_t index = row * document_->grid().cols + col;
+            if (!window_.holds(index)) missing.push_back({index, document_->grid().rectOf(index)});
+        }
+    }
+    drawIntoWindow(missing);
+    if (heldImages_ > kMostTileImages) dropUnseenTiles();
+}
+
+/// Moves the window. Pixels that only it has, and will not have any longer, go to images of their tiles.
+void CanvasPresentation::coverWindow(const TileRange& range, int level) {
+    std::vector<int64_t> leaving;
+    if (window_.level() == 0) {
+        for (int64_t row = window_.range().firstRow; row < window_.range().endRow; ++row) {
+            for (int64_t col = window_.range().firstCol; col < window_.range().endCol; ++col) {
+                const int64_t index = row * document_->grid().cols + col;
+                const bool stays = level == 0 && range.contains({col, row, col + 1, row + 1});
+                const auto place = static_cast<std::size_t>(index);
+                if (!stays && window_.holds(index) && states_[place] == TileState::made)
+                    leaving.push_back(index);
+            }
+        }
+    }
+    std::vector<TileMemory::Block> copies(leaving.size());
+    concurrentPerform(static_cast<int64_t>(leaving.size()), [&](int64_t i) {
+        const auto place = static_cast<std::size_t>(i);
+        copies[place] = TileMemory::take();
+        window_.copyTo(leaving[place], copies[place].get());
+    });
+    window_.cover(range, level);
+    for (std::size_t i = 0; i < leaving.size(); ++i) {
+        dropImage(leaving[i]);
+        images_[static_cast<std::size_t>(leaving[i])] = std::move(copies[i]);
+        ++heldImages_;
+    }
+}
+
+void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
+    if (tiles.empty()) return;
+    try {
+        drawTiles(tiles);
+    } catch (...) {
+        // Which of them were drawn, and where, nobody knows: all are out of date.
+        for (const DirtyTile& tile : tiles) {
+            states_[static_cast<std::size_t>(tile.index)] = TileState::stale;
+            window_.drop(tile.index);
+        }
+        throw;
+    }
+}
+
+void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
+    const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
+    const int level = window_.level();
+    // A few tiles are cut into bands, so that every core has something to do where there is much.
+    const bool few = static_cast<int>(tiles.size()) < 2 * concurrency();
+    const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << level) : kTileSize;
+    std::vector<DirtyTile> parts;
+    std::vector<Source> sources; // one a part
+    for (const DirtyTile& tile : tiles) {
+        const Source source = sourceOf(tile, layers);
+        const IRect place = document_->grid().rectOf(tile.index);
+        for (int64_t y = place.y; y < place.maxY(); y += bandRows) {
+            const IRect band = tile.part.intersection({place.x, y, place.w, bandRows});
+            if (band.isEmpty()) continue;
+            parts.push_back({tile.index, band});
+            sources.push_back(source);
+        }
+    }
+    window_.put(parts, [&](std::size_t i, uint8_t* out, int64_t rowBytes) {
+        const DirtyTile& part = parts[i];
+        const TileGrid& grid = document_->grid();
+        const IRect place = grid.rectOf(part.index), blocks = blocksOf(part.part, place, level);
+        uint8_t* const image = images_[static_cast<std::size_t>(part.index)].get();
+        if (sources[i] == Source::board) {
+            const IRect onCanvas{place.x + blocks.x, place.y + blocks.y, blocks.w, blocks.h};
+            uint8_t* const corner = out + (blocks.y >> level) * rowBytes + (blocks.x >> level) * 4;
+            return drawBoard(board_, onCanvas, level, corner, rowBytes);
+        }
+        if (sources[i] == Source::layers) {
+            if (level == 0) return drawForScreen(part, layers, grid, board_, out, rowBytes);
+            drawForScreen(part, layers, grid, board_, image, kTileRowBytes);
+        }
+        reduceTile(image, blocks, level, out, rowBytes);
+    });
+    if (level > 0) return;
+    for (const DirtyTile& tile : tiles) dropImage(tile.index);
+}
+
+/// Decides where a part of a tile comes from, and sees to it that the tile has an image where it needs one.
+CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
+                                                        std::span<const CompositeInput> layers) {
+    TileState& state = states_[static_cast<std::size_t>(tile.index)];
+    const bool whole = tile.part == document_->grid().rectOf(tile.index);
+    if (whole && state == TileState::made) return Source::image;
+    if (state == TileState::stale) ++tilesComposited_;
+    state = whole && !showsAnything(tile.index, layers) ? TileState::empty : TileState::made;
+    if (state == TileState::empty) {
+        dropImage(tile.index);
+        return Source::board;
+    }
+    if (window_.level() > 0) takeImage(tile.index);
+    return Source::layers;
+}
+
+/// Gives a tile an image if it has none.
+void CanvasPresentation::takeImage(int64_t index) {
+    TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
+    if (image) return;
+    image = TileMemory::take();
+    ++heldImages_;
+}
+
+void CanvasPresentation::dropImage(int64_t index) {
+    TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
+    if (!image) return;
+    image.reset();
+    --heldImages_;
+}
+
+void CanvasPresentation::dropUnseenTiles() {
+    for (std::size_t place = 0; place < images_.size() && heldImages_ > kMostTileImages; ++place) {
+        if (!images_[place]) continue;
+        dropImage(static_cast<int64_t>(place));
+        states_[place] = TileState::stale; // what the window shows of it far out stays there
+    }
+}
+
+void CanvasPresentation::draw(QPainter& painter, const QRectF& exposed) const {
+    if (!document_) return;
+    const QRectF canvas = document_->grid().bounds().rectF();
+    const bool onlyPicture = quarterTurn_ && canvasToWidget_.mapRect(canvas).contains(exposed);
+    const QTransform device = painter.transform();
+    painter.setTransform(canvasToWidget_, true);
+    if (!onlyPicture) drawCanvasShadow(painter, canvas);
+    if (!visible_.isEmpty()) {
+        const bool exact = zoom_ == 1 && quarterTurn_;
+        const bool smooth = zoom_ < kNearestFromZoom && !exact && !inMotion_;
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        window_.draw(painter);
+    }
+    painter.setTransform(device);
+}
+
+} // namespace qirn

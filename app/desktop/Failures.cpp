@@ -1,0 +1,20 @@
+#include "app/desktop/Failures.h"
+
+#include "platform/DescribedError.h"
+
+#include <new>
+
+#include <QCoreApplication>
+
+namespace qirn {
+
+QString failureText(const std::exception& error) {
+    if (const auto* described = dynamic_cast<const DescribedError*>(&error)) return described->description();
+    if (dynamic_cast<const std::bad_alloc*>(&error))
+        return QCoreApplication::translate("Guarded",
+                                           "There is not enough memory for this. Nothing was changed.");
+    qWarning("Qirn Paint: %s", error.what());
+    return QCoreApplication::translate("Guarded", "This did not work. Nothing was changed.");
+}
+
+} // namespace qirn

@@ -1,0 +1,31 @@
+#pragma once
+#include "app/desktop/Desktop.h"
+#include "formats/ImageExport.h"
+
+#include <QString>
+
+namespace qirn {
+
+/// The kinds of files that the panels offer, and how file names are made.
+namespace FileTypes {
+
+FileType native();        ///< The layered document.
+QList<FileType> open();   ///< Everything that can be opened, the layered document first.
+QList<FileType> import(); ///< The same without it: pictures that can become a layer.
+QList<FileType> brushes();
+FileType gpl();
+FileType aco();
+QList<FileType> palettes(); ///< These and lists of hexadecimal codes.
+FileType exported(ExportFormat format);
+
+bool isNative(const QString& path); ///< By its extension, in any case.
+
+/// A name for the user's own word, fit to be proposed: what would lead into another folder is replaced.
+QString fileName(const QString& name, const QString& extension);
+
+/// The path, with the type's first extension added where it ends in none of them: a file's name tells what it is.
+QString withExtension(const QString& path, const FileType& type);
+
+} // namespace FileTypes
+
+} // namespace qirn

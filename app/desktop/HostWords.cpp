@@ -1,0 +1,61 @@
+#include "app/desktop/HostWords.h"
+
+#include <QStringList>
+
+namespace qirn {
+
+#ifdef Q_OS_MACOS
+QString hostWords(const QString& text) {
+    return text;
+}
+#else
+namespace {
+
+struct KeySign {
+    char16_t sign;
+    const char* name;
+    int order; // as desktops write them: Ctrl, Alt, Shift, Meta
+};
+constexpr KeySign kKeySigns[] = {{u'⌘', "Ctrl", 0}, {u'⌥', "Alt", 1}, {u'⇧', "Shift", 2}, {u'⌃', "Meta", 3}};
+
+const KeySign* signOf(QChar c) {
+    for (const KeySign& key : kKeySigns) {
+        if (c.unicode() == key.sign) return &key;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+QString hostWords(const QString& text) {
+    QString source = text;
+    source.replace(QStringLiteral("macOS"), QStringLiteral("this system"));
+    // "⌥ Option" names the key twice; the canvas picks a colour with Ctrl here, since Alt moves windows.
+    source.replace(QStringLiteral("⌥ Option"), QStringLiteral("Ctrl"));
+    QString result;
+    for (qsizetype i = 0; i < source.size();) {
+        QString held[4];
+        qsizetype end = i;
+        while (end < source.size()) {
+            const KeySign* key = signOf(source[end]);
+            if (!key) break;
+            held[key->order] = QLatin1String(key->name);
+            ++end;
+        }
+        if (end == i) {
+            result += source[i++];
+            continue;
+        }
+        QStringList names;
+        for (const QString& name : held) {
+            if (!name.isEmpty()) names << name;
+        }
+        result += names.join(u'+');
+        if (end < source.size() && !source[end].isSpace() && source[end] != u',') result += u'+';
+        i = end;
+    }
+    return result;
+}
+#endif
+
+} // namespace qirn

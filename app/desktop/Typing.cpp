@@ -1,0 +1,65 @@
+#include "app/desktop/Typing.h"
+
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+
+namespace qirn {
+
+namespace {
+
+template <class Field> bool canBeWritten(QWidget* widget) {
+    const auto* field = qobject_cast<Field*>(widget);
+    return field && !field->isReadOnly();
+}
+
+bool endsTyping(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+}
+
+bool edits(int key) {
+    return key == Qt::Key_Backspace || key == Qt::Key_Insert || key == Qt::Key_Delete ||
+           (key >= Qt::Key_Home && key <= Qt::Key_PageDown); // with the arrows between them
+}
+
+} // namespace
+
+QWidget* Typing::field() {
+    QWidget* focus = QApplication::focusWidget();
+    // These have the keyboard for a field inside them.
+    if (qobject_cast<QAbstractSpinBox*>(focus)) return focus->findChild<QLineEdit*>();
+    if (const auto* list = qobject_cast<QComboBox*>(focus)) return list->lineEdit();
+    const bool isField = qobject_cast<QLineEdit*>(focus) || qobject_cast<QPlainTextEdit*>(focus) ||
+                         qobject_cast<QTextEdit*>(focus);
+    return isField ? focus : nullptr;
+}
+
+bool Typing::takes(const QKeyEvent& event) {
+    QWidget* text = field();
+    if (!canBeWritten<QLineEdit>(text) && !canBeWritten<QPlainTextEdit>(text) &&
+        !canBeWritten<QTextEdit>(text))
+        return false;
+    if (edits(event.key()) || endsTyping(event.key())) return true;
+    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+    return !event.text().isEmpty() && event.text().front().isPrint();
+}
+
+TypingKeys::TypingKeys(QWidget& window, QWidget& next) : QObject(&window), next_(next) {
+    window.installEventFilter(this);
+}
+
+bool TypingKeys::eventFilter(QObject*, QEvent* event) {
+    const bool press = event->type() == QEvent::KeyPress;
+    if (!press && event->type() != QEvent::ShortcutOverride) return false;
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (!Typing::takes(*key)) return false;
+    event->accept();
+    if (press && endsTyping(key->key())) next_.setFocus(Qt::OtherFocusReason);
+    return true;
+}
+
+} // namespace qirn

@@ -1,0 +1,47 @@
+#include "app/desktop/UserFile.h"
+
+#include "platform/AtomicFile.h"
+#include "platform/Bytes.h"
+#include "platform/ReadFile.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace qirn {
+
+bool UserFile::load(const std::function<bool(std::span<const uint8_t>)>& decode) {
+    try {
+        unreadable_ = !decode(bytesOf(readFile(path_)));
+    } catch (const ReadError& error) {
+        if (error.systemError() == ENOENT) return false;
+        unreadable_ = true;
+    }
+    return true;
+}
+
+bool UserFile::save(const QByteArray& bytes) {
+    if (unreadable_) {
+        const QFileInfo info(path_);
+        const QString stamp =
+            QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm.ss.zzz"));
+        const QString aside = info.dir().filePath(
+            QStringLiteral("%1 (unreadable, %2).%3").arg(info.completeBaseName(), stamp, info.suffix()));
+        const int moved =
+            std::rename(QFile::encodeName(path_).constData(), QFile::encodeName(aside).constData());
+        if (moved != 0 && errno != ENOENT) return false;
+        unreadable_ = false;
+    }
+    try {
+        writeAtomically(path_, bytesOf(bytes));
+        return true;
+    } catch (const FileError&) {
+        return false; // what was to be kept stays in use; the next change tries again
+    }
+}
+
+} // namespace qirn

@@ -1,0 +1,50 @@
+#include "app/model/Guarded.h"
+
+#include "app/model/PaintModel.h"
+#include "core/TileMemory.h"
+
+#include <cstddef>
+#include <memory>
+#include <new>
+
+namespace qirn {
+
+namespace {
+
+constexpr std::size_t kReserveBytes = 4 * 1024 * 1024;
+
+/// Memory for the way back and the message: many small pieces, for which there may be nothing else.
+std::unique_ptr<std::byte[]>& reserve() {
+    static std::unique_ptr<std::byte[]> bytes;
+    return bytes;
+}
+
+void refillReserve() {
+    if (!reserve()) reserve().reset(new (std::nothrow) std::byte[kReserveBytes]);
+}
+
+[[maybe_unused]] const bool filledAtStart = (refillReserve(), true);
+
+QString textOfExceptionInFlight() {
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return failureText(error);
+    } catch (...) {
+        return failureText(std::exception());
+    }
+}
+
+} // namespace
+
+void takeBackAfterFailure(PaintModel& model) noexcept {
+    reserve().reset();
+    contained([&] {
+        const QString why = textOfExceptionInFlight();
+        TileMemory::trim();
+        model.takeBack(why);
+    });
+    refillReserve();
+}
+
+} // namespace qirn

@@ -1,0 +1,123 @@
+#include "app/text/TextRenderer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <QFontDatabase>
+#include <QGlyphRun>
+#include <QPainter>
+#include <QPainterPath>
+#include <QRawFont>
+#include <QTextLayout>
+
+namespace qirn {
+
+namespace {
+
+constexpr double kSmallest = 4, kLargest = 2000; // sizes of a font, pixels
+constexpr int kMargin = 4;                       // round the text, for what antialiasing adds
+constexpr int64_t kLongestSide = 29'999;
+
+QColor colorOf(const PaintColor& c) {
+    return QColor::fromRgbF(static_cast<float>(c.r), static_cast<float>(c.g), static_cast<float>(c.b),
+                            static_cast<float>(c.a));
+}
+
+/// The paragraphs, one under the other, each line aligned within the widest.
+class LaidOutText {
+public:
+    explicit LaidOutText(const TextSpec& spec) {
+        const QFont font = TextRenderer::font(spec);
+        double y = 0;
+        for (const QString& paragraph : spec.text.split(u'\n')) {
+            auto layout = std::make_unique<QTextLayout>(paragraph, font);
+            layout->beginLayout();
+            QTextLine line = layout->createLine();
+            line.setLeadingIncluded(true);
+            line.setLineWidth(20'000);
+            line.setPosition(QPointF(0, y));
+            layout->endLayout();
+            y += line.height();
+            width_ = std::max(width_, line.naturalTextWidth());
+            layouts_.push_back(std::move(layout));
+        }
+        height_ = y;
+        for (const auto& layout : layouts_) {
+            QTextLine line = layout->lineAt(0);
+            const double rest = width_ - line.naturalTextWidth();
+            const double x = spec.alignment == 1 ? rest / 2 : spec.alignment == 2 ? rest : 0;
+            // A line of a right-to-left paragraph hangs at the far end of its 20,000 pixels.
+            line.setPosition(QPointF(x - line.naturalTextRect().x() + line.x(), line.y()));
+        }
+    }
+
+    double width() const { return width_; }
+    double height() const { return height_; }
+
+    void fill(QPainter& painter, const QColor& color) const {
+        painter.setPen(color);
+        for (const auto& layout : layouts_) layout->draw(&painter, {});
+    }
+
+    /// Strokes the letters' edges; glyphs without edges, as emoji, stay as they are.
+    void stroke(QPainter& painter, const QPen& pen) const {
+        for (const auto& layout : layouts_) {
+            for (const QGlyphRun& run : layout->glyphRuns()) {
+                const QList<quint32> glyphs = run.glyphIndexes();
+                const QList<QPointF> positions = run.positions();
+                for (qsizetype i = 0; i < glyphs.size(); ++i) {
+                    painter.strokePath(run.rawFont().pathForGlyph(glyphs[i]).translated(positions[i]), pen);
+                }
+            }
+        }
+    }
+
+private:
+    std::vector<std::unique_ptr<QTextLayout>> layouts_;
+    double width_ = 0;
+    double height_ = 0;
+};
+
+} // namespace
+
+QFont TextRenderer::font(const TextSpec& spec) {
+    const QStringList families = QFontDatabase::families();
+    QFont font;
+    if (families.contains(spec.fontFamily, Qt::CaseInsensitive))
+        font.setFamily(spec.fontFamily);
+    else if (families.contains(QStringLiteral("Inter")))
+        font.setFamily(QStringLiteral("Inter"));
+    else
+        font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPixelSize(static_cast<int>(std::lround(std::clamp(spec.size, kSmallest, kLargest))));
+    font.setBold(spec.bold);
+    font.setItalic(spec.italic);
+    // The same shapes at every size, and no colour fringes on transparency.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    font.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
+    return font;
+}
+
+std::optional<TextRenderer::Rendered> TextRenderer::render(const TextSpec& spec) {
+    if (spec.text.trimmed().isEmpty()) return std::nullopt;
+    const LaidOutText text(spec);
+    const auto pad = static_cast<int64_t>(spec.outline ? std::ceil(spec.outlineWidth) : 0) + kMargin;
+    const int64_t width = static_cast<int64_t>(std::ceil(text.width())) + 2 * pad;
+    const int64_t height = static_cast<int64_t>(std::ceil(text.height())) + 2 * pad;
+    if (width < 1 || height < 1 || width > kLongestSide || height > kLongestSide) return std::nullopt;
+    auto buffer = std::make_shared<RGBABuffer>(width, height);
+    QImage image = buffer->imageOverBytes();
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    painter.translate(static_cast<double>(pad), static_cast<double>(pad));
+    text.fill(painter, colorOf(spec.color));
+    if (spec.outline) {
+        text.stroke(painter, QPen(colorOf(spec.outlineColor), 2 * spec.outlineWidth, Qt::SolidLine,
+                                  Qt::RoundCap, Qt::RoundJoin));
+    }
+    painter.end();
+    return Rendered{std::move(buffer), -pad, -pad};
+}
+
+} // namespace qirn

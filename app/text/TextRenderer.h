@@ -1,0 +1,30 @@
+#pragma once
+#include "app/text/TextSpec.h"
+#include "core/RGBABuffer.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include <QFont>
+
+namespace qirn {
+
+/// Draws words as the platform shapes them, complex scripts and emoji included. It needs an application object, and
+/// no display.
+namespace TextRenderer {
+
+/// The family in its weight and slant, or the interface's own sans where the machine lacks it.
+QFont font(const TextSpec& spec);
+
+struct Rendered {
+    std::shared_ptr<RGBABuffer> buffer; ///< Antialiased text on transparency, upright.
+    int64_t x = 0;                      ///< Where the buffer's corner lies, seen from the text's own corner.
+    int64_t y = 0;
+};
+/// Nothing for text without words, or larger than 29,999 pixels on a side.
+std::optional<Rendered> render(const TextSpec& spec);
+
+} // namespace TextRenderer
+
+} // namespace qirn

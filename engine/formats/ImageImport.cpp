@@ -1,0 +1,76 @@
+#include "formats/ImageImport.h"
+
+#include "formats/common/FormatErrors.h"
+#include "formats/native/PaintFile.h"
+#include "formats/pictures/HeifReader.h"
+#include "formats/pictures/JpegReader.h"
+#include "formats/pictures/PngReader.h"
+#include "formats/pictures/QtReader.h"
+#include "formats/pictures/TiffReader.h"
+#include "formats/psd/PSDFile.h"
+#include "formats/psd/read/PSDPicture.h"
+
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace qirn {
+
+namespace {
+
+using Bytes = std::span<const uint8_t>;
+
+/// The formats, told apart by their first bytes.
+struct Reader {
+    bool (*isOne)(Bytes);
+    std::optional<DecodedPicture> (*read)(Bytes);
+};
+constexpr Reader kReaders[] = {
+    {isPng, readPng},
+    {isJpeg, readJpeg},
+    {isTiff, readTiff},
+    {isWebP, readWebP},
+    {PSDPicture::isPhotoshopFile, PSDPicture::decode},
+    {isHeif, readHeif},
+    {isGif, readGif},
+    {isBmp, readBmp},
+};
+
+} // namespace
+
+ImageImport::Imported ImageImport::imported(Bytes file) {
+    if (PaintFile::infoOf(file)) return {PaintFile::decode(file), {}};
+    Imported result;
+    if (PSDPicture::isPhotoshopFile(file)) {
+        // Whatever its layers lack, the finished picture beside them may still be shown as one.
+        try {
+            result.document = PSDFile::read(file, &result.remarks);
+            return result;
+        } catch (const PSDFile::PSDError& error) {
+            result.remarks = PSDPicture::remarks(file, error.feature());
+        } catch (const std::bad_alloc&) {
+            throw; // the finished picture would open in place of the layers
+        } catch (const std::exception&) {
+            result.remarks = PSDPicture::remarks(file, {});
+        }
+    }
+    auto picture = decode(file);
+    if (!picture) throw ExportError::cannotRead();
+    const TileGrid grid = picture->layer->grid();
+    result.document = std::make_unique<PaintDocument>(grid.width, grid.height, picture->dpi,
+                                                      std::vector<LayerRef>{std::move(picture->layer)}, 0);
+    return result;
+}
+
+std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&) {
+    return imported(file).document;
+}
+
+std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
+    for (const Reader& reader : kReaders) {
+        if (reader.isOne(file)) return reader.read(file);
+    }
+    return std::nullopt;
+}
+
+} // namespace qirn

@@ -1,0 +1,35 @@
+#pragma once
+#include "formats/common/ImportRemarks.h"
+
+#include <cstdint>
+#include <set>
+#include <span>
+#include <string_view>
+
+namespace qirn::PSDFile {
+
+/// What of a layered file does not show here as it was made.
+enum class Loss {
+    masks,
+    layerEffects,
+    fillOpacity,
+    adjustmentLayers,
+    fillLayers,
+    blendModes, ///< Those that nobody here knows.
+    blendingRanges,
+    hiddenGroups,  ///< Their layers show.
+    groupBlending, ///< Opacity or mode.
+    colorProfile,  ///< Another one than sRGB.
+};
+using Losses = std::set<Loss>;
+
+ImportRemarks remarksOf(const Losses& losses);
+
+/// By the data of a layer's mask, of its blending ranges, and of a block behind its name; by the profile of a file. Data
+/// that change nothing of the picture are no loss, nor is what ends too early.
+Losses lossesOfMask(std::span<const uint8_t> data);
+Losses lossesOfRanges(std::span<const uint8_t> data);
+Losses lossesOfBlock(std::string_view key, std::span<const uint8_t> data);
+Losses lossesOfProfile(std::span<const uint8_t> icc);
+
+} // namespace qirn::PSDFile

@@ -1,0 +1,156 @@
+#include "formats/psd/read/PSDPicture.h"
+
+#include "core/PaintEngine.h"
+#include "formats/common/ByteReader.h"
+#include "formats/psd/PSDFile.h"
+#include "formats/psd/read/PSDPixels.h"
+#include "formats/psd/read/PSDPlanes.h"
+#include "formats/psd/read/PSDSections.h"
+#include "platform/Parallel.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <vector>
+
+#include <QCoreApplication>
+
+namespace qirn {
+
+namespace {
+
+constexpr std::array<uint8_t, 4> kSignature{'8', 'B', 'P', 'S'};
+
+constexpr int64_t kRowsATask = 16;
+constexpr int64_t kCompressionCodeBytes = 2;
+
+bool isOpenable(const PSDSections& sections) {
+    const auto isSide = [](int64_t side) { return side >= 1 && side <= PaintEngine::maxCanvasSide; };
+    return isSide(sections.width) && isSide(sections.height);
+}
+
+/// The tiles that some whole rows of a layer lie on.
+class RowTiles {
+public:
+    RowTiles(Layer& layer, int64_t first, int64_t rows)
+        : layer_(layer),
+          firstRow_(first / kTileSize),
+          end_(first + rows),
+          slots_(layer.grid().tilesIn({0, first, layer.grid().width, rows})) {
+        for (int64_t slot : slots_) tiles_.push_back(layer.writableTile(slot).writablePixels());
+    }
+
+    /// From any thread.
+    void put(int64_t y, std::span<const uint8_t> row) const {
+        const auto* tile =
+            &tiles_[static_cast<std::size_t>((y / kTileSize - firstRow_) * layer_.grid().cols)];
+        for (; !row.empty(); ++tile) {
+            const std::size_t bytes = std::min<std::size_t>(row.size(), kTileRowBytes);
+            std::copy_n(row.begin(), bytes, *tile + y % kTileSize * kTileRowBytes);
+            row = row.subspan(bytes);
+        }
+    }
+    /// Of tiles that no later row lies on, those without alpha go.
+    void finish() {
+        for (int64_t slot : slots_) {
+            if (layer_.grid().rectOf(slot).maxY() <= end_ && layer_.tile(slot)->isEmpty())
+                layer_.setTile(slot, nullptr);
+        }
+    }
+
+private:
+    Layer& layer_;
+    const int64_t firstRow_; // of the grid
+    const int64_t end_;      // of the picture's rows
+    const std::vector<int64_t> slots_;
+    std::vector<uint8_t*> tiles_;
+};
+
+/// Null where the backdrop turns out to be another one.
+LayerRef pictureOn(PSDPixels::Backdrop backdrop, const PSDSections& sections) {
+    const PSDPixels pixels(sections, backdrop);
+    PSDPlanes planes(sections, pixels.channels()); // checks the size against the bytes before memory is taken
+    auto picture =
+        std::make_shared<Layer>(QStringLiteral("Background"), TileGrid(sections.width, sections.height));
+    std::atomic<bool> fits = true;
+    for (int64_t first = 0; first < sections.height && fits; first += planes.rowsAtOnce()) {
+        const int64_t rows = std::min(planes.rowsAtOnce(), sections.height - first);
+        planes.loadBand(first, rows);
+        RowTiles tiles(*picture, first, rows);
+        concurrentPerform((rows + kRowsATask - 1) / kRowsATask, [&](int64_t task) {
+            const auto rowBytes = static_cast<std::size_t>(planes.rowBytes());
+            std::vector<uint8_t> samples(rowBytes * static_cast<std::size_t>(pixels.channels()));
+            std::vector<uint8_t> row(static_cast<std::size_t>(sections.width) * 4);
+            const int64_t from = task * kRowsATask;
+            for (int64_t y = first + from; y < first + std::min(from + kRowsATask, rows); ++y) {
+                for (int c = 0; c < pixels.channels(); ++c)
+                    planes.readRow(
+                        c, y, std::span(samples).subspan(static_cast<std::size_t>(c) * rowBytes, rowBytes));
+                if (!pixels.convert(samples, row)) fits = false;
+                tiles.put(y, row);
+            }
+        });
+        tiles.finish();
+    }
+    return fits ? picture : nullptr;
+}
+
+/// Photoshop stores transparent pictures of layered files as they look on white, and other programs do so or not.
+LayerRef pictureOf(const PSDSections& sections) {
+    if (sections.hasLayers && sections.hasAlpha) {
+        if (auto picture = pictureOn(PSDPixels::Backdrop::white, sections)) return picture;
+    }
+    return pictureOn(PSDPixels::Backdrop::none, sections);
+}
+
+} // namespace
+
+bool PSDPicture::isPhotoshopFile(std::span<const uint8_t> file) {
+    return file.size() >= kSignature.size() && std::equal(kSignature.begin(), kSignature.end(), file.begin());
+}
+
+std::optional<DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) {
+    try {
+        const auto sections = psdSectionsOf(file);
+        if (!sections || !isOpenable(*sections)) return std::nullopt;
+        const bool isThere =
+            sections->hasMergedPicture && std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
+        if (sections->hasLayers && !isThere) throw PSDFile::PSDError::noMergedPicture();
+        return DecodedPicture{pictureOf(*sections), sections->dpi};
+    } catch (const BEReader::Short&) {
+        return std::nullopt;
+    }
+}
+
+ImportRemarks PSDPicture::remarks(std::span<const uint8_t> file, const QString& feature) {
+    const auto because = [](const QString& what) {
+        return ImportRemarks{{ImportRemark::Kind::asOneLayer, what}};
+    };
+    const auto word = [](const char* text) { return QCoreApplication::translate("ImportRemark", text); };
+    try {
+        const auto sections = psdSectionsOf(file);
+        if (!sections) return {};
+        if (sections->depth > 8) return because(feature);
+        switch (sections->mode) {
+        case PSDColorMode::bitmap:
+        case PSDColorMode::gray:
+        case PSDColorMode::indexed:
+            return sections->hasLayers ? because(word("grayscale, indexed or bitmap color"))
+                                       : ImportRemarks{};
+        case PSDColorMode::rgb:
+            if (!sections->hasLayers) return {};
+            if (sections->isLarge) return because(word("large document format"));
+            return because(feature.isEmpty() ? word("damaged layers") : feature);
+        case PSDColorMode::cmyk:
+            return because(word("CMYK color"));
+        case PSDColorMode::lab:
+            return because(word("Lab color"));
+        case PSDColorMode::multichannel:
+        case PSDColorMode::duotone:
+            return because(word("spot color"));
+        }
+    } catch (const BEReader::Short&) {} // refused by `decode` as well
+    return {};
+}
+
+} // namespace qirn

@@ -1,0 +1,48 @@
+#pragma once
+#include "formats/common/ColorProfile.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace qirn {
+
+struct PSDSections;
+
+/// Turns rows of the channels of a Photoshop file's merged picture into pixels, whatever its colour mode and depth.
+class PSDPixels {
+public:
+    /// How the colours of half-transparent pixels stand in the file.
+    enum class Backdrop {
+        none,  ///< Straight.
+        white, ///< As they look on white: stored = colour * alpha + white * (1 - alpha).
+    };
+
+    /// Throws BEReader::Short where channels or palette are missing. A profile that does not fit the picture is passed over.
+    PSDPixels(const PSDSections& sections, Backdrop backdrop);
+
+    /// How many channels a row needs: the colours, then alpha if there is one.
+    int channels() const { return colors_ + (hasAlpha_ ? 1 : 0); }
+    /// One row. `samples` holds a row of each channel, one behind the other, as stored; `pixels` gets premultiplied
+    /// sRGB. False where a colour is darker than anything seen on white can be: then they never were on
+    /// it. May be called from several threads at once.
+    bool convert(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const;
+
+private:
+    template <class Sample>
+    bool convertColors(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const;
+    template <class Sample>
+    void placeSideBySide(std::span<const uint8_t> samples, std::span<Sample> colors) const;
+    template <class Sample> bool takeOffWhite(std::span<Sample> colors) const;
+    void convertIndices(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const;
+
+    int depth_;
+    int colors_; ///< Channels that hold colour.
+    bool hasAlpha_;
+    Backdrop backdrop_;
+    std::optional<ColorProfile> profile_;               ///< Not for pictures with a palette.
+    std::array<std::array<uint8_t, 4>, 256> palette_{}; ///< Indexed and bitmap: straight.
+};
+
+} // namespace qirn

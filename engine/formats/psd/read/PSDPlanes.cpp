@@ -1,0 +1,137 @@
+#include "formats/psd/read/PSDPlanes.h"
+
+#include "formats/common/ByteReader.h"
+#include "formats/psd/PackBits.h"
+#include "formats/psd/read/PSDSections.h"
+#include "platform/Parallel.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <QtEndian>
+
+namespace qirn {
+
+namespace {
+
+// How many bytes one byte of packed data can become at most.
+constexpr int64_t kLargestRun = 64; // two bytes for 128
+constexpr int64_t kLargestInflation = 1032;
+
+constexpr int64_t kBandRows = 256;
+constexpr int64_t kBandBytes = 12'000'000; // of unpacked rows; one row of every channel is kept in any case
+
+} // namespace
+
+PSDPlanes::PSDPlanes(const PSDSections& sections, int channels)
+    : depth_(sections.depth),
+      channels_(channels),
+      height_(sections.height),
+      rowBytes_((sections.width * sections.depth + 7) / 8) {
+    BEReader in(sections.mergedPicture);
+    const uint16_t code = in.u16();
+    if (code > static_cast<uint16_t>(Packing::deflatedDifferences)) throw BEReader::Short();
+    packing_ = static_cast<Packing>(code);
+    rowsAtOnce_ = std::clamp<int64_t>(kBandBytes / (rowBytes_ * channels), 1, std::min(kBandRows, height_));
+
+    const auto bytes = in.slice(in.remaining());
+    const int64_t planeBytes = rowBytes_ * height_;
+    switch (packing_) {
+    case Packing::none:
+        planes_ = BEReader(bytes).slice(planeBytes * channels);
+        break;
+    case Packing::runs:
+        findRuns(sections, bytes);
+        break;
+    case Packing::deflated:
+    case Packing::deflatedDifferences:
+        if (planeBytes * channels > std::ssize(bytes) * kLargestInflation) throw BEReader::Short();
+        startStreams(bytes);
+        break;
+    }
+}
+
+/// The packed lengths of all rows of all channels stand before the first row.
+void PSDPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t> bytes) {
+    BEReader in(bytes);
+    const int64_t lengthBytes = sections.isLarge ? 4 : 2;
+    BEReader lengths(in.slice(sections.channels * height_ * lengthBytes));
+    planes_ = in.slice(in.remaining());
+    // Checked before the table is made, which is several times as long as what it is made of.
+    if (rowBytes_ * height_ * channels_ > std::ssize(planes_) * kLargestRun) throw BEReader::Short();
+    const auto rows = static_cast<std::size_t>(channels_ * height_);
+    rowStarts_.reserve(rows + 1);
+    rowStarts_.push_back(0);
+    while (rowStarts_.size() <= rows) {
+        const int64_t length = sections.isLarge ? lengths.u32() : lengths.u16();
+        rowStarts_.push_back(rowStarts_.back() + length);
+    }
+    if (rowStarts_.back() > std::ssize(planes_)) throw BEReader::Short();
+}
+
+/// All channels are one stream. One pass over it leaves behind a stream at the start of each channel.
+void PSDPlanes::startStreams(std::span<const uint8_t> bytes) {
+    streams_.emplace_back(bytes);
+    for (int channel = 1; channel < channels_; ++channel) {
+        streams_.emplace_back(InflateStream(streams_.back()));
+        streams_.back().skip(rowBytes_ * height_);
+    }
+    band_.resize(static_cast<std::size_t>(rowBytes_ * rowsAtOnce_ * channels_));
+}
+
+void PSDPlanes::loadBand(int64_t firstRow, int64_t rows) {
+    bandStart_ = firstRow;
+    if (!isDeflated()) return;
+    concurrentPerform(channels_, [&](int64_t channel) {
+        const auto bytes = static_cast<std::size_t>(rows * rowBytes_);
+        streams_[static_cast<std::size_t>(channel)].read(
+            std::span(band_).subspan(bandOffset(static_cast<int>(channel), 0), bytes));
+    });
+}
+
+std::size_t PSDPlanes::bandOffset(int channel, int64_t rowInBand) const {
+    return static_cast<std::size_t>((channel * rowsAtOnce_ + rowInBand) * rowBytes_);
+}
+
+void PSDPlanes::readRow(int channel, int64_t y, std::span<uint8_t> into) const {
+    const int64_t row = channel * height_ + y;
+    if (packing_ == Packing::runs) {
+        const int64_t start = rowStarts_[static_cast<std::size_t>(row)];
+        const int64_t end = rowStarts_[static_cast<std::size_t>(row) + 1];
+        PSDFile::unpackBits(
+            planes_.subspan(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)), into);
+        return;
+    }
+    const uint8_t* source =
+        isDeflated() ? band_.data() + bandOffset(channel, y - bandStart_) : planes_.data() + row * rowBytes_;
+    std::memcpy(into.data(), source, into.size());
+    if (packing_ == Packing::deflatedDifferences) undoDifferences(into, depth_);
+}
+
+void undoDifferences(std::span<uint8_t> row, int depth) {
+    switch (depth) {
+    case 16: {
+        uint16_t value = 0;
+        for (std::size_t at = 0; at + 2 <= row.size(); at += 2) {
+            value = static_cast<uint16_t>(value + qFromBigEndian<uint16_t>(&row[at]));
+            qToBigEndian(value, &row[at]);
+        }
+        break;
+    }
+    case 8:
+    case 32: {
+        uint8_t value = 0;
+        for (uint8_t& byte : row) byte = value = static_cast<uint8_t>(value + byte);
+        break;
+    }
+    default: // single bits are never stored as differences
+        break;
+    }
+    if (depth == 32) {
+        const std::vector<uint8_t> split(row.begin(), row.end());
+        const std::size_t count = row.size() / 4;
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] = split[i % 4 * count + i / 4];
+    }
+}
+
+} // namespace qirn

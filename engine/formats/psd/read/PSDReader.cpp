@@ -1,0 +1,244 @@
+#include "core/PaintDocument.h"
+#include "core/PaintEngine.h"
+#include "formats/common/ByteReader.h"
+#include "formats/common/FormatErrors.h"
+#include "formats/common/PrintDensity.h"
+#include "formats/psd/PSDFile.h"
+#include "formats/psd/read/PSDRecords.h"
+#include "formats/psd/read/PSDTiles.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qirn {
+
+namespace {
+
+using namespace PSDFile;
+
+constexpr uint16_t kResolution = 1005;
+constexpr uint16_t kProfile = 1039;
+constexpr int kAlpha = -1; // a layer channel's identifier
+constexpr int64_t kLeastBlock = 12;
+
+std::string_view text(std::span<const uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+struct Head {
+    int64_t channels, width, height;
+};
+
+Head readHead(BEReader& in) {
+    const auto signature = in.slice(std::min<int64_t>(4, in.remaining()));
+    if (text(signature) != "8BPS" || in.u16() != 1) throw PaintFileError::notPaintFile();
+    in.skip(6);
+    Head head{};
+    head.channels = in.u16();
+    head.height = in.u32();
+    head.width = in.u32();
+    const int depth = in.u16(), mode = in.u16();
+    if (depth != 8) throw PSDError::unsupported(QStringLiteral("%1-bit color").arg(depth));
+    if (mode != 3) throw PSDError::unsupported(QStringLiteral("color mode %1; only RGB").arg(mode));
+    const auto [least, most] = std::minmax(head.width, head.height);
+    if (least < 1 || most > PaintEngine::maxCanvasSide) throw PaintFileError::tooLarge();
+    in.skip(in.u32()); // colour mode data
+    return head;
+}
+
+struct Resources {
+    double dpi = kUnknownDpi;
+    std::span<const uint8_t> profile; // ICC; empty without any
+};
+
+/// Leaves the reader behind the resources.
+Resources readResources(BEReader& in) {
+    Resources resources;
+    const int64_t length = in.u32();
+    const int64_t end = in.pos() + length;
+    for (int64_t at = in.pos(); at + kLeastBlock <= end;) {
+        in.moveTo(at);
+        if (text(in.slice(4)) != "8BIM") break;
+        const uint16_t identifier = in.u16();
+        const int64_t nameLength = in.u8();
+        in.skip(nameLength + (nameLength + 1) % 2);
+        const int64_t size = in.u32();
+        at = in.pos() + size + size % 2;
+        if (identifier == kResolution && size >= 16) resources.dpi = dpiInRange(in.u32() / 65536.0);
+        if (identifier == kProfile && size <= in.remaining()) resources.profile = in.slice(size);
+    }
+    in.moveTo(end);
+    return resources;
+}
+
+std::span<const uint8_t> rawRows(BEReader& in, int64_t w, int64_t h) {
+    if (h > in.remaining() / w) throw BEReader::Short(); // the product may not fit 64 bits
+    return in.slice(w * h);
+}
+
+std::span<const uint8_t> packedRows(BEReader& in, std::span<const uint8_t> counts) {
+    BEReader numbers(counts);
+    int64_t length = 0;
+    while (numbers.remaining()) length += numbers.u16();
+    return in.slice(length);
+}
+
+/// The pixels of layers, which follow the records in the same order.
+class LayerData {
+public:
+    explicit LayerData(BEReader in) : in_(in), at_(in.pos()) {}
+
+    /// The next record's; nothing where it brings no colour.
+    std::optional<StoredPicture> next(const Rec& rec) {
+        StoredPicture picture{rec.rect, {}};
+        for (const auto& [identifier, length] : rec.chans) {
+            const bool isKnown = identifier >= kAlpha && identifier <= 2;
+            if (isKnown && rec.rect.w >= 1 && rec.rect.h >= 1 && length >= 2) {
+                auto& plane = picture.planes[identifier == kAlpha ? 3 : static_cast<std::size_t>(identifier)];
+                if (plane) unused_.push_back(*plane);
+                plane = planeAt(at_, length, rec.rect);
+            }
+            at_ += length;
+        }
+        const auto& planes = picture.planes;
+        if (planes[0] && planes[1] && planes[2] && !rec.isSection) return picture;
+        for (const auto& plane : planes) {
+            if (plane) unused_.push_back(*plane);
+        }
+        return std::nullopt;
+    }
+
+    const std::vector<StoredPlane>& unused() const { return unused_; }
+
+private:
+    /// A channel may run on beyond the length that it states. No more of that than the whole file once, so that the same
+    /// rows cannot be named again and again.
+    StoredPlane planeAt(int64_t at, int64_t length, const IRect& rect) {
+        in_.moveTo(at);
+        StoredPlane plane{{}, {}, rect.w};
+        switch (in_.u16()) {
+        case 0:
+            plane.rows = rawRows(in_, rect.w, rect.h);
+            break;
+        case 1:
+            plane.counts = in_.slice(2 * rect.h);
+            plane.rows = packedRows(in_, plane.counts);
+            break;
+        default:
+            throw PSDError::unsupported(QStringLiteral("ZIP-compressed layers"));
+        }
+        beyond_ += std::max<int64_t>(in_.pos() - at - length, 0);
+        if (beyond_ > in_.size()) throw BEReader::Short();
+        return plane;
+    }
+
+    BEReader in_;
+    int64_t at_; // of the next channel; may lie beyond the file as long as nothing is read there
+    int64_t beyond_ = 0;
+    std::vector<StoredPlane> unused_;
+};
+
+LayerRef emptyLayer(const Rec& rec, std::size_t position, const TileGrid& grid) {
+    const QString name = rec.name.isEmpty() ? QStringLiteral("Layer %1").arg(position) : rec.name;
+    auto layer = std::make_shared<Layer>(name, grid);
+    layer->opacity = rec.opacity;
+    layer->blendMode = rec.mode;
+    layer->isClipping = rec.isClipping;
+    layer->isVisible = !rec.isHidden();
+    layer->alphaLocked = rec.alphaLocked();
+    return layer;
+}
+
+std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses) {
+    std::vector<Rec> recs;
+    for (int64_t i = 0; i < count; ++i) {
+        recs.push_back(readRecord(in));
+        losses.merge(recs.back().losses);
+    }
+
+    LayerData data(in);
+    std::vector<LayerRef> layers;
+    std::vector<StoredPicture> pictures;
+    std::vector<Layer*> painted; // the layer of each picture
+    for (const Rec& rec : recs) {
+        const auto picture = data.next(rec);
+        if (rec.isSection) continue;
+        layers.push_back(emptyLayer(rec, layers.size() + 1, grid));
+        if (!picture) continue;
+        pictures.push_back(*picture);
+        painted.push_back(layers.back().get());
+    }
+    const auto tiles = decodePictures(pictures, data.unused(), grid);
+    for (std::size_t i = 0; i < tiles.size(); ++i) {
+        for (const auto& [slot, tile] : tiles[i]) painted[i]->setTile(slot, tile);
+    }
+    return layers;
+}
+
+LayerRef readFinishedPicture(BEReader& in, const Head& head, const TileGrid& grid) {
+    std::vector<StoredPlane> planes(static_cast<std::size_t>(head.channels), {{}, {}, head.width});
+    switch (in.u16()) {
+    case 0:
+        for (StoredPlane& plane : planes) plane.rows = rawRows(in, head.width, head.height);
+        break;
+    case 1:
+        for (StoredPlane& plane : planes) plane.counts = in.slice(2 * head.height);
+        for (StoredPlane& plane : planes) plane.rows = packedRows(in, plane.counts);
+        break;
+    default:
+        throw PSDError::unsupported(QStringLiteral("ZIP-compressed picture"));
+    }
+    StoredPicture picture{grid.bounds(), {}};
+    if (planes.size() < 3) throw PaintFileError::damaged(QStringLiteral("channels"));
+    const std::size_t used = std::min<std::size_t>(planes.size(), 4);
+    std::copy_n(planes.begin(), used, picture.planes.begin());
+    const auto tiles = decodePictures({&picture, 1}, std::span(planes).subspan(used), grid);
+    auto layer = std::make_shared<Layer>(QStringLiteral("Background"), grid);
+    for (const auto& [slot, tile] : tiles[0]) layer->setTile(slot, tile);
+    return layer;
+}
+
+} // namespace
+
+PSDFile::PSDError PSDFile::PSDError::unsupported(const QString& feature) {
+    PSDError error(
+        QStringLiteral("This Photoshop file uses a feature Qirn Paint can't read (%1).").arg(feature));
+    error.feature_ = feature;
+    return error;
+}
+
+PSDFile::PSDError PSDFile::PSDError::noMergedPicture() {
+    return PSDError(QStringLiteral(
+        "This Photoshop file was saved without a flattened picture, and its layers use a feature "
+        "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
+}
+
+std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
+    BEReader in(file);
+    const Head head = readHead(in);
+    const Resources resources = readResources(in);
+    Losses losses = lossesOfProfile(resources.profile);
+    const TileGrid grid(head.width, head.height);
+
+    std::vector<LayerRef> layers;
+    const int64_t length = in.u32();
+    const int64_t end = in.pos() + length;
+    if (length >= 5 && in.u32() != 0) {
+        const int64_t count = in.i16(); // negative where the finished picture has its own transparency
+        layers = readLayers(in, std::abs(count), grid, losses);
+    }
+    if (layers.empty()) {
+        in.moveTo(end);
+        layers.push_back(readFinishedPicture(in, head, grid));
+    }
+    if (remarks) *remarks = remarksOf(losses);
+    const auto top = static_cast<int64_t>(layers.size()) - 1;
+    return std::make_unique<PaintDocument>(head.width, head.height, resources.dpi, std::move(layers), top);
+}
+
+} // namespace qirn

@@ -1,0 +1,17 @@
+#pragma once
+#include <QToolButton>
+
+#include "kit/icons/Icons.h"
+
+namespace qirn {
+
+/// A flat button of one icon. Its tip is also its accessible name; a click leaves the keys to whoever has them.
+class IconButton : public QToolButton {
+    Q_OBJECT
+public:
+    IconButton(Icon icon, const QString& tip, QWidget* parent);
+
+    void setTip(const QString& tip);
+};
+
+} // namespace qirn

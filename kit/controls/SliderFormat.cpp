@@ -1,0 +1,50 @@
+#include "kit/controls/SliderFormat.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qirn {
+
+namespace {
+constexpr double kPlaceStep = 0.01; // of the length, where steps of the value would be too small to feel
+}
+
+QString SliderFormat::text(double value) const {
+    double shown = value * scale;
+    if (std::abs(shown) * std::pow(10, decimals) < 0.5) shown = 0; // never "-0"
+    return QString::number(shown, 'f', decimals) + suffix;
+}
+
+std::optional<double> SliderFormat::value(const QString& text) const {
+    QString digits = text.trimmed();
+    if (const QString unit = suffix.trimmed(); !unit.isEmpty() && digits.endsWith(unit, Qt::CaseInsensitive))
+        digits.chop(unit.size());
+    bool ok = false;
+    const double shown = digits.trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
+    if (!ok || !std::isfinite(shown)) return {};
+    return shown / scale;
+}
+
+double SliderScale::clamped(double value) const {
+    return std::clamp(value, lower, upper);
+}
+
+double SliderScale::valueAt(double place) const {
+    const double t = std::clamp(place, 0.0, 1.0);
+    const double value = lower + (upper - lower) * (fineAtStart ? t * t : t);
+    return clamped(std::round(value / step) * step);
+}
+
+double SliderScale::placeOf(double value) const {
+    const double t = upper > lower ? (clamped(value) - lower) / (upper - lower) : 0;
+    return fineAtStart ? std::sqrt(t) : t;
+}
+
+double SliderScale::stepped(double value, int steps) const {
+    const double plain = clamped(value + steps * step);
+    if (!fineAtStart || steps == 0) return plain;
+    const double byPlace = valueAt(placeOf(value) + steps * kPlaceStep);
+    return steps > 0 ? std::max(plain, byPlace) : std::min(plain, byPlace);
+}
+
+} // namespace qirn

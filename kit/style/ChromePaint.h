@@ -1,0 +1,31 @@
+#pragma once
+#include <QColor>
+#include <QPainter>
+#include <QRectF>
+
+#include "kit/icons/Icons.h"
+
+/// Drawing that stays sharp at every display ratio: edges lie on device pixels, whatever fraction of one a logical
+/// pixel is and wherever on the window the widget stands. Rectangles are in the painter's logical coordinates.
+namespace qirn::ChromePaint {
+
+double deviceRatio(const QPainter& painter);
+/// The width of the thinnest sharp line: one device pixel, two from ratio 2 on.
+double hairline(const QPainter& painter);
+QRectF snapped(const QPainter& painter, const QRectF& rect);
+
+/// A filled box with an edge drawn inside it; either colour may be left out.
+void box(QPainter& painter, const QRectF& rect, double radius, const QColor& fill, const QColor& edge = {});
+void focusRing(QPainter& painter, const QRectF& rect, double radius);
+enum class Side { left, top, right, bottom };
+/// A hairline along one side, inside the rectangle.
+void line(QPainter& painter, const QRectF& rect, Side side, const QColor& color);
+/// In the middle of the rectangle, `size` logical pixels square.
+void icon(QPainter& painter, const QRectF& within, Icon icon, int size, const QColor& color);
+/// The same for an icon of any origin.
+void icon(QPainter& painter, const QRectF& within, const QIcon& icon, const QSize& size, QIcon::Mode mode,
+          QIcon::State state);
+/// One line, cut with dots where it does not fit. Mnemonic marks (&) are not shown when the flags say so.
+void text(QPainter& painter, const QRectF& rect, int flags, const QString& text, const QColor& color);
+
+} // namespace qirn::ChromePaint

@@ -1,0 +1,156 @@
+#include <QStyleOption>
+
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/controls/RoundButton.h"
+#include "kit/style/ChromePaint.h"
+#include "kit/style/ChromeStyle.h"
+
+namespace qirn {
+
+namespace {
+
+struct Face {
+    QColor fill;
+    QColor edge;
+    QColor text;
+};
+
+/// A raised button: at rest, under the pointer, held down, on, or disabled.
+Face raisedFace(QStyle::State state, bool on) {
+    const ChromeColors& c = QirnKitHost::colors();
+    const bool over = state.testFlag(QStyle::State_MouseOver);
+    if (!state.testFlag(QStyle::State_Enabled)) return {c.bar, c.divider, c.faint};
+    if (on) return {over ? c.accentHover : c.accent, {}, c.onAccent};
+    if (state.testFlag(QStyle::State_Sunken)) return {c.pressed, c.edge, c.text};
+    return {over ? c.hover : c.raised, c.edge, c.text};
+}
+
+/// A flat button: nothing but its mark until the pointer comes.
+Face flatFace(QStyle::State state, bool on) {
+    const ChromeColors& c = QirnKitHost::colors();
+    const bool over = state.testFlag(QStyle::State_MouseOver);
+    if (!state.testFlag(QStyle::State_Enabled)) return {{}, {}, c.faint};
+    if (on) return {over ? c.accentHover : c.accent, {}, c.onAccent};
+    if (state.testFlag(QStyle::State_Sunken)) return {c.pressed, {}, c.text};
+    return {over ? c.hover : QColor(), {}, c.text};
+}
+
+QIcon::Mode iconMode(const QStyleOption& option) {
+    return option.state.testFlag(QStyle::State_Enabled) ? QIcon::Normal : QIcon::Disabled;
+}
+
+QIcon::State iconState(const QStyleOption& option) {
+    return option.state.testFlag(QStyle::State_On) ? QIcon::On : QIcon::Off;
+}
+
+bool isOn(const QStyleOptionButton& option) {
+    return option.state.testFlag(QStyle::State_On) ||
+           option.features.testFlag(QStyleOptionButton::DefaultButton);
+}
+
+} // namespace
+
+void ChromeStyle::drawPushBevel(const QStyleOptionButton& option, QPainter& painter) const {
+    const bool flat = option.features.testFlag(QStyleOptionButton::Flat);
+    const Face face = flat ? flatFace(option.state, isOn(option)) : raisedFace(option.state, isOn(option));
+    ChromePaint::box(painter, option.rect, Metrics::kRadius, face.fill, face.edge);
+    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, Metrics::kRadius);
+}
+
+void ChromeStyle::drawPushLabel(const QStyleOptionButton& option, QPainter& painter) const {
+    const Face face = raisedFace(option.state, isOn(option));
+    QRectF rect = option.rect;
+    const int textWidth = option.fontMetrics.size(Qt::TextShowMnemonic, option.text).width();
+    if (!option.icon.isNull()) {
+        const int gap = option.text.isEmpty() ? 0 : Metrics::kSpace4 + 2;
+        const double both = option.iconSize.width() + gap + textWidth;
+        QRectF mark(rect.center().x() - both / 2, rect.top(), option.iconSize.width(), rect.height());
+        const auto state = isOn(option) ? QIcon::On : QIcon::Off;
+        ChromePaint::icon(painter, mark, option.icon, option.iconSize, iconMode(option), state);
+        rect.setLeft(mark.right() + gap);
+        rect.setWidth(textWidth + 1);
+    }
+    ChromePaint::text(painter, rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text, face.text);
+}
+
+void ChromeStyle::drawToolPanel(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    const bool round = qobject_cast<const RoundButton*>(widget) != nullptr;
+    const double radius = round ? option.rect.width() / 2.0 : Metrics::kRadius;
+    const bool on = option.state.testFlag(State_On);
+    const bool flat = option.state.testFlag(State_AutoRaise);
+    const Face face = flat ? flatFace(option.state, on) : raisedFace(option.state, on);
+    ChromePaint::box(painter, option.rect, radius, face.fill, face.edge);
+    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, radius);
+}
+
+void ChromeStyle::drawToolLabel(const QStyleOptionToolButton& option, QPainter& painter) const {
+    const bool showsText = option.toolButtonStyle != Qt::ToolButtonIconOnly && !option.text.isEmpty();
+    const bool showsIcon = option.toolButtonStyle != Qt::ToolButtonTextOnly && !option.icon.isNull();
+    const Face face = flatFace(option.state, option.state.testFlag(State_On));
+    if (!showsText) {
+        ChromePaint::icon(painter, option.rect, option.icon, option.iconSize, iconMode(option),
+                          iconState(option));
+        return;
+    }
+    QRectF rect = QRectF(option.rect).adjusted(Metrics::kSpace8, 0, -Metrics::kSpace8, 0);
+    if (showsIcon) {
+        const QRectF mark(rect.left(), rect.top(), option.iconSize.width(), rect.height());
+        ChromePaint::icon(painter, mark, option.icon, option.iconSize, iconMode(option), iconState(option));
+        rect.setLeft(mark.right() + Metrics::kSpace4 + 2);
+    }
+    const int align = showsIcon || option.features.testFlag(QStyleOptionToolButton::HasMenu)
+                          ? Qt::AlignLeft
+                          : Qt::AlignHCenter;
+    ChromePaint::text(painter, rect, align | Qt::AlignVCenter | Qt::TextHideMnemonic, option.text, face.text);
+}
+
+void ChromeStyle::drawToolButton(const QStyleOptionToolButton& option, QPainter& painter,
+                                 const QWidget* widget) const {
+    QStyleOptionToolButton face = option;
+    face.state.setFlag(State_Sunken, option.state.testFlag(State_Sunken) ||
+                                         option.activeSubControls.testFlag(SC_ToolButtonMenu));
+    drawToolPanel(face, painter, widget);
+    if (option.features.testFlag(QStyleOptionToolButton::HasMenu)) {
+        const QRect arrow(option.rect.right() - Metrics::kChevron - Metrics::kSpace4, option.rect.top(),
+                          Metrics::kChevron, option.rect.height());
+        const ChromeColors& c = QirnKitHost::colors();
+        ChromePaint::icon(painter, arrow, Icon::chevronDown, Metrics::kChevron,
+                          option.state.testFlag(State_Enabled) ? c.dim : c.faint);
+        face.rect.setRight(arrow.left() + Metrics::kSpace4);
+    }
+    drawToolLabel(face, painter);
+}
+
+void ChromeStyle::drawCheckMark(const QStyleOption& option, QPainter& painter) const {
+    const ChromeColors& c = QirnKitHost::colors();
+    const bool enabled = option.state.testFlag(State_Enabled);
+    const bool on = option.state.testFlag(State_On);
+    const bool partly = option.state.testFlag(State_NoChange);
+    const bool over = option.state.testFlag(State_MouseOver);
+    const QColor mark = enabled ? c.onAccent : c.faint;
+    if (on || partly)
+        ChromePaint::box(painter, option.rect, Metrics::kRadiusSmall,
+                         enabled ? (over ? c.accentHover : c.accent) : c.bar);
+    else
+        ChromePaint::box(painter, option.rect, Metrics::kRadiusSmall, c.well,
+                         enabled ? c.edgeHover : c.divider);
+    if (on || partly)
+        ChromePaint::icon(painter, option.rect, on ? Icon::check : Icon::minus, Metrics::kCheckBox - 2, mark);
+}
+
+void ChromeStyle::drawRadioMark(const QStyleOption& option, QPainter& painter) const {
+    const ChromeColors& c = QirnKitHost::colors();
+    const bool enabled = option.state.testFlag(State_Enabled);
+    const double radius = option.rect.width() / 2.0;
+    if (!option.state.testFlag(State_On)) {
+        ChromePaint::box(painter, option.rect, radius, c.well, enabled ? c.edgeHover : c.divider);
+        return;
+    }
+    ChromePaint::box(painter, option.rect, radius, enabled ? c.accent : c.bar);
+    const int inset = option.rect.width() / 3;
+    ChromePaint::box(painter, option.rect.adjusted(inset, inset, -inset, -inset), radius,
+                     enabled ? c.onAccent : c.faint);
+}
+
+} // namespace qirn

@@ -1,0 +1,87 @@
+#include <QStyleOption>
+
+#include "kit/ChromeFont.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
+#include "kit/style/ChromeStyle.h"
+
+namespace qirn {
+
+namespace {
+
+void drawSeparator(const QStyleOptionMenuItem& option, QPainter& painter) {
+    const ChromeColors& c = QirnKitHost::colors();
+    const QRectF rect = QRectF(option.rect).adjusted(Metrics::kSpace12, 0, -Metrics::kSpace12, 0);
+    double left = rect.left();
+    if (!option.text.isEmpty()) {
+        painter.save();
+        painter.setFont(ChromeFont::caption());
+        ChromePaint::text(painter, rect, Qt::AlignLeft | Qt::AlignVCenter, option.text, c.dim);
+        left += painter.fontMetrics().horizontalAdvance(option.text) + Metrics::kSpace8;
+        painter.restore();
+    }
+    const QRectF rule(left, rect.center().y(), rect.right() - left, 1);
+    ChromePaint::line(painter, rule, ChromePaint::Side::top, c.divider);
+}
+
+} // namespace
+
+void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& painter) const {
+    const ChromeColors& c = QirnKitHost::colors();
+    if (option.menuItemType == QStyleOptionMenuItem::Separator) {
+        drawSeparator(option, painter);
+        return;
+    }
+    const bool enabled = option.state.testFlag(State_Enabled);
+    const bool selected = enabled && option.state.testFlag(State_Selected);
+    if (selected)
+        ChromePaint::box(painter, QRectF(option.rect).adjusted(Metrics::kSpace4, 1, -Metrics::kSpace4, -1),
+                         Metrics::kRadiusSmall, c.selected);
+
+    QRectF rect = QRectF(option.rect).adjusted(Metrics::kSpace12, 0, -Metrics::kSpace12, 0);
+    const bool markColumn = option.menuHasCheckableItems || option.maxIconWidth > 0;
+    if (markColumn) {
+        const QRectF mark(rect.left(), rect.top(), Metrics::kIconSmall, rect.height());
+        const QColor color = enabled ? c.text : c.faint;
+        if (option.checked)
+            ChromePaint::icon(painter, mark, Icon::check, Metrics::kIconSmall, color);
+        else if (!option.icon.isNull())
+            ChromePaint::icon(painter, mark, option.icon, {Metrics::kIconSmall, Metrics::kIconSmall},
+                              enabled ? QIcon::Normal : QIcon::Disabled, QIcon::Off);
+        rect.setLeft(mark.right() + Metrics::kSpace8);
+    }
+
+    painter.save();
+    painter.setFont(option.font);
+    const QStringList parts = option.text.split(QLatin1Char('\t'));
+    const int line = Qt::AlignVCenter | Qt::TextShowMnemonic;
+    ChromePaint::text(painter, rect, line | Qt::AlignLeft, parts.first(), enabled ? c.text : c.faint);
+    if (parts.size() > 1)
+        ChromePaint::text(painter, rect, line | Qt::AlignRight, parts.last(),
+                          !enabled   ? c.faint
+                          : selected ? c.text
+                                     : c.dim);
+    painter.restore();
+    if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {
+        const QRectF arrow(rect.right() - Metrics::kChevron + Metrics::kSpace4, rect.top(), Metrics::kChevron,
+                           rect.height());
+        ChromePaint::icon(painter, arrow, Icon::chevronRight, Metrics::kChevron,
+                          !enabled   ? c.faint
+                          : selected ? c.text
+                                     : c.dim);
+    }
+}
+
+void ChromeStyle::drawMenuBarItem(const QStyleOptionMenuItem& option, QPainter& painter) const {
+    const ChromeColors& c = QirnKitHost::colors();
+    painter.fillRect(option.rect, c.bar);
+    const bool enabled = option.state.testFlag(State_Enabled);
+    const bool open = option.state.testFlag(State_Selected) || option.state.testFlag(State_Sunken);
+    if (enabled && open)
+        ChromePaint::box(painter, QRectF(option.rect).adjusted(0, 3, 0, -3), Metrics::kRadiusSmall, c.hover);
+    ChromePaint::text(painter, option.rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text,
+                      enabled ? c.text : c.faint);
+}
+
+} // namespace qirn

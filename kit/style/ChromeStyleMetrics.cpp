@@ -1,0 +1,236 @@
+#include <QAbstractItemView>
+#include <QListView>
+#include <QStyleOption>
+#include <QTextOption>
+
+#include "kit/Metrics.h"
+#include "kit/style/ChromeStyle.h"
+
+namespace qirn {
+
+int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    switch (metric) {
+    case PM_ButtonIconSize:
+    case PM_SmallIconSize:
+    case PM_ListViewIconSize:
+    case PM_TabBarIconSize:
+        return Metrics::kIconSmall;
+    case PM_ToolBarIconSize:
+        return Metrics::kIcon;
+    case PM_MessageBoxIconSize:
+        return 2 * Metrics::kIcon;
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+    case PM_ExclusiveIndicatorWidth:
+    case PM_ExclusiveIndicatorHeight:
+        return Metrics::kCheckBox;
+    case PM_FocusFrameHMargin: // text in a row of a list, from the edge of the row; columns have no room to give
+        return qobject_cast<const QListView*>(widget) ? Metrics::kSpace8
+                                                      : QProxyStyle::pixelMetric(metric, option, widget);
+    case PM_CheckBoxLabelSpacing:
+    case PM_RadioButtonLabelSpacing:
+        return Metrics::kSpace8;
+    case PM_ScrollBarExtent:
+        return Metrics::kScrollBar;
+    case PM_ScrollBarSliderMin:
+        return 3 * Metrics::kScrollBar;
+    case PM_ScrollView_ScrollBarSpacing:
+    case PM_ScrollView_ScrollBarOverlap:
+        return 0;
+    case PM_SliderThickness:
+    case PM_SliderControlThickness:
+    case PM_SliderLength:
+        return Metrics::kIconSmall;
+    case PM_ButtonShiftHorizontal:
+    case PM_ButtonShiftVertical:
+    case PM_TabBarTabShiftVertical:
+    case PM_TabBarTabShiftHorizontal:
+    case PM_TabBarBaseOverlap:
+    case PM_TabBarBaseHeight:
+    case PM_MenuBarPanelWidth:
+    case PM_MenuBarVMargin:
+        return 0;
+    case PM_MenuPanelWidth:
+        return 1;
+    case PM_MenuBarHMargin:
+        return Metrics::kSpace8;
+    case PM_MenuBarItemSpacing:
+        return 0;
+    case PM_MenuVMargin:
+        return Metrics::kSpace4;
+    case PM_MenuHMargin:
+        return 0;
+    case PM_SubMenuOverlap:
+        return -1;
+    case PM_ToolTipLabelFrameWidth:
+        return Metrics::kSpace4 + 2;
+    case PM_DefaultFrameWidth:
+        return 1;
+    case PM_ComboBoxFrameWidth:
+    case PM_SpinBoxFrameWidth:
+        return 1;
+    case PM_TabBarTabHSpace:
+        return 2 * Metrics::kSpace12;
+    case PM_LayoutHorizontalSpacing:
+    case PM_LayoutVerticalSpacing:
+        return Metrics::kSpace8;
+    case PM_LayoutLeftMargin:
+    case PM_LayoutRightMargin:
+    case PM_LayoutTopMargin:
+    case PM_LayoutBottomMargin:
+        return widget && widget->isWindow() ? Metrics::kSpace16 : Metrics::kSpace12;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int ChromeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                           QStyleHintReturn* data) const {
+    switch (hint) {
+    case SH_EtchDisabledText:
+    case SH_DitherDisabledText:
+    case SH_DialogButtonBox_ButtonsHaveIcons:
+        return 0;
+    case SH_ItemView_ShowDecorationSelected:
+        return 1;
+    case SH_Menu_MouseTracking:
+    case SH_MenuBar_MouseTracking:
+    case SH_ComboBox_ListMouseTracking:
+        return 1;
+    case SH_Menu_SupportsSections:
+        return 1;
+    case SH_Menu_SloppySubMenus:
+        return 1;
+    case SH_ScrollBar_LeftClickAbsolutePosition:
+        return 0;
+    case SH_Slider_AbsoluteSetButtons:
+        return static_cast<int>(Qt::LeftButton);
+    case SH_Slider_PageSetButtons:
+        return 0;
+    case SH_MessageBox_CenterButtons:
+        return 0;
+    case SH_ToolTipLabel_Opacity:
+        return 255;
+    case SH_ToolTip_WakeUpDelay:
+        return 500;
+    case SH_FormLayoutLabelAlignment:
+        return Qt::AlignRight | Qt::AlignVCenter;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+}
+
+QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                                    const QWidget* widget) const {
+    QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    switch (type) {
+    case CT_PushButton: {
+        const bool hasText = !qstyleoption_cast<const QStyleOptionButton*>(option) ||
+                             !qstyleoption_cast<const QStyleOptionButton*>(option)->text.isEmpty();
+        const int least = hasText ? 64 : Metrics::kControlHeight;
+        return {std::max(least, contents.width() + 2 * Metrics::kControlPadding), Metrics::kControlHeight};
+    }
+    case CT_ToolButton: {
+        const auto* tool = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+        if (!tool || tool->toolButtonStyle == Qt::ToolButtonIconOnly)
+            return {Metrics::kControlHeight, Metrics::kControlHeight};
+        const int arrow = tool->features.testFlag(QStyleOptionToolButton::HasMenu) ? Metrics::kChevron : 0;
+        return {contents.width() + Metrics::kSpace12 + Metrics::kSpace4 + arrow, Metrics::kControlHeight};
+    }
+    case CT_ComboBox:
+        return {contents.width() + 2 * Metrics::kControlPadding + Metrics::kChevron + Metrics::kSpace12,
+                Metrics::kControlHeight};
+    case CT_SpinBox:
+    case CT_LineEdit:
+        return {size.width() + Metrics::kSpace8, Metrics::kControlHeight};
+    case CT_TabBarTab:
+        return {size.width(), Metrics::kRowHeight + Metrics::kSpace4};
+    case CT_ItemViewItem:
+        return {size.width(), std::max(size.height(), Metrics::kRowHeight)};
+    case CT_MenuBarItem:
+        return {contents.width() + 2 * Metrics::kControlPadding, Metrics::kMenuBarHeight};
+    case CT_MenuItem: {
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (!item) return size;
+        if (item->menuItemType == QStyleOptionMenuItem::Separator)
+            return {contents.width(), item->text.isEmpty() ? Metrics::kSpace8 + 1 : Metrics::kRowHeight};
+        int width = contents.width() + 2 * Metrics::kSpace12;
+        if (item->menuHasCheckableItems || item->maxIconWidth > 0)
+            width += Metrics::kIconSmall + Metrics::kSpace8;
+        if (item->text.contains(QLatin1Char('\t'))) width += 2 * Metrics::kSpace16;
+        if (item->menuItemType == QStyleOptionMenuItem::SubMenu)
+            width += Metrics::kChevron + Metrics::kSpace16;
+        return {width, Metrics::kRowHeight};
+    }
+    default:
+        return size;
+    }
+}
+
+QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                  const QWidget* widget) const {
+    const QRect rect = option->rect;
+    const int arrow = Metrics::kChevron + Metrics::kSpace8;
+    if (control == CC_ComboBox && part == SC_ComboBoxArrow)
+        return {rect.right() + 1 - arrow, rect.top(), arrow - Metrics::kSpace4, rect.height()};
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
+        const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+        const int left = combo && combo->editable ? Metrics::kSpace4 : Metrics::kControlPadding;
+        return rect.adjusted(left, 1, -arrow, -1);
+    }
+    if (control == CC_SpinBox) {
+        const int half = rect.height() / 2;
+        const int left = rect.right() + 1 - arrow;
+        if (part == SC_SpinBoxUp) return {left, rect.top() + 3, arrow - 3, half - 3};
+        if (part == SC_SpinBoxDown) return {left, rect.top() + half, arrow - 3, half - 3};
+        if (part == SC_SpinBoxEditField) return rect.adjusted(Metrics::kSpace4, 1, -arrow, -1);
+    }
+    if (control == CC_ScrollBar) {
+        // No arrows: the groove is the whole bar.
+        if (part == SC_ScrollBarAddLine || part == SC_ScrollBarSubLine) return {};
+        if (part == SC_ScrollBarGroove) return rect;
+        const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        if (!bar) return {};
+        const bool across = bar->orientation == Qt::Horizontal;
+        const int length = across ? rect.width() : rect.height();
+        const int range = bar->maximum - bar->minimum;
+        const int shown = range + bar->pageStep;
+        const int least = std::min(length, pixelMetric(PM_ScrollBarSliderMin, option, widget));
+        const int thumb =
+            shown <= 0 ? length
+                       : std::clamp(static_cast<int>(qint64(length) * bar->pageStep / shown), least, length);
+        const int start = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition,
+                                                  length - thumb, bar->upsideDown);
+        const auto along = [&](int from, int count) {
+            return across ? QRect(rect.left() + from, rect.top(), count, rect.height())
+                          : QRect(rect.left(), rect.top() + from, rect.width(), count);
+        };
+        if (part == SC_ScrollBarSlider) return along(start, thumb);
+        if (part == SC_ScrollBarSubPage) return along(0, start);
+        if (part == SC_ScrollBarAddPage) return along(start + thumb, length - start - thumb);
+    }
+    if (control == CC_GroupBox) {
+        const bool titled = option->subControls.testFlag(SC_GroupBoxLabel) ||
+                            option->subControls.testFlag(SC_GroupBoxCheckBox);
+        const int title = titled ? Metrics::kSpace16 + Metrics::kSpace4 : 1;
+        const int box = option->subControls.testFlag(SC_GroupBoxCheckBox) ? Metrics::kCheckBox : 0;
+        if (part == SC_GroupBoxCheckBox) return {rect.left(), rect.top() + 2, box, box};
+        if (part == SC_GroupBoxLabel)
+            return {rect.left() + (box ? box + Metrics::kSpace8 : 0), rect.top(), rect.width() - box, title};
+        if (part == SC_GroupBoxContents) return rect.adjusted(0, title, 0, 0);
+    }
+    return QProxyStyle::subControlRect(control, option, part, widget);
+}
+
+QRect ChromeStyle::subElementRect(SubElement element, const QStyleOption* option,
+                                  const QWidget* widget) const {
+    if (element == SE_LineEditContents) {
+        const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+        return rect.adjusted(Metrics::kSpace4, 0, -Metrics::kSpace4, 0);
+    }
+    if (element == SE_CheckBoxFocusRect || element == SE_RadioButtonFocusRect)
+        return QProxyStyle::subElementRect(element, option, widget).adjusted(-2, -1, 2, 1);
+    return QProxyStyle::subElementRect(element, option, widget);
+}
+
+} // namespace qirn

@@ -1,0 +1,214 @@
+#include "shell/options/ToolOptionRows.h"
+
+#include <cmath>
+#include <type_traits>
+
+#include <QCoreApplication>
+
+#include "app/model/PaintModel.h"
+
+namespace qirn::ToolOptionRows {
+
+namespace {
+
+bool isBrushTool(const PaintModel& model) {
+    return rowOf(model.tool()).usesBrush;
+}
+bool isSelectTool(const PaintModel& model) {
+    const Tool tool = model.tool();
+    return tool == Tool::selectRect || tool == Tool::selectEllipse || tool == Tool::lasso;
+}
+bool laysPaint(const PaintModel& model) {
+    return model.tool() == Tool::brush || model.tool() == Tool::eraser;
+}
+bool movesPaint(const PaintModel& model) {
+    return model.tool() == Tool::smudge || model.tool() == Tool::blur;
+}
+template <Tool kTool> bool is(const PaintModel& model) {
+    return model.tool() == kTool;
+}
+bool canLift(const PaintModel& model) {
+    return model.tool() == Tool::move && !model.transform();
+}
+bool hasLifted(const PaintModel& model) {
+    return model.transform().has_value();
+}
+
+template <double BrushSettings::*kField> double brushValue(const PaintModel& model) {
+    return model.activeBrush().*kField;
+}
+template <double BrushSettings::*kField> void setBrushValue(PaintModel& model, double value) {
+    BrushSettings brush = model.activeBrush();
+    brush.*kField = value;
+    model.setActiveBrush(brush);
+}
+
+template <double BrushSettings::*kField>
+constexpr Slider brushSlider(const char* label, const SliderScale& scale, Show show,
+                             const char* tip = nullptr) {
+    return {label, scale, show, tip, brushValue<kField>, setBrushValue<kField>};
+}
+
+/// An option of a tool without a brush, by its field: as a number, a flag or the position of an enumerator.
+template <auto kField> auto option(const PaintModel& model) {
+    return model.options().*kField;
+}
+template <auto kField> double number(const PaintModel& model) {
+    return model.options().*kField;
+}
+template <auto kField> int position(const PaintModel& model) {
+    return static_cast<int>(model.options().*kField);
+}
+template <auto kField, class Value> void setOption(PaintModel& model, Value value) {
+    ToolOptions options = model.options();
+    options.*kField = static_cast<std::remove_reference_t<decltype(options.*kField)>>(value);
+    model.setOptions(options);
+}
+template <auto kField> double fillNumber(const PaintModel& model) {
+    return static_cast<double>(model.options().fill.*kField);
+}
+template <auto kField> bool fillFlag(const PaintModel& model) {
+    return model.options().fill.*kField;
+}
+template <auto kField, class Value> void setFill(PaintModel& model, Value value) {
+    ToolOptions options = model.options();
+    options.fill.*kField = static_cast<std::remove_reference_t<decltype(options.fill.*kField)>>(value);
+    model.setOptions(options);
+}
+
+double transformScale(const PaintModel& model) {
+    return model.transform() ? model.transform()->scaleX : 1;
+}
+void setTransformScale(PaintModel& model, double scale) {
+    model.updateTransform([=](TransformState& state) { state.scaleX = state.scaleY = scale; });
+}
+double transformAngle(const PaintModel& model) {
+    return model.transform() ? std::remainder(model.transform()->angle, 360) : 0;
+}
+void setTransformAngle(PaintModel& model, double angle) {
+    model.updateTransform([=](TransformState& state) { state.angle = angle; });
+}
+template <bool TransformState::*kFlip> void toggleFlip(PaintModel& model) {
+    model.updateTransform([](TransformState& state) { state.*kFlip = !(state.*kFlip); });
+}
+
+bool pickFromAll(const PaintModel& model) {
+    return model.prefs().eyedropperAllLayers;
+}
+void setPickFromAll(PaintModel& model, bool on) {
+    PaintPrefs prefs = model.prefs();
+    prefs.eyedropperAllLayers = on;
+    model.setPrefs(prefs);
+}
+
+template <void (PaintModel::*kCommand)()> void call(PaintModel& model) {
+    (model.*kCommand)();
+}
+
+#define TEXT(text) QT_TRANSLATE_NOOP("qirn::ToolOptionsBar", text)
+
+constexpr Row kRows[] = {
+    {isBrushTool, PresetMenu{}},
+    {isBrushTool, brushSlider<&BrushSettings::size>(TEXT("Size"), {1, 400, 1, true}, Show::pixels,
+                                                    TEXT("Brush size in pixels ( [ and ] keys)"))},
+    {laysPaint, brushSlider<&BrushSettings::opacity>(TEXT("Opacity"), {0, 1, 0.01}, Show::percent)},
+    {laysPaint, brushSlider<&BrushSettings::flow>(TEXT("Flow"), {0.01, 1, 0.01}, Show::percent)},
+    {movesPaint, brushSlider<&BrushSettings::strength>(TEXT("Strength"), {0, 1, 0.01}, Show::percent)},
+    {isBrushTool, brushSlider<&BrushSettings::stabilizer>(TEXT("Stabilizer"), {0, 100, 1}, Show::number,
+                                                          TEXT("Smooths shaky lines"))},
+    {is<Tool::brush>, Note{TEXT("Tip: hold ⌥ Option with the brush to pick a color")}},
+    {is<Tool::bucket>, Slider{TEXT("Tolerance"),
+                              {0, 255, 1},
+                              Show::number,
+                              TEXT("How different a color can be and still get filled"),
+                              fillNumber<&FillOptions::tolerance>,
+                              setFill<&FillOptions::tolerance>}},
+    {is<Tool::bucket>,
+     Toggle{TEXT("Contiguous"), TEXT("On: only the connected area. Off: every matching pixel."),
+            fillFlag<&FillOptions::contiguous>, setFill<&FillOptions::contiguous>}},
+    {is<Tool::bucket>,
+     Toggle{TEXT("Sample all layers"),
+            TEXT("Find edges in the finished picture (fill under line art on its own layer)"),
+            fillFlag<&FillOptions::sampleAllLayers>, setFill<&FillOptions::sampleAllLayers>}},
+    {is<Tool::bucket>, Slider{TEXT("Grow"),
+                              {0, 4, 1},
+                              Show::pixels,
+                              TEXT("Grows the fill under soft line edges so no white halo is left"),
+                              fillNumber<&FillOptions::expand>,
+                              setFill<&FillOptions::expand>}},
+    {is<Tool::gradient>, Segments{TEXT("Type"),
+                                  {TEXT("Linear"), TEXT("Radial"), TEXT("Reflected"), nullptr},
+                                  nullptr,
+                                  position<&ToolOptions::gradientKind>,
+                                  setOption<&ToolOptions::gradientKind>}},
+    {is<Tool::gradient>,
+     Toggle{TEXT("Color → transparent"), TEXT("Off: paint color to second color"),
+            option<&ToolOptions::gradientToTransparent>, setOption<&ToolOptions::gradientToTransparent>}},
+    {is<Tool::gradient>, Slider{TEXT("Opacity"),
+                                {0, 1, 0.01},
+                                Show::percent,
+                                nullptr,
+                                number<&ToolOptions::gradientOpacity>,
+                                setOption<&ToolOptions::gradientOpacity>}},
+    {is<Tool::gradient>, Note{TEXT("Drag across the canvas")}},
+    {is<Tool::shape>, ShapeMenu{}},
+    {is<Tool::shape>,
+     Toggle{TEXT("Fill"), nullptr, option<&ToolOptions::shapeFill>, setOption<&ToolOptions::shapeFill>}},
+    {is<Tool::shape>, Toggle{TEXT("Outline"), TEXT("Outline uses the second color when Fill is on"),
+                             option<&ToolOptions::shapeOutline>, setOption<&ToolOptions::shapeOutline>}},
+    {is<Tool::shape>, Slider{TEXT("Line width"),
+                             {1, 100, 1},
+                             Show::pixels,
+                             nullptr,
+                             number<&ToolOptions::shapeLineWidth>,
+                             setOption<&ToolOptions::shapeLineWidth>}},
+    {is<Tool::shape>, Note{TEXT("Shift = square / circle / 45°")}},
+    {canLift, Button{TEXT("Transform"), call<&PaintModel::beginTransform>}},
+    {hasLifted,
+     Slider{TEXT("Scale"), {0.01, 4, 0.01}, Show::percent, nullptr, transformScale, setTransformScale}},
+    {hasLifted,
+     Slider{TEXT("Rotate"), {-180, 180, 1}, Show::degrees, nullptr, transformAngle, setTransformAngle}},
+    {hasLifted, Button{TEXT("Flip ↔"), toggleFlip<&TransformState::flipH>}},
+    {hasLifted, Button{TEXT("Flip ↕"), toggleFlip<&TransformState::flipV>}},
+    {hasLifted, Button{TEXT("Apply (Return)"), call<&PaintModel::applyTransform>}},
+    {hasLifted, Button{TEXT("Cancel (Esc)"), call<&PaintModel::cancelTransform>}},
+    {hasLifted, Note{TEXT("Drag on the canvas to move the selection (or the whole layer)")}},
+    {is<Tool::text>,
+     Note{TEXT("Click on the canvas where the text should go. Each text becomes its own layer.")}},
+    {is<Tool::eyedropper>, Toggle{TEXT("Sample all layers"), TEXT("Off: pick from the current layer only"),
+                                  pickFromAll, setPickFromAll}},
+    {isSelectTool, Segments{TEXT("Selection mode"),
+                            {TEXT("New"), TEXT("Add"), TEXT("Subtract"), TEXT("Intersect")},
+                            TEXT("Or hold ⌘ to add, ⌥ to subtract, ⌘⌥ to intersect"),
+                            position<&ToolOptions::selectionMode>,
+                            setOption<&ToolOptions::selectionMode>}},
+    {isSelectTool, Toggle{TEXT("Smooth edges"), nullptr, option<&ToolOptions::selectionAntialias>,
+                          setOption<&ToolOptions::selectionAntialias>}},
+    {isSelectTool, Button{TEXT("All"), call<&PaintModel::selectAll>}},
+    {isSelectTool, Button{TEXT("None"), call<&PaintModel::deselect>}},
+    {isSelectTool, Button{TEXT("Invert"), call<&PaintModel::invertSelection>}},
+};
+
+#undef TEXT
+
+} // namespace
+
+SliderFormat formatOf(Show show) {
+    switch (show) {
+    case Show::percent:
+        return SliderFormat::percent();
+    case Show::pixels:
+        return SliderFormat::pixels();
+    case Show::degrees:
+        return SliderFormat::degrees();
+    case Show::number:
+        break;
+    }
+    return SliderFormat::plain();
+}
+
+std::span<const Row> all() {
+    return kRows;
+}
+
+} // namespace qirn::ToolOptionRows

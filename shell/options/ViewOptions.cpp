@@ -1,0 +1,78 @@
+#include "shell/options/ViewOptions.h"
+
+#include <cmath>
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+#include "app/canvas/CanvasView.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/controls/ChromeSlider.h"
+#include "kit/controls/IconButton.h"
+
+namespace qirn {
+
+ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      zoom_(new QLabel(this)),
+      rotation_(new ChromeSlider(tr("Rotate view"), {-180, 180, 1}, SliderFormat::degrees(), this)) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(Metrics::kSpace8);
+    const auto onView = [this, &view](auto action) {
+        return guarding(model_, [&view, action] { action(view); });
+    };
+    const auto button = [&](const char* name, const QString& text, auto action) {
+        auto* made = new QPushButton(text, this);
+        made->setObjectName(QLatin1String(name));
+        made->setFocusPolicy(Qt::TabFocus);
+        connect(made, &QPushButton::clicked, this, onView(action));
+        return made;
+    };
+    const auto iconButton = [&](const char* name, Icon icon, const QString& tip, auto action) {
+        auto* made = new IconButton(icon, tip, this);
+        made->setObjectName(QLatin1String(name));
+        connect(made, &IconButton::clicked, this, onView(action));
+        return made;
+    };
+
+    zoom_->setObjectName(QStringLiteral("zoomValue"));
+    zoom_->setAlignment(Qt::AlignCenter);
+    zoom_->setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("6400%")) + Metrics::kSpace4);
+    row->addWidget(iconButton("zoomOut", Icon::minus, tr("Zoom out (−)"),
+                              [](CanvasView& canvas) { canvas.zoomStep(false); }));
+    row->addWidget(zoom_);
+    row->addWidget(iconButton("zoomIn", Icon::plus, tr("Zoom in (=)"),
+                              [](CanvasView& canvas) { canvas.zoomStep(true); }));
+    row->addWidget(button("fitView", tr("Fit (F)"), [](CanvasView& canvas) { canvas.fit(); }));
+    row->addWidget(button("actualPixels", tr("100% (1)"), [](CanvasView& canvas) { canvas.actualPixels(); }));
+    row->addSpacing(Metrics::kSpace8);
+    rotation_->setObjectName(QStringLiteral("Rotate view"));
+    rotation_->setFixedWidth(200);
+    row->addWidget(rotation_);
+    row->addWidget(
+        button("resetRotation", tr("Reset (/)"), [](CanvasView& canvas) { canvas.setRotation(0); }));
+    row->addSpacing(Metrics::kSpace8);
+    flip_ = button("flipView", tr("Flip view (W)"), [](CanvasView& canvas) { canvas.toggleFlipView(); });
+    flip_->setFixedWidth(fontMetrics().horizontalAdvance(tr("Unflip view (W)")) +
+                         2 * Metrics::kControlPadding);
+    row->addWidget(flip_);
+
+    connect(rotation_, &ChromeSlider::valueChanged, this,
+            guarding(model_, [&view](double degrees) { view.setRotation(degrees); }));
+    connect(&model.status(), &CanvasStatus::changed, this, &ViewOptions::refresh);
+    refresh();
+}
+
+void ViewOptions::refresh() {
+    const CanvasStatus::View& view = model_.status().view();
+    zoom_->setText(tr("%1%").arg(std::lround(view.zoom * 100)));
+    rotation_->setValue(std::remainder(view.rotation, 360));
+    flip_->setText(view.flipped ? tr("Unflip view (W)") : tr("Flip view (W)"));
+}
+
+} // namespace qirn

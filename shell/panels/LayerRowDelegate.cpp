@@ -1,0 +1,71 @@
+#include "shell/panels/LayerRowDelegate.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "kit/ChromeFont.h"
+#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
+
+namespace qirn {
+
+namespace {
+
+constexpr int kHeight = 34;
+
+QRect eyeRect(const QRect& row) {
+    return {row.left(), row.top(), kHeight, row.height()};
+}
+
+bool isShown(const QModelIndex& index) {
+    return index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+}
+
+} // namespace
+
+void LayerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                             const QModelIndex& index) const {
+    const ChromeColors& c = QirnKitHost::colors();
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    row.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &row, painter, row.widget);
+    const bool shown = isShown(index);
+    const bool selected = row.state.testFlag(QStyle::State_Selected);
+    ChromePaint::icon(*painter, eyeRect(row.rect), shown ? Icon::eye : Icon::eyeOff, Metrics::kIconSmall,
+                      selected ? c.text
+                      : shown  ? c.dim
+                               : c.faint);
+    painter->save();
+    QRectF text = QRectF(row.rect).adjusted(kHeight, 0, -Metrics::kSpace12, 0);
+    const QString marks = index.data(kMarksRole).toString();
+    painter->setFont(ChromeFont::caption());
+    const int marksWidth =
+        marks.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(marks) + Metrics::kSpace8;
+    ChromePaint::text(*painter, text, Qt::AlignRight | Qt::AlignVCenter, marks, selected ? c.text : c.dim);
+    painter->setFont(row.font);
+    text.setRight(text.right() - marksWidth);
+    ChromePaint::text(*painter, text, Qt::AlignLeft | Qt::AlignVCenter, row.text,
+                      shown || selected ? c.text : c.dim);
+    painter->restore();
+}
+
+QSize LayerRowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
+    return {0, kHeight};
+}
+
+bool LayerRowDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,
+                                   const QStyleOptionViewItem& option, const QModelIndex& index) {
+    const bool pressed =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    const bool onEye = (pressed || event->type() == QEvent::MouseButtonRelease) &&
+                       eyeRect(option.rect).contains(static_cast<QMouseEvent*>(event)->position().toPoint());
+    const bool byKey =
+        event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space;
+    if ((onEye && pressed) || byKey)
+        model->setData(index, isShown(index) ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+    return onEye || byKey; // on the eye a press is not a choice of the row
+}
+
+} // namespace qirn

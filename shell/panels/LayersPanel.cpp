@@ -1,0 +1,135 @@
+#include "shell/panels/LayersPanel.h"
+
+#include <cmath>
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include "app/desktop/HostWords.h"
+#include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/ChromeFont.h"
+#include "kit/Metrics.h"
+#include "kit/controls/ChromeSlider.h"
+#include "kit/controls/IconButton.h"
+#include "shell/panels/LayerRowDelegate.h"
+
+namespace qirn {
+
+LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      title_(new QLabel(this)),
+      blend_(new QComboBox(this)),
+      opacity_(new ChromeSlider(tr("Opacity"), {0, 1, 0.01}, SliderFormat::percent(), this)),
+      list_(new QListWidget(this)),
+      delete_(new IconButton(Icon::trash, tr("Delete layer"), this)) {
+    title_->setFont(ChromeFont::caption());
+    title_->setForegroundRole(QPalette::PlaceholderText);
+    auto* add = new IconButton(Icon::plus, hostWords(tr("New layer (⇧⌘N)")), this);
+    add->setObjectName(QStringLiteral("newLayer"));
+    delete_->setObjectName(QStringLiteral("deleteLayer"));
+    for (IconButton* button : {add, delete_}) button->setIconSize({Metrics::kIconSmall, Metrics::kIconSmall});
+
+    blend_->setObjectName(QStringLiteral("blendMode"));
+    blend_->setAccessibleName(tr("Blend Mode"));
+    blend_->setToolTip(tr("Blend mode: how this layer mixes with the layers below"));
+    blend_->setFocusPolicy(Qt::TabFocus);
+    for (const BlendModeRow& row : kBlendModes)
+        blend_->addItem(QCoreApplication::translate("BlendMode", row.displayName));
+    opacity_->setObjectName(QStringLiteral("layerOpacity"));
+    opacity_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+
+    list_->setObjectName(QStringLiteral("layers"));
+    list_->setAccessibleName(tr("Layers"));
+    list_->setItemDelegate(new LayerRowDelegate(list_));
+    list_->setFocusPolicy(Qt::TabFocus);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+
+    auto* head = new QHBoxLayout;
+    head->setSpacing(Metrics::kSpace4);
+    head->addWidget(title_, 1);
+    head->addWidget(add);
+    head->addWidget(delete_);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(Metrics::kSpace8);
+    column->addLayout(head);
+    column->addWidget(blend_);
+    column->addWidget(opacity_);
+    column->addWidget(list_, 1);
+
+    connect(add, &IconButton::clicked, this, guarding(model_, [this] { model_.addLayer(); }));
+    connect(delete_, &IconButton::clicked, this, guarding(model_, [this] { model_.deleteLayer(); }));
+    connect(blend_, &QComboBox::activated, this, guarding(model_, [this](int mode) {
+                if (const DocSession* session = model_.current())
+                    model_.setLayer(session->doc().activeIndex(), tr("Blend Mode"),
+                                    [mode](Layer& layer) { layer.blendMode = static_cast<BlendMode>(mode); });
+            }));
+    connect(opacity_, &ChromeSlider::valueChanged, this, guarding(model_, [this](double opacity) {
+                if (const DocSession* session = model_.current())
+                    model_.previewOpacity(session->doc().activeIndex(), opacity);
+            }));
+    connect(opacity_, &ChromeSlider::editingFinished, this,
+            guarding(model_, [this] { model_.commitOpacity(); }));
+    connect(list_, &QListWidget::currentRowChanged, this, guarding(model_, [this](int row) {
+                if (row >= 0) model_.setActiveLayer(layerOfRow(row));
+            }));
+    connect(list_, &QListWidget::itemChanged, this,
+            guarding(model_, [this](const QListWidgetItem* item) { rowChanged(*item); }));
+    connect(&model, &PaintModel::changed, this, &LayersPanel::refresh);
+    refresh();
+}
+
+int64_t LayersPanel::layerOfRow(int row) const {
+    return list_->count() - 1 - row;
+}
+
+void LayersPanel::rowChanged(const QListWidgetItem& item) {
+    const bool shown = item.checkState() == Qt::Checked;
+    model_.setLayer(layerOfRow(list_->row(&item)), tr("Visibility"),
+                    [shown](Layer& layer) { layer.isVisible = shown; });
+}
+
+void LayersPanel::refresh() {
+    const DocSession* session = model_.current();
+    setEnabled(session != nullptr);
+    if (!session) return;
+    const PaintDocument& doc = session->doc();
+    title_->setText(tr("Layers (%1)").arg(doc.layerCount()));
+    const QSignalBlocker blocked(blend_);
+    blend_->setCurrentIndex(static_cast<int>(doc.activeLayer().blendMode));
+    opacity_->setValue(doc.activeLayer().opacity);
+    refreshRows();
+}
+
+void LayersPanel::refreshRows() {
+    const PaintDocument& doc = model_.current()->doc();
+    const QSignalBlocker blocked(list_);
+    while (list_->count() > doc.layerCount()) delete list_->takeItem(list_->count() - 1);
+    while (list_->count() < doc.layerCount()) list_->addItem(QString());
+    for (int row = 0; row < list_->count(); ++row) {
+        const Layer& layer = doc.layer(layerOfRow(row));
+        QListWidgetItem& item = *list_->item(row);
+        QStringList marks;
+        if (layer.isClipping) marks << tr("Clip");
+        if (layer.isLocked) marks << tr("Lock");
+        if (layer.alphaLocked) marks << tr("α");
+        if (layer.opacity < 1) marks << tr("%1%").arg(std::lround(layer.opacity * 100));
+        item.setText(layer.name);
+        item.setToolTip(layer.name);
+        item.setCheckState(layer.isVisible ? Qt::Checked : Qt::Unchecked);
+        item.setData(LayerRowDelegate::kMarksRole, marks.join(QStringLiteral(" · ")));
+    }
+    list_->setCurrentRow(static_cast<int>(doc.layerCount() - 1 - doc.activeIndex()));
+    list_->viewport()->update(); // what was written while blocked is not drawn by itself
+}
+
+} // namespace qirn

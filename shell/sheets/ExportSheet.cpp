@@ -1,0 +1,177 @@
+#include "shell/sheets/ExportSheet.h"
+
+#include "app/desktop/Store.h"
+#include "app/desktop/Typing.h"
+#include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/Metrics.h"
+#include "kit/controls/ChromeSegments.h"
+#include "kit/controls/ChromeSlider.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace qirn {
+
+namespace {
+
+const QString kFormatKey = QStringLiteral("qirn.pt.exportFormat");
+const QString kQualityKey = QStringLiteral("qirn.pt.jpegQuality");
+constexpr double kLeastQuality = 0.3, kUsualQuality = 0.9;
+
+struct Explanation {
+    const char* format; ///< Its stored name.
+    const char* text;   ///< What it is good for.
+};
+
+constexpr Explanation kExplanations[] = {
+    {"png", QT_TRANSLATE_NOOP("qirn::ExportSheet",
+                              "Lossless. Keeps transparent areas. Best for artwork, logos and the web.")},
+    {"jpeg", QT_TRANSLATE_NOOP("qirn::ExportSheet",
+                               "Smallest files for photos and sharing. JPEG has no transparency, so "
+                               "see-through areas get a background color.")},
+    {"tiff",
+     QT_TRANSLATE_NOOP("qirn::ExportSheet", "Lossless (LZW) with the canvas DPI — good for print shops.")},
+    {"psdLayered",
+     QT_TRANSLATE_NOOP(
+         "qirn::ExportSheet",
+         "Opens in Photoshop, Affinity, GIMP, Krita, Procreate and ibis Paint with your layers: "
+         "pixels, names, opacity, blend modes, hidden layers and clipping are kept. Text and "
+         "shapes are already pixels.")},
+    {"psdFlat", QT_TRANSLATE_NOOP("qirn::ExportSheet", "One flattened picture in Photoshop format.")},
+};
+
+QString explanationOf(ExportFormat format) {
+    for (const Explanation& row : kExplanations) {
+        if (qstrcmp(row.format, rowOf(format).id) == 0) return ExportSheet::tr(row.text);
+    }
+    return {};
+}
+
+/// The format that is stored under a name; PNG for a name that is none.
+ExportFormat formatNamed(const QString& id) {
+    for (const ExportFormatRow& row : kExportFormats) {
+        if (id == QLatin1String(row.id)) return row.format;
+    }
+    return ExportFormat::png;
+}
+
+/// Text of several lines in a fixed width.
+QLabel* paragraph(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
+    : QDialog(parent),
+      model_(model),
+      formats_(new QListWidget(this)),
+      explanation_(paragraph({}, this)),
+      jpegOptions_(new QWidget(this)),
+      quality_(
+          new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, SliderFormat::percent(), jpegOptions_)),
+      background_(new ChromeSegments(tr("Background"), {tr("White"), tr("Black"), tr("Second color")},
+                                     jpegOptions_)) {
+    setWindowTitle(tr("Export"));
+    setMinimumWidth(520);
+    formats_->setAccessibleName(tr("Format"));
+    formats_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    formats_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    for (const ExportFormatRow& row : kExportFormats) formats_->addItem(displayName(row.format));
+    formats_->setFixedHeight(formats_->sizeHintForRow(0) * formats_->count() + 2 * formats_->frameWidth());
+    auto* jpeg = new QHBoxLayout(jpegOptions_);
+    jpeg->setContentsMargins(0, 0, 0, 0);
+    jpeg->setSpacing(Metrics::kSpace12);
+    jpeg->addWidget(quality_, 1);
+    jpeg->addWidget(new QLabel(tr("Background"), jpegOptions_));
+    jpeg->addWidget(background_);
+    auto* details = new QWidget(this);
+    auto* detailRows = new QVBoxLayout(details);
+    detailRows->setContentsMargins(0, 0, 0, 0);
+    detailRows->setSpacing(Metrics::kSpace12);
+    detailRows->addWidget(explanation_);
+    detailRows->addWidget(jpegOptions_);
+    detailRows->addStretch();
+    // Room for the longest of them: the sheet keeps its size while the choice moves along the list.
+    const int line = explanation_->fontMetrics().lineSpacing();
+    details->setFixedHeight(std::max(4 * line, 2 * line + Metrics::kSpace12 + Metrics::kControlHeight));
+
+    const PaintDocument& doc = model.current()->doc();
+    auto* facts = new QLabel(tr("%1 × %2 px · %3 DPI · %4 layer(s)")
+                                 .arg(doc.grid().width)
+                                 .arg(doc.grid().height)
+                                 .arg(doc.dpi)
+                                 .arg(doc.layerCount()),
+                             this);
+    facts->setObjectName(QStringLiteral("facts"));
+    facts->setForegroundRole(QPalette::PlaceholderText);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
+    QPushButton* go = buttons->addButton(tr("Export…"), QDialogButtonBox::AcceptRole);
+    go->setDefault(true);
+    new TypingKeys(*this, *go);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(Metrics::kSpace16, Metrics::kSpace16, Metrics::kSpace16, Metrics::kSpace16);
+    layout->setSpacing(Metrics::kSpace12);
+    layout->addWidget(
+        paragraph(tr("Save a copy for sharing, printing or other apps. Your Qirn Paint document is "
+                     "not changed."),
+                  this));
+    layout->addWidget(new QLabel(tr("Format"), this));
+    layout->addWidget(formats_);
+    layout->addWidget(details);
+    layout->addWidget(facts);
+    layout->addWidget(buttons);
+
+    const ExportFormat last = formatNamed(model.store().text(kFormatKey).value_or(QString()));
+    formats_->setCurrentRow(static_cast<int>(last));
+    quality_->setValue(model.store().number(kQualityKey).value_or(kUsualQuality));
+    background_->setChosen(0);
+    connect(formats_, &QListWidget::currentRowChanged, this, &ExportSheet::refresh);
+    connect(formats_, &QListWidget::itemActivated, this, &ExportSheet::exportPicture);
+    connect(buttons, &QDialogButtonBox::accepted, this, &ExportSheet::exportPicture);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    refresh();
+    formats_->setFocus();
+}
+
+ExportFormat ExportSheet::format() const {
+    return static_cast<ExportFormat>(std::max(formats_->currentRow(), 0));
+}
+
+PaintColor ExportSheet::background() const {
+    switch (background_->chosen()) {
+    case 1:
+        return PaintColor::black();
+    case 2:
+        return model_.secondary();
+    default:
+        return PaintColor::white();
+    }
+}
+
+void ExportSheet::refresh() {
+    explanation_->setText(explanationOf(format()));
+    jpegOptions_->setVisible(format() == ExportFormat::jpeg);
+}
+
+void ExportSheet::exportPicture() {
+    model_.store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
+    model_.store().set(kQualityKey, quality_->value());
+    QTimer::singleShot(
+        0, &model_,
+        guarding(model_, [&model = model_, format = format(), quality = quality_->value(),
+                          color = background()] { model.exportPicture(format, quality, color); }));
+    accept();
+}
+
+} // namespace qirn

@@ -1,0 +1,38 @@
+#pragma once
+#include "core/PaintColor.h"
+#include "formats/ImageExport.h"
+
+#include <QDialog>
+
+class QLabel;
+class QListWidget;
+
+namespace qirn {
+
+class ChromeSegments;
+class ChromeSlider;
+class PaintModel;
+
+/// Asks for the format in which a copy of the picture goes out, and for what JPEG needs besides. Format and
+/// quality are kept for the next time.
+class ExportSheet : public QDialog {
+    Q_OBJECT
+public:
+    ExportSheet(PaintModel& model, QWidget* parent);
+
+    void exportPicture(); ///< Closes the sheet; the work follows when it is gone.
+
+private:
+    ExportFormat format() const;
+    PaintColor background() const;
+    void refresh();
+
+    PaintModel& model_;
+    QListWidget* formats_; // in the order of the formats
+    QLabel* explanation_;
+    QWidget* jpegOptions_;
+    ChromeSlider* quality_;
+    ChromeSegments* background_;
+};
+
+} // namespace qirn

@@ -1,0 +1,93 @@
+#include "kit/ChromeColors.h"
+#include "kit/QirnKit.h"
+#include "kit/QirnThemes.h"
+#include "support/TestMain.h"
+
+#include <QApplication>
+
+using namespace qirn;
+
+namespace {
+
+double contrast(const QColor& a, const QColor& b) {
+    return QirnTheme::RGB::of(a).contrast(QirnTheme::RGB::of(b));
+}
+
+} // namespace
+
+class tst_KitThemes : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { QirnKit::install("Qirn Paint"); }
+
+    void contrastIsThatOfTheStandard() {
+        const auto black = QirnTheme::RGB::fromHex(0x000000), white = QirnTheme::RGB::fromHex(0xFFFFFF);
+        QVERIFY(black.contrast(white) == 21 && white.contrast(black) == 21);
+        // A dark channel is on the straight part of the curve, a bright one on the power.
+        QCOMPARE(QirnTheme::RGB::fromHex(0x0A0A0A).luminance(), 10 / 255.0 / 12.92);
+        QVERIFY(qAbs(QirnTheme::RGB::fromHex(0x777777).contrast(white) - 4.478) < 0.001);
+        QVERIFY(qAbs(QirnTheme::RGB::fromHex(0xFF0000).luminance() - 0.2126) < 1e-9);
+    }
+
+    void aRegisteredThemeIsFoundAndNeverReplacesAKnownOne() {
+        QirnTheme mine = QirnThemes::named("rose-gold");
+        mine.name = "Not this one";
+        QirnTheme fresh = mine;
+        fresh.id = "fresh";
+        fresh.name = "Fresh";
+        const QirnTheme list[] = {mine, fresh, fresh};
+        QirnThemes::registerThemes(list);
+        QCOMPARE(QirnThemes::named("rose-gold").name, "Rose Gold");
+        QCOMPARE(QirnThemes::named("fresh").name, "Fresh");
+        QCOMPARE(QirnThemes::builtIn().size(), std::size_t(6));
+    }
+
+    void theChosenThemeLivesInTheStoreAndAnUnknownOneIsTheDefault() {
+        QString stored = "midnight-black";
+        QirnThemes::useStore({[&] { return stored; }, [&](const QString& id) { stored = id; }});
+        QCOMPARE(QirnThemes::current().name, "Midnight Black");
+        QirnThemes::setCurrentID("brushed-gray");
+        QCOMPARE(stored, "brushed-gray");
+        QirnKit::applyTheme();
+        QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x45, 0x48, 0x4E));
+        stored = "gone";
+        QCOMPARE(QirnThemes::current().id, "cobalt-gunmetal");
+        QirnThemes::useStore({});
+        QirnKit::applyTheme();
+        QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x1C, 0x21, 0x29));
+    }
+
+    void everyTextCanBeReadInEveryTheme() {
+        for (const QirnTheme& theme : QirnThemes::builtIn()) {
+            const ChromeColors c = ChromeColors::of(theme.kitTheme());
+            const auto canBeRead = [](const QColor& text, const QColor& on, int which) {
+                const double ratio = contrast(text, on);
+                QVERIFY2(ratio >= 4.5, qPrintable(QString("surface %1: %2").arg(which).arg(ratio)));
+            };
+            // Every text of the chrome on every surface that it stands on, and so in the widgets' palette.
+            const QColor surfaces[] = {c.canvas, c.panel, c.bar,   c.popup,   c.raised,
+                                       c.well,   c.level, c.hover, c.pressed, c.selected};
+            for (int i = 0; i < 10; ++i) canBeRead(c.text, surfaces[i], i);
+            for (int i = 0; i < 7; ++i) canBeRead(c.dim, surfaces[i], i);
+            canBeRead(c.onAccent, c.accent, 10);
+            canBeRead(c.onAccent, c.accentHover, 11);
+            for (int i = 0; i < 6; ++i) QVERIFY(contrast(c.focus, surfaces[i]) >= 3);
+            const QPalette p = c.palette();
+            using P = QPalette;
+            for (const auto& [text, base] : {std::pair{P::WindowText, P::Window},
+                                             {P::Text, P::Base},
+                                             {P::Text, P::AlternateBase},
+                                             {P::ButtonText, P::Button},
+                                             {P::ToolTipText, P::ToolTipBase},
+                                             {P::HighlightedText, P::Highlight},
+                                             {P::PlaceholderText, P::Base}})
+                canBeRead(p.color(text), p.color(base), 100 + base);
+            // The theme still looks like itself: its text is the table's.
+            QCOMPARE(c.text, theme.kitTheme().text);
+            QCOMPARE(c.panel, theme.kitTheme().panelBottom);
+        }
+    }
+};
+
+QIRN_TEST(tst_KitThemes)
+#include "tst_KitThemes.moc"
