@@ -35,20 +35,17 @@ IRect alphaBounds(const Tile& tile, const IRect& part) {
 } // namespace
 
 Layer::Layer(QString layerName, const TileGrid& grid, QUuid layerId)
-    : id(layerId),
-      name(std::move(layerName)),
+    : Layer(LayerSettings{.name = std::move(layerName)}, grid, layerId) {}
+
+Layer::Layer(const LayerSettings& settings, const TileGrid& grid, QUuid layerId)
+    : LayerSettings(settings),
+      id(layerId),
       grid_(grid),
       tiles_(grid.count()) {}
 
 Layer::Layer(const LayerState& state, const TileGrid& grid)
-    : id(state.id),
-      name(state.name),
-      opacity(state.opacity),
-      blendMode(state.blendMode),
-      isVisible(state.isVisible),
-      isLocked(state.isLocked),
-      alphaLocked(state.alphaLocked),
-      isClipping(state.isClipping),
+    : LayerSettings(state),
+      id(state.id),
       grid_(grid),
       tiles_(state.tiles) {
     require(tiles_.count() == grid.count());
@@ -173,7 +170,7 @@ void Layer::shareTilesOf(Layer& other) {
 
 LayerState Layer::captureState() {
     freezeTiles();
-    return {id, name, opacity, blendMode, isVisible, isLocked, alphaLocked, isClipping, tiles_};
+    return {settings(), id, tiles_};
 }
 
 } // namespace qirn

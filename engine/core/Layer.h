@@ -14,33 +14,8 @@
 
 namespace qirn {
 
-/// The frozen copy of one layer, of which undo states and snapshots are built. Its grid is that of the state
-/// that holds it; all its tiles are frozen.
-struct LayerState {
-    QUuid id;
-    QString name;
-    double opacity = 1;
-    BlendMode blendMode = BlendMode::normal;
-    bool isVisible = true;
-    bool isLocked = false;
-    bool alphaLocked = false;
-    bool isClipping = false;
-    TileArray tiles;
-};
-
-/// One sheet of the picture: settings that a caller changes directly, and tiles that it does not.
-///
-/// An absent tile and a tile of zeros are the same picture. Pixels are written only through `writableTile`,
-/// which copies a frozen tile first, so that whoever shares it keeps the old pixels. Nobody keeps a `Layer`
-/// across an undo, a redo or a reshape: it is found again by its id.
-class Layer {
-public:
-    Layer(QString name, const TileGrid& grid, QUuid id = QUuid::createUuid());
-    Layer(const LayerState& state, const TileGrid& grid); ///< Shares the state's frozen tiles.
-    Layer(const Layer&) = delete;
-    Layer& operator=(const Layer&) = delete;
-
-    const QUuid id;
+/// What a layer is beside its pixels.
+struct LayerSettings {
     QString name;
     double opacity = 1;
     BlendMode blendMode = BlendMode::normal;
@@ -49,6 +24,33 @@ public:
     bool alphaLocked = false;
     bool isClipping = false; ///< Shows only inside the nearest unclipped layer below.
 
+    bool operator==(const LayerSettings&) const = default;
+};
+
+/// The frozen copy of one layer, of which undo states and snapshots are built. Its grid is that of the state
+/// that holds it; all its tiles are frozen.
+struct LayerState : LayerSettings {
+    QUuid id;
+    TileArray tiles;
+};
+
+/// One sheet of the picture: settings that a caller changes directly, and tiles that it does not.
+///
+/// An absent tile and a tile of zeros are the same picture. Pixels are written only through `writableTile`,
+/// which copies a frozen tile first, so that whoever shares it keeps the old pixels. Nobody keeps a `Layer`
+/// across an undo, a redo or a reshape: it is found again by its id.
+class Layer : public LayerSettings {
+public:
+    Layer(QString name, const TileGrid& grid, QUuid id = QUuid::createUuid());
+    Layer(const LayerSettings& settings, const TileGrid& grid, QUuid id); ///< Without tiles.
+    Layer(const LayerState& state, const TileGrid& grid); ///< Shares the state's frozen tiles.
+    Layer(const Layer&) = delete;
+    Layer& operator=(const Layer&) = delete;
+
+    const QUuid id;
+
+    LayerSettings& settings() { return *this; }
+    const LayerSettings& settings() const { return *this; }
     const TileGrid& grid() const { return grid_; }
     const TileArray& tiles() const { return tiles_; }
     const Tile* tile(int64_t index) const { return tiles_.at(index); }

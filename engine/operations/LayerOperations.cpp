@@ -77,12 +77,10 @@ void insertLayer(PaintDocument& doc, LayerRef layer, int64_t at) {
 
 LayerRef duplicateLayer(PaintDocument& doc, int64_t index) {
     Layer& source = doc.layer(index);
-    auto copy = std::make_shared<Layer>(source.name + QStringLiteral(" copy"), doc.grid());
-    copy->opacity = source.opacity;
-    copy->blendMode = source.blendMode;
-    copy->isVisible = source.isVisible;
-    copy->alphaLocked = source.alphaLocked;
-    copy->isClipping = source.isClipping;
+    LayerSettings settings = source.settings();
+    settings.name += QStringLiteral(" copy");
+    settings.isLocked = false;
+    auto copy = std::make_shared<Layer>(settings, doc.grid(), QUuid::createUuid());
     copy->shareTilesOf(source);
     insertLayer(doc, copy, index + 1);
     return copy;

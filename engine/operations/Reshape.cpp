@@ -16,13 +16,7 @@ void reshape(PaintDocument& doc, const TileGrid& grid,
              const std::function<void(Layer& from, Layer& to)>& redraw) {
     std::vector<LayerRef> layers;
     for (const LayerRef& old : doc.layers()) {
-        auto layer = std::make_shared<Layer>(old->name, grid, old->id);
-        layer->opacity = old->opacity;
-        layer->blendMode = old->blendMode;
-        layer->isVisible = old->isVisible;
-        layer->isLocked = old->isLocked;
-        layer->alphaLocked = old->alphaLocked;
-        layer->isClipping = old->isClipping;
+        auto layer = std::make_shared<Layer>(old->settings(), grid, old->id);
         if (!old->tiles().holdsNothing()) redraw(*old, *layer);
         layers.push_back(std::move(layer));
     }
