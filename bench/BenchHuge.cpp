@@ -1,11 +1,11 @@
 // Huge canvases, and what is done to them at once. `peak` is how many megabytes the process took beyond what it held.
 #include "PlainPass.h"
-#include "core/TileMemory.h"
 #include "formats/ImageExport.h"
 #include "formats/ImageImport.h"
 #include "operations/Floating.h"
 #include "operations/LayerOperations.h"
 #include "operations/Selection.h"
+#include "platform/BlockPool.h"
 #include "platform/Bytes.h"
 
 #include <fstream>
@@ -104,7 +104,7 @@ void openHuge(benchmark::State& state, ExportFormat format) {
         paintAllOver(doc.activeLayer());
         file = ImageExport::data(doc, format, 0.9, PaintColor::white());
     }
-    TileMemory::trim();
+    BlockPool::trim();
     std::unique_ptr<PaintDocument> opened;
     timeOnce(state, [&] { opened = ImageImport::document(bytesOf(file), {}); });
 }

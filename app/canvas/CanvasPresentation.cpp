@@ -129,10 +129,10 @@ void CanvasPresentation::coverWindow(const TileRange& range, int level) {
             }
         }
     }
-    std::vector<TileMemory::Block> copies(leaving.size());
+    std::vector<BlockPool::Block> copies(leaving.size());
     concurrentPerform(static_cast<int64_t>(leaving.size()), [&](int64_t i) {
         const auto place = static_cast<std::size_t>(i);
-        copies[place] = TileMemory::take();
+        copies[place] = BlockPool::take();
         window_.copyTo(leaving[place], copies[place].get());
     });
     window_.cover(range, level);
@@ -213,14 +213,14 @@ CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
 
 /// Gives a tile an image if it has none.
 void CanvasPresentation::takeImage(int64_t index) {
-    TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
+    BlockPool::Block& image = images_[static_cast<std::size_t>(index)];
     if (image) return;
-    image = TileMemory::take();
+    image = BlockPool::take();
     ++heldImages_;
 }
 
 void CanvasPresentation::dropImage(int64_t index) {
-    TileMemory::Block& image = images_[static_cast<std::size_t>(index)];
+    BlockPool::Block& image = images_[static_cast<std::size_t>(index)];
     if (!image) return;
     image.reset();
     --heldImages_;

@@ -3,7 +3,7 @@
 #include "app/files/ViewTransform.h"
 #include "compositing/ScreenTiles.h"
 #include "core/DirtyTiles.h"
-#include "core/TileMemory.h"
+#include "platform/BlockPool.h"
 
 #include <cstdint>
 #include <span>
@@ -63,7 +63,7 @@ private:
     std::vector<TileState> states_;
     // 0xFFRRGGBB over the checkerboard, whole tiles. What is made stands here, or in the window if that holds it at
     // full size: once, so that a pen point writes each pixel once.
-    std::vector<TileMemory::Block> images_;
+    std::vector<BlockPool::Block> images_;
     int64_t heldImages_ = 0;
     TileRange visible_;
     CanvasWindowImage window_;

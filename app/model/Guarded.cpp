@@ -1,7 +1,7 @@
 #include "app/model/Guarded.h"
 
 #include "app/model/PaintModel.h"
-#include "core/TileMemory.h"
+#include "platform/BlockPool.h"
 
 #include <cstddef>
 #include <memory>
@@ -41,7 +41,7 @@ void takeBackAfterFailure(PaintModel& model) noexcept {
     reserve().reset();
     contained([&] {
         const QString why = textOfExceptionInFlight();
-        TileMemory::trim();
+        BlockPool::trim();
         model.takeBack(why);
     });
     refillReserve();

@@ -9,10 +9,10 @@
 #include "app/desktop/Store.h"
 #include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
-#include "core/TileMemory.h"
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
+#include "platform/BlockPool.h"
 #include "platform/Bytes.h"
 #include "platform/ReadFile.h"
 
@@ -208,7 +208,7 @@ bool PaintModel::close(DocSession& session) {
         if (answer == 2 && !leaveInTrash(session)) return false;
     }
     remove(session);
-    TileMemory::trim();
+    BlockPool::trim();
     if (wasCurrent) {
         currentID_ = sessions_.empty() ? QUuid() : sessions_.back()->id;
         ensureDocument();

@@ -5,8 +5,8 @@
 #include "app/canvas/CanvasPresentation.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
-#include "core/TileMemory.h"
 #include "formats/native/PaintFile.h"
+#include "platform/BlockPool.h"
 #include "platform/Bytes.h"
 
 #include <cstdio>
@@ -30,11 +30,11 @@ double megabytes(int64_t bytes) {
 
 void measureMemory() {
     const QByteArray file = PaintFile::encode(*paintedPicture(4));
-    TileMemory::trim();
+    BlockPool::trim();
     const double before = residentMegabytes();
-    const int64_t tilesBefore = TileMemory::usedBytes();
+    const int64_t tilesBefore = BlockPool::usedBytes();
     const auto doc = PaintFile::decode(bytesOf(file));
-    const double tiles = megabytes(TileMemory::usedBytes() - tilesBefore);
+    const double tiles = megabytes(BlockPool::usedBytes() - tilesBefore);
     const double opened = residentMegabytes() - before;
     CanvasPresentation screen;
     screen.show(doc.get());
@@ -86,7 +86,7 @@ void measureUndo(int steps) {
     const auto doc = paintedPicture(4);
     doc->maxUndoSteps = steps;
     doc->maxUndoBytes = INT64_MAX;
-    const int64_t before = TileMemory::usedBytes();
+    const int64_t before = BlockPool::usedBytes();
     double committing = 0;
     for (int i = 0; i < steps; ++i) {
         paintAcross(*doc, 200 + i * 7 % 3000, 100 + i * 13 % 1800);
@@ -94,7 +94,7 @@ void measureUndo(int steps) {
         doc->commit(QStringLiteral("Brush Stroke"));
         committing += watch.seconds();
     }
-    const double held = megabytes(TileMemory::usedBytes() - before);
+    const double held = megabytes(BlockPool::usedBytes() - before);
     const Stopwatch undoing;
     int undone = 0;
     for (; doc->canUndo(); ++undone) doc->undo();

@@ -132,11 +132,11 @@ DabStamp::TileWork& DabStamp::workOn(int64_t index) {
     TileWork& work = work_[index];
     if (!work.mask) {
         static_assert(kTilePixels * sizeof(float) == kTileBytes);
-        work.mask = TileMemory::take();
+        work.mask = BlockPool::take();
         std::memset(work.mask.get(), 0, kTileBytes);
         work.before = layer_.tiles().share(index);
         if (work.before) work.before->freeze();
-        TileMemory::prepare(); // for the tiles that the pen comes to next
+        BlockPool::prepare(); // for the tiles that the pen comes to next
     }
     return work;
 }

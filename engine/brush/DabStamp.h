@@ -45,8 +45,8 @@ public:
 
 private:
     struct TileWork {
-        TileMemory::Block mask; // a float a pixel: the stroke's coverage, 0 to 1
-        TileRef before;         // null: transparent before the stroke
+        BlockPool::Block mask; // a float a pixel: the stroke's coverage, 0 to 1
+        TileRef before;        // null: transparent before the stroke
     };
     /// A dab made ready, whatever tile it falls on.
     struct PlacedDab {

@@ -1,12 +1,11 @@
 #pragma once
-#include "core/TileMemory.h"
+#include "platform/BlockPool.h"
 #include "platform/Require.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <vector>
 
 namespace qirn {
 
@@ -14,31 +13,9 @@ inline constexpr int kTileSize = 256;                     // pixels on a side
 inline constexpr int kTileRowBytes = kTileSize * 4;       // bytes from one row to the next
 inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
 inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
+static_assert(kTileBytes == BlockPool::kBlockBytes);
 
-/// A tile as a file stores it, remembered with the tile so that saving again costs only what changed since. All
-/// that is remembered together stays under a limit; what would go beyond is simply not kept, and what only a save
-/// holds does not count.
-class StoredForm {
-public:
-    enum class Coding { blank, raw, lzfse }; ///< Nothing; the tile's own bytes; `bytes`.
-    static constexpr int64_t mostBytes = 256LL * 1024 * 1024;
-
-    StoredForm(Coding coding, std::vector<uint8_t> bytes);
-    ~StoredForm();
-    StoredForm(const StoredForm&) = delete;
-    StoredForm& operator=(const StoredForm&) = delete;
-
-    static int64_t heldBytes(); ///< Of all that are remembered, each once however many tiles share it.
-
-    const Coding coding;
-    const std::vector<uint8_t> bytes;
-
-private:
-    friend class Tile;
-    bool isCounted() const; ///< Among those that are remembered; the first time only if the limit allows it.
-
-    mutable std::atomic<bool> counted_ = false;
-};
+class StoredForm;
 
 /// 256 x 256 pixels of one layer: premultiplied 8-bit sRGB RGBA, top row first, 1024 bytes a row.
 ///
@@ -47,10 +24,11 @@ private:
 /// tile is immutable and may be read from any thread.
 class Tile {
 public:
-    Tile();                                  ///< Transparent, not frozen.
-    explicit Tile(const Tile& other);        ///< The other tile's pixels, not frozen.
-    explicit Tile(TileMemory::Block filled); ///< The pixels that lie there, not frozen.
+    Tile();                                 ///< Transparent, not frozen.
+    explicit Tile(const Tile& other);       ///< The other tile's pixels, not frozen.
+    explicit Tile(BlockPool::Block filled); ///< The pixels that lie there, not frozen.
     Tile& operator=(const Tile&) = delete;
+    ~Tile();
 
     bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.
     bool isFrozen() const { return frozen_; }
@@ -72,7 +50,7 @@ public:
     void remember(std::shared_ptr<const StoredForm> form) const;
 
 private:
-    TileMemory::Block pixels_; // kTileBytes, page-aligned
+    BlockPool::Block pixels_; // kTileBytes, page-aligned
     mutable std::atomic<std::shared_ptr<const StoredForm>> storedForm_;
     bool frozen_ = false;
 };

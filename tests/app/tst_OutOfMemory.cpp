@@ -1,8 +1,8 @@
 #include "app/commands/PaintCommands.h"
 #include "app/model/Guarded.h"
 #include "app/text/TextSpec.h"
-#include "core/TileMemory.h"
 #include "formats/ImageExport.h"
+#include "platform/BlockPool.h"
 #include "support/Studio.h"
 
 #include <atomic>
@@ -206,7 +206,7 @@ Facts factsOf(Work& work) {
 /// Refuses the n-th block of tile memory or the n-th large piece of other memory, and tells how far off the last was.
 enum class Refused { block, piece };
 int64_t refuse(Refused what, int64_t n) {
-    return what == Refused::block ? TileMemory::refuse(n) : untilRefused.exchange(n);
+    return what == Refused::block ? BlockPool::refuse(n) : untilRefused.exchange(n);
 }
 
 } // namespace
@@ -238,7 +238,7 @@ private Q_SLOTS:
     void aCommandIsDoneOrLeavesNothing() {
         QFETCH(Command, command);
         QFETCH(bool, selected);
-        const int64_t used = TileMemory::usedBytes();
+        const int64_t used = BlockPool::usedBytes();
         {
             Work work(selected);
             const auto run = [&] {
@@ -277,8 +277,8 @@ private Q_SLOTS:
                 work.goBackTo(before.depth, before.pictures);
             }
         }
-        TileMemory::trim();
-        QCOMPARE(TileMemory::usedBytes(), used);
+        BlockPool::trim();
+        QCOMPARE(BlockPool::usedBytes(), used);
     }
 
 private:

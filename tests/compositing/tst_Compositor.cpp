@@ -96,7 +96,7 @@ private Q_SLOTS:
             // Whole tiles in memory that begins evenly have a road of their own.
             if (seed % 3 != 0) part = grid.rectOf(0);
             const auto index = static_cast<int64_t>(seed % 2), top = index * kTileSize;
-            const TileMemory::Block even = TileMemory::take();
+            const BlockPool::Block even = BlockPool::take();
             std::vector<uint32_t> uneven(kTilePixels + 1);
             auto* const screen = seed % 3 == 1 ? reinterpret_cast<uint32_t*>(even.get()) : uneven.data() + 1;
             drawForScreen({index, {part.x, part.y + top, part.w, part.h}}, stack, grid, {7.5},

@@ -1,7 +1,7 @@
 #include "compositing/CompositeInputs.h"
 #include "core/SeededRandom.h"
-#include "core/TileMemory.h"
 #include "operations/Floating.h"
+#include "platform/BlockPool.h"
 #include "platform/Resampler.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
@@ -155,16 +155,16 @@ private Q_SLOTS:
         doc.commit("Paint");
         for (const SelectionRef& selection : {SelectionRef(), Selection::all(2048, 2048)}) {
             doc.selection = selection;
-            const int64_t before = TileMemory::usedBytes();
+            const int64_t before = BlockPool::usedBytes();
             const auto floating = liftFloating(doc);
             QVERIFY(doc.activeLayer().isEmpty());
-            QCOMPARE(TileMemory::usedBytes(), before);
+            QCOMPARE(BlockPool::usedBytes(), before);
             placeFloating(doc, *floating, QTransform::fromTranslate(256, -512));
-            QCOMPARE(TileMemory::usedBytes(), before);
+            QCOMPARE(BlockPool::usedBytes(), before);
             doc.revertToLastCommit();
             doc.activeLayer().removeAllTiles();
             placeFloating(doc, *floating, QTransform::fromTranslate(3, 5));
-            QVERIFY(TileMemory::usedBytes() - before <= 64 * kTileBytes);
+            QVERIFY(BlockPool::usedBytes() - before <= 64 * kTileBytes);
             doc.revertToLastCommit();
         }
     }

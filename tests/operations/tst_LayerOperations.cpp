@@ -1,6 +1,6 @@
 #include "compositing/CompositeInputs.h"
-#include "core/TileMemory.h"
 #include "operations/LayerOperations.h"
+#include "platform/BlockPool.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
@@ -170,14 +170,14 @@ private Q_SLOTS:
             PaintDocument doc(30000, 30000, 72, PaintColor::white());
             addLayer(doc);
             for (int64_t i : {1, 2}) paintRect(doc, doc.layer(i), {i * 5000, 300, 1, 1}, {9, 9, 9, 255});
-            const int64_t before = TileMemory::usedBytes();
+            const int64_t before = BlockPool::usedBytes();
             const auto pixels = [&] {
                 return text(compositePixel(doc, 10000, 300)) + text(compositePixel(doc, 0, 0));
             };
             const QString picture = pixels();
             merge(doc);
             QCOMPARE(pixels(), picture);
-            QCOMPARE((TileMemory::usedBytes() - before) / kTileBytes, int64_t{tiles});
+            QCOMPARE((BlockPool::usedBytes() - before) / kTileBytes, int64_t{tiles});
         };
         // Paper within the canvas, at its edges and in its corner, two tiles with something on them; those below go.
         check([](PaintDocument& doc) { mergeVisible(doc); }, 4);

@@ -113,7 +113,7 @@ private:
             tile = decoder.decode(stored.bytes);
             stored.isDamaged = !tile;
         } else if (stored.isPlaced) {
-            TileMemory::Block pixels = TileMemory::take();
+            BlockPool::Block pixels = BlockPool::take();
             std::memcpy(pixels.get(), stored.bytes.data(), kTileBytes);
             tile = std::make_shared<Tile>(std::move(pixels));
         }

@@ -1,4 +1,5 @@
 #include "core/PaintDocument.h"
+#include "core/StoredForm.h"
 #include "formats/native/PaintFile.h"
 #include "formats/native/PaintPreview.h"
 #include "formats/native/TileCodec.h"

@@ -49,7 +49,7 @@ TileRef TileDecoder::decode(std::span<const uint8_t> stream) {
     uint8_t* const in = stream_.get() + kGuardBytes;
     std::memcpy(in, stream.data(), length);
     std::memset(in + length, 0, kGuardBytes);
-    TileMemory::Block pixels = TileMemory::take();
+    BlockPool::Block pixels = BlockPool::take();
     if (lzfse_decode_buffer(pixels.get(), kTileBytes, in, length, workspace_.get()) != kTileBytes)
         return nullptr;
     return std::make_shared<Tile>(std::move(pixels));

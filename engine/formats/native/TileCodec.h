@@ -1,4 +1,5 @@
 #pragma once
+#include "core/StoredForm.h"
 #include "core/Tile.h"
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 #include "core/Tile.h"
-#include "core/TileMemory.h"
+#include "platform/BlockPool.h"
 #include "support/TestMain.h"
 
 #include <cstring>
@@ -10,26 +10,26 @@
 
 using namespace qirn;
 
-class tst_TileMemory : public QObject {
+class tst_BlockPool : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() {
-        TileMemory::trim();
-        used_ = TileMemory::usedBytes();
+        BlockPool::trim();
+        used_ = BlockPool::usedBytes();
     }
 
     void blocksAreTheirOwnersAlone() {
-        std::vector<TileMemory::Block> blocks;
+        std::vector<BlockPool::Block> blocks;
         std::set<uint8_t*> places;
         for (int i = 0; i < 100; ++i) {
-            blocks.push_back(TileMemory::take());
+            blocks.push_back(BlockPool::take());
             QCOMPARE(reinterpret_cast<uintptr_t>(blocks.back().get()) % 4096, uintptr_t{0});
             std::memset(blocks.back().get(), i, kTileBytes);
             places.insert(blocks.back().get());
         }
         QCOMPARE(places.size(), std::size_t{100});
-        QCOMPARE(TileMemory::usedBytes() - used_, int64_t{100} * kTileBytes);
+        QCOMPARE(BlockPool::usedBytes() - used_, int64_t{100} * kTileBytes);
         for (int i = 0; i < 100; i += 3) blocks[static_cast<std::size_t>(i)].reset();
         for (int i = 0; i < 100; ++i) {
             const uint8_t* block = blocks[static_cast<std::size_t>(i)].get();
@@ -38,30 +38,30 @@ private Q_SLOTS:
     }
 
     void memoryGoesBackToTheSystem() {
-        std::vector<TileMemory::Block> blocks;
-        for (int i = 0; i < 2000; ++i) blocks.push_back(TileMemory::take());
+        std::vector<BlockPool::Block> blocks;
+        for (int i = 0; i < 2000; ++i) blocks.push_back(BlockPool::take());
         blocks.resize(1);
-        QVERIFY(TileMemory::spareBytes() <= TileMemory::kMostSpareBytes + (2 << 20));
-        QVERIFY(TileMemory::spareBytes() > 0);
-        TileMemory::trim();
-        QVERIFY(TileMemory::spareBytes() < 2 << 20); // what lies beside the block in use
+        QVERIFY(BlockPool::spareBytes() <= BlockPool::kMostSpareBytes + (2 << 20));
+        QVERIFY(BlockPool::spareBytes() > 0);
+        BlockPool::trim();
+        QVERIFY(BlockPool::spareBytes() < 2 << 20); // what lies beside the block in use
         std::memset(blocks[0].get(), 1, kTileBytes);
     }
 
     void blocksAreReadyBeforeTheyAreTaken() {
-        const TileMemory::Block first = TileMemory::take();
-        QCOMPARE(TileMemory::readyBytes(), int64_t{0});
-        TileMemory::prepare();
-        QTRY_VERIFY(TileMemory::readyBytes() >= int64_t{32} * kTileBytes);
-        const int64_t ready = TileMemory::readyBytes();
-        const TileMemory::Block second = TileMemory::take();
-        QCOMPARE(TileMemory::readyBytes(), ready - kTileBytes);
+        const BlockPool::Block first = BlockPool::take();
+        QCOMPARE(BlockPool::readyBytes(), int64_t{0});
+        BlockPool::prepare();
+        QTRY_VERIFY(BlockPool::readyBytes() >= int64_t{32} * kTileBytes);
+        const int64_t ready = BlockPool::readyBytes();
+        const BlockPool::Block second = BlockPool::take();
+        QCOMPARE(BlockPool::readyBytes(), ready - kTileBytes);
         unsigned char pages[kTileBytes / 4096];
         QCOMPARE(mincore(second.get(), kTileBytes, pages), 0);
         QVERIFY(std::all_of(std::begin(pages), std::end(pages), [](unsigned char page) { return page & 1; }));
-        QCOMPARE(TileMemory::usedBytes() - used_, int64_t{2} * kTileBytes);
-        TileMemory::trim();
-        QCOMPARE(TileMemory::readyBytes(), int64_t{0});
+        QCOMPARE(BlockPool::usedBytes() - used_, int64_t{2} * kTileBytes);
+        BlockPool::trim();
+        QCOMPARE(BlockPool::readyBytes(), int64_t{0});
     }
 
     void severalThreadsTakeAndGive() {
@@ -70,8 +70,8 @@ private Q_SLOTS:
         for (int t = 0; t < 4; ++t) {
             threads.emplace_back([&clashes, t] {
                 for (int i = 0; i < 500; ++i) {
-                    const TileMemory::Block block = TileMemory::take();
-                    if (i % 50 == 0) t == 0 ? TileMemory::trim() : TileMemory::prepare();
+                    const BlockPool::Block block = BlockPool::take();
+                    if (i % 50 == 0) t == 0 ? BlockPool::trim() : BlockPool::prepare();
                     block.get()[0] = static_cast<uint8_t>(t);
                     std::this_thread::yield();
                     clashes += block.get()[0] == t ? 0 : 1;
@@ -80,12 +80,12 @@ private Q_SLOTS:
         }
         for (std::thread& thread : threads) thread.join();
         QCOMPARE(clashes.load(), 0);
-        QCOMPARE(TileMemory::usedBytes(), used_);
+        QCOMPARE(BlockPool::usedBytes(), used_);
     }
 
 private:
     int64_t used_ = 0;
 };
 
-QIRN_TEST(tst_TileMemory)
-#include "tst_TileMemory.moc"
+QIRN_TEST(tst_BlockPool)
+#include "tst_BlockPool.moc"

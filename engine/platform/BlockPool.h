@@ -4,19 +4,20 @@
 
 namespace qirn {
 
-/// Memory in blocks of one tile's size (kTileBytes), page-aligned and recycled: the system takes longer to hand out a
-/// fresh page than a brush takes to fill it. Any thread may take and give.
+/// Memory in blocks of one size, that of a tile, page-aligned and recycled: the system takes longer to hand out a fresh
+/// page than a brush takes to fill it. Any thread may take and give.
 ///
 /// Freed blocks are kept for the next tile, up to `kMostSpareBytes`; beyond it, and on `trim`, memory goes back to the
 /// system, in stretches of several blocks.
-namespace TileMemory {
+namespace BlockPool {
 
+inline constexpr int kBlockBytes = 256 * 1024;
 inline constexpr int64_t kMostSpareBytes = 128LL * 1024 * 1024;
 
 struct GiveBack {
     void operator()(uint8_t* block) const;
 };
-/// A block of `kTileBytes` bytes, its content unspecified; the owner's until it is let go.
+/// A block of `kBlockBytes` bytes, its content unspecified; the owner's until it is let go.
 using Block = std::unique_ptr<uint8_t, GiveBack>;
 
 Block take(); ///< Throws std::bad_alloc; giving a block back asks for no memory.
@@ -36,6 +37,6 @@ int64_t readyBytes(); ///< Spare blocks whose pages are there.
 int64_t usedBytes();  ///< Of blocks that are taken.
 int64_t spareBytes(); ///< Kept for later.
 
-} // namespace TileMemory
+} // namespace BlockPool
 
 } // namespace qirn

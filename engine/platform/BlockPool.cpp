@@ -1,6 +1,5 @@
-#include "core/TileMemory.h"
+#include "platform/BlockPool.h"
 
-#include "core/Tile.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -36,10 +35,12 @@
 
 namespace qirn {
 
+using BlockPool::kBlockBytes;
+
 namespace {
 
 constexpr std::size_t kPageBytes = 2 * 1024 * 1024;
-constexpr int kBlocksInPage = static_cast<int>(kPageBytes / kTileBytes);
+constexpr int kBlocksInPage = static_cast<int>(kPageBytes / kBlockBytes);
 constexpr uint8_t kAllFree = (1u << kBlocksInPage) - 1;
 static_assert(kBlocksInPage == 8);
 // What a large brush takes at a time when it comes to a new row or column of tiles.
@@ -66,17 +67,17 @@ public:
         uint8_t* const block = detach(ready_ > 0 ? readyBlock() : anyBlock(open_.back()));
         ++used_;
         --spare_;
-        ASAN_UNPOISON_MEMORY_REGION(block, kTileBytes);
+        ASAN_UNPOISON_MEMORY_REGION(block, kBlockBytes);
         return block;
     }
 
     void give(uint8_t* block) {
         const std::lock_guard lock(mutex_);
-        ASAN_POISON_MEMORY_REGION(block, kTileBytes);
+        ASAN_POISON_MEMORY_REGION(block, kBlockBytes);
         --used_;
         ++spare_;
         uint8_t* const page = attach(block);
-        if (emptyPages_ * static_cast<int64_t>(kPageBytes) > TileMemory::kMostSpareBytes &&
+        if (emptyPages_ * static_cast<int64_t>(kPageBytes) > BlockPool::kMostSpareBytes &&
             pages_.at(page).free == kAllFree)
             removePage(page);
     }
@@ -105,7 +106,7 @@ public:
             ready_ -= std::popcount(blocks.ready);
             blocks.ready = 0;
             for (int place = 0; place < kBlocksInPage; ++place) {
-                if (blocks.free >> place & 1) madvise(page + place * kTileBytes, kTileBytes, MADV_DONTNEED);
+                if (blocks.free >> place & 1) madvise(page + place * kBlockBytes, kBlockBytes, MADV_DONTNEED);
             }
         }
     }
@@ -116,15 +117,15 @@ public:
     }
     int64_t ready() {
         const std::lock_guard lock(mutex_);
-        return ready_ * kTileBytes;
+        return ready_ * kBlockBytes;
     }
     int64_t used() {
         const std::lock_guard lock(mutex_);
-        return used_ * kTileBytes;
+        return used_ * kBlockBytes;
     }
     int64_t spare() {
         const std::lock_guard lock(mutex_);
-        return spare_ * kTileBytes;
+        return spare_ * kBlockBytes;
     }
 
 private:
@@ -133,15 +134,15 @@ private:
         const auto page = std::find_if(open_.rbegin(), open_.rend(), [this](uint8_t* candidate) {
             return pages_.at(candidate).ready != 0;
         });
-        return *page + std::countr_zero(pages_.at(*page).ready) * kTileBytes;
+        return *page + std::countr_zero(pages_.at(*page).ready) * kBlockBytes;
     }
-    uint8_t* anyBlock(uint8_t* page) { return page + std::countr_zero(pages_.at(page).free) * kTileBytes; }
+    uint8_t* anyBlock(uint8_t* page) { return page + std::countr_zero(pages_.at(page).free) * kBlockBytes; }
 
     /// Marks a block as not free.
     uint8_t* detach(uint8_t* block) {
         const auto found = std::prev(pages_.upper_bound(block));
         auto& [page, blocks] = *found;
-        const auto bit = static_cast<uint8_t>(1u << (block - page) / kTileBytes);
+        const auto bit = static_cast<uint8_t>(1u << (block - page) / kBlockBytes);
         if (blocks.free == kAllFree) --emptyPages_;
         if (blocks.ready & bit) --ready_;
         blocks.free = static_cast<uint8_t>(blocks.free & ~bit);
@@ -154,7 +155,7 @@ private:
     uint8_t* attach(uint8_t* block) {
         const auto found = std::prev(pages_.upper_bound(block));
         auto& [page, blocks] = *found;
-        const auto bit = static_cast<uint8_t>(1u << (block - page) / kTileBytes);
+        const auto bit = static_cast<uint8_t>(1u << (block - page) / kBlockBytes);
         require((blocks.free & bit) == 0);
         if (blocks.free == 0) open_.push_back(page);
         blocks.free = static_cast<uint8_t>(blocks.free | bit);
@@ -174,7 +175,7 @@ private:
                 if (!block) break;
                 detach(block);
                 lock.unlock();
-                const bool there = madvise(block, kTileBytes, MADV_POPULATE_WRITE) == 0;
+                const bool there = madvise(block, kBlockBytes, MADV_POPULATE_WRITE) == 0;
                 lock.lock();
                 attach(block);
                 canPrepare_ = there;
@@ -193,7 +194,7 @@ private:
         for (uint8_t* page : open_) {
             const PageBlocks& blocks = pages_.at(page);
             const auto unready = static_cast<uint8_t>(blocks.free & ~blocks.ready);
-            if (unready != 0) return page + std::countr_zero(unready) * kTileBytes;
+            if (unready != 0) return page + std::countr_zero(unready) * kBlockBytes;
         }
         return nullptr;
     }
@@ -250,35 +251,35 @@ private:
 
 } // namespace
 
-void TileMemory::GiveBack::operator()(uint8_t* block) const {
+void BlockPool::GiveBack::operator()(uint8_t* block) const {
     Pool::shared().give(block);
 }
 
-TileMemory::Block TileMemory::take() {
+BlockPool::Block BlockPool::take() {
     return Block(Pool::shared().take());
 }
 
-void TileMemory::trim() {
+void BlockPool::trim() {
     Pool::shared().trim();
 }
 
-void TileMemory::prepare() {
+void BlockPool::prepare() {
     Pool::shared().prepare();
 }
 
-int64_t TileMemory::refuse(int64_t nth) {
+int64_t BlockPool::refuse(int64_t nth) {
     return Pool::shared().refuse(nth);
 }
 
-int64_t TileMemory::readyBytes() {
+int64_t BlockPool::readyBytes() {
     return Pool::shared().ready();
 }
 
-int64_t TileMemory::usedBytes() {
+int64_t BlockPool::usedBytes() {
     return Pool::shared().used();
 }
 
-int64_t TileMemory::spareBytes() {
+int64_t BlockPool::spareBytes() {
     return Pool::shared().spare();
 }
 
