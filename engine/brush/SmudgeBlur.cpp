@@ -17,17 +17,12 @@ namespace {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
 
-/// Bytes from the start of a tile to a canvas pixel in it.
-int64_t placeInTile(int64_t x, int64_t y) {
-    return (y % kTileSize) * kTileRowBytes + (x % kTileSize) * 4;
-}
-
 /// Calls visit(index, x, count) for each tile that the canvas pixels [first, last) of a row lie in.
 template <class Visit>
 void forEachTileOfRow(const TileGrid& grid, int64_t first, int64_t last, int64_t y, Visit visit) {
     for (int64_t x = first; x < last;) {
         const int64_t next = std::min(last, (x / kTileSize + 1) * kTileSize);
-        visit((y / kTileSize) * grid.cols + x / kTileSize, x, next - x);
+        visit(grid.indexAt(x, y), x, next - x);
         x = next;
     }
 }

@@ -81,9 +81,8 @@ PixelBytes compositePixel(const PaintDocument& doc, int64_t x, int64_t y) {
     PixelBytes out{};
     if (!doc.grid().bounds().contains(x, y)) return out;
     const auto tile = std::make_unique_for_overwrite<uint8_t[]>(kTileBytes);
-    const int64_t index = (y / kTileSize) * doc.grid().cols + x / kTileSize;
-    Compositor::compositeTile(index, compositeInputs(doc, ForDisplay::no), tile.get());
-    std::memcpy(out.data(), tile.get() + (y % kTileSize) * kTileRowBytes + (x % kTileSize) * 4, 4);
+    Compositor::compositeTile(doc.grid().indexAt(x, y), compositeInputs(doc, ForDisplay::no), tile.get());
+    std::memcpy(out.data(), tile.get() + placeInTile(x, y), 4);
     return out;
 }
 

@@ -3,7 +3,10 @@
 namespace qirn {
 
 OrderedJson colorToJson(const PaintColor& color) {
-    return {{"r", color.r}, {"g", color.g}, {"b", color.b}, {"a", color.a}};
+    return {{"r", jsonFinite(color.r, 0)},
+            {"g", jsonFinite(color.g, 0)},
+            {"b", jsonFinite(color.b, 0)},
+            {"a", jsonFinite(color.a, 1)}};
 }
 
 PaintColor colorFromJson(const Json& value) {

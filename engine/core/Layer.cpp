@@ -54,9 +54,8 @@ Layer::Layer(const LayerState& state, const TileGrid& grid)
 PixelBytes Layer::pixel(int64_t x, int64_t y) const {
     PixelBytes out{};
     if (x < 0 || y < 0 || x >= grid_.width || y >= grid_.height) return out;
-    const Tile* tile = tiles_.at((y / kTileSize) * grid_.cols + x / kTileSize);
-    if (tile)
-        std::memcpy(out.data(), tile->pixels() + (y % kTileSize) * kTileRowBytes + (x % kTileSize) * 4, 4);
+    const Tile* tile = tiles_.at(grid_.indexAt(x, y));
+    if (tile) std::memcpy(out.data(), tile->pixels() + placeInTile(x, y), 4);
     return out;
 }
 

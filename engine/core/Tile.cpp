@@ -1,6 +1,7 @@
 #include "core/Tile.h"
 
 #include "core/StoredForm.h"
+#include "platform/Bytes.h"
 
 #include <cstring>
 #include <utility>
@@ -31,6 +32,11 @@ bool Tile::isEmpty() const {
         if (pixels()[i] != 0) return false;
     }
     return true;
+}
+
+std::optional<PixelBytes> Tile::onlyPixel() const {
+    if (!allAlike(pixels(), kTilePixels, 4)) return std::nullopt;
+    return PixelBytes{pixels()[0], pixels()[1], pixels()[2], pixels()[3]};
 }
 
 } // namespace qirn

@@ -1,10 +1,12 @@
 #pragma once
+#include "core/PaintColor.h"
 #include "platform/BlockPool.h"
 #include "platform/Require.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace qirn {
@@ -14,6 +16,11 @@ inline constexpr int kTileRowBytes = kTileSize * 4;       // bytes from one row 
 inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
 inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
 static_assert(kTileBytes == BlockPool::kBlockBytes);
+
+/// Bytes from the start of a tile to a pixel of the canvas in it.
+constexpr int64_t placeInTile(int64_t x, int64_t y) {
+    return y % kTileSize * kTileRowBytes + x % kTileSize * 4;
+}
 
 class StoredForm;
 
@@ -31,6 +38,8 @@ public:
     ~Tile();
 
     bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.
+    std::optional<PixelBytes>
+    onlyPixel() const; ///< The one of which all are made; nothing where they differ.
     bool isFrozen() const { return frozen_; }
     const uint8_t* pixels() const { return pixels_.get(); }
     std::span<const uint8_t> bytes() const { return {pixels_.get(), kTileBytes}; }

@@ -1,7 +1,5 @@
 #include "core/TileGrid.h"
 
-#include "core/Tile.h"
-
 #include <algorithm>
 
 namespace qirn {

@@ -1,5 +1,6 @@
 #pragma once
 #include "core/IRect.h"
+#include "core/Tile.h"
 
 #include <cstdint>
 #include <vector>
@@ -18,6 +19,8 @@ struct TileGrid {
 
     int64_t count() const { return cols * rows; }
     IRect bounds() const { return {0, 0, width, height}; }
+    /// The tile of a pixel of the canvas.
+    int64_t indexAt(int64_t x, int64_t y) const { return y / kTileSize * cols + x / kTileSize; }
     /// The tiles that a rectangle touches, row by row; empty for a rectangle off the canvas.
     std::vector<int64_t> tilesIn(const IRect& rect) const;
     /// The tile's part of the canvas: narrower or lower than a tile at the right and bottom edges.

@@ -81,8 +81,7 @@ bool Floating::hasAlpha() const {
         if (!tile) continue;
         const IRect part = grid.rectOf(index).intersection(origin);
         for (int64_t y = part.y; y < part.maxY(); ++y) {
-            const uint8_t* alpha =
-                tile->pixels() + y % kTileSize * kTileRowBytes + part.x % kTileSize * 4 + 3;
+            const uint8_t* alpha = tile->pixels() + placeInTile(part.x, y) + 3;
             for (int64_t x = 0; x < part.w; ++x) {
                 if (alpha[x * 4] != 0) return true;
             }

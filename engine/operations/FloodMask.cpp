@@ -101,7 +101,7 @@ public:
           tiles_(static_cast<std::size_t>(grid_.count())) {}
 
     void fillFrom(int64_t x, int64_t y) {
-        const int64_t index = (y / kTileSize) * grid_.cols + x / kTileSize;
+        const int64_t index = grid_.indexAt(x, y);
         FloodTile& first = tileAt(index);
         first.look(source_, matcher_, grid_, index);
         if (first.flood) first.flood->enter(static_cast<int>(x % kTileSize), static_cast<int>(y % kTileSize));

@@ -1,7 +1,8 @@
 #include "operations/MaskTiles.h"
 
+#include "platform/Bytes.h"
+
 #include <algorithm>
-#include <cstring>
 
 namespace qirn {
 
@@ -10,7 +11,7 @@ namespace {
 const MaskTile kNothing{};
 
 bool isAll(uint8_t byte, const uint8_t* bytes, int64_t count) {
-    return bytes[0] == byte && std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
+    return bytes[0] == byte && allAlike(bytes, count);
 }
 
 } // namespace

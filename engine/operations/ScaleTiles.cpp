@@ -60,9 +60,7 @@ class OneColorTiles {
 public:
     std::optional<PixelBytes> colorOf(const Tile& tile) {
         const auto [place, isNew] = known_.try_emplace(&tile);
-        const uint8_t* pixels = tile.pixels();
-        if (isNew && std::memcmp(pixels, pixels + 4, kTileBytes - 4) == 0)
-            place->second = PixelBytes{pixels[0], pixels[1], pixels[2], pixels[3]};
+        if (isNew) place->second = tile.onlyPixel();
         return place->second;
     }
 

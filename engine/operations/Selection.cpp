@@ -144,7 +144,7 @@ SelectionRef Selection::all(int64_t width, int64_t height) {
 uint8_t Selection::value(int64_t x, int64_t y) const {
     const TileGrid& grid = tiles_.grid();
     if (!grid.bounds().contains(x, y)) return 0;
-    return row(y / kTileSize * grid.cols + x / kTileSize, y % kTileSize)[x % kTileSize];
+    return row(grid.indexAt(x, y), y % kTileSize)[x % kTileSize];
 }
 
 SelectionRef Selection::offsetBy(int64_t dx, int64_t dy) const {

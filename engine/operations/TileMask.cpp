@@ -47,7 +47,7 @@ const BitRow& TileMask::row(int64_t index, int y) const {
 
 bool TileMask::covers(int64_t x, int64_t y) const {
     if (!grid_.bounds().contains(x, y)) return false;
-    const int64_t index = (y / kTileSize) * grid_.cols + x / kTileSize;
+    const int64_t index = grid_.indexAt(x, y);
     return row(index, static_cast<int>(y % kTileSize)).has(static_cast<int>(x % kTileSize));
 }
 

@@ -1,21 +1,13 @@
 #include "operations/TileParts.h"
 
 #include "operations/Selection.h"
+#include "platform/Bytes.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 
 namespace qirn {
-
-namespace {
-
-bool areAlike(const uint8_t* bytes, int64_t count) {
-    return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
-}
-
-} // namespace
 
 Extent extentOf(const Selection* selection, int64_t index, const IRect& part) {
     if (!selection || selection->tiles().isWhole(index)) return Extent::everything;
@@ -25,7 +17,7 @@ Extent extentOf(const Selection* selection, int64_t index, const IRect& part) {
     if (first != 0 && first != 255) return Extent::some;
     for (int64_t y = 0; y < part.h; ++y) {
         const uint8_t* row = top + y * kTileSize;
-        if (row[0] != first || !areAlike(row, part.w)) return Extent::some;
+        if (row[0] != first || !allAlike(row, part.w)) return Extent::some;
     }
     return first == 0 ? Extent::nothing : Extent::everything;
 }

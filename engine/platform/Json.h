@@ -1,4 +1,5 @@
 #pragma once
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -39,6 +40,11 @@ bool jsonFlag(const Json& value);
 /// Only the 36 characters of a written UUID, digits of either case; what else Qt's own reader takes throws.
 QUuid jsonUuid(const Json& value);
 std::string uuidText(const QUuid& id); ///< The 36 characters, in upper case.
+
+/// A number to write: JSON has no words for one that is not finite, and a file must be readable.
+inline double jsonFinite(double value, double instead) {
+    return std::isfinite(value) ? value : instead;
+}
 
 /// Compact or (with `indent` of 2, say) pretty-printed UTF-8.
 std::string jsonBytes(const OrderedJson& value, int indent = -1);

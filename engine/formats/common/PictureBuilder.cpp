@@ -3,6 +3,7 @@
 #include "core/MappedRect.h"
 #include "core/PaintEngine.h"
 #include "formats/common/FlatTiles.h"
+#include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"
 
@@ -37,11 +38,6 @@ void premultiply(uint8_t* rgba, int64_t count) {
         if (rgba[3] == 255) continue;
         for (int c = 0; c < 3; ++c) rgba[c] = static_cast<uint8_t>((rgba[c] * rgba[3] + 127) / 255);
     }
-}
-
-/// Whether all pixels of so many bytes each are the first one.
-bool isFlat(const uint8_t* pixels, int64_t pixelBytes, int64_t count) {
-    return std::memcmp(pixels, pixels + pixelBytes, static_cast<std::size_t>(pixelBytes * (count - 1))) == 0;
 }
 
 } // namespace
@@ -115,7 +111,7 @@ void PictureBuilder::addPart(int64_t slot, const IRect& stored) {
     std::optional<PixelBytes> flat = flatPixel(stored);
     if (!flat) {
         convert(stored, rgba);
-        if (isFlat(rgba, 4, stored.w * stored.h)) std::memcpy(flat.emplace().data(), rgba, 4);
+        if (allAlike(rgba, stored.w * stored.h, 4)) std::memcpy(flat.emplace().data(), rgba, 4);
     }
     if (flat && !growing.tile && growing.pixel.value_or(*flat) == *flat) {
         growing.pixel = flat;
@@ -156,7 +152,7 @@ std::optional<PixelBytes> PictureBuilder::flatPixel(const IRect& stored) const {
     for (int64_t y = stored.y; y < stored.maxY(); ++y) {
         const uint8_t* const row = storedPixel(stored.x, y);
         if (std::memcmp(row, first, static_cast<std::size_t>(pixelBytes)) != 0 ||
-            !isFlat(row, pixelBytes, stored.w))
+            !allAlike(row, stored.w, pixelBytes))
             return std::nullopt;
     }
     PixelBytes pixel;

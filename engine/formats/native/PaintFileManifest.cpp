@@ -1,9 +1,9 @@
 #include "formats/native/PaintFileManifest.h"
 
+#include "core/ColorJson.h"
 #include "platform/Json.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include <QTimeZone>
 
@@ -13,30 +13,18 @@ namespace {
 
 const QString kMomentForm = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
 
-/// JSON has no words for a number that is not finite, and a file must never be written that cannot be read.
-double finiteOr(double value, double instead) {
-    return std::isfinite(value) ? value : instead;
-}
-
 OrderedJson written(const TileEntry& entry) {
     return {{"i", entry.i}, {"o", entry.o}, {"n", entry.n}, {"c", entry.c}};
-}
-
-OrderedJson written(const PaintColor& color) {
-    return {{"r", finiteOr(color.r, 0)},
-            {"g", finiteOr(color.g, 0)},
-            {"b", finiteOr(color.b, 0)},
-            {"a", finiteOr(color.a, 1)}};
 }
 
 OrderedJson written(const OnionSkin& onion) {
     return {{"enabled", onion.enabled},
             {"before", onion.before},
             {"after", onion.after},
-            {"opacity", finiteOr(onion.opacity, OnionSkin{}.opacity)},
+            {"opacity", jsonFinite(onion.opacity, OnionSkin{}.opacity)},
             {"tint", onion.tint},
-            {"beforeColor", written(onion.beforeColor)},
-            {"afterColor", written(onion.afterColor)}};
+            {"beforeColor", colorToJson(onion.beforeColor)},
+            {"afterColor", colorToJson(onion.afterColor)}};
 }
 
 OrderedJson written(const LayerEntry& layer) {
@@ -44,7 +32,7 @@ OrderedJson written(const LayerEntry& layer) {
     for (const TileEntry& tile : layer.tiles) tiles.push_back(written(tile));
     return {{"id", uuidText(layer.id)},
             {"name", layer.name.toStdString()},
-            {"opacity", finiteOr(layer.opacity, 1)},
+            {"opacity", jsonFinite(layer.opacity, 1)},
             {"blend", layer.blend.toStdString()},
             {"visible", layer.visible},
             {"locked", layer.locked},
@@ -58,19 +46,14 @@ TileEntry readTile(const Json& json) {
             jsonWhole(jsonMember(json, "n")), jsonWhole(jsonMember(json, "c"))};
 }
 
-PaintColor readColor(const Json& json) {
-    return {jsonNumber(jsonMember(json, "r")), jsonNumber(jsonMember(json, "g")),
-            jsonNumber(jsonMember(json, "b")), jsonNumber(jsonMember(json, "a"))};
-}
-
 OnionSkin readOnion(const Json& json) {
     return {.enabled = jsonFlag(jsonMember(json, "enabled")),
             .before = jsonWhole(jsonMember(json, "before")),
             .after = jsonWhole(jsonMember(json, "after")),
             .opacity = std::clamp(jsonNumber(jsonMember(json, "opacity")), 0.0, 1.0),
             .tint = jsonFlag(jsonMember(json, "tint")),
-            .beforeColor = readColor(jsonMember(json, "beforeColor")),
-            .afterColor = readColor(jsonMember(json, "afterColor"))};
+            .beforeColor = colorFromJson(jsonMember(json, "beforeColor")),
+            .afterColor = colorFromJson(jsonMember(json, "afterColor"))};
 }
 
 /// Only 2026-03-01T12:30:05Z. The form is compared with the moment's own, since Qt's reader forgives; and date and
@@ -129,7 +112,7 @@ std::string manifestText(const Manifest& manifest) {
                      {"app", manifest.app.toStdString()},
                      {"width", manifest.width},
                      {"height", manifest.height},
-                     {"dpi", finiteOr(manifest.dpi, 72)},
+                     {"dpi", jsonFinite(manifest.dpi, 72)},
                      {"active", manifest.active},
                      {"layers", std::move(layers)}};
     if (manifest.onion) json["onion"] = written(*manifest.onion);

@@ -7,8 +7,9 @@
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 
-#include <cstring>
 #include <limits>
+#include <map>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -19,15 +20,6 @@ namespace {
 using namespace PaintFile;
 
 constexpr double kPreviewDpi = 72;
-
-/// The pixel of which all of a tile are made; nothing where they differ.
-std::optional<uint32_t> onlyPixelOf(const Tile& tile) {
-    constexpr std::size_t kPixel = 4;
-    if (std::memcmp(tile.pixels(), tile.pixels() + kPixel, kTileBytes - kPixel) != 0) return std::nullopt;
-    uint32_t pixel = 0;
-    std::memcpy(&pixel, tile.pixels(), kPixel);
-    return pixel;
-}
 
 /// Every tile of a snapshot as it goes into the file, once however many slots share it.
 class StoredTiles {
@@ -53,11 +45,11 @@ public:
 private:
     /// Tiles of one pixel throughout, as fills and papers have, are encoded once for each pixel.
     void encode(const std::vector<const Tile*>& tiles, const std::vector<std::size_t>& unknown) {
-        std::vector<std::optional<uint32_t>> pixels(unknown.size());
+        std::vector<std::optional<PixelBytes>> pixels(unknown.size());
         concurrentPerform(std::ssize(unknown), [&](int64_t i) {
-            pixels[static_cast<std::size_t>(i)] = onlyPixelOf(*tiles[unknown[static_cast<std::size_t>(i)]]);
+            pixels[static_cast<std::size_t>(i)] = tiles[unknown[static_cast<std::size_t>(i)]]->onlyPixel();
         });
-        std::unordered_map<uint32_t, std::size_t> flat; // the tile that is encoded for a pixel
+        std::map<PixelBytes, std::size_t> flat; // the tile that is encoded for a pixel
         std::vector<std::size_t> distinct;
         for (std::size_t i = 0; i < unknown.size(); ++i) {
             if (!pixels[i] || flat.try_emplace(*pixels[i], unknown[i]).second) distinct.push_back(unknown[i]);

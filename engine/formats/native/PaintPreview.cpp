@@ -4,6 +4,7 @@
 #include "formats/common/AreaReducer.h"
 #include "formats/common/ScaledImage.h"
 #include "formats/native/PaintFile.h"
+#include "platform/Bytes.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -36,11 +37,6 @@ std::vector<Group> groupsOf(const DocumentSnapshot& snapshot) {
     return result;
 }
 
-/// Every pixel of the tile is the first one.
-bool isUniform(const uint8_t* tile) {
-    return std::memcmp(tile, tile + 4, kTileBytes - 4) == 0;
-}
-
 } // namespace
 
 QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
@@ -56,7 +52,7 @@ QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
             const Group& group = groups[start + static_cast<std::size_t>(i)];
             const auto tile = std::make_unique_for_overwrite<uint8_t[]>(kTileBytes);
             if (!Compositor::compositeTile(group.front(), inputs, tile.get())) return;
-            const bool uniform = isUniform(tile.get());
+            const bool uniform = allAlike(tile.get(), kTilePixels, 4);
             PixelBytes pixel;
             std::memcpy(pixel.data(), tile.get(), pixel.size());
             for (int64_t index : group) {

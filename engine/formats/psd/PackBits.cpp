@@ -1,6 +1,7 @@
 #include "formats/psd/PackBits.h"
 
 #include "formats/common/ByteReader.h"
+#include "platform/Bytes.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -155,7 +156,7 @@ uint8_t* PSDFile::packBits(std::span<const uint8_t> row, uint8_t* out) {
     const std::size_t n = row.size();
     if (n == 0 || n > kLongestMask) return packBitsPlainly(row, out);
     const uint8_t* const bytes = row.data();
-    if (std::memcmp(bytes, bytes + 1, n - 1) == 0) return packFlat(bytes[0], n, out);
+    if (allAlike(bytes, static_cast<int64_t>(n))) return packFlat(bytes[0], n, out);
     const EqualNeighbours equal(row);
     const std::size_t roomy =
         n - std::min(n, kLongestStep); // up to here whole blocks may be read and written

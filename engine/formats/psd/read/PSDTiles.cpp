@@ -5,6 +5,7 @@
 #include "formats/common/FlatTiles.h"
 #include "formats/common/StraightPixels.h"
 #include "formats/psd/PackBits.h"
+#include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"
 
@@ -66,17 +67,13 @@ struct FlatTile {
     PixelBytes pixel;
 };
 
-bool isFlat(const uint8_t* bytes, int64_t count) {
-    return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
-}
-
 /// Straight colour in some pixels of a row, if it is one colour, as that premultiplied pixel.
 std::optional<PixelBytes> flatPixel(const ConstPlaneRows& rows, int64_t count) {
-    if (!isFlat(rows[3], count)) return std::nullopt;
+    if (!allAlike(rows[3], count)) return std::nullopt;
     const uint8_t alpha = rows[3][0];
     if (alpha == 0) return PixelBytes{}; // whatever the colours
     for (std::size_t plane = 0; plane < 3; ++plane) {
-        if (!isFlat(rows[plane], count)) return std::nullopt;
+        if (!allAlike(rows[plane], count)) return std::nullopt;
     }
     return PixelBytes{premultiplied(rows[0][0], alpha), premultiplied(rows[1][0], alpha),
                       premultiplied(rows[2][0], alpha), alpha};

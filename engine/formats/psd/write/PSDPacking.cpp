@@ -129,8 +129,7 @@ void PlanePacker::packBand(PackedPlanes& planes, int64_t band, std::span<const u
                               (left - part.x);
             if (const uint8_t* pixels = tiles[static_cast<std::size_t>(tile)]) {
                 const auto split = matte == Matte::white ? whiteRow : straightRow;
-                split(pixels + (part.y + y) % kTileSize * kTileRowBytes + left % kTileSize * 4, right - left,
-                      into);
+                split(pixels + placeInTile(left, part.y + y), right - left, into);
             } else {
                 for (std::size_t plane = 0; plane < kPlanes; ++plane)
                     std::memset(into[plane], blankOf(plane, matte), static_cast<std::size_t>(right - left));
