@@ -7,6 +7,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
+#include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
 #include "platform/FilePath.h"
 #include "program/Benchmark.h"
@@ -119,7 +120,7 @@ protected:
 /// Arguments that name existing files; every other one is ignored.
 QStringList filesIn(int argc, char** argv) {
     QStringList files;
-    for (const char* argument : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+    for (const char* argument : std::span(argv, checkedSize(argc)).subspan(1)) {
         std::error_code none;
         const bool named = !QByteArray(argument).startsWith("--");
         if (named && std::filesystem::is_regular_file(argument, none))

@@ -5,6 +5,7 @@
 #include "app/model/PaintModel.h"
 #include "brush/BrushStroke.h"
 #include "compositing/CompositeInputs.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -357,7 +358,7 @@ bool CanvasView::beginStroke(const PenSample& sample) {
     if (strokeTool_ == Tool::brush) model_.pushRecent(model_.primary());
     BrushSettings settings = model_.activeBrush();
     if (model_.penIsEraser && settings.kind == BrushKind::paint) settings.kind = BrushKind::erase;
-    const auto active = static_cast<std::size_t>(doc.activeIndex());
+    const auto active = checkedSize(doc.activeIndex());
     stroke_ =
         std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.primary(), strokeSeed());
     updateAntsTimer();

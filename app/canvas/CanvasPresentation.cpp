@@ -4,6 +4,7 @@
 #include "app/canvas/ReducedTile.h"
 #include "compositing/CompositeInputs.h"
 #include "core/PaintDocument.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ void CanvasPresentation::look(const ViewTransform& view, double zoom) {
     if (!document_) return;
     const TileGrid& grid = document_->grid();
     if (states_.empty()) {
-        images_.resize(static_cast<std::size_t>(grid.count()));
+        images_.resize(checkedSize(grid.count()));
         states_.assign(images_.size(), TileState::stale);
     }
     const QRectF seen = canvasToWidget_.inverted().mapRect(QRectF(QPointF(), view.viewSize()));
@@ -85,7 +86,7 @@ std::vector<IRect> CanvasPresentation::update(const std::vector<DirtyTile>& dirt
     if (!document_) return changed;
     std::vector<DirtyTile> parts;
     for (const DirtyTile& tile : dirty) {
-        const auto place = static_cast<std::size_t>(tile.index);
+        const auto place = checkedSize(tile.index);
         if (place >= states_.size()) continue;
         const bool visible = isVisible(tile.index);
         if (visible) changed.push_back(tile.part);
@@ -123,7 +124,7 @@ void CanvasPresentation::coverWindow(const TileRange& range, int level) {
             for (int64_t col = window_.range().firstCol; col < window_.range().endCol; ++col) {
                 const int64_t index = row * document_->grid().cols + col;
                 const bool stays = level == 0 && range.contains({col, row, col + 1, row + 1});
-                const auto place = static_cast<std::size_t>(index);
+                const auto place = checkedSize(index);
                 if (!stays && window_.holds(index) && states_[place] == TileState::made)
                     leaving.push_back(index);
             }
@@ -131,14 +132,14 @@ void CanvasPresentation::coverWindow(const TileRange& range, int level) {
     }
     std::vector<BlockPool::Block> copies(leaving.size());
     concurrentPerform(static_cast<int64_t>(leaving.size()), [&](int64_t i) {
-        const auto place = static_cast<std::size_t>(i);
+        const auto place = checkedSize(i);
         copies[place] = BlockPool::take();
         window_.copyTo(leaving[place], copies[place].get());
     });
     window_.cover(range, level);
     for (std::size_t i = 0; i < leaving.size(); ++i) {
         dropImage(leaving[i]);
-        images_[static_cast<std::size_t>(leaving[i])] = std::move(copies[i]);
+        images_[checkedSize(leaving[i])] = std::move(copies[i]);
         ++heldImages_;
     }
 }
@@ -150,7 +151,7 @@ void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
     } catch (...) {
         // Which of them were drawn, and where, nobody knows: all are out of date.
         for (const DirtyTile& tile : tiles) {
-            states_[static_cast<std::size_t>(tile.index)] = TileState::stale;
+            states_[checkedSize(tile.index)] = TileState::stale;
             window_.drop(tile.index);
         }
         throw;
@@ -179,7 +180,7 @@ void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
         const DirtyTile& part = parts[i];
         const TileGrid& grid = document_->grid();
         const IRect place = grid.rectOf(part.index), blocks = blocksOf(part.part, place, level);
-        uint8_t* const image = images_[static_cast<std::size_t>(part.index)].get();
+        uint8_t* const image = images_[checkedSize(part.index)].get();
         if (sources[i] == Source::board) {
             const IRect onCanvas{place.x + blocks.x, place.y + blocks.y, blocks.w, blocks.h};
             uint8_t* const corner = out + (blocks.y >> level) * rowBytes + (blocks.x >> level) * 4;
@@ -198,7 +199,7 @@ void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
 /// Decides where a part of a tile comes from, and sees to it that the tile has an image where it needs one.
 CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
                                                         std::span<const CompositeInput> layers) {
-    TileState& state = states_[static_cast<std::size_t>(tile.index)];
+    TileState& state = states_[checkedSize(tile.index)];
     const bool whole = tile.part == document_->grid().rectOf(tile.index);
     if (whole && state == TileState::made) return Source::image;
     if (state == TileState::stale) ++tilesComposited_;
@@ -213,14 +214,14 @@ CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
 
 /// Gives a tile an image if it has none.
 void CanvasPresentation::takeImage(int64_t index) {
-    BlockPool::Block& image = images_[static_cast<std::size_t>(index)];
+    BlockPool::Block& image = images_[checkedSize(index)];
     if (image) return;
     image = BlockPool::take();
     ++heldImages_;
 }
 
 void CanvasPresentation::dropImage(int64_t index) {
-    BlockPool::Block& image = images_[static_cast<std::size_t>(index)];
+    BlockPool::Block& image = images_[checkedSize(index)];
     if (!image) return;
     image.reset();
     --heldImages_;

@@ -2,6 +2,7 @@
 
 #include "app/canvas/ReducedTile.h"
 #include "core/Tile.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"
 
@@ -36,9 +37,9 @@ void CanvasWindowImage::cover(const TileRange& range, int level) {
     next.range_ = range;
     next.level_ = level;
     next.rowBytes_ = cols * side * 4;
-    const auto bytes = static_cast<std::size_t>(rows * side * next.rowBytes_);
+    const auto bytes = checkedSize(rows * side * next.rowBytes_);
     next.pixels_.reset(static_cast<uint8_t*>(operator new(bytes, kAlignment)));
-    next.held_.assign(static_cast<std::size_t>(rows * cols), false);
+    next.held_.assign(checkedSize(rows * cols), false);
     const CanvasWindowImage old = std::exchange(*this, std::move(next));
     if (!old.pixels_ || old.level_ != level) return;
     for (int64_t row = range.firstRow; row < range.endRow; ++row) {
@@ -60,7 +61,7 @@ bool CanvasWindowImage::inside(int64_t index) const {
 
 std::size_t CanvasWindowImage::slotOf(int64_t index) const {
     const int64_t col = index % grid_.cols - range_.firstCol, row = index / grid_.cols - range_.firstRow;
-    return static_cast<std::size_t>(row * (range_.endCol - range_.firstCol) + col);
+    return checkedSize(row * (range_.endCol - range_.firstCol) + col);
 }
 
 bool CanvasWindowImage::holds(int64_t index) const {
@@ -80,7 +81,7 @@ uint8_t* CanvasWindowImage::placeOf(int64_t index) const {
 void CanvasWindowImage::put(std::span<const DirtyTile> parts, const PartDrawer& draw) {
     if (!pixels_) return;
     const auto putOne = [&](int64_t i) {
-        const auto number = static_cast<std::size_t>(i);
+        const auto number = checkedSize(i);
         const int64_t index = parts[number].index;
         if (inside(index)) draw(number, placeOf(index), rowBytes_);
     };

@@ -1,6 +1,7 @@
 #include "app/canvas/ReducedTile.h"
 
 #include "core/Tile.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,7 +11,7 @@ namespace qirn {
 void copyPixels(uint8_t* to, int64_t toRowBytes, const uint8_t* from, int64_t fromRowBytes, int64_t width,
                 int64_t height) {
     for (int64_t y = 0; y < height; ++y) {
-        std::memcpy(to + y * toRowBytes, from + y * fromRowBytes, static_cast<std::size_t>(width) * 4);
+        std::memcpy(to + y * toRowBytes, from + y * fromRowBytes, checkedSize(width) * 4);
     }
 }
 

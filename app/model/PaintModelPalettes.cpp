@@ -6,6 +6,7 @@
 #include "formats/palettes/PaletteLibrary.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/ReadFile.h"
 
 #include <algorithm>
@@ -65,7 +66,7 @@ void PaintModel::newPalette(const QString& name, FromRecent fromRecent) {
 std::size_t PaintModel::editablePaletteIndex() {
     const auto found = std::find_if(userPalettes_.begin(), userPalettes_.end(),
                                     [this](const Palette& palette) { return palette.id == paletteID_; });
-    if (found != userPalettes_.end()) return static_cast<std::size_t>(found - userPalettes_.begin());
+    if (found != userPalettes_.end()) return checkedSize(found - userPalettes_.begin());
     return addOwnPalette(ownCopyOf(currentPalette()));
 }
 

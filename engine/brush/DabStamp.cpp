@@ -83,7 +83,7 @@ void DabStamp::stampBands() const {
         }
     }
     // The next point touches much of the same rows: they keep to the thread that has them in its caches.
-    const auto bandAt = [&bands](int64_t i) { return bands[static_cast<std::size_t>(i)]; };
+    const auto bandAt = [&bands](int64_t i) { return bands[checkedSize(i)]; };
     concurrentPerformAtHome(
         static_cast<int64_t>(bands.size()), [&](int64_t i) { return bandAt(i).part.y / kBandRows; },
         [&](int64_t i) { stampPart(*bandAt(i).tile, bandAt(i).part); });

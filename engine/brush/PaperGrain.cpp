@@ -1,6 +1,7 @@
 #include "brush/PaperGrain.h"
 
 #include "core/SeededRandom.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <vector>
@@ -36,11 +37,9 @@ std::vector<float> makeValues() {
     std::vector<float> values(PaperGrain::size * PaperGrain::size, 0.0f);
     SeededRandom random = SeededRandom::fromState(0x51E51D0E685A197Bu);
     for (const auto& [n, weight] : kOctaves) {
-        std::vector<float> lattice(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
+        std::vector<float> lattice(checkedSize(n) * checkedSize(n));
         for (float& v : lattice) v = static_cast<float>(random.unit());
-        const auto at = [&lattice, size = n](int x, int y) {
-            return lattice[static_cast<std::size_t>(y * size + x)];
-        };
+        const auto at = [&lattice, size = n](int x, int y) { return lattice[checkedSize(y * size + x)]; };
         float* value = values.data();
         for (int y = 0; y < PaperGrain::size; ++y) {
             const Place py = placeOf(y, n);

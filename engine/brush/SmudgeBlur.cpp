@@ -77,7 +77,7 @@ IRect SmudgeTip::dab(double x, double y, double size) {
     const TipEdge edge(std::max(size / 2, 1.0), hardness_);
     const bool isFirst = load_.empty();
     const int64_t side = 2 * halfWidth_ + 1;
-    if (isFirst) load_.resize(static_cast<std::size_t>(side * side * 4));
+    if (isFirst) load_.resize(checkedSize(side * side * 4));
 
     const TileGrid& grid = document_.grid();
     IRect touched;
@@ -105,7 +105,7 @@ void SmudgeTip::pickUp(const TipEdge& edge, const Row& row, float* load) const {
     TipCoverage covered;
     coverAround(edge, row.dx, row.dy, row.count, covered);
     for (int64_t i = 0; i < row.count; ++i) {
-        if (!(covered.share[static_cast<std::size_t>(i)] > 0)) continue;
+        if (!(covered.share[checkedSize(i)] > 0)) continue;
         storePixel(load + i * 4, readPixel(pixels + i * 4));
     }
 }
@@ -119,7 +119,7 @@ IRect SmudgeTip::drag(const TipEdge& edge, const Row& row, float* load) {
     TipCoverage covered;
     coverAround(edge, row.dx, row.dy, row.count, covered);
     for (int64_t i = 0; i < row.count; ++i) {
-        float c = covered.share[static_cast<std::size_t>(i)];
+        float c = covered.share[checkedSize(i)];
         if (!(c > 0)) continue;
         if (selected) {
             c *= static_cast<float>(selected[i]) / 255.0f;
@@ -175,10 +175,10 @@ IRect BlurTip::dab(double x, double y, double size) {
 }
 
 void BlurTip::makeRoom(const IRect& area, const IRect& around) {
-    source_.resize(static_cast<std::size_t>(around.w * around.h * 4));
-    rows_.resize(static_cast<std::size_t>(area.w * around.h * 4));
-    blurred_.resize(static_cast<std::size_t>(area.w * area.h * 4));
-    sums_.assign(static_cast<std::size_t>(area.w * 4), 0.0f);
+    source_.resize(checkedSize(around.w * around.h * 4));
+    rows_.resize(checkedSize(area.w * around.h * 4));
+    blurred_.resize(checkedSize(area.w * area.h * 4));
+    sums_.assign(checkedSize(area.w * 4), 0.0f);
 }
 
 /// Fills rows of `source_` with the layer's pixels; those beyond the canvas repeat its edge.
@@ -248,7 +248,7 @@ void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, cons
     TipCoverage covered;
     coverAround(edge, row.cx, row.cy, row.x, row.y, row.count, covered);
     for (int64_t i = 0; i < row.count; ++i, source += 4, blurred += 4) {
-        float c = covered.share[static_cast<std::size_t>(i)];
+        float c = covered.share[checkedSize(i)];
         if (!(c > 0)) continue;
         if (selected) {
             c *= static_cast<float>(selected[i]) / 255.0f;

@@ -23,7 +23,7 @@ std::vector<StrokePoint> StrokeStabilizer::catchUp(const StrokePoint& smoothed, 
     const double half = std::hypot(pen.x - smoothed.x, pen.y - smoothed.y) * 0.5;
     const int64_t steps = std::max<int64_t>(1, checkedWhole(half));
     std::vector<StrokePoint> points;
-    points.reserve(static_cast<std::size_t>(steps));
+    points.reserve(checkedSize(steps));
     StrokePoint point = smoothed;
     for (int64_t i = 1; i <= steps; ++i) {
         // A share of what is left, not of the whole way: the line speeds up and the last step lands on the pen.

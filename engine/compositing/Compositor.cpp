@@ -3,6 +3,7 @@
 #include "compositing/BlendRows.h"
 #include "compositing/TileStack.h"
 #include "core/PaintEngine.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -33,13 +34,13 @@ std::map<int64_t, QImage> Compositor::compositeImages(std::span<const int64_t> t
                                                       const TileGrid& grid) {
     std::vector<QImage> images(tiles.size());
     concurrentPerform(static_cast<int64_t>(tiles.size()), [&](int64_t i) {
-        const int64_t index = tiles[static_cast<std::size_t>(i)];
+        const int64_t index = tiles[checkedSize(i)];
         const IRect part = grid.rectOf(index);
         QImage image(kTileSize, kTileSize, PaintEngine::imageFormat);
         if (image.isNull()) throw std::bad_alloc();
         if (!compositeTile(index, layers, image.bits())) return;
         const bool whole = part.w == kTileSize && part.h == kTileSize;
-        images[static_cast<std::size_t>(i)] =
+        images[checkedSize(i)] =
             whole ? image : image.copy(0, 0, static_cast<int>(part.w), static_cast<int>(part.h));
     });
     std::map<int64_t, QImage> result;
@@ -58,7 +59,7 @@ std::shared_ptr<RGBABuffer> Compositor::flatten(std::span<const CompositeInput> 
         const IRect part = grid.rectOf(index);
         for (int64_t y = 0; y < part.h; ++y) {
             std::memcpy(buffer->row(part.y + y) + part.x * 4, tile.get() + y * kTileRowBytes,
-                        static_cast<std::size_t>(part.w) * 4);
+                        checkedSize(part.w) * 4);
         }
     });
     return buffer;

@@ -1,6 +1,7 @@
 #include "core/Layer.h"
 
 #include "core/PaintEngine.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -70,7 +71,7 @@ std::optional<IRect> Layer::contentBounds() const {
     tiles_.forEachTile([&](int64_t index, const Tile&) { indices.push_back(index); });
     std::vector<IRect> boxes(indices.size());
     concurrentPerform(std::ssize(indices), [&](int64_t i) {
-        const auto at = static_cast<std::size_t>(i);
+        const auto at = checkedSize(i);
         boxes[at] = alphaBounds(*tiles_.at(indices[at]), grid_.rectOf(indices[at]));
     });
     IRect bounds;
@@ -85,7 +86,7 @@ std::shared_ptr<RGBABuffer> Layer::toBuffer() const {
         const IRect part = grid_.rectOf(index);
         for (int64_t y = 0; y < part.h; ++y) {
             std::memcpy(buffer->row(part.y + y) + part.x * 4, tile.pixels() + y * kTileRowBytes,
-                        static_cast<std::size_t>(part.w) * 4);
+                        checkedSize(part.w) * 4);
         }
     });
     return buffer;
@@ -154,7 +155,7 @@ void Layer::load(const RGBABuffer& buffer) {
         auto tile = std::make_shared<Tile>();
         for (y = 0; y < part.h; ++y) {
             std::memcpy(tile->writablePixels() + y * kTileRowBytes, buffer.row(part.y + y) + part.x * 4,
-                        static_cast<std::size_t>(part.w) * 4);
+                        checkedSize(part.w) * 4);
         }
         loaded.set(index, std::move(tile));
     }

@@ -1,6 +1,7 @@
 #include "core/PaintDocument.h"
 
 #include "core/PaintEngine.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cstring>
@@ -37,7 +38,7 @@ PaintDocument::PaintDocument(int64_t width, int64_t height, double resolution, s
 
 Layer& PaintDocument::layer(int64_t index) const {
     require(index >= 0 && index < layerCount());
-    return *layers_[static_cast<std::size_t>(index)];
+    return *layers_[checkedSize(index)];
 }
 
 std::optional<int64_t> PaintDocument::indexOf(const QUuid& id) const {
@@ -112,7 +113,7 @@ std::vector<int64_t> PaintDocument::takeDirtyTiles() {
 std::vector<DirtyTile> PaintDocument::takeDirtyParts() {
     if (!allDirty_) return dirty_.take();
     std::vector<DirtyTile> all;
-    all.reserve(static_cast<std::size_t>(grid_.count()));
+    all.reserve(checkedSize(grid_.count()));
     for (int64_t index = 0; index < grid_.count(); ++index) all.push_back({index, grid_.rectOf(index)});
     allDirty_ = false;
     return all;

@@ -4,6 +4,7 @@
 #include "core/Layer.h"
 #include "core/OnionSkin.h"
 #include "core/TileGrid.h"
+#include "platform/CheckedMath.h"
 
 #include <cstdint>
 #include <functional>
@@ -44,7 +45,7 @@ public:
     const std::vector<LayerRef>& layers() const { return layers_; }
     int64_t layerCount() const { return static_cast<int64_t>(layers_.size()); }
     int64_t activeIndex() const { return activeIndex_; }
-    Layer& activeLayer() const { return *layers_[static_cast<std::size_t>(activeIndex_)]; }
+    Layer& activeLayer() const { return *layers_[checkedSize(activeIndex_)]; }
     Layer& layer(int64_t index) const; ///< A bad index stops the process.
     std::optional<int64_t> indexOf(const QUuid& id) const;
     void setActiveIndex(int64_t index); ///< Clamped to the stack.

@@ -13,8 +13,7 @@ namespace qirn {
 RGBABuffer::RGBABuffer(int64_t width, int64_t height)
     : width_(std::max<int64_t>(width, 1)),
       height_(std::max<int64_t>(height, 1)),
-      data_(std::make_unique<uint8_t[]>(
-          static_cast<std::size_t>(checkedMultiply(checkedMultiply(width_, height_), 4)))) {}
+      data_(std::make_unique<uint8_t[]>(checkedSize(checkedMultiply(checkedMultiply(width_, height_), 4)))) {}
 
 std::shared_ptr<RGBABuffer> RGBABuffer::fromImage(const QImage& image) {
     if (image.width() < 1 || image.height() < 1) return nullptr;
@@ -22,7 +21,7 @@ std::shared_ptr<RGBABuffer> RGBABuffer::fromImage(const QImage& image) {
     if (converted.isNull()) return nullptr;
     auto buffer = std::make_shared<RGBABuffer>(image.width(), image.height());
     for (int y = 0; y < converted.height(); ++y) {
-        std::memcpy(buffer->row(y), converted.constScanLine(y), static_cast<std::size_t>(buffer->width_) * 4);
+        std::memcpy(buffer->row(y), converted.constScanLine(y), checkedSize(buffer->width_) * 4);
     }
     return buffer;
 }
@@ -40,7 +39,7 @@ uint64_t RGBABuffer::fingerprint() const {
 
 std::shared_ptr<RGBABuffer> RGBABuffer::copy() const {
     auto twin = std::make_shared<RGBABuffer>(width_, height_);
-    std::memcpy(twin->data(), data(), static_cast<std::size_t>(byteCount()));
+    std::memcpy(twin->data(), data(), checkedSize(byteCount()));
     return twin;
 }
 

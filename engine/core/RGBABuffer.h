@@ -1,6 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/PaintColor.h"
+#include "platform/CheckedMath.h"
 
 #include <cstdint>
 #include <memory>
@@ -26,7 +27,7 @@ public:
     int64_t byteCount() const { return width_ * height_ * 4; }
     const uint8_t* data() const { return data_.get(); }
     uint8_t* data() { return data_.get(); }
-    std::span<const uint8_t> bytes() const { return {data_.get(), static_cast<std::size_t>(byteCount())}; }
+    std::span<const uint8_t> bytes() const { return {data_.get(), checkedSize(byteCount())}; }
     const uint8_t* row(int64_t y) const { return data_.get() + y * width_ * 4; }
     uint8_t* row(int64_t y) { return data_.get() + y * width_ * 4; }
 

@@ -1,5 +1,7 @@
 #include "core/TileArray.h"
 
+#include "platform/CheckedMath.h"
+
 namespace qirn {
 
 const Tile* TileArray::at(int64_t index) const {
@@ -8,19 +10,19 @@ const Tile* TileArray::at(int64_t index) const {
 
 TileRef TileArray::share(int64_t index) const {
     require(index >= 0 && index < count_);
-    return block_ ? block_->slots[static_cast<std::size_t>(index)] : nullptr;
+    return block_ ? block_->slots[checkedSize(index)] : nullptr;
 }
 
 Tile* TileArray::mutableAt(int64_t index) const {
     require(index >= 0 && index < count_);
-    return block_ ? block_->slots[static_cast<std::size_t>(index)].get() : nullptr;
+    return block_ ? block_->slots[checkedSize(index)].get() : nullptr;
 }
 
 void TileArray::set(int64_t index, TileRef tile) {
     require(index >= 0 && index < count_);
     if (!tile && !block_) return;
     Block& block = detached();
-    block.slots[static_cast<std::size_t>(index)] = std::move(tile);
+    block.slots[checkedSize(index)] = std::move(tile);
     block.allFrozen = false;
 }
 
@@ -35,7 +37,7 @@ void TileArray::freezeAll() {
 TileArray::Block& TileArray::detached() {
     if (!block_) {
         block_ = std::make_shared<Block>();
-        block_->slots.resize(static_cast<std::size_t>(count_));
+        block_->slots.resize(checkedSize(count_));
     } else if (block_->allFrozen || block_.use_count() > 1) {
         block_ = std::make_shared<Block>(Block{block_->slots});
     }

@@ -1,5 +1,6 @@
 #pragma once
 #include "core/Tile.h"
+#include "platform/CheckedMath.h"
 
 #include <cstdint>
 #include <memory>
@@ -32,7 +33,7 @@ public:
     void forEachTile(Visit visit) const { ///< visit(index, tile), present tiles only, in order.
         if (!block_) return;
         for (int64_t i = 0; i < count_; ++i) {
-            if (const TileRef& tile = block_->slots[static_cast<std::size_t>(i)]) visit(i, *tile);
+            if (const TileRef& tile = block_->slots[checkedSize(i)]) visit(i, *tile);
         }
     }
 

@@ -1,5 +1,7 @@
 #include "core/TileGrid.h"
 
+#include "platform/CheckedMath.h"
+
 #include <algorithm>
 
 namespace qirn {
@@ -16,7 +18,7 @@ std::vector<int64_t> TileGrid::tilesIn(const IRect& rect) const {
     if (part.isEmpty()) return tiles;
     const int64_t firstCol = part.x / kTileSize, lastCol = (part.maxX() - 1) / kTileSize;
     const int64_t firstRow = part.y / kTileSize, lastRow = (part.maxY() - 1) / kTileSize;
-    tiles.reserve(static_cast<std::size_t>((lastCol - firstCol + 1) * (lastRow - firstRow + 1)));
+    tiles.reserve(checkedSize((lastCol - firstCol + 1) * (lastRow - firstRow + 1)));
     for (int64_t row = firstRow; row <= lastRow; ++row) {
         for (int64_t col = firstCol; col <= lastCol; ++col) tiles.push_back(row * cols + col);
     }

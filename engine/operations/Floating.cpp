@@ -5,6 +5,7 @@
 #include "core/MappedRect.h"
 #include "operations/RedrawTiles.h"
 #include "operations/Selection.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/Resampler.h"
 
@@ -36,7 +37,7 @@ void copyOut(const uint8_t* tilePixels, int64_t index, const IRect& tile, const 
         const uint8_t* from = tilePixels + (y - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
         uint8_t* out = to.buffer->row(y - to.rect.y) + (part.x - to.rect.x) * 4;
         if (!selection || selection->tiles().isWhole(index)) {
-            std::memcpy(out, from, static_cast<std::size_t>(part.w) * 4);
+            std::memcpy(out, from, checkedSize(part.w) * 4);
             continue;
         }
         const uint8_t* selected = selection->row(index, y - tile.y) + (part.x - tile.x);
@@ -95,7 +96,7 @@ std::shared_ptr<RGBABuffer> Floating::picture(const IRect& part) const {
     const TileGrid& grid = pixels->grid();
     const std::vector<int64_t> tiles = grid.tilesIn(part);
     concurrentPerform(std::ssize(tiles), [&](int64_t i) {
-        const int64_t index = tiles[static_cast<std::size_t>(i)];
+        const int64_t index = tiles[checkedSize(i)];
         if (const Tile* tile = pixels->tile(index))
             copyOut(tile->pixels(), index, grid.rectOf(index), nullptr, {buffer, part});
     });
@@ -119,7 +120,7 @@ std::shared_ptr<const Floating> liftFloating(PaintDocument& doc) {
             if (layer.tile(index) && !selection->tiles().isAbsent(index)) halves.push_back({index, {}, {}});
         }
         concurrentPerform(std::ssize(halves), [&](int64_t i) {
-            Halves& half = halves[static_cast<std::size_t>(i)];
+            Halves& half = halves[checkedSize(i)];
             if (selection->tiles().isWhole(half.index))
                 half.lifted = layer.tiles().share(half.index);
             else
@@ -179,7 +180,7 @@ std::optional<PlacedPixels> copyPixels(const PaintDocument& doc, Merged merged) 
     const std::vector<CompositeInput> layers =
         merged == Merged::yes ? compositeInputs(doc, ForDisplay::no) : std::vector<CompositeInput>{};
     concurrentPerform(static_cast<int64_t>(tiles.size()), [&](int64_t i) {
-        const int64_t index = tiles[static_cast<std::size_t>(i)];
+        const int64_t index = tiles[checkedSize(i)];
         if (merged == Merged::no) {
             const Tile* tile = doc.activeLayer().tile(index);
             if (tile) copyOut(tile->pixels(), index, grid.rectOf(index), selection, copy);

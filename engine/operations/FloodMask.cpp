@@ -3,6 +3,7 @@
 #include "compositing/CompositeInputs.h"
 #include "operations/TileFlood.h"
 #include "operations/TileMatch.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -98,7 +99,7 @@ public:
         : source_(doc, options),
           matcher_(source_.pixel(x, y), options.tolerance),
           grid_(doc.grid()),
-          tiles_(static_cast<std::size_t>(grid_.count())) {}
+          tiles_(checkedSize(grid_.count())) {}
 
     void fillFrom(int64_t x, int64_t y) {
         const int64_t index = grid_.indexAt(x, y);
@@ -108,7 +109,7 @@ public:
         std::vector<int64_t> wave{index};
         while (!wave.empty()) {
             concurrentPerform(static_cast<int64_t>(wave.size()), [&](int64_t i) {
-                const int64_t at = wave[static_cast<std::size_t>(i)];
+                const int64_t at = wave[checkedSize(i)];
                 tileAt(at).look(source_, matcher_, grid_, at);
                 tileAt(at).fill();
             });
@@ -130,7 +131,7 @@ public:
     TileMask mask() const {
         TileMask mask(grid_);
         for (int64_t index = 0; index < grid_.count(); ++index) {
-            const FloodTile& tile = tiles_[static_cast<std::size_t>(index)];
+            const FloodTile& tile = tiles_[checkedSize(index)];
             if (tile.state == FloodTile::State::filled) mask.coverWhole(index);
             if (tile.flood) mask.setBits(index, tile.flood->filled());
         }
@@ -138,7 +139,7 @@ public:
     }
 
 private:
-    FloodTile& tileAt(int64_t index) { return tiles_[static_cast<std::size_t>(index)]; }
+    FloodTile& tileAt(int64_t index) { return tiles_[checkedSize(index)]; }
 
     /// Into the tiles beside a tile, through the edges that the fill reached there.
     void leave(int64_t index, std::vector<int64_t>& wave) {

@@ -2,6 +2,8 @@
 // the same frozen tiles as the live layers do, so keeping one copies no pixels.
 #include "core/PaintDocument.h"
 
+#include "platform/CheckedMath.h"
+
 #include <algorithm>
 
 namespace qirn {
@@ -33,7 +35,7 @@ void PaintDocument::commit(const QString& name) {
     cursor_ = static_cast<int64_t>(history_.size()) - 1;
     ++changeCount_;
 
-    const auto limit = static_cast<std::size_t>(std::max<int64_t>(maxUndoSteps + 1, 2));
+    const auto limit = checkedSize(std::max<int64_t>(maxUndoSteps + 1, 2));
     while (history_.size() > limit) dropOldestEntry();
     if (history_.size() < kEntriesBeforeMemoryTrim) return;
     while (historyBytes() + memory_.selectionBytes() > maxUndoBytes && history_.size() > 2) dropOldestEntry();
@@ -74,20 +76,19 @@ void PaintDocument::resetHistory() {
 
 std::optional<QString> PaintDocument::undoName() const {
     if (!canUndo()) return std::nullopt;
-    return history_[static_cast<std::size_t>(cursor_)].name;
+    return history_[checkedSize(cursor_)].name;
 }
 
 std::optional<QString> PaintDocument::redoName() const {
     if (!canRedo()) return std::nullopt;
-    return history_[static_cast<std::size_t>(cursor_) + 1].name;
+    return history_[checkedSize(cursor_) + 1].name;
 }
 
 void PaintDocument::restore(int64_t entry, CountsAsChange counts) {
-    const State& state = history_[static_cast<std::size_t>(entry)].state;
+    const State& state = history_[checkedSize(entry)].state;
     std::vector<LayerRef> layers;
     layers.reserve(state.layers.size());
-    for (const LayerState& layer : state.layers)
-        layers.push_back(std::make_shared<Layer>(layer, state.grid));
+    for (const LayerState& layer : state.layers) layers.push_back(std::make_shared<Layer>(layer, state.grid));
     const bool gridChanged = !(state.grid == grid_);
     cursor_ = entry;
     grid_ = state.grid;

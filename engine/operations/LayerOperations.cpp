@@ -4,6 +4,7 @@
 #include "compositing/Compositor.h"
 #include "operations/Selection.h"
 #include "operations/TileJobs.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <array>
@@ -28,7 +29,7 @@ QString freeLayerName(const PaintDocument& doc) {
 void clearBeyond(const IRect& part, uint8_t* pixels) {
     for (int64_t y = 0; y < kTileSize; ++y) {
         const int64_t kept = y < part.h ? part.w : 0;
-        std::memset(pixels + y * kTileRowBytes + kept * 4, 0, static_cast<std::size_t>(kTileSize - kept) * 4);
+        std::memset(pixels + y * kTileRowBytes + kept * 4, 0, checkedSize(kTileSize - kept) * 4);
     }
 }
 
@@ -110,7 +111,7 @@ void moveLayer(PaintDocument& doc, int64_t from, int64_t to) {
     if (to == from) return;
     const QUuid active = doc.activeLayer().id;
     std::vector<LayerRef> layers = doc.layers();
-    const LayerRef moved = layers[static_cast<std::size_t>(from)];
+    const LayerRef moved = layers[checkedSize(from)];
     layers.erase(layers.begin() + from);
     layers.insert(layers.begin() + to, moved);
     doc.replaceLayers(std::move(layers), 0);

@@ -1,6 +1,7 @@
 #include "operations/MaskTiles.h"
 
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 
@@ -16,7 +17,7 @@ bool isAll(uint8_t byte, const uint8_t* bytes, int64_t count) {
 
 } // namespace
 
-MaskTiles::MaskTiles(const TileGrid& grid) : grid_(grid), slots_(static_cast<std::size_t>(grid.count())) {}
+MaskTiles::MaskTiles(const TileGrid& grid) : grid_(grid), slots_(checkedSize(grid.count())) {}
 
 const MaskTiles::Ref& MaskTiles::whole() {
     static const Ref tile = [] {

@@ -2,6 +2,7 @@
 #include "core/IRect.h"
 #include "core/Tile.h"
 #include "core/TileGrid.h"
+#include "platform/CheckedMath.h"
 
 #include <array>
 #include <cstdint>
@@ -27,7 +28,7 @@ public:
     const TileGrid& grid() const { return grid_; }
     bool isAbsent(int64_t index) const { return !share(index); }
     bool isWhole(int64_t index) const { return share(index) == whole(); }
-    const Ref& share(int64_t index) const { return slots_[static_cast<std::size_t>(index)]; }
+    const Ref& share(int64_t index) const { return slots_[checkedSize(index)]; }
     /// Row `y` of a tile, whatever it is.
     const uint8_t* row(int64_t index, int64_t y) const;
     IRect bounds() const; ///< Tight box of all bytes that are not 0; the zero rectangle when there are none.
@@ -40,7 +41,7 @@ public:
     }
 
     // Different tiles may be set from different threads.
-    void set(int64_t index, Ref tile) { slots_[static_cast<std::size_t>(index)] = std::move(tile); }
+    void set(int64_t index, Ref tile) { slots_[checkedSize(index)] = std::move(tile); }
     /// A new tile, of which nothing is kept where it is 0 or 255 all over the canvas.
     void setBytes(int64_t index, std::unique_ptr<MaskTile> tile);
 

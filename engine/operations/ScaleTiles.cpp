@@ -1,5 +1,6 @@
 #include "operations/RedrawTiles.h"
 #include "operations/TileJobs.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/ScaleBlock.h"
 
@@ -27,7 +28,7 @@ SourceRows rowsOf(const Layer& layer) {
         bool empty = true;
         for (int64_t at = x; at < x + count;) {
             const int64_t end = std::min((at / kTileSize + 1) * kTileSize, x + count);
-            const auto bytes = static_cast<std::size_t>(end - at) * 4;
+            const auto bytes = checkedSize(end - at) * 4;
             uint8_t* out = scratch + (at - x) * 4;
             if (const Tile* tile = layer.tile(firstTile + at / kTileSize)) {
                 std::memcpy(out, tile->pixels() + row + at % kTileSize * 4, bytes);
@@ -105,8 +106,8 @@ void scaleTiles(Layer& from, Layer& to) {
     TileJobs<Key> jobs;
     std::unordered_map<int64_t, PixelBytes> colors; // of the slots that have one
     for (int64_t slot = 0; slot < grid.count(); ++slot) {
-        const auto& span = columns[static_cast<std::size_t>(slot % grid.cols)];
-        const auto& lines = rows[static_cast<std::size_t>(slot / grid.cols)];
+        const auto& span = columns[checkedSize(slot % grid.cols)];
+        const auto& lines = rows[checkedSize(slot / grid.cols)];
         const Under under = lookUnder(from, {span.first, lines.first, span.count, lines.count}, oneColor);
         if (!under.any) continue;
         const IRect part = grid.rectOf(slot);

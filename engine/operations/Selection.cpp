@@ -1,5 +1,6 @@
 #include "operations/Selection.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"
 
@@ -78,7 +79,7 @@ void combine(MaskTiles& fresh, SelectionOp op, const MaskTiles& kept) {
             edges.push_back(index);
     }
     concurrentPerform(static_cast<int64_t>(edges.size()), [&](int64_t i) {
-        const int64_t index = edges[static_cast<std::size_t>(i)];
+        const int64_t index = edges[checkedSize(i)];
         auto bytes = std::make_unique<MaskTile>(*fresh.share(index));
         const uint8_t* old = kept.row(index, 0);
         for (uint8_t& byte : *bytes) byte = combined(op, byte, *old++);
@@ -101,7 +102,7 @@ SelectionRef Selection::fromTiles(MaskTiles tiles, QPainterPath outline) {
 
 std::vector<uint8_t> Selection::rasterize(const QPainterPath& path, int64_t width, int64_t height,
                                           Antialias antialias) {
-    std::vector<uint8_t> mask(static_cast<std::size_t>(width * height));
+    std::vector<uint8_t> mask(checkedSize(width * height));
     fillPathCoverage(path, antialias, mask.data(), width, height);
     return mask;
 }

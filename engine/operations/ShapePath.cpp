@@ -1,5 +1,6 @@
 #include "operations/ShapePath.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Trigonometry.h"
 
 #include <algorithm>
@@ -94,7 +95,7 @@ void layPath(const QPainterPath& path, const PaintColor& color, Antialias antial
         const int64_t bandRows = kMaskBytes / columns;
         for (int64_t top = 0; top < out.rect.h;) {
             const int64_t rows = std::min({bandRows, kMostColumns, out.rect.h - top});
-            std::vector<uint8_t> mask(static_cast<std::size_t>(columns * rows));
+            std::vector<uint8_t> mask(checkedSize(columns * rows));
             const QPainterPath here = path.translated(-static_cast<double>(out.rect.x + left),
                                                       -static_cast<double>(out.rect.y + top));
             fillPathCoverage(here, antialias, mask.data(), columns, rows);

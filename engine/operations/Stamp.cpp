@@ -1,6 +1,7 @@
 #include "operations/Stamp.h"
 
 #include "operations/Selection.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -84,7 +85,7 @@ void stampTiles(Layer& source, Layer& layer) {
     });
     const auto lay = layer.alphaLocked ? stampWhole<layWithinAlpha> : stampWhole<layOver>;
     concurrentPerform(std::ssize(mixed), [&](int64_t i) {
-        Mixed& at = mixed[static_cast<std::size_t>(i)];
+        Mixed& at = mixed[checkedSize(i)];
         auto made = std::make_shared<Tile>(*layer.tile(at.index));
         if (lay(source.tile(at.index)->pixels(), made->writablePixels())) at.made = std::move(made);
     });

@@ -1,5 +1,6 @@
 #pragma once
 #include "core/Tile.h"
+#include "platform/CheckedMath.h"
 
 #include <array>
 #include <bit>
@@ -21,8 +22,8 @@ struct BitRow {
         return row;
     }
 
-    uint64_t& operator[](int word) { return words[static_cast<std::size_t>(word)]; }
-    uint64_t operator[](int word) const { return words[static_cast<std::size_t>(word)]; }
+    uint64_t& operator[](int word) { return words[checkedSize(word)]; }
+    uint64_t operator[](int word) const { return words[checkedSize(word)]; }
     bool has(int at) const { return ((*this)[at / 64] >> at % 64 & 1) != 0; }
     void set(int at) { (*this)[at / 64] |= uint64_t{1} << at % 64; }
     void clear(int at) { (*this)[at / 64] &= ~(uint64_t{1} << at % 64); }
@@ -65,8 +66,8 @@ struct BitRow {
 struct TileBits {
     std::array<BitRow, kTileSize> rows;
 
-    BitRow& operator[](int y) { return rows[static_cast<std::size_t>(y)]; }
-    const BitRow& operator[](int y) const { return rows[static_cast<std::size_t>(y)]; }
+    BitRow& operator[](int y) { return rows[checkedSize(y)]; }
+    const BitRow& operator[](int y) const { return rows[checkedSize(y)]; }
     BitRow anyRow() const { ///< Set where it is in one row or more.
         BitRow any;
         for (const BitRow& row : rows) any |= row;

@@ -1,5 +1,6 @@
 #pragma once
 #include "core/Layer.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <cstdint>
@@ -28,7 +29,7 @@ public:
     /// Runs `draw(job, pixels)` for all in parallel and puts what has alpha into the layer.
     template <class Draw> void run(Layer& to, Draw draw) {
         concurrentPerform(static_cast<int64_t>(jobs_.size()), [&](int64_t i) {
-            TileJob& job = jobs_[static_cast<std::size_t>(i)];
+            TileJob& job = jobs_[checkedSize(i)];
             auto tile = std::make_shared<Tile>();
             draw(job, tile->writablePixels());
             if (!tile->isEmpty()) job.made = std::move(tile);

@@ -1,5 +1,6 @@
 #include "operations/TileMask.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <array>
@@ -37,7 +38,7 @@ BitRow grownAcross(const BitRow& row, bool before, bool after) {
 
 } // namespace
 
-TileMask::TileMask(const TileGrid& grid) : grid_(grid), slots_(static_cast<std::size_t>(grid.count())) {}
+TileMask::TileMask(const TileGrid& grid) : grid_(grid), slots_(checkedSize(grid.count())) {}
 
 const BitRow& TileMask::row(int64_t index, int y) const {
     const Slot& tile = slot(index);

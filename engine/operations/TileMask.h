@@ -3,6 +3,7 @@
 #include "core/TileGrid.h"
 #include "operations/RowPainter.h"
 #include "operations/TileBits.h"
+#include "platform/CheckedMath.h"
 
 #include <cstdint>
 #include <memory>
@@ -37,8 +38,8 @@ private:
         Cover cover = Cover::none;
         std::unique_ptr<const TileBits> bits; // with Cover::bits only
     };
-    const Slot& slot(int64_t index) const { return slots_[static_cast<std::size_t>(index)]; }
-    Slot& slot(int64_t index) { return slots_[static_cast<std::size_t>(index)]; }
+    const Slot& slot(int64_t index) const { return slots_[checkedSize(index)]; }
+    Slot& slot(int64_t index) { return slots_[checkedSize(index)]; }
     void growTile(int64_t index, TileMask& to) const;
 
     TileGrid grid_;

@@ -2,6 +2,7 @@
 
 #include "operations/Selection.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -49,7 +50,7 @@ void TileParts::run(const std::function<void(const TilePart& part, int64_t y)>& 
         if (tile && !tile->isFrozen()) pixels[i] = layer_.writableTile(taken_[i].index).writablePixels();
     }
     concurrentPerform(static_cast<int64_t>(taken_.size()), [&](int64_t at) {
-        const auto i = static_cast<std::size_t>(at);
+        const auto i = checkedSize(at);
         const auto& [index, part, old] = taken_[i];
         if (!pixels[i]) {
             const Tile* tile = layer_.tile(index);

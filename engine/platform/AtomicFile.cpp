@@ -1,5 +1,6 @@
 #include "platform/AtomicFile.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/FilePath.h"
 
 #include <cerrno>
@@ -66,8 +67,8 @@ std::string followLinks(std::string path, const FileCalls& calls) {
         const ssize_t length = calls.readlink(path.c_str(), target, sizeof target);
         if (length < 0 && (errno == EINVAL || errno == ENOENT)) return path;
         if (length < 0) throw FileError(errno);
-        if (static_cast<std::size_t>(length) >= sizeof target) throw FileError(ENAMETOOLONG);
-        const std::string name(target, static_cast<std::size_t>(length));
+        if (checkedSize(length) >= sizeof target) throw FileError(ENAMETOOLONG);
+        const std::string name(target, checkedSize(length));
         path = name.starts_with('/') ? name : folderOf(path) + name;
     }
     throw FileError(ELOOP);
@@ -102,7 +103,7 @@ public:
             const ssize_t count =
                 checked([&] { return calls_.write(descriptor_, bytes.data(), bytes.size()); });
             if (count == 0) throw FileError(ENOSPC); // a full disk may answer so
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
+            bytes = bytes.subspan(checkedSize(count));
         }
     }
     void flush() const {

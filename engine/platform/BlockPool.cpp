@@ -1,5 +1,6 @@
 #include "platform/BlockPool.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -208,10 +209,9 @@ private:
         auto* const start = static_cast<uint8_t*>(mapped);
         const auto past = reinterpret_cast<uintptr_t>(start) % kPageBytes;
         uint8_t* const page = start + (past == 0 ? 0 : kPageBytes - past);
-        if (page > start) munmap(start, static_cast<std::size_t>(page - start));
+        if (page > start) munmap(start, checkedSize(page - start));
         uint8_t* const behind = page + kPageBytes;
-        if (behind < start + 2 * kPageBytes)
-            munmap(behind, static_cast<std::size_t>(start + 2 * kPageBytes - behind));
+        if (behind < start + 2 * kPageBytes) munmap(behind, checkedSize(start + 2 * kPageBytes - behind));
         // No large pages: filling one takes the system up to 25 ms, which a pen feels, and opening a picture twice as long.
         try {
             pages_.emplace(page, PageBlocks());

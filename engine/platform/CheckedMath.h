@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/Require.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qirn {
@@ -22,6 +23,12 @@ inline int64_t checkedMultiply(int64_t a, int64_t b) {
     int64_t product = 0;
     require(!__builtin_mul_overflow(a, b, &product));
     return product;
+}
+
+/// One of our counts or places, which are signed, as the standard library takes it; a negative one stops the process.
+constexpr std::size_t checkedSize(int64_t count) {
+    require(count >= 0);
+    return static_cast<std::size_t>(count);
 }
 
 /// A finite number that fits 64 bits, with its fraction cut off; anything else stops the process.

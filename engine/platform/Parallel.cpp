@@ -1,5 +1,7 @@
 #include "platform/Parallel.h"
 
+#include "platform/CheckedMath.h"
+
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -37,7 +39,7 @@ struct Order {
 /// As many threads as asked for, also where the machine has fewer processors.
 struct Limit {
     explicit Limit(int threads)
-        : control(tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(threads)),
+        : control(tbb::global_control::max_allowed_parallelism, checkedSize(threads)),
           arena(threads) {}
 
     tbb::global_control control;
@@ -80,7 +82,7 @@ void concurrentPerformByWorkers(int64_t workers, int64_t count,
                                 const std::function<void(std::size_t worker, int64_t index)>& body) {
     std::atomic<int64_t> next = 0;
     concurrentPerform(std::min(workers, count), [&](int64_t worker) {
-        for (int64_t i; (i = next++) < count;) body(static_cast<std::size_t>(worker), i);
+        for (int64_t i; (i = next++) < count;) body(checkedSize(worker), i);
     });
 }
 
@@ -88,13 +90,13 @@ void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)
                              const std::function<void(int64_t)>& body) {
     if (count < 1) return;
     const int64_t threads = std::min<int64_t>(concurrency(), count);
-    std::vector<std::atomic_flag> taken(static_cast<std::size_t>(count));
+    std::vector<std::atomic_flag> taken(checkedSize(count));
     // The one partitioner that gives an index to the same thread each time.
     perform<tbb::static_partitioner>(threads, [&](int64_t thread) {
         for (const bool atHome : {true, false}) {
             for (int64_t i = 0; i < count; ++i) {
                 if (atHome && homeOf(i) % threads != thread) continue;
-                if (!taken[static_cast<std::size_t>(i)].test_and_set(std::memory_order_relaxed)) body(i);
+                if (!taken[checkedSize(i)].test_and_set(std::memory_order_relaxed)) body(i);
             }
         }
     });

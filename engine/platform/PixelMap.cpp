@@ -1,5 +1,7 @@
 #include "platform/PixelMap.h"
 
+#include "platform/CheckedMath.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -59,7 +61,7 @@ void PixelMap::copy(const uint8_t* source, int64_t sourceRowBytes, uint8_t* targ
     const int64_t stepY = xy * 4 + yy * sourceRowBytes;
     if (stepX == 4) {
         for (int64_t y = 0; y < height; ++y) {
-            std::memcpy(target + y * targetRowBytes, source + y * stepY, static_cast<std::size_t>(width) * 4);
+            std::memcpy(target + y * targetRowBytes, source + y * stepY, checkedSize(width) * 4);
         }
         return;
     }

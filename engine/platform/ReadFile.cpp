@@ -1,5 +1,6 @@
 #include "platform/ReadFile.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/FilePath.h"
 
 #include <algorithm>
@@ -84,8 +85,7 @@ QByteArray readFile(const QString& path, int64_t mostBytes) {
         if (room - 1 > most)
             refuse(QT_TRANSLATE_NOOP("ReadError", "The file is too large for the memory that is free."));
         bytes.resize(room);
-        const ssize_t count =
-            ::read(file.number, bytes.data() + length, static_cast<std::size_t>(room - length));
+        const ssize_t count = ::read(file.number, bytes.data() + length, checkedSize(room - length));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) fail(errno);
         if (count == 0) break;

@@ -1,5 +1,6 @@
 #include "platform/Resampler.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/TurnBlock.h"
 
@@ -70,7 +71,7 @@ SourceRows rowsOf(const PixelView& source) {
 
 void clear(const TargetBlock& block) {
     for (int64_t y = 0; y < block.height; ++y) {
-        std::memset(block.pixels + y * block.rowBytes, 0, static_cast<std::size_t>(block.width) * 4);
+        std::memset(block.pixels + y * block.rowBytes, 0, checkedSize(block.width) * 4);
     }
 }
 
@@ -117,7 +118,7 @@ void Resampler::reduceSource() {
     const int64_t width = reducedLength(source_.width, stepX), height = reducedLength(source_.height, stepY);
     const ScaleWeights across(source_.width, stepX, -kMargin * stepX, 0, width, Edges::transparent);
     const ScaleWeights down(source_.height, stepY, -kMargin * stepY, 0, height, Edges::transparent);
-    reduced_.resize(static_cast<std::size_t>(width * height) * 4);
+    reduced_.resize(checkedSize(width * height) * 4);
     drawBlocks(0, 0, width, height, reduced_.data(), [&, rows = rowsOf(source_)](const TargetBlock& block) {
         scaleBlock(rows, across, down, block);
     });

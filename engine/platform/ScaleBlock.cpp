@@ -1,5 +1,6 @@
 #include "platform/ScaleBlock.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/FloatPixel.h"
 
 #include <algorithm>
@@ -33,16 +34,16 @@ public:
           across_(across),
           block_(block),
           columns_(across.reachOf(block.x, block.width)),
-          scratch_(static_cast<std::size_t>(columns_.count) * 4),
+          scratch_(checkedSize(columns_.count) * 4),
           widened_(scratch_.size()),
-          floats_(static_cast<std::size_t>(held * block.width) * 4),
-          heldRow_(static_cast<std::size_t>(held), -1),
-          hasAlpha_(static_cast<std::size_t>(held)) {}
+          floats_(checkedSize(held * block.width) * 4),
+          heldRow_(checkedSize(held), -1),
+          hasAlpha_(checkedSize(held)) {}
 
     /// Null when the whole row is transparent. Valid until another row falls on the same place.
     const float* row(int64_t y) {
-        const auto place = static_cast<std::size_t>(y) % heldRow_.size();
-        float* floats = floats_.data() + place * static_cast<std::size_t>(block_.width) * 4;
+        const auto place = checkedSize(y) % heldRow_.size();
+        float* floats = floats_.data() + place * checkedSize(block_.width) * 4;
         if (heldRow_[place] != y) {
             heldRow_[place] = y;
             const uint8_t* bytes = rows_(columns_.first, y, columns_.count, scratch_.data());
@@ -92,7 +93,7 @@ void scaleBlock(const SourceRows& rows, const ScaleWeights& across, const ScaleW
     for (int64_t y = 0; y < block.height; ++y) held = std::max(held, down.of(block.y + y).count);
     FilteredRows filtered(rows, across, block, held);
     const int64_t floats = block.width * 4;
-    std::vector<float> sums(static_cast<std::size_t>(floats));
+    std::vector<float> sums(checkedSize(floats));
     for (int64_t y = 0; y < block.height; ++y) {
         std::fill(sums.begin(), sums.end(), 0.0f);
         const ScaleWeights::Span span = down.of(block.y + y);

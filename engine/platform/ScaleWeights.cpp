@@ -1,5 +1,6 @@
 #include "platform/ScaleWeights.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ ScaleWeights::ScaleWeights(int64_t sourceLength, double step, double origin, int
     : sourceLength_(sourceLength),
       firstTarget_(first) {
     const double width = std::max(1.0, std::fabs(step));
-    entries_.reserve(static_cast<std::size_t>(std::max<int64_t>(count, 0)));
+    entries_.reserve(checkedSize(std::max<int64_t>(count, 0)));
     for (int64_t x = first; x < first + count; ++x) {
         // In units in which the centres of the source pixels are whole numbers.
         entries_.push_back(entryFor(step * (static_cast<double>(x) + 0.5) + origin - 0.5, width, edges));
@@ -39,10 +40,9 @@ ScaleWeights::Entry ScaleWeights::entryFor(double centre, double width, Edges ed
         for (double i = begin; i < end; ++i) sum += weight(i);
     }
     Entry entry{inside(begin), inside(end - 1) + 1 - inside(begin), weights_.size()};
-    weights_.resize(entry.weights + static_cast<std::size_t>(entry.count));
+    weights_.resize(entry.weights + checkedSize(entry.count));
     const auto add = [&](double i, int64_t at) {
-        weights_[entry.weights + static_cast<std::size_t>(at - entry.first)] +=
-            static_cast<float>(weight(i) / sum);
+        weights_[entry.weights + checkedSize(at - entry.first)] += static_cast<float>(weight(i) / sum);
     };
     if (edges == Edges::extended) {
         for (double i = begin; i < end; ++i) add(i, inside(i));
@@ -63,7 +63,7 @@ ScaleWeights::Entry ScaleWeights::entryFor(double centre, double width, Edges ed
 }
 
 ScaleWeights::Span ScaleWeights::of(int64_t target) const {
-    const auto index = static_cast<std::size_t>(target - firstTarget_);
+    const auto index = checkedSize(target - firstTarget_);
     require(index < entries_.size());
     const Entry& entry = entries_[index];
     return {entry.first, entry.count, weights_.data() + entry.weights};

@@ -1,5 +1,6 @@
 #include "platform/TurnBlock.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/FloatPixel.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ void turnBlock(const PixelView& source, const QTransform& toSource, double filte
     const double lowX = -2 * filterX, highX = static_cast<double>(source.width - 1) - lowX;
     const double lowY = -2 * filterY, highY = static_cast<double>(source.height - 1) - lowY;
     const int padded = columns <= 4 ? 4 : kMostTaps; // pixels that are read of a line
-    std::vector<float> sums(static_cast<std::size_t>(block.width) * 4);
+    std::vector<float> sums(checkedSize(block.width) * 4);
     for (int64_t row = 0; row < block.height; ++row) {
         uint8_t* out = block.pixels + row * block.rowBytes;
         // In units in which the centres of the source pixels are whole numbers.
@@ -107,7 +108,7 @@ void turnBlock(const PixelView& source, const QTransform& toSource, double filte
         int64_t first = block.x, end = block.x + block.width;
         narrow(toSource.m11(), baseX, lowX, highX, first, end);
         narrow(toSource.m12(), baseY, lowY, highY, first, end);
-        std::memset(out, 0, static_cast<std::size_t>(block.width) * 4);
+        std::memset(out, 0, checkedSize(block.width) * 4);
         float* sum = sums.data();
         for (int64_t x = first; x < end; ++x, sum += 4) {
             const double centreX = static_cast<double>(x) + 0.5;

@@ -3,6 +3,7 @@
 #include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
+#include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
 
 #include <set>
@@ -126,7 +127,7 @@ bool RecoverySheet::restore(const Recovery::Item& item) {
 
 void RecoverySheet::recover(int row) {
     if (row < 0 || row >= static_cast<int>(items_.size())) return;
-    restore(items_[static_cast<std::size_t>(row)]);
+    restore(items_[checkedSize(row)]);
     reload();
     if (items_.empty()) accept();
 }
@@ -138,7 +139,7 @@ void RecoverySheet::recoverAll() {
 
 void RecoverySheet::moveToTrash(int row) {
     if (row < 0 || row >= static_cast<int>(items_.size())) return;
-    const Recovery::Item item = items_[static_cast<std::size_t>(row)];
+    const Recovery::Item item = items_[checkedSize(row)];
     try {
         Recovery::moveToTrash(item);
     } catch (const DescribedError& error) {

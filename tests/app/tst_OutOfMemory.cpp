@@ -53,6 +53,8 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return std::malloc(size);
 }
+// Newer compilers believe that memory of `new` comes from their own.
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 void operator delete(void* piece) noexcept {
     std::free(piece);
 }

@@ -1,5 +1,6 @@
 #include "formats/common/AreaReducer.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ AreaReducer::AreaReducer(int64_t sourceWidth, int64_t sourceHeight, int64_t targ
     : across_{sourceWidth, targetWidth},
       down_{sourceHeight, targetHeight},
       window_(window),
-      sums_(static_cast<std::size_t>(window.w * window.h * 4)) {
+      sums_(checkedSize(window.w * window.h * 4)) {
     require(targetWidth >= 1 && targetWidth <= sourceWidth);
     require(targetHeight >= 1 && targetHeight <= sourceHeight);
 }
@@ -57,8 +58,8 @@ AreaReducer::Patch AreaReducer::reduce(const IRect& source, const uint8_t* pixel
     Patch patch{targetOf(source), {}};
     const IRect& place = patch.place;
     if (place.isEmpty()) return patch;
-    const auto rowSums = static_cast<std::size_t>(place.w * 4);
-    patch.sums.assign(rowSums * static_cast<std::size_t>(place.h), 0);
+    const auto rowSums = checkedSize(place.w * 4);
+    patch.sums.assign(rowSums * checkedSize(place.h), 0);
     std::vector<uint32_t> row(rowSums); // each at most 255 * 30,000
     for (int64_t y = source.y; y < source.maxY(); ++y) {
         const int64_t firstRow = std::max(down_.firstTarget(y), place.y);
@@ -67,7 +68,7 @@ AreaReducer::Patch AreaReducer::reduce(const IRect& source, const uint8_t* pixel
         sumRow(source, pixels + (y - source.y) * rowBytes, place, row.data());
         for (int64_t ty = firstRow; ty < endRow; ++ty) {
             const auto weight = static_cast<uint64_t>(down_.overlap(y, y + 1, ty));
-            uint64_t* sums = patch.sums.data() + static_cast<std::size_t>(ty - place.y) * rowSums;
+            uint64_t* sums = patch.sums.data() + checkedSize(ty - place.y) * rowSums;
             for (std::size_t i = 0; i < rowSums; ++i) sums[i] += weight * row[i];
         }
     }
@@ -77,7 +78,7 @@ AreaReducer::Patch AreaReducer::reduce(const IRect& source, const uint8_t* pixel
 AreaReducer::Patch AreaReducer::reduceUniform(const IRect& source, const PixelBytes& pixel) const {
     Patch patch{targetOf(source), {}};
     const IRect& place = patch.place;
-    patch.sums.reserve(static_cast<std::size_t>(place.w * place.h * 4));
+    patch.sums.reserve(checkedSize(place.w * place.h * 4));
     for (int64_t ty = place.y; ty < place.maxY(); ++ty) {
         const int64_t height = down_.overlap(source.y, source.maxY(), ty);
         for (int64_t tx = place.x; tx < place.maxX(); ++tx) {

@@ -1,5 +1,6 @@
 #include "formats/common/ByteReader.h"
 
+#include "platform/CheckedMath.h"
 #include "platform/Require.h"
 
 namespace qirn {
@@ -44,7 +45,7 @@ uint64_t BEReader::u64() {
 
 std::span<const uint8_t> BEReader::slice(int64_t count) {
     if (count < 0 || count > remaining()) throw Short();
-    const auto part = bytes_.subspan(static_cast<std::size_t>(pos_), static_cast<std::size_t>(count));
+    const auto part = bytes_.subspan(checkedSize(pos_), checkedSize(count));
     pos_ += count;
     return part;
 }
@@ -71,7 +72,7 @@ std::span<uint8_t> BEWriter::grow(int64_t count) {
     const qsizetype before = bytes_.size(), needed = before + static_cast<qsizetype>(count);
     if (needed > bytes_.capacity()) bytes_.reserve(needed + needed / 4); // left alone it takes twice as much
     bytes_.resize(needed);
-    return {reinterpret_cast<uint8_t*>(bytes_.data()) + before, static_cast<std::size_t>(count)};
+    return {reinterpret_cast<uint8_t*>(bytes_.data()) + before, checkedSize(count)};
 }
 
 void BEWriter::patchU32(int64_t at, uint32_t value) {

@@ -2,6 +2,7 @@
 
 #include "formats/common/SrgbBytes.h"
 #include "formats/common/WideColorTables.h"
+#include "platform/CheckedMath.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -133,14 +134,13 @@ std::shared_ptr<const WideColorTables> tablesFrom(const Context& context, const 
 /// Whether 8-bit colours come out of a transform as they went in, but for rounding.
 bool changesNothing(void* transform, int channels) {
     std::vector<uint8_t> colors;
-    for (int v = 0; v < 256; ++v)
-        colors.insert(colors.end(), static_cast<std::size_t>(channels), static_cast<uint8_t>(v));
+    for (int v = 0; v < 256; ++v) colors.insert(colors.end(), checkedSize(channels), static_cast<uint8_t>(v));
     constexpr int kStep = 17;
     for (int i = 0; channels == 3 && i < 16 * 16 * 16; ++i) {
         for (const int part : {i % 16, i / 16 % 16, i / 256})
             colors.push_back(static_cast<uint8_t>(part * kStep));
     }
-    const std::size_t count = colors.size() / static_cast<std::size_t>(channels);
+    const std::size_t count = colors.size() / checkedSize(channels);
     std::vector<uint8_t> rgba(count * 4);
     cmsDoTransform(transform, colors.data(), rgba.data(), static_cast<cmsUInt32Number>(count));
     for (std::size_t i = 0; i < count; ++i) {

@@ -1,5 +1,7 @@
 #include "formats/common/FlatTiles.h"
 
+#include "platform/CheckedMath.h"
+
 #include <cstring>
 
 namespace qirn {
@@ -9,7 +11,7 @@ void fillPart(Tile& tile, const IRect& part, const PixelBytes& pixel) {
     uint8_t* const start = tile.writablePixels() + part.y * kTileRowBytes + part.x * 4;
     for (int64_t x = 0; x < part.w; ++x) std::memcpy(start + x * 4, pixel.data(), 4);
     for (int64_t y = 1; y < part.h; ++y)
-        std::memcpy(start + y * kTileRowBytes, start, static_cast<std::size_t>(part.w) * 4);
+        std::memcpy(start + y * kTileRowBytes, start, checkedSize(part.w) * 4);
 }
 
 TileRef FlatTiles::tile(const IRect& part, const PixelBytes& pixel) {

@@ -1,6 +1,7 @@
 #include "formats/common/InflateStream.h"
 
 #include "formats/common/ByteReader.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <array>
@@ -55,7 +56,7 @@ void InflateStream::skip(int64_t count) {
     std::array<uint8_t, 16384> unused;
     while (count > 0) {
         const auto step = std::min<int64_t>(count, static_cast<int64_t>(unused.size()));
-        read({unused.data(), static_cast<std::size_t>(step)});
+        read({unused.data(), checkedSize(step)});
         count -= step;
     }
 }

@@ -4,6 +4,7 @@
 #include "core/PaintEngine.h"
 #include "formats/common/FlatTiles.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"
 
@@ -63,11 +64,11 @@ PictureBuilder::PictureBuilder(int64_t width, int64_t height, ColorProfile profi
       toStored_(orientation.toStored(width, height)),
       toUpright_(toStored_.inverse()),
       grid_(orientation.swapsSides() ? TileGrid(height, width) : TileGrid(width, height)),
-      growing_(static_cast<std::size_t>(grid_.count())) {
+      growing_(checkedSize(grid_.count())) {
     require(isReadableSize(width, height));
     rowBytes_ = (width * profile_.layout().pixelBytes() + 7) / 8 * 8;
     rowsAtOnce_ = std::clamp<int64_t>(kBlockBytes / rowBytes_, 1, height);
-    block_.resize(static_cast<std::size_t>(rowsAtOnce_ * rowBytes_ / 8));
+    block_.resize(checkedSize(rowsAtOnce_ * rowBytes_ / 8));
 }
 
 void* PictureBuilder::row() {
@@ -83,7 +84,7 @@ LayerRef PictureBuilder::finish() {
     FlatTiles flats;
     const IRect given = mapped(toUpright_, {0, 0, width_, rowsGiven_});
     for (const int64_t slot : grid_.tilesIn(given)) {
-        Growing& growing = growing_[static_cast<std::size_t>(slot)];
+        Growing& growing = growing_[checkedSize(slot)];
         layer->setTile(slot, growing.tile ? std::move(growing.tile)
                                           : flats.tile(partOfTile(slot, {0, 0, width_, rowsGiven_}),
                                                        growing.pixel.value_or(PixelBytes{})));
@@ -96,7 +97,7 @@ void PictureBuilder::convertRows() {
     const IRect block{0, rowsDone_, width_, rowsGiven_ - rowsDone_};
     const std::vector<int64_t> slots = grid_.tilesIn(mapped(toUpright_, block));
     concurrentPerform(std::ssize(slots), [&](int64_t i) {
-        const int64_t slot = slots[static_cast<std::size_t>(i)];
+        const int64_t slot = slots[checkedSize(i)];
         const IRect part = mapped(toStored_, grid_.rectOf(slot)).intersection(block);
         for (int64_t y = part.y; y < part.maxY(); y += kStripRows)
             addPart(slot, {part.x, y, part.w, std::min(kStripRows, part.maxY() - y)});
@@ -106,7 +107,7 @@ void PictureBuilder::convertRows() {
 
 /// `stored` lies in the slot and is at most `kStripRows` high.
 void PictureBuilder::addPart(int64_t slot, const IRect& stored) {
-    Growing& growing = growing_[static_cast<std::size_t>(slot)];
+    Growing& growing = growing_[checkedSize(slot)];
     uint8_t rgba[kStripRows * kTileRowBytes];
     std::optional<PixelBytes> flat = flatPixel(stored);
     if (!flat) {
@@ -151,8 +152,7 @@ std::optional<PixelBytes> PictureBuilder::flatPixel(const IRect& stored) const {
     const uint8_t* const first = storedPixel(stored.x, stored.y);
     for (int64_t y = stored.y; y < stored.maxY(); ++y) {
         const uint8_t* const row = storedPixel(stored.x, y);
-        if (std::memcmp(row, first, static_cast<std::size_t>(pixelBytes)) != 0 ||
-            !allAlike(row, stored.w, pixelBytes))
+        if (std::memcmp(row, first, checkedSize(pixelBytes)) != 0 || !allAlike(row, stored.w, pixelBytes))
             return std::nullopt;
     }
     PixelBytes pixel;

@@ -2,6 +2,7 @@
 
 #include "core/PaintEngine.h"
 #include "formats/common/AreaReducer.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
 
@@ -41,8 +42,7 @@ QImage ImageExport::scaled(const QImage& image, int64_t maxSide) {
             reducer.reduce(rows, source.constScanLine(static_cast<int>(rows.y)), source.bytesPerLine()));
         const auto pixels = reducer.result();
         for (int64_t y = 0; y < band.h; ++y) {
-            std::memcpy(targetBytes + (top + y) * targetRow, pixels->row(y),
-                        static_cast<std::size_t>(band.w) * 4);
+            std::memcpy(targetBytes + (top + y) * targetRow, pixels->row(y), checkedSize(band.w) * 4);
         }
     });
     return target;

@@ -2,6 +2,7 @@
 
 #include "core/SeededRandom.h"
 #include "formats/common/SrgbBytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <cmath>
@@ -44,8 +45,7 @@ std::shared_ptr<const WideColorTables> WideColorTables::ofGray(const Transform& 
     std::vector<uint16_t> values(kValues);
     for (std::size_t v = 0; v < values.size(); ++v) values[v] = static_cast<uint16_t>(v);
     concurrentPerform(kValues / kAtOnce, [&](int64_t i) {
-        exact(&values[static_cast<std::size_t>(i * kAtOnce)],
-              &tables->grays_[static_cast<std::size_t>(i * kAtOnce)], kAtOnce);
+        exact(&values[checkedSize(i * kAtOnce)], &tables->grays_[checkedSize(i * kAtOnce)], kAtOnce);
     });
     return tables;
 }
@@ -72,7 +72,7 @@ std::shared_ptr<const WideColorTables> WideColorTables::ofRgb(const Transform& e
     for (auto& curve : shaped.curves) curve.resize(kValues);
     concurrentPerform(kValues / kAtOnce, [&](int64_t task) {
         std::vector<std::array<float, 3>> grays(kAtOnce), light(kAtOnce);
-        const auto first = static_cast<std::size_t>(task * kAtOnce);
+        const auto first = checkedSize(task * kAtOnce);
         for (std::size_t i = 0; i < grays.size(); ++i)
             grays[i].fill(static_cast<float>(first + i) / 65535.0f);
         linear(grays.data(), light.data(), kAtOnce);

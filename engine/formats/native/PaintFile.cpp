@@ -4,6 +4,7 @@
 
 #include "core/PaintDocument.h"
 #include "formats/pictures/PngReader.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 
@@ -21,7 +22,7 @@ DocumentSnapshot snapshot(PaintDocument& doc) {
 }
 
 DocumentSnapshot snapshotOfLastCommit(const PaintDocument& doc) {
-    const PaintDocument::State& state = doc.history()[static_cast<std::size_t>(doc.undoDepth())].state;
+    const PaintDocument::State& state = doc.history()[checkedSize(doc.undoDepth())].state;
     const auto top = static_cast<int64_t>(state.layers.size()) - 1;
     return {state.grid, state.dpi, state.layers, std::min(doc.activeIndex(), top), doc.onion};
 }
@@ -44,7 +45,7 @@ std::optional<QImage> PaintFile::thumbnailOf(std::span<const uint8_t> file) {
     try {
         const auto [manifest, blobOffset] = manifestOf(file);
         if (!manifest.thumbnail) return std::nullopt;
-        const auto png = storedBytes(file.subspan(static_cast<std::size_t>(blobOffset)), *manifest.thumbnail);
+        const auto png = storedBytes(file.subspan(checkedSize(blobOffset)), *manifest.thumbnail);
         if (!png) return std::nullopt;
         return decodePNG(*png);
     } catch (const PaintFileError&) {

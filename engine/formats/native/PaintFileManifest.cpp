@@ -1,6 +1,7 @@
 #include "formats/native/PaintFileManifest.h"
 
 #include "core/ColorJson.h"
+#include "platform/CheckedMath.h"
 #include "platform/Json.h"
 
 #include <algorithm>
@@ -135,7 +136,7 @@ std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blo
     const auto size = static_cast<int64_t>(blob.size());
     // Compared without adding: an offset may be any number up to the largest there is.
     if (entry.o < 0 || entry.n < 1 || entry.n > size - entry.o) return std::nullopt;
-    return blob.subspan(static_cast<std::size_t>(entry.o), static_cast<std::size_t>(entry.n));
+    return blob.subspan(checkedSize(entry.o), checkedSize(entry.n));
 }
 
 } // namespace qirn::PaintFile

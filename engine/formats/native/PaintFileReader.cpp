@@ -2,6 +2,7 @@
 #include "core/PaintEngine.h"
 #include "formats/native/PaintFile.h"
 #include "formats/native/TileCodec.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -61,11 +62,11 @@ public:
 
     /// Throws for the first damaged entry of all that were added.
     void decode() {
-        std::vector<TileDecoder> decoders(static_cast<std::size_t>(concurrency()));
+        std::vector<TileDecoder> decoders(checkedSize(concurrency()));
         std::atomic<std::size_t> firstDamaged = tiles_.size();
         concurrentPerformByWorkers(std::ssize(decoders), std::ssize(tiles_),
                                    [this, &decoders, &firstDamaged](std::size_t worker, int64_t index) {
-                                       const auto i = static_cast<std::size_t>(index);
+                                       const auto i = checkedSize(index);
                                        if (i > firstDamaged.load(std::memory_order_relaxed))
                                            return; // it is not what is reported
                                        decodeOne(tiles_[i], decoders[worker]);
@@ -173,7 +174,7 @@ std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file) 
         throw PaintFileError::tooLarge();
     const TileGrid grid(manifest.width, manifest.height);
 
-    IncomingTiles tiles(file.subspan(static_cast<std::size_t>(blobOffset)), grid.count());
+    IncomingTiles tiles(file.subspan(checkedSize(blobOffset)), grid.count());
     const std::vector<Placement> placements = placementsOf(manifest.layers, tiles);
     for (const Placement& place : placements) tiles.place(place.tile);
     tiles.decode();

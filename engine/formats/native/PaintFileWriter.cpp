@@ -5,6 +5,7 @@
 #include "formats/native/TileCodec.h"
 #include "formats/pictures/PngWriter.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <limits>
@@ -47,17 +48,17 @@ private:
     void encode(const std::vector<const Tile*>& tiles, const std::vector<std::size_t>& unknown) {
         std::vector<std::optional<PixelBytes>> pixels(unknown.size());
         concurrentPerform(std::ssize(unknown), [&](int64_t i) {
-            pixels[static_cast<std::size_t>(i)] = tiles[unknown[static_cast<std::size_t>(i)]]->onlyPixel();
+            pixels[checkedSize(i)] = tiles[unknown[checkedSize(i)]]->onlyPixel();
         });
         std::map<PixelBytes, std::size_t> flat; // the tile that is encoded for a pixel
         std::vector<std::size_t> distinct;
         for (std::size_t i = 0; i < unknown.size(); ++i) {
             if (!pixels[i] || flat.try_emplace(*pixels[i], unknown[i]).second) distinct.push_back(unknown[i]);
         }
-        std::vector<TileEncoder> encoders(static_cast<std::size_t>(concurrency()));
+        std::vector<TileEncoder> encoders(checkedSize(concurrency()));
         concurrentPerformByWorkers(std::ssize(encoders), std::ssize(distinct),
                                    [&](std::size_t worker, int64_t i) {
-                                       const std::size_t which = distinct[static_cast<std::size_t>(i)];
+                                       const std::size_t which = distinct[checkedSize(i)];
                                        forms_[which] = encoders[worker].encode(*tiles[which]);
                                    });
         for (std::size_t i = 0; i < unknown.size(); ++i) {

@@ -5,6 +5,7 @@
 #include "formats/common/ScaledImage.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -49,7 +50,7 @@ QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
         const std::size_t count = std::min(kGroupsAtOnce, groups.size() - start);
         std::vector<std::vector<AreaReducer::Patch>> patches(count);
         concurrentPerform(static_cast<int64_t>(count), [&](int64_t i) {
-            const Group& group = groups[start + static_cast<std::size_t>(i)];
+            const Group& group = groups[start + checkedSize(i)];
             const auto tile = std::make_unique_for_overwrite<uint8_t[]>(kTileBytes);
             if (!Compositor::compositeTile(group.front(), inputs, tile.get())) return;
             const bool uniform = allAlike(tile.get(), kTilePixels, 4);
@@ -57,9 +58,8 @@ QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
             std::memcpy(pixel.data(), tile.get(), pixel.size());
             for (int64_t index : group) {
                 const IRect part = grid.rectOf(index);
-                patches[static_cast<std::size_t>(i)].push_back(
-                    uniform ? reducer.reduceUniform(part, pixel)
-                            : reducer.reduce(part, tile.get(), kTileRowBytes));
+                patches[checkedSize(i)].push_back(uniform ? reducer.reduceUniform(part, pixel)
+                                                          : reducer.reduce(part, tile.get(), kTileRowBytes));
             }
         });
         for (const auto& ofGroup : patches) {

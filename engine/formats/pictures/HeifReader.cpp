@@ -5,6 +5,7 @@
 #include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
 #include "formats/pictures/HevcSize.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cstring>
@@ -86,7 +87,7 @@ LayerRef converted(const heif_image* image, const heif_image_handle* handle, Sam
     PictureBuilder builder(width, height, profileOf(handle, layout)); // the decoder has turned it already
     for (int64_t y = 0; y < height; ++y) {
         void* row = builder.row();
-        std::memcpy(row, plane + y * stride, static_cast<std::size_t>(width * layout.pixelBytes()));
+        std::memcpy(row, plane + y * stride, checkedSize(width * layout.pixelBytes()));
         if (sample == SampleType::u16 && bits < 16) widen(static_cast<uint16_t*>(row), width * 4, bits);
         builder.rowDone();
     }

@@ -1,6 +1,7 @@
 #include "formats/pictures/PngChunks.h"
 
 #include "formats/common/ByteReader.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <string_view>
@@ -35,7 +36,7 @@ std::optional<PngChunks> pngChunks(std::span<const uint8_t> file) {
             const auto letters = in.slice(4);
             const std::string_view name(reinterpret_cast<const char*>(letters.data()), letters.size());
             if (name == "IDAT") {
-                chunks.rest = file.subspan(static_cast<std::size_t>(at));
+                chunks.rest = file.subspan(checkedSize(at));
                 return chunks;
             }
             in.moveTo(at);

@@ -4,6 +4,7 @@
 #include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
 #include "formats/pictures/PngChunks.h"
+#include "platform/CheckedMath.h"
 
 #include <array>
 #include <bit>
@@ -86,8 +87,8 @@ class Passes {
 public:
     Passes(const PngChunks& chunks, int64_t width, int64_t height, int64_t pixelBytes)
         : width_(width),
-          pixelBytes_(static_cast<std::size_t>(pixelBytes)),
-          line_(static_cast<std::size_t>(width * pixelBytes)) {
+          pixelBytes_(checkedSize(pixelBytes)),
+          line_(checkedSize(width * pixelBytes)) {
         int64_t rowsBefore = 0;
         for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; ++pass) {
             const int64_t rows = PNG_PASS_ROWS(height, pass);
@@ -96,7 +97,7 @@ public:
             bool isThere = readHeader(*decoder) && chooseFormat(*decoder);
             for (int64_t row = 0; isThere && row < rowsBefore; ++row)
                 isThere = readRow(*decoder, line_.data());
-            if (isThere) decoders_[static_cast<std::size_t>(pass)] = std::move(decoder);
+            if (isThere) decoders_[checkedSize(pass)] = std::move(decoder);
             rowsBefore += rows;
         }
     }
@@ -105,7 +106,7 @@ public:
     void read(int64_t y, uint8_t* row) {
         std::memset(row, 0, line_.size());
         for (int pass = 0; pass < PNG_INTERLACE_ADAM7_PASSES; ++pass) {
-            auto& decoder = decoders_[static_cast<std::size_t>(pass)];
+            auto& decoder = decoders_[checkedSize(pass)];
             if (!decoder || !PNG_ROW_IN_INTERLACE_PASS(y, pass)) continue;
             if (!readRow(*decoder, line_.data())) {
                 decoder.reset();
@@ -113,7 +114,7 @@ public:
             }
             const uint8_t* pixel = line_.data();
             for (int64_t x = PNG_PASS_START_COL(pass); x < width_; x += PNG_PASS_COL_OFFSET(pass)) {
-                std::memcpy(row + static_cast<std::size_t>(x) * pixelBytes_, pixel, pixelBytes_);
+                std::memcpy(row + checkedSize(x) * pixelBytes_, pixel, pixelBytes_);
                 pixel += pixelBytes_;
             }
         }
@@ -206,7 +207,7 @@ std::optional<DecodedPicture> readPng(std::span<const uint8_t> file) {
     if (!chooseFormat(decoder)) return std::nullopt;
     const PixelLayout layout = layoutOf(decoder);
     const std::size_t rowBytes = png_get_rowbytes(decoder.png, decoder.info);
-    if (rowBytes != static_cast<std::size_t>(width * layout.pixelBytes())) return std::nullopt;
+    if (rowBytes != checkedSize(width * layout.pixelBytes())) return std::nullopt;
     PictureBuilder builder(width, height, profileOf(decoder, layout), orientation);
     if (png_get_interlace_type(decoder.png, decoder.info) == PNG_INTERLACE_NONE) {
         for (int64_t y = 0; y < height && readRow(decoder, builder.row()); ++y) builder.rowDone();

@@ -3,6 +3,7 @@
 #include "core/PaintEngine.h"
 #include "formats/common/ByteReader.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/QtImages.h"
 #include "platform/Require.h"
@@ -115,9 +116,9 @@ constexpr std::array<ApplyFilter, kFilterCount> kFilters{
 
 /// The rows of a band, each with the filter that leaves least before it.
 Bytes filtered(const StraightRows& rows, int64_t top, int64_t count) {
-    const auto rowBytes = static_cast<std::size_t>(rows.rowBytes());
+    const auto rowBytes = checkedSize(rows.rowBytes());
     Bytes result;
-    result.reserve((rowBytes + 1) * static_cast<std::size_t>(count));
+    result.reserve((rowBytes + 1) * checkedSize(count));
     Bytes above(rowBytes);
     Bytes row(rowBytes);
     Bytes best(rowBytes);
@@ -206,11 +207,11 @@ QByteArray pngBytes(const QImage& picture, double dpi) {
     const StraightRows rows(picture);
     const int64_t height = picture.height();
     const int64_t bandRows = std::clamp<int64_t>(kBandBytes / rows.rowBytes(), 1, height);
-    std::vector<Band> bands(static_cast<std::size_t>((height + bandRows - 1) / bandRows));
+    std::vector<Band> bands(checkedSize((height + bandRows - 1) / bandRows));
     concurrentPerform(static_cast<int64_t>(bands.size()), [&](int64_t i) {
         const int64_t top = i * bandRows;
         const Bytes raw = filtered(rows, top, std::min(bandRows, height - top));
-        bands[static_cast<std::size_t>(i)] = compressed(raw, top + bandRows >= height);
+        bands[checkedSize(i)] = compressed(raw, top + bandRows >= height);
     });
 
     BEWriter out;

@@ -4,6 +4,7 @@
 #include "formats/common/PictureBuilder.h"
 #include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <array>
@@ -84,7 +85,7 @@ std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Head
         line.setColorTable(image.colorTable());
         const QImage rgba = line.convertToFormat(QImage::Format_RGBA8888);
         if (rgba.isNull()) return std::nullopt;
-        std::memcpy(builder.row(), rgba.constBits(), static_cast<std::size_t>(image.width()) * 4);
+        std::memcpy(builder.row(), rgba.constBits(), checkedSize(image.width()) * 4);
         builder.rowDone();
     }
     return DecodedPicture{builder.finish(), header.dpi};
@@ -196,7 +197,7 @@ std::optional<DecodedPicture> readWords(Bytes file, const Header& header) {
     for (int64_t y = 0; y < header.height && (y + 1) * rowBytes <= std::ssize(rows); ++y) {
         auto* out = static_cast<uint8_t*>(builder.row());
         for (int64_t x = 0; x < header.width; ++x) {
-            const uint32_t pixel = littleEndian(rows, static_cast<std::size_t>(y * rowBytes + 2 * x), 2);
+            const uint32_t pixel = littleEndian(rows, checkedSize(y * rowBytes + 2 * x), 2);
             for (const uint32_t mask : masks) *out++ = maskedByte(pixel, mask);
         }
         builder.rowDone();

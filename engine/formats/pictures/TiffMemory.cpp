@@ -1,5 +1,7 @@
 #include "formats/pictures/TiffMemory.h"
 
+#include "platform/CheckedMath.h"
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -31,8 +33,7 @@ uint64_t moved(uint64_t pos, uint64_t size, uint64_t offset, int from) {
 tmsize_t readInput(thandle_t handle, void* target, tmsize_t count) {
     auto& in = *static_cast<Input*>(handle);
     if (count <= 0 || in.pos >= in.bytes.size()) return 0;
-    const std::size_t taken =
-        std::min<std::size_t>(static_cast<std::size_t>(count), in.bytes.size() - in.pos);
+    const std::size_t taken = std::min<std::size_t>(checkedSize(count), in.bytes.size() - in.pos);
     std::memcpy(target, in.bytes.data() + in.pos, taken);
     in.pos += taken;
     return static_cast<tmsize_t>(taken);
@@ -55,7 +56,7 @@ toff_t sizeOfInput(thandle_t handle) {
 tmsize_t readOutput(thandle_t handle, void* target, tmsize_t count) {
     auto& out = *static_cast<Output*>(handle);
     const tmsize_t taken = std::clamp<tmsize_t>(out.bytes->size() - out.pos, 0, count);
-    std::memcpy(target, out.bytes->constData() + out.pos, static_cast<std::size_t>(taken));
+    std::memcpy(target, out.bytes->constData() + out.pos, checkedSize(taken));
     out.pos += taken;
     return taken;
 }
@@ -66,7 +67,7 @@ tmsize_t writeOutput(thandle_t handle, void* source, tmsize_t count) {
     } catch (const std::bad_alloc&) {
         return 0; // no exception may pass through the library
     }
-    std::memcpy(out.bytes->data() + out.pos, source, static_cast<std::size_t>(count));
+    std::memcpy(out.bytes->data() + out.pos, source, checkedSize(count));
     out.pos += count;
     return count;
 }

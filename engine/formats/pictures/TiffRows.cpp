@@ -3,6 +3,7 @@
 #include "formats/common/PictureBuilder.h"
 #include "formats/pictures/TiffMemory.h"
 #include "formats/pictures/TiffSamples.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cstring>
@@ -71,7 +72,7 @@ public:
     /// Rows are asked for from the first on; null where the data ends. Good until the next call.
     const uint8_t* row(int64_t y) {
         if (tileHeight_ == 0) {
-            band_.resize(static_cast<std::size_t>(rowBytes_));
+            band_.resize(checkedSize(rowBytes_));
             const bool isRead = TIFFReadScanline(tiff_, band_.data(), static_cast<uint32_t>(y), sample_) == 1;
             return isRead ? band_.data() : nullptr;
         }
@@ -82,13 +83,13 @@ public:
 private:
     bool readTiles(int64_t top) {
         const int64_t rows = std::min<int64_t>(tileHeight_, shape_.height - top);
-        band_.resize(static_cast<std::size_t>(std::min<int64_t>(tileHeight_, shape_.height) * rowBytes_));
-        tile_.resize(static_cast<std::size_t>(tileHeight_ * tileRowBytes_));
+        band_.resize(checkedSize(std::min<int64_t>(tileHeight_, shape_.height) * rowBytes_));
+        tile_.resize(checkedSize(tileHeight_ * tileRowBytes_));
         for (int64_t x = 0, at = 0; x < shape_.width; x += tileWidth_, at += tileRowBytes_) {
             if (TIFFReadTile(tiff_, tile_.data(), static_cast<uint32_t>(x), static_cast<uint32_t>(top), 0,
                              sample_) < 0)
                 return false;
-            const auto bytes = static_cast<std::size_t>(std::min(tileRowBytes_, rowBytes_ - at));
+            const auto bytes = checkedSize(std::min(tileRowBytes_, rowBytes_ - at));
             for (int64_t row = 0; row < rows; ++row)
                 std::memcpy(band_.data() + row * rowBytes_ + at, tile_.data() + row * tileRowBytes_, bytes);
         }
@@ -175,7 +176,7 @@ void readPacked(std::span<const uint8_t> file, TIFF* tiff, const TiffShape& shap
     };
     if (across == 0 || down == 0 || tooLarge(across, shape.width) || tooLarge(down, shape.height)) return;
     const std::size_t blockPixels = std::size_t{across} * down;
-    const std::size_t bandPixels = isTiled ? static_cast<std::size_t>(shape.width) * down : 0;
+    const std::size_t bandPixels = isTiled ? checkedSize(shape.width) * down : 0;
     // The library holds the block as it is stored, and what some decoders make on the way.
     const uint64_t stored = isTiled ? TIFFTileSize64(tiff) : TIFFStripSize64(tiff);
     if (3 * stored + 4 * (blockPixels + bandPixels) > static_cast<uint64_t>(tiffWorkingMemory(file.size())))

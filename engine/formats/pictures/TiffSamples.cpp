@@ -1,5 +1,7 @@
 #include "formats/pictures/TiffSamples.h"
 
+#include "platform/CheckedMath.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -67,7 +69,7 @@ TiffSamples::TiffSamples(tiff* file, const TiffShape& shape) : shape_(shape) {
         for (std::size_t i = 0; i < count; ++i)
             colors[i][0] = static_cast<uint8_t>((isWhiteFirst ? count - 1 - i : i) * 255 / (count - 1));
     }
-    const auto channels = static_cast<std::size_t>(shape.layout.colorChannels());
+    const auto channels = checkedSize(shape.layout.colorChannels());
     for (std::size_t byte = 0; byte < 256; ++byte) {
         auto out = colorsOfByte_[byte].begin();
         for (int shift = 8 - shape.bits; shift >= 0; shift -= shape.bits)
@@ -92,18 +94,16 @@ template <class T> void TiffSamples::putSamples(std::span<const uint8_t* const> 
     std::array<const T*, 5> channels{};
     for (int c = 0; c < colors + (shape_.layout.hasAlpha ? 1 : 0); ++c) {
         const int sample = c < colors ? c : shape_.alphaSample;
-        const auto plane = static_cast<std::size_t>(shape_.isPlanar ? c : 0);
+        const auto plane = checkedSize(shape_.isPlanar ? c : 0);
         // Rows begin where any sample may lie.
-        channels[static_cast<std::size_t>(c)] =
-            reinterpret_cast<const T*>(planes[plane]) + (shape_.isPlanar ? 0 : sample);
+        channels[checkedSize(c)] = reinterpret_cast<const T*>(planes[plane]) + (shape_.isPlanar ? 0 : sample);
     }
     const int step = shape_.isPlanar ? 1 : shape_.samples;
     for (int64_t x = 0; x < shape_.width; ++x) {
-        const auto at = static_cast<std::size_t>(x * step);
-        const T alpha =
-            shape_.layout.hasAlpha ? channels[static_cast<std::size_t>(colors)][at] : largest<T>();
+        const auto at = checkedSize(x * step);
+        const T alpha = shape_.layout.hasAlpha ? channels[checkedSize(colors)][at] : largest<T>();
         for (int c = 0; c < colors; ++c) {
-            T value = channels[static_cast<std::size_t>(c)][at];
+            T value = channels[checkedSize(c)][at];
             if (shape_.alpha == TiffShape::Alpha::premultiplied) value = straight(value, alpha);
             if (shape_.photometric == PHOTOMETRIC_MINISWHITE) value = static_cast<T>(largest<T>() - value);
             if (shape_.layout.model == ColorModel::lab) value = profileLab(value, shape_.photometric, c);
@@ -114,9 +114,9 @@ template <class T> void TiffSamples::putSamples(std::span<const uint8_t* const> 
 }
 
 void TiffSamples::putColors(const uint8_t* indices, uint8_t* out) const {
-    const auto channels = static_cast<std::size_t>(shape_.layout.colorChannels());
-    const std::size_t ofByte = channels * 8 / static_cast<std::size_t>(shape_.bits);
-    const auto rowBytes = channels * static_cast<std::size_t>(shape_.width);
+    const auto channels = checkedSize(shape_.layout.colorChannels());
+    const std::size_t ofByte = channels * 8 / checkedSize(shape_.bits);
+    const auto rowBytes = channels * checkedSize(shape_.width);
     for (std::size_t at = 0; at < rowBytes; at += ofByte)
         std::memcpy(out + at, colorsOfByte_[*indices++].data(), std::min(ofByte, rowBytes - at));
 }

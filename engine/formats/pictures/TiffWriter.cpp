@@ -1,6 +1,7 @@
 #include "formats/pictures/TiffWriter.h"
 
 #include "formats/pictures/TiffMemory.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <vector>
@@ -39,7 +40,7 @@ std::optional<QByteArray> tiffBytes(const RGBABuffer& picture, double dpi) {
         createTiff(file, picture.byteCount() > kLargestPlainPicture ? IsLarge::yes : IsLarge::no);
     if (!tiff || !setTags(tiff.get(), picture, std::min(std::max(1.0, dpi), 1e6))) return std::nullopt;
     // The predictor works in place.
-    std::vector<uint8_t> row(static_cast<std::size_t>(picture.width() * 4));
+    std::vector<uint8_t> row(checkedSize(picture.width() * 4));
     for (int64_t y = 0; y < picture.height(); ++y) {
         std::copy_n(picture.row(y), row.size(), row.data());
         if (TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y)) != 1) return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include "formats/common/ByteReader.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -127,9 +128,9 @@ uint8_t* writeLiteralsByBlocks(const uint8_t* bytes, std::size_t count, uint8_t*
 
 void copyStep(uint8_t* out, const uint8_t* in, int64_t count, bool isRun) {
     if (isRun) {
-        std::memset(out, *in, static_cast<std::size_t>(count));
+        std::memset(out, *in, checkedSize(count));
     } else {
-        std::memcpy(out, in, static_cast<std::size_t>(count));
+        std::memcpy(out, in, checkedSize(count));
     }
 }
 
@@ -242,7 +243,7 @@ std::size_t PSDFile::unpackPart(std::span<const uint8_t> packed, int64_t expecte
     }
     const int64_t reach = std::clamp<int64_t>(at, 0, length);
     std::fill_n(part.begin() + reach, std::min<int64_t>(kCopiedAtOnce, length - reach), uint8_t{0});
-    return static_cast<std::size_t>(reach);
+    return checkedSize(reach);
 }
 
 void PSDFile::unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> row) {
@@ -252,10 +253,10 @@ void PSDFile::unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> row
 
 PSDFile::PackedRows PSDFile::rle(std::span<const uint8_t> plane, int64_t w, int64_t h) {
     require(w >= 0 && h >= 0 && static_cast<int64_t>(plane.size()) == w * h);
-    const auto width = static_cast<std::size_t>(w);
+    const auto width = checkedSize(w);
     PackedRows packed;
     std::vector<uint8_t> row(packedRoom(width));
-    for (std::size_t y = 0; y < static_cast<std::size_t>(h); ++y) {
+    for (std::size_t y = 0; y < checkedSize(h); ++y) {
         const uint8_t* end = packBits(plane.subspan(y * width, width), row.data());
         packed.counts.push_back(static_cast<uint16_t>(end - row.data()));
         packed.data.insert(packed.data.end(), std::as_const(row).data(), end);

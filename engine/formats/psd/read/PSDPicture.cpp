@@ -6,6 +6,7 @@
 #include "formats/psd/read/PSDPixels.h"
 #include "formats/psd/read/PSDPlanes.h"
 #include "formats/psd/read/PSDSections.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -42,8 +43,7 @@ public:
 
     /// From any thread.
     void put(int64_t y, std::span<const uint8_t> row) const {
-        const auto* tile =
-            &tiles_[static_cast<std::size_t>((y / kTileSize - firstRow_) * layer_.grid().cols)];
+        const auto* tile = &tiles_[checkedSize((y / kTileSize - firstRow_) * layer_.grid().cols)];
         for (; !row.empty(); ++tile) {
             const std::size_t bytes = std::min<std::size_t>(row.size(), kTileRowBytes);
             std::copy_n(row.begin(), bytes, *tile + y % kTileSize * kTileRowBytes);
@@ -78,14 +78,13 @@ LayerRef pictureOn(PSDPixels::Backdrop backdrop, const PSDSections& sections) {
         planes.loadBand(first, rows);
         RowTiles tiles(*picture, first, rows);
         concurrentPerform((rows + kRowsATask - 1) / kRowsATask, [&](int64_t task) {
-            const auto rowBytes = static_cast<std::size_t>(planes.rowBytes());
-            std::vector<uint8_t> samples(rowBytes * static_cast<std::size_t>(pixels.channels()));
-            std::vector<uint8_t> row(static_cast<std::size_t>(sections.width) * 4);
+            const auto rowBytes = checkedSize(planes.rowBytes());
+            std::vector<uint8_t> samples(rowBytes * checkedSize(pixels.channels()));
+            std::vector<uint8_t> row(checkedSize(sections.width) * 4);
             const int64_t from = task * kRowsATask;
             for (int64_t y = first + from; y < first + std::min(from + kRowsATask, rows); ++y) {
                 for (int c = 0; c < pixels.channels(); ++c)
-                    planes.readRow(
-                        c, y, std::span(samples).subspan(static_cast<std::size_t>(c) * rowBytes, rowBytes));
+                    planes.readRow(c, y, std::span(samples).subspan(checkedSize(c) * rowBytes, rowBytes));
                 if (!pixels.convert(samples, row)) fits = false;
                 tiles.put(y, row);
             }

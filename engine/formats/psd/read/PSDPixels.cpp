@@ -2,6 +2,7 @@
 
 #include "formats/common/ByteReader.h"
 #include "formats/psd/read/PSDSections.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <bit>
@@ -114,7 +115,7 @@ PSDPixels::PSDPixels(const PSDSections& sections, Backdrop backdrop)
         for (std::size_t i = 0; i < colors.size(); ++i) colors[i] = table[i % 3 * kPaletteColors + i / 3];
         profileFor(sections, layout).convert(colors.data(), palette_[0].data(), kPaletteColors);
         if (const auto none = sections.transparentIndex; none && *none < kPaletteColors)
-            palette_[static_cast<std::size_t>(*none)] = {};
+            palette_[checkedSize(*none)] = {};
     } else {
         layout.hasAlpha = hasAlpha_;
         profile_ = profileFor(sections, layout);
@@ -139,7 +140,7 @@ bool PSDPixels::convert(std::span<const uint8_t> samples, std::span<uint8_t> pix
 template <class Sample>
 bool PSDPixels::convertColors(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
     const std::size_t count = pixels.size() / 4;
-    const auto perPixel = static_cast<std::size_t>(profile_->layout().colorChannels() + (hasAlpha_ ? 1 : 0));
+    const auto perPixel = checkedSize(profile_->layout().colorChannels() + (hasAlpha_ ? 1 : 0));
     const auto owned = std::make_unique_for_overwrite<Sample[]>(count * perPixel);
     const std::span<Sample> colors(owned.get(), count * perPixel);
     placeSideBySide(samples, colors);
@@ -151,14 +152,14 @@ bool PSDPixels::convertColors(std::span<const uint8_t> samples, std::span<uint8_
 
 template <class Sample>
 void PSDPixels::placeSideBySide(std::span<const uint8_t> samples, std::span<Sample> colors) const {
-    const std::size_t rowBytes = samples.size() / static_cast<std::size_t>(channels());
+    const std::size_t rowBytes = samples.size() / checkedSize(channels());
     const std::size_t count = rowBytes / sizeof(Sample);
     const std::size_t perPixel = colors.size() / count;
-    const auto wanted = static_cast<std::size_t>(profile_->layout().colorChannels());
+    const auto wanted = checkedSize(profile_->layout().colorChannels());
     for (std::size_t c = 0; c < perPixel; ++c) {
         const bool isAlpha = c == wanted;
-        const std::size_t channel = isAlpha ? static_cast<std::size_t>(colors_) : c;
-        if (!isAlpha && channel >= static_cast<std::size_t>(colors_)) { // three inks and no black
+        const std::size_t channel = isAlpha ? checkedSize(colors_) : c;
+        if (!isAlpha && channel >= checkedSize(colors_)) { // three inks and no black
             for (std::size_t x = 0; x < count; ++x)
                 colors[x * perPixel + c] = static_cast<Sample>(kFull<Sample>);
             continue;
@@ -177,7 +178,7 @@ void PSDPixels::placeSideBySide(std::span<const uint8_t> samples, std::span<Samp
 /// colour = white + (stored - white) / alpha, in the file's own numbers, before any profile.
 template <class Sample> bool PSDPixels::takeOffWhite(std::span<Sample> colors) const {
     const bool isLab = profile_->layout().model == ColorModel::lab;
-    const auto perColor = static_cast<std::size_t>(profile_->layout().colorChannels());
+    const auto perColor = checkedSize(profile_->layout().colorChannels());
     bool fits = true;
     for (std::size_t at = 0; at < colors.size(); at += perColor + 1) {
         const double alpha = std::min(colors[at + perColor] / kFull<Sample>, 1.0);

@@ -3,6 +3,7 @@
 #include "formats/common/ByteReader.h"
 #include "formats/psd/PackBits.h"
 #include "formats/psd/read/PSDSections.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -59,7 +60,7 @@ void PSDPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t> b
     planes_ = in.slice(in.remaining());
     // Checked before the table is made, which is several times as long as what it is made of.
     if (rowBytes_ * height_ * channels_ > std::ssize(planes_) * kLargestRun) throw BEReader::Short();
-    const auto rows = static_cast<std::size_t>(channels_ * height_);
+    const auto rows = checkedSize(channels_ * height_);
     rowStarts_.reserve(rows + 1);
     rowStarts_.push_back(0);
     while (rowStarts_.size() <= rows) {
@@ -76,30 +77,29 @@ void PSDPlanes::startStreams(std::span<const uint8_t> bytes) {
         streams_.emplace_back(InflateStream(streams_.back()));
         streams_.back().skip(rowBytes_ * height_);
     }
-    band_.resize(static_cast<std::size_t>(rowBytes_ * rowsAtOnce_ * channels_));
+    band_.resize(checkedSize(rowBytes_ * rowsAtOnce_ * channels_));
 }
 
 void PSDPlanes::loadBand(int64_t firstRow, int64_t rows) {
     bandStart_ = firstRow;
     if (!isDeflated()) return;
     concurrentPerform(channels_, [&](int64_t channel) {
-        const auto bytes = static_cast<std::size_t>(rows * rowBytes_);
-        streams_[static_cast<std::size_t>(channel)].read(
+        const auto bytes = checkedSize(rows * rowBytes_);
+        streams_[checkedSize(channel)].read(
             std::span(band_).subspan(bandOffset(static_cast<int>(channel), 0), bytes));
     });
 }
 
 std::size_t PSDPlanes::bandOffset(int channel, int64_t rowInBand) const {
-    return static_cast<std::size_t>((channel * rowsAtOnce_ + rowInBand) * rowBytes_);
+    return checkedSize((channel * rowsAtOnce_ + rowInBand) * rowBytes_);
 }
 
 void PSDPlanes::readRow(int channel, int64_t y, std::span<uint8_t> into) const {
     const int64_t row = channel * height_ + y;
     if (packing_ == Packing::runs) {
-        const int64_t start = rowStarts_[static_cast<std::size_t>(row)];
-        const int64_t end = rowStarts_[static_cast<std::size_t>(row) + 1];
-        PSDFile::unpackBits(
-            planes_.subspan(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)), into);
+        const int64_t start = rowStarts_[checkedSize(row)];
+        const int64_t end = rowStarts_[checkedSize(row) + 1];
+        PSDFile::unpackBits(planes_.subspan(checkedSize(start), checkedSize(end - start)), into);
         return;
     }
     const uint8_t* source =

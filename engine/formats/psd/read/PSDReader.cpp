@@ -6,6 +6,7 @@
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/read/PSDRecords.h"
 #include "formats/psd/read/PSDTiles.h"
+#include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -99,7 +100,7 @@ public:
         for (const auto& [identifier, length] : rec.chans) {
             const bool isKnown = identifier >= kAlpha && identifier <= 2;
             if (isKnown && rec.rect.w >= 1 && rec.rect.h >= 1 && length >= 2) {
-                auto& plane = picture.planes[identifier == kAlpha ? 3 : static_cast<std::size_t>(identifier)];
+                auto& plane = picture.planes[identifier == kAlpha ? 3 : checkedSize(identifier)];
                 if (plane) unused_.push_back(*plane);
                 plane = planeAt(at_, length, rec.rect);
             }
@@ -181,7 +182,7 @@ std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& gri
 }
 
 LayerRef readFinishedPicture(BEReader& in, const Head& head, const TileGrid& grid) {
-    std::vector<StoredPlane> planes(static_cast<std::size_t>(head.channels), {{}, {}, head.width});
+    std::vector<StoredPlane> planes(checkedSize(head.channels), {{}, {}, head.width});
     switch (in.u16()) {
     case 0:
         for (StoredPlane& plane : planes) plane.rows = rawRows(in, head.width, head.height);

@@ -6,6 +6,7 @@
 #include "formats/common/StraightPixels.h"
 #include "formats/psd/PackBits.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/Require.h"
 
@@ -34,8 +35,7 @@ public:
     bool isPacked() const { return !plane_.counts.empty(); }
     std::span<const uint8_t> next() {
         const int64_t length = isPacked() ? countAt(plane_, row_) : plane_.w;
-        const auto bytes =
-            plane_.rows.subspan(static_cast<std::size_t>(offset_), static_cast<std::size_t>(length));
+        const auto bytes = plane_.rows.subspan(checkedSize(offset_), checkedSize(length));
         ++row_;
         offset_ += length;
         return bytes;
@@ -131,7 +131,7 @@ struct Band {
 void decodeBand(Band& band, const StoredPicture& picture, const TileGrid& grid) {
     const IRect& visible = band.visible;
     require(visible.w > 0); // which g++ 14 wants to know as well
-    const auto width = static_cast<std::size_t>(visible.w);
+    const auto width = checkedSize(visible.w);
     const int64_t skipped = visible.x - picture.rect.x; // pixels of each row that lie left of the canvas
     std::vector<GrowingTile> growing;
     for (const int64_t slot : grid.tilesIn(visible)) {
@@ -245,10 +245,10 @@ std::vector<std::vector<PlacedTile>> decodePictures(std::span<const StoredPictur
         if (endsEarly) return;
         try {
             if (i < bandCount) {
-                Band& band = work.bands[static_cast<std::size_t>(i)];
+                Band& band = work.bands[checkedSize(i)];
                 decodeBand(band, pictures[band.picture], grid);
             } else {
-                work.checks[static_cast<std::size_t>(i - bandCount)].run();
+                work.checks[checkedSize(i - bandCount)].run();
             }
         } catch (const BEReader::Short&) {
             endsEarly = true;

@@ -3,6 +3,7 @@
 #include "compositing/CompositeInputs.h"
 #include "formats/common/StraightPixels.h"
 #include "formats/psd/PackBits.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -46,7 +47,7 @@ void whiteRow(const uint8_t* pixels, int64_t count, const PlaneRows& rows) {
 } // namespace
 
 int64_t PackedPlanes::planeBytes(int plane) const {
-    const auto& rows = counts[static_cast<std::size_t>(plane)];
+    const auto& rows = counts[checkedSize(plane)];
     return std::accumulate(rows.begin(), rows.end(), int64_t{0});
 }
 
@@ -64,7 +65,7 @@ uint8_t* PlanePacker::Room::atLeast(std::size_t count) {
 
 std::span<const uint8_t> PlanePacker::Room::keep(const uint8_t* end) {
     const uint8_t* const begin = chunks_[open_].bytes.get() + used_;
-    used_ += static_cast<std::size_t>(end - begin);
+    used_ += checkedSize(end - begin);
     return {begin, end};
 }
 
@@ -72,16 +73,14 @@ void PlanePacker::Room::clear() {
     open_ = used_ = 0;
 }
 
-PlanePacker::PlanePacker(const PaintDocument& doc)
-    : doc_(doc),
-      workers_(static_cast<std::size_t>(concurrency())) {}
+PlanePacker::PlanePacker(const PaintDocument& doc) : doc_(doc), workers_(checkedSize(concurrency())) {}
 
 PackedPlanes PlanePacker::emptyPlanes(const IRect& rect) {
     for (Worker& worker : workers_) worker.room.clear();
     PackedPlanes planes{rect, {}, {}};
     if (rect.isEmpty()) return planes;
-    planes.bands.resize(static_cast<std::size_t>(bandOf(rect.maxY() - 1) - bandOf(rect.y) + 1));
-    for (auto& counts : planes.counts) counts.resize(static_cast<std::size_t>(rect.h));
+    planes.bands.resize(checkedSize(bandOf(rect.maxY() - 1) - bandOf(rect.y) + 1));
+    for (auto& counts : planes.counts) counts.resize(checkedSize(rect.h));
     return planes;
 }
 
@@ -92,17 +91,16 @@ IRect PlanePacker::bandRect(const PackedPlanes& planes, int64_t band) const {
 
 void PlanePacker::packBlank(PackedPlanes& planes, int64_t band, Matte matte, Room& room) {
     const IRect part = bandRect(planes, band);
-    PackedBand& packed = planes.bands[static_cast<std::size_t>(band)];
+    PackedBand& packed = planes.bands[checkedSize(band)];
     for (std::size_t plane = kPlanes; plane-- > 0;) {
-        const std::vector<uint8_t> blank(static_cast<std::size_t>(part.w), blankOf(plane, matte));
+        const std::vector<uint8_t> blank(checkedSize(part.w), blankOf(plane, matte));
         if (plane < kAlpha && blank[0] == blankOf(plane + 1, matte)) {
             packed[plane] = packed[plane + 1];
         } else {
-            uint8_t* const start = room.atLeast(packedRoom(blank.size()) * static_cast<std::size_t>(part.h));
-            const auto length = static_cast<std::size_t>(packBits(blank, start) - start);
-            for (int64_t y = 1; y < part.h; ++y)
-                std::memcpy(start + static_cast<std::size_t>(y) * length, start, length);
-            packed[plane] = room.keep(start + static_cast<std::size_t>(part.h) * length);
+            uint8_t* const start = room.atLeast(packedRoom(blank.size()) * checkedSize(part.h));
+            const auto length = checkedSize(packBits(blank, start) - start);
+            for (int64_t y = 1; y < part.h; ++y) std::memcpy(start + checkedSize(y) * length, start, length);
+            packed[plane] = room.keep(start + checkedSize(part.h) * length);
         }
         std::fill_n(planes.counts[plane].begin() + (part.y - planes.rect.y), part.h,
                     static_cast<uint16_t>(std::ssize(packed[plane]) / part.h));
@@ -116,8 +114,8 @@ void PlanePacker::packBand(PackedPlanes& planes, int64_t band, std::span<const u
     if (std::all_of(tiles.begin() + firstTile, tiles.begin() + lastTile + 1,
                     [](const uint8_t* tile) { return tile == nullptr; }))
         return packBlank(planes, band, matte, worker.room);
-    const auto width = static_cast<std::size_t>(part.w);
-    const std::size_t planeSize = width * static_cast<std::size_t>(part.h);
+    const auto width = checkedSize(part.w);
+    const std::size_t planeSize = width * checkedSize(part.h);
     worker.rows.resize(std::max(worker.rows.size(), kPlanes * planeSize));
     for (int64_t y = 0; y < part.h; ++y) {
         for (int64_t left = part.x, right = 0; left < part.maxX(); left = right) {
@@ -125,26 +123,26 @@ void PlanePacker::packBand(PackedPlanes& planes, int64_t band, std::span<const u
             right = std::min(part.maxX(), (tile + 1) * kTileSize);
             PlaneRows into;
             for (std::size_t plane = 0; plane < kPlanes; ++plane)
-                into[plane] = worker.rows.data() + plane * planeSize + static_cast<std::size_t>(y) * width +
-                              (left - part.x);
-            if (const uint8_t* pixels = tiles[static_cast<std::size_t>(tile)]) {
+                into[plane] =
+                    worker.rows.data() + plane * planeSize + checkedSize(y) * width + (left - part.x);
+            if (const uint8_t* pixels = tiles[checkedSize(tile)]) {
                 const auto split = matte == Matte::white ? whiteRow : straightRow;
                 split(pixels + placeInTile(left, part.y + y), right - left, into);
             } else {
                 for (std::size_t plane = 0; plane < kPlanes; ++plane)
-                    std::memset(into[plane], blankOf(plane, matte), static_cast<std::size_t>(right - left));
+                    std::memset(into[plane], blankOf(plane, matte), checkedSize(right - left));
             }
         }
     }
     for (std::size_t plane = 0; plane < kPlanes; ++plane) {
-        uint8_t* end = worker.room.atLeast(packedRoom(width) * static_cast<std::size_t>(part.h));
+        uint8_t* end = worker.room.atLeast(packedRoom(width) * checkedSize(part.h));
         auto count = planes.counts[plane].begin() + (part.y - planes.rect.y);
         for (std::size_t at = plane * planeSize; at < (plane + 1) * planeSize; at += width) {
             uint8_t* const start = end;
             end = packBits({worker.rows.data() + at, width}, start);
             *count++ = static_cast<uint16_t>(end - start);
         }
-        planes.bands[static_cast<std::size_t>(band)][plane] = worker.room.keep(end);
+        planes.bands[checkedSize(band)][plane] = worker.room.keep(end);
     }
 }
 
@@ -154,10 +152,10 @@ PackedPlanes PlanePacker::layer(const Layer& layer, const IRect& rect) {
     concurrentPerformByWorkers(
         std::ssize(workers_), std::ssize(planes.bands), [&](std::size_t worker, int64_t band) {
             const int64_t firstIndex = bandRect(planes, band).y / kTileSize * grid.cols;
-            std::vector<const uint8_t*> tiles(static_cast<std::size_t>(grid.cols));
+            std::vector<const uint8_t*> tiles(checkedSize(grid.cols));
             for (int64_t col = 0; col < grid.cols; ++col) {
                 const Tile* tile = layer.tile(firstIndex + col);
-                tiles[static_cast<std::size_t>(col)] = tile ? tile->pixels() : nullptr;
+                tiles[checkedSize(col)] = tile ? tile->pixels() : nullptr;
             }
             packBand(planes, band, tiles, Matte::none, workers_[worker]);
         });
@@ -170,23 +168,22 @@ PackedPlanes PlanePacker::finishedPicture(Matte matte) {
     PackedPlanes planes = emptyPlanes(grid.bounds());
     const int64_t tilesAtOnce = std::min(kMostTiles, kTilesOfAWorker * std::ssize(workers_));
     const int64_t rowsAtOnce = std::clamp<int64_t>(tilesAtOnce / grid.cols, 1, grid.rows);
-    const auto pixels = std::make_unique_for_overwrite<uint8_t[]>(
-        static_cast<std::size_t>(rowsAtOnce * grid.cols * kTileBytes));
-    std::vector<const uint8_t*> tiles(static_cast<std::size_t>(rowsAtOnce * grid.cols));
+    const auto pixels =
+        std::make_unique_for_overwrite<uint8_t[]>(checkedSize(rowsAtOnce * grid.cols * kTileBytes));
+    std::vector<const uint8_t*> tiles(checkedSize(rowsAtOnce * grid.cols));
     for (int64_t top = 0; top < grid.rows; top += rowsAtOnce) {
         const int64_t rows = std::min(rowsAtOnce, grid.rows - top);
         concurrentPerform(rows * grid.cols, [&](int64_t i) {
             uint8_t* const out = pixels.get() + i * kTileBytes;
             const bool shows = Compositor::compositeTile(top * grid.cols + i, inputs, out);
-            tiles[static_cast<std::size_t>(i)] = shows ? out : nullptr;
+            tiles[checkedSize(i)] = shows ? out : nullptr;
         });
         const int64_t firstBand = top * kBandsInTile;
         const int64_t lastBand = std::min((top + rows) * kBandsInTile, std::ssize(planes.bands));
         concurrentPerformByWorkers(std::ssize(workers_), lastBand - firstBand,
                                    [&](std::size_t worker, int64_t i) {
                                        const auto rowOfTiles = std::span<const uint8_t* const>(tiles).subspan(
-                                           static_cast<std::size_t>(i / kBandsInTile * grid.cols),
-                                           static_cast<std::size_t>(grid.cols));
+                                           checkedSize(i / kBandsInTile * grid.cols), checkedSize(grid.cols));
                                        packBand(planes, firstBand + i, rowOfTiles, matte, workers_[worker]);
                                    });
     }

@@ -6,6 +6,7 @@
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/write/PSDPacking.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
@@ -117,18 +118,16 @@ int64_t writeRecord(BEWriter& out, const Layer& layer, const IRect& rect) {
 class Blocks {
 public:
     void add(uint16_t number) { own({number}); }
-    void addCounts(const PackedPlanes& planes, int plane) {
-        own(planes.counts[static_cast<std::size_t>(plane)]);
-    }
+    void addCounts(const PackedPlanes& planes, int plane) { own(planes.counts[checkedSize(plane)]); }
     void addRows(const PackedPlanes& planes, int plane) {
-        for (const PackedBand& band : planes.bands) add(band[static_cast<std::size_t>(plane)]);
+        for (const PackedBand& band : planes.bands) add(band[checkedSize(plane)]);
     }
     int64_t length() const { return length_; }
 
     void appendTo(BEWriter& out) const {
         const std::span<uint8_t> room = out.grow(length_);
         concurrentPerform(std::ssize(blocks_), [&](int64_t i) {
-            const auto& [at, bytes] = blocks_[static_cast<std::size_t>(i)];
+            const auto& [at, bytes] = blocks_[checkedSize(i)];
             std::memcpy(room.data() + at, bytes.data(), bytes.size());
         });
     }
@@ -160,9 +159,9 @@ private:
 }
 
 std::vector<IRect> contentBounds(const PaintDocument& doc) {
-    std::vector<IRect> bounds(static_cast<std::size_t>(doc.layerCount()));
+    std::vector<IRect> bounds(checkedSize(doc.layerCount()));
     concurrentPerform(doc.layerCount(), [&](int64_t i) {
-        bounds[static_cast<std::size_t>(i)] = doc.layer(i).contentBounds().value_or(IRect());
+        bounds[checkedSize(i)] = doc.layer(i).contentBounds().value_or(IRect());
     });
     return bounds;
 }
@@ -193,7 +192,7 @@ void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
     const std::vector<IRect> bounds = contentBounds(doc);
     std::vector<int64_t> channelsAt;
     for (int64_t i = 0; i < doc.layerCount(); ++i)
-        channelsAt.push_back(writeRecord(out, doc.layer(i), bounds[static_cast<std::size_t>(i)]));
+        channelsAt.push_back(writeRecord(out, doc.layer(i), bounds[checkedSize(i)]));
     for (std::size_t i = 0; i < bounds.size(); ++i)
         writeChannels(out, packer.layer(doc.layer(static_cast<int64_t>(i)), bounds[i]), channelsAt[i]);
     padToFour(out, out.size() - contentAt); // one common reader refuses what is merely even
