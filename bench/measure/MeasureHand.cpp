@@ -1,11 +1,11 @@
 #include "Measurements.h"
+#include "PenRecording.h"
 
 #include "../PaintedPicture.h"
 #include "../PlainPass.h"
 #include "app/canvas/CanvasPresentation.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
-#include "support/PenRecording.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,12 +17,12 @@ namespace qirn::bench {
 
 namespace {
 
-using Strokes = std::vector<test::PenStroke>;
+using Strokes = std::vector<PenStroke>;
 
 /// The recording as large as the canvas allows, in its middle.
 Strokes onCanvas(const Strokes& strokes) {
     double left = std::numeric_limits<double>::max(), top = left, right = -left, bottom = -left;
-    for (const test::PenStroke& stroke : strokes) {
+    for (const PenStroke& stroke : strokes) {
         for (const StrokePoint& point : stroke) {
             left = std::min(left, point.x);
             right = std::max(right, point.x);
@@ -31,8 +31,8 @@ Strokes onCanvas(const Strokes& strokes) {
         }
     }
     const double scale = 0.9 * std::min(kWidth / (right - left), kHeight / (bottom - top));
-    return test::toSixtyFourths(strokes, scale, kWidth / 2.0 - (left + right) / 2 * scale,
-                                kHeight / 2.0 - (top + bottom) / 2 * scale);
+    return toSixtyFourths(strokes, scale, kWidth / 2.0 - (left + right) / 2 * scale,
+                          kHeight / 2.0 - (top + bottom) / 2 * scale);
 }
 
 struct Times {
@@ -42,7 +42,7 @@ struct Times {
 Times replay(PaintDocument& doc, CanvasPresentation& screen, const Strokes& strokes,
              const BrushSettings& brush) {
     std::vector<double> points;
-    for (const test::PenStroke& recorded : strokes) {
+    for (const PenStroke& recorded : strokes) {
         BrushStroke stroke(doc, doc.layers().back(), brush, PaintColor(0.7, 0.02, 0.08), 1);
         for (const StrokePoint& point : recorded) {
             const Stopwatch watch;
@@ -65,7 +65,7 @@ Times replay(PaintDocument& doc, CanvasPresentation& screen, const Strokes& stro
 } // namespace
 
 void measureHand(const QString& recording) {
-    const auto recorded = test::readPenRecording(recording);
+    const auto recorded = readPenRecording(recording);
     if (!recorded) {
         std::printf("No pen recording in %s\n", qPrintable(recording));
         return;

@@ -1,4 +1,5 @@
 #include "Measurements.h"
+#include "PenRecording.h"
 
 #include "../PaintedPicture.h"
 #include "../PlainPass.h"
@@ -9,7 +10,6 @@
 #include "brush/BrushLibrary.h"
 #include "kit/QirnKit.h"
 #include "shell/MainView.h"
-#include "support/PenRecording.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -99,7 +99,7 @@ void printTimes(const char* what, std::vector<double>& milliseconds) {
 
 int measureWindow(int argc, char** argv, const QString& recording) {
     const QApplication app(argc, argv);
-    const auto recorded = test::readPenRecording(recording);
+    const auto recorded = readPenRecording(recording);
     if (!recorded) {
         std::printf("No pen recording in %s\n", qPrintable(recording));
         return 1;
@@ -117,7 +117,7 @@ int measureWindow(int argc, char** argv, const QString& recording) {
     pass(0.5);
     std::printf("A hand of 200 Hz in a window of %d x %d at scale %.2f\n", studio.width(), studio.height(),
                 studio.devicePixelRatioF());
-    auto strokes = test::toSixtyFourths(*recorded, 1.5, 400, 300);
+    auto strokes = toSixtyFourths(*recorded, 1.5, 400, 300);
     strokes.resize(std::min<std::size_t>(strokes.size(), 8));
     Pen pen(studio.canvas());
     Repaints repaints;
@@ -125,7 +125,7 @@ int measureWindow(int argc, char** argv, const QString& recording) {
         model.choose(*BrushLibrary::named(QLatin1String(name)));
         std::vector<double> times, work;
         int painted = 0;
-        for (const test::PenStroke& stroke : strokes) {
+        for (const PenStroke& stroke : strokes) {
             pen.send(QEvent::TabletPress, stroke.front());
             for (const StrokePoint& point : stroke) {
                 const Stopwatch watch;

@@ -3,7 +3,7 @@
 
 namespace qirn::bench {
 
-/// Every preset paints what a hand painted (a recording as tests/support/PenRecording.h reads it), scaled to a 4K
+/// Every preset paints what a hand painted (a recording as PenRecording.h reads it), scaled to a 4K
 /// canvas of five layers, the screen's image included. Prints milliseconds a pen point, of the best of three replays.
 void measureHand(const QString& recording);
 

@@ -2,19 +2,14 @@
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/ReadFile.h"
-#include "platform/SavingProcess.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
-
-#include <cerrno>
-#include <csignal>
 
 #include <QDir>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace qirn;
@@ -27,30 +22,6 @@ private Q_SLOTS:
         folder_ = std::make_unique<QTemporaryDir>();
         others_ = std::make_unique<QTemporaryDir>();
         path_ = folder_->filePath(QStringLiteral("picture.qirnpaint"));
-        // Others may write the file: what is refused to them is a new one beside it.
-        QVERIFY(setModes());
-    }
-
-    void aSaveThatFailsLeavesTheOldFileWhole_data() {
-        QTest::addColumn<int>("error");
-        QTest::newRow("limit") << EFBIG;
-        QTest::newRow("rights") << EACCES;
-    }
-    void aSaveThatFailsLeavesTheOldFileWhole() {
-        const QByteArray old(50'000, 'o'), fresh(3'000'000, 'n');
-        writeAtomically(path_, bytesOf(old));
-        QVERIFY(setModes());
-        const QString trouble = QString::fromLatin1(QTest::currentDataTag());
-        QProcess process;
-        save(process, fresh, {QStringLiteral("trouble"), trouble});
-        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        QVERIFY(setModes());
-        QTEST(process.exitCode(), "error");
-        QCOMPARE(readFile(path_), old);
-        QCOMPARE(namesBeside().size(), 0);
-        // Nothing stays that would refuse the next save.
-        writeAtomically(path_, bytesOf(fresh));
-        QCOMPARE(readFile(path_), fresh);
     }
 
     void aSaveKilledAtAnyStepLeavesTheOldFileOrTheNew_data() {
@@ -71,7 +42,7 @@ private Q_SLOTS:
         for (bool isKilled = true; isKilled; kills += isKilled) {
             writeAtomically(path_, bytesOf(old));
             QProcess process;
-            save(process, fresh, {QStringLiteral("kill"), QString::number(kills + 1), names});
+            save(process, fresh, {QString::number(kills + 1), names});
             isKilled = process.exitStatus() == QProcess::CrashExit;
             const QByteArray found = readFile(path_);
             QVERIFY2(found == old || found == fresh, qPrintable(QString::number(kills)));
@@ -90,11 +61,6 @@ private Q_SLOTS:
     }
 
 private:
-    bool setModes() const {
-        const QByteArray folder = QFile::encodeName(folder_->path()), file = QFile::encodeName(path_);
-        return chmod(folder.constData(), 0777) == 0 &&
-               (!QFile::exists(path_) || chmod(file.constData(), 0666) == 0);
-    }
     QStringList namesBeside() const {
         QStringList names =
             QDir(folder_->path())

@@ -6,7 +6,7 @@
 
 #include <QString>
 
-namespace qirn::test {
+namespace qirn::bench {
 
 /// One stroke of a hand, from pen down to pen up, in canvas pixels.
 using PenStroke = std::vector<StrokePoint>;
@@ -20,11 +20,4 @@ std::optional<std::vector<PenStroke>> readPenRecording(const QString& path);
 std::vector<PenStroke> toSixtyFourths(const std::vector<PenStroke>& strokes, double scale = 1, double dx = 0,
                                       double dy = 0);
 
-/// The half minute of a real hand that may lie in the folder that QIRN_DATA names, in 1/64ths; nothing where there
-/// is none.
-std::optional<std::vector<PenStroke>> recordedHand(double scale = 1, double dx = 0, double dy = 0);
-
-/// A short hand of our own, in 1/64ths: swelling curves, a scribble, taps and a slow line, within 600 x 400.
-std::vector<PenStroke> syntheticHand(double scale = 1, double dx = 0, double dy = 0);
-
-} // namespace qirn::test
+} // namespace qirn::bench
