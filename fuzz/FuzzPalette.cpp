@@ -8,9 +8,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <span>
-
-#include <QStringList>
 
 using namespace qirn;
 
@@ -21,42 +18,23 @@ bool isWithin(const PaintColor& c) {
     return isUnit(c.r) && isUnit(c.g) && isUnit(c.b) && isUnit(c.a);
 }
 
-/// Equal in the 8 bits that files keep, with the code for a name where there was none.
-bool isCopy(const std::vector<PaletteColor>& copy, std::span<const PaletteColor> colors,
-            QString (*keptName)(const QString&)) {
-    return std::equal(copy.begin(), copy.end(), colors.begin(), colors.end(),
-                      [&](const auto& a, const auto& b) {
-                          const QString expected = b.name.isEmpty() ? b.color.hex() : keptName(b.name);
-                          return a.color.hex() == b.color.hex() && a.name == expected;
-                      });
-}
-
-QString inSwatches(const QString& name) {
-    return QString(name).remove(QChar(u'\0'));
-}
-
-/// Names in text lose line ends and what is white at the end, and blanks and tabs become one blank.
-QString inText(const QString& name) {
-    QString words;
-    for (const QChar c : name) words += c == u'\n' || c == u'\r' || c == u'\t' ? QChar(u' ') : c;
-    QString kept = words.split(u' ', Qt::SkipEmptyParts).join(u' ');
-    while (!kept.isEmpty() && kept.back().isSpace()) kept.chop(1);
-    return kept;
+/// A form may bring names into its own shape, but keeps every colour in 8 bits, and what it gave stays as it is.
+template <class Write, class Read>
+void checkForm(const Palette& palette, std::size_t most, Write write, Read read) {
+    const Palette once = read(write(palette)), twice = read(write(once)); // a code where no name was left
+    require(once.colors.size() == std::min(palette.colors.size(), most));
+    for (std::size_t i = 0; i < once.colors.size(); ++i)
+        require(once.colors[i].color.hex() == palette.colors[i].color.hex());
+    require(read(write(twice)).colors == twice.colors);
 }
 
 void checkCopies(const Palette& palette) {
     const auto stored = PaletteStore::decode(bytesOf(PaletteStore::encode({&palette, 1})));
     require(stored && stored->size() == 1 && stored->front() == palette);
-
-    const QByteArray swatches = PaletteLibrary::aco(palette);
-    const Palette fromSwatches = PaletteLibrary::readACO(bytesOf(swatches), palette.name);
-    const auto kept = std::span(palette.colors).first(std::min<std::size_t>(palette.colors.size(), 65'535));
-    require(isCopy(fromSwatches.colors, kept, inSwatches));
-    const QByteArray again = PaletteLibrary::aco(fromSwatches);
-    require(PaletteLibrary::aco(PaletteLibrary::readACO(bytesOf(again), {})) == again);
-
-    const Palette fromText = PaletteLibrary::readGPL(PaletteLibrary::gpl(palette), {});
-    require(isCopy(fromText.colors, palette.colors, inText));
+    checkForm(palette, 65'535, PaletteLibrary::aco,
+              [](const QByteArray& file) { return PaletteLibrary::readACO(bytesOf(file), {}); });
+    checkForm(palette, palette.colors.size(), PaletteLibrary::gpl,
+              [](const QString& text) { return PaletteLibrary::readGPL(text, {}); });
 }
 
 } // namespace
