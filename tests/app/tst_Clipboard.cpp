@@ -4,10 +4,10 @@
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "support/PictureFiles.h"
 #include "support/Studio.h"
 
 #include <QApplication>
-#include <QBuffer>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -19,19 +19,11 @@ using namespace qirn::test;
 
 namespace {
 
-QByteArray encoded(const QImage& image, const char* format) {
-    QByteArray bytes;
-    QBuffer file(&bytes);
-    file.open(QIODevice::WriteOnly);
-    if (!image.save(&file, format)) qFatal("No codec for %s.", format);
-    return bytes;
-}
-
 /// A picture of 6 x 4 in one colour.
 QByteArray plain(Qt::GlobalColor color, const char* format) {
     QImage image(6, 4, QImage::Format_RGB32);
     image.fill(color);
-    return encoded(image, format);
+    return written(image, format);
 }
 
 const PixelBytes kRed{255, 0, 0, 255};
@@ -41,14 +33,8 @@ const PixelBytes kYellow{255, 255, 0, 255};
 
 /// The part of a layer that the rectangle covers.
 std::shared_ptr<RGBABuffer> part(const Layer& layer, const IRect& rect) {
-    auto buffer = std::make_shared<RGBABuffer>(rect.w, rect.h);
-    for (int64_t y = 0; y < rect.h; ++y) {
-        for (int64_t x = 0; x < rect.w; ++x) {
-            const PixelBytes pixel = layer.pixel(rect.x + x, rect.y + y);
-            std::copy(pixel.begin(), pixel.end(), buffer->row(y) + x * 4);
-        }
-    }
-    return buffer;
+    return pictureOf(rect.w, rect.h,
+                     [&](int64_t x, int64_t y) { return layer.pixel(rect.x + x, rect.y + y); });
 }
 
 std::shared_ptr<const RGBABuffer> copied(Studio& studio) {
@@ -224,7 +210,7 @@ private Q_SLOTS:
                 for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgb(x % 256, y % 256, 9));
             }
             studio.desktop.content = std::make_unique<QMimeData>();
-            studio.desktop.content->setData("image/png", encoded(image, "png"));
+            studio.desktop.content->setData("image/png", written(image, "png"));
             studio.model.paste();
             QCOMPARE(studio.layer().contentBounds(), std::optional(covered));
             if (size.width() > 400) // the origin is at (400 - 503) / 2, (300 - 401) / 2

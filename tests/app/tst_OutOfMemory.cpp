@@ -169,26 +169,11 @@ constexpr Command kCommands[] = {
     {"import", [](Work& work) { work.open("importLayer", "a.png"); }},
 };
 
-constexpr const char* kMenuCommands[] = {"undo",
-                                         "redo",
-                                         "newLayer",
-                                         "duplicateLayer",
-                                         "deleteLayer",
-                                         "mergeDown",
-                                         "mergeVisible",
-                                         "flatten",
-                                         "clear",
-                                         "selectAll",
-                                         "invertSelection",
-                                         "fillPrimary",
-                                         "crop",
-                                         "rotateClockwise",
-                                         "flipHorizontal",
-                                         "copy",
-                                         "copyMerged",
-                                         "cut",
-                                         "paste",
-                                         "newCanvas"};
+const QByteArrayList kMenuCommands =
+    QByteArray(
+        "undo redo newLayer duplicateLayer deleteLayer mergeDown mergeVisible flatten clear selectAll "
+        "invertSelection fillPrimary crop rotateClockwise flipHorizontal copy copyMerged cut paste newCanvas")
+        .split(' ');
 
 /// What a failure must leave as it was.
 struct Facts {
@@ -231,7 +216,7 @@ private Q_SLOTS:
         QTest::addColumn<Command>("command");
         QTest::addColumn<bool>("selected");
         std::vector<Command> all(std::begin(kCommands), std::end(kCommands));
-        for (const char* name : kMenuCommands) all.push_back({name, nullptr});
+        for (const QByteArray& name : kMenuCommands) all.push_back({name.constData(), nullptr});
         for (const Command& command : all) {
             QTest::addRow("%s", command.name) << command << false;
             QTest::addRow("%s, selected", command.name) << command << true;

@@ -26,29 +26,16 @@ class tst_Json : public QObject {
 
 private Q_SLOTS:
     void onlyWholeAndWellFormedTextIsRead() {
-        const auto row = [](const char* name, const QByteArray& text, bool read) {
-            QVERIFY2(parsed(text).has_value() == read, name);
-        };
-        row("object", R"({"a":[1,2.5,true,null,"x"]})", true);
-        row("a bare value", "7", true);
-        row("blanks round it", " \n{}\t", true);
-        row("empty", "", false);
-        row("cut off", R"({"a":[1,2)", false);
-        row("cut in a string", "{\"a\":\"x", false);
-        row("something behind it", "{} {}", false);
-        row("a zero byte behind it", QByteArray("{}\0", 3), false);
-        row("a comma too many", "[1,]", false);
-        row("a comment", "/*x*/{}", false);
-        row("broken UTF-8", "\"\xC3\x28\"", false);
-        row("an overlong form", "\"\xC0\x80\"", false);
-        row("half a surrogate pair", R"("\ud83d")", false);
-        row("a number too large", "1e999", false);
-        row("not a number", "NaN", false);
-        row("32 deep", QByteArray(32, '[') + QByteArray(32, ']'), true);
-        row("33 deep", QByteArray(33, '[') + QByteArray(33, ']'), false);
-        row("33 deep, mixed", QByteArray("{\"a\":[").repeated(16) + "{}" + QByteArray("]}").repeated(16),
-            false);
-        row("a million deep", QByteArray(1'000'000, '['), false);
+        for (const QByteArray& text : {QByteArray(R"({"a":[1,2.5,true,null,"x"]})"), QByteArray("7"),
+                                       QByteArray(" \n{}\t"), QByteArray(32, '[') + QByteArray(32, ']')})
+            QVERIFY2(parsed(text), text.constData());
+        for (const QByteArray& text :
+             {QByteArray(), QByteArray(R"({"a":[1,2)"), QByteArray("{\"a\":\"x"), QByteArray("{} {}"),
+              QByteArray("{}\0", 3), QByteArray("[1,]"), QByteArray("/*x*/{}"), QByteArray("\"\xC3\x28\""),
+              QByteArray("\"\xC0\x80\""), QByteArray(R"("\ud83d")"), QByteArray("1e999"), QByteArray("NaN"),
+              QByteArray(33, '[') + QByteArray(33, ']'), QByteArray(1'000'000, '['),
+              QByteArray("{\"a\":[").repeated(16) + "{}" + QByteArray("]}").repeated(16)}) // 33 deep too
+            QVERIFY2(!parsed(text), text.left(40).constData());
     }
 
     void theLastOfTwoEqualKeysWins() {
