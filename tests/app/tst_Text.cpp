@@ -1,6 +1,7 @@
 #include "app/text/TextRenderer.h"
 #include "compositing/CompositeInputs.h"
 #include "program/PaintSample.h"
+#include "program/SelfTestEngine.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
@@ -97,6 +98,16 @@ private Q_SLOTS:
             const auto drawn = TextRenderer::render(words(QString::fromUtf8(text)));
             QVERIFY2(drawn && !inkOf(*drawn->buffer, 0, drawn->buffer->height()).isEmpty(), text);
         }
+    }
+
+    void theSelfTestOfTheEnginePasses() {
+        SelfTestReport report;
+        for (const auto section :
+             {SelfTestEngine::strokes, SelfTestEngine::blendModes, SelfTestEngine::bucket,
+              SelfTestEngine::undoRedo, SelfTestEngine::saveReopen, SelfTestEngine::exports,
+              SelfTestEngine::palettes, SelfTestEngine::canvasOps, SelfTestEngine::presets})
+            section(report);
+        QCOMPARE(report.failures(), 0);
     }
 
     void theSampleIsTheSameTwice() {

@@ -4,7 +4,6 @@
 #include "support/TestMain.h"
 
 #include <limits>
-#include <set>
 
 using namespace qirn;
 
@@ -120,14 +119,11 @@ private Q_SLOTS:
     }
 
     void theLibraryHasItsPresets() {
-        std::set<QUuid> ids;
         for (const BrushSettings& brush : BrushLibrary::builtIn()) {
             BrushSettings mended = brush;
             mended.sanitize();
             QVERIFY2(brush.isBuiltIn && mended == brush, qPrintable(brush.name)); // no number is out of range
-            ids.insert(brush.id);
         }
-        QCOMPARE(ids.size(), std::size_t{33});
         QCOMPARE(
             BrushLibrary::categories().join(u'|'),
             QStringLiteral("Pens|Pencils|Inks|Markers|Round Brushes|Airbrush|Texture|Smudge & Blur|Erasers"));

@@ -9,26 +9,6 @@ using namespace qirn::test;
 
 namespace {
 
-const PixelBytes kBackdrop{200, 100, 50, 255};
-const PixelBytes kSource{60, 150, 240, 255};
-
-struct Known {
-    const char* mode;
-    PixelBytes result;
-};
-constexpr Known kKnown[] = {
-    {"normal", {60, 150, 240, 255}},      {"multiply", {47, 59, 47, 255}},
-    {"screen", {213, 191, 243, 255}},     {"overlay", {171, 118, 94, 255}},
-    {"darken", {60, 100, 50, 255}},       {"lighten", {200, 150, 240, 255}},
-    {"colorDodge", {255, 243, 255, 255}}, {"colorBurn", {21, 0, 37, 255}},
-    {"hardLight", {94, 127, 231, 255}},   {"softLight", {177, 111, 106, 255}},
-    {"difference", {140, 50, 190, 255}},  {"exclusion", {166, 132, 196, 255}},
-    {"add", {255, 250, 255, 255}},        {"subtract", {140, 0, 0, 255}},
-    {"linearBurn", {5, 0, 35, 255}},      {"hue", {64, 139, 214, 255}},
-    {"saturation", {215, 95, 35, 255}},   {"color", {52, 142, 232, 255}},
-    {"luminosity", {208, 108, 58, 255}},
-};
-
 /// A premultiplied pixel with many of the values at which formulas change their branch.
 std::array<float, 4> randomPixel(SeededRandom& random) {
     const uint64_t kind = random.next() % 4;
@@ -53,18 +33,6 @@ class tst_BlendModes : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyModeGivesItsKnownColour() {
-        QCOMPARE(std::size(kKnown), kBlendModes.size());
-        for (int i = 0; i < kBlendModeCount; ++i) {
-            QCOMPARE(int(*blendModeWithId(kKnown[i].mode)), i);
-            const PixelBytes got = Compositor::blendBytes(kBackdrop, kSource, BlendMode(i), 1);
-            int worst = 0;
-            for (std::size_t c = 0; c < 4; ++c)
-                worst = std::max(worst, std::abs(got[c] - kKnown[i].result[c]));
-            QVERIFY2(worst <= 1 && got[3] == 255, kKnown[i].mode);
-        }
-    }
-
     void everyPixelIsThatOfTheFormula() {
         for (const auto& row : kBlendModes) {
             SeededRandom random(17 + static_cast<uint64_t>(row.mode));
@@ -82,13 +50,18 @@ private Q_SLOTS:
 
     void everyModeIsFoundByItsNameAndItsKey() {
         std::set<std::string> keys;
+        QStringList ids;
         for (int i = 0; i < kBlendModeCount; ++i) {
             const BlendModeRow& row = rowOf(BlendMode(i));
             QCOMPARE(int(row.mode), i);
             QVERIFY(blendModeWithId(row.id) == row.mode);
             QCOMPARE(blendModeFromPSD(row.psdKey), row.mode);
             keys.insert(row.psdKey);
+            ids << row.id;
         }
+        QCOMPARE(ids.join(' '),
+                 "normal multiply screen overlay darken lighten colorDodge colorBurn hardLight softLight "
+                 "difference exclusion add subtract linearBurn hue saturation color luminosity");
         QCOMPARE(keys.size(), std::size_t{kBlendModeCount});
         QVERIFY(!blendModeWithId("Multiply"));
         QCOMPARE(blendModeFromPSD("diss"), BlendMode::normal);

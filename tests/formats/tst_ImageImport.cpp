@@ -382,17 +382,6 @@ private Q_SLOTS:
         // The box lies where no reader looks, but nobody has to know that.
         QVERIFY(!decoded(file + box));
     }
-
-    void anOpenedPictureIsOneLayer() {
-        QImage image = blocks(true);
-        image.setDotsPerMeterX(11811);
-        const QByteArray png = written(image, "png");
-        const auto doc = ImageImport::document(bytesOf(png), QStringLiteral("psd")); // the name lies
-        QVERIFY(doc->layerCount() == 1 && doc->activeIndex() == 0 && doc->dpi == 300);
-        QCOMPARE(doc->layer(0).name, QStringLiteral("Background"));
-        QVERIFY(doc->history().size() == 1 && doc->history()[0].name == QStringLiteral("Open"));
-        QCOMPARE(firstDifference(*doc->layer(0).toBuffer(), *RGBABuffer::fromImage(image)), QString());
-    }
 };
 
 QIRN_TEST(tst_ImageImport)

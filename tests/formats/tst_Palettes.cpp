@@ -4,8 +4,6 @@
 #include "platform/Bytes.h"
 #include "support/TestMain.h"
 
-#include <set>
-
 using namespace qirn;
 
 namespace {
@@ -69,10 +67,8 @@ class tst_Palettes : public QObject {
 private Q_SLOTS:
     void theBuiltInPalettesAreTheSameEverywhere() {
         QStringList summary;
-        std::set<QUuid> ids;
         for (const Palette& palette : PaletteLibrary::builtIn()) {
             QVERIFY(palette.isBuiltIn);
-            ids.insert(palette.id);
             summary += QStringLiteral("%1 %2").arg(palette.name).arg(palette.colors.size());
             for (const PaletteColor& entry : palette.colors)
                 QVERIFY(entry.color.a == 1 && !entry.name.isEmpty());
@@ -81,7 +77,6 @@ private Q_SLOTS:
             summary.join(u'|'),
             QStringLiteral("Qirn Chrome & Candy 16|Basic 12|Grayscale 16|Skin Tones 12|Desert & Canyon 12|"
                            "Ocean & Sky 12|Pastels 10|Neon Night 9|Autumn Forest 10"));
-        QCOMPARE(ids.size(), 9u);
         QCOMPARE(builtIn("Basic").id, QUuid(QStringLiteral("9507aa45-5c1d-46ee-9f84-33a37b05ca7f")));
         const auto& grays = builtIn("Grayscale").colors;
         QCOMPARE(written({grays[0], grays[4], grays[15]}),
