@@ -1,5 +1,7 @@
 #include "support/Profiles.h"
 
+#include <QColorSpace>
+
 #include <lcms2.h>
 
 namespace qirn::test {
@@ -15,25 +17,8 @@ QByteArray saved(cmsHPROFILE profile) {
     return bytes;
 }
 
-QByteArray rgbProfile(const cmsCIExyYTRIPLE& primaries, cmsToneCurve* curve) {
-    const cmsCIExyY d65{0.3127, 0.3290, 1};
-    cmsToneCurve* curves[3] = {curve, curve, curve};
-    QByteArray bytes = saved(cmsCreateRGBProfile(&d65, &primaries, curves));
-    cmsFreeToneCurve(curve);
-    return bytes;
-}
-
-cmsToneCurve* srgbCurve() {
-    const double parameters[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-    return cmsBuildParametricToneCurve(nullptr, 4, parameters);
-}
-
-struct Press {
-    cmsHTRANSFORM toLab;
-};
-
 /// Each ink lets through its share of red, green and blue; the result as Lab.
-cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void* press) {
+cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void* toLab) {
     const double inks[4][3] = {{kPressCyan[0] / 255.0, kPressCyan[1] / 255.0, kPressCyan[2] / 255.0},
                                {0.8, 0.1, 0.5},
                                {1, 0.9, 0.1},
@@ -44,7 +29,7 @@ cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void*
         for (int i = 0; i < 4; ++i) light *= 1 - in[i] / 65535.0 * (1 - inks[i][c]);
         rgb[c] = static_cast<cmsUInt16Number>(light * 65535 + 0.5);
     }
-    cmsDoTransform(static_cast<Press*>(press)->toLab, rgb, out, 1);
+    cmsDoTransform(toLab, rgb, out, 1);
     return TRUE;
 }
 
@@ -53,22 +38,27 @@ cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void*
 QByteArray srgbProfile() {
     // As files have it: the curve as a table, a primary rounded. Some colours come out a step off.
     constexpr cmsUInt32Number kEntries = 1024;
-    cmsToneCurve* const formula = srgbCurve();
+    const double parameters[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    cmsToneCurve* const formula = cmsBuildParametricToneCurve(nullptr, 4, parameters);
     cmsUInt16Number table[kEntries];
     for (cmsUInt32Number i = 0; i < kEntries; ++i)
         table[i] = cmsEvalToneCurve16(formula, static_cast<cmsUInt16Number>(i * 65535 / (kEntries - 1)));
     cmsFreeToneCurve(formula);
-    return rgbProfile({{0.64, 0.33, 1}, {0.2999, 0.6, 1}, {0.15, 0.06, 1}},
-                      cmsBuildTabulatedToneCurve16(nullptr, kEntries, table));
+    cmsToneCurve* const curve = cmsBuildTabulatedToneCurve16(nullptr, kEntries, table);
+    cmsToneCurve* const curves[3] = {curve, curve, curve};
+    const cmsCIExyY d65{0.3127, 0.3290, 1};
+    const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.2999, 0.6, 1}, {0.15, 0.06, 1}};
+    QByteArray bytes = saved(cmsCreateRGBProfile(&d65, &primaries, curves));
+    cmsFreeToneCurve(curve);
+    return bytes;
 }
 
 QByteArray displayP3Profile() {
-    return rgbProfile({{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}}, srgbCurve());
+    return QColorSpace(QColorSpace::DisplayP3).iccProfile();
 }
 
 QByteArray adobeRgbProfile() {
-    return rgbProfile({{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}},
-                      cmsBuildGamma(nullptr, 563 / 256.0));
+    return QColorSpace(QColorSpace::AdobeRgb).iccProfile();
 }
 
 QByteArray grayProfile(double gamma) {
@@ -81,7 +71,8 @@ QByteArray grayProfile(double gamma) {
 QByteArray pressProfile() {
     const cmsHPROFILE srgb = cmsCreate_sRGBProfile();
     const cmsHPROFILE lab = cmsCreateLab2Profile(nullptr);
-    Press press{cmsCreateTransform(srgb, TYPE_RGB_16, lab, TYPE_LabV2_16, INTENT_RELATIVE_COLORIMETRIC, 0)};
+    const cmsHTRANSFORM toLab =
+        cmsCreateTransform(srgb, TYPE_RGB_16, lab, TYPE_LabV2_16, INTENT_RELATIVE_COLORIMETRIC, 0);
     const cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
     cmsSetProfileVersion(profile, 2.4);
     cmsSetDeviceClass(profile, cmsSigOutputClass);
@@ -89,12 +80,12 @@ QByteArray pressProfile() {
     cmsSetPCS(profile, cmsSigLabData);
     cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, 4, 3);
     cmsStage* table = cmsStageAllocCLut16bit(nullptr, 5, 4, 3, nullptr);
-    cmsStageSampleCLut16bit(table, inkToLab, &press, 0);
+    cmsStageSampleCLut16bit(table, inkToLab, toLab, 0);
     cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, table);
     cmsWriteTag(profile, cmsSigAToB0Tag, pipeline);
     cmsWriteTag(profile, cmsSigMediaWhitePointTag, cmsD50_XYZ());
     cmsPipelineFree(pipeline);
-    cmsDeleteTransform(press.toLab);
+    cmsDeleteTransform(toLab);
     cmsCloseProfile(srgb);
     cmsCloseProfile(lab);
     return saved(profile);

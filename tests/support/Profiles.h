@@ -7,7 +7,7 @@
 
 namespace qirn::test {
 
-// Colour profiles as files embed them, made by the colour library from published numbers.
+// Colour profiles as files embed them.
 QByteArray srgbProfile();
 QByteArray displayP3Profile();
 QByteArray adobeRgbProfile();
