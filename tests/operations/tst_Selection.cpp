@@ -122,10 +122,6 @@ private Q_SLOTS:
         const SelectionRef some = made(rectangle(5, 5, 10, 10));
         QVERIFY(!made(rectangle(5, kHeight, 10, 10)) && !made(rectangle(-20, 5, 10, 10)));
         QVERIFY(!made(QPainterPath(), SelectionOp::replace, some)); // a click without a drag
-        for (SelectionOp op : {SelectionOp::subtract, SelectionOp::intersect}) {
-            QVERIFY(!made(rectangle(5, 5, 10, 10), op));
-            QVERIFY(!made(rectangle(op == SelectionOp::subtract ? 5 : 20, 5, 10, 10), op, some));
-        }
         QVERIFY(!Selection::fromMask(std::vector<uint8_t>(kWidth * kHeight), kWidth, kHeight));
         QVERIFY(!Selection::fromMask(std::vector<uint8_t>(kWidth * kHeight - 1, 9), kWidth, kHeight));
         QVERIFY(!Selection::fromMask({}, 0, 0));

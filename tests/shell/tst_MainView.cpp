@@ -198,15 +198,13 @@ private Q_SLOTS:
     void theRailMarksTheToolAndSetsIt() {
         Window w;
         for (const ToolRow& row : kTools) {
-            auto* button = w.view.findChild<QAbstractButton*>(QLatin1String(row.id));
-            QVERIFY(button != nullptr);
-            if (!button) continue;
-            QCOMPARE(button->toolTip(),
+            auto& button = w.find<QAbstractButton>(row.id);
+            QCOMPARE(button.toolTip(),
                      QStringLiteral("%1 (%2)").arg(QLatin1String(row.title)).arg(QLatin1Char(row.key)));
-            QTest::mouseClick(button, Qt::LeftButton);
-            QTest::mouseClick(button, Qt::LeftButton); // a second click takes no mark away
+            QTest::mouseClick(&button, Qt::LeftButton);
+            QTest::mouseClick(&button, Qt::LeftButton); // a second click takes no mark away
             QCOMPARE(w.model.tool(), row.tool);
-            QVERIFY(button->isChecked());
+            QVERIFY(button.isChecked());
             QCOMPARE(QApplication::focusWidget(), &w.canvas()); // the keys stay with the canvas
         }
         w.model.setTool(Tool::brush); // from elsewhere
