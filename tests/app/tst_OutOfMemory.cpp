@@ -58,13 +58,25 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
 void operator delete(void* piece) noexcept {
     std::free(piece);
 }
+void operator delete[](void* piece) noexcept { // by name: a sanitizer's own does not call the one above
+    std::free(piece);
+}
 void operator delete(void* piece, std::size_t) noexcept {
+    std::free(piece);
+}
+void operator delete[](void* piece, std::size_t) noexcept {
     std::free(piece);
 }
 void operator delete(void* piece, std::align_val_t) noexcept {
     std::free(piece);
 }
+void operator delete[](void* piece, std::align_val_t) noexcept {
+    std::free(piece);
+}
 void operator delete(void* piece, std::size_t, std::align_val_t) noexcept {
+    std::free(piece);
+}
+void operator delete[](void* piece, std::size_t, std::align_val_t) noexcept {
     std::free(piece);
 }
 
