@@ -119,10 +119,8 @@ public:
         ChromePaint::icon(*painter, rect, icon_, std::min(rect.width(), rect.height()),
                           colorFor(mode, state));
     }
+    /// In device pixels. What asks for a scale comes here by the base class, whose sizes changed their meaning in Qt 6.8.
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        return scaledPixmap(size, mode, state, 1);
-    }
-    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state, qreal) override {
         return rendered(icon_, std::min(size.width(), size.height()), colorFor(mode, state));
     }
     QIconEngine* clone() const override { return std::make_unique<OutlineEngine>(*this).release(); }

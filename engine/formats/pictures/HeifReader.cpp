@@ -20,6 +20,8 @@ namespace {
 
 // A flat block of 64 x 64 pixels takes about a byte in files that were measured; hostile ones get some more.
 constexpr double kPixelsAByte = 1 << 15;
+// Pixels on a side of the largest block that pictures are coded in.
+constexpr int64_t kCodedBlock = 64;
 
 template <auto release> struct Releaser {
     template <class T> void operator()(T* object) const { release(object); }
@@ -118,9 +120,10 @@ std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
         return std::nullopt;
     const HevcSize toDecode = largestHevcSize(file);
     if (!backs(file.size(), kPixelsAByte, toDecode.width, toDecode.height)) return std::nullopt;
-    // A mosaic says its size once more.
-    heif_context_set_maximum_image_size_limit(context.get(),
-                                              static_cast<int>(std::max(codedWidth, codedHeight) + 1));
+    // A mosaic says its size once more. Newer libraries hold the limit against whole coded blocks.
+    const int64_t side = std::max(codedWidth, codedHeight);
+    heif_context_set_maximum_image_size_limit(
+        context.get(), static_cast<int>((side + kCodedBlock - 1) / kCodedBlock * kCodedBlock + 1));
 
     const bool isDeep = heif_image_handle_get_luma_bits_per_pixel(handle.get()) > 8;
     heif_image* decoded = nullptr;
