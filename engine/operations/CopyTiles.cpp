@@ -30,10 +30,13 @@ void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
             continue;
         }
         const IRect target = mapped(back, source);
+        const bool all = target.w == kTileSize && target.h == kTileSize &&
+                         std::all_of(held.begin(), held.begin() + std::ssize(tiles),
+                                     [](const Tile* tile) { return tile != nullptr; });
         jobs.add({held,
                   {source.x % kTileSize, source.y % kTileSize, source.w, source.h, target.x % kTileSize,
                    target.y % kTileSize}},
-                 slot);
+                 slot, all ? TileJobs<Key>::DrawsAll::yes : TileJobs<Key>::DrawsAll::no);
     }
     jobs.run(to, [&](const TileJob& job, uint8_t* pixels) {
         const IRect slot = grid.rectOf(job.first);

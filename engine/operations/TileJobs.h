@@ -14,15 +14,17 @@ namespace qirn {
 struct TileJob {
     int64_t first; // its first slot, for which it is made
     std::vector<int64_t> slots;
+    bool drawsAll = false; // every byte of the tile, so that it need not be cleared first
     TileRef made;
 };
 
 /// Tiles to be made for a layer, each once for all slots whose bytes depend on the same things: the key.
 template <class Key> class TileJobs {
 public:
-    void add(const Key& key, int64_t slot) {
+    enum class DrawsAll { no, yes };
+    void add(const Key& key, int64_t slot, DrawsAll drawsAll = DrawsAll::no) {
         const auto [place, isNew] = byKey_.try_emplace(key, jobs_.size());
-        if (isNew) jobs_.push_back({slot, {}, nullptr});
+        if (isNew) jobs_.push_back({slot, {}, drawsAll == DrawsAll::yes, nullptr});
         jobs_[place->second].slots.push_back(slot);
     }
 
@@ -30,7 +32,7 @@ public:
     template <class Draw> void run(Layer& to, Draw draw) {
         concurrentPerform(static_cast<int64_t>(jobs_.size()), [&](int64_t i) {
             TileJob& job = jobs_[checkedSize(i)];
-            auto tile = std::make_shared<Tile>();
+            auto tile = job.drawsAll ? std::make_shared<Tile>(BlockPool::take()) : std::make_shared<Tile>();
             draw(job, tile->writablePixels());
             if (!tile->isEmpty()) job.made = std::move(tile);
         });
