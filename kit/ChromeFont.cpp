@@ -1,12 +1,12 @@
 #include "kit/ChromeFont.h"
 
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 
 namespace qirn::ChromeFont {
 
 namespace {
 
-QFont made(int pixels, QFont::Weight weight) {
+QFont sized(int pixels, QFont::Weight weight) {
     QFont font;
     font.setFamilies({QStringLiteral("Inter"), QStringLiteral("Sans Serif")});
     font.setStyleHint(QFont::SansSerif);
@@ -20,16 +20,16 @@ QFont made(int pixels, QFont::Weight weight) {
 } // namespace
 
 QFont title() {
-    return made(Metrics::kTextTitle, QFont::DemiBold);
+    return sized(QirnKitHost::metrics().titleText, QFont::DemiBold);
 }
 QFont body() {
-    return made(Metrics::kTextBody, QFont::Normal);
+    return sized(QirnKitHost::metrics().bodyText, QFont::Normal);
 }
 QFont small() {
-    return made(Metrics::kTextSmall, QFont::Normal);
+    return sized(QirnKitHost::metrics().smallText, QFont::Normal);
 }
 QFont caption() {
-    return made(Metrics::kTextCaption, QFont::Medium);
+    return sized(QirnKitHost::metrics().captionText, QFont::Medium);
 }
 
 } // namespace qirn::ChromeFont

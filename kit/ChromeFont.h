@@ -1,7 +1,7 @@
 #pragma once
 #include <QFont>
 
-/// The one font family of the interface in its four sizes.
+/// The one font family of the interface in its four sizes, at the zoom last applied.
 namespace qirn::ChromeFont {
 
 QFont title(); ///< Semibold.

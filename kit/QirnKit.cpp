@@ -1,9 +1,11 @@
 #include "kit/QirnKit.h"
 
 #include <memory>
+#include <utility>
 
 #include <QAccessible>
 #include <QApplication>
+#include <QEvent>
 #include <QToolTip>
 
 #include "kit/ChromeFont.h"
@@ -23,12 +25,37 @@ namespace {
 struct Applied {
     QrKitTheme theme = QirnThemes::named(QString::fromLatin1(QirnThemes::kDefaultID)).kitTheme();
     ChromeColors colors = ChromeColors::of(theme);
+    Metrics metrics;
 };
 
 Applied& applied() {
     static Applied theApplied;
     return theApplied;
 }
+
+void applyFonts() {
+    QApplication::setFont(ChromeFont::body());
+    QToolTip::setFont(ChromeFont::small());
+}
+
+/// Lives with the widget whose sizes it sets.
+class MetricsFollower : public QObject {
+public:
+    MetricsFollower(QWidget* widget, std::function<void(const Metrics&)> apply)
+        : QObject(widget),
+          apply_(std::move(apply)) {
+        widget->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::StyleChange) apply_(QirnKitHost::metrics());
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void(const Metrics&)> apply_;
+};
 
 } // namespace
 
@@ -38,14 +65,16 @@ const QrKitTheme& QirnKitHost::theme() {
 const ChromeColors& QirnKitHost::colors() {
     return applied().colors;
 }
+const Metrics& QirnKitHost::metrics() {
+    return applied().metrics;
+}
 
 void QirnKit::install(const QString& appName) {
     linkResources();
     QCoreApplication::setApplicationName(appName);
     QGuiApplication::setApplicationDisplayName(appName);
     QAccessible::installFactory(chromeSliderAccess);
-    QApplication::setFont(ChromeFont::body());
-    QToolTip::setFont(ChromeFont::small());
+    applyFonts();
     QApplication::setStyle(std::make_unique<ChromeStyle>().release()); // the application owns its style
     applyTheme();
 }
@@ -57,6 +86,22 @@ void QirnKit::applyTheme() {
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette);
     for (QWidget* window : QApplication::topLevelWidgets()) window->update();
+}
+
+void QirnKit::applyZoom(double zoom) {
+    if (zoom == applied().metrics.zoom) return;
+    applied().metrics = Metrics{zoom};
+    applyFonts();
+    // Before the event loop runs Qt itself tells nobody of a new font.
+    QEvent font(QEvent::ApplicationFontChange);
+    for (QWidget* window : QApplication::topLevelWidgets()) QCoreApplication::sendEvent(window, &font);
+    QEvent sizes(QEvent::StyleChange);
+    for (QWidget* widget : QApplication::allWidgets()) QCoreApplication::sendEvent(widget, &sizes);
+}
+
+void QirnKit::followMetrics(QWidget* widget, std::function<void(const Metrics&)> apply) {
+    apply(QirnKitHost::metrics());
+    std::make_unique<MetricsFollower>(widget, std::move(apply)).release(); // the widget owns it
 }
 
 } // namespace qirn

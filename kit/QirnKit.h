@@ -1,8 +1,13 @@
 #pragma once
+#include <functional>
+
 #include <QString>
 
 #include "kit/ChromeColors.h"
+#include "kit/Metrics.h"
 #include "kit/QirnTheme.h"
+
+class QWidget;
 
 /// The interface kit: themes, the one style that draws every control, icons, and a few controls of its own. It
 /// knows nothing of painting.
@@ -14,6 +19,13 @@ void install(const QString& appName);
 
 /// Puts the theme that is chosen now on every window.
 void applyTheme();
+/// Lays every window out again at a zoom of the interface, 1 for the sizes as designed. Each widget gets a
+/// `QEvent::StyleChange`.
+void applyZoom(double zoom);
+
+/// Calls `apply` now and whenever the sizes change, while the widget lives: for what a widget is told and not asked
+/// for, such as the margins of its layout, a fixed size, a font of its own.
+void followMetrics(QWidget* widget, std::function<void(const Metrics&)> apply);
 
 } // namespace qirn::QirnKit
 
@@ -22,5 +34,6 @@ namespace qirn::QirnKitHost {
 
 const QrKitTheme& theme();    ///< The theme last applied; the default one before that.
 const ChromeColors& colors(); ///< Its derived colours.
+const Metrics& metrics();     ///< The sizes at the zoom last applied.
 
 } // namespace qirn::QirnKitHost

@@ -18,7 +18,7 @@ const QString kSecond = QStringLiteral("PAINT");
 QFont secondFont() {
     QFont font = ChromeFont::caption();
     font.setWeight(QFont::DemiBold);
-    font.setLetterSpacing(QFont::AbsoluteSpacing, 1.6);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 1.6 * QirnKitHost::metrics().zoom);
     return font;
 }
 
@@ -30,12 +30,14 @@ Badge::Badge(QWidget* parent) : QWidget(parent) {
 }
 
 QSize Badge::sizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
     const int first = QFontMetrics(ChromeFont::title()).horizontalAdvance(kFirst);
-    return {first + Metrics::kSpace8 + QFontMetrics(secondFont()).horizontalAdvance(kSecond),
-            Metrics::kControlHeight};
+    return {first + m.gap + QFontMetrics(secondFont()).horizontalAdvance(kSecond) + m.groupGap,
+            m.controlHeight};
 }
 
 void Badge::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     painter.setFont(ChromeFont::title());
@@ -45,7 +47,7 @@ void Badge::paintEvent(QPaintEvent*) {
     painter.drawText(0, baseline, kFirst);
     painter.setFont(secondFont());
     painter.setPen(c.dim);
-    painter.drawText(title.horizontalAdvance(kFirst) + Metrics::kSpace8 - 1, baseline, kSecond);
+    painter.drawText(title.horizontalAdvance(kFirst) + m.gap - m.px(1), baseline, kSecond);
 }
 
 } // namespace qirn

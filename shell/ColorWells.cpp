@@ -12,14 +12,6 @@
 
 namespace qirn {
 
-namespace {
-constexpr QRect kPrimary{0, 0, 30, 30};
-constexpr QRect kSecondary{16, 16, 24, 24};
-constexpr QSize kButton{20, 20};
-constexpr int kWidth = 40;
-constexpr int kButtonTop = 46;
-} // namespace
-
 ColorSquare::ColorSquare(const QString& tip, QWidget* parent) : QAbstractButton(parent) {
     setToolTip(tip);
     setAttribute(Qt::WA_Hover);
@@ -33,14 +25,15 @@ void ColorSquare::showColor(const QColor& color) {
 }
 
 void ColorSquare::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     // A gap of the panel's colour keeps any colour apart from its ring and from the square behind.
-    ChromePaint::box(painter, rect(), Metrics::kRadius, c.panel,
-                     underMouse() && isEnabled() ? c.text : c.edgeHover);
-    ChromePaint::box(painter, QRectF(rect()).adjusted(2, 2, -2, -2), Metrics::kRadiusSmall, color_);
+    ChromePaint::box(painter, rect(), m.radius, c.panel, underMouse() && isEnabled() ? c.text : c.edgeHover);
+    ChromePaint::box(painter, QRectF(rect()).adjusted(m.inset, m.inset, -m.inset, -m.inset), m.smallRadius,
+                     color_);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, rect(), Metrics::kRadius);
+        ChromePaint::focusRing(painter, rect(), m.radius);
 }
 
 ColorWells::ColorWells(PaintModel& model, QWidget* parent)
@@ -48,25 +41,26 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
       model_(model),
       secondary_(new ColorSquare(tr("Second color (click to swap, X)"), this)),
       primary_(new ColorSquare(tr("Paint color"), this)) {
-    setFixedSize(kWidth, kButtonTop + kButton.height());
-    primary_->setGeometry(kPrimary);
     primary_->setFocusPolicy(Qt::NoFocus); // it only shows
     primary_->setObjectName(QStringLiteral("primaryColor"));
-    secondary_->setGeometry(kSecondary);
     secondary_->setFocusPolicy(Qt::TabFocus);
     secondary_->setObjectName(QStringLiteral("secondaryColor"));
     connect(secondary_, &ColorSquare::clicked, this, [this] { model_.swapColors(); });
 
-    auto* swap = new IconButton(Icon::swap, tr("Swap colors (X)"), this);
-    auto* reset = new IconButton(Icon::blackWhite, hostWords(tr("Black and white (⇧D)")), this);
+    auto* swap = new IconButton(Icon::swap, tr("Swap colors (X)"), this, &Metrics::smallIcon);
+    auto* reset =
+        new IconButton(Icon::blackWhite, hostWords(tr("Black and white (⇧D)")), this, &Metrics::smallIcon);
     swap->setObjectName(QStringLiteral("swapColors"));
     reset->setObjectName(QStringLiteral("defaultColors"));
-    for (IconButton* button : {swap, reset}) {
-        button->setIconSize({Metrics::kIconSmall, Metrics::kIconSmall});
-        button->resize(kButton);
-    }
-    swap->move(0, kButtonTop);
-    reset->move(width() - kButton.width(), kButtonTop);
+    QirnKit::followMetrics(this, [=, this](const Metrics& m) {
+        const int side = 2 * m.smallButton;
+        const int top = side + m.px(6);
+        setFixedSize(side, top + m.smallButton);
+        primary_->setGeometry(0, 0, m.px(30), m.px(30));
+        secondary_->setGeometry(m.margin, m.margin, side - m.margin, side - m.margin);
+        swap->setGeometry(0, top, m.smallButton, m.smallButton);
+        reset->setGeometry(m.smallButton, top, m.smallButton, m.smallButton);
+    });
     connect(swap, &IconButton::clicked, this, [this] { model_.swapColors(); });
     connect(reset, &IconButton::clicked, this, [this] { model_.defaultColors(); });
     connect(&model, &PaintModel::changed, this, &ColorWells::refresh);

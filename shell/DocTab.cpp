@@ -18,11 +18,16 @@ namespace qirn {
 
 namespace {
 
-constexpr int kMostName = 200; // longer names end in dots
-constexpr int kLeastName = 48;
-constexpr int kDot = 6;
-constexpr int kCloseButton = 20;
-constexpr int kNameLeft = 20; // behind the dot
+int mostName() {
+    return QirnKitHost::metrics().px(200); // longer names end in dots
+}
+int leastName() {
+    return QirnKitHost::metrics().px(48);
+}
+/// Where the name begins, behind the dot.
+int nameLeft() {
+    return QirnKitHost::metrics().smallButton;
+}
 
 class Dot : public QWidget {
 public:
@@ -31,9 +36,10 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        QRectF mark(0, 0, kDot, kDot);
+        const double side = QirnKitHost::metrics().px(6);
+        QRectF mark(0, 0, side, side);
         mark.moveCenter(QRectF(rect()).center());
-        ChromePaint::box(painter, mark, kDot / 2.0, QirnKitHost::colors().focus);
+        ChromePaint::box(painter, mark, side / 2, QirnKitHost::colors().focus);
     }
 };
 
@@ -48,9 +54,8 @@ DocTab::DocTab(PaintModel& model, QWidget* parent)
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     dot_->setToolTip(tr("Not saved yet (autosaved for safety)"));
-    close_ = new IconButton(Icon::close, tr("Close this picture"), this);
+    close_ = new IconButton(Icon::close, tr("Close this picture"), this, &Metrics::chevron);
     close_->setFocusPolicy(Qt::NoFocus); // Delete on the tab does the same
-    close_->setIconSize({Metrics::kChevron, Metrics::kChevron});
     connect(this, &QAbstractButton::clicked, this, guarding(model_, [this] {
                 if (DocSession* shown = session()) model_.select(*shown);
             }));
@@ -81,20 +86,23 @@ void DocTab::showSession(const DocSession& session, bool current) {
 }
 
 QSize DocTab::sizeHint() const {
-    const int name = std::min(fontMetrics().horizontalAdvance(text()), kMostName);
-    return {kNameLeft + name + Metrics::kSpace8 + kCloseButton + Metrics::kSpace4, Metrics::kControlHeight};
+    const Metrics& m = QirnKitHost::metrics();
+    const int name = std::min(fontMetrics().horizontalAdvance(text()), mostName());
+    return {nameLeft() + name + m.gap + m.smallButton + m.tightGap, m.controlHeight};
 }
 
 QSize DocTab::minimumSizeHint() const {
-    const int name = std::min(fontMetrics().horizontalAdvance(text()), kLeastName);
-    return {sizeHint().width() - std::min(fontMetrics().horizontalAdvance(text()), kMostName) + name,
-            Metrics::kControlHeight};
+    const Metrics& m = QirnKitHost::metrics();
+    const int name = std::min(fontMetrics().horizontalAdvance(text()), leastName());
+    return {sizeHint().width() - std::min(fontMetrics().horizontalAdvance(text()), mostName()) + name,
+            m.controlHeight};
 }
 
 void DocTab::resizeEvent(QResizeEvent*) {
-    dot_->setGeometry(0, 0, kNameLeft, height());
-    const int top = (height() - kCloseButton) / 2;
-    close_->setGeometry(width() - kCloseButton - Metrics::kSpace4, top, kCloseButton, kCloseButton);
+    const Metrics& m = QirnKitHost::metrics();
+    dot_->setGeometry(0, 0, nameLeft(), height());
+    const int top = (height() - m.smallButton) / 2;
+    close_->setGeometry(width() - m.smallButton - m.tightGap, top, m.smallButton, m.smallButton);
 }
 
 void DocTab::mouseReleaseEvent(QMouseEvent* event) {
@@ -112,17 +120,18 @@ void DocTab::keyPressEvent(QKeyEvent* event) {
 }
 
 void DocTab::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     if (isChecked())
-        ChromePaint::box(painter, rect(), Metrics::kRadius, c.raised, c.edge);
+        ChromePaint::box(painter, rect(), m.radius, c.raised, c.edge);
     else if (underMouse())
-        ChromePaint::box(painter, rect(), Metrics::kRadius, c.panel, c.divider);
-    const QRectF name(kNameLeft, 0, close_->x() - Metrics::kSpace4 - kNameLeft, height());
+        ChromePaint::box(painter, rect(), m.radius, c.panel, c.divider);
+    const QRectF name(nameLeft(), 0, close_->x() - m.tightGap - nameLeft(), height());
     ChromePaint::text(painter, name, Qt::AlignLeft | Qt::AlignVCenter, text(),
                       isChecked() || underMouse() ? c.text : c.dim);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, rect(), Metrics::kRadius);
+        ChromePaint::focusRing(painter, rect(), m.radius);
 }
 
 } // namespace qirn

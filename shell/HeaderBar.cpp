@@ -12,7 +12,7 @@
 #include "app/files/DocSession.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/IconButton.h"
 #include "shell/Badge.h"
 #include "shell/DocTab.h"
@@ -50,7 +50,6 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       strip_(new QScrollArea(this)) {
-    setFixedHeight(Metrics::kHeaderHeight);
     const auto made = [this](const HeaderButton& row) {
         auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
         button->setObjectName(QLatin1String(row.name));
@@ -61,7 +60,6 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     auto* tabs = new QWidget(strip_);
     tabRow_ = new QHBoxLayout(tabs);
     tabRow_->setContentsMargins(0, 0, 0, 0);
-    tabRow_->setSpacing(Metrics::kSpace4);
     new_ = made(kNew);
     tabRow_->addWidget(new_);
     tabRow_->addStretch();
@@ -81,10 +79,7 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     undo_ = made(kUndo);
     redo_ = made(kRedo);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(Metrics::kSpace12, 0, Metrics::kSpace12, 0);
-    row->setSpacing(Metrics::kSpace4);
     row->addWidget(new Badge(this));
-    row->addSpacing(Metrics::kSpace12);
     row->addWidget(strip_, 1);
     row->addWidget(open);
     row->addWidget(save);
@@ -92,6 +87,12 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     row->addWidget(new ChromeDivider(this));
     row->addWidget(undo_);
     row->addWidget(redo_);
+    QirnKit::followMetrics(this, [this, row](const Metrics& m) {
+        setFixedHeight(m.headerHeight);
+        row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
+        row->setSpacing(m.tightGap);
+        tabRow_->setSpacing(m.tightGap);
+    });
 
     QWidget* before = new_;
     for (QWidget* button : {open, save, exporter, undo_, redo_})

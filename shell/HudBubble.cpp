@@ -12,15 +12,11 @@
 
 namespace qirn {
 
-namespace {
-constexpr int kHeight = 32;
-}
-
 HudBubble::HudBubble(PaintModel& model, QWidget* canvas) : QWidget(canvas), model_(model) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     canvas->installEventFilter(this);
     connect(&model, &PaintModel::changed, this, &HudBubble::refresh);
-    refresh();
+    QirnKit::followMetrics(this, [this](const Metrics&) { refresh(); });
 }
 
 QString HudBubble::text() const {
@@ -28,13 +24,14 @@ QString HudBubble::text() const {
 }
 
 void HudBubble::refresh() {
+    const Metrics& m = QirnKitHost::metrics();
     setVisible(model_.hud().has_value());
     if (!model_.hud()) return;
     setAccessibleName(text());
     const QWidget& canvas = *parentWidget();
-    const int wanted = fontMetrics().horizontalAdvance(text()) + 2 * Metrics::kSpace16;
-    const int wide = std::min(wanted, canvas.width() - 2 * Metrics::kSpace16);
-    setGeometry((canvas.width() - wide) / 2, Metrics::kSpace16, wide, kHeight);
+    const int wanted = fontMetrics().horizontalAdvance(text()) + 2 * m.margin;
+    const int wide = std::min(wanted, canvas.width() - 2 * m.margin);
+    setGeometry((canvas.width() - wide) / 2, m.margin, wide, m.px(32));
     update();
 }
 
@@ -44,11 +41,12 @@ bool HudBubble::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void HudBubble::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
-    ChromePaint::box(painter, rect(), kHeight / 2.0, c.popup, c.edgeHover);
-    ChromePaint::text(painter, QRectF(rect()).adjusted(Metrics::kSpace12, 0, -Metrics::kSpace12, 0),
-                      Qt::AlignCenter, text(), c.text);
+    ChromePaint::box(painter, rect(), height() / 2.0, c.popup, c.edgeHover);
+    ChromePaint::text(painter, QRectF(rect()).adjusted(m.groupGap, 0, -m.groupGap, 0), Qt::AlignCenter,
+                      text(), c.text);
 }
 
 } // namespace qirn

@@ -13,7 +13,7 @@
 #include "app/desktop/Typing.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/ChromePanel.h"
 #include "shell/ColorWells.h"
 #include "shell/HeaderBar.h"
@@ -32,12 +32,11 @@ namespace qirn {
 namespace {
 
 constexpr QSize kSize{1480, 920};
-constexpr QSize kLeastContent{1040, 680};
-constexpr QSize kFrame{8, 40};   // round a window; how wide it is shows only once the window is up
-constexpr QSize kPanels{72, 72}; // of a desktop that does not tell what they take
+constexpr QSize kLeastWindow{1040, 680}; // inside its frame
+constexpr QSize kLeastContent{960, 640}; // lengths of the grid; the content scrolls below that
+constexpr QSize kFrame{8, 40};           // round a window; how wide it is shows only once the window is up
+constexpr QSize kPanels{72, 72};         // of a desktop that does not tell what they take
 constexpr QSize kLeastOfTiles{400, 300};
-constexpr int kToolColumn = Metrics::kRailButton + 2 * Metrics::kSpace8;
-constexpr int kPanelColumn = 256;
 
 QVBoxLayout* columnIn(QWidget* parent) {
     auto* column = new QVBoxLayout(parent);
@@ -81,13 +80,15 @@ MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(mo
             [this](QPointF at) { TextSheet(model_, at, this).exec(); });
     new TypingKeys(*this, *canvas_);
     canvas_->setFocus();
-    keepToScreen();
+    QirnKit::followMetrics(this, [this](const Metrics&) { keepToScreen(); });
     resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
 }
 
 QWidget* MainView::content() {
     auto* content = new QWidget(this);
-    content->setMinimumSize(kLeastContent);
+    QirnKit::followMetrics(content, [content](const Metrics& m) {
+        content->setMinimumSize(m.px(kLeastContent.width()), m.px(kLeastContent.height()));
+    });
     auto* rows = columnIn(content);
     rows->addWidget(new HeaderBar(model_, content));
     rows->addWidget(new ToolOptionsBar(model_, *canvas_, content));
@@ -103,20 +104,13 @@ QWidget* MainView::body() {
     across->setSpacing(0);
 
     auto* tools = new ChromePanel(ChromePanel::Surface::panel, Qt::RightEdge, row);
-    tools->setFixedWidth(kToolColumn);
     auto* toolColumn = columnIn(tools);
-    toolColumn->setContentsMargins(0, Metrics::kSpace8, 0, Metrics::kSpace8);
     toolColumn->addWidget(new ToolRail(model_, tools), 0, Qt::AlignHCenter);
-    toolColumn->addSpacing(Metrics::kSpace8);
     toolColumn->addStretch();
     toolColumn->addWidget(new ColorWells(model_, tools), 0, Qt::AlignHCenter);
 
     auto* panels = new ChromePanel(ChromePanel::Surface::panel, Qt::LeftEdge, row);
-    panels->setFixedWidth(kPanelColumn);
     auto* panelColumn = columnIn(panels);
-    panelColumn->setContentsMargins(Metrics::kSpace12, Metrics::kSpace12, Metrics::kSpace12,
-                                    Metrics::kSpace12);
-    panelColumn->setSpacing(Metrics::kSpace16);
     panelColumn->addWidget(new ColorChooser(model_, panels));
     panelColumn->addWidget(new LayersPanel(model_, panels), 1);
 
@@ -124,6 +118,14 @@ QWidget* MainView::body() {
     across->addWidget(canvas_, 1);
     across->addWidget(panels);
     new HudBubble(model_, canvas_);
+    QirnKit::followMetrics(row, [=](const Metrics& m) {
+        tools->setFixedWidth(m.railButton + 2 * m.gap);
+        toolColumn->setContentsMargins(0, m.gap, 0, m.gap);
+        toolColumn->setSpacing(m.gap);
+        panels->setFixedWidth(m.panelWidth);
+        panelColumn->setContentsMargins(m.groupGap, m.groupGap, m.groupGap, m.groupGap);
+        panelColumn->setSpacing(m.margin);
+    });
     return row;
 }
 
@@ -139,7 +141,7 @@ void MainView::keepToScreen() {
     if (!screen()) return;
     connect(screen(), &QScreen::availableGeometryChanged, this, &MainView::keepToScreen,
             Qt::UniqueConnection);
-    const QSize whole = kLeastContent + QSize(0, menuBar()->sizeHint().height());
+    const QSize whole = kLeastWindow + QSize(0, menuBar()->sizeHint().height());
     setMinimumSize(whole.boundedTo(desktopDecides() ? kLeastOfTiles : roomOn(*screen())));
 }
 

@@ -7,7 +7,7 @@
 
 #include "app/files/DocSession.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "shell/StatusItems.h"
 
 namespace qirn {
@@ -19,10 +19,12 @@ constexpr std::chrono::milliseconds kPause(30); // between two looks at what run
 StatusBar::StatusBar(PaintModel& model, QWidget* parent)
     : ChromePanel(Surface::panel, Qt::TopEdge, parent),
       model_(model) {
-    setFixedHeight(Metrics::kStatusHeight);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(Metrics::kSpace12, 0, Metrics::kSpace12, 0);
-    row->setSpacing(Metrics::kSpace16);
+    QirnKit::followMetrics(this, [this, row](const Metrics& m) {
+        setFixedHeight(m.statusHeight);
+        row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
+        row->setSpacing(m.margin);
+    });
     const auto text = [&](const char* name) {
         auto* item = new StatusText(name, this);
         row->addWidget(item);

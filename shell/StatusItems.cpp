@@ -12,14 +12,22 @@
 namespace qirn {
 
 namespace {
-constexpr int kMeterWidth = 60;
-constexpr int kMeterHeight = 6;
+
+/// The bar that the pressure fills.
+QSize meterSize() {
+    const Metrics& m = QirnKitHost::metrics();
+    return {m.px(60), m.px(6)};
+}
+
 } // namespace
 
 StatusText::StatusText(const char* name, QWidget* parent) : QWidget(parent) {
     setObjectName(QLatin1String(name));
-    setFont(ChromeFont::small());
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    QirnKit::followMetrics(this, [this](const Metrics&) {
+        setFont(ChromeFont::small());
+        width_ = textWidth();
+    });
     hide(); // until it has a text
 }
 
@@ -28,12 +36,15 @@ void StatusText::setText(const QString& text) {
     text_ = text;
     setAccessibleName(text);
     setVisible(!text.isEmpty());
-    const int wide = fontMetrics().horizontalAdvance(text) + 1;
-    if (wide > width_ || text.isEmpty()) {
-        width_ = text.isEmpty() ? 0 : wide;
+    if (textWidth() > width_ || text.isEmpty()) {
+        width_ = textWidth();
         updateGeometry();
     }
     update();
+}
+
+int StatusText::textWidth() const {
+    return text_.isEmpty() ? 0 : fontMetrics().horizontalAdvance(text_) + 1;
 }
 
 void StatusText::paintEvent(QPaintEvent*) {
@@ -43,7 +54,7 @@ void StatusText::paintEvent(QPaintEvent*) {
 
 PressureMeter::PressureMeter(QWidget* parent) : QWidget(parent), label_(tr("Pressure")) {
     setObjectName(QStringLiteral("pressure"));
-    setFont(ChromeFont::small());
+    QirnKit::followMetrics(this, [this](const Metrics&) { setFont(ChromeFont::small()); });
     setAccessibleName(label_);
     setToolTip(tr("Pen pressure from your graphics tablet (a mouse always shows full pressure)"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
@@ -56,18 +67,21 @@ void PressureMeter::setPressure(double pressure) {
 }
 
 QSize PressureMeter::sizeHint() const {
-    return {fontMetrics().horizontalAdvance(label_) + Metrics::kSpace8 + kMeterWidth, fontMetrics().height()};
+    const Metrics& m = QirnKitHost::metrics();
+    return {fontMetrics().horizontalAdvance(label_) + m.gap + meterSize().width(), fontMetrics().height()};
 }
 
 void PressureMeter::paintEvent(QPaintEvent*) {
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     ChromePaint::text(painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, label_, c.dim);
-    QRectF bar(width() - kMeterWidth, (height() - kMeterHeight) / 2.0, kMeterWidth, kMeterHeight);
-    ChromePaint::box(painter, bar, kMeterHeight / 2.0, c.well, c.edge);
+    QRectF bar(QPointF(), meterSize());
+    bar.moveTopLeft({width() - bar.width(), (height() - bar.height()) / 2});
+    const double radius = bar.height() / 2;
+    ChromePaint::box(painter, bar, radius, c.well, c.edge);
     if (pressure_ <= 0) return;
-    bar.setWidth(std::max<double>(kMeterHeight, kMeterWidth * std::min(pressure_, 1.0)));
-    ChromePaint::box(painter, bar, kMeterHeight / 2.0, c.accent);
+    bar.setWidth(std::max(bar.height(), bar.width() * std::min(pressure_, 1.0)));
+    ChromePaint::box(painter, bar, radius, c.accent);
 }
 
 } // namespace qirn

@@ -20,6 +20,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    int textWidth() const; ///< Of the text now; 0 of none.
+
     QString text_;
     int width_ = 0;
 };

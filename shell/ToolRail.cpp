@@ -4,7 +4,7 @@
 
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/RoundButton.h"
 
 namespace qirn {
@@ -24,7 +24,7 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
     setAccessibleName(tr("Tools"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Metrics::kSpace4);
+    QirnKit::followMetrics(this, [column](const Metrics& m) { column->setSpacing(m.tightGap); });
     for (const ToolRow& row : kTools) {
         const QString tip = QStringLiteral("%1 (%2)").arg(toolTitle(row.tool)).arg(QLatin1Char(row.key));
         auto* button = new RoundButton(kToolIcons[static_cast<std::size_t>(row.tool)], tip, this);

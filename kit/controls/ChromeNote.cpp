@@ -9,7 +9,7 @@
 namespace qirn {
 
 ChromeNote::ChromeNote(const QString& text, QWidget* parent) : QWidget(parent), text_(text) {
-    setFont(ChromeFont::small());
+    QirnKit::followMetrics(this, [this](const Metrics&) { setFont(ChromeFont::small()); });
     setAccessibleName(text);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 }
@@ -23,8 +23,7 @@ void ChromeNote::resizeEvent(QResizeEvent*) {
 }
 
 void ChromeNote::paintEvent(QPaintEvent*) {
-    constexpr int kLeast = 40; // less than this would only show dots
-    if (width() < kLeast) return;
+    if (width() < 2 * QirnKitHost::metrics().icon) return; // less than this would only show dots
     QPainter painter(this);
     ChromePaint::text(painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, text_, QirnKitHost::colors().dim);
 }

@@ -28,12 +28,14 @@ void ChromePanel::paintEvent(QPaintEvent*) {
 }
 
 ChromeDivider::ChromeDivider(QWidget* parent) : QWidget(parent) {
-    setFixedSize(1 + 2 * Metrics::kSpace4, Metrics::kControlHeight - Metrics::kSpace8);
+    QirnKit::followMetrics(
+        this, [this](const Metrics& m) { setFixedSize(m.px(1) + 2 * m.tightGap, m.controlHeight - m.gap); });
 }
 
 void ChromeDivider::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     QPainter painter(this);
-    const QRectF middle(Metrics::kSpace4, 0, 1, height());
+    const QRectF middle(m.tightGap, 0, m.px(1), height());
     ChromePaint::line(painter, middle, ChromePaint::Side::left, QirnKitHost::colors().divider);
 }
 

@@ -17,7 +17,6 @@ ChromeSegments::ChromeSegments(const QString& accessibleName, const QStringList&
     setAccessibleName(accessibleName);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(2, 2, 2, 2);
     row->setSpacing(0);
     for (const QString& title : titles) {
         auto* button = new QToolButton(this);
@@ -27,10 +26,14 @@ ChromeSegments::ChromeSegments(const QString& accessibleName, const QStringList&
         button->setCheckable(true);
         button->setFocusPolicy(Qt::TabFocus);
         button->setAccessibleName(accessibleName + u' ' + title);
-        button->setFixedHeight(Metrics::kControlHeight - 4);
         buttons_->addButton(button, static_cast<int>(buttons_->buttons().size()));
         row->addWidget(button);
     }
+    QirnKit::followMetrics(this, [this, row](const Metrics& m) {
+        row->setContentsMargins(m.inset, m.inset, m.inset, m.inset);
+        for (QAbstractButton* button : buttons_->buttons())
+            button->setFixedHeight(m.controlHeight - 2 * m.inset);
+    });
     connect(buttons_, &QButtonGroup::idClicked, this, &ChromeSegments::picked);
 }
 
@@ -43,9 +46,10 @@ void ChromeSegments::setChosen(int index) {
 }
 
 void ChromeSegments::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
-    ChromePaint::box(painter, rect(), Metrics::kRadius, c.well, c.edge);
+    ChromePaint::box(painter, rect(), m.radius, c.well, c.edge);
 }
 
 } // namespace qirn

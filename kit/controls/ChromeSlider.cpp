@@ -22,8 +22,6 @@ constexpr int kRestTime = 400; // milliseconds without a key or wheel step
 constexpr double kFineDrag = 0.1;
 constexpr int kPageSteps = 10;
 constexpr int kWheelNotch = 120; // eighths of a degree
-constexpr int kRoomToDrag = 24;  // least length beside the texts
-constexpr int kPreferredWidth = 148;
 } // namespace
 
 ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const SliderFormat& format,
@@ -212,7 +210,8 @@ void ChromeSlider::changeEvent(QEvent* event) {
 }
 
 QRect ChromeSlider::fieldRect() const {
-    const int wide = std::min(width(), valueWidth() + 3 * Metrics::kSpace12);
+    const Metrics& m = QirnKitHost::metrics();
+    const int wide = std::min(width(), valueWidth() + 3 * m.groupGap);
     return {width() - wide, 0, wide, height()};
 }
 
@@ -222,20 +221,22 @@ int ChromeSlider::valueWidth() const {
 }
 
 QSize ChromeSlider::minimumSizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
     const int texts = fontMetrics().horizontalAdvance(label_) + valueWidth();
-    return {texts + 2 * Metrics::kControlPadding + kRoomToDrag, Metrics::kControlHeight};
+    return {texts + 2 * m.controlPadding + 2 * m.groupGap, m.controlHeight};
 }
 
 QSize ChromeSlider::sizeHint() const {
-    return minimumSizeHint().expandedTo({kPreferredWidth, 0});
+    return minimumSizeHint().expandedTo({QirnKitHost::metrics().controlWidth, 0});
 }
 
 void ChromeSlider::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     const QRectF bar = rect();
     const bool bright = isEnabled() && (underMouse() || dragging_);
-    ChromePaint::box(painter, bar, Metrics::kRadius, isEnabled() ? c.well : c.panel);
+    ChromePaint::box(painter, bar, m.radius, isEnabled() ? c.well : c.panel);
 
     // The level grows from the lower end, or from zero where the range has both signs.
     const double from = scale_.lower < 0 && scale_.upper > 0 ? scale_.placeOf(0) : 0;
@@ -243,12 +244,12 @@ void ChromeSlider::paintEvent(QPaintEvent*) {
     const QRectF level(QPointF(bar.width() * std::min(from, to), 0),
                        QPointF(bar.width() * std::max(from, to), bar.height()));
     if (isEnabled()) {
-        const double width = std::max(1.0, std::round(2 * ChromePaint::deviceRatio(painter))) /
+        const double width = std::max(1.0, std::round(m.focusWidth * ChromePaint::deviceRatio(painter))) /
                              ChromePaint::deviceRatio(painter);
         const QRectF mark(std::clamp(bar.width() * to - width / 2, 0.0, bar.width() - width), 0, width,
                           bar.height());
         QPainterPath inside;
-        inside.addRoundedRect(ChromePaint::snapped(painter, bar), Metrics::kRadius, Metrics::kRadius);
+        inside.addRoundedRect(ChromePaint::snapped(painter, bar), m.radius, m.radius);
         painter.save();
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setClipPath(inside);
@@ -256,17 +257,17 @@ void ChromeSlider::paintEvent(QPaintEvent*) {
         painter.fillRect(ChromePaint::snapped(painter, mark), c.focus);
         painter.restore();
     }
-    ChromePaint::box(painter, bar, Metrics::kRadius, {}, bright ? c.edgeHover : c.edge);
+    ChromePaint::box(painter, bar, m.radius, {}, bright ? c.edgeHover : c.edge);
 
-    const QRectF texts = bar.adjusted(Metrics::kControlPadding, 0, -Metrics::kControlPadding, 0);
+    const QRectF texts = bar.adjusted(m.controlPadding, 0, -m.controlPadding, 0);
     const QRectF labelRect =
-        texts.adjusted(0, 0, -(fontMetrics().horizontalAdvance(valueText()) + Metrics::kSpace4), 0);
+        texts.adjusted(0, 0, -(fontMetrics().horizontalAdvance(valueText()) + m.tightGap), 0);
     ChromePaint::text(painter, labelRect, Qt::AlignLeft | Qt::AlignVCenter, label_,
                       isEnabled() ? c.dim : c.faint);
     ChromePaint::text(painter, texts, Qt::AlignRight | Qt::AlignVCenter, valueText(),
                       isEnabled() ? c.text : c.faint);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, bar, Metrics::kRadius);
+        ChromePaint::focusRing(painter, bar, m.radius);
 }
 
 } // namespace qirn

@@ -15,18 +15,19 @@ ChromeToggle::ChromeToggle(const QString& label, QWidget* parent) : QCheckBox(la
 }
 
 QSize ChromeToggle::sizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
     const int text = fontMetrics().size(Qt::TextShowMnemonic, this->text()).width();
     // The focus ring keeps off the switch and the text by one step of the grid.
-    return {Metrics::kSwitchWidth + Metrics::kSpace8 + text + 2 * Metrics::kSpace4, Metrics::kControlHeight};
+    return {m.switchWidth + m.gap + text + 2 * m.tightGap, m.controlHeight};
 }
 
 void ChromeToggle::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     const bool on = isChecked();
-    const double radius = Metrics::kSwitchHeight / 2.0;
-    const QRectF track(Metrics::kSpace4, (height() - Metrics::kSwitchHeight) / 2.0, Metrics::kSwitchWidth,
-                       Metrics::kSwitchHeight);
+    const double radius = m.switchHeight / 2.0;
+    const QRectF track(m.tightGap, (height() - m.switchHeight) / 2.0, m.switchWidth, m.switchHeight);
     if (!isEnabled())
         ChromePaint::box(painter, track, radius, c.bar, c.divider);
     else if (on)
@@ -34,18 +35,17 @@ void ChromeToggle::paintEvent(QPaintEvent*) {
     else
         ChromePaint::box(painter, track, radius, c.well, underMouse() || isDown() ? c.edgeHover : c.edge);
 
-    constexpr double kInset = 3;
-    const double side = Metrics::kSwitchHeight - 2 * kInset;
-    const double left = on ? track.right() - kInset - side : track.left() + kInset;
+    const double inset = m.px(3);
+    const double side = m.switchHeight - 2 * inset;
+    const double left = on ? track.right() - inset - side : track.left() + inset;
     const QColor knob = !isEnabled() ? c.faint : on ? c.onAccent : c.dim;
-    ChromePaint::box(painter, QRectF(left, track.top() + kInset, side, side), side / 2, knob);
+    ChromePaint::box(painter, QRectF(left, track.top() + inset, side, side), side / 2, knob);
 
-    const QRectF label(track.right() + Metrics::kSpace8, 0, width() - track.right() - Metrics::kSpace8,
-                       height());
+    const QRectF label(track.right() + m.gap, 0, width() - track.right() - m.gap, height());
     ChromePaint::text(painter, label, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic, text(),
                       isEnabled() ? c.text : c.faint);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, rect(), Metrics::kRadius);
+        ChromePaint::focusRing(painter, rect(), m.radius);
 }
 
 } // namespace qirn

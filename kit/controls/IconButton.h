@@ -1,6 +1,7 @@
 #pragma once
 #include <QToolButton>
 
+#include "kit/Metrics.h"
 #include "kit/icons/Icons.h"
 
 namespace qirn {
@@ -9,7 +10,7 @@ namespace qirn {
 class IconButton : public QToolButton {
     Q_OBJECT
 public:
-    IconButton(Icon icon, const QString& tip, QWidget* parent);
+    IconButton(Icon icon, const QString& tip, QWidget* parent, int Metrics::*iconSide = &Metrics::icon);
 
     void setTip(const QString& tip);
 };

@@ -1,11 +1,12 @@
 #include "kit/controls/RoundButton.h"
 
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 
 namespace qirn {
 
 QSize RoundButton::sizeHint() const {
-    return {Metrics::kRailButton, Metrics::kRailButton};
+    const Metrics& m = QirnKitHost::metrics();
+    return {m.railButton, m.railButton};
 }
 
 } // namespace qirn

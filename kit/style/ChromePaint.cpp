@@ -28,7 +28,7 @@ double deviceRatio(const QPainter& painter) {
 
 double hairline(const QPainter& painter) {
     const double ratio = deviceRatio(painter);
-    return std::max(1.0, std::floor(ratio)) / ratio;
+    return std::max(1.0, std::floor(ratio * QirnKitHost::metrics().zoom)) / ratio;
 }
 
 QRectF snapped(const QPainter& painter, const QRectF& rect) {
@@ -61,8 +61,9 @@ void box(QPainter& painter, const QRectF& rect, double radius, const QColor& fil
 }
 
 void focusRing(QPainter& painter, const QRectF& rect, double radius) {
+    const Metrics& m = QirnKitHost::metrics();
     const double ratio = deviceRatio(painter);
-    const double width = std::max(1.0, std::round(Metrics::kFocusWidth * ratio)) / ratio;
+    const double width = std::max(1.0, std::round(m.focusWidth * ratio)) / ratio;
     const QRectF area = snapped(painter, rect).adjusted(width / 2, width / 2, -width / 2, -width / 2);
     const double r = std::min({radius, rect.width() / 2, rect.height() / 2}) - width / 2;
     painter.save();

@@ -10,7 +10,7 @@
 namespace qirn::ChromePaint {
 
 double deviceRatio(const QPainter& painter);
-/// The width of the thinnest sharp line: one device pixel, two from ratio 2 on.
+/// The width of the thinnest sharp line: one device pixel, two where a pixel of the grid has two or more.
 double hairline(const QPainter& painter);
 QRectF snapped(const QPainter& painter, const QRectF& rect);
 

@@ -39,13 +39,14 @@ bool showsFocus(const QStyleOption& option) {
 
 void ChromeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                 const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& colors = QirnKitHost::colors();
     QPainter& p = *painter;
     switch (element) {
     case PE_FrameFocusRect:
         // The rows of a list draw their own ring.
         if (showsFocus(*option) && !qobject_cast<const QAbstractItemView*>(widget))
-            ChromePaint::focusRing(p, option->rect, Metrics::kRadiusSmall);
+            ChromePaint::focusRing(p, option->rect, m.smallRadius);
         return;
     case PE_PanelButtonTool:
     case PE_FrameButtonTool:
@@ -91,13 +92,13 @@ void ChromeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         p.fillRect(option->rect, colors.panel);
         return;
     case PE_IndicatorArrowUp:
-        ChromePaint::icon(p, option->rect, Icon::chevronUp, Metrics::kChevron, colors.dim);
+        ChromePaint::icon(p, option->rect, Icon::chevronUp, m.chevron, colors.dim);
         return;
     case PE_IndicatorArrowDown:
-        ChromePaint::icon(p, option->rect, Icon::chevronDown, Metrics::kChevron, colors.dim);
+        ChromePaint::icon(p, option->rect, Icon::chevronDown, m.chevron, colors.dim);
         return;
     case PE_IndicatorArrowRight:
-        ChromePaint::icon(p, option->rect, Icon::chevronRight, Metrics::kChevron, colors.dim);
+        ChromePaint::icon(p, option->rect, Icon::chevronRight, m.chevron, colors.dim);
         return;
     default:
         QProxyStyle::drawPrimitive(element, option, painter, widget);

@@ -52,18 +52,20 @@ bool isOn(const QStyleOptionButton& option) {
 } // namespace
 
 void ChromeStyle::drawPushBevel(const QStyleOptionButton& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const bool flat = option.features.testFlag(QStyleOptionButton::Flat);
     const Face face = flat ? flatFace(option.state, isOn(option)) : raisedFace(option.state, isOn(option));
-    ChromePaint::box(painter, option.rect, Metrics::kRadius, face.fill, face.edge);
-    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, Metrics::kRadius);
+    ChromePaint::box(painter, option.rect, m.radius, face.fill, face.edge);
+    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, m.radius);
 }
 
 void ChromeStyle::drawPushLabel(const QStyleOptionButton& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const Face face = raisedFace(option.state, isOn(option));
     QRectF rect = option.rect;
     const int textWidth = option.fontMetrics.size(Qt::TextShowMnemonic, option.text).width();
     if (!option.icon.isNull()) {
-        const int gap = option.text.isEmpty() ? 0 : Metrics::kSpace4 + 2;
+        const int gap = option.text.isEmpty() ? 0 : m.px(6);
         const double both = option.iconSize.width() + gap + textWidth;
         QRectF mark(rect.center().x() - both / 2, rect.top(), option.iconSize.width(), rect.height());
         const auto state = isOn(option) ? QIcon::On : QIcon::Off;
@@ -75,8 +77,9 @@ void ChromeStyle::drawPushLabel(const QStyleOptionButton& option, QPainter& pain
 }
 
 void ChromeStyle::drawToolPanel(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const bool round = qobject_cast<const RoundButton*>(widget) != nullptr;
-    const double radius = round ? option.rect.width() / 2.0 : Metrics::kRadius;
+    const double radius = round ? option.rect.width() / 2.0 : m.radius;
     const bool on = option.state.testFlag(State_On);
     const bool flat = option.state.testFlag(State_AutoRaise);
     const Face face = flat ? flatFace(option.state, on) : raisedFace(option.state, on);
@@ -85,6 +88,7 @@ void ChromeStyle::drawToolPanel(const QStyleOption& option, QPainter& painter, c
 }
 
 void ChromeStyle::drawToolLabel(const QStyleOptionToolButton& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const bool showsText = option.toolButtonStyle != Qt::ToolButtonIconOnly && !option.text.isEmpty();
     const bool showsIcon = option.toolButtonStyle != Qt::ToolButtonTextOnly && !option.icon.isNull();
     const Face face = flatFace(option.state, option.state.testFlag(State_On));
@@ -93,11 +97,11 @@ void ChromeStyle::drawToolLabel(const QStyleOptionToolButton& option, QPainter& 
                           iconState(option));
         return;
     }
-    QRectF rect = QRectF(option.rect).adjusted(Metrics::kSpace8, 0, -Metrics::kSpace8, 0);
+    QRectF rect = QRectF(option.rect).adjusted(m.gap, 0, -m.gap, 0);
     if (showsIcon) {
         const QRectF mark(rect.left(), rect.top(), option.iconSize.width(), rect.height());
         ChromePaint::icon(painter, mark, option.icon, option.iconSize, iconMode(option), iconState(option));
-        rect.setLeft(mark.right() + Metrics::kSpace4 + 2);
+        rect.setLeft(mark.right() + m.px(6));
     }
     const int align = showsIcon || option.features.testFlag(QStyleOptionToolButton::HasMenu)
                           ? Qt::AlignLeft
@@ -107,22 +111,24 @@ void ChromeStyle::drawToolLabel(const QStyleOptionToolButton& option, QPainter& 
 
 void ChromeStyle::drawToolButton(const QStyleOptionToolButton& option, QPainter& painter,
                                  const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     QStyleOptionToolButton face = option;
     face.state.setFlag(State_Sunken, option.state.testFlag(State_Sunken) ||
                                          option.activeSubControls.testFlag(SC_ToolButtonMenu));
     drawToolPanel(face, painter, widget);
     if (option.features.testFlag(QStyleOptionToolButton::HasMenu)) {
-        const QRect arrow(option.rect.right() - Metrics::kChevron - Metrics::kSpace4, option.rect.top(),
-                          Metrics::kChevron, option.rect.height());
+        const QRect arrow(option.rect.right() - m.chevron - m.tightGap, option.rect.top(), m.chevron,
+                          option.rect.height());
         const ChromeColors& c = QirnKitHost::colors();
-        ChromePaint::icon(painter, arrow, Icon::chevronDown, Metrics::kChevron,
+        ChromePaint::icon(painter, arrow, Icon::chevronDown, m.chevron,
                           option.state.testFlag(State_Enabled) ? c.dim : c.faint);
-        face.rect.setRight(arrow.left() + Metrics::kSpace4);
+        face.rect.setRight(arrow.left() + m.tightGap);
     }
     drawToolLabel(face, painter);
 }
 
 void ChromeStyle::drawCheckMark(const QStyleOption& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     const bool enabled = option.state.testFlag(State_Enabled);
     const bool on = option.state.testFlag(State_On);
@@ -130,13 +136,12 @@ void ChromeStyle::drawCheckMark(const QStyleOption& option, QPainter& painter) c
     const bool over = option.state.testFlag(State_MouseOver);
     const QColor mark = enabled ? c.onAccent : c.faint;
     if (on || partly)
-        ChromePaint::box(painter, option.rect, Metrics::kRadiusSmall,
+        ChromePaint::box(painter, option.rect, m.smallRadius,
                          enabled ? (over ? c.accentHover : c.accent) : c.bar);
     else
-        ChromePaint::box(painter, option.rect, Metrics::kRadiusSmall, c.well,
-                         enabled ? c.edgeHover : c.divider);
+        ChromePaint::box(painter, option.rect, m.smallRadius, c.well, enabled ? c.edgeHover : c.divider);
     if (on || partly)
-        ChromePaint::icon(painter, option.rect, on ? Icon::check : Icon::minus, Metrics::kCheckBox - 2, mark);
+        ChromePaint::icon(painter, option.rect, on ? Icon::check : Icon::minus, m.checkBox - m.inset, mark);
 }
 
 void ChromeStyle::drawRadioMark(const QStyleOption& option, QPainter& painter) const {

@@ -10,16 +10,18 @@
 namespace qirn {
 
 void ChromeStyle::drawField(const QStyleOption& option, QPainter& painter, const QRect& rect) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     const bool enabled = option.state.testFlag(State_Enabled);
     const bool over = option.state.testFlag(State_MouseOver);
-    ChromePaint::box(painter, rect, Metrics::kRadius, enabled ? c.well : c.panel,
+    ChromePaint::box(painter, rect, m.radius, enabled ? c.well : c.panel,
                      enabled && over ? c.edgeHover : c.edge);
-    if (option.state.testFlag(State_HasFocus)) ChromePaint::focusRing(painter, rect, Metrics::kRadius);
+    if (option.state.testFlag(State_HasFocus)) ChromePaint::focusRing(painter, rect, m.radius);
 }
 
 void ChromeStyle::drawCombo(const QStyleOptionComboBox& option, QPainter& painter,
                             const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     const bool enabled = option.state.testFlag(State_Enabled);
     if (option.editable) {
@@ -28,15 +30,16 @@ void ChromeStyle::drawCombo(const QStyleOptionComboBox& option, QPainter& painte
         const bool open = option.state.testFlag(State_On) || option.state.testFlag(State_Sunken);
         const bool over = option.state.testFlag(State_MouseOver);
         const QColor fill = !enabled ? c.bar : open ? c.pressed : over ? c.hover : c.raised;
-        ChromePaint::box(painter, option.rect, Metrics::kRadius, fill, enabled ? c.edge : c.divider);
-        if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, Metrics::kRadius);
+        ChromePaint::box(painter, option.rect, m.radius, fill, enabled ? c.edge : c.divider);
+        if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, m.radius);
     }
     const QRect arrow = proxy()->subControlRect(CC_ComboBox, &option, SC_ComboBoxArrow, widget);
-    ChromePaint::icon(painter, arrow, Icon::chevronDown, Metrics::kChevron, enabled ? c.dim : c.faint);
+    ChromePaint::icon(painter, arrow, Icon::chevronDown, m.chevron, enabled ? c.dim : c.faint);
 }
 
 void ChromeStyle::drawComboLabel(const QStyleOptionComboBox& option, QPainter& painter,
                                  const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     if (option.editable) return; // its line edit shows the text
     const ChromeColors& c = QirnKitHost::colors();
     const bool enabled = option.state.testFlag(State_Enabled);
@@ -45,7 +48,7 @@ void ChromeStyle::drawComboLabel(const QStyleOptionComboBox& option, QPainter& p
         const QRectF mark(rect.left(), rect.top(), option.iconSize.width(), rect.height());
         ChromePaint::icon(painter, mark, option.currentIcon, option.iconSize,
                           enabled ? QIcon::Normal : QIcon::Disabled, QIcon::Off);
-        rect.setLeft(mark.right() + Metrics::kSpace4);
+        rect.setLeft(mark.right() + m.tightGap);
     }
     ChromePaint::text(painter, rect, Qt::AlignLeft | Qt::AlignVCenter, option.currentText,
                       enabled ? c.text : c.faint);
@@ -53,6 +56,7 @@ void ChromeStyle::drawComboLabel(const QStyleOptionComboBox& option, QPainter& p
 
 void ChromeStyle::drawSpin(const QStyleOptionSpinBox& option, QPainter& painter,
                            const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     if (option.frame) drawField(option, painter, option.rect);
     const auto step = [&](SubControl part, Icon icon, QAbstractSpinBox::StepEnabledFlag flag) {
@@ -60,7 +64,7 @@ void ChromeStyle::drawSpin(const QStyleOptionSpinBox& option, QPainter& painter,
         if (!rect.isValid()) return;
         const bool can = option.state.testFlag(State_Enabled) && option.stepEnabled.testFlag(flag);
         const bool over = option.activeSubControls.testFlag(part) && option.state.testFlag(State_MouseOver);
-        ChromePaint::icon(painter, rect, icon, 12, !can ? c.faint : over ? c.text : c.dim);
+        ChromePaint::icon(painter, rect, icon, m.px(12), !can ? c.faint : over ? c.text : c.dim);
     };
     step(SC_SpinBoxUp, Icon::chevronUp, QAbstractSpinBox::StepUpEnabled);
     step(SC_SpinBoxDown, Icon::chevronDown, QAbstractSpinBox::StepDownEnabled);
@@ -68,6 +72,7 @@ void ChromeStyle::drawSpin(const QStyleOptionSpinBox& option, QPainter& painter,
 
 void ChromeStyle::drawGroup(const QStyleOptionGroupBox& option, QPainter& painter,
                             const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     const QRect label = proxy()->subControlRect(CC_GroupBox, &option, SC_GroupBoxLabel, widget);
     double left = option.rect.left();
@@ -77,8 +82,7 @@ void ChromeStyle::drawGroup(const QStyleOptionGroupBox& option, QPainter& painte
         const QColor color = option.state.testFlag(State_Enabled) ? c.dim : c.faint;
         ChromePaint::text(painter, label, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic,
                           option.text, color);
-        left = label.left() + painter.fontMetrics().size(Qt::TextShowMnemonic, option.text).width() +
-               Metrics::kSpace8;
+        left = label.left() + painter.fontMetrics().size(Qt::TextShowMnemonic, option.text).width() + m.gap;
         painter.restore();
     }
     const QRectF rule(left, label.top() + label.height() / 2.0, option.rect.right() + 1 - left, 1);

@@ -11,14 +11,15 @@ namespace qirn {
 namespace {
 
 void drawSeparator(const QStyleOptionMenuItem& option, QPainter& painter) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
-    const QRectF rect = QRectF(option.rect).adjusted(Metrics::kSpace12, 0, -Metrics::kSpace12, 0);
+    const QRectF rect = QRectF(option.rect).adjusted(m.groupGap, 0, -m.groupGap, 0);
     double left = rect.left();
     if (!option.text.isEmpty()) {
         painter.save();
         painter.setFont(ChromeFont::caption());
         ChromePaint::text(painter, rect, Qt::AlignLeft | Qt::AlignVCenter, option.text, c.dim);
-        left += painter.fontMetrics().horizontalAdvance(option.text) + Metrics::kSpace8;
+        left += painter.fontMetrics().horizontalAdvance(option.text) + m.gap;
         painter.restore();
     }
     const QRectF rule(left, rect.center().y(), rect.right() - left, 1);
@@ -28,6 +29,7 @@ void drawSeparator(const QStyleOptionMenuItem& option, QPainter& painter) {
 } // namespace
 
 void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     if (option.menuItemType == QStyleOptionMenuItem::Separator) {
         drawSeparator(option, painter);
@@ -36,20 +38,20 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
     const bool enabled = option.state.testFlag(State_Enabled);
     const bool selected = enabled && option.state.testFlag(State_Selected);
     if (selected)
-        ChromePaint::box(painter, QRectF(option.rect).adjusted(Metrics::kSpace4, 1, -Metrics::kSpace4, -1),
-                         Metrics::kRadiusSmall, c.selected);
+        ChromePaint::box(painter, QRectF(option.rect).adjusted(m.tightGap, m.px(1), -m.tightGap, -m.px(1)),
+                         m.smallRadius, c.selected);
 
-    QRectF rect = QRectF(option.rect).adjusted(Metrics::kSpace12, 0, -Metrics::kSpace12, 0);
+    QRectF rect = QRectF(option.rect).adjusted(m.groupGap, 0, -m.groupGap, 0);
     const bool markColumn = option.menuHasCheckableItems || option.maxIconWidth > 0;
     if (markColumn) {
-        const QRectF mark(rect.left(), rect.top(), Metrics::kIconSmall, rect.height());
+        const QRectF mark(rect.left(), rect.top(), m.smallIcon, rect.height());
         const QColor color = enabled ? c.text : c.faint;
         if (option.checked)
-            ChromePaint::icon(painter, mark, Icon::check, Metrics::kIconSmall, color);
+            ChromePaint::icon(painter, mark, Icon::check, m.smallIcon, color);
         else if (!option.icon.isNull())
-            ChromePaint::icon(painter, mark, option.icon, {Metrics::kIconSmall, Metrics::kIconSmall},
+            ChromePaint::icon(painter, mark, option.icon, {m.smallIcon, m.smallIcon},
                               enabled ? QIcon::Normal : QIcon::Disabled, QIcon::Off);
-        rect.setLeft(mark.right() + Metrics::kSpace8);
+        rect.setLeft(mark.right() + m.gap);
     }
 
     painter.save();
@@ -64,9 +66,8 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
                                      : c.dim);
     painter.restore();
     if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {
-        const QRectF arrow(rect.right() - Metrics::kChevron + Metrics::kSpace4, rect.top(), Metrics::kChevron,
-                           rect.height());
-        ChromePaint::icon(painter, arrow, Icon::chevronRight, Metrics::kChevron,
+        const QRectF arrow(rect.right() - m.chevron + m.tightGap, rect.top(), m.chevron, rect.height());
+        ChromePaint::icon(painter, arrow, Icon::chevronRight, m.chevron,
                           !enabled   ? c.faint
                           : selected ? c.text
                                      : c.dim);
@@ -74,12 +75,14 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
 }
 
 void ChromeStyle::drawMenuBarItem(const QStyleOptionMenuItem& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     painter.fillRect(option.rect, c.bar);
     const bool enabled = option.state.testFlag(State_Enabled);
     const bool open = option.state.testFlag(State_Selected) || option.state.testFlag(State_Sunken);
     if (enabled && open)
-        ChromePaint::box(painter, QRectF(option.rect).adjusted(0, 3, 0, -3), Metrics::kRadiusSmall, c.hover);
+        ChromePaint::box(painter, QRectF(option.rect).adjusted(0, m.px(3), 0, -m.px(3)), m.smallRadius,
+                         c.hover);
     ChromePaint::text(painter, option.rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text,
                       enabled ? c.text : c.faint);
 }

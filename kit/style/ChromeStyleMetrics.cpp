@@ -3,44 +3,45 @@
 #include <QStyleOption>
 #include <QTextOption>
 
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/style/ChromeStyle.h"
 
 namespace qirn {
 
 int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     switch (metric) {
     case PM_ButtonIconSize:
     case PM_SmallIconSize:
     case PM_ListViewIconSize:
     case PM_TabBarIconSize:
-        return Metrics::kIconSmall;
+        return m.smallIcon;
     case PM_ToolBarIconSize:
-        return Metrics::kIcon;
+        return m.icon;
     case PM_MessageBoxIconSize:
-        return 2 * Metrics::kIcon;
+        return 2 * m.icon;
     case PM_IndicatorWidth:
     case PM_IndicatorHeight:
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
-        return Metrics::kCheckBox;
+        return m.checkBox;
     case PM_FocusFrameHMargin: // text in a row of a list, from the edge of the row; columns have no room to give
-        return qobject_cast<const QListView*>(widget) ? Metrics::kSpace8
+        return qobject_cast<const QListView*>(widget) ? m.gap
                                                       : QProxyStyle::pixelMetric(metric, option, widget);
     case PM_CheckBoxLabelSpacing:
     case PM_RadioButtonLabelSpacing:
-        return Metrics::kSpace8;
+        return m.gap;
     case PM_ScrollBarExtent:
-        return Metrics::kScrollBar;
+        return m.scrollBar;
     case PM_ScrollBarSliderMin:
-        return 3 * Metrics::kScrollBar;
+        return 3 * m.scrollBar;
     case PM_ScrollView_ScrollBarSpacing:
     case PM_ScrollView_ScrollBarOverlap:
         return 0;
     case PM_SliderThickness:
     case PM_SliderControlThickness:
     case PM_SliderLength:
-        return Metrics::kIconSmall;
+        return m.smallIcon;
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
     case PM_TabBarTabShiftVertical:
@@ -53,32 +54,32 @@ int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_MenuPanelWidth:
         return 1;
     case PM_MenuBarHMargin:
-        return Metrics::kSpace8;
+        return m.gap;
     case PM_MenuBarItemSpacing:
         return 0;
     case PM_MenuVMargin:
-        return Metrics::kSpace4;
+        return m.tightGap;
     case PM_MenuHMargin:
         return 0;
     case PM_SubMenuOverlap:
         return -1;
     case PM_ToolTipLabelFrameWidth:
-        return Metrics::kSpace4 + 2;
+        return m.px(6);
     case PM_DefaultFrameWidth:
         return 1;
     case PM_ComboBoxFrameWidth:
     case PM_SpinBoxFrameWidth:
         return 1;
     case PM_TabBarTabHSpace:
-        return 2 * Metrics::kSpace12;
+        return 2 * m.groupGap;
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing:
-        return Metrics::kSpace8;
+        return m.gap;
     case PM_LayoutLeftMargin:
     case PM_LayoutRightMargin:
     case PM_LayoutTopMargin:
     case PM_LayoutBottomMargin:
-        return widget && widget->isWindow() ? Metrics::kSpace16 : Metrics::kSpace12;
+        return widget && widget->isWindow() ? m.margin : m.groupGap;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
@@ -122,45 +123,43 @@ int ChromeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
 
 QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
                                     const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     switch (type) {
     case CT_PushButton: {
         const bool hasText = !qstyleoption_cast<const QStyleOptionButton*>(option) ||
                              !qstyleoption_cast<const QStyleOptionButton*>(option)->text.isEmpty();
-        const int least = hasText ? 64 : Metrics::kControlHeight;
-        return {std::max(least, contents.width() + 2 * Metrics::kControlPadding), Metrics::kControlHeight};
+        const int least = hasText ? m.leastButton : m.controlHeight;
+        return {std::max(least, contents.width() + 2 * m.controlPadding), m.controlHeight};
     }
     case CT_ToolButton: {
         const auto* tool = qstyleoption_cast<const QStyleOptionToolButton*>(option);
         if (!tool || tool->toolButtonStyle == Qt::ToolButtonIconOnly)
-            return {Metrics::kControlHeight, Metrics::kControlHeight};
-        const int arrow = tool->features.testFlag(QStyleOptionToolButton::HasMenu) ? Metrics::kChevron : 0;
-        return {contents.width() + Metrics::kSpace12 + Metrics::kSpace4 + arrow, Metrics::kControlHeight};
+            return {m.controlHeight, m.controlHeight};
+        const int arrow = tool->features.testFlag(QStyleOptionToolButton::HasMenu) ? m.chevron : 0;
+        return {contents.width() + m.groupGap + m.tightGap + arrow, m.controlHeight};
     }
     case CT_ComboBox:
-        return {contents.width() + 2 * Metrics::kControlPadding + Metrics::kChevron + Metrics::kSpace12,
-                Metrics::kControlHeight};
+        return {contents.width() + 2 * m.controlPadding + m.chevron + m.groupGap, m.controlHeight};
     case CT_SpinBox:
     case CT_LineEdit:
-        return {size.width() + Metrics::kSpace8, Metrics::kControlHeight};
+        return {size.width() + m.gap, m.controlHeight};
     case CT_TabBarTab:
-        return {size.width(), Metrics::kRowHeight + Metrics::kSpace4};
+        return {size.width(), m.rowHeight + m.tightGap};
     case CT_ItemViewItem:
-        return {size.width(), std::max(size.height(), Metrics::kRowHeight)};
+        return {size.width(), std::max(size.height(), m.rowHeight)};
     case CT_MenuBarItem:
-        return {contents.width() + 2 * Metrics::kControlPadding, Metrics::kMenuBarHeight};
+        return {contents.width() + 2 * m.controlPadding, m.menuBarHeight};
     case CT_MenuItem: {
         const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
         if (!item) return size;
         if (item->menuItemType == QStyleOptionMenuItem::Separator)
-            return {contents.width(), item->text.isEmpty() ? Metrics::kSpace8 + 1 : Metrics::kRowHeight};
-        int width = contents.width() + 2 * Metrics::kSpace12;
-        if (item->menuHasCheckableItems || item->maxIconWidth > 0)
-            width += Metrics::kIconSmall + Metrics::kSpace8;
-        if (item->text.contains(QLatin1Char('\t'))) width += 2 * Metrics::kSpace16;
-        if (item->menuItemType == QStyleOptionMenuItem::SubMenu)
-            width += Metrics::kChevron + Metrics::kSpace16;
-        return {width, Metrics::kRowHeight};
+            return {contents.width(), item->text.isEmpty() ? m.gap + 1 : m.rowHeight};
+        int width = contents.width() + 2 * m.groupGap;
+        if (item->menuHasCheckableItems || item->maxIconWidth > 0) width += m.smallIcon + m.gap;
+        if (item->text.contains(QLatin1Char('\t'))) width += 2 * m.margin;
+        if (item->menuItemType == QStyleOptionMenuItem::SubMenu) width += m.chevron + m.margin;
+        return {width, m.rowHeight};
     }
     default:
         return size;
@@ -169,21 +168,23 @@ QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
 
 QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                   const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const QRect rect = option->rect;
-    const int arrow = Metrics::kChevron + Metrics::kSpace8;
+    const int arrow = m.chevron + m.gap;
     if (control == CC_ComboBox && part == SC_ComboBoxArrow)
-        return {rect.right() + 1 - arrow, rect.top(), arrow - Metrics::kSpace4, rect.height()};
+        return {rect.right() + 1 - arrow, rect.top(), arrow - m.tightGap, rect.height()};
     if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
         const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
-        const int left = combo && combo->editable ? Metrics::kSpace4 : Metrics::kControlPadding;
+        const int left = combo && combo->editable ? m.tightGap : m.controlPadding;
         return rect.adjusted(left, 1, -arrow, -1);
     }
     if (control == CC_SpinBox) {
         const int half = rect.height() / 2;
         const int left = rect.right() + 1 - arrow;
-        if (part == SC_SpinBoxUp) return {left, rect.top() + 3, arrow - 3, half - 3};
-        if (part == SC_SpinBoxDown) return {left, rect.top() + half, arrow - 3, half - 3};
-        if (part == SC_SpinBoxEditField) return rect.adjusted(Metrics::kSpace4, 1, -arrow, -1);
+        const int border = m.px(3);
+        if (part == SC_SpinBoxUp) return {left, rect.top() + border, arrow - border, half - border};
+        if (part == SC_SpinBoxDown) return {left, rect.top() + half, arrow - border, half - border};
+        if (part == SC_SpinBoxEditField) return rect.adjusted(m.tightGap, 1, -arrow, -1);
     }
     if (control == CC_ScrollBar) {
         // No arrows: the groove is the whole bar.
@@ -212,11 +213,11 @@ QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
     if (control == CC_GroupBox) {
         const bool titled = option->subControls.testFlag(SC_GroupBoxLabel) ||
                             option->subControls.testFlag(SC_GroupBoxCheckBox);
-        const int title = titled ? Metrics::kSpace16 + Metrics::kSpace4 : 1;
-        const int box = option->subControls.testFlag(SC_GroupBoxCheckBox) ? Metrics::kCheckBox : 0;
-        if (part == SC_GroupBoxCheckBox) return {rect.left(), rect.top() + 2, box, box};
+        const int title = titled ? m.margin + m.tightGap : 1;
+        const int box = option->subControls.testFlag(SC_GroupBoxCheckBox) ? m.checkBox : 0;
+        if (part == SC_GroupBoxCheckBox) return {rect.left(), rect.top() + m.inset, box, box};
         if (part == SC_GroupBoxLabel)
-            return {rect.left() + (box ? box + Metrics::kSpace8 : 0), rect.top(), rect.width() - box, title};
+            return {rect.left() + (box ? box + m.gap : 0), rect.top(), rect.width() - box, title};
         if (part == SC_GroupBoxContents) return rect.adjusted(0, title, 0, 0);
     }
     return QProxyStyle::subControlRect(control, option, part, widget);
@@ -224,12 +225,14 @@ QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
 
 QRect ChromeStyle::subElementRect(SubElement element, const QStyleOption* option,
                                   const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     if (element == SE_LineEditContents) {
         const QRect rect = QProxyStyle::subElementRect(element, option, widget);
-        return rect.adjusted(Metrics::kSpace4, 0, -Metrics::kSpace4, 0);
+        return rect.adjusted(m.tightGap, 0, -m.tightGap, 0);
     }
     if (element == SE_CheckBoxFocusRect || element == SE_RadioButtonFocusRect)
-        return QProxyStyle::subElementRect(element, option, widget).adjusted(-2, -1, 2, 1);
+        return QProxyStyle::subElementRect(element, option, widget)
+            .adjusted(-m.inset, -m.px(1), m.inset, m.px(1));
     return QProxyStyle::subElementRect(element, option, widget);
 }
 

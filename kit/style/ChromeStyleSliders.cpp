@@ -9,15 +9,17 @@ namespace qirn {
 
 void ChromeStyle::drawSlider(const QStyleOptionSlider& option, QPainter& painter,
                              const QWidget* widget) const {
-    constexpr double kTrack = 4;
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
+    const double thickness = m.px(4);
     const bool enabled = option.state.testFlag(State_Enabled);
     const bool across = option.orientation == Qt::Horizontal;
     const QRectF groove = proxy()->subControlRect(CC_Slider, &option, SC_SliderGroove, widget);
     const QRectF handle = proxy()->subControlRect(CC_Slider, &option, SC_SliderHandle, widget);
-    QRectF track = across ? QRectF(groove.left(), groove.center().y() - kTrack / 2, groove.width(), kTrack)
-                          : QRectF(groove.center().x() - kTrack / 2, groove.top(), kTrack, groove.height());
-    ChromePaint::box(painter, track, kTrack / 2, c.well, c.edge);
+    QRectF track =
+        across ? QRectF(groove.left(), groove.center().y() - thickness / 2, groove.width(), thickness)
+               : QRectF(groove.center().x() - thickness / 2, groove.top(), thickness, groove.height());
+    ChromePaint::box(painter, track, thickness / 2, c.well, c.edge);
     if (across && !option.upsideDown)
         track.setRight(handle.center().x());
     else if (across)
@@ -26,25 +28,26 @@ void ChromeStyle::drawSlider(const QStyleOptionSlider& option, QPainter& painter
         track.setTop(handle.center().y());
     else
         track.setBottom(handle.center().y());
-    ChromePaint::box(painter, track, kTrack / 2, enabled ? c.accent : c.faint);
+    ChromePaint::box(painter, track, thickness / 2, enabled ? c.accent : c.faint);
     const double side = std::min(handle.width(), handle.height());
     QRectF thumb(0, 0, side, side);
     thumb.moveCenter(handle.center());
     ChromePaint::box(painter, thumb, side / 2, enabled ? c.text : c.faint, c.seam);
-    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, Metrics::kRadiusSmall);
+    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, m.smallRadius);
 }
 
 void ChromeStyle::drawScrollBar(const QStyleOptionSlider& option, QPainter& painter,
                                 const QWidget* widget) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     if (option.minimum == option.maximum) return;
     QRectF thumb = proxy()->subControlRect(CC_ScrollBar, &option, SC_ScrollBarSlider, widget);
-    const double inset = (Metrics::kScrollBar - Metrics::kScrollThumb) / 2.0;
+    const double inset = (m.scrollBar - m.scrollThumb) / 2.0;
     thumb.adjust(inset, inset, -inset, -inset);
     const bool held =
         option.activeSubControls.testFlag(SC_ScrollBarSlider) && option.state.testFlag(State_Sunken);
     const bool over = option.state.testFlag(State_MouseOver);
-    ChromePaint::box(painter, thumb, Metrics::kScrollThumb / 2.0, held ? c.dim : over ? c.faint : c.hover);
+    ChromePaint::box(painter, thumb, m.scrollThumb / 2.0, held ? c.dim : over ? c.faint : c.hover);
 }
 
 } // namespace qirn

@@ -8,32 +8,36 @@
 namespace qirn {
 
 void ChromeStyle::drawRow(const QStyleOption& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     const bool enabled = option.state.testFlag(State_Enabled);
-    const QRectF rect = QRectF(option.rect).adjusted(2, 1, -2, -1);
+    const QRectF rect = QRectF(option.rect).adjusted(m.inset, m.px(1), -m.inset, -m.px(1));
     if (const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(&option);
         item && item->backgroundBrush.style() != Qt::NoBrush)
         painter.fillRect(option.rect, item->backgroundBrush);
     if (option.state.testFlag(State_Selected))
-        ChromePaint::box(painter, rect, Metrics::kRadiusSmall, enabled ? c.selected : c.raised);
+        ChromePaint::box(painter, rect, m.smallRadius, enabled ? c.selected : c.raised);
     else if (enabled && option.state.testFlag(State_MouseOver))
-        ChromePaint::box(painter, rect, Metrics::kRadiusSmall, c.raised);
-    if (showsFocus(option)) ChromePaint::focusRing(painter, rect, Metrics::kRadiusSmall);
+        ChromePaint::box(painter, rect, m.smallRadius, c.raised);
+    if (showsFocus(option)) ChromePaint::focusRing(painter, rect, m.smallRadius);
 }
 
 void ChromeStyle::drawTab(const QStyleOptionTab& option, QPainter& painter) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     const QRectF rect = option.rect;
     const bool chosen = option.state.testFlag(State_Selected);
     if (!chosen && option.state.testFlag(State_Enabled) && option.state.testFlag(State_MouseOver))
-        ChromePaint::box(painter, rect.adjusted(2, 3, -2, -3), Metrics::kRadiusSmall, c.raised);
+        ChromePaint::box(painter, rect.adjusted(m.inset, m.px(3), -m.inset, -m.px(3)), m.smallRadius,
+                         c.raised);
     if (chosen) {
-        const double inset = Metrics::kSpace8;
-        ChromePaint::box(painter, QRectF(rect.left() + inset, rect.bottom() - 2, rect.width() - 2 * inset, 2),
-                         0, c.focus);
+        const double inset = m.gap;
+        ChromePaint::box(
+            painter, QRectF(rect.left() + inset, rect.bottom() - m.inset, rect.width() - 2 * inset, m.inset),
+            0, c.focus);
     }
     if (showsFocus(option))
-        ChromePaint::focusRing(painter, rect.adjusted(1, 1, -1, -1), Metrics::kRadiusSmall);
+        ChromePaint::focusRing(painter, rect.adjusted(m.px(1), m.px(1), -m.px(1), -m.px(1)), m.smallRadius);
 }
 
 void ChromeStyle::drawTabLabel(const QStyleOptionTab& option, QPainter& painter) const {

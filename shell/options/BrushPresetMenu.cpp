@@ -6,13 +6,9 @@
 
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 
 namespace qirn {
-
-namespace {
-constexpr int kWidth = 148; // the same for every name, so that the options beside it stay where they are
-}
 
 BrushPresetMenu::BrushPresetMenu(PaintModel& model, QWidget* parent) : QPushButton(parent), model_(model) {
     setFocusPolicy(Qt::TabFocus);
@@ -30,7 +26,9 @@ void BrushPresetMenu::refresh() {
 }
 
 QSize BrushPresetMenu::sizeHint() const {
-    return {kWidth, Metrics::kControlHeight};
+    const Metrics& m = QirnKitHost::metrics();
+    return {m.controlWidth,
+            m.controlHeight}; // for every name, so that the options beside it stay where they are
 }
 
 void BrushPresetMenu::fill() {

@@ -11,7 +11,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/ChromeFont.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/ChromeNote.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
@@ -33,15 +33,17 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* par
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       title_(new QLabel(this)) {
-    setFixedHeight(Metrics::kOptionsHeight);
-    QFont font = ChromeFont::body();
-    font.setWeight(QFont::DemiBold);
-    title_->setFont(font);
     title_->setObjectName(QStringLiteral("toolTitle"));
 
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(Metrics::kSpace12, 0, Metrics::kSpace12, 0);
-    row->setSpacing(Metrics::kSpace8);
+    QirnKit::followMetrics(this, [this, row](const Metrics& m) {
+        setFixedHeight(m.optionsHeight);
+        row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
+        row->setSpacing(m.gap);
+        QFont font = ChromeFont::body();
+        font.setWeight(QFont::DemiBold);
+        title_->setFont(font);
+    });
     row->addWidget(title_);
     row->addWidget(new ChromeDivider(this));
     for (const ToolOptionRows::Row& option : ToolOptionRows::all())

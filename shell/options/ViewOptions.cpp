@@ -9,7 +9,7 @@
 #include "app/canvas/CanvasView.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/IconButton.h"
 
@@ -22,7 +22,6 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
       rotation_(new ChromeSlider(tr("Rotate view"), {-180, 180, 1}, SliderFormat::degrees(), this)) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(Metrics::kSpace8);
     const auto onView = [this, &view](auto action) {
         return guarding(model_, [&view, action] { action(view); });
     };
@@ -42,7 +41,6 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
 
     zoom_->setObjectName(QStringLiteral("zoomValue"));
     zoom_->setAlignment(Qt::AlignCenter);
-    zoom_->setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("6400%")) + Metrics::kSpace4);
     row->addWidget(iconButton("zoomOut", Icon::minus, tr("Zoom out (−)"),
                               [](CanvasView& canvas) { canvas.zoomStep(false); }));
     row->addWidget(zoom_);
@@ -50,17 +48,18 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
                               [](CanvasView& canvas) { canvas.zoomStep(true); }));
     row->addWidget(button("fitView", tr("Fit (F)"), [](CanvasView& canvas) { canvas.fit(); }));
     row->addWidget(button("actualPixels", tr("100% (1)"), [](CanvasView& canvas) { canvas.actualPixels(); }));
-    row->addSpacing(Metrics::kSpace8);
     rotation_->setObjectName(QStringLiteral("Rotate view"));
-    rotation_->setFixedWidth(200);
     row->addWidget(rotation_);
     row->addWidget(
         button("resetRotation", tr("Reset (/)"), [](CanvasView& canvas) { canvas.setRotation(0); }));
-    row->addSpacing(Metrics::kSpace8);
     flip_ = button("flipView", tr("Flip view (W)"), [](CanvasView& canvas) { canvas.toggleFlipView(); });
-    flip_->setFixedWidth(fontMetrics().horizontalAdvance(tr("Unflip view (W)")) +
-                         2 * Metrics::kControlPadding);
     row->addWidget(flip_);
+    QirnKit::followMetrics(this, [this, row](const Metrics& m) {
+        row->setSpacing(m.gap);
+        zoom_->setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("6400%")) + m.tightGap);
+        rotation_->setFixedWidth(m.px(200));
+        flip_->setFixedWidth(fontMetrics().horizontalAdvance(tr("Unflip view (W)")) + 2 * m.controlPadding);
+    });
 
     connect(rotation_, &ChromeSlider::valueChanged, this,
             guarding(model_, [&view](double degrees) { view.setRotation(degrees); }));

@@ -7,7 +7,7 @@
 #include <QVBoxLayout>
 
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "shell/panels/ColorPlane.h"
 
 namespace qirn {
@@ -25,14 +25,16 @@ ColorChooser::ColorChooser(PaintModel& model, QWidget* parent)
     hex_->setAccessibleName(tr("Hex"));
     hex_->setObjectName(QStringLiteral("hex"));
     auto* row = new QHBoxLayout;
-    row->setSpacing(Metrics::kSpace8);
     row->addWidget(label);
     row->addWidget(hex_, 1);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Metrics::kSpace12);
     column->addWidget(plane_);
     column->addLayout(row);
+    QirnKit::followMetrics(this, [row, column](const Metrics& m) {
+        row->setSpacing(m.gap);
+        column->setSpacing(m.groupGap);
+    });
 
     connect(plane_, &ColorPlane::changed, this, &ColorChooser::push);
     connect(hex_, &QLineEdit::returnPressed, this, &ColorChooser::takeHex);

@@ -16,23 +16,33 @@ namespace qirn {
 
 namespace {
 
-constexpr int kSquareHeight = 152;
-constexpr int kStripHeight = 14;
-constexpr double kMark = 12; // diameter
 constexpr double kKeyStep = 0.02;
+
+int squareHeight() {
+    return QirnKitHost::metrics().px(152);
+}
+int stripHeight() {
+    return QirnKitHost::metrics().px(14);
+}
+/// Diameter of the mark in the square.
+int markSide() {
+    return QirnKitHost::metrics().px(12);
+}
 
 double fraction(double position, double start, double length) {
     return std::clamp((position - start) / std::max(1.0, length), 0.0, 1.0);
 }
 
 void drawMark(QPainter& painter, QPointF centre, const QColor& inside) {
-    QRectF mark(0, 0, kMark, kMark);
+    const double zoom = QirnKitHost::metrics().zoom;
+    QRectF mark(0, 0, markSide(), markSide());
     mark.moveCenter(centre);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(inside);
-    painter.setPen(QPen(QColor(0, 0, 0, 140), 3.5)); // a dark ring and a white one show on every colour
+    painter.setPen(
+        QPen(QColor(0, 0, 0, 140), 3.5 * zoom)); // a dark ring and a white one show on every colour
     painter.drawEllipse(mark);
-    painter.setPen(QPen(Qt::white, 2));
+    painter.setPen(QPen(Qt::white, 2 * zoom));
     painter.drawEllipse(mark);
 }
 
@@ -46,7 +56,8 @@ ColorPlane::ColorPlane(QWidget* parent) : QWidget(parent) {
 }
 
 QSize ColorPlane::sizeHint() const {
-    return {kSquareHeight, kSquareHeight + Metrics::kSpace8 + kStripHeight};
+    const Metrics& m = QirnKitHost::metrics();
+    return {squareHeight(), squareHeight() + m.gap + stripHeight()};
 }
 
 void ColorPlane::setColor(const HueColor& color) {
@@ -62,15 +73,16 @@ void ColorPlane::moveTo(const HueColor& color) {
 }
 
 QRectF ColorPlane::square() const {
-    return {0, 0, double(width()), double(kSquareHeight)};
+    return {0, 0, double(width()), double(squareHeight())};
 }
 QRectF ColorPlane::strip() const {
-    return {0, double(height() - kStripHeight), double(width()), double(kStripHeight)};
+    return {0, double(height() - stripHeight()), double(width()), double(stripHeight())};
 }
 
 void ColorPlane::mousePressEvent(QMouseEvent* event) {
+    const Metrics& m = QirnKitHost::metrics();
     if (event->button() != Qt::LeftButton) return;
-    dragged_ = event->position().y() > square().bottom() + Metrics::kSpace4 ? Part::strip : Part::square;
+    dragged_ = event->position().y() > square().bottom() + m.tightGap ? Part::strip : Part::square;
     drag(event->position());
 }
 
@@ -139,6 +151,7 @@ const QImage& ColorPlane::squareImage(QSize pixels) {
 }
 
 void ColorPlane::paintEvent(QPaintEvent*) {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
     const double ratio = ChromePaint::deviceRatio(painter);
@@ -153,10 +166,10 @@ void ColorPlane::paintEvent(QPaintEvent*) {
     ChromePaint::box(painter, area, 0, {}, c.edge);
     ChromePaint::box(painter, hues, 0, {}, c.edge);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, rect(), Metrics::kRadiusSmall);
+        ChromePaint::focusRing(painter, rect(), m.smallRadius);
 
     // Marks stay whole inside the widget.
-    const double reach = kMark / 2 + 2;
+    const double reach = markSide() / 2.0 + m.inset;
     const auto inside = [&](const QRectF& rect, double x, double y) {
         return QPointF(std::clamp(x, rect.left() + reach, rect.right() - reach),
                        std::clamp(y, rect.top() + reach, rect.bottom() - reach));
@@ -164,10 +177,12 @@ void ColorPlane::paintEvent(QPaintEvent*) {
     const QPointF chosen(area.left() + area.width() * color_.s, area.top() + area.height() * (1 - color_.v));
     drawMark(painter, inside(area, chosen.x(), chosen.y()),
              shownColor(PaintColor::fromHSV(color_.h, color_.s, color_.v)));
-    QRectF handle(0, 0, 6, hues.height());
-    handle.moveCenter({std::clamp(hues.left() + hues.width() * color_.h, hues.left() + 3, hues.right() - 3),
-                       hues.center().y()});
-    ChromePaint::box(painter, handle, 2, Qt::white, QColor(0, 0, 0, 160));
+    QRectF handle(0, 0, m.px(6), hues.height());
+    const double half = handle.width() / 2;
+    handle.moveCenter(
+        {std::clamp(hues.left() + hues.width() * color_.h, hues.left() + half, hues.right() - half),
+         hues.center().y()});
+    ChromePaint::box(painter, handle, m.inset, Qt::white, QColor(0, 0, 0, 160));
 }
 
 } // namespace qirn

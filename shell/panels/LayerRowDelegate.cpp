@@ -13,10 +13,12 @@ namespace qirn {
 
 namespace {
 
-constexpr int kHeight = 34;
+int rowHeight() {
+    return QirnKitHost::metrics().px(34);
+}
 
 QRect eyeRect(const QRect& row) {
-    return {row.left(), row.top(), kHeight, row.height()};
+    return {row.left(), row.top(), rowHeight(), row.height()};
 }
 
 bool isShown(const QModelIndex& index) {
@@ -27,22 +29,22 @@ bool isShown(const QModelIndex& index) {
 
 void LayerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {
+    const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QStyleOptionViewItem row = option;
     initStyleOption(&row, index);
     row.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &row, painter, row.widget);
     const bool shown = isShown(index);
     const bool selected = row.state.testFlag(QStyle::State_Selected);
-    ChromePaint::icon(*painter, eyeRect(row.rect), shown ? Icon::eye : Icon::eyeOff, Metrics::kIconSmall,
+    ChromePaint::icon(*painter, eyeRect(row.rect), shown ? Icon::eye : Icon::eyeOff, m.smallIcon,
                       selected ? c.text
                       : shown  ? c.dim
                                : c.faint);
     painter->save();
-    QRectF text = QRectF(row.rect).adjusted(kHeight, 0, -Metrics::kSpace12, 0);
+    QRectF text = QRectF(row.rect).adjusted(rowHeight(), 0, -m.groupGap, 0);
     const QString marks = index.data(kMarksRole).toString();
     painter->setFont(ChromeFont::caption());
-    const int marksWidth =
-        marks.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(marks) + Metrics::kSpace8;
+    const int marksWidth = marks.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(marks) + m.gap;
     ChromePaint::text(*painter, text, Qt::AlignRight | Qt::AlignVCenter, marks, selected ? c.text : c.dim);
     painter->setFont(row.font);
     text.setRight(text.right() - marksWidth);
@@ -52,7 +54,7 @@ void LayerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
 }
 
 QSize LayerRowDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const {
-    return {0, kHeight};
+    return {0, rowHeight()};
 }
 
 bool LayerRowDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,

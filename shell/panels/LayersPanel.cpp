@@ -15,7 +15,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/ChromeFont.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/IconButton.h"
 #include "shell/panels/LayerRowDelegate.h"
@@ -29,13 +29,11 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
       blend_(new QComboBox(this)),
       opacity_(new ChromeSlider(tr("Opacity"), {0, 1, 0.01}, SliderFormat::percent(), this)),
       list_(new QListWidget(this)),
-      delete_(new IconButton(Icon::trash, tr("Delete layer"), this)) {
-    title_->setFont(ChromeFont::caption());
+      delete_(new IconButton(Icon::trash, tr("Delete layer"), this, &Metrics::smallIcon)) {
     title_->setForegroundRole(QPalette::PlaceholderText);
-    auto* add = new IconButton(Icon::plus, hostWords(tr("New layer (⇧⌘N)")), this);
+    auto* add = new IconButton(Icon::plus, hostWords(tr("New layer (⇧⌘N)")), this, &Metrics::smallIcon);
     add->setObjectName(QStringLiteral("newLayer"));
     delete_->setObjectName(QStringLiteral("deleteLayer"));
-    for (IconButton* button : {add, delete_}) button->setIconSize({Metrics::kIconSmall, Metrics::kIconSmall});
 
     blend_->setObjectName(QStringLiteral("blendMode"));
     blend_->setAccessibleName(tr("Blend Mode"));
@@ -54,17 +52,20 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
 
     auto* head = new QHBoxLayout;
-    head->setSpacing(Metrics::kSpace4);
     head->addWidget(title_, 1);
     head->addWidget(add);
     head->addWidget(delete_);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(Metrics::kSpace8);
     column->addLayout(head);
     column->addWidget(blend_);
     column->addWidget(opacity_);
     column->addWidget(list_, 1);
+    QirnKit::followMetrics(this, [this, head, column](const Metrics& m) {
+        title_->setFont(ChromeFont::caption());
+        head->setSpacing(m.tightGap);
+        column->setSpacing(m.gap);
+    });
 
     connect(add, &IconButton::clicked, this, guarding(model_, [this] { model_.addLayer(); }));
     connect(delete_, &IconButton::clicked, this, guarding(model_, [this] { model_.deleteLayer(); }));

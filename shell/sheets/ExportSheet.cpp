@@ -5,7 +5,7 @@
 #include "app/files/DocSession.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
+#include "kit/QirnKit.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 
@@ -82,28 +82,21 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
       background_(new ChromeSegments(tr("Background"), {tr("White"), tr("Black"), tr("Second color")},
                                      jpegOptions_)) {
     setWindowTitle(tr("Export"));
-    setMinimumWidth(520);
     formats_->setAccessibleName(tr("Format"));
     formats_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     formats_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (const ExportFormatRow& row : kExportFormats) formats_->addItem(displayName(row.format));
-    formats_->setFixedHeight(formats_->sizeHintForRow(0) * formats_->count() + 2 * formats_->frameWidth());
     auto* jpeg = new QHBoxLayout(jpegOptions_);
     jpeg->setContentsMargins(0, 0, 0, 0);
-    jpeg->setSpacing(Metrics::kSpace12);
     jpeg->addWidget(quality_, 1);
     jpeg->addWidget(new QLabel(tr("Background"), jpegOptions_));
     jpeg->addWidget(background_);
     auto* details = new QWidget(this);
     auto* detailRows = new QVBoxLayout(details);
     detailRows->setContentsMargins(0, 0, 0, 0);
-    detailRows->setSpacing(Metrics::kSpace12);
     detailRows->addWidget(explanation_);
     detailRows->addWidget(jpegOptions_);
     detailRows->addStretch();
-    // Room for the longest of them: the sheet keeps its size while the choice moves along the list.
-    const int line = explanation_->fontMetrics().lineSpacing();
-    details->setFixedHeight(std::max(4 * line, 2 * line + Metrics::kSpace12 + Metrics::kControlHeight));
 
     const PaintDocument& doc = model.current()->doc();
     auto* facts = new QLabel(tr("%1 × %2 px · %3 DPI · %4 layer(s)")
@@ -120,8 +113,6 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     new TypingKeys(*this, *go);
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(Metrics::kSpace16, Metrics::kSpace16, Metrics::kSpace16, Metrics::kSpace16);
-    layout->setSpacing(Metrics::kSpace12);
     layout->addWidget(
         paragraph(tr("Save a copy for sharing, printing or other apps. Your Qirn Paint document is "
                      "not changed."),
@@ -131,6 +122,16 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     layout->addWidget(details);
     layout->addWidget(facts);
     layout->addWidget(buttons);
+    QirnKit::followMetrics(this, [=, this](const Metrics& m) {
+        setMinimumWidth(m.px(520));
+        formats_->setFixedHeight(formats_->sizeHintForRow(0) * formats_->count() +
+                                 2 * formats_->frameWidth());
+        // Room for the longest of them: the sheet keeps its size while the choice moves along the list.
+        const int line = explanation_->fontMetrics().lineSpacing();
+        details->setFixedHeight(std::max(4 * line, 2 * line + m.groupGap + m.controlHeight));
+        for (QLayout* rows : std::initializer_list<QLayout*>{jpeg, detailRows, layout})
+            rows->setSpacing(m.groupGap);
+    });
 
     const ExportFormat last = formatNamed(model.store().text(kFormatKey).value_or(QString()));
     formats_->setCurrentRow(static_cast<int>(last));

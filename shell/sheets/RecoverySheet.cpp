@@ -3,6 +3,7 @@
 #include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
+#include "kit/QirnKit.h"
 #include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
 
@@ -19,7 +20,10 @@ namespace qirn {
 
 namespace {
 
-constexpr int kPreviewWidth = 120, kPreviewHeight = 80; // logical pixels
+QSize previewSize() {
+    const Metrics& m = QirnKitHost::metrics();
+    return {m.px(120), m.px(80)};
+}
 
 std::vector<Recovery::Item> pendingFor(const PaintModel& model) {
     std::set<QUuid> open;
@@ -28,7 +32,7 @@ std::vector<Recovery::Item> pendingFor(const PaintModel& model) {
 }
 
 QIcon preview(const Recovery::Item& item, double ratio) {
-    QPixmap pixmap(QSize(kPreviewWidth, kPreviewHeight) * ratio);
+    QPixmap pixmap(previewSize() * ratio);
     pixmap.fill(Qt::transparent);
     QImage image;
     contained([&] { image = item.thumbnail(); });
@@ -44,7 +48,6 @@ QIcon preview(const Recovery::Item& item, double ratio) {
 
 RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(parent), model_(model) {
     setWindowTitle(tr("Recover Your Work"));
-    setMinimumSize(560, 420);
     auto* text =
         new QLabel(tr("Qirn Paint closed without saving these pictures (a crash, power cut or forced quit). "
                       "Your autosaved copies are safe."),
@@ -52,8 +55,6 @@ RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(paren
     text->setWordWrap(true);
     list_ = new QListWidget(this);
     list_->setAccessibleName(tr("Autosaved pictures"));
-    list_->setIconSize({kPreviewWidth, kPreviewHeight});
-    list_->setSpacing(2);
     recover_ = new QPushButton(tr("Recover"), this);
     trash_ = new QPushButton(tr("Move to Trash"), this);
     trash_->setToolTip(tr("Moves this autosave copy to the Trash (you can still take it back out)"));
@@ -81,7 +82,12 @@ RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(paren
             guarding(model_, [this] { moveToTrash(list_->currentRow()); }));
     connect(later, &QPushButton::clicked, this, &QDialog::reject);
     connect(recoverAll_, &QPushButton::clicked, this, guarding(model_, [this] { recoverAll(); }));
-    reload();
+    QirnKit::followMetrics(this, [this](const Metrics& m) {
+        setMinimumSize(m.px(560), m.px(420));
+        list_->setIconSize(previewSize());
+        list_->setSpacing(m.inset);
+        reload(); // draws the previews in their size
+    });
 }
 
 bool RecoverySheet::isEmpty() const {

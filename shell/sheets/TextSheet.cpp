@@ -5,6 +5,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "app/text/TextRenderer.h"
+#include "kit/QirnKit.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,8 +23,6 @@ namespace qirn {
 
 namespace {
 
-constexpr int kPreviewHeight = 140; // logical pixels
-
 QDoubleSpinBox* pixelBox(double lower, double upper, const QString& name, QWidget* parent) {
     auto* box = new QDoubleSpinBox(parent);
     box->setRange(lower, upper);
@@ -40,14 +39,12 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
       model_(model),
       at_(at) {
     setWindowTitle(tr("Add Text"));
-    setMinimumWidth(520);
     auto* note = new QLabel(
         tr("Text goes on its own new layer in the paint color. Use Move (V) afterwards to place it exactly."),
         this);
     note->setWordWrap(true);
     words_ = new QPlainTextEdit(this);
     words_->setAccessibleName(tr("Text"));
-    words_->setFixedHeight(96);
     family_ = new QComboBox(this);
     family_->addItems(QFontDatabase::families());
     size_ = pixelBox(6, 600, tr("Size"), this);
@@ -59,7 +56,6 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
     outline_ = new QCheckBox(tr("Outline (second color)"), this);
     outlineWidth_ = pixelBox(1, 40, tr("Width"), this);
     preview_ = new QLabel(this);
-    preview_->setFixedHeight(kPreviewHeight);
     preview_->setAlignment(Qt::AlignCenter);
     preview_->setAccessibleName(tr("Preview"));
 
@@ -96,7 +92,12 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
         connect(box, &QCheckBox::toggled, this, &TextSheet::refreshPreview);
     connect(buttons, &QDialogButtonBox::accepted, this, guarding(model_, [this] { placeText(); }));
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    refreshPreview();
+    QirnKit::followMetrics(this, [this](const Metrics& m) {
+        setMinimumWidth(m.px(520));
+        words_->setFixedHeight(m.px(96));
+        preview_->setFixedHeight(m.px(140));
+        refreshPreview();
+    });
     words_->setFocus();
 }
 
@@ -161,7 +162,7 @@ void TextSheet::showPreview() {
     if (!rendered) return preview_->clear();
     const double ratio = devicePixelRatioF();
     QImage image = rendered->buffer->makeImage();
-    const QSize room = QSize(width() - 32, kPreviewHeight) * ratio;
+    const QSize room = preview_->size() * ratio;
     if (image.width() > room.width() || image.height() > room.height()) {
         image = image.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }

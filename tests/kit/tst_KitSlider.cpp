@@ -1,4 +1,3 @@
-#include "kit/Metrics.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/ChromeToggle.h"
@@ -50,7 +49,7 @@ private Q_SLOTS:
     void initTestCase() { QirnKit::install("Qirn Paint"); }
 
     void aDragAnnouncesEachValueAndItsEndOnce() {
-        Bench b(kPercent, SliderFormat::percent());
+            Bench b(kPercent, SliderFormat::percent());
         b.mouse(QEvent::MouseButtonPress, 50);
         QCOMPARE(b.slider.value(), 0.25);
         b.mouse(QEvent::MouseMove, 100);
@@ -181,18 +180,19 @@ private Q_SLOTS:
     }
 
     void aSwitchIsPressedByItsLabelAndByTheKeyboard() {
+        const Metrics& m = QirnKitHost::metrics();
         QWidget window;
         ChromeToggle toggle("Smooth edges", &window);
         toggle.resize(toggle.sizeHint());
         window.show();
-        const auto knobAt = [&toggle](int x) {
-            return toggle.grab().toImage().pixelColor(Metrics::kSpace4 + x, toggle.height() / 2);
+        const auto knobAt = [&](int x) {
+            return toggle.grab().toImage().pixelColor(m.tightGap + x, toggle.height() / 2);
         };
-        const int half = Metrics::kSwitchHeight / 2;
+        const int half = m.switchHeight / 2;
         QCOMPARE(knobAt(half), QirnKitHost::colors().dim);
         QTest::mouseClick(&toggle, Qt::LeftButton, {}, {toggle.width() - 4, 4});
         QVERIFY(toggle.isChecked());
-        QCOMPARE(knobAt(Metrics::kSwitchWidth - half), QirnKitHost::colors().onAccent);
+        QCOMPARE(knobAt(m.switchWidth - half), QirnKitHost::colors().onAccent);
         toggle.setFocus();
         QTest::keyClick(&toggle, Qt::Key_Space);
         QVERIFY(!toggle.isChecked());
