@@ -3,13 +3,14 @@
 
 namespace qirn {
 
-/// A flat round icon button, as the tools stand in their rail.
+/// A flat round icon button, as the tools stand in their rail. In a low column it gets smaller.
 class RoundButton : public IconButton {
     Q_OBJECT
 public:
-    using IconButton::IconButton;
+    RoundButton(Icon icon, const QString& tip, QWidget* parent);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 };
 
 } // namespace qirn

@@ -79,12 +79,17 @@ void ChromeStyle::drawPushLabel(const QStyleOptionButton& option, QPainter& pain
 void ChromeStyle::drawToolPanel(const QStyleOption& option, QPainter& painter, const QWidget* widget) const {
     const Metrics& m = QirnKitHost::metrics();
     const bool round = qobject_cast<const RoundButton*>(widget) != nullptr;
-    const double radius = round ? option.rect.width() / 2.0 : m.radius;
+    QRectF face = option.rect;
+    if (round) {
+        const double side = std::min(face.width(), face.height());
+        face = QRectF(face.center() - QPointF(side, side) / 2, QSizeF(side, side));
+    }
+    const double radius = round ? face.width() / 2 : m.radius;
     const bool on = option.state.testFlag(State_On);
     const bool flat = option.state.testFlag(State_AutoRaise);
-    const Face face = flat ? flatFace(option.state, on) : raisedFace(option.state, on);
-    ChromePaint::box(painter, option.rect, radius, face.fill, face.edge);
-    if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, radius);
+    const Face look = flat ? flatFace(option.state, on) : raisedFace(option.state, on);
+    ChromePaint::box(painter, face, radius, look.fill, look.edge);
+    if (showsFocus(option)) ChromePaint::focusRing(painter, face, radius);
 }
 
 void ChromeStyle::drawToolLabel(const QStyleOptionToolButton& option, QPainter& painter) const {

@@ -142,6 +142,7 @@ QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
     case CT_ComboBox:
         return {contents.width() + 2 * m.controlPadding + m.chevron + m.groupGap, m.controlHeight};
     case CT_SpinBox:
+        return {contents.width() + m.chevron + m.gap + 2 * m.tightGap, m.controlHeight};
     case CT_LineEdit:
         return {size.width() + m.gap, m.controlHeight};
     case CT_TabBarTab:

@@ -47,7 +47,8 @@ private Q_SLOTS:
         w.view.setMinimumSize(1, 1); // as a desktop can make it
         w.view.resize(500, 300);
         QCOMPARE(scroller.widget()->size(), QSize(960, 640));
-        QVERIFY(scroller.widget()->layout()->minimumSize().width() <= 960); // its rows fit
+        const QSize least = scroller.widget()->layout()->minimumSize();
+        QVERIFY2(least.width() <= 960 && least.height() <= 640, "rows and columns do not fit");
         QTest::keyClick(&w.find<QAbstractButton>("headerSave"), Qt::Key_Down);
         QCOMPARE(scroller.verticalScrollBar()->value(), 0); // arrows move pixels
         for (QWidget* widget : w.view.findChildren<QWidget*>()) {
