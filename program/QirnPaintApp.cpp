@@ -4,8 +4,11 @@
 #include "app/desktop/QtDesktop.h"
 #include "app/desktop/Store.h"
 #include "app/desktop/SuddenEnd.h"
+#include "app/files/DocSession.h"
 #include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/Safety.h"
 #include "kit/QirnKit.h"
 #include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
@@ -76,7 +79,7 @@ public:
         // A session that ends asks as quitting does.
         connect(&app, &QGuiApplication::commitDataRequest, this, [](QSessionManager& session) {
             if (!session.allowsInteraction()) {
-                if (PaintModel::shared) PaintModel::shared->keepWork();
+                if (PaintModel::shared) PaintModel::shared->safety().keepWork();
             } else if (!shouldTerminate()) {
                 session.cancel();
             }
@@ -84,7 +87,7 @@ public:
     }
 
     void didFinishLaunching(const QStringList& paths) {
-        if (PaintModel::shared) PaintModel::shared->startAutosave();
+        if (PaintModel::shared) PaintModel::shared->safety().startAutosave();
         open(paths);
     }
 
@@ -95,7 +98,7 @@ public:
             [paths] {
                 for (const QString& path : paths) {
                     if (PaintModel* const model = PaintModel::shared)
-                        guarded(*model, [&] { model->open(path); });
+                        guarded(*model, [&] { model->pictures().open(path); });
                 }
             },
             Qt::QueuedConnection);
@@ -104,7 +107,7 @@ public:
     static bool shouldTerminate() {
         PaintModel* const model = PaintModel::shared;
         bool terminate = true;
-        return !model || (guarded(*model, [&] { terminate = model->shouldQuit(); }) && terminate);
+        return !model || (guarded(*model, [&] { terminate = model->pictures().shouldQuit(); }) && terminate);
     }
 
 protected:
@@ -147,9 +150,9 @@ int runStudio(int& argc, char** argv) {
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     PaintModel::shared = &model;
     MainView window(model);
-    model.ensureDocument();
+    model.pictures().ensureDocument();
     window.show();
-    const SuddenEnd suddenEnd([&model] { model.keepWork(); });
+    const SuddenEnd suddenEnd([&model] { model.safety().keepWork(); });
     delegate->didFinishLaunching(filesIn(argc, argv));
     return app.exec();
 }

@@ -4,8 +4,13 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/Desktop.h"
 #include "app/desktop/Store.h"
+#include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
+#include "app/model/Brushes.h"
+#include "app/model/Colors.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/Palettes.h"
 #include "brush/BrushLibrary.h"
 #include "program/SelfTestEngine.h"
 
@@ -73,33 +78,35 @@ void recovery(const SelfTestWorld& world) {
 void persistence(const SelfTestWorld& world) {
     {
         PaintModel model(PaintModel::LoadStores::no, world.desktop, world.store);
-        model.choose(*BrushLibrary::named(QStringLiteral("Finger Blend")));
-        model.pick(PaintColor(0.25, 0.5, 0.75), PaintModel::AddRecent::yes);
+        model.brushes().choose(*BrushLibrary::named(QStringLiteral("Finger Blend")));
+        model.colors().pick(PaintColor(0.25, 0.5, 0.75), Colors::AddRecent::yes);
         PaintPrefs prefs = model.prefs();
         prefs.undoSteps = 60;
         model.setPrefs(prefs);
-        model.saveBrushAsNew(QStringLiteral("Self-test brush"));
-        model.addToPalette(PaintColor(0.25, 0.5, 0.75));
+        model.brushes().saveBrushAsNew(QStringLiteral("Self-test brush"));
+        model.palettes().addToPalette(PaintColor(0.25, 0.5, 0.75));
         model.saveState();
     }
     const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.store);
     world.check("The tool and its brush come back after a restart",
                 model.tool() == Tool::smudge &&
-                    model.activeBrush().name == QStringLiteral("Self-test brush"));
-    world.check("The colours come back",
-                model.primary() == PaintColor(0.25, 0.5, 0.75) && model.recent().size() == 1);
+                    model.brushes().activeBrush().name == QStringLiteral("Self-test brush"));
+    world.check("The colours come back", model.colors().primary() == PaintColor(0.25, 0.5, 0.75) &&
+                                             model.colors().recent().size() == 1);
     world.check("The preferences come back", model.prefs().undoSteps == 60);
-    world.check("The user's presets come back", model.userBrushes().size() == 1);
+    world.check("The user's presets come back", model.brushes().userBrushes().size() == 1);
     world.check("An edit of a built-in palette went to a copy, which comes back",
-                model.userPalettes().size() == 1 && model.currentPalette() == model.userPalettes()[0] &&
-                    model.currentPalette().colors.size() == model.allPalettes()[0].colors.size() + 1);
+                model.palettes().userPalettes().size() == 1 &&
+                    model.palettes().currentPalette() == model.palettes().userPalettes()[0] &&
+                    model.palettes().currentPalette().colors.size() ==
+                        model.palettes().allPalettes()[0].colors.size() + 1);
 }
 
 void canvasPipeline(const SelfTestWorld& world) {
     PaintModel model(PaintModel::LoadStores::no, world.desktop, world.store);
     CanvasView canvas(model);
     canvas.resize(900, 700);
-    model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Canvas"));
+    model.pictures().newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Canvas"));
     canvas.show();
     canvas.setZoom(1.6);
     canvas.setRotation(37);
@@ -107,7 +114,7 @@ void canvasPipeline(const SelfTestWorld& world) {
     const QPointF place(120, 200), back = canvas.canvasPoint(canvas.viewPoint(place));
     world.check("The pen maps back exactly in a turned, mirrored view",
                 std::hypot(back.x() - place.x(), back.y() - place.y()) < 1e-6);
-    model.setActiveBrush(selfTestBrush(24));
+    model.brushes().setActiveBrush(selfTestBrush(24));
     const QPointF view = canvas.viewPoint(place);
     const QPointF at = QPointF(view.x(), canvas.height() * canvas.devicePixelRatioF() - view.y()) /
                        canvas.devicePixelRatioF();

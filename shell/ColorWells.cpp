@@ -1,14 +1,14 @@
 #include "shell/ColorWells.h"
 
-#include <QPainter>
-
 #include "app/desktop/HostWords.h"
+#include "app/model/Colors.h"
 #include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/IconButton.h"
 #include "kit/style/ChromePaint.h"
 #include "shell/ShownColor.h"
+
+#include <QPainter>
 
 namespace qirn {
 
@@ -45,7 +45,7 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
     primary_->setObjectName(QStringLiteral("primaryColor"));
     secondary_->setFocusPolicy(Qt::TabFocus);
     secondary_->setObjectName(QStringLiteral("secondaryColor"));
-    connect(secondary_, &ColorSquare::clicked, this, [this] { model_.swapColors(); });
+    connect(secondary_, &ColorSquare::clicked, this, [this] { model_.colors().swapColors(); });
 
     auto* swap = new IconButton(Icon::swap, tr("Swap colors (X)"), this, &Metrics::smallIcon);
     auto* reset =
@@ -61,15 +61,15 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
         swap->setGeometry(0, top, m.smallButton, m.smallButton);
         reset->setGeometry(m.smallButton, top, m.smallButton, m.smallButton);
     });
-    connect(swap, &IconButton::clicked, this, [this] { model_.swapColors(); });
-    connect(reset, &IconButton::clicked, this, [this] { model_.defaultColors(); });
+    connect(swap, &IconButton::clicked, this, [this] { model_.colors().swapColors(); });
+    connect(reset, &IconButton::clicked, this, [this] { model_.colors().defaultColors(); });
     connect(&model, &PaintModel::changed, this, &ColorWells::refresh);
     refresh();
 }
 
 void ColorWells::refresh() {
-    primary_->showColor(shownColor(model_.primary()));
-    secondary_->showColor(shownColor(model_.secondary()));
+    primary_->showColor(shownColor(model_.colors().primary()));
+    secondary_->showColor(shownColor(model_.colors().secondary()));
 }
 
 } // namespace qirn

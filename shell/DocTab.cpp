@@ -1,18 +1,19 @@
 #include "shell/DocTab.h"
 
-#include <algorithm>
-
-#include <QKeyEvent>
-#include <QMouseEvent>
-#include <QPainter>
-
 #include "app/files/DocSession.h"
 #include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "kit/Metrics.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/IconButton.h"
 #include "kit/style/ChromePaint.h"
+
+#include <algorithm>
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
 
 namespace qirn {
 
@@ -57,19 +58,19 @@ DocTab::DocTab(PaintModel& model, QWidget* parent)
     close_ = new IconButton(Icon::close, tr("Close this picture"), this, &Metrics::chevron);
     close_->setFocusPolicy(Qt::NoFocus); // Delete on the tab does the same
     connect(this, &QAbstractButton::clicked, this, guarding(model_, [this] {
-                if (DocSession* shown = session()) model_.select(*shown);
+                if (DocSession* shown = session()) model_.pictures().select(*shown);
             }));
     connect(close_, &QAbstractButton::clicked, this, guarding(model_, [this] { closeSession(); }));
 }
 
 DocSession* DocTab::session() const {
-    for (const SessionRef& open : model_.sessions())
+    for (const SessionRef& open : model_.pictures().sessions())
         if (open->id == id_) return open.get();
     return nullptr;
 }
 
 void DocTab::closeSession() {
-    if (DocSession* shown = session()) model_.close(*shown);
+    if (DocSession* shown = session()) model_.pictures().close(*shown);
 }
 
 void DocTab::showSession(const DocSession& session, bool current) {

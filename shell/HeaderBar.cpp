@@ -1,5 +1,15 @@
 #include "shell/HeaderBar.h"
 
+#include "app/desktop/HostWords.h"
+#include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PaintModel.h"
+#include "kit/QirnKit.h"
+#include "kit/controls/IconButton.h"
+#include "shell/Badge.h"
+#include "shell/DocTab.h"
+
 #include <utility>
 
 #include <QHBoxLayout>
@@ -7,15 +17,6 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QWheelEvent>
-
-#include "app/desktop/HostWords.h"
-#include "app/files/DocSession.h"
-#include "app/model/Guarded.h"
-#include "app/model/PaintModel.h"
-#include "kit/QirnKit.h"
-#include "kit/controls/IconButton.h"
-#include "shell/Badge.h"
-#include "shell/DocTab.h"
 
 namespace qirn {
 
@@ -29,13 +30,14 @@ struct HeaderButton {
 };
 
 constexpr HeaderButton kNew{"headerNew", Icon::plus, QT_TRANSLATE_NOOP("qirn::HeaderBar", "New canvas (⌘N)"),
-                            [](PaintModel& model) { model.newCanvas(); }};
+                            [](PaintModel& model) { model.pictures().newCanvas(); }};
 constexpr HeaderButton kOpen{
     "headerOpen", Icon::open,
     QT_TRANSLATE_NOOP("qirn::HeaderBar", "Open a picture or Qirn Paint document (⌘O)"),
-    [](PaintModel& model) { model.openPanel(); }};
-constexpr HeaderButton kSave{"headerSave", Icon::save, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)"),
-                             [](PaintModel& model) { model.save(nullptr, PaintModel::SaveAs::no); }};
+    [](PaintModel& model) { model.pictures().openPanel(); }};
+constexpr HeaderButton kSave{
+    "headerSave", Icon::save, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)"),
+    [](PaintModel& model) { model.pictures().save(nullptr, OpenPictures::SaveAs::no); }};
 constexpr HeaderButton kExport{"headerExport", Icon::exportPicture,
                                QT_TRANSLATE_NOOP("qirn::HeaderBar", "Export PNG, JPEG, TIFF or PSD (⌘E)"),
                                [](PaintModel& model) { model.requestSheet(PaintSheet::exportPicture); }};
@@ -102,7 +104,7 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
 }
 
 void HeaderBar::refresh() {
-    const auto& sessions = model_.sessions();
+    const auto& sessions = model_.pictures().sessions();
     while (tabs_.size() < sessions.size()) {
         auto* tab = new DocTab(model_, strip_->widget());
         tabRow_->insertWidget(static_cast<int>(tabs_.size()), tab);

@@ -1,14 +1,14 @@
 #include "shell/HudBubble.h"
 
+#include "app/model/Messages.h"
+#include "app/model/PaintModel.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
+
 #include <algorithm>
 
 #include <QEvent>
 #include <QPainter>
-
-#include "app/model/PaintModel.h"
-#include "kit/Metrics.h"
-#include "kit/QirnKit.h"
-#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 
@@ -20,13 +20,13 @@ HudBubble::HudBubble(PaintModel& model, QWidget* canvas) : QWidget(canvas), mode
 }
 
 QString HudBubble::text() const {
-    return model_.hud().value_or(QString());
+    return model_.messages().hud().value_or(QString());
 }
 
 void HudBubble::refresh() {
     const Metrics& m = QirnKitHost::metrics();
-    setVisible(model_.hud().has_value());
-    if (!model_.hud()) return;
+    setVisible(model_.messages().hud().has_value());
+    if (!model_.messages().hud()) return;
     setAccessibleName(text());
     const QWidget& canvas = *parentWidget();
     const int wanted = fontMetrics().horizontalAdvance(text()) + 2 * m.margin;

@@ -1,17 +1,10 @@
 #include "shell/MainView.h"
 
-#include <QCloseEvent>
-#include <QGuiApplication>
-#include <QMenuBar>
-#include <QScreen>
-#include <QScrollArea>
-#include <QVBoxLayout>
-#include <QWindow>
-
 #include "app/canvas/CanvasView.h"
 #include "app/commands/PaintCommands.h"
 #include "app/desktop/Typing.h"
 #include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromePanel.h"
@@ -26,6 +19,14 @@
 #include "shell/sheets/ExportSheet.h"
 #include "shell/sheets/RecoverySheet.h"
 #include "shell/sheets/TextSheet.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMenuBar>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <QWindow>
 
 namespace qirn {
 
@@ -163,7 +164,7 @@ void MainView::showSheet(PaintSheet sheet) {
 
 void MainView::closeEvent(QCloseEvent* event) {
     bool quit = false;
-    guarded(model_, [&] { quit = model_.shouldQuit(); });
+    guarded(model_, [&] { quit = model_.pictures().shouldQuit(); });
     event->setAccepted(quit);
 }
 

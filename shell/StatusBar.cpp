@@ -1,14 +1,16 @@
 #include "shell/StatusBar.h"
 
+#include "app/files/DocSession.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/PaintModel.h"
+#include "app/model/Safety.h"
+#include "kit/QirnKit.h"
+#include "shell/StatusItems.h"
+
 #include <chrono>
 #include <cmath>
 
 #include <QHBoxLayout>
-
-#include "app/files/DocSession.h"
-#include "app/model/PaintModel.h"
-#include "kit/QirnKit.h"
-#include "shell/StatusItems.h"
 
 namespace qirn {
 
@@ -61,7 +63,7 @@ void StatusBar::refresh() {
         layer_->setText(tr("Layer: %1").arg(doc.activeLayer().name));
         undo_->setText(tr("Undo: %1 steps").arg(doc.undoDepth()));
     }
-    autosave_->setText(model_.lastAutosaveText().value_or(QString()));
+    autosave_->setText(model_.safety().lastAutosaveText().value_or(QString()));
     refreshCursor();
 }
 

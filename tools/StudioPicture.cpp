@@ -1,5 +1,10 @@
 // Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves a picture of it:
 //     studio_picture FILE.png
+#include "app/edits/LayerEdits.h"
+#include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/Colors.h"
+#include "app/model/OpenPictures.h"
 #include "brush/BrushLibrary.h"
 #include "platform/Trigonometry.h"
 #include "support/Window.h"
@@ -37,11 +42,11 @@ void paintTenPresets(Window& window) {
                               QInputDevice::Capability::Pressure, 1, 1);
     int i = 0;
     for (const auto& [preset, color] : kSamples) {
-        window.model.choose(*BrushLibrary::named(preset));
-        window.set(&BrushSettings::size, std::min(window.model.activeBrush().size * 2, 120.0));
-        window.model.setPrimary(*PaintColor::fromHex(color));
+        window.model.brushes().choose(*BrushLibrary::named(preset));
+        window.set(&BrushSettings::size, std::min(window.model.brushes().activeBrush().size * 2, 120.0));
+        window.model.colors().setPrimary(*PaintColor::fromHex(color));
         sendStroke(window.canvas(), pen, swellingCurve(110 + 900 * (i / 5), 130 + 205 * (i % 5), 780, 52));
-        if (++i == 5) window.model.addLayer();
+        if (++i == 5) LayerEdits::addLayer(window.model);
     }
 }
 
@@ -57,8 +62,8 @@ int main(int argc, char** argv) {
     QirnKit::install("Qirn Paint");
     Window window;
     window.set(&PaintPrefs::showPerformance, true);
-    window.model.newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), "Ten brushes");
-    window.model.close(*window.model.sessions().front());
+    window.model.pictures().newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), "Ten brushes");
+    window.model.pictures().close(*window.model.pictures().sessions().front());
     QCoreApplication::processEvents();
     paintTenPresets(window);
     QCoreApplication::processEvents();

@@ -1,6 +1,7 @@
 // Files and pictures that are dropped on the canvas.
 #include "app/canvas/CanvasView.h"
 
+#include "app/files/PictureExchange.h"
 #include "app/model/Clipboard.h"
 #include "app/model/PaintModel.h"
 
@@ -23,11 +24,11 @@ void CanvasView::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void CanvasView::dragged(QDragMoveEvent* event) {
-    takeCopy(*event, Clipboard::mayHoldPicture(*event->mimeData()));
+    takeCopy(*event, PictureExchange::mayHoldPicture(*event->mimeData()));
 }
 
 void CanvasView::dropped(QDropEvent* event) {
-    takeCopy(*event, model_.drop(*event->mimeData()));
+    takeCopy(*event, model_.clipboard().drop(*event->mimeData()));
 }
 
 } // namespace qirn

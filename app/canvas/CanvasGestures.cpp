@@ -2,6 +2,11 @@
 #include "app/canvas/CanvasView.h"
 
 #include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/OpacityPreview.h"
 #include "app/model/PaintModel.h"
 #include "brush/BrushStroke.h"
 #include "compositing/CompositeInputs.h"
@@ -212,7 +217,7 @@ void CanvasView::press(const PenSample& sample) {
     setFocus(Qt::MouseFocusReason);
     if (!session_) return;
     endGesture(); // one whose release got lost
-    model_.commitOpacity();
+    model_.opacity().commit();
     lastSample_ = sample;
     session_->needsFit = false; // a hand knows its place by now
     const QPointF c = canvasPoint(sample.view);
@@ -322,9 +327,9 @@ void CanvasView::sampleColor(QPointF canvasPoint) {
     if (!doc.grid().bounds().contains(x, y)) return;
     const PixelBytes pixel =
         model_.prefs().eyedropperAllLayers ? compositePixel(doc, x, y) : doc.activeLayer().pixel(x, y);
-    if (pixel[3] == 0) return model_.flash(tr("Nothing to pick there (transparent)"));
+    if (pixel[3] == 0) return model_.messages().flash(tr("Nothing to pick there (transparent)"));
     const double a = pixel[3];
-    model_.pick(PaintColor(pixel[0] / a, pixel[1] / a, pixel[2] / a), PaintModel::AddRecent::yes);
+    model_.colors().pick(PaintColor(pixel[0] / a, pixel[1] / a, pixel[2] / a), Colors::AddRecent::yes);
 }
 
 // --- Strokes
@@ -347,20 +352,21 @@ bool CanvasView::beginStroke(const PenSample& sample) {
     PaintDocument& doc = session_->doc();
     const Layer& layer = doc.activeLayer();
     if (layer.isLocked) {
-        model_.flash(tr("The layer \"%1\" is locked — unlock it in the Layers panel").arg(layer.name));
+        model_.messages().flash(
+            tr("The layer \"%1\" is locked — unlock it in the Layers panel").arg(layer.name));
         return false;
     }
     if (!layer.isVisible) {
-        model_.flash(tr("The layer \"%1\" is hidden — show it to paint on it").arg(layer.name));
+        model_.messages().flash(tr("The layer \"%1\" is hidden — show it to paint on it").arg(layer.name));
         return false;
     }
     strokeTool_ = model_.tool();
-    if (strokeTool_ == Tool::brush) model_.pushRecent(model_.primary());
-    BrushSettings settings = model_.activeBrush();
+    if (strokeTool_ == Tool::brush) model_.colors().pushRecent(model_.colors().primary());
+    BrushSettings settings = model_.brushes().activeBrush();
     if (model_.penIsEraser && settings.kind == BrushKind::paint) settings.kind = BrushKind::erase;
     const auto active = checkedSize(doc.activeIndex());
-    stroke_ =
-        std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.primary(), strokeSeed());
+    stroke_ = std::make_unique<BrushStroke>(doc, doc.layers()[active], settings, model_.colors().primary(),
+                                            strokeSeed());
     updateAntsTimer();
     perfSamples_.clear();
     lastEventPoint_ = sample.view;

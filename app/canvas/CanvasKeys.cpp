@@ -1,8 +1,13 @@
 // The plain keys of the canvas. Keys with Command, Option or Control go on to the menus.
 #include "app/canvas/CanvasView.h"
 
+#include "app/edits/CanvasEdits.h"
+#include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/Colors.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,17 +19,17 @@ namespace qirn {
 namespace {
 
 void scaleBrush(PaintModel& model, double size) {
-    BrushSettings brush = model.activeBrush();
+    BrushSettings brush = model.brushes().activeBrush();
     brush.size = size;
-    model.setActiveBrush(brush);
+    model.brushes().setActiveBrush(brush);
 }
 
 void makeBrushSmaller(PaintModel& model) {
-    scaleBrush(model, std::max(std::round(model.activeBrush().size * 0.85), 1.0));
+    scaleBrush(model, std::max(std::round(model.brushes().activeBrush().size * 0.85), 1.0));
 }
 
 void makeBrushLarger(PaintModel& model) {
-    const double size = model.activeBrush().size;
+    const double size = model.brushes().activeBrush().size;
     scaleBrush(model, std::min(std::max(std::round(size * 1.18), size + 1), 1000.0));
 }
 
@@ -42,7 +47,7 @@ constexpr CharacterKey kCharacterKeys[] = {
     {u'+', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(true, at); }},
     {u'-', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(false, at); }},
     {u'_', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(false, at); }},
-    {u'x', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { model.swapColors(); }},
+    {u'x', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { model.colors().swapColors(); }},
     {u'f', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.fit(); }},
     {u'1', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.actualPixels(); }},
     {u',', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.rotateView(-kTurnStep); }},
@@ -109,8 +114,8 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (!model_.transform()) return false;
-        model_.applyTransform();
+        if (!model_.transform().state()) return false;
+        model_.transform().applyTransform();
         return true;
     case Qt::Key_Left:
     case Qt::Key_Right:
@@ -119,13 +124,13 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
         return nudge(event->key(), event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1);
     case Qt::Key_Backspace:
     case Qt::Key_Delete:
-        model_.clearLayer();
+        LayerEdits::clearLayer(model_);
         return true;
     case Qt::Key_Escape:
-        if (model_.transform())
-            model_.cancelTransform();
+        if (model_.transform().state())
+            model_.transform().cancelTransform();
         else if (drag_ == Drag::none)
-            model_.deselect();
+            CanvasEdits::deselect(model_);
         else if (drag_ == Drag::paint)
             cancelStroke();
         else
@@ -137,15 +142,15 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
 }
 
 bool CanvasView::nudge(int key, int step) {
-    if (!model_.transform() && model_.tool() == Tool::move) model_.beginTransform();
-    if (!model_.transform()) return model_.tool() == Tool::move;
+    if (!model_.transform().state() && model_.tool() == Tool::move) model_.transform().beginTransform();
+    if (!model_.transform().state()) return model_.tool() == Tool::move;
     const QPointF way(key == Qt::Key_Left    ? -step
                       : key == Qt::Key_Right ? step
                                              : 0,
                       key == Qt::Key_Up     ? -step
                       : key == Qt::Key_Down ? step
                                             : 0);
-    model_.updateTransform([&](TransformState& state) { state.center += way; });
+    model_.transform().updateTransform([&](TransformState& state) { state.center += way; });
     return true;
 }
 
@@ -154,7 +159,7 @@ bool CanvasView::handleCharacter(QKeyEvent* event) {
     const QChar character = event->text()[0].toLower();
     // Shift D is the colours' key, plain D a tool's.
     if (character == u'd' && event->modifiers().testFlag(Qt::ShiftModifier)) {
-        model_.defaultColors();
+        model_.colors().defaultColors();
         return true;
     }
     for (const CharacterKey& key : kCharacterKeys) {

@@ -1,8 +1,12 @@
 // Press, drag and release of the tools that do not paint with a brush. Adding a tool is adding a row.
 #include "app/canvas/CanvasView.h"
 
+#include "app/edits/CanvasEdits.h"
 #include "app/files/DocSession.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
 #include "operations/Fill.h"
 #include "operations/Gradient.h"
 #include "operations/Selection.h"
@@ -73,7 +77,7 @@ void CanvasView::releaseTool(const PenSample& sample) {
 
 bool CanvasView::refusesLockedLayer() {
     if (!session_->doc().activeLayer().isLocked) return false;
-    model_.flash(tr("The layer is locked"));
+    model_.messages().flash(tr("The layer is locked"));
     return true;
 }
 
@@ -95,12 +99,12 @@ void CanvasView::showPreview(const QPainterPath& canvasPath) {
 bool CanvasView::pressBucket(const PenSample&) {
     if (refusesLockedLayer()) return false;
     const IRect filled = bucketFill(session_->doc(), static_cast<int64_t>(std::floor(dragStart_.x())),
-                                    static_cast<int64_t>(std::floor(dragStart_.y())), model_.primary(),
-                                    model_.options().fill, 1.0);
+                                    static_cast<int64_t>(std::floor(dragStart_.y())),
+                                    model_.colors().primary(), model_.options().fill, 1.0);
     if (filled.isEmpty()) {
-        model_.flash(tr("Click inside the picture to fill"));
+        model_.messages().flash(tr("Click inside the picture to fill"));
     } else {
-        model_.pushRecent(model_.primary());
+        model_.colors().pushRecent(model_.colors().primary());
         commitGesture(tr("Bucket Fill"));
     }
     return false;
@@ -120,13 +124,13 @@ void CanvasView::dragGradient(const PenSample&) {
 
 void CanvasView::releaseGradient(const PenSample&) {
     if (length(dragCurrent_ - dragStart_) < 1) return;
-    PaintColor end = model_.secondary();
+    PaintColor end = model_.colors().secondary();
     if (model_.options().gradientToTransparent) {
-        end = model_.primary();
+        end = model_.colors().primary();
         end.a = 0;
     }
-    gradientFill(session_->doc(), dragStart_, dragCurrent_, model_.options().gradientKind, model_.primary(),
-                 end, model_.options().gradientOpacity);
+    gradientFill(session_->doc(), dragStart_, dragCurrent_, model_.options().gradientKind,
+                 model_.colors().primary(), end, model_.options().gradientOpacity);
     commitGesture(tr("Gradient"));
 }
 
@@ -161,7 +165,7 @@ void CanvasView::releaseSelectBox(const PenSample& sample) {
     if (distance >= kClickDistance * pixelRatio())
         commitSelection(selectionBox(sample.modifiers), sample.modifiers);
     else
-        model_.deselect();
+        CanvasEdits::deselect(model_);
 }
 
 bool CanvasView::pressLasso(const PenSample&) {
@@ -179,7 +183,7 @@ void CanvasView::dragLasso(const PenSample&) {
 
 void CanvasView::releaseLasso(const PenSample& sample) {
     const std::vector<QPointF> points = std::exchange(lassoPoints_, {});
-    if (points.size() < 3) return model_.deselect();
+    if (points.size() < 3) return CanvasEdits::deselect(model_);
     QPainterPath path(points.front());
     for (const QPointF& point : points) path.lineTo(point);
     path.closeSubpath();
@@ -205,9 +209,9 @@ void CanvasView::commitSelection(const QPainterPath& path, Qt::KeyboardModifiers
 // --- Move and transform
 
 bool CanvasView::pressMove(const PenSample&) {
-    if (!model_.transform()) model_.beginTransform();
-    if (!model_.transform()) return false;
-    dragBase_ = *model_.transform();
+    if (!model_.transform().state()) model_.transform().beginTransform();
+    if (!model_.transform().state()) return false;
+    dragBase_ = *model_.transform().state();
     transformDrag_ = TransformDrag::move;
     // Handles have a constant size on screen.
     const double point = pixelRatio() / std::max(session_->view.zoom, kMinZoom);
@@ -224,7 +228,7 @@ bool CanvasView::pressMove(const PenSample&) {
 }
 
 void CanvasView::dragMove(const PenSample& sample) {
-    if (!dragBase_ || !model_.transform()) return;
+    if (!dragBase_ || !model_.transform().state()) return;
     const bool shift = sample.modifiers.testFlag(Qt::ShiftModifier);
     TransformState next = *dragBase_;
     switch (transformDrag_) {
@@ -238,7 +242,7 @@ void CanvasView::dragMove(const PenSample& sample) {
         next = turnedBy(*dragBase_, dragStart_, dragCurrent_, shift);
         break;
     }
-    model_.updateTransform([&](TransformState& state) { state = next; });
+    model_.transform().updateTransform([&](TransformState& state) { state = next; });
 }
 
 // --- Shapes and text
@@ -257,9 +261,10 @@ void CanvasView::releaseShape(const PenSample& sample) {
     if (!path) return;
     // A line has no inside: it is always drawn, in the paint colour.
     std::optional<PaintColor> fill, outline;
-    if (model_.options().shapeFill && !isOpen(kind)) fill = model_.primary();
-    if (model_.options().shapeOutline || isOpen(kind)) outline = fill ? model_.secondary() : model_.primary();
-    if (!fill && !outline) return model_.flash(tr("Turn on Fill or Outline for shapes"));
+    if (model_.options().shapeFill && !isOpen(kind)) fill = model_.colors().primary();
+    if (model_.options().shapeOutline || isOpen(kind))
+        outline = fill ? model_.colors().secondary() : model_.colors().primary();
+    if (!fill && !outline) return model_.messages().flash(tr("Turn on Fill or Outline for shapes"));
     const auto shape = renderShape(*path, fill, outline, model_.options().shapeLineWidth, Antialias::yes);
     if (!shape) return;
     PaintDocument& doc = session_->doc();

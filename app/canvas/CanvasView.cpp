@@ -1,7 +1,12 @@
 #include "app/canvas/CanvasView.h"
 
+#include "app/desktop/Failures.h"
 #include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
 #include "brush/BrushStroke.h"
 #include "core/PaintDocument.h"
 
@@ -199,8 +204,8 @@ void CanvasView::updateOverlay() {
     };
     const QRegion before = covered();
     // A transform shows its box in place of the ants.
-    const bool floating = session_ && session_ == model_.current() && model_.transform();
-    overlay_.setTransform(floating ? model_.transform() : std::nullopt);
+    const bool floating = session_ && session_ == model_.current() && model_.transform().state();
+    overlay_.setTransform(floating ? model_.transform().state() : std::nullopt);
     overlay_.setSelection(session_ && !floating ? session_->doc().selection : nullptr);
     if (drag_ == Drag::none) overlay_.setPreview({});
     update(toWidget(before + covered()));
@@ -232,9 +237,9 @@ void CanvasView::paintEvent(QPaintEvent* event) {
     if (whole == std::exchange(shownWhole_, whole)) return;
     contained([&] {
         if (whole) return update();
-        QMetaObject::invokeMethod(this,
-                                  guarding(model_, [this] { model_.flash(failureText(std::bad_alloc())); }),
-                                  Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, guarding(model_, [this] { model_.messages().flash(failureText(std::bad_alloc())); }),
+            Qt::QueuedConnection);
     });
 }
 
@@ -333,7 +338,8 @@ void CanvasView::updateCursor(std::optional<QPointF> viewPoint) {
     std::optional<CanvasOverlay::Ring> ring;
     const bool brush = rowOf(model_.tool()).usesBrush || model_.penIsEraser;
     if (viewPoint && session_ && brush && model_.prefs().showBrushOutline && !spaceDown_) {
-        const double diameter = std::max(model_.activeBrush().size * session_->view.zoom, 2 * pixelRatio());
+        const double diameter =
+            std::max(model_.brushes().activeBrush().size * session_->view.zoom, 2 * pixelRatio());
         ring = CanvasOverlay::Ring{transform_.flippedVertically(*viewPoint), diameter};
     }
     if (ring == overlay_.ring()) return;

@@ -3,6 +3,7 @@
 #include "app/canvas/CanvasPresentation.h"
 #include "app/canvas/PenInput.h"
 #include "app/files/ViewTransform.h"
+#include "app/files/DocSession.h"
 #include "app/model/CanvasPort.h"
 #include "app/model/Guarded.h"
 #include "app/model/Tool.h"

@@ -1,5 +1,6 @@
 #include "app/canvas/FloatingImage.h"
 
+#include "app/model/PendingTransform.h"
 #include "core/PaintEngine.h"
 #include "operations/Floating.h"
 #include "platform/Parallel.h"

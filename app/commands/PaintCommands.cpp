@@ -1,9 +1,17 @@
 #include "app/commands/PaintCommands.h"
 
 #include "app/canvas/CanvasView.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/Clipboard.h"
+#include "app/model/Colors.h"
 #include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/Palettes.h"
+#include "app/model/PendingTransform.h"
 
 #include <type_traits>
 
@@ -61,7 +69,7 @@ QString onionTitle(const PaintModel& model) {
 }
 
 bool transformPending(const PaintModel& model) {
-    return model.transform().has_value();
+    return model.transform().isPending();
 }
 
 void togglePerformance(PaintModel& model) {
@@ -74,15 +82,19 @@ template <auto kMethod> void call(PaintModel& model) {
     (model.*kMethod)();
 }
 
+template <auto kSubject, auto kMethod> void call(PaintModel& model) {
+    ((model.*kSubject)().*kMethod)();
+}
+
 template <PaintSheet kSheet> void sheet(PaintModel& model) {
     model.requestSheet(kSheet);
 }
 
 void save(PaintModel& model) {
-    model.save(nullptr, PaintModel::SaveAs::no);
+    model.pictures().save(nullptr, OpenPictures::SaveAs::no);
 }
 void saveAs(PaintModel& model) {
-    model.save(nullptr, PaintModel::SaveAs::yes);
+    model.pictures().save(nullptr, OpenPictures::SaveAs::yes);
 }
 
 constexpr const char* kQuit = "quit";
@@ -90,16 +102,16 @@ constexpr const char* kQuit = "quit";
 // The menu bar, in order.
 const CommandRow kCommands[] = {
     {"File", "newCanvas", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Canvas"), Command | Qt::Key_N,
-     call<&PaintModel::newCanvas>},
+     call<&PaintModel::pictures, &OpenPictures::newCanvas>},
     {"File", "open", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open…"), Command | Qt::Key_O,
-     call<&PaintModel::openPanel>},
+     call<&PaintModel::pictures, &OpenPictures::openPanel>},
     {"File", "importLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Picture as Layer…"),
-     Command | Shift | Qt::Key_I, call<&PaintModel::importImageAsLayer>},
+     Command | Shift | Qt::Key_I, call<&PaintModel::clipboard, &Clipboard::importImageAsLayer>},
     {"File", "recover", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Recover Autosaved Work…"), 0,
      sheet<PaintSheet::recovery>},
     {"File", nullptr},
     {"File", "closePicture", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Close Picture"), Command | Qt::Key_W,
-     call<&PaintModel::closeCurrent>},
+     call<&PaintModel::pictures, &OpenPictures::closeCurrent>},
     {"File", "save", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save"), Command | Qt::Key_S, save},
     {"File", "saveAs", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save As…"), Command | Shift | Qt::Key_S,
      saveAs},
@@ -107,15 +119,15 @@ const CommandRow kCommands[] = {
      Command | Qt::Key_E, sheet<PaintSheet::exportPicture>},
     {"File", nullptr},
     {"File", "importBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Brushes…"), 0,
-     call<&PaintModel::importBrushes>},
+     call<&PaintModel::brushes, &Brushes::importBrushes>},
     {"File", "exportBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Brushes…"), 0,
-     call<&PaintModel::exportBrushes>},
+     call<&PaintModel::brushes, &Brushes::exportBrushes>},
     {"File", "importPalette", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Palettes…"), 0,
-     call<&PaintModel::importPalette>},
+     call<&PaintModel::palettes, &Palettes::importPalette>},
     {"File", "exportGpl", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .gpl…"), 0,
-     [](PaintModel& model) { model.exportPalette(PaintModel::PaletteFile::gpl); }},
+     [](PaintModel& model) { model.palettes().exportPalette(Palettes::PaletteFile::gpl); }},
     {"File", "exportAco", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .aco…"), 0,
-     [](PaintModel& model) { model.exportPalette(PaintModel::PaletteFile::aco); }},
+     [](PaintModel& model) { model.palettes().exportPalette(Palettes::PaletteFile::aco); }},
     {"File", nullptr},
     {"File", kQuit, QT_TRANSLATE_NOOP("qirn::PaintCommands", "Quit"), Command | Qt::Key_Q},
 
@@ -123,34 +135,36 @@ const CommandRow kCommands[] = {
     {"Edit", "redo", nullptr, Command | Shift | Qt::Key_Z, call<&PaintModel::redo>, redoTitle},
     {"Edit", nullptr},
     {"Edit", "cut", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Cut"), Command | Qt::Key_X,
-     call<&PaintModel::cut>},
+     call<&PaintModel::clipboard, &Clipboard::cut>},
     {"Edit", "copy", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Copy"), Command | Qt::Key_C,
-     [](PaintModel& model) { model.copy(Merged::no); }},
+     [](PaintModel& model) { model.clipboard().copy(Merged::no); }},
     {"Edit", "copyMerged", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Copy Merged"),
-     Command | Shift | Qt::Key_C, [](PaintModel& model) { model.copy(Merged::yes); }},
+     Command | Shift | Qt::Key_C, [](PaintModel& model) { model.clipboard().copy(Merged::yes); }},
     {"Edit", "paste", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Paste as New Layer"), Command | Qt::Key_V,
-     call<&PaintModel::paste>},
+     call<&PaintModel::clipboard, &Clipboard::paste>},
     {"Edit", nullptr},
     {"Edit", "fillPrimary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Paint Color"),
-     Option | Qt::Key_Backspace, [](PaintModel& model) { model.fillSelection(model.primary()); }},
+     Option | Qt::Key_Backspace,
+     [](PaintModel& model) { CanvasEdits::fillSelection(model, model.colors().primary()); }},
     {"Edit", "fillSecondary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Second Color"),
-     Command | Qt::Key_Backspace, [](PaintModel& model) { model.fillSelection(model.secondary()); }},
+     Command | Qt::Key_Backspace,
+     [](PaintModel& model) { CanvasEdits::fillSelection(model, model.colors().secondary()); }},
     {"Edit", "clear", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clear (Delete Pixels)"), 0,
-     call<&PaintModel::clearLayer>},
+     LayerEdits::clearLayer},
     {"Edit", nullptr},
     {"Edit", "freeTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Free Transform"), Command | Qt::Key_T,
-     call<&PaintModel::beginTransform>},
+     call<&PaintModel::transform, &PendingTransform::beginTransform>},
     {"Edit", "applyTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Apply Transform"), 0,
-     call<&PaintModel::applyTransform>, nullptr, nullptr, transformPending},
+     call<&PaintModel::transform, &PendingTransform::applyTransform>, nullptr, nullptr, transformPending},
     {"Edit", "cancelTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Cancel Transform"), 0,
-     call<&PaintModel::cancelTransform>, nullptr, nullptr, transformPending},
+     call<&PaintModel::transform, &PendingTransform::cancelTransform>, nullptr, nullptr, transformPending},
 
     {"Select", "selectAll", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select All"), Command | Qt::Key_A,
-     call<&PaintModel::selectAll>},
+     CanvasEdits::selectAll},
     {"Select", "deselect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Deselect"), Command | Qt::Key_D,
-     call<&PaintModel::deselect>},
+     CanvasEdits::deselect},
     {"Select", "invertSelection", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Invert Selection"),
-     Command | Option | Qt::Key_I, call<&PaintModel::invertSelection>},
+     Command | Option | Qt::Key_I, CanvasEdits::invertSelection},
     {"Select", nullptr},
     {"Select", "selectRect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rectangle Select (M)"), 0,
      [](PaintModel& model) { model.setTool(Tool::selectRect); }},
@@ -159,49 +173,48 @@ const CommandRow kCommands[] = {
     {"Select", "lasso", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lasso Select (L)"), 0,
      [](PaintModel& model) { model.setTool(Tool::lasso); }},
     {"Select", "crop", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Crop to Selection"), 0,
-     call<&PaintModel::cropToSelection>},
+     CanvasEdits::cropToSelection},
 
     {"Image", "rotateClockwise", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Clockwise"), 0,
-     [](PaintModel& model) { model.rotateCanvas(1); }},
+     [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 1); }},
     {"Image", "rotateCounterClockwise",
      QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Counter-clockwise"), 0,
-     [](PaintModel& model) { model.rotateCanvas(3); }},
+     [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 3); }},
     {"Image", "rotateHalf", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 180°"), 0,
-     [](PaintModel& model) { model.rotateCanvas(2); }},
+     [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 2); }},
     {"Image", "flipHorizontal", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flip Canvas Horizontal"), 0,
-     call<&PaintModel::flipCanvasHorizontal>},
+     CanvasEdits::flipCanvasHorizontal},
     {"Image", "flipVertical", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flip Canvas Vertical"), 0,
-     call<&PaintModel::flipCanvasVertical>},
+     CanvasEdits::flipCanvasVertical},
     {"Image", nullptr},
-    {"Image", "flatten", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flatten Image"), 0,
-     call<&PaintModel::flatten>},
+    {"Image", "flatten", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flatten Image"), 0, LayerEdits::flatten},
 
     {"Layer", "newLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Layer"), Command | Shift | Qt::Key_N,
-     call<&PaintModel::addLayer>},
+     LayerEdits::addLayer},
     {"Layer", "duplicateLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Duplicate Layer"),
-     Command | Qt::Key_J, call<&PaintModel::duplicateLayer>},
+     Command | Qt::Key_J, LayerEdits::duplicateLayer},
     {"Layer", "deleteLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Delete Layer"), 0,
-     call<&PaintModel::deleteLayer>},
+     LayerEdits::deleteLayer},
     {"Layer", nullptr},
     {"Layer", "moveLayerUp", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Up"),
-     Command | Qt::Key_BracketRight, call<&PaintModel::moveLayerUp>},
+     Command | Qt::Key_BracketRight, LayerEdits::moveLayerUp},
     {"Layer", "moveLayerDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Down"),
-     Command | Qt::Key_BracketLeft, call<&PaintModel::moveLayerDown>},
+     Command | Qt::Key_BracketLeft, LayerEdits::moveLayerDown},
     {"Layer", "mergeDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Down"),
-     Command | Option | Qt::Key_E, call<&PaintModel::mergeDown>},
+     Command | Option | Qt::Key_E, LayerEdits::mergeDown},
     {"Layer", "mergeVisible", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Visible"),
-     Command | Shift | Qt::Key_E, call<&PaintModel::mergeVisible>},
+     Command | Shift | Qt::Key_E, LayerEdits::mergeVisible},
     {"Layer", nullptr},
     {"Layer", "clip", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clip to Layer Below"),
-     Command | Option | Qt::Key_G, call<&PaintModel::toggleClipping>},
+     Command | Option | Qt::Key_G, LayerEdits::toggleClipping},
     {"Layer", "lock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lock / Unlock Layer"), 0,
-     call<&PaintModel::toggleLock>},
+     LayerEdits::toggleLock},
     {"Layer", "alphaLock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Alpha Lock On / Off"), 0,
-     call<&PaintModel::toggleAlphaLock>},
+     LayerEdits::toggleAlphaLock},
     {"Layer", "showHide", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show / Hide Layer"), 0,
-     call<&PaintModel::toggleVisibility>},
+     LayerEdits::toggleVisibility},
     {"Layer", nullptr},
-    {"Layer", "onionSkin", nullptr, Command | Option | Qt::Key_K, call<&PaintModel::toggleOnion>, onionTitle},
+    {"Layer", "onionSkin", nullptr, Command | Option | Qt::Key_K, LayerEdits::toggleOnion, onionTitle},
 
     {"View", "zoomIn", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom In  (= key)"),
      Command | Option | Qt::Key_Equal, [](CanvasView& view) { view.zoomStep(true); }},

@@ -1,212 +1,145 @@
 #include "app/model/Clipboard.h"
 
-#include "app/desktop/Typing.h"
+#include "app/desktop/Desktop.h"
+#include "app/desktop/FileTypes.h"
+#include "app/files/DocSession.h"
+#include "app/files/PictureExchange.h"
+#include "app/model/CanvasPort.h"
 #include "app/model/Guarded.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PaintModel.h"
 #include "formats/ImageImport.h"
-#include "formats/pictures/PngWriter.h"
-#include "formats/pictures/TiffWriter.h"
+#include "operations/Floating.h"
+#include "operations/LayerOperations.h"
+#include "operations/Stamp.h"
 #include "platform/Bytes.h"
-#include "platform/FilePath.h"
-#include "platform/QtImages.h"
 #include "platform/ReadFile.h"
 
-#include <chrono>
+#include <algorithm>
 
-#include <QDeadlineTimer>
-#include <QImage>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTextEdit>
-#include <QUrl>
+#include <QFileInfo>
 
 namespace qirn {
 
 namespace {
 
-const QString kPng = QStringLiteral("image/png");
-const QString kTiff = QStringLiteral("image/tiff");
-
-/// Holds the pixels themselves, so that copying waits for no encoder and pasting here for no decoder.
-class CopiedPicture final : public QMimeData {
-public:
-    CopiedPicture(std::shared_ptr<const RGBABuffer> pixels, double dpi)
-        : pixels_(std::move(pixels)),
-          dpi_(dpi) {}
-
-    const std::shared_ptr<const RGBABuffer>& pixels() const { return pixels_; }
-    QStringList formats() const override { return {kPng, kTiff}; }
-    bool hasFormat(const QString& type) const override { return formats().contains(type); }
-
-protected:
-    QVariant retrieveData(const QString& type, QMetaType) const override {
-        QVariant data;
-        contained([&] {
-            if (type == kPng) {
-                if (png_.isEmpty()) png_ = ImageExport::pngData(image(), dpi_).value_or(QByteArray());
-                data = png_;
-            }
-            if (type == kTiff) {
-                if (tiff_.isEmpty()) tiff_ = tiffBytes(*pixels_, dpi_).value_or(QByteArray());
-                data = tiff_;
-            }
-        });
-        return data;
+bool hasAlpha(const RGBABuffer& buffer) {
+    const std::span<const uint8_t> bytes = buffer.bytes();
+    for (std::size_t i = 3; i < bytes.size(); i += 4) {
+        if (bytes[i] != 0) return true;
     }
-
-private:
-    QImage image() const {
-        return imageOver(pixels_->data(), static_cast<int>(pixels_->width()),
-                         static_cast<int>(pixels_->height()));
-    }
-
-    std::shared_ptr<const RGBABuffer> pixels_;
-    double dpi_;
-    mutable QByteArray png_; // made once: clipboard programs ask again and again
-    mutable QByteArray tiff_;
-};
-
-std::shared_ptr<const RGBABuffer> decoded(const QByteArray& bytes) {
-    if (bytes.isEmpty()) return nullptr;
-    try {
-        const auto picture = ImageImport::decode(bytesOf(bytes));
-        return picture ? picture->layer->toBuffer() : nullptr;
-    } catch (const DescribedError&) {
-        return nullptr; // a file without a picture of its layers
-    }
+    return false;
 }
-
-std::shared_ptr<const RGBABuffer> decodedFile(const QString& path) {
-    try {
-        return decoded(readFile(path));
-    } catch (const ReadError&) {
-        return nullptr;
-    }
-}
-
-bool isPictureType(const QString& type) {
-    return type.startsWith(QStringLiteral("image/"));
-}
-
-/// Asks another program for one form after the other. The toolkit waits a second or five for each, then says that it
-/// is empty, and says so again at once whenever it is asked; nothing more is asked of a program that keeps it waiting.
-class Asked {
-public:
-    explicit Asked(const QMimeData& offer)
-        : offer_(offer),
-          formats_(inTime([&] { return offer.formats(); })) {}
-
-    /// Something that was promised did not come.
-    bool isLate() const { return isLate_; }
-    bool offers(const QString& type) const { return formats_.contains(type); }
-
-    std::shared_ptr<const RGBABuffer> pngOrTiff() {
-        if (const auto* ours = dynamic_cast<const CopiedPicture*>(&offer_)) return ours->pixels();
-        for (const QString& type : {kPng, kTiff}) {
-            if (auto pixels = form(type)) return pixels;
-        }
-        return nullptr;
-    }
-
-    std::shared_ptr<const RGBABuffer> file() {
-        if (!offers(QStringLiteral("text/uri-list"))) return nullptr;
-        const auto path = inTime([this] { return Clipboard::firstFile(offer_).value_or(QString()); });
-        return path.isEmpty() ? nullptr : decodedFile(path);
-    }
-
-    /// Other programs offer BMP alone, or an image that the toolkit passes on.
-    std::shared_ptr<const RGBABuffer> otherForm() {
-        for (const QString& type : formats_) {
-            if (!isPictureType(type) || type == kPng || type == kTiff) continue;
-            if (auto pixels = form(type)) return pixels;
-        }
-        if (!offers(QStringLiteral("application/x-qt-image"))) return nullptr;
-        return RGBABuffer::fromImage(inTime([this] { return qvariant_cast<QImage>(offer_.imageData()); }));
-    }
-
-private:
-    std::shared_ptr<const RGBABuffer> form(const QString& type) {
-        if (!offers(type)) return nullptr;
-        const QByteArray bytes = inTime([&] { return offer_.data(type); });
-        isLate_ |= bytes.isEmpty();
-        return decoded(bytes);
-    }
-
-    /// What `ask` gets; nothing, without asking, once an empty answer took too long.
-    template <class Ask> auto inTime(Ask ask) -> decltype(ask()) {
-        if (gaveUp_) return {};
-        const QDeadlineTimer patience(std::chrono::milliseconds(500));
-        auto answer = ask();
-        gaveUp_ = patience.hasExpired() && answer == decltype(answer)();
-        isLate_ |= gaveUp_;
-        return answer;
-    }
-
-    const QMimeData& offer_;
-    bool gaveUp_ = false;
-    bool isLate_ = false;
-    const QStringList formats_;
-};
 
 } // namespace
 
-std::unique_ptr<QMimeData> Clipboard::copied(std::shared_ptr<const RGBABuffer> buffer, double dpi) {
-    return std::make_unique<CopiedPicture>(std::move(buffer), dpi);
+// --- Out
+
+void Clipboard::copy(Merged merged) {
+    if (PictureExchange::doneInTextField(PictureExchange::TextAction::copy)) return;
+    model_.canvas().endGesture();
+    copyPicture(merged);
 }
 
-std::optional<QString> Clipboard::firstFile(const QMimeData& offer) {
-    for (const QUrl& url : offer.urls()) {
-        if (!url.isLocalFile()) continue;
-        return pathFromBytes(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
+bool Clipboard::copyPicture(Merged merged) {
+    const DocSession* session = model_.current();
+    if (!session) return false;
+    const std::optional<PlacedPixels> pixels = copyPixels(session->doc(), merged);
+    if (!pixels || !hasAlpha(*pixels->buffer)) {
+        model_.messages().flash(tr("Nothing to copy"));
+        return false;
     }
-    return std::nullopt;
-}
-
-Clipboard::Taken Clipboard::picture(const QMimeData& offer) {
-    Asked asked(offer);
-    auto pixels = asked.pngOrTiff();
-    if (!pixels) pixels = asked.otherForm();
-    return {pixels, !pixels && asked.isLate()};
-}
-
-Clipboard::Taken Clipboard::pictureOrFile(const QMimeData& offer) {
-    Asked asked(offer);
-    auto pixels = asked.pngOrTiff();
-    if (!pixels) pixels = asked.file();
-    if (!pixels) pixels = asked.otherForm();
-    return {pixels, !pixels && asked.isLate()};
-}
-
-bool Clipboard::mayHoldPicture(const QMimeData& offer) {
-    const QStringList formats = offer.formats();
-    return firstFile(offer) || offer.hasImage() || std::any_of(formats.begin(), formats.end(), isPictureType);
-}
-
-namespace {
-
-/// The text fields differ in type only.
-template <class Field> bool doneIn(QWidget* widget, Clipboard::TextAction action) {
-    auto* field = qobject_cast<Field*>(widget);
-    if (!field || (field->isReadOnly() && action != Clipboard::TextAction::copy)) return false;
-    switch (action) {
-    case Clipboard::TextAction::copy:
-        field->copy();
-        break;
-    case Clipboard::TextAction::cut:
-        field->cut();
-        break;
-    case Clipboard::TextAction::paste:
-        field->paste();
-        break;
-    }
+    model_.desktop().setClipboard(PictureExchange::copied(pixels->buffer, session->doc().dpi));
+    lastCopyOrigin_ = pixels->rect;
+    model_.messages().flash(merged == Merged::yes ? tr("Copied the merged picture") : tr("Copied"));
     return true;
 }
 
-} // namespace
+void Clipboard::cut() {
+    if (PictureExchange::doneInTextField(PictureExchange::TextAction::cut)) return;
+    DocSession* session = model_.current();
+    if (!session) return;
+    model_.finishGesture(); // floating pixels would be in neither the copy nor the layer
+    const bool copied = copyPicture(Merged::no);
+    PaintDocument& doc = session->doc();
+    if (doc.activeLayer().isLocked) return model_.messages().flash(tr("The layer is locked"));
+    if (!copied) return;
+    qirn::clearLayer(doc, doc.activeLayer());
+    doc.commit(tr("Cut"));
+    model_.afterChange(*session);
+}
 
-bool Clipboard::doneInTextField(TextAction action) {
-    QWidget* field = Typing::field();
-    return doneIn<QLineEdit>(field, action) || doneIn<QPlainTextEdit>(field, action) ||
-           doneIn<QTextEdit>(field, action);
+// --- In
+
+void Clipboard::paste() {
+    if (PictureExchange::doneInTextField(PictureExchange::TextAction::paste)) return;
+    const PictureExchange::Taken taken = PictureExchange::pictureOrFile(model_.desktop().clipboard());
+    if (taken.isLate) return model_.messages().flash(tr("The other program did not answer in time"));
+    if (!taken.pixels) return model_.messages().flash(tr("There's no picture on the clipboard"));
+    pasteBuffer(*taken.pixels, tr("Pasted Layer"), placeOfCopy(*taken.pixels));
+}
+
+std::optional<QPoint> Clipboard::placeOfCopy(const RGBABuffer& buffer) const {
+    if (!lastCopyOrigin_ || !model_.current()) return std::nullopt;
+    const IRect& place = *lastCopyOrigin_;
+    const bool same = place.w == buffer.width() && place.h == buffer.height();
+    // On another, smaller picture the place can lie outside, where nothing would show.
+    const bool inside = !place.intersection(model_.current()->doc().grid().bounds()).isEmpty();
+    if (!same || !inside) return std::nullopt;
+    return QPoint(static_cast<int>(place.x), static_cast<int>(place.y));
+}
+
+void Clipboard::pasteBuffer(const RGBABuffer& buffer, const QString& name, std::optional<QPoint> topLeft) {
+    DocSession* session = model_.current();
+    if (!session) return;
+    model_.finishGesture();
+    PaintDocument& doc = session->doc();
+    const TileGrid& grid = doc.grid();
+    const int64_t x = topLeft ? topLeft->x() : (grid.width - buffer.width()) / 2;
+    const int64_t y = topLeft ? topLeft->y() : (grid.height - buffer.height()) / 2;
+    qirn::addLayer(doc, name);
+    stamp(doc, buffer, x, y, doc.activeLayer(), 1, UseSelection::no);
+    doc.commit(tr("Paste"));
+    model_.afterChange(*session);
+    model_.messages().flash(tr("Pasted as a new layer — use Move (V) to position it"));
+}
+
+void Clipboard::importImageAsLayer() {
+    model_.finishGesture();
+    for (const QString& path : model_.desktop().openFiles(FileTypes::import(), Desktop::Several::no))
+        importImage(path);
+}
+
+void Clipboard::importImage(const QString& path) {
+    std::optional<DecodedPicture> picture;
+    try {
+        picture = ImageImport::decode(bytesOf(readFile(path)));
+    } catch (const DescribedError&) {
+        // Told below, as whatever else is no picture.
+    }
+    if (!picture)
+        return model_.messages().alert(tr("Couldn't import"), tr("This picture could not be read."));
+    pasteBuffer(*picture->layer->toBuffer(), QFileInfo(path).completeBaseName(), std::nullopt);
+}
+
+bool Clipboard::drop(const QMimeData& offer) {
+    if (const auto path = PictureExchange::firstFile(offer)) {
+        // Later: the program that the drag came from waits for this call, and a box may come up.
+        const auto take = [this, path = *path] {
+            if (FileTypes::isNative(path))
+                model_.pictures().open(path);
+            else
+                importImage(path);
+        };
+        QMetaObject::invokeMethod(&model_, guarding(model_, take), Qt::QueuedConnection);
+        return true;
+    }
+    const PictureExchange::Taken taken = PictureExchange::picture(offer);
+    if (taken.isLate) model_.messages().flash(tr("The other program did not answer in time"));
+    if (!taken.pixels) return false;
+    pasteBuffer(*taken.pixels, tr("Dropped Picture"), std::nullopt);
+    return true;
 }
 
 } // namespace qirn

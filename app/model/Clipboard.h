@@ -1,43 +1,41 @@
 #pragma once
+#include "core/IRect.h"
 #include "core/RGBABuffer.h"
+#include "operations/Floating.h"
 
-#include <memory>
 #include <optional>
 
-#include <QMimeData>
+#include <QCoreApplication>
+#include <QPoint>
 #include <QString>
+
+class QMimeData;
 
 namespace qirn {
 
-/// What programs hand each other, on the clipboard or in a drag: which of it is a picture, and in which order the
-/// forms are tried.
-namespace Clipboard {
+class PaintModel;
 
-/// A copied picture as others see it: PNG and TIFF, made when somebody asks for them. The buffer is not written any
-/// more.
-std::unique_ptr<QMimeData> copied(std::shared_ptr<const RGBABuffer> buffer, double dpi);
+/// Pictures that go out and come in beside whole documents: the clipboard, drags and imported layers.
+class Clipboard {
+    Q_DECLARE_TR_FUNCTIONS(qirn::Clipboard)
+public:
+    explicit Clipboard(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
 
-/// The first file of this machine; nothing where none is offered.
-std::optional<QString> firstFile(const QMimeData& offer);
+    void copy(Merged merged); ///< Lifted pixels stay where they are and are not copied.
+    void cut();
+    void paste();
+    /// As a new layer, never cut by the selection; centred where no place of the top left pixel is given.
+    void pasteBuffer(const RGBABuffer& buffer, const QString& name, std::optional<QPoint> topLeft);
+    void importImageAsLayer();
+    void importImage(const QString& path);
+    bool drop(const QMimeData& offer); ///< False when nothing in it is of use; files are read after the call.
 
-struct Taken {
-    std::shared_ptr<const RGBABuffer> pixels; ///< Null when there is no picture that can be read.
-    bool isLate = false;                      ///< None, since the other program did not hand it over in time.
+private:
+    bool copyPicture(Merged merged);
+    std::optional<QPoint> placeOfCopy(const RGBABuffer& buffer) const;
+
+    PaintModel& model_;
+    std::optional<IRect> lastCopyOrigin_; // where the latest copy was taken, canvas pixels
 };
-
-/// The picture that the bytes of an offer hold: PNG, then TIFF, then any other form.
-Taken picture(const QMimeData& offer);
-
-/// As `picture`, with the first file read between TIFF and the other forms.
-Taken pictureOrFile(const QMimeData& offer);
-
-/// Whether a drag is worth taking: looks at what is offered without fetching it.
-bool mayHoldPicture(const QMimeData& offer);
-
-enum class TextAction { copy, cut, paste };
-/// Does the action in the text field that has the keyboard, if there is one that can take it.
-bool doneInTextField(TextAction action);
-
-} // namespace Clipboard
 
 } // namespace qirn

@@ -1,36 +1,48 @@
-// Choices, colours and messages; the other subjects of the model have files of their own.
 #include "app/model/PaintModel.h"
 
-#include "app/desktop/AppFolders.h"
 #include "app/desktop/Desktop.h"
+#include "app/desktop/Failures.h"
 #include "app/desktop/Store.h"
+#include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/Clipboard.h"
+#include "app/model/Colors.h"
 #include "app/model/Guarded.h"
-#include "formats/palettes/PaletteLibrary.h"
-
-#include <algorithm>
+#include "app/model/Messages.h"
+#include "app/model/OpacityPreview.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/Palettes.h"
+#include "app/model/PendingTransform.h"
+#include "app/model/Safety.h"
 
 namespace qirn {
+
+namespace {
+
+const QString kFillKey = QStringLiteral("qirn.pt.fill");
+const QString kToolKey = QStringLiteral("qirn.pt.tool");
+
+} // namespace
 
 PaintModel* PaintModel::shared = nullptr;
 
 PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Store& store)
     : desktop_(desktop),
       store_(store),
-      userBrushFile_(AppFolders::brushesFile()),
-      userPaletteFile_(AppFolders::palettesFile()),
-      paletteID_(PaletteLibrary::builtIn().front().id),
-      prefs_(PaintPrefs::load(store)) {
-    for (const ToolRow& row : kTools) {
-        if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
-    }
-    hudTimer_.setSingleShot(true);
-    connect(&hudTimer_, &QTimer::timeout, this, guarding(*this, [this] {
-        hud_.reset();
-        announce();
-    }));
+      prefs_(PaintPrefs::load(store)),
+      status_(std::make_unique<CanvasStatus>()),
+      messages_(std::make_unique<Messages>(*this)),
+      colors_(std::make_unique<Colors>(*this)),
+      brushes_(std::make_unique<Brushes>(*this)),
+      palettes_(std::make_unique<Palettes>(*this)),
+      pictures_(std::make_unique<OpenPictures>(*this)),
+      transform_(std::make_unique<PendingTransform>(*this)),
+      opacity_(std::make_unique<OpacityPreview>(*this)),
+      clipboard_(std::make_unique<Clipboard>(*this)),
+      safety_(std::make_unique<Safety>(*this)) {
     stateTimer_.setSingleShot(true);
     connect(&stateTimer_, &QTimer::timeout, this, guarding(*this, [this] { saveState(); }));
-    connect(&autosaveTimer_, &QTimer::timeout, this, guarding(*this, [this] { autosaveTick(); }));
     if (stores == LoadStores::yes) loadState();
 }
 
@@ -43,14 +55,11 @@ void PaintModel::setCanvas(CanvasPort* canvas) {
     if (current()) canvas_->showSession(*current());
 }
 
-DocSession* PaintModel::current() const {
-    const auto found = std::find_if(sessions_.begin(), sessions_.end(),
-                                    [&](const SessionRef& s) { return s->id == currentID_; });
-    if (found != sessions_.end()) return found->get();
-    return sessions_.empty() ? nullptr : sessions_.front().get();
-}
+// --- Choices
 
-// --- Tool and colours
+DocSession* PaintModel::current() const {
+    return pictures_->current();
+}
 
 void PaintModel::setTool(Tool tool) {
     if (tool == tool_) return;
@@ -60,77 +69,90 @@ void PaintModel::setTool(Tool tool) {
         canvas_->endStroke();
     tool_ = tool;
     canvas_->choicesChanged();
-    saveStateLater();
-    announce();
-}
-
-void PaintModel::setPrimary(const PaintColor& color) {
-    primary_ = PaintColor(color.r, color.g, color.b);
-    saveStateLater();
-    announce();
-}
-
-void PaintModel::pick(const PaintColor& color, AddRecent addRecent) {
-    setPrimary(color);
-    if (addRecent == AddRecent::yes) pushRecent(primary_);
-}
-
-void PaintModel::pushRecent(const PaintColor& color) {
-    std::vector<PaintColor> longer = withRecent(recent_, color);
-    if (longer == recent_) return;
-    recent_ = std::move(longer);
-    saveStateLater();
-    announce();
-}
-
-void PaintModel::swapColors() {
-    std::swap(primary_, secondary_);
-    saveStateLater();
-    announce();
-}
-
-void PaintModel::defaultColors() {
-    primary_ = PaintColor::black();
-    secondary_ = PaintColor::white();
-    saveStateLater();
-    announce();
+    choiceChanged();
 }
 
 void PaintModel::setOptions(const ToolOptions& options) {
     if (options == options_) return;
     options_ = options;
-    saveStateLater();
-    announce();
+    choiceChanged();
 }
 
 void PaintModel::setPrefs(const PaintPrefs& prefs) {
     if (prefs == prefs_) return;
     prefs_ = prefs;
     prefs_.save(store_);
-    applyPrefs();
-    announce();
-}
-
-void PaintModel::applyPrefs() {
-    for (const SessionRef& session : sessions_) session->doc().maxUndoSteps = prefs_.undoSteps;
+    for (const SessionRef& session : pictures_->sessions()) session->doc().maxUndoSteps = prefs_.undoSteps;
     canvas_->choicesChanged();
-}
-
-// --- Messages
-
-void PaintModel::flash(const QString& text) {
-    hud_ = text;
-    hudTimer_.start(messageTime);
     announce();
 }
 
-void PaintModel::alert(const QString& title, const QString& text) {
-    desktop_.ask(title, text, {tr("OK")}, 0);
+// --- Edits
+
+void PaintModel::edit(const QString& name, const std::function<void(PaintDocument&)>& body,
+                      NeedsUnlockedLayer needs) {
+    DocSession* session = current();
+    if (!session) return;
+    PaintDocument& doc = session->doc();
+    if (needs == NeedsUnlockedLayer::yes && doc.activeLayer().isLocked) {
+        return messages_->flash(tr("The layer \"%1\" is locked").arg(doc.activeLayer().name));
+    }
+    finishGesture();
+    body(doc);
+    doc.commit(name);
+    afterChange(*session);
+}
+
+void PaintModel::finishGesture() {
+    canvas_->endGesture();
+    opacity_->commit();
+    transform_->applyTransform();
+}
+
+void PaintModel::afterChange(DocSession& session) {
+    canvas_->refresh(CanvasPort::AllTiles::no);
+    session.announceChange();
+    announce();
+}
+
+void PaintModel::undo() {
+    DocSession* session = current();
+    if (!session) return;
+    if (transform_->isPending()) return transform_->cancelTransform();
+    finishGesture();
+    const std::optional<QString> name = session->doc().undoName();
+    if (!name) return desktop_.beep();
+    session->doc().undo();
+    afterChange(*session);
+    messages_->flash(tr("Undo %1").arg(*name));
+}
+
+void PaintModel::redo() {
+    DocSession* session = current();
+    canvas_->endGesture();
+    opacity_->commit();
+    const std::optional<QString> name = session ? session->doc().redoName() : std::nullopt;
+    if (!name) return desktop_.beep();
+    // A step put back under floating pixels would have them on the picture twice.
+    if (transform_->isPending()) return transform_->cancelTransform();
+    session->doc().redo();
+    afterChange(*session);
+    messages_->flash(tr("Redo %1").arg(*name));
+}
+
+bool PaintModel::canUndo() const {
+    const DocSession* session = current();
+    return session && (transform_->isPending() || opacity_->isPending() || session->doc().canUndo());
+}
+
+bool PaintModel::canRedo() const {
+    const DocSession* session = current();
+    return session && !opacity_->isPending() && session->doc().canRedo();
 }
 
 void PaintModel::takeBack(const QString& why) {
-    transform_.reset();
-    opacityPreview_.reset();
+    transform_->drop();
+    opacity_->drop();
     DocSession* const session = current();
     contained([&] {
         if (!session) return;
@@ -141,11 +163,37 @@ void PaintModel::takeBack(const QString& why) {
     });
     contained([&] { canvas_->dropUncommitted(); });
     if (session) session->announceChange();
-    flash(why);
+    messages_->flash(why);
 }
 
-bool PaintModel::confirm(const QString& title, const QString& text) {
-    return desktop_.ask(title, text, {tr("OK"), tr("Cancel")}, 1) == 0;
+// --- What is kept between runs, apart from pictures. Each value is read for itself, so that a bad one costs only itself.
+
+void PaintModel::loadState() {
+    brushes_->load(store_);
+    palettes_->load(store_);
+    colors_->load(store_);
+    if (const Json* record = store_.json(kFillKey)) {
+        try {
+            options_.fill = FillOptions::fromJson(*record);
+        } catch (const JsonTypeError&) {
+            // The built-in values stay.
+        }
+    }
+    if (const auto id = store_.text(kToolKey)) tool_ = toolWithId(*id).value_or(tool_);
+}
+
+void PaintModel::choiceChanged() {
+    if (!stateTimer_.isActive()) stateTimer_.start(0);
+    announce();
+}
+
+void PaintModel::saveState() {
+    stateTimer_.stop();
+    brushes_->save(store_);
+    palettes_->save(store_);
+    colors_->save(store_);
+    store_.set(kFillKey, options_.fill.toJson());
+    store_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
 }
 
 } // namespace qirn

@@ -4,6 +4,7 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/QtDesktop.h"
 #include "app/desktop/Store.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "shell/MainView.h"
 
@@ -70,7 +71,7 @@ int showFirstPaint(int argc, char** argv, const QString& window) {
     Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     MainView studio(model);
-    model.ensureDocument();
+    model.pictures().ensureDocument();
     studio.resize(kWindow);
     const EndAtFirstPaint ending(studio);
     studio.show();

@@ -6,6 +6,8 @@
 #include "app/canvas/CanvasView.h"
 #include "app/desktop/QtDesktop.h"
 #include "app/desktop/Store.h"
+#include "app/model/Brushes.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "brush/BrushLibrary.h"
 #include "kit/QirnKit.h"
@@ -109,7 +111,7 @@ int measureWindow(int argc, char** argv, const QString& recording) {
     Store store;
     PaintModel model(PaintModel::LoadStores::no, desktop, store);
     MainView studio(model);
-    model.newDocument(kWidth, kHeight, 72, PaintColor::white(), QStringLiteral("4K"));
+    model.pictures().newDocument(kWidth, kHeight, 72, PaintColor::white(), QStringLiteral("4K"));
     studio.resize(kWidth, kHeight);
     studio.show();
     pass(1);
@@ -122,7 +124,7 @@ int measureWindow(int argc, char** argv, const QString& recording) {
     Pen pen(studio.canvas());
     Repaints repaints;
     for (const char* name : {"Studio Pen", "Ink Brush", "Charcoal", "Soft Round"}) {
-        model.choose(*BrushLibrary::named(QLatin1String(name)));
+        model.brushes().choose(*BrushLibrary::named(QLatin1String(name)));
         std::vector<double> times, work;
         int painted = 0;
         for (const PenStroke& stroke : strokes) {
@@ -139,7 +141,7 @@ int measureWindow(int argc, char** argv, const QString& recording) {
             }
             pen.send(QEvent::TabletRelease, stroke.back());
         }
-        std::printf("%-12s %4.0f px, %.2f repaints a point;", name, model.activeBrush().size,
+        std::printf("%-12s %4.0f px, %.2f repaints a point;", name, model.brushes().activeBrush().size,
                     painted / static_cast<double>(times.size()));
         printTimes("time", times);
         printTimes("main thread's work", work);

@@ -1,12 +1,13 @@
 #include "shell/options/BrushPresetMenu.h"
 
-#include <QMenu>
-#include <QStyleOption>
-#include <QStylePainter>
-
+#include "app/model/Brushes.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
+
+#include <QMenu>
+#include <QStyleOption>
+#include <QStylePainter>
 
 namespace qirn {
 
@@ -20,7 +21,7 @@ BrushPresetMenu::BrushPresetMenu(PaintModel& model, QWidget* parent) : QPushButt
 }
 
 void BrushPresetMenu::refresh() {
-    const QString name = model_.activeBrush().name;
+    const QString name = model_.brushes().activeBrush().name;
     setText(name);
     setAccessibleName(tr("Brush preset") + u' ' + name);
 }
@@ -34,7 +35,7 @@ QSize BrushPresetMenu::sizeHint() const {
 void BrushPresetMenu::fill() {
     menu()->clear();
     QStringList categories;
-    const std::vector<BrushSettings> brushes = model_.brushesFor(model_.brushTool());
+    const std::vector<BrushSettings> brushes = model_.brushes().brushesFor(model_.brushes().brushTool());
     for (const BrushSettings& brush : brushes)
         if (!categories.contains(brush.category)) categories << brush.category;
     for (const QString& category : categories) {
@@ -44,13 +45,13 @@ void BrushPresetMenu::fill() {
             if (brush.category != category) continue;
             QAction* action = group->addAction(brush.name);
             action->setCheckable(true);
-            action->setChecked(brush.id == model_.activeBrush().id);
+            action->setChecked(brush.id == model_.brushes().activeBrush().id);
             if (action->isChecked() && group != menu()) {
                 group->menuAction()->setCheckable(true); // the mark tells where the brush is
                 group->menuAction()->setChecked(true);
             }
             connect(action, &QAction::triggered, this,
-                    guarding(model_, [this, brush] { model_.choose(brush); }));
+                    guarding(model_, [this, brush] { model_.brushes().choose(brush); }));
         }
     }
 }

@@ -1,11 +1,14 @@
 #include "shell/options/ToolOptionRows.h"
 
+#include "app/edits/CanvasEdits.h"
+#include "app/model/Brushes.h"
+#include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
+
 #include <cmath>
 #include <type_traits>
 
 #include <QCoreApplication>
-
-#include "app/model/PaintModel.h"
 
 namespace qirn::ToolOptionRows {
 
@@ -28,19 +31,19 @@ template <Tool kTool> bool is(const PaintModel& model) {
     return model.tool() == kTool;
 }
 bool canLift(const PaintModel& model) {
-    return model.tool() == Tool::move && !model.transform();
+    return model.tool() == Tool::move && !model.transform().isPending();
 }
 bool hasLifted(const PaintModel& model) {
-    return model.transform().has_value();
+    return model.transform().isPending();
 }
 
 template <double BrushSettings::*kField> double brushValue(const PaintModel& model) {
-    return model.activeBrush().*kField;
+    return model.brushes().activeBrush().*kField;
 }
 template <double BrushSettings::*kField> void setBrushValue(PaintModel& model, double value) {
-    BrushSettings brush = model.activeBrush();
+    BrushSettings brush = model.brushes().activeBrush();
     brush.*kField = value;
-    model.setActiveBrush(brush);
+    model.brushes().setActiveBrush(brush);
 }
 
 template <double BrushSettings::*kField>
@@ -77,19 +80,19 @@ template <auto kField, class Value> void setFill(PaintModel& model, Value value)
 }
 
 double transformScale(const PaintModel& model) {
-    return model.transform() ? model.transform()->scaleX : 1;
+    return model.transform().state() ? model.transform().state()->scaleX : 1;
 }
 void setTransformScale(PaintModel& model, double scale) {
-    model.updateTransform([=](TransformState& state) { state.scaleX = state.scaleY = scale; });
+    model.transform().updateTransform([=](TransformState& state) { state.scaleX = state.scaleY = scale; });
 }
 double transformAngle(const PaintModel& model) {
-    return model.transform() ? std::remainder(model.transform()->angle, 360) : 0;
+    return model.transform().state() ? std::remainder(model.transform().state()->angle, 360) : 0;
 }
 void setTransformAngle(PaintModel& model, double angle) {
-    model.updateTransform([=](TransformState& state) { state.angle = angle; });
+    model.transform().updateTransform([=](TransformState& state) { state.angle = angle; });
 }
 template <bool TransformState::*kFlip> void toggleFlip(PaintModel& model) {
-    model.updateTransform([](TransformState& state) { state.*kFlip = !(state.*kFlip); });
+    model.transform().updateTransform([](TransformState& state) { state.*kFlip = !(state.*kFlip); });
 }
 
 bool pickFromAll(const PaintModel& model) {
@@ -101,8 +104,8 @@ void setPickFromAll(PaintModel& model, bool on) {
     model.setPrefs(prefs);
 }
 
-template <void (PaintModel::*kCommand)()> void call(PaintModel& model) {
-    (model.*kCommand)();
+template <auto kSubject, auto kMethod> void call(PaintModel& model) {
+    ((model.*kSubject)().*kMethod)();
 }
 
 #define TEXT(text) QT_TRANSLATE_NOOP("qirn::ToolOptionsBar", text)
@@ -163,15 +166,17 @@ constexpr Row kRows[] = {
                              number<&ToolOptions::shapeLineWidth>,
                              setOption<&ToolOptions::shapeLineWidth>}},
     {is<Tool::shape>, Note{TEXT("Shift = square / circle / 45°")}},
-    {canLift, Button{TEXT("Transform"), call<&PaintModel::beginTransform>}},
+    {canLift, Button{TEXT("Transform"), call<&PaintModel::transform, &PendingTransform::beginTransform>}},
     {hasLifted,
      Slider{TEXT("Scale"), {0.01, 4, 0.01}, Show::percent, nullptr, transformScale, setTransformScale}},
     {hasLifted,
      Slider{TEXT("Rotate"), {-180, 180, 1}, Show::degrees, nullptr, transformAngle, setTransformAngle}},
     {hasLifted, Button{TEXT("Flip ↔"), toggleFlip<&TransformState::flipH>}},
     {hasLifted, Button{TEXT("Flip ↕"), toggleFlip<&TransformState::flipV>}},
-    {hasLifted, Button{TEXT("Apply (Return)"), call<&PaintModel::applyTransform>}},
-    {hasLifted, Button{TEXT("Cancel (Esc)"), call<&PaintModel::cancelTransform>}},
+    {hasLifted,
+     Button{TEXT("Apply (Return)"), call<&PaintModel::transform, &PendingTransform::applyTransform>}},
+    {hasLifted,
+     Button{TEXT("Cancel (Esc)"), call<&PaintModel::transform, &PendingTransform::cancelTransform>}},
     {hasLifted, Note{TEXT("Drag on the canvas to move the selection (or the whole layer)")}},
     {is<Tool::text>,
      Note{TEXT("Click on the canvas where the text should go. Each text becomes its own layer.")}},
@@ -184,9 +189,9 @@ constexpr Row kRows[] = {
                             setOption<&ToolOptions::selectionMode>}},
     {isSelectTool, Toggle{TEXT("Smooth edges"), nullptr, option<&ToolOptions::selectionAntialias>,
                           setOption<&ToolOptions::selectionAntialias>}},
-    {isSelectTool, Button{TEXT("All"), call<&PaintModel::selectAll>}},
-    {isSelectTool, Button{TEXT("None"), call<&PaintModel::deselect>}},
-    {isSelectTool, Button{TEXT("Invert"), call<&PaintModel::invertSelection>}},
+    {isSelectTool, Button{TEXT("All"), CanvasEdits::selectAll}},
+    {isSelectTool, Button{TEXT("None"), CanvasEdits::deselect}},
+    {isSelectTool, Button{TEXT("Invert"), CanvasEdits::invertSelection}},
 };
 
 #undef TEXT

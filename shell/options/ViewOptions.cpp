@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "app/canvas/CanvasView.h"
+#include "app/model/CanvasStatus.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"

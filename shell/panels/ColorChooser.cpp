@@ -1,14 +1,15 @@
 #include "shell/panels/ColorChooser.h"
 
+#include "app/model/Colors.h"
+#include "app/model/PaintModel.h"
+#include "kit/QirnKit.h"
+#include "shell/panels/ColorPlane.h"
+
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
-
-#include "app/model/PaintModel.h"
-#include "kit/QirnKit.h"
-#include "shell/panels/ColorPlane.h"
 
 namespace qirn {
 
@@ -38,7 +39,8 @@ ColorChooser::ColorChooser(PaintModel& model, QWidget* parent)
 
     connect(plane_, &ColorPlane::changed, this, &ColorChooser::push);
     connect(hex_, &QLineEdit::returnPressed, this, &ColorChooser::takeHex);
-    connect(hex_, &QLineEdit::editingFinished, this, [this] { hex_->setText(model_.primary().hex()); });
+    connect(hex_, &QLineEdit::editingFinished, this,
+            [this] { hex_->setText(model_.colors().primary().hex()); });
     connect(&model, &PaintModel::changed, this, &ColorChooser::refresh);
     refresh();
 }
@@ -47,23 +49,23 @@ void ColorChooser::push() {
     const HueColor& color = plane_->color();
     const PaintColor chosen = PaintColor::fromHSV(color.h, color.s, color.v);
     lastSet_ = chosen.hex();
-    model_.setPrimary(chosen);
+    model_.colors().setPrimary(chosen);
 }
 
 void ColorChooser::takeHex() {
     const auto typed = PaintColor::fromHex(hex_->text());
     if (!typed) return QApplication::beep();
     lastSet_.clear();
-    model_.pick(*typed, PaintModel::AddRecent::yes);
+    model_.colors().pick(*typed, Colors::AddRecent::yes);
 }
 
 void ColorChooser::refresh() {
-    const QString hex = model_.primary().hex();
+    const QString hex = model_.colors().primary().hex();
     if (!hex_->hasFocus() || hex != lastSet_) hex_->setText(hex);
     if (hex == lastSet_) return;
     lastSet_ = hex;
     // A grey has no hue and black no saturation: the plane keeps the ones it had.
-    const PaintColor::HSB read = model_.primary().hsb();
+    const PaintColor::HSB read = model_.colors().primary().hsb();
     HueColor shown = plane_->color();
     shown.v = read.b;
     if (read.b > 0) shown.s = read.s;

@@ -1,5 +1,17 @@
 #include "shell/panels/LayersPanel.h"
 
+#include "app/desktop/HostWords.h"
+#include "app/edits/LayerEdits.h"
+#include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
+#include "app/model/OpacityPreview.h"
+#include "app/model/PaintModel.h"
+#include "kit/ChromeFont.h"
+#include "kit/QirnKit.h"
+#include "kit/controls/ChromeSlider.h"
+#include "kit/controls/IconButton.h"
+#include "shell/panels/LayerRowDelegate.h"
+
 #include <cmath>
 
 #include <QComboBox>
@@ -9,16 +21,6 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-
-#include "app/desktop/HostWords.h"
-#include "app/files/DocSession.h"
-#include "app/model/Guarded.h"
-#include "app/model/PaintModel.h"
-#include "kit/ChromeFont.h"
-#include "kit/QirnKit.h"
-#include "kit/controls/ChromeSlider.h"
-#include "kit/controls/IconButton.h"
-#include "shell/panels/LayerRowDelegate.h"
 
 namespace qirn {
 
@@ -67,21 +69,23 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
         column->setSpacing(m.gap);
     });
 
-    connect(add, &IconButton::clicked, this, guarding(model_, [this] { model_.addLayer(); }));
-    connect(delete_, &IconButton::clicked, this, guarding(model_, [this] { model_.deleteLayer(); }));
+    connect(add, &IconButton::clicked, this, guarding(model_, [this] { LayerEdits::addLayer(model_); }));
+    connect(delete_, &IconButton::clicked, this,
+            guarding(model_, [this] { LayerEdits::deleteLayer(model_); }));
     connect(blend_, &QComboBox::activated, this, guarding(model_, [this](int mode) {
                 if (const DocSession* session = model_.current())
-                    model_.setLayer(session->doc().activeIndex(), tr("Blend Mode"),
-                                    [mode](Layer& layer) { layer.blendMode = static_cast<BlendMode>(mode); });
+                    LayerEdits::setLayer(
+                        model_, session->doc().activeIndex(), tr("Blend Mode"),
+                        [mode](Layer& layer) { layer.blendMode = static_cast<BlendMode>(mode); });
             }));
     connect(opacity_, &ChromeSlider::valueChanged, this, guarding(model_, [this](double opacity) {
                 if (const DocSession* session = model_.current())
-                    model_.previewOpacity(session->doc().activeIndex(), opacity);
+                    model_.opacity().show(session->doc().activeIndex(), opacity);
             }));
     connect(opacity_, &ChromeSlider::editingFinished, this,
-            guarding(model_, [this] { model_.commitOpacity(); }));
+            guarding(model_, [this] { model_.opacity().commit(); }));
     connect(list_, &QListWidget::currentRowChanged, this, guarding(model_, [this](int row) {
-                if (row >= 0) model_.setActiveLayer(layerOfRow(row));
+                if (row >= 0) LayerEdits::setActiveLayer(model_, layerOfRow(row));
             }));
     connect(list_, &QListWidget::itemChanged, this,
             guarding(model_, [this](const QListWidgetItem* item) { rowChanged(*item); }));
@@ -95,8 +99,8 @@ int64_t LayersPanel::layerOfRow(int row) const {
 
 void LayersPanel::rowChanged(const QListWidgetItem& item) {
     const bool shown = item.checkState() == Qt::Checked;
-    model_.setLayer(layerOfRow(list_->row(&item)), tr("Visibility"),
-                    [shown](Layer& layer) { layer.isVisible = shown; });
+    LayerEdits::setLayer(model_, layerOfRow(list_->row(&item)), tr("Visibility"),
+                         [shown](Layer& layer) { layer.isVisible = shown; });
 }
 
 void LayersPanel::refresh() {

@@ -3,7 +3,9 @@
 #include "app/desktop/Store.h"
 #include "app/desktop/Typing.h"
 #include "app/files/DocSession.h"
+#include "app/model/Colors.h"
 #include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromeSegments.h"
@@ -154,7 +156,7 @@ PaintColor ExportSheet::background() const {
     case 1:
         return PaintColor::black();
     case 2:
-        return model_.secondary();
+        return model_.colors().secondary();
     default:
         return PaintColor::white();
     }
@@ -171,7 +173,7 @@ void ExportSheet::exportPicture() {
     QTimer::singleShot(
         0, &model_,
         guarding(model_, [&model = model_, format = format(), quality = quality_->value(),
-                          color = background()] { model.exportPicture(format, quality, color); }));
+                          color = background()] { model.pictures().exportPicture(format, quality, color); }));
     accept();
 }
 

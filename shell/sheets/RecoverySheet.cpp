@@ -1,7 +1,11 @@
 #include "shell/sheets/RecoverySheet.h"
 
+#include "app/desktop/Failures.h"
+#include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "platform/CheckedMath.h"
@@ -27,7 +31,7 @@ QSize previewSize() {
 
 std::vector<Recovery::Item> pendingFor(const PaintModel& model) {
     std::set<QUuid> open;
-    for (const SessionRef& session : model.sessions()) open.insert(session->id);
+    for (const SessionRef& session : model.pictures().sessions()) open.insert(session->id);
     return Recovery::pending(open);
 }
 
@@ -123,10 +127,10 @@ void RecoverySheet::refreshButtons() {
 
 bool RecoverySheet::restore(const Recovery::Item& item) {
     try {
-        model_.addRecovered(Recovery::restore(item));
+        model_.pictures().addRecovered(Recovery::restore(item));
         return true;
     } catch (const std::exception& error) {
-        model_.alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));
+        model_.messages().alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));
         return false;
     }
 }
@@ -149,7 +153,8 @@ void RecoverySheet::moveToTrash(int row) {
     try {
         Recovery::moveToTrash(item);
     } catch (const DescribedError& error) {
-        return model_.alert(tr("Couldn't move %1 to the Trash").arg(item.info.name), error.description());
+        return model_.messages().alert(tr("Couldn't move %1 to the Trash").arg(item.info.name),
+                                       error.description());
     }
     reload();
 }

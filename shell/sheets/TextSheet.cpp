@@ -1,7 +1,10 @@
 #include "shell/sheets/TextSheet.h"
 
+#include "app/desktop/Failures.h"
 #include "app/desktop/Store.h"
 #include "app/desktop/Typing.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/model/Colors.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "app/text/TextRenderer.h"
@@ -109,9 +112,9 @@ TextSpec TextSheet::spec() const {
     spec.bold = bold_->isChecked();
     spec.italic = italic_->isChecked();
     spec.alignment = alignment_->currentIndex();
-    spec.color = model_.primary();
+    spec.color = model_.colors().primary();
     spec.outline = outline_->isChecked();
-    spec.outlineColor = model_.secondary();
+    spec.outlineColor = model_.colors().secondary();
     spec.outlineWidth = outlineWidth_->value();
     return spec;
 }
@@ -172,7 +175,7 @@ void TextSheet::showPreview() {
 
 void TextSheet::placeText() {
     saveLook();
-    model_.placeText(spec(), at_);
+    CanvasEdits::placeText(model_, spec(), at_);
     accept();
 }
 

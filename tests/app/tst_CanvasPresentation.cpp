@@ -1,3 +1,6 @@
+#include "app/edits/LayerEdits.h"
+#include "app/model/Brushes.h"
+#include "app/model/OpenPictures.h"
 #include "compositing/CompositeInputs.h"
 #include "core/SeededRandom.h"
 #include "support/Strokes.h"
@@ -117,13 +120,13 @@ private Q_SLOTS:
         const auto shown = [&] { return studio.canvas.grab().toImage(); };
         const QImage blank = shown();
         studio.fill({50, 50, 50, 50});
-        studio.model.addLayer();
+        LayerEdits::addLayer(studio.model);
         studio.fill({200, 50, 50, 50});
         studio.doc().onion.enabled = true; // ghosts follow the active layer
         studio.canvas.refresh(CanvasView::AllTiles::yes);
         const QImage second = shown();
         QVERIFY(second != blank);
-        studio.model.setActiveLayer(1);
+        LayerEdits::setActiveLayer(studio.model, 1);
         const QImage first = shown();
         QVERIFY(first != second);
         studio.canvas.refresh(CanvasView::AllTiles::yes);
@@ -178,14 +181,14 @@ private Q_SLOTS:
 
     void aHugeBlankCanvasHoldsNoTileImages() {
         Studio studio;
-        studio.model.newDocument(30000, 30000, 72, std::nullopt, "Huge");
+        studio.model.pictures().newDocument(30000, 30000, 72, std::nullopt, "Huge");
         studio.canvas.fit();
         studio.canvas.grab();
         QCOMPARE(studio.canvas.presentation().tileImageBytes(), int64_t{0});
         std::vector<int64_t> all(static_cast<std::size_t>(studio.doc().grid().count()));
         std::iota(all.begin(), all.end(), 0);
         QVERIFY(displayImages(studio.doc(), all).empty());
-        studio.model.setActiveBrush(plainBrush(300));
+        studio.model.brushes().setActiveBrush(plainBrush(300));
         studio.penStroke({{15000, 15000}});
         studio.canvas.grab();
         QVERIFY(studio.canvas.presentation().tileImageBytes() <= 9 * kTileBytes);

@@ -1,4 +1,11 @@
 #include "app/canvas/FloatingImage.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/edits/LayerEdits.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PendingTransform.h"
+#include "app/model/Safety.h"
 #include "app/text/TextSpec.h"
 #include "shell/sheets/TextSheet.h"
 #include "support/Studio.h"
@@ -43,13 +50,13 @@ private Q_SLOTS:
             const ViewState view = studio.session().view;
             studio.mouseDrag({30, 30}, {90, 70});
             QCoreApplication::processEvents();
-            const QString does = studio.doc().undoDepth() > 1                    ? *studio.doc().undoName()
-                                 : studio.model.primary() == PaintColor(1, 0, 0) ? "picks"
-                                 : studio.model.transform()                      ? "lifts"
-                                 : texts.count() == 1                            ? "asks"
-                                 : studio.session().view.zoom != view.zoom       ? "zooms"
-                                 : studio.session().view.pan != view.pan         ? "pans"
-                                                                                 : "nothing";
+            const QString does = studio.doc().undoDepth() > 1 ? *studio.doc().undoName()
+                                 : studio.model.colors().primary() == PaintColor(1, 0, 0) ? "picks"
+                                 : studio.model.transform().state()                       ? "lifts"
+                                 : texts.count() == 1                                     ? "asks"
+                                 : studio.session().view.zoom != view.zoom                ? "zooms"
+                                 : studio.session().view.pan != view.pan                  ? "pans"
+                                                                                          : "nothing";
             QCOMPARE(does, done[static_cast<std::size_t>(row.tool)]);
         }
     }
@@ -57,21 +64,21 @@ private Q_SLOTS:
     void theBucketFillsAndRemembersTheColour() {
         SquareStudio studio;
         studio.model.setTool(Tool::bucket);
-        studio.model.setPrimary(PaintColor(0, 0, 1));
+        studio.model.colors().setPrimary(PaintColor(0, 0, 1));
         studio.mouseDrag({110.9, 90.2}, {110.9, 90.2});
         QCOMPARE(studio.layer().pixel(139, 109), (PixelBytes{0, 0, 255, 255}));
         QCOMPARE(studio.layer().pixel(140, 100), (PixelBytes{0, 0, 255, 255})); // grown by a pixel
         QCOMPARE(studio.layer().pixel(142, 100)[3], uint8_t{0});
         QCOMPARE(studio.doc().undoName(), "Bucket Fill");
-        QCOMPARE(studio.model.recent().front(), PaintColor(0, 0, 1));
+        QCOMPARE(studio.model.colors().recent().front(), PaintColor(0, 0, 1));
         studio.mouseDrag({-5, 20}, {-5, 20});
-        QCOMPARE(studio.model.hud(), "Click inside the picture to fill");
-        studio.model.toggleLock(); // which every tool heeds
+        QCOMPARE(studio.model.messages().hud(), "Click inside the picture to fill");
+        LayerEdits::toggleLock(studio.model); // which every tool heeds
         for (const Tool tool : {Tool::bucket, Tool::gradient, Tool::shape, Tool::move}) {
-            studio.model.flash(QString());
+            studio.model.messages().flash(QString());
             studio.model.setTool(tool);
             studio.mouseDrag({110, 90}, {200, 150});
-            QCOMPARE(studio.model.hud(), "The layer is locked");
+            QCOMPARE(studio.model.messages().hud(), "The layer is locked");
         }
         QCOMPARE(studio.lastStep(), "3 Lock");
     }
@@ -79,7 +86,7 @@ private Q_SLOTS:
     void aGradientRunsFromPressToRelease() {
         Studio studio;
         studio.model.setTool(Tool::gradient);
-        studio.model.setPrimary(PaintColor::black());
+        studio.model.colors().setPrimary(PaintColor::black());
         studio.mouseDrag({100, 50}, {300, 50});
         QCOMPARE(studio.layer().pixel(50, 10), (PixelBytes{0, 0, 0, 255}));
         QCOMPARE(studio.layer().pixel(350, 290), (PixelBytes{255, 255, 255, 255}));
@@ -111,9 +118,9 @@ private Q_SLOTS:
             studio.set(&ToolOptions::shapeKind, kind);
             studio.set(&ToolOptions::shapeFill, fill);
             studio.set(&ToolOptions::shapeOutline, outline);
-            studio.model.setPrimary(PaintColor(0, 0, 1));
-            studio.model.swapColors();
-            studio.model.setPrimary(PaintColor(1, 0, 0));
+            studio.model.colors().setPrimary(PaintColor(0, 0, 1));
+            studio.model.colors().swapColors();
+            studio.model.colors().setPrimary(PaintColor(1, 0, 0));
             studio.mouseDrag({50, 50}, {250, 150});
             const auto colourAt = [&](int64_t x, int64_t y) {
                 const PixelBytes p = studio.layer().pixel(x, y);
@@ -122,7 +129,7 @@ private Q_SLOTS:
             QCOMPARE(colourAt(150, 100), inside);
             QCOMPARE(colourAt(51, 51), edge);
             QCOMPARE(studio.doc().undoName().value_or(QString()), undo);
-            if (!*undo) QCOMPARE(studio.model.hud(), "Turn on Fill or Outline for shapes");
+            if (!*undo) QCOMPARE(studio.model.messages().hud(), "Turn on Fill or Outline for shapes");
         }
     }
 
@@ -168,8 +175,8 @@ private Q_SLOTS:
             for (int i = 0; i < 12; ++i) {
                 studio.mouseDrag(hand, hand + way);
                 hand += way;
-                QVERIFY(studio.model.transform());
-                const QPointF corner = studio.model.transform()->corners()[0];
+                QVERIFY(studio.model.transform().state());
+                const QPointF corner = studio.model.transform().state()->corners()[0];
                 QCOMPARE(studio.layer().pixel(static_cast<int64_t>(corner.x()) + 20,
                                               static_cast<int64_t>(corner.y()) + 10)[3],
                          uint8_t{0}); // they float
@@ -178,7 +185,7 @@ private Q_SLOTS:
                                          .toRect();
                 const QImage floating = studio.canvas.grab(inside).toImage();
                 studio.key(Qt::Key_Return);
-                QVERIFY(!studio.model.transform());
+                QVERIFY(!studio.model.transform().state());
                 QCOMPARE(studio.doc().selection->bounds().rectF().topLeft(), corner);
                 if (zoom == 1)
                     QCOMPARE(studio.canvas.grab(inside).toImage(), floating); // shown where it lands
@@ -197,33 +204,33 @@ private Q_SLOTS:
     void aTransformIsOneUndoStepHoweverItEnds() {
         void (*const ends[])(Studio&) = {
             [](Studio& s) { s.key(Qt::Key_Return); },
-            [](Studio& s) { s.model.applyTransform(); },
+            [](Studio& s) { s.model.transform().applyTransform(); },
             [](Studio& s) { s.model.setTool(Tool::brush); },
-            [](Studio& s) { s.model.setActiveLayer(0); },
+            [](Studio& s) { LayerEdits::setActiveLayer(s.model, 0); },
             [](Studio& s) {
-                s.model.addLayer(); // a step of its own
+                LayerEdits::addLayer(s.model); // a step of its own
                 QCOMPARE(s.doc().undoName(), "New Layer");
                 s.model.undo();
             },
             [](Studio& s) {
                 s.desktop.savePaths = {s.path("moved.qirnpaint")};
-                QVERIFY(s.model.save(nullptr, PaintModel::SaveAs::no));
+                QVERIFY(s.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
             },
             [](Studio& s) {
                 s.desktop.savePaths = {s.path("out.png")};
-                s.model.exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+                s.model.pictures().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
                 QCOMPARE(QImage(s.path("out.png")).pixelColor(155, 115), QColor(Qt::red));
             }};
         for (const auto& end : ends) {
             SquareStudio studio;
-            studio.model.toggleAlphaLock(); // which the move neither heeds nor takes away
+            LayerEdits::toggleAlphaLock(studio.model); // which the move neither heeds nor takes away
             studio.model.setTool(Tool::move);
             studio.mouseDrag({110, 90}, {160, 120});
             QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-            studio.model.autosaveTick();
-            QVERIFY(!studio.model.lastAutosaveText()); // no copy of floating pixels
+            studio.model.safety().autosaveTick();
+            QVERIFY(!studio.model.safety().lastAutosaveText()); // no copy of floating pixels
             end(studio);
-            QVERIFY(!studio.model.transform());
+            QVERIFY(!studio.model.transform().state());
             QCOMPARE(studio.doc().layer(1).contentBounds(), std::optional(IRect{150, 110, 40, 30}));
             QVERIFY(studio.doc().layer(1).alphaLocked);
             QCOMPARE(studio.lastStep(), "3 Transform");
@@ -237,13 +244,13 @@ private Q_SLOTS:
             studio.model.setTool(Tool::move);
             studio.mouseEvent(QEvent::MouseButtonPress, {110, 90});
             studio.mouseEvent(QEvent::MouseMove, to); // not let go yet
-            return studio.model.transform().has_value();
+            return studio.model.transform().state().has_value();
         };
         QVERIFY(floats({160, 120}));
         studio.model.redo(); // nothing to redo: they stay where they are
-        QVERIFY(studio.desktop.beeps == 1 && studio.model.transform());
-        studio.model.cancelTransform();
-        studio.model.selectAll();
+        QVERIFY(studio.desktop.beeps == 1 && studio.model.transform().state());
+        studio.model.transform().cancelTransform();
+        CanvasEdits::selectAll(studio.model);
         studio.model.undo();
         void (*const ways[])(Studio&) = {[](Studio& s) { s.key(Qt::Key_Escape); },
                                          [](Studio& s) { s.model.undo(); },
@@ -252,7 +259,7 @@ private Q_SLOTS:
             QVERIFY(floats({160, 120}) && studio.doc().fingerprint() != print);
             way(studio);
             studio.mouseEvent(QEvent::MouseMove, {200, 150}); // of a drag that is no more
-            QVERIFY(!studio.model.transform());
+            QVERIFY(!studio.model.transform().state());
             QCOMPARE(studio.doc().fingerprint(), print);
             QVERIFY(studio.doc().undoDepth() == 1 && studio.doc().canRedo());
         }
@@ -260,32 +267,34 @@ private Q_SLOTS:
 
     void handlesScaleAndTurn() {
         SquareStudio studio;
-        studio.model.beginTransform();
+        studio.model.transform().beginTransform();
         QCOMPARE(studio.model.tool(), Tool::move);
-        QCOMPARE(studio.model.transform()->center, QPointF(120, 95));
+        QCOMPARE(studio.model.transform().state()->center, QPointF(120, 95));
         // The corner at 140, 110: to double the distance keeps the proportions, with Shift each axis for itself.
         studio.mouseDrag({140, 110}, {160, 125});
-        QVERIFY(studio.model.transform()->scaleX == 2 && studio.model.transform()->scaleY == 2);
+        QVERIFY(studio.model.transform().state()->scaleX == 2 &&
+                studio.model.transform().state()->scaleY == 2);
         studio.mouseDrag({160, 125}, {140, 125}, Qt::ShiftModifier);
-        QVERIFY(studio.model.transform()->scaleX == 1 && studio.model.transform()->scaleY == 2);
+        QVERIFY(studio.model.transform().state()->scaleX == 1 &&
+                studio.model.transform().state()->scaleY == 2);
         // The rotate handle stands 28 points above the top edge, at y 65.
         studio.mouseDrag({120, 37}, {170, 90}, Qt::ShiftModifier);
-        QCOMPARE(studio.model.transform()->angle, 90.0);
-        studio.model.updateTransform([](TransformState& state) { state.scaleY = 1; });
-        studio.model.applyTransform();
+        QCOMPARE(studio.model.transform().state()->angle, 90.0);
+        studio.model.transform().updateTransform([](TransformState& state) { state.scaleY = 1; });
+        studio.model.transform().applyTransform();
         QCOMPARE(*studio.layer().contentBounds(), (IRect{105, 75, 30, 40}));
     }
 
     void handlesAndAntsAreDrawnWhereTheyAct() {
         SquareStudio studio;
-        studio.model.beginTransform();
+        studio.model.transform().beginTransform();
         for (const double zoom : {1.0, 2.0}) {
             studio.canvas.setZoom(zoom);
             const QPointF handle = studio.widgetPoint({120, 80}) - QPointF(0, 28);
             const QColor drawn = studio.canvas.grab().toImage().pixelColor(handle.toPoint());
             QVERIFY2(drawn.red() > 180 && drawn.green() < 80, qPrintable(drawn.name()));
         }
-        studio.model.cancelTransform();
+        studio.model.transform().cancelTransform();
         studio.canvas.setZoom(1);
         studio.model.setTool(Tool::selectRect);
         studio.mouseDrag({100, 100}, {300, 200});
@@ -305,9 +314,10 @@ private Q_SLOTS:
     void arrowsNudgeAndNothingToMoveIsTold() {
         Studio studio;
         const auto refused = [&] {
-            studio.model.flash({});
-            studio.model.beginTransform();
-            return !studio.model.transform() && studio.model.hud() == "Nothing to move on this layer";
+            studio.model.messages().flash({});
+            studio.model.transform().beginTransform();
+            return !studio.model.transform().state() &&
+                   studio.model.messages().hud() == "Nothing to move on this layer";
         };
         QVERIFY(refused());
         studio.fill(kSquare);
@@ -318,7 +328,7 @@ private Q_SLOTS:
         QCOMPARE(*studio.layer().contentBounds(), (IRect{99, 90, 40, 30}));
         studio.model.setTool(Tool::brush);
         studio.key(Qt::Key_Left);
-        QVERIFY(!studio.model.transform());
+        QVERIFY(!studio.model.transform().state());
         studio.select({0, 0, 20, 20});
         QVERIFY(refused() && studio.doc().selection);
         QCOMPARE(studio.lastStep(), "3 Select");
@@ -361,8 +371,8 @@ private Q_SLOTS:
 
     void theTextSheetPlacesWhatItsControlsSay() {
         Studio studio;
-        studio.model.swapColors();
-        studio.model.selectAll();
+        studio.model.colors().swapColors();
+        CanvasEdits::selectAll(studio.model);
         const auto selection = studio.doc().selection;
         TextSpec spec;
         spec.text = "Ab\nAbc";
@@ -371,9 +381,9 @@ private Q_SLOTS:
         spec.bold = false;
         spec.italic = true;
         spec.alignment = 2;
-        spec.color = studio.model.primary();
+        spec.color = studio.model.colors().primary();
         spec.outline = true;
-        spec.outlineColor = studio.model.secondary();
+        spec.outlineColor = studio.model.colors().secondary();
         spec.outlineWidth = 3;
         TextSheet sheet(studio.model, {50, 40}, nullptr);
         showActive(sheet);
@@ -403,16 +413,16 @@ private Q_SLOTS:
         QCOMPARE(studio.doc().selection, selection);
         const auto placed = studio.layer().toBuffer();
         studio.model.undo();
-        studio.model.placeText(spec, {50, 40});
+        CanvasEdits::placeText(studio.model, spec, {50, 40});
         const IRect bounds = *studio.layer().contentBounds();
         QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
                  qPrintable(bounds.description()));
         QCOMPARE(firstDifference(*placed, *studio.layer().toBuffer()), QString());
         spec.text = " \n\t ";
-        studio.model.placeText(spec, {50, 40});
-        QCOMPARE(studio.model.hud(), "Type some text first");
+        CanvasEdits::placeText(studio.model, spec, {50, 40});
+        QCOMPARE(studio.model.messages().hud(), "Type some text first");
         spec.text = "More than twenty-four letters in words";
-        studio.model.placeText(spec, {50, 40});
+        CanvasEdits::placeText(studio.model, spec, {50, 40});
         QCOMPARE(studio.layer().name, "Text: More than twenty-four le");
         QCOMPARE(studio.doc().layerCount(), int64_t{4});
     }

@@ -1,3 +1,11 @@
+#include "app/edits/CanvasEdits.h"
+#include "app/edits/LayerEdits.h"
+#include "app/model/Brushes.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/Clipboard.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "support/Strokes.h"
@@ -51,8 +59,8 @@ private Q_SLOTS:
         for (const auto& [zoom, rotation, flip] :
              {std::tuple{1.0, 0.0, false}, {1.7, 37.0, true}, {0.1, -90.0, false}, {32.0, 12.0, true}}) {
             Studio studio;
-            studio.model.setActiveBrush(dot(20));
-            studio.model.setPrimary(PaintColor(1, 0, 0));
+            studio.model.brushes().setActiveBrush(dot(20));
+            studio.model.colors().setPrimary(PaintColor(1, 0, 0));
             studio.canvas.setZoom(zoom);
             studio.canvas.setRotation(rotation);
             if (flip) studio.canvas.toggleFlipView();
@@ -84,17 +92,18 @@ private Q_SLOTS:
             point.pressure = std::max(std::round(64 * point.pressure), 1.0) / 64;
         for (const char* brush : {"Studio Pen", "Charcoal", "Spray Can", "Smudge"}) {
             Studio studio;
-            studio.model.newDocument(600, 400, 72, PaintColor::white(), "Hand");
+            studio.model.pictures().newDocument(600, 400, 72, PaintColor::white(), "Hand");
             studio.canvas.actualPixels();
             PaintDocument direct(600, 400, 72, PaintColor::white());
             for (PaintDocument* doc : {&studio.doc(), &direct})
                 doc->activeLayer().load(*noise(600, 400, 4)); // for what takes up colour
-            studio.model.choose(*BrushLibrary::named(brush));
+            studio.model.brushes().choose(*BrushLibrary::named(brush));
             // A spray burst between two events comes from a timer; the engine's strokes have none.
             studio.set(&BrushSettings::airbrush, false);
             for (const std::vector<StrokePoint>& stroke : strokes) {
                 sendStroke(studio.canvas, studio.penTip, stroke);
-                paintStroke(direct, stroke, studio.model.activeBrush(), studio.model.primary(), nullptr, 1);
+                paintStroke(direct, stroke, studio.model.brushes().activeBrush(),
+                            studio.model.colors().primary(), nullptr, 1);
             }
             QCOMPARE(firstDifference(*studio.layer().toBuffer(), *direct.activeLayer().toBuffer()),
                      QString());
@@ -121,7 +130,7 @@ private Q_SLOTS:
         enum class Told { byProximity, byEvents, untilTurnedOff };
         for (const Told told : {Told::byProximity, Told::byEvents, Told::untilTurnedOff}) {
             Studio studio;
-            studio.model.setActiveBrush(dot(30));
+            studio.model.brushes().setActiveBrush(dot(30));
             studio.penStroke({{100, 100}});
             const auto near = [&](QEvent::Type type) {
                 QTabletEvent event(type, &studio.eraserEnd, {}, {}, 0, 0, 0, 0, 0, 0, {}, Qt::NoButton,
@@ -151,14 +160,15 @@ private Q_SLOTS:
 
     void lockedAndHiddenLayersRefuseInWords() {
         Studio studio;
-        studio.model.toggleLock();
+        LayerEdits::toggleLock(studio.model);
         const int64_t steps = studio.doc().undoDepth();
         studio.penStroke({{50, 50}, {90, 90}});
-        QCOMPARE(studio.model.hud(), "The layer \"Layer 1\" is locked — unlock it in the Layers panel");
-        studio.model.toggleLock();
-        studio.model.toggleVisibility();
+        QCOMPARE(studio.model.messages().hud(),
+                 "The layer \"Layer 1\" is locked — unlock it in the Layers panel");
+        LayerEdits::toggleLock(studio.model);
+        LayerEdits::toggleVisibility(studio.model);
         studio.penStroke({{50, 50}, {90, 90}});
-        QCOMPARE(studio.model.hud(), "The layer \"Layer 1\" is hidden — show it to paint on it");
+        QCOMPARE(studio.model.messages().hud(), "The layer \"Layer 1\" is hidden — show it to paint on it");
         QVERIFY(studio.layer().isEmpty());
         QCOMPARE(studio.doc().undoDepth(), steps + 2);
         QVERIFY(!studio.canvas.isBusy());
@@ -179,7 +189,7 @@ private Q_SLOTS:
                     QEvent out(QEvent::WindowDeactivate);
                     QApplication::sendEvent(&s.canvas, &out);
                 },
-                [](Studio& s) { s.model.copy(Merged::no); },
+                [](Studio& s) { s.model.clipboard().copy(Merged::no); },
             };
             for (const auto& end : ends) {
                 Studio studio;
@@ -223,14 +233,14 @@ private Q_SLOTS:
              {std::tuple{0.25, 1.0, 10}, {1.0, 1.0, 40}, {0.25, 0.5, 20}}) { // the last a soft touch
             Studio studio;
             studio.set(&PaintPrefs::pressureCurve, curve);
-            studio.model.setActiveBrush(dot(40, true));
+            studio.model.brushes().setActiveBrush(dot(40, true));
             studio.penStroke({{200, 150}}, pressure);
             QVERIFY(std::abs(heightAt(studio, 200) - height) <= 1);
         }
         for (const auto& [way, time, height] : {std::tuple{100, 40u, 8}, {100, 100u, 32}, {0, 500u, 40}}) {
             Studio studio;
             studio.set(&PaintPrefs::mouseSpeedPressure, true);
-            studio.model.setActiveBrush(dot(40, true));
+            studio.model.brushes().setActiveBrush(dot(40, true));
             studio.mouseEvent(QEvent::MouseButtonPress, {100, 150}, {}, 1000);
             if (way) studio.mouseEvent(QEvent::MouseMove, {100.0 + way, 150}, {}, 1000 + time);
             studio.mouseEvent(QEvent::MouseButtonRelease, {100.0 + way, 150}, {}, 1000 + time);
@@ -256,7 +266,7 @@ private Q_SLOTS:
 
     void shiftClickDrawsAStraightLine() {
         Studio studio;
-        studio.model.setActiveBrush(dot(8));
+        studio.model.brushes().setActiveBrush(dot(8));
         studio.penStroke({{40, 40}});
         QCOMPARE(studio.layer().pixel(140, 40)[3], uint8_t{0});
         studio.penEvent(QEvent::TabletPress, {240, 40}, 1, false, Qt::ShiftModifier);
@@ -271,25 +281,25 @@ private Q_SLOTS:
         Studio studio;
         paintRect(studio.doc(), studio.layer(), {10, 10, 20, 20}, {0, 128, 0, 128});
         for (const auto modifier : {Qt::AltModifier, Qt::ControlModifier}) {
-            studio.model.setPrimary(PaintColor::black());
+            studio.model.colors().setPrimary(PaintColor::black());
             studio.penEvent(QEvent::TabletPress, {15, 15}, 1, false, modifier);
             studio.penEvent(QEvent::TabletRelease, {15, 15}, 0);
-            QCOMPARE(studio.model.primary().hex(), "#7FFF7F"); // over the white paper
-            QCOMPARE(studio.model.recent().front(), studio.model.primary());
+            QCOMPARE(studio.model.colors().primary().hex(), "#7FFF7F"); // over the white paper
+            QCOMPARE(studio.model.colors().recent().front(), studio.model.colors().primary());
         }
         studio.set(&PaintPrefs::eyedropperAllLayers, false);
         studio.model.setTool(Tool::eyedropper);
         studio.waitForPenEcho();
         studio.mouseDrag({15, 15}, {15, 15});
-        QCOMPARE(studio.model.primary().hex(), "#00FF00");
+        QCOMPARE(studio.model.colors().primary().hex(), "#00FF00");
         studio.mouseDrag({100, 100}, {100, 100});
-        QCOMPARE(studio.model.hud(), "Nothing to pick there (transparent)");
+        QCOMPARE(studio.model.messages().hud(), "Nothing to pick there (transparent)");
         QCOMPARE(studio.doc().undoDepth(), int64_t{0});
     }
 
     void heldAirbrushKeepsPainting() {
         Studio studio;
-        studio.model.choose(*BrushLibrary::named("Airbrush Soft"));
+        studio.model.brushes().choose(*BrushLibrary::named("Airbrush Soft"));
         studio.penEvent(QEvent::TabletPress, {100, 100}, 1);
         const uint8_t first = studio.layer().pixel(100, 100)[3];
         QTRY_VERIFY(studio.layer().pixel(100, 100)[3] > first);
@@ -298,9 +308,9 @@ private Q_SLOTS:
 
     void aStrokeRepaintsOnlyItsOwnRegionOnceAPoint() {
         Studio studio;
-        studio.model.newDocument(3840, 2160, 72, PaintColor::white(), "4K");
+        studio.model.pictures().newDocument(3840, 2160, 72, PaintColor::white(), "4K");
         QCoreApplication::processEvents();
-        studio.model.setActiveBrush(dot(20));
+        studio.model.brushes().setActiveBrush(dot(20));
         const QPointF from(1000, 1000), to(1100, 1050);
         PaintWatcher watcher(studio.canvas);
         studio.penEvent(QEvent::TabletPress, from, 1);
@@ -326,7 +336,7 @@ private Q_SLOTS:
         for (const auto& [told, worked] :
              {std::pair(true, false), {true, true}, {false, false}, {false, true}}) {
             Studio studio;
-            studio.model.newDocument(1000, 900, 72, PaintColor::white(), "Large");
+            studio.model.pictures().newDocument(1000, 900, 72, PaintColor::white(), "Large");
             QCOMPARE(studio.session().view.zoom, 0.6); // 540 high
             if (worked) studio.penStroke({{500, 450}});
             QVERIFY(QTest::qWaitForWindowExposed(&studio.canvas));
@@ -374,7 +384,7 @@ private Q_SLOTS:
             QVERIFY(!studio.doc().selection);
             QCOMPARE(studio.lastStep(), "2 Deselect");
         }
-        studio.model.selectAll();
+        CanvasEdits::selectAll(studio.model);
         studio.model.setTool(Tool::lasso); // of two points
         studio.mouseDrag({50, 50}, {50.5, 50.5});
         QVERIFY(!studio.doc().selection);
@@ -385,22 +395,22 @@ private Q_SLOTS:
         const auto press = [&](char letter, Qt::KeyboardModifiers keys = {}) {
             studio.key(0, QString(QLatin1Char(letter)), keys);
         };
-        const auto size = [&] { return studio.model.activeBrush().size; };
-        studio.model.setActiveBrush(dot(2));
+        const auto size = [&] { return studio.model.brushes().activeBrush().size; };
+        studio.model.brushes().setActiveBrush(dot(2));
         press(']');
         QCOMPARE(size(), 3.0); // at least one more
         for (int i = 0; i < 4; ++i) press('[');
         QVERIFY(size() >= 1);
-        studio.model.setActiveBrush(dot(990));
+        studio.model.brushes().setActiveBrush(dot(990));
         press(']');
         QCOMPARE(size(), 1000.0);
         press('g', Qt::ControlModifier);
         QCOMPARE(studio.model.tool(), Tool::brush);
-        const PaintColor first = studio.model.primary();
+        const PaintColor first = studio.model.colors().primary();
         press('x');
-        QCOMPARE(studio.model.secondary(), first);
+        QCOMPARE(studio.model.colors().secondary(), first);
         press('D', Qt::ShiftModifier);
-        QCOMPARE(studio.model.primary(), PaintColor::black());
+        QCOMPARE(studio.model.colors().primary(), PaintColor::black());
         press('.');
         QCOMPARE(studio.session().view.rotation, 15.0);
         press('w');

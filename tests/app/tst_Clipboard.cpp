@@ -1,5 +1,10 @@
 #include "app/commands/PaintCommands.h"
+#include "app/edits/LayerEdits.h"
+#include "app/files/PictureExchange.h"
 #include "app/model/Clipboard.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PendingTransform.h"
 #include "compositing/CompositeInputs.h"
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
@@ -38,7 +43,7 @@ std::shared_ptr<RGBABuffer> part(const Layer& layer, const IRect& rect) {
 }
 
 std::shared_ptr<const RGBABuffer> copied(Studio& studio) {
-    return Clipboard::picture(*studio.desktop.content).pixels;
+    return PictureExchange::picture(*studio.desktop.content).pixels;
 }
 
 /// Puts noise on the active layer of the studio's picture.
@@ -119,9 +124,9 @@ private Q_SLOTS:
         const auto selection = studio.doc().selection;
         const auto expected = copyPixels(studio.doc(), Merged::no);
         studio.press(studio.canvas, Qt::Key_C);
-        QCOMPARE(studio.model.hud(), "Copied");
+        QCOMPARE(studio.model.messages().hud(), "Copied");
         studio.press(studio.canvas, Qt::Key_V);
-        QCOMPARE(studio.model.hud(), "Pasted as a new layer — use Move (V) to position it");
+        QCOMPARE(studio.model.messages().hud(), "Pasted as a new layer — use Move (V) to position it");
         QCOMPARE(studio.layer().name, "Pasted Layer");
         QCOMPARE(studio.doc().undoName(), "Paste");
         QCOMPARE(studio.doc().selection, selection);
@@ -134,7 +139,7 @@ private Q_SLOTS:
     void othersReadACopyAsPngAndTiff() {
         Studio studio;
         addNoise(studio);
-        studio.model.copy(Merged::no);
+        studio.model.clipboard().copy(Merged::no);
         const auto expected = copyPixels(studio.doc(), Merged::no);
         QCOMPARE(studio.desktop.content->formats(), QStringList({"image/png", "image/tiff"}));
         for (const char* type : {"image/png", "image/tiff"}) {
@@ -146,7 +151,7 @@ private Q_SLOTS:
         auto foreign = std::make_unique<QMimeData>();
         foreign->setData("image/png", studio.desktop.content->data("image/png"));
         studio.desktop.content = std::move(foreign);
-        studio.model.paste();
+        studio.model.clipboard().paste();
         QCOMPARE(firstDifference(*part(studio.layer(), expected->rect), *expected->buffer), QString());
     }
 
@@ -156,7 +161,7 @@ private Q_SLOTS:
         studio.layer().opacity = 0.5;
         studio.doc().onion.enabled = true;
         studio.press(studio.canvas, Qt::Key_C, Qt::ShiftModifier);
-        QCOMPARE(studio.model.hud(), "Copied the merged picture");
+        QCOMPARE(studio.model.messages().hud(), "Copied the merged picture");
         QCOMPARE(firstDifference(*copied(studio), *flattened(studio.doc())), QString());
     }
 
@@ -183,7 +188,7 @@ private Q_SLOTS:
                 if (form == "bmp") mime.setData("image/bmp", plain(Qt::yellow, "bmp"));
                 if (form == "image") mime.setImageData(QImage::fromData(plain(Qt::yellow, "bmp")));
             }
-            studio.model.paste();
+            studio.model.clipboard().paste();
             QCOMPARE(studio.doc().layerCount(), int64_t{3});
             QCOMPARE(studio.layer().contentBounds(), std::optional(IRect{197, 148, 6, 4})); // in the middle
             QVERIFY2(studio.layer().pixel(199, 150) == pasted, offered);
@@ -203,7 +208,7 @@ private Q_SLOTS:
             Studio studio;
             if (!from.isEmpty()) {
                 studio.fill(from);
-                studio.model.copy(Merged::no);
+                studio.model.clipboard().copy(Merged::no);
             }
             QImage image(size, QImage::Format_RGB32);
             for (int y = 0; y < image.height(); ++y) {
@@ -211,7 +216,7 @@ private Q_SLOTS:
             }
             studio.desktop.content = std::make_unique<QMimeData>();
             studio.desktop.content->setData("image/png", written(image, "png"));
-            studio.model.paste();
+            studio.model.clipboard().paste();
             QCOMPARE(studio.layer().contentBounds(), std::optional(covered));
             if (size.width() > 400) // the origin is at (400 - 503) / 2, (300 - 401) / 2
                 QCOMPARE(studio.layer().pixel(0, 0), (PixelBytes{51, 50, 9, 255}));
@@ -219,9 +224,9 @@ private Q_SLOTS:
         // Where the picture was copied from counts only within the one that it is pasted into.
         Studio studio;
         studio.fill({300, 200, 20, 10});
-        studio.model.copy(Merged::no);
-        studio.model.newDocument(100, 100, 72, std::nullopt, "Small");
-        studio.model.paste();
+        studio.model.clipboard().copy(Merged::no);
+        studio.model.pictures().newDocument(100, 100, 72, std::nullopt, "Small");
+        studio.model.clipboard().paste();
         QCOMPARE(studio.layer().contentBounds(), std::optional(IRect{40, 45, 20, 10}));
     }
 
@@ -232,11 +237,11 @@ private Q_SLOTS:
         for (const bool again : {false, true}) { // then at once, from memory
             late.milliseconds = again ? 0 : 520;
             studio.press(studio.canvas, Qt::Key_V);
-            QCOMPARE(studio.model.hud(), "The other program did not answer in time");
+            QCOMPARE(studio.model.messages().hud(), "The other program did not answer in time");
             QVERIFY(again || late.asked == 1); // not once more for each form
-            studio.model.flash({});
+            studio.model.messages().flash({});
         }
-        QVERIFY(!dragOnto(studio, late, Qt::CopyAction).dropped && !studio.model.hud()->isEmpty());
+        QVERIFY(!dragOnto(studio, late, Qt::CopyAction).dropped && !studio.model.messages().hud()->isEmpty());
         QCOMPARE(studio.doc().changeCount(), int64_t{0});
     }
 
@@ -246,7 +251,7 @@ private Q_SLOTS:
         const auto refused = [&](Qt::Key key, const char* message) {
             const int64_t before = studio.doc().changeCount();
             studio.press(studio.canvas, key);
-            QCOMPARE(studio.model.hud(), message);
+            QCOMPARE(studio.model.messages().hud(), message);
             QCOMPARE(studio.doc().changeCount(), before);
             QCOMPARE(studio.desktop.content->text(), "words");
         };
@@ -268,11 +273,11 @@ private Q_SLOTS:
         QCOMPARE(firstDifference(*part(studio.layer(), {100, 0, 300, 300}), *rest), QString());
         QVERIFY(studio.layer().contentBounds()->x >= 100);
         QCOMPARE(firstDifference(*copied(studio), *taken->buffer), QString());
-        studio.model.toggleLock(); // it is copied, but not cut
+        LayerEdits::toggleLock(studio.model); // it is copied, but not cut
         studio.select({100, 0, 100, 100});
         const uint64_t before = studio.doc().fingerprint();
         studio.press(studio.canvas, Qt::Key_X);
-        QCOMPARE(studio.model.hud(), "The layer is locked");
+        QCOMPARE(studio.model.messages().hud(), "The layer is locked");
         QCOMPARE(studio.doc().fingerprint(), before);
         QCOMPARE(copied(studio)->height(), int64_t{100});
     }
@@ -280,17 +285,17 @@ private Q_SLOTS:
     void aPendingTransformIsLeftByCopyAndEndedByCutAndPaste() {
         Studio studio;
         studio.fill({10, 10, 20, 20});
-        studio.model.beginTransform();
-        studio.model.copy(Merged::no);
-        QVERIFY(studio.model.transform());
-        studio.model.cut(); // the pixels that floated are on the clipboard, not lost
-        QVERIFY(!studio.model.transform());
+        studio.model.transform().beginTransform();
+        studio.model.clipboard().copy(Merged::no);
+        QVERIFY(studio.model.transform().state());
+        studio.model.clipboard().cut(); // the pixels that floated are on the clipboard, not lost
+        QVERIFY(!studio.model.transform().state());
         const auto cut = copied(studio);
         QVERIFY(cut && cut->width() == 20 && cut->pixel(5, 5) == kRed);
         studio.model.undo();
-        studio.model.beginTransform();
-        studio.model.paste();
-        QVERIFY(!studio.model.transform());
+        studio.model.transform().beginTransform();
+        studio.model.clipboard().paste();
+        QVERIFY(!studio.model.transform().state());
         QCOMPARE(studio.doc().undoName(), "Paste");
         QCOMPARE(text(studio.doc().layer(1).pixel(15, 15)), text(kRed));
     }

@@ -1,4 +1,11 @@
 #include "app/desktop/FileTypes.h"
+#include "app/edits/LayerEdits.h"
+#include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
+#include "app/model/Clipboard.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
 #include "formats/ImageImport.h"
@@ -22,11 +29,11 @@ namespace {
 
 /// A half-transparent picture on two layers, one of them hidden.
 void paintPicture(Studio& studio) {
-    studio.model.newDocument(333, 222, 300, std::nullopt, "Cats/dogs");
+    studio.model.pictures().newDocument(333, 222, 300, std::nullopt, "Cats/dogs");
     studio.layer().load(*noise(333, 222, 3));
-    studio.model.addLayer();
+    LayerEdits::addLayer(studio.model);
     paintRect(studio.doc(), studio.layer(), {0, 0, 333, 222}, {0, 255, 0, 255});
-    studio.model.toggleVisibility();
+    LayerEdits::toggleVisibility(studio.model);
 }
 
 } // namespace
@@ -52,16 +59,16 @@ private Q_SLOTS:
         image.fill(Qt::red);
         QVERIFY(image.save(cat) && image.save(dog));
         studio.desktop.openPaths = {{cat, studio.path("missing.png"), dog}};
-        studio.model.openPanel();
-        QCOMPARE(studio.model.sessions().size(), std::size_t{3});
+        studio.model.pictures().openPanel();
+        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{3});
         QCOMPARE(studio.desktop.asked.size(), std::size_t{1});
         QCOMPARE(studio.desktop.asked[0].title, "Couldn't open missing.png");
         QCOMPARE(studio.session().name, "dog.v2 (from JPG)");
-        QCOMPARE(studio.model.sessions()[1]->name, "cat (from PNG)");
+        QCOMPARE(studio.model.pictures().sessions()[1]->name, "cat (from PNG)");
         QVERIFY(studio.session().fileURL.isEmpty() && !studio.session().isDirty());
         QCOMPARE(studio.desktop.recentFiles, QStringList({cat, dog}));
         const QByteArray before = bytesAt(dog);
-        QVERIFY(!studio.model.save(nullptr, PaintModel::SaveAs::no)); // asks, and is cancelled
+        QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no)); // asks, and is cancelled
         QCOMPARE(studio.desktop.proposedNames.back(), "dog.v2 (from JPG).qirnpaint");
         QCOMPARE(bytesAt(dog), before);
     }
@@ -72,10 +79,10 @@ private Q_SLOTS:
         const auto picture = noise(40, 20, 8);
         QVERIFY(picture->makeImage().save(path));
         studio.desktop.openPaths = {{path}};
-        studio.model.importImageAsLayer();
+        studio.model.clipboard().importImageAsLayer();
         QCOMPARE(studio.layer().name, "cat.v2");
         QCOMPARE(studio.doc().undoName(), "Paste");
-        QCOMPARE(studio.model.hud(), "Pasted as a new layer — use Move (V) to position it");
+        QCOMPARE(studio.model.messages().hud(), "Pasted as a new layer — use Move (V) to position it");
         QCOMPARE(text(studio.layer().pixel(180 + 7, 140 + 9)), text(picture->pixel(7, 9)));
         writeFile(path, "no picture");
         // Its layers alone: such a file has no picture to import.
@@ -86,10 +93,11 @@ private Q_SLOTS:
         writeFile(psd, layers.joined());
         QVERIFY_THROWS_EXCEPTION(PSDFile::PSDError, ImageImport::decode(bytesOf(bytesAt(psd))));
         const int64_t before = studio.doc().changeCount();
-        for (const QString& file : {path, studio.path("missing.png"), psd}) studio.model.importImage(file);
+        for (const QString& file : {path, studio.path("missing.png"), psd})
+            studio.model.clipboard().importImage(file);
         studio.desktop.content->setUrls({QUrl::fromLocalFile(psd)});
-        studio.model.paste();
-        QCOMPARE(studio.model.hud(), "There's no picture on the clipboard");
+        studio.model.clipboard().paste();
+        QCOMPARE(studio.model.messages().hud(), "There's no picture on the clipboard");
         QCOMPARE(studio.desktop.asked.size(), std::size_t{3});
         QCOMPARE(studio.desktop.asked[0].title, "Couldn't import");
         QCOMPARE(studio.desktop.asked[2].text, "This picture could not be read.");
@@ -103,10 +111,10 @@ private Q_SLOTS:
             paintPicture(studio);
             const int64_t changes = studio.doc().changeCount();
             studio.desktop.savePaths = {studio.path("out")};
-            studio.model.exportPicture(format, 0.9, PaintColor::white());
+            studio.model.pictures().exportPicture(format, 0.9, PaintColor::white());
             const QString extension = QLatin1String(rowOf(format).fileExtension);
             QCOMPARE(studio.desktop.proposedNames.back(), QStringLiteral("Cats-dogs.") + extension);
-            QCOMPARE(studio.model.hud(), QStringLiteral("Exported out.") + extension);
+            QCOMPARE(studio.model.messages().hud(), QStringLiteral("Exported out.") + extension);
             QCOMPARE(bytesAt(studio.path(QStringLiteral("out.") + extension)),
                      ImageExport::data(studio.doc(), format, 0.9, PaintColor::white()));
             QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
@@ -125,28 +133,28 @@ private Q_SLOTS:
         writeFile(brushes, "what was there");
         const QStringList files = QDir(studio.folder.path()).entryList();
         studio.desktop.savePaths = {path, brushes, path};
-        studio.model.flash("-");
+        studio.model.messages().flash("-");
         {
             const FullDisk full;
-            studio.model.exportPicture(ExportFormat::png, 0.9, PaintColor::white());
-            studio.model.exportBrushes();
+            studio.model.pictures().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+            studio.model.brushes().exportBrushes();
         }
         QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
         QCOMPARE(studio.desktop.asked[0].title, "Couldn't export");
         QVERIFY(!studio.desktop.asked[0].text.isEmpty());
         QCOMPARE(studio.desktop.asked[1].title, "Couldn't export brushes");
-        QCOMPARE(studio.model.hud(), "-");
+        QCOMPARE(studio.model.messages().hud(), "-");
         for (const QString& file : {path, brushes}) QCOMPARE(bytesAt(file), "what was there");
         QCOMPARE(QDir(studio.folder.path()).entryList(), files);
-        studio.model.exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+        studio.model.pictures().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
         QVERIFY(bytesAt(path).size() > 1000);
     }
 
     void theExportSheetAsksAndRemembers() {
         Studio studio;
         paintPicture(studio);
-        studio.model.setPrimary(PaintColor(0, 1, 0));
-        studio.model.swapColors();
+        studio.model.colors().setPrimary(PaintColor(0, 1, 0));
+        studio.model.colors().swapColors();
         studio.store.setText("qirn.pt.exportFormat", "no such format");
         {
             ExportSheet sheet(studio.model, nullptr);
@@ -182,27 +190,27 @@ private Q_SLOTS:
         const QString path = studio.path("mine.qirnbrushes");
         studio.desktop.savePaths = {studio.path("mine"), path};
         studio.desktop.openPaths = {{path}, {path}};
-        studio.model.exportBrushes(); // none of one's own: the active one
+        studio.model.brushes().exportBrushes(); // none of one's own: the active one
         QCOMPARE(studio.desktop.proposedNames.back(), "My Qirn Paint Brushes.qirnbrushes");
-        QCOMPARE(studio.model.hud(), "Exported 1 brush(es)");
-        QCOMPARE(BrushFile::decode(bytesOf(bytesAt(path)))->front(), studio.model.activeBrush());
-        studio.model.importBrushes();
-        studio.model.importBrushes();
-        QCOMPARE(studio.model.hud(), "Imported 1 brush(es)");
-        const auto& own = studio.model.userBrushes();
+        QCOMPARE(studio.model.messages().hud(), "Exported 1 brush(es)");
+        QCOMPARE(BrushFile::decode(bytesOf(bytesAt(path)))->front(), studio.model.brushes().activeBrush());
+        studio.model.brushes().importBrushes();
+        studio.model.brushes().importBrushes();
+        QCOMPARE(studio.model.messages().hud(), "Imported 1 brush(es)");
+        const auto& own = studio.model.brushes().userBrushes();
         QCOMPARE(own.size(), std::size_t{2});
-        QVERIFY(own[0].id != own[1].id && own[0].id != studio.model.activeBrush().id);
+        QVERIFY(own[0].id != own[1].id && own[0].id != studio.model.brushes().activeBrush().id);
         QVERIFY(!own[0].isBuiltIn);
         QCOMPARE(own[0].category, "My Brushes");
         QCOMPARE(own[0].name, "Studio Pen");
-        studio.model.exportBrushes();
-        QCOMPARE(studio.model.hud(), "Exported 2 brush(es)");
+        studio.model.brushes().exportBrushes();
+        QCOMPARE(studio.model.messages().hud(), "Exported 2 brush(es)");
         QCOMPARE(BrushFile::decode(bytesOf(bytesAt(path))), std::optional(own));
-        QCOMPARE(PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.store).userBrushes(), own);
+        QCOMPARE(PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.store).brushes().userBrushes(), own);
         writeFile(path, "[{\"name\":\"a\"},{\"name\":5}]");
         studio.desktop.openPaths = {{path}, {studio.path("missing")}};
         for (std::size_t asked = 1; asked <= 2; ++asked) {
-            studio.model.importBrushes();
+            studio.model.brushes().importBrushes();
             QCOMPARE(studio.desktop.asked.size(), asked);
             QCOMPARE(studio.desktop.asked.back().title, "Couldn't import brushes");
             QCOMPARE(studio.desktop.asked.back().text, "This file isn't an Qirn Paint brush file.");

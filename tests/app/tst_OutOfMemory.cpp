@@ -1,5 +1,11 @@
 #include "app/commands/PaintCommands.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/files/DocSession.h"
+#include "app/model/Colors.h"
 #include "app/model/Guarded.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PendingTransform.h"
 #include "app/text/TextSpec.h"
 #include "formats/ImageExport.h"
 #include "platform/BlockPool.h"
@@ -95,7 +101,7 @@ struct Work : Studio {
     explicit Work(bool selected) {
         penStroke({{30, 40}, {370, 250}});
         choose("newLayer");
-        model.setPrimary(PaintColor(0, 0, 1));
+        model.colors().setPrimary(PaintColor(0, 0, 1));
         penStroke({{250, 30}, {270, 290}});
         choose("copyMerged");
         if (selected) gesture(Tool::selectEllipse, 20, 20, 300, 280);
@@ -116,11 +122,11 @@ struct Work : Studio {
         TextSpec spec;
         spec.text = words;
         spec.size = 90;
-        guarded(model, [&] { model.placeText(spec, {20, 20}); });
+        guarded(model, [&] { CanvasEdits::placeText(model, spec, {20, 20}); });
     }
     void move(bool turned) {
         gesture(Tool::move, 100, 100, 131, 117);
-        if (turned) model.updateTransform([](TransformState& state) { state.angle = 20; });
+        if (turned) model.transform().updateTransform([](TransformState& state) { state.angle = 20; });
         key(Qt::Key_Return);
     }
     void open(const char* command, const char* file) {
@@ -133,11 +139,12 @@ struct Work : Studio {
     }
     void exportAs(ExportFormat format, const QString& name = "picture") {
         desktop.savePaths = {QDir(folder.path()).filePath(name)}; // or elsewhere
-        guarded(model, [&] { model.exportPicture(format, 0.9, PaintColor::white()); });
+        guarded(model, [&] { model.pictures().exportPicture(format, 0.9, PaintColor::white()); });
     }
     /// Back to as many steps and pictures as there were.
     void goBackTo(int64_t depth, std::size_t pictures) {
-        while (model.sessions().size() > pictures) model.close(*model.sessions().back());
+        while (model.pictures().sessions().size() > pictures)
+            model.pictures().close(*model.pictures().sessions().back());
         while (doc().undoDepth() > depth) model.undo();
         while (doc().undoDepth() < depth) model.redo();
         pass();
@@ -199,7 +206,7 @@ struct Facts {
 Facts factsOf(Work& work) {
     PaintDocument& doc = work.doc();
     return {doc.fingerprint(), doc.undoDepth(), doc.canRedo(), doc.selection.get(),
-            work.model.sessions().size()};
+            work.model.pictures().sessions().size()};
 }
 
 /// Refuses the n-th block of tile memory or the n-th large piece of other memory, and tells how far off the last was.
@@ -242,7 +249,7 @@ private Q_SLOTS:
             Work work(selected);
             const auto run = [&] {
                 work.desktop.asked.clear();
-                work.model.flash({});
+                work.model.messages().flash({});
                 command.run ? command.run(work) : work.choose(command.name);
                 Work::pass();
             };
@@ -261,14 +268,14 @@ private Q_SLOTS:
                     const bool isDone = end.picture == done.picture && end.depth == done.depth;
                     const auto& asked = work.desktop.asked;
                     const QString said =
-                        asked.empty() ? work.model.hud().value_or(QString()) : asked.back().text;
+                        asked.empty() ? work.model.messages().hud().value_or(QString()) : asked.back().text;
                     const QString which = QStringLiteral("%1 %2: %3")
                                               .arg(what == Refused::block ? "block" : "piece")
                                               .arg(n)
                                               .arg(said);
                     QVERIFY2(end == start || isDone, qPrintable(which));
                     QVERIFY2(said.startsWith(kMessage), qPrintable(which));
-                    QVERIFY(!work.model.transform() && !work.canvas.isBusy());
+                    QVERIFY(!work.model.transform().state() && !work.canvas.isBusy());
                     work.goBackTo(start.depth, start.pictures);
                     QVERIFY(n < 2000);
                 }

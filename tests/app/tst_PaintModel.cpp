@@ -1,7 +1,19 @@
 #include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/RecentFiles.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/edits/LayerEdits.h"
+#include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
-#include "app/model/RecentColors.h"
+#include "app/model/Brushes.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/Clipboard.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/OpacityPreview.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/Palettes.h"
+#include "app/model/PendingTransform.h"
+#include "app/model/Safety.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
 #include "formats/native/PaintFile.h"
@@ -42,52 +54,52 @@ private Q_SLOTS:
 
     void choosingABrushChoosesItsTool() {
         Studio studio;
-        const BrushSettings before = studio.model.activeBrush();
-        studio.model.choose(*BrushLibrary::named("Soft Eraser"));
+        const BrushSettings before = studio.model.brushes().activeBrush();
+        studio.model.brushes().choose(*BrushLibrary::named("Soft Eraser"));
         QCOMPARE(studio.model.tool(), Tool::eraser);
-        QCOMPARE(studio.model.activeBrush().name, "Soft Eraser");
+        QCOMPARE(studio.model.brushes().activeBrush().name, "Soft Eraser");
         studio.model.setTool(Tool::hand); // other tools edit the brush tool's
-        QCOMPARE(studio.model.activeBrush(), before);
+        QCOMPARE(studio.model.brushes().activeBrush(), before);
         studio.set(&BrushSettings::size, 5000);
         studio.model.setTool(Tool::brush);
-        QCOMPARE(studio.model.activeBrush().size, 1000.0);
-        studio.model.resetBrush();
-        QCOMPARE(studio.model.activeBrush(), *BrushLibrary::named("Studio Pen"));
-        for (const BrushSettings& smudge : studio.model.brushesFor(Tool::smudge))
+        QCOMPARE(studio.model.brushes().activeBrush().size, 1000.0);
+        studio.model.brushes().resetBrush();
+        QCOMPARE(studio.model.brushes().activeBrush(), *BrushLibrary::named("Studio Pen"));
+        for (const BrushSettings& smudge : studio.model.brushes().brushesFor(Tool::smudge))
             QCOMPARE(smudge.kind, BrushKind::smudge);
-        QCOMPARE(studio.model.brushesFor(Tool::lasso).size(), std::size_t{24});
+        QCOMPARE(studio.model.brushes().brushesFor(Tool::lasso).size(), std::size_t{24});
     }
 
     void choicesAndBrushesSurviveARestart() {
         Studio studio;
-        studio.model.saveBrushAsNew("Näss ✏️");
-        QCOMPARE(studio.model.hud(), "Saved brush \"Näss ✏️\"");
+        studio.model.brushes().saveBrushAsNew("Näss ✏️");
+        QCOMPARE(studio.model.messages().hud(), "Saved brush \"Näss ✏️\"");
         studio.set(&BrushSettings::size, 77);
-        studio.model.updateUserBrush();
-        const BrushSettings brush = studio.model.activeBrush();
+        studio.model.brushes().updateUserBrush();
+        const BrushSettings brush = studio.model.brushes().activeBrush();
         QCOMPARE(brush.category, "My Brushes");
         studio.model.setTool(Tool::smudge);
         studio.set(&BrushSettings::size, 123);
-        studio.model.pick(PaintColor(0.25, 0.5, 0.75), PaintModel::AddRecent::yes);
+        studio.model.colors().pick(PaintColor(0.25, 0.5, 0.75), Colors::AddRecent::yes);
         studio.set(&PaintPrefs::undoSteps, 50);
         studio.model.saveState();
         PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(again.tool(), Tool::smudge);
-        QCOMPARE(again.activeBrush().size, 123.0);
-        QCOMPARE(again.primary(), PaintColor(0.25, 0.5, 0.75));
-        QCOMPARE(again.recent().size(), std::size_t{1});
+        QCOMPARE(again.brushes().activeBrush().size, 123.0);
+        QCOMPARE(again.colors().primary(), PaintColor(0.25, 0.5, 0.75));
+        QCOMPARE(again.colors().recent().size(), std::size_t{1});
         QCOMPARE(again.prefs().undoSteps, int64_t{50});
-        QCOMPARE(again.userBrushes(), std::vector{brush});
+        QCOMPARE(again.brushes().userBrushes(), std::vector{brush});
         const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.store);
-        QVERIFY(fresh.tool() == Tool::brush && fresh.userBrushes().empty());
-        again.choose(brush);
+        QVERIFY(fresh.tool() == Tool::brush && fresh.brushes().userBrushes().empty());
+        again.brushes().choose(brush);
         for (const bool keeps : {true, false}) {
             studio.desktop.answers = {keeps};
-            again.deleteUserBrush(brush);
-            QCOMPARE(again.userBrushes().size(), std::size_t{keeps});
+            again.brushes().deleteUserBrush(brush);
+            QCOMPARE(again.brushes().userBrushes().size(), std::size_t{keeps});
         }
         QCOMPARE(studio.desktop.asked.back().title, "Delete the brush \"Näss ✏️\"?");
-        QCOMPARE(again.activeBrush().name, "Studio Pen");
+        QCOMPARE(again.brushes().activeBrush().name, "Studio Pen");
     }
 
     void oneBadValueCostsOnlyItself() {
@@ -101,8 +113,8 @@ private Q_SLOTS:
             {{"tolerance", 1000}, {"contiguous", false}, {"sampleAllLayers", true}, {"expand", -7}});
         const PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(model.tool(), Tool::eraser);
-        QCOMPARE(model.primary(), PaintColor(0.7, 0.02, 0.08));
-        QCOMPARE(model.activeBrush().name, "Hard Eraser");
+        QCOMPARE(model.colors().primary(), PaintColor(0.7, 0.02, 0.08));
+        QCOMPARE(model.brushes().activeBrush().name, "Hard Eraser");
         QCOMPARE(model.prefs(), PaintPrefs()); // a record that lacks a key counts for nothing
         QCOMPARE(model.options().fill, (FillOptions{255, false, true, 0}));
         // What could not be read is still there.
@@ -115,15 +127,15 @@ private Q_SLOTS:
         for (const QString& file : {AppFolders::brushesFile(), AppFolders::palettesFile()})
             writeFile(file, damaged);
         PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
-        QVERIFY(model.userBrushes().empty() && model.userPalettes().empty());
+        QVERIFY(model.brushes().userBrushes().empty() && model.palettes().userPalettes().empty());
         QCOMPARE(bytesAt(AppFolders::palettesFile()), damaged); // until something is written
         for (const char* name : {"New", "Another"}) {
-            model.saveBrushAsNew(name);
-            model.newPalette(name, PaintModel::FromRecent::no);
+            model.brushes().saveBrushAsNew(name);
+            model.palettes().newPalette(name, Palettes::FromRecent::no);
         }
         const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
-        QCOMPARE(again.userBrushes(), model.userBrushes());
-        QVERIFY(again.userBrushes().size() == 2 && again.userPalettes().size() == 2);
+        QCOMPARE(again.brushes().userBrushes(), model.brushes().userBrushes());
+        QVERIFY(again.brushes().userBrushes().size() == 2 && again.palettes().userPalettes().size() == 2);
         const QDir folder(AppFolders::base());
         const QStringList kept = folder.entryList({"My * (unreadable*).json"});
         QCOMPARE(kept.size(), 2);
@@ -133,20 +145,20 @@ private Q_SLOTS:
     // Pictures
     void theStarterGivesWayToTheFirstFileWhichIsNeverOpenedTwice() {
         OwnWorld world;
-        world.model.ensureDocument();
+        world.model.pictures().ensureDocument();
         QCOMPARE(world.session().name, "Untitled");
         QCOMPARE(world.doc().grid(), TileGrid(1920, 1080));
         QVERIFY(!world.session().isDirty());
         PaintDocument picture(30, 20, 300, PaintColor::white());
         writeFile(world.path("a.qirnpaint"), PaintFile::encode(picture));
         world.desktop.openPaths = {{world.path("a.qirnpaint"), world.path("./a.qirnpaint")}};
-        world.model.openPanel();
-        QCOMPARE(world.model.sessions().size(), std::size_t{1});
+        world.model.pictures().openPanel();
+        QCOMPARE(world.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(world.session().name, "a");
         DocSession* opened = world.model.current();
-        world.model.newCanvas();
-        QCOMPARE(world.model.sessions().size(), std::size_t{2});
-        world.model.open(world.path("a.qirnpaint"));
+        world.model.pictures().newCanvas();
+        QCOMPARE(world.model.pictures().sessions().size(), std::size_t{2});
+        world.model.pictures().open(world.path("a.qirnpaint"));
         QCOMPARE(world.model.current(), opened);
     }
 
@@ -155,12 +167,12 @@ private Q_SLOTS:
         DocSession& first = studio.session();
         studio.canvas.setZoom(3);
         studio.canvas.setRotation(20);
-        studio.model.newDocument(100, 100, 72, std::nullopt, "Second");
+        studio.model.pictures().newDocument(100, 100, 72, std::nullopt, "Second");
         QCOMPARE(studio.canvas.session()->name, "Second");
         QVERIFY(studio.session().view != first.view);
         studio.penStroke({{50, 50}});
         QVERIFY(first.doc().activeLayer().isEmpty());
-        studio.model.select(first);
+        studio.model.pictures().select(first);
         QCOMPARE(studio.canvas.session(), &first);
         QCOMPARE(first.view.zoom, 3.0);
         QCOMPARE(studio.model.status().view().rotation, 20.0);
@@ -169,25 +181,26 @@ private Q_SLOTS:
     void aPictureIsSavedClosedAndOpenedAgain() {
         Studio studio;
         studio.penStroke({{30, 30}, {200, 150}, {90, 220}}, 0.7);
-        studio.model.addLayer();
-        studio.model.setLayer(2, "Rename Layer", [](Layer& layer) { layer.name = "Ébauche ✏️"; });
+        LayerEdits::addLayer(studio.model);
+        LayerEdits::setLayer(studio.model, 2, "Rename Layer",
+                             [](Layer& layer) { layer.name = "Ébauche ✏️"; });
         const uint64_t print = studio.doc().fingerprint();
         studio.desktop.savePaths = {studio.path("Bild ä.qirnpaint")};
-        QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
+        QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
         QCOMPARE(studio.desktop.proposedNames.front(), "Test.qirnpaint");
         QVERIFY(!studio.session().isDirty());
         QCOMPARE(studio.session().name, "Bild ä");
-        QCOMPARE(studio.model.hud(), "Saved Bild ä.qirnpaint");
-        studio.model.closeCurrent(); // the last: a fresh one comes in its place
+        QCOMPARE(studio.model.messages().hud(), "Saved Bild ä.qirnpaint");
+        studio.model.pictures().closeCurrent(); // the last: a fresh one comes in its place
         QCOMPARE(studio.session().name, "Untitled");
         QCOMPARE(studio.canvas.session(), &studio.session());
-        studio.model.open(studio.path("Bild ä.qirnpaint"));
-        QCOMPARE(studio.model.sessions().size(), std::size_t{1});
+        studio.model.pictures().open(studio.path("Bild ä.qirnpaint"));
+        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(studio.doc().fingerprint(), print);
         QVERIFY(!studio.session().isDirty());
         // And on it goes, without another question.
         studio.penStroke({{10, 10}});
-        QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
+        QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
         QVERIFY(studio.desktop.asked.empty());
         QCOMPARE(studio.desktop.recentFiles.size(), 3);
     }
@@ -202,10 +215,10 @@ private Q_SLOTS:
             std::ofstream(own) << PaintFile::encode(studio.doc()).toStdString();
             QMimeData offer;
             offer.setData("text/uri-list", "file://" + (folder + bytes).toPercentEncoding("/"));
-            QVERIFY(studio.model.drop(offer));
-            QTRY_COMPARE(studio.model.sessions().size(), std::size_t{2});
+            QVERIFY(studio.model.clipboard().drop(offer));
+            QTRY_COMPARE(studio.model.pictures().sessions().size(), std::size_t{2});
             studio.fill(kDot);
-            QVERIFY(studio.model.save(nullptr, PaintModel::SaveAs::no));
+            QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
             std::stringstream saved;
             saved << std::ifstream(own).rdbuf();
             QCOMPARE(PaintFile::decode(bytesOf(QByteArray::fromStdString(saved.str())))->fingerprint(),
@@ -221,7 +234,7 @@ private Q_SLOTS:
         studio.fill(kDot);
         const uint64_t print = studio.doc().fingerprint();
         studio.desktop.savePaths = {studio.path("no such folder/a.qirnpaint")};
-        QVERIFY(!studio.model.save(nullptr, PaintModel::SaveAs::no));
+        QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
         QCOMPARE(studio.desktop.asked.back().title, "Couldn't save");
         QVERIFY(studio.desktop.asked.back().text.endsWith("\n\nYour work is still open and autosaved."));
         QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
@@ -230,11 +243,11 @@ private Q_SLOTS:
         writeFile(studio.path("half.qirnpaint"),
                   whole.first(PaintFile::manifestOf(bytesOf(whole)).blobOffset + 10));
         for (const char* name : {"text.qirnpaint", "half.qirnpaint", "missing.qirnpaint"}) {
-            studio.model.open(studio.path(name));
+            studio.model.pictures().open(studio.path(name));
             QCOMPARE(studio.desktop.asked.back().title, QString("Couldn't open ") + name);
             QVERIFY(!studio.desktop.asked.back().text.isEmpty());
         }
-        QCOMPARE(studio.model.sessions().size(), std::size_t{1});
+        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(studio.doc().fingerprint(), print);
     }
 
@@ -246,7 +259,7 @@ private Q_SLOTS:
             const QUuid id = studio.session().id;
             studio.desktop.answers = {answer};
             studio.desktop.savePaths = {studio.path("kept.qirnpaint")};
-            studio.model.closeCurrent();
+            studio.model.pictures().closeCurrent();
             QCOMPARE(studio.desktop.asked.front().title, "Save changes to \"Test\"?");
             QCOMPARE(studio.desktop.asked.front().buttons, QStringList({"Save…", "Cancel", "Don't Save"}));
             QCOMPARE(studio.session().id != id, answer != cancel);
@@ -266,7 +279,7 @@ private Q_SLOTS:
                 std::optional<FullDisk> full;
                 if (isFull) full.emplace();
                 studio.desktop.answers = {2, closes};
-                studio.model.closeCurrent();
+                studio.model.pictures().closeCurrent();
                 full.reset();
                 const ScriptedDesktop::Question& asked = studio.desktop.asked.back();
                 QCOMPARE(asked.title, "Close \"Test\" without a copy?");
@@ -281,25 +294,25 @@ private Q_SLOTS:
 
     void closingOthersLeavesATransformFloatingAndQuittingAsksForEach() {
         Studio studio;
-        const SessionRef other = studio.model.sessions().front();
+        const SessionRef other = studio.model.pictures().sessions().front();
         studio.fill(kDot);
-        studio.model.newDocument(50, 50, 72, std::nullopt, "Two");
+        studio.model.pictures().newDocument(50, 50, 72, std::nullopt, "Two");
         studio.fill({5, 5, 10, 10});
-        studio.model.beginTransform();
+        studio.model.transform().beginTransform();
         studio.desktop.answers = {0};
         studio.desktop.savePaths = {studio.path("other.qirnpaint")};
-        QVERIFY(studio.model.close(*other) && studio.model.sessions().size() == 1);
-        QVERIFY(studio.model.transform() && studio.doc().undoDepth() == 1);
-        studio.model.newDocument(50, 50, 72, std::nullopt, "Three");
+        QVERIFY(studio.model.pictures().close(*other) && studio.model.pictures().sessions().size() == 1);
+        QVERIFY(studio.model.transform().state() && studio.doc().undoDepth() == 1);
+        studio.model.pictures().newDocument(50, 50, 72, std::nullopt, "Three");
         studio.fill({5, 5, 10, 10});
         studio.desktop.answers = {0, 1};
         studio.desktop.savePaths = {studio.path("one.qirnpaint")};
-        QVERIFY(!studio.model.shouldQuit());
+        QVERIFY(!studio.model.pictures().shouldQuit());
         QVERIFY(QFile::exists(studio.path("one.qirnpaint")));
-        QCOMPARE(studio.model.sessions().size(), std::size_t{1});
+        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(studio.session().name, "Three");
         studio.desktop.answers = {2};
-        QVERIFY(studio.model.shouldQuit());
+        QVERIFY(studio.model.pictures().shouldQuit());
         QVERIFY(QDir(AppFolders::autosave()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     }
 
@@ -307,7 +320,7 @@ private Q_SLOTS:
         Studio studio;
         const auto copiesAfterATick = [&] {
             studio.session().lastAutosave = {};
-            studio.model.autosaveTick();
+            studio.model.safety().autosaveTick();
             BackgroundQueue::finish();
             return QDir(AppFolders::autosave()).entryList({"*.qirnpaint"}).size();
         };
@@ -320,9 +333,9 @@ private Q_SLOTS:
         QCOMPARE(copiesAfterATick(), 0); // switched off
         studio.model.setPrefs(PaintPrefs());
         QCOMPARE(copiesAfterATick(), 1);
-        QVERIFY(studio.model.lastAutosaveText()->startsWith("Autosaved "));
+        QVERIFY(studio.model.safety().lastAutosaveText()->startsWith("Autosaved "));
         studio.desktop.savePaths = {studio.path("a.qirnpaint")};
-        studio.model.save(nullptr, PaintModel::SaveAs::no);
+        studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no);
         QCOMPARE(copiesAfterATick(), 0);
     }
 
@@ -339,7 +352,7 @@ private Q_SLOTS:
     void aPreviewedOpacityIsOneStepWhateverComesNext() {
         static const std::vector<QPointF> kWay{{50, 50}, {90, 90}};
         const std::pair<const char*, void (*)(Studio&)> nexts[] = {
-            {"rest", [](Studio& s) { s.model.commitOpacity(); }},
+            {"rest", [](Studio& s) { s.model.opacity().commit(); }},
             {"undo", [](Studio& s) { s.model.undo(); }},
             {"redo", [](Studio& s) { s.model.redo(); }},
             {"a stroke", [](Studio& s) { s.penStroke(kWay); }},
@@ -353,28 +366,28 @@ private Q_SLOTS:
                  s.model.setTool(Tool::shape);
                  s.penStroke(kWay);
              }},
-            {"floating pixels", [](Studio& s) { s.model.beginTransform(); }},
-            {"another layer", [](Studio& s) { s.model.setActiveLayer(0); }},
-            {"another layer's opacity", [](Studio& s) { s.model.previewOpacity(0, 0.5); }},
-            {"a command", [](Studio& s) { s.model.addLayer(); }},
-            {"another picture", [](Studio& s) { s.model.newCanvas(); }},
+            {"floating pixels", [](Studio& s) { s.model.transform().beginTransform(); }},
+            {"another layer", [](Studio& s) { LayerEdits::setActiveLayer(s.model, 0); }},
+            {"another layer's opacity", [](Studio& s) { s.model.opacity().show(0, 0.5); }},
+            {"a command", [](Studio& s) { LayerEdits::addLayer(s.model); }},
+            {"another picture", [](Studio& s) { s.model.pictures().newCanvas(); }},
         };
         for (const auto& [name, next] : nexts) {
             Studio studio;
             studio.fill(kDot);
             studio.fill({40, 40, 10, 10});
-            studio.model.beginTransform(); // ends with the first preview
-            studio.model.updateTransform([](TransformState& state) { state.center.rx() += 30; });
-            studio.model.previewOpacity(1, 1);
+            studio.model.transform().beginTransform(); // ends with the first preview
+            studio.model.transform().updateTransform([](TransformState& state) { state.center.rx() += 30; });
+            studio.model.opacity().show(1, 1);
             QCOMPARE(studio.doc().undoName(), "Transform");
             const uint64_t before = studio.doc().fingerprint();
-            for (const double opacity : {0.7, 0.4}) studio.model.previewOpacity(1, opacity);
+            for (const double opacity : {0.7, 0.4}) studio.model.opacity().show(1, opacity);
             QVERIFY(studio.model.canUndo() && !studio.model.canRedo());
             PaintDocument& doc = studio.doc();
             next(studio);
             while (doc.undoDepth() > 3) doc.undo();
             QVERIFY2(doc.fingerprint() == before && doc.redoName() == "Layer Opacity", name);
-            studio.model.commitOpacity(); // as the slider has come to rest
+            studio.model.opacity().commit(); // as the slider has come to rest
             QVERIFY2(doc.canRedo(), name);
         }
     }
@@ -382,30 +395,30 @@ private Q_SLOTS:
     void refusalsLeaveNoStep() {
         Studio studio;
         studio.model.undo();
-        QVERIFY(studio.desktop.beeps == 1 && !studio.model.hud());
-        studio.model.setActiveLayer(0);
+        QVERIFY(studio.desktop.beeps == 1 && !studio.model.messages().hud());
+        LayerEdits::setActiveLayer(studio.model, 0);
         studio.doc().layer(1).isVisible = false;
-        studio.model.mergeVisible();
-        studio.model.mergeDown();
-        QCOMPARE(studio.model.hud(), "There is no layer below to merge into");
-        studio.model.moveLayerDown();
-        studio.model.setActiveLayer(1);
-        studio.model.moveLayerUp();
-        studio.model.invertSelection();
-        studio.model.deselect();
+        LayerEdits::mergeVisible(studio.model);
+        LayerEdits::mergeDown(studio.model);
+        QCOMPARE(studio.model.messages().hud(), "There is no layer below to merge into");
+        LayerEdits::moveLayerDown(studio.model);
+        LayerEdits::setActiveLayer(studio.model, 1);
+        LayerEdits::moveLayerUp(studio.model);
+        CanvasEdits::invertSelection(studio.model);
+        CanvasEdits::deselect(studio.model);
         QCOMPARE(studio.doc().undoDepth(), int64_t{0});
         studio.fill(kDot);
         studio.desktop.answers = {1};
-        studio.model.deleteLayer();
+        LayerEdits::deleteLayer(studio.model);
         QCOMPARE(studio.desktop.asked.back().title, "Delete the layer \"Layer 1\"?");
         QCOMPARE(studio.doc().layerCount(), int64_t{2});
-        studio.model.toggleLock();
-        studio.model.clearLayer();
-        QCOMPARE(studio.model.hud(), "The layer \"Layer 1\" is locked");
+        LayerEdits::toggleLock(studio.model);
+        LayerEdits::clearLayer(studio.model);
+        QCOMPARE(studio.model.messages().hud(), "The layer \"Layer 1\" is locked");
         studio.model.undo();
-        QCOMPARE(studio.model.hud(), "Undo Lock");
+        QCOMPARE(studio.model.messages().hud(), "Undo Lock");
         studio.model.redo();
-        QCOMPARE(studio.model.hud(), "Redo Lock");
+        QCOMPARE(studio.model.messages().hud(), "Redo Lock");
         studio.model.redo();
         QCOMPARE(studio.desktop.beeps, 2);
     }

@@ -1,5 +1,6 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
+#include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"

@@ -2,8 +2,13 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/Store.h"
 #include "app/desktop/SuddenEnd.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
+#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
+#include "app/model/Safety.h"
 #include "support/Pictures.h"
 #include "support/ScriptedDesktop.h"
 #include "support/TestMain.h"
@@ -35,17 +40,17 @@ const PaintColor kFirst(1, 0, 0), kLast(0, 0, 1);
     PaintPrefs prefs;
     prefs.autosaveSeconds = 0;
     model.setPrefs(prefs);
-    model.newDocument(64, 64, 72, std::nullopt, "Kept");
+    model.pictures().newDocument(64, 64, 72, std::nullopt, "Kept");
     canvas.resize(300, 300);
     canvas.show();
-    model.fillSelection(kFirst);
+    CanvasEdits::fillSelection(model, kFirst);
     Recovery::write(*model.current(), Recovery::Synchronously::yes);
-    model.fillSelection(kLast);
-    if (gesture == "transform") model.beginTransform();
+    CanvasEdits::fillSelection(model, kLast);
+    if (gesture == "transform") model.transform().beginTransform();
     if (gesture == "stroke") QTest::mousePress(&canvas, Qt::LeftButton, {}, canvas.rect().center());
     for (const int number : {SIGTERM, SIGHUP, SIGINT})
         std::signal(number, SIG_DFL); // whatever we were started with
-    const SuddenEnd end([&] { model.keepWork(); });
+    const SuddenEnd end([&] { model.safety().keepWork(); });
     // As Qt does when it finds the display gone.
     if (way == "X11") QTimer::singleShot(0, [] { std::exit(1); });
     if (way == "Wayland") {

@@ -1,3 +1,6 @@
+#include "app/model/CanvasStatus.h"
+#include "app/model/Messages.h"
+#include "app/model/PendingTransform.h"
 #include "kit/QirnThemes.h"
 #include "shell/ColorWells.h"
 #include "shell/StatusItems.h"
@@ -145,12 +148,12 @@ private Q_SLOTS:
         Window w;
         const char* themes[] = {"cobalt-gunmetal", "rose-gold"};
         const auto choose = [&w](int i) { // the tools, then lifted pixels
-            w.model.cancelTransform();
-            i < int(kToolCount) ? w.model.setTool(kTools[i].tool) : w.model.beginTransform();
+            w.model.transform().cancelTransform();
+            i < int(kToolCount) ? w.model.setTool(kTools[i].tool) : w.model.transform().beginTransform();
         };
         w.fill({10, 10, 300, 200});
-        w.model.messageTime = 600'000;
-        w.model.flash("Undo Brush Stroke");
+        w.model.messages().shownFor = 600'000;
+        w.model.messages().flash("Undo Brush Stroke");
         w.model.status().setCursor({399, 299, true, 0.5});
         std::vector<std::unique_ptr<Recorder>> before;
         std::vector<std::map<const QWidget*, QSize>> sizes(kToolCount + 1);

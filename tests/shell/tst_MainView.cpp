@@ -1,4 +1,10 @@
 #include "app/desktop/QtDesktop.h"
+#include "app/files/DocSession.h"
+#include "app/model/CanvasStatus.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PendingTransform.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/DocTab.h"
 #include "shell/HudBubble.h"
@@ -89,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(walked, QStringList({"Untitled", "headerNew", "headerOpen", "headerSave", "headerExport",
                                       "headerUndo"}));
         QTest::mouseClick(tabs(w)[1]->findChild<QAbstractButton*>(), Qt::LeftButton);
-        QCOMPARE(w.model.sessions().size(), std::size_t(1));
+        QCOMPARE(w.model.pictures().sessions().size(), std::size_t(1));
         QTRY_COMPARE(tabs(w).size(), 1);
         w.desktop.answers.push_back(2); // Don't Save
         QTest::keyClick(tabs(w)[0], Qt::Key_Delete);
@@ -118,10 +124,10 @@ private Q_SLOTS:
         masked.mask = big32(0) + big32(0) + big32(2) + big32(2) + QByteArray(4, '\0');
         const QString path = w.folder.filePath("cat.psd");
         writeFile(path, PSDParts{.records = {masked, {.blocks = psdBlock("lfx2", "abcd")}}}.joined());
-        w.model.open(path);
+        w.model.pictures().open(path);
         QTRY_COMPARE(tabs(w).size(), 2);
         const QString told = "Opened without: masks, layer effects.";
-        QCOMPARE(w.model.hud(), told);
+        QCOMPARE(w.model.messages().hud(), told);
         QCOMPARE(tabs(w)[1]->toolTip(), QStringLiteral("cat (from PSD)\n") + told);
         w.desktop.savePaths.push_back(w.folder.filePath("kept.qirnpaint"));
         w.click("headerSave");
@@ -143,17 +149,17 @@ private Q_SLOTS:
         w.click("headerRedo");
         QVERIFY(w.doc().fingerprint() != blank);
         w.doc().resetHistory();
-        w.model.beginTransform(); // over a picture without steps
+        w.model.transform().beginTransform(); // over a picture without steps
         QVERIFY(undo.isEnabled());
         w.click("headerUndo");
-        QVERIFY(!w.model.transform() && !undo.isEnabled());
+        QVERIFY(!w.model.transform().state() && !undo.isEnabled());
     }
 
     void whatIsTypedStaysInItsField() {
         Window w;
         w.paint();
-        w.model.beginTransform();
-        const TransformState floating = *w.model.transform();
+        w.model.transform().beginTransform();
+        const TransformState floating = *w.model.transform().state();
         const int64_t changes = w.doc().changeCount();
         auto& hex = w.find<QLineEdit>("hex");
         auto& slider = w.find<ChromeSlider>("Rotate");
@@ -170,7 +176,7 @@ private Q_SLOTS:
                     open(field);
                     QTest::keyClick(field, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(keys << 25));
                     QVERIFY2(QApplication::focusWidget() == field && slider.value() == 0 &&
-                                 w.model.transform()->center == floating.center,
+                                 w.model.transform().state()->center == floating.center,
                              qPrintable(QKeySequence(key | keys << 25).toString()));
                 }
             }
@@ -179,9 +185,9 @@ private Q_SLOTS:
                 QTest::keyClick(field, end);
                 QVERIFY(QApplication::focusWidget() != field);
             }
-            QVERIFY(w.model.transform() && w.doc().changeCount() == changes);
+            QVERIFY(w.model.transform().state() && w.doc().changeCount() == changes);
         }
-        QCOMPARE(hex.text(), w.model.primary().hex());
+        QCOMPARE(hex.text(), w.model.colors().primary().hex());
         hex.setFocus();
         hex.clear();
         QTest::keyClicks(&hex, "b");
@@ -217,14 +223,14 @@ private Q_SLOTS:
         Window w;
         auto& bubble = w.find<HudBubble>();
         QVERIFY(!bubble.isVisible());
-        w.model.flash("Undo Brush Stroke");
+        w.model.messages().flash("Undo Brush Stroke");
         QVERIFY(bubble.isVisible());
         QCOMPARE(bubble.text(), "Undo Brush Stroke");
         QCOMPARE(w.canvas().childAt(bubble.geometry().center()), nullptr);
         const int middle = w.canvas().width() / 2;
         QVERIFY(qAbs(bubble.geometry().center().x() - middle) <= 1);
-        w.model.messageTime = 1;
-        w.model.flash(QString(500, u'm')); // longer than the canvas is wide
+        w.model.messages().shownFor = 1;
+        w.model.messages().flash(QString(500, u'm')); // longer than the canvas is wide
         QVERIFY(w.canvas().rect().contains(bubble.geometry()));
         QTRY_VERIFY(!bubble.isVisible());
     }

@@ -1,3 +1,5 @@
+#include "app/edits/LayerEdits.h"
+#include "app/model/Colors.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/ColorWells.h"
 #include "shell/panels/ColorPlane.h"
@@ -97,7 +99,7 @@ private Q_SLOTS:
             return w.find<QListWidget>("layers").item(1)->data(LayerRowDelegate::kMarksRole).toString();
         };
         QCOMPARE(marks(), QString());
-        w.model.setLayer(0, "Change", [](Layer& layer) {
+        LayerEdits::setLayer(w.model, 0, "Change", [](Layer& layer) {
             layer.opacity = 0.5;
             layer.isClipping = layer.isLocked = layer.alphaLocked = true;
         });
@@ -106,7 +108,7 @@ private Q_SLOTS:
 
     void wellsShowSwapAndResetTheColours() {
         Window w;
-        w.model.pick(PaintColor::fromBytes(10, 20, 30), PaintModel::AddRecent::no);
+        w.model.colors().pick(PaintColor::fromBytes(10, 20, 30), Colors::AddRecent::no);
         auto& primary = w.find<ColorSquare>("primaryColor");
         QCOMPARE(primary.color(), QColor(10, 20, 30));
         // The part of the second colour that stands out behind the first.
@@ -129,14 +131,14 @@ private Q_SLOTS:
         dragOver(plane, {0.9, 0.1}, {1.0, 1.5}); // from the square down past the strip
         QCOMPARE(plane.color().h, before.h);
         QCOMPARE(plane.color().v, 0.0);
-        QCOMPARE(w.model.primary().hex(), "#000000");
-        QVERIFY(w.model.recent().empty());
-        w.model.pick(PaintColor::fromHSV(0.6, 0.8, 0.9), PaintModel::AddRecent::no);
+        QCOMPARE(w.model.colors().primary().hex(), "#000000");
+        QVERIFY(w.model.colors().recent().empty());
+        w.model.colors().pick(PaintColor::fromHSV(0.6, 0.8, 0.9), Colors::AddRecent::no);
         const HueColor blue = plane.color();
         QVERIFY(qAbs(blue.h - 0.6) < 0.01);
-        w.model.pick(PaintColor::black(), PaintModel::AddRecent::no);
+        w.model.colors().pick(PaintColor::black(), Colors::AddRecent::no);
         QCOMPARE(plane.color(), (HueColor{blue.h, blue.s, 0}));
-        w.model.pick(PaintColor::white(), PaintModel::AddRecent::no);
+        w.model.colors().pick(PaintColor::white(), Colors::AddRecent::no);
         QCOMPARE(plane.color(), (HueColor{blue.h, 0, 1}));
         // A hex number is taken on Return, and a bad one changes nothing.
         auto& hex = w.find<QLineEdit>("hex");
@@ -144,8 +146,8 @@ private Q_SLOTS:
             hex.setFocus();
             hex.setText(typed);
             QTest::keyClick(&hex, Qt::Key_Return);
-            QCOMPARE(w.model.primary().hex(), "#B3001B");
-            QCOMPARE(w.model.recent().size(), std::size_t(1));
+            QCOMPARE(w.model.colors().primary().hex(), "#B3001B");
+            QCOMPARE(w.model.colors().recent().size(), std::size_t(1));
             QCOMPARE(hex.text(), "#B3001B");
             QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
         }

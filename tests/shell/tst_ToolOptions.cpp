@@ -1,3 +1,5 @@
+#include "app/model/Brushes.h"
+#include "app/model/PendingTransform.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/ChromeToggle.h"
@@ -65,47 +67,47 @@ private Q_SLOTS:
     void liftedPixelsHaveTheirOwnOptions() {
         Window w;
         w.paint();
-        w.model.beginTransform();
+        w.model.transform().beginTransform();
         QCOMPARE(shownControls(w), "Scale, Rotate, Flip ↔, Apply (Return)");
         w.find<ChromeSlider>("Scale").setFocus();
-        w.model.updateTransform([](TransformState& state) {
+        w.model.transform().updateTransform([](TransformState& state) {
             state.scaleX = state.scaleY = 2;
             state.angle = 270;
         });
         QCOMPARE(w.find<ChromeSlider>("Scale").value(), 2.0);
         QCOMPARE(w.find<ChromeSlider>("Rotate").value(), -90.0);
         w.click("Flip ↔");
-        QVERIFY(w.model.transform()->flipH);
+        QVERIFY(w.model.transform().state()->flipH);
         w.model.setTool(Tool::bucket);
-        QVERIFY(!w.model.transform());
+        QVERIFY(!w.model.transform().state());
         QCOMPARE(w.doc().undoName(), "Transform");
     }
 
     void aSliderSetsTheBrushOfItsToolAndKeepsALargerSize() {
         Window w;
-        const double pen = w.model.activeBrush().opacity;
+        const double pen = w.model.brushes().activeBrush().opacity;
         w.model.setTool(Tool::eraser);
         dragOver(w.find<ChromeSlider>("Opacity"), {0.2, 0.5}, {0.5, 0.5});
-        QCOMPARE(w.model.activeBrush().opacity, 0.5);
+        QCOMPARE(w.model.brushes().activeBrush().opacity, 0.5);
         w.model.setTool(Tool::brush);
-        QCOMPARE(w.model.activeBrush().opacity, pen);
+        QCOMPARE(w.model.brushes().activeBrush().opacity, pen);
         QCOMPARE(w.find<ChromeSlider>("Opacity").value(), pen);
         auto& size = w.find<ChromeSlider>("Size");
         size.enter(400);
         QTest::keyClick(&w.canvas(), Qt::Key_BracketRight, {});
-        const double grown = w.model.activeBrush().size;
+        const double grown = w.model.brushes().activeBrush().size;
         QVERIFY(grown > 400);
         QCOMPARE(size.valueText(), "400 px");
         w.model.announce();
-        QCOMPARE(w.model.activeBrush().size, grown);
+        QCOMPARE(w.model.brushes().activeBrush().size, grown);
         size.enter(20);
-        QCOMPARE(w.model.activeBrush().size, 20.0);
+        QCOMPARE(w.model.brushes().activeBrush().size, 20.0);
     }
 
     void thePresetMenuGroupsTheToolsBrushesAndChoosesOne() {
         Window w;
         auto& button = w.find<BrushPresetMenu>();
-        QCOMPARE(button.text(), w.model.activeBrush().name);
+        QCOMPARE(button.text(), w.model.brushes().activeBrush().name);
         Q_EMIT button.menu()->aboutToShow();
         QSet<QString> categories;
         qsizetype brushes = 0;
@@ -119,11 +121,11 @@ private Q_SLOTS:
                 if (brush->text() == "Charcoal") charcoal = brush;
             }
         }
-        QCOMPARE(brushes, w.model.brushesFor(Tool::brush).size());
+        QCOMPARE(brushes, w.model.brushes().brushesFor(Tool::brush).size());
         QCOMPARE(categories.size(), button.menu()->actions().size());
         QVERIFY(charcoal);
         charcoal->trigger();
-        QCOMPARE(w.model.activeBrush().name, "Charcoal");
+        QCOMPARE(w.model.brushes().activeBrush().name, "Charcoal");
         QCOMPARE(button.text(), "Charcoal");
         w.model.setTool(Tool::eraser);
         Q_EMIT button.menu()->aboutToShow();

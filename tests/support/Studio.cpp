@@ -1,4 +1,5 @@
 #include "support/Studio.h"
+#include "app/model/OpenPictures.h"
 
 #include "app/files/DocSession.h"
 #include "operations/Selection.h"
@@ -36,7 +37,7 @@ Studio::Studio()
       eraserEnd(QStringLiteral("eraser"), 2, QInputDevice::DeviceType::Stylus,
                 QPointingDevice::PointerType::Eraser, kCapabilities, 1, 1) {
     canvas.strokeSeed = [] { return uint64_t{1}; };
-    model.newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
+    model.pictures().newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Test"));
     canvas.resize(800, 600);
     canvas.show();
     canvas.actualPixels();

@@ -2,6 +2,7 @@
 #include "app/canvas/CanvasView.h"
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/Store.h"
+#include "app/model/Brushes.h"
 #include "app/model/PaintModel.h"
 #include "brush/StrokePoint.h"
 #include "support/Files.h"
@@ -57,9 +58,9 @@ struct OwnWorld {
         model.setOptions(options);
     }
     template <class T> void set(T BrushSettings::*field, const std::type_identity_t<T>& value) {
-        BrushSettings brush = model.activeBrush();
+        BrushSettings brush = model.brushes().activeBrush();
         brush.*field = value;
-        model.setActiveBrush(brush);
+        model.brushes().setActiveBrush(brush);
     }
 };
 

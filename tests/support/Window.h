@@ -1,5 +1,6 @@
 #pragma once
 #include "app/files/DocSession.h"
+#include "app/model/OpenPictures.h"
 #include "kit/QirnKit.h"
 #include "shell/MainView.h"
 #include "support/Studio.h"
@@ -14,7 +15,7 @@ struct Window : OwnWorld {
     MainView view{model};
 
     Window() {
-        model.newDocument(400, 300, 72, PaintColor::white(), "Test");
+        model.pictures().newDocument(400, 300, 72, PaintColor::white(), "Test");
         showActive(view);
     }
 

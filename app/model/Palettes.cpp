@@ -1,8 +1,12 @@
-// The palettes: built-in ones, which stay as they are, and the user's own, which are edited and exchanged.
-#include "app/model/PaintModel.h"
+#include "app/model/Palettes.h"
 
+#include "app/desktop/AppFolders.h"
 #include "app/desktop/Desktop.h"
 #include "app/desktop/FileTypes.h"
+#include "app/desktop/Store.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/model/PaintModel.h"
 #include "formats/palettes/PaletteLibrary.h"
 #include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
@@ -15,13 +19,34 @@
 
 namespace qirn {
 
-std::vector<Palette> PaintModel::allPalettes() const {
+namespace {
+
+const QString kPaletteKey = QStringLiteral("qirn.pt.palette");
+
+} // namespace
+
+Palettes::Palettes(PaintModel& model)
+    : model_(model),
+      file_(AppFolders::palettesFile()),
+      paletteID_(PaletteLibrary::builtIn().front().id) {}
+
+void Palettes::load(const Store& store) {
+    userPalettes_ = file_.load();
+    const QUuid id(store.text(kPaletteKey).value_or(QString()));
+    if (!id.isNull()) paletteID_ = id;
+}
+
+void Palettes::save(Store& store) const {
+    store.setText(kPaletteKey, paletteID_.toString(QUuid::WithoutBraces).toUpper());
+}
+
+std::vector<Palette> Palettes::allPalettes() const {
     std::vector<Palette> all = PaletteLibrary::builtIn();
     all.insert(all.end(), userPalettes_.begin(), userPalettes_.end());
     return all;
 }
 
-const Palette& PaintModel::currentPalette() const {
+const Palette& Palettes::currentPalette() const {
     for (const auto* list : {&PaletteLibrary::builtIn(), &userPalettes_}) {
         const auto found = std::find_if(list->begin(), list->end(),
                                         [this](const Palette& palette) { return palette.id == paletteID_; });
@@ -30,19 +55,19 @@ const Palette& PaintModel::currentPalette() const {
     return PaletteLibrary::builtIn().front();
 }
 
-void PaintModel::selectPalette(const QUuid& id) {
+void Palettes::selectPalette(const QUuid& id) {
     if (id == paletteID_) return;
     paletteID_ = id;
-    saveState();
-    announce();
+    model_.saveState();
+    model_.announce();
 }
 
-void PaintModel::savePalettes() {
-    userPaletteFile_.save(userPalettes_);
-    announce();
+void Palettes::savePalettes() {
+    file_.save(userPalettes_);
+    model_.announce();
 }
 
-std::size_t PaintModel::addOwnPalette(Palette palette) {
+std::size_t Palettes::addOwnPalette(Palette palette) {
     userPalettes_.push_back(std::move(palette));
     selectPalette(userPalettes_.back().id);
     return userPalettes_.size() - 1;
@@ -50,50 +75,51 @@ std::size_t PaintModel::addOwnPalette(Palette palette) {
 
 // --- Editing
 
-void PaintModel::newPalette(const QString& name, FromRecent fromRecent) {
+void Palettes::newPalette(const QString& name, FromRecent fromRecent) {
     Palette palette;
     palette.id = QUuid::createUuid();
     palette.name = name.isEmpty() ? tr("My Palette") : name;
     if (fromRecent == FromRecent::yes) {
-        for (const PaintColor& color : recent_) palette.colors.push_back({color, {}});
+        for (const PaintColor& color : model_.colors().recent()) palette.colors.push_back({color, {}});
     } else {
-        palette.colors.push_back({primary_, {}});
+        palette.colors.push_back({model_.colors().primary(), {}});
     }
     addOwnPalette(std::move(palette));
     savePalettes();
 }
 
-std::size_t PaintModel::editablePaletteIndex() {
+std::size_t Palettes::editablePaletteIndex() {
     const auto found = std::find_if(userPalettes_.begin(), userPalettes_.end(),
                                     [this](const Palette& palette) { return palette.id == paletteID_; });
     if (found != userPalettes_.end()) return checkedSize(found - userPalettes_.begin());
     return addOwnPalette(ownCopyOf(currentPalette()));
 }
 
-void PaintModel::addToPalette(const PaintColor& color) {
+void Palettes::addToPalette(const PaintColor& color) {
     userPalettes_[editablePaletteIndex()].colors.push_back({color, {}});
     savePalettes();
 }
 
-void PaintModel::removeFromPalette(std::size_t index) {
+void Palettes::removeFromPalette(std::size_t index) {
     if (index >= currentPalette().colors.size()) return; // before a copy is made for nothing
     auto& colors = userPalettes_[editablePaletteIndex()].colors;
     colors.erase(colors.begin() + static_cast<std::ptrdiff_t>(index));
     savePalettes();
 }
 
-void PaintModel::renamePalette(const QString& name) {
+void Palettes::renamePalette(const QString& name) {
     if (name.isEmpty()) return;
     userPalettes_[editablePaletteIndex()].name = name;
     savePalettes();
 }
 
-void PaintModel::deletePalette() {
+void Palettes::deletePalette() {
     const Palette palette = currentPalette();
     const auto same = [&](const Palette& own) { return own.id == palette.id; };
     if (std::none_of(userPalettes_.begin(), userPalettes_.end(), same)) return;
-    if (!confirm(tr("Delete the palette \"%1\"?").arg(palette.name),
-                 tr("Only this color palette is removed. Your pictures are not changed."))) {
+    if (!model_.messages().confirm(
+            tr("Delete the palette \"%1\"?").arg(palette.name),
+            tr("Only this color palette is removed. Your pictures are not changed."))) {
         return;
     }
     std::erase_if(userPalettes_, same);
@@ -103,34 +129,35 @@ void PaintModel::deletePalette() {
 
 // --- Files
 
-void PaintModel::importPalette() {
-    for (const QString& path : desktop_.openFiles(FileTypes::palettes(), Desktop::Several::yes)) {
+void Palettes::importPalette() {
+    for (const QString& path : model_.desktop().openFiles(FileTypes::palettes(), Desktop::Several::yes)) {
         const QString file = QFileInfo(path).fileName();
         try {
             const QByteArray bytes = readFile(path);
             const std::size_t index = addOwnPalette(PaletteLibrary::read(bytesOf(bytes), file));
             savePalettes();
             const Palette& palette = userPalettes_[index];
-            flash(tr("Imported %1 colors from %2").arg(palette.colors.size()).arg(palette.name));
+            model_.messages().flash(
+                tr("Imported %1 colors from %2").arg(palette.colors.size()).arg(palette.name));
         } catch (const DescribedError& error) {
-            alert(tr("Couldn't import %1").arg(file), error.description());
+            model_.messages().alert(tr("Couldn't import %1").arg(file), error.description());
         }
     }
 }
 
-void PaintModel::exportPalette(PaletteFile file) {
+void Palettes::exportPalette(PaletteFile file) {
     const Palette palette = currentPalette();
     const FileType type = file == PaletteFile::aco ? FileTypes::aco() : FileTypes::gpl();
     const auto path =
-        desktop_.saveFile(FileTypes::fileName(palette.name, type.extensions.front()), {type}, {});
+        model_.desktop().saveFile(FileTypes::fileName(palette.name, type.extensions.front()), {type}, {});
     if (!path) return;
     try {
         writeAtomically(*path, bytesOf(file == PaletteFile::aco ? PaletteLibrary::aco(palette)
                                                                 : PaletteLibrary::gpl(palette).toUtf8()));
     } catch (const DescribedError& error) {
-        return alert(tr("Couldn't export the palette"), error.description());
+        return model_.messages().alert(tr("Couldn't export the palette"), error.description());
     }
-    flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
+    model_.messages().flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
 }
 
 } // namespace qirn

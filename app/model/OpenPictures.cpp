@@ -1,14 +1,14 @@
-// The life of a picture: new, opened, saved, closed, recovered.
-#include "app/model/PaintModel.h"
+#include "app/model/OpenPictures.h"
 
-#include "app/desktop/AppFolders.h"
-#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Desktop.h"
+#include "app/desktop/Failures.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
 #include "app/files/Recovery.h"
-#include "app/model/Guarded.h"
+#include "app/model/CanvasPort.h"
+#include "app/model/Messages.h"
+#include "app/model/PaintModel.h"
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
 #include "platform/AtomicFile.h"
@@ -27,7 +27,6 @@ namespace qirn {
 
 namespace {
 
-constexpr int kAutosaveTick = 10'000; // milliseconds; shorter than the shortest interval
 constexpr int64_t kMostCanvasPixels = 900'000'000;
 constexpr int kStarterWidth = 1920, kStarterHeight = 1080, kStarterDpi = 72;
 
@@ -47,48 +46,51 @@ ImageImport::Imported readPicture(const QString& path) {
 
 } // namespace
 
-void PaintModel::showOnCanvas(DocSession& session) {
-    canvas_->showSession(session);
+DocSession* OpenPictures::current() const {
+    const auto found = std::find_if(sessions_.begin(), sessions_.end(),
+                                    [&](const SessionRef& s) { return s->id == currentID_; });
+    if (found != sessions_.end()) return found->get();
+    return sessions_.empty() ? nullptr : sessions_.front().get();
 }
 
 // --- New pictures and tabs
 
-void PaintModel::newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
-                             const QString& name) {
+void OpenPictures::newDocument(int64_t width, int64_t height, double dpi,
+                               std::optional<PaintColor> background, const QString& name) {
     if (width > 0 && height > 0 && width > kMostCanvasPixels / height) return;
     auto doc = std::make_unique<PaintDocument>(width, height, dpi, background);
     add(std::make_shared<DocSession>(std::move(doc), name.isEmpty() ? tr("Untitled") : name));
 }
 
-void PaintModel::newCanvas() {
-    const auto paper = prefs_.newDocTransparent ? std::nullopt : std::optional(PaintColor::white());
+void OpenPictures::newCanvas() {
+    const auto paper = model_.prefs().newDocTransparent ? std::nullopt : std::optional(PaintColor::white());
     newDocument(kStarterWidth, kStarterHeight, kStarterDpi, paper, {});
 }
 
-void PaintModel::ensureDocument() {
+void OpenPictures::ensureDocument() {
     if (sessions_.empty()) newCanvas();
 }
 
-bool PaintModel::isUntouchedStarter(const DocSession& session) const {
+bool OpenPictures::isUntouchedStarter(const DocSession& session) const {
     return session.fileURL.isEmpty() && !session.isDirty() && session.doc().undoDepth() == 0 &&
            session.name == tr("Untitled");
 }
 
-void PaintModel::add(SessionRef session) {
-    finishGesture();
-    session->doc().maxUndoSteps = prefs_.undoSteps;
+void OpenPictures::add(SessionRef session) {
+    model_.finishGesture();
+    session->doc().maxUndoSteps = model_.prefs().undoSteps;
     if (sessions_.size() == 1 && isUntouchedStarter(*sessions_.front())) {
         Recovery::discard(sessions_.front()->id);
         remove(*sessions_.front());
     }
     sessions_.push_back(session);
     currentID_ = session->id;
-    showOnCanvas(*session);
-    announce();
+    model_.canvas().showSession(*session);
+    model_.announce();
 }
 
-void PaintModel::addRecovered(SessionRef session) {
-    finishGesture();
+void OpenPictures::addRecovered(SessionRef session) {
+    model_.finishGesture();
     const bool replaces = sessions_.size() == 1 && sessions_.front()->fileURL.isEmpty() &&
                           !sessions_.front()->isDirty() && sessions_.front()->doc().undoDepth() == 0;
     if (replaces) {
@@ -98,27 +100,28 @@ void PaintModel::addRecovered(SessionRef session) {
     add(std::move(session));
 }
 
-void PaintModel::remove(DocSession& session) {
-    canvas_->forgetSession(session);
+void OpenPictures::remove(DocSession& session) {
+    model_.canvas().forgetSession(session);
     std::erase_if(sessions_, [&](const SessionRef& s) { return s.get() == &session; });
 }
 
-void PaintModel::select(DocSession& session) {
+void OpenPictures::select(DocSession& session) {
     if (session.id == currentID_) return;
-    finishGesture();
+    model_.finishGesture();
     currentID_ = session.id;
-    showOnCanvas(session);
-    announce();
+    model_.canvas().showSession(session);
+    model_.announce();
 }
 
 // --- Open and save
 
-void PaintModel::openPanel() {
-    finishGesture();
-    for (const QString& path : desktop_.openFiles(FileTypes::open(), Desktop::Several::yes)) open(path);
+void OpenPictures::openPanel() {
+    model_.finishGesture();
+    for (const QString& path : model_.desktop().openFiles(FileTypes::open(), Desktop::Several::yes))
+        open(path);
 }
 
-void PaintModel::open(const QString& path) {
+void OpenPictures::open(const QString& path) {
     const QString standard = standardized(path);
     for (const SessionRef& session : sessions_) {
         if (!session->fileURL.isEmpty() && standardized(session->fileURL.toLocalFile()) == standard)
@@ -129,7 +132,7 @@ void PaintModel::open(const QString& path) {
     try {
         picture = readPicture(path);
     } catch (const std::exception& error) {
-        return alert(tr("Couldn't open %1").arg(info.fileName()), failureText(error));
+        return model_.messages().alert(tr("Couldn't open %1").arg(info.fileName()), failureText(error));
     }
     const bool native = FileTypes::isNative(path);
     const QString base = info.completeBaseName();
@@ -138,17 +141,17 @@ void PaintModel::open(const QString& path) {
         std::move(picture.document), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
     session->remark = wordsOf(picture.remarks);
     add(session);
-    if (!session->remark.isEmpty()) flash(session->remark);
-    desktop_.noteRecentFile(info.absoluteFilePath());
+    if (!session->remark.isEmpty()) model_.messages().flash(session->remark);
+    model_.desktop().noteRecentFile(info.absoluteFilePath());
 }
 
-bool PaintModel::save(DocSession* session, SaveAs as) {
+bool OpenPictures::save(DocSession* session, SaveAs as) {
     if (!session) session = current();
     if (!session) return false;
-    if (session == current()) finishGesture();
+    if (session == current()) model_.finishGesture();
     QString path = session->fileURL.toLocalFile();
     if (as == SaveAs::yes || session->fileURL.isEmpty()) {
-        const auto chosen = desktop_.saveFile(
+        const auto chosen = model_.desktop().saveFile(
             FileTypes::fileName(session->name, extension()), {FileTypes::native()},
             tr("Qirn Paint documents keep every layer. Use File → Export for PNG, JPEG, TIFF or PSD."));
         if (!chosen) return false;
@@ -157,7 +160,8 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     try {
         writeAtomically(path, bytesOf(PaintFile::encode(session->doc())));
     } catch (const std::exception& error) {
-        alert(tr("Couldn't save"), failureText(error) + tr("\n\nYour work is still open and autosaved."));
+        model_.messages().alert(tr("Couldn't save"),
+                                failureText(error) + tr("\n\nYour work is still open and autosaved."));
         return false;
     }
     const QFileInfo info(path);
@@ -167,42 +171,43 @@ bool PaintModel::save(DocSession* session, SaveAs as) {
     session->savedChange = session->autosavedChange = session->doc().changeCount();
     Recovery::discard(session->id);
     session->announceChange();
-    announce();
-    desktop_.noteRecentFile(info.absoluteFilePath());
-    flash(tr("Saved %1").arg(info.fileName()));
+    model_.announce();
+    model_.desktop().noteRecentFile(info.absoluteFilePath());
+    model_.messages().flash(tr("Saved %1").arg(info.fileName()));
     return true;
 }
 
-void PaintModel::exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground) {
+void OpenPictures::exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground) {
     const DocSession* session = current();
     if (!session) return;
-    finishGesture();
+    model_.finishGesture();
     const FileType type = FileTypes::exported(format);
     const auto path =
-        desktop_.saveFile(FileTypes::fileName(session->name, type.extensions.front()), {type}, {});
+        model_.desktop().saveFile(FileTypes::fileName(session->name, type.extensions.front()), {type}, {});
     if (!path) return;
     try {
         writeAtomically(*path,
                         bytesOf(ImageExport::data(session->doc(), format, jpegQuality, jpegBackground)));
     } catch (const std::exception& error) {
-        return alert(tr("Couldn't export"), failureText(error));
+        return model_.messages().alert(tr("Couldn't export"), failureText(error));
     }
-    flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
+    model_.messages().flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
 }
 
 // --- Close and quit
 
-bool PaintModel::close(DocSession& session) {
+bool OpenPictures::close(DocSession& session) {
     const bool wasCurrent = current() == &session;
-    if (wasCurrent) finishGesture();
+    if (wasCurrent) model_.finishGesture();
     if (!session.isDirty()) {
         Recovery::discard(session.id);
     } else {
-        const int answer = desktop_.ask(tr("Save changes to \"%1\"?").arg(session.name),
-                                        tr("If you don't save, your changes are moved to the Trash as an "
-                                           "autosave copy (you can still get them "
-                                           "back from the Trash)."),
-                                        {tr("Save…"), tr("Cancel"), tr("Don't Save")}, 1);
+        const int answer =
+            model_.desktop().ask(tr("Save changes to \"%1\"?").arg(session.name),
+                                 tr("If you don't save, your changes are moved to the Trash as an "
+                                    "autosave copy (you can still get them "
+                                    "back from the Trash)."),
+                                 {tr("Save…"), tr("Cancel"), tr("Don't Save")}, 1);
         if (answer == 1) return false;
         if (answer == 0 && !save(&session, SaveAs::no)) return false;
         if (answer == 2 && !leaveInTrash(session)) return false;
@@ -212,13 +217,13 @@ bool PaintModel::close(DocSession& session) {
     if (wasCurrent) {
         currentID_ = sessions_.empty() ? QUuid() : sessions_.back()->id;
         ensureDocument();
-        showOnCanvas(*current());
+        model_.canvas().showSession(*current());
     }
-    announce();
+    model_.announce();
     return true;
 }
 
-bool PaintModel::leaveInTrash(DocSession& session) {
+bool OpenPictures::leaveInTrash(DocSession& session) {
     QString reason;
     try {
         Recovery::moveToTrash(session);
@@ -228,19 +233,19 @@ bool PaintModel::leaveInTrash(DocSession& session) {
     } catch (const std::bad_alloc&) {
         reason = tr("There is not enough memory.");
     }
-    if (desktop_.ask(tr("Close \"%1\" without a copy?").arg(session.name), reason,
-                     {tr("Cancel"), tr("Close")}, 0) == 0)
+    if (model_.desktop().ask(tr("Close \"%1\" without a copy?").arg(session.name), reason,
+                             {tr("Cancel"), tr("Close")}, 0) == 0)
         return false;
     Recovery::discard(session.id);
     return true;
 }
 
-void PaintModel::closeCurrent() {
+void OpenPictures::closeCurrent() {
     if (DocSession* session = current()) close(*session);
 }
 
-bool PaintModel::shouldQuit() {
-    finishGesture();
+bool OpenPictures::shouldQuit() {
+    model_.finishGesture();
     const std::vector<SessionRef> open = sessions_;
     for (const SessionRef& session : open) {
         if (!session->isDirty()) continue;
@@ -248,43 +253,9 @@ bool PaintModel::shouldQuit() {
         if (!close(*session)) return false;
     }
     for (const SessionRef& session : sessions_) Recovery::discard(session->id);
-    saveState();
-    store_.flush();
+    model_.saveState();
+    model_.store().flush();
     return true;
-}
-
-// --- Safety copies
-
-void PaintModel::keepWork() {
-    saveState();
-    store_.write(); // first, since it is done at once
-    for (const SessionRef& session : sessions_) {
-        if (session->isDirty() && !Recovery::isUpToDate(*session))
-            Recovery::write(*session, Recovery::Synchronously::no);
-    }
-    BackgroundQueue::finish();
-}
-
-void PaintModel::startAutosave() {
-    autosaveTimer_.start(kAutosaveTick);
-}
-
-void PaintModel::autosaveTick() {
-    if (prefs_.autosaveSeconds <= 0) return;
-    const QDateTime now = QDateTime::currentDateTime();
-    for (const SessionRef& session : sessions_) {
-        const int64_t changes = session->doc().changeCount();
-        if (changes == session->savedChange || changes == session->autosavedChange) continue;
-        const bool recent =
-            session->lastAutosave.isValid() &&
-            static_cast<double>(session->lastAutosave.msecsTo(now)) < prefs_.autosaveSeconds * 1000;
-        // Lifted pixels are in no layer: a copy of such a moment would lack them.
-        const bool floating = transform_ && session.get() == current();
-        if (recent || floating || canvas_->isBusy()) continue;
-        Recovery::write(*session, Recovery::Synchronously::no);
-        lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));
-        announce();
-    }
 }
 
 } // namespace qirn

@@ -1,0 +1,86 @@
+#include "app/edits/CanvasEdits.h"
+
+#include "app/files/DocSession.h"
+#include "app/model/Messages.h"
+#include "app/model/PaintModel.h"
+#include "app/text/TextRenderer.h"
+#include "operations/Fill.h"
+#include "operations/LayerOperations.h"
+#include "operations/Reshape.h"
+#include "operations/Stamp.h"
+
+#include <QCoreApplication>
+
+namespace qirn::CanvasEdits {
+
+namespace {
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("qirn::CanvasEdits", text);
+}
+
+} // namespace
+
+// --- Selection
+
+void selectAll(PaintModel& model) {
+    model.edit(tr("Select All"), [](PaintDocument& doc) { qirn::selectAll(doc); });
+}
+
+void deselect(PaintModel& model) {
+    const DocSession* session = model.current();
+    if (!session || !session->doc().selection) return;
+    model.edit(tr("Deselect"), [](PaintDocument& doc) { qirn::deselect(doc); });
+}
+
+void invertSelection(PaintModel& model) {
+    const DocSession* session = model.current();
+    if (!session || !session->doc().selection) return;
+    model.edit(tr("Invert Selection"), [](PaintDocument& doc) { qirn::invertSelection(doc); });
+}
+
+// --- The canvas
+
+void fillSelection(PaintModel& model, const PaintColor& color) {
+    model.edit(
+        tr("Fill"), [&](PaintDocument& doc) { qirn::fillSelection(doc, color, 1); },
+        PaintModel::NeedsUnlockedLayer::yes);
+}
+
+void cropToSelection(PaintModel& model) {
+    const DocSession* session = model.current();
+    if (!session) return;
+    model.finishGesture();
+    if (!session->doc().selection) return model.messages().flash(tr("Make a selection first"));
+    model.edit(tr("Crop"), [](PaintDocument& doc) { cropTo(doc, doc.selection->bounds()); });
+}
+
+void rotateCanvas(PaintModel& model, int quarterTurns) {
+    const QString name = quarterTurns == 1   ? tr("Rotate 90° Clockwise")
+                         : quarterTurns == 2 ? tr("Rotate 180°")
+                                             : tr("Rotate 90° Counter-clockwise");
+    model.edit(name, [=](PaintDocument& doc) { rotate(doc, quarterTurns); });
+}
+
+void flipCanvasHorizontal(PaintModel& model) {
+    model.edit(tr("Flip Canvas Horizontal"),
+               [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::horizontal); });
+}
+
+void flipCanvasVertical(PaintModel& model) {
+    model.edit(tr("Flip Canvas Vertical"), [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::vertical); });
+}
+
+void placeText(PaintModel& model, const TextSpec& spec, QPointF topLeft) {
+    const auto rendered = TextRenderer::render(spec);
+    if (!rendered) return model.messages().flash(tr("Type some text first"));
+    model.edit(tr("Text"), [&](PaintDocument& doc) {
+        QString words = spec.text.left(24);
+        words.replace(u'\n', u' ');
+        qirn::addLayer(doc, tr("Text: %1").arg(words));
+        stamp(doc, *rendered->buffer, static_cast<int64_t>(topLeft.x() + rendered->x),
+              static_cast<int64_t>(topLeft.y() + rendered->y), doc.activeLayer(), 1, UseSelection::no);
+    });
+}
+
+} // namespace qirn::CanvasEdits

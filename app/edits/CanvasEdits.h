@@ -1,0 +1,30 @@
+#pragma once
+#include "core/PaintColor.h"
+
+#include <QPointF>
+
+namespace qirn {
+
+class PaintModel;
+struct TextSpec;
+
+/// The commands on the selection and on the whole of the current picture. Each is one undo step with a fixed name, each
+/// refusal one short message; without a picture they do nothing.
+namespace CanvasEdits {
+
+void selectAll(PaintModel& model);
+void deselect(PaintModel& model);
+void invertSelection(PaintModel& model);
+void fillSelection(PaintModel& model, const PaintColor& color);
+void cropToSelection(PaintModel& model);
+
+void rotateCanvas(PaintModel& model, int quarterTurns); ///< 1, 2 or 3, clockwise.
+void flipCanvasHorizontal(PaintModel& model);
+void flipCanvasVertical(PaintModel& model);
+
+void placeText(PaintModel& model, const TextSpec& spec,
+               QPointF topLeft); ///< Canvas point of the text's corner.
+
+} // namespace CanvasEdits
+
+} // namespace qirn

@@ -1,0 +1,42 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+
+#include <QString>
+
+namespace qirn {
+
+class Layer;
+class PaintModel;
+struct OnionSkin;
+
+/// The commands on the layers of the current picture. Each is one undo step with a fixed name, each refusal one short
+/// message; without a picture they do nothing.
+namespace LayerEdits {
+
+void addLayer(PaintModel& model);
+void duplicateLayer(PaintModel& model);
+void deleteLayer(PaintModel& model); ///< Asks first where the layer is not empty.
+void moveLayerUp(PaintModel& model);
+void moveLayerDown(PaintModel& model);
+void moveLayer(PaintModel& model, int64_t from, int64_t to);
+void mergeDown(PaintModel& model);
+void mergeVisible(PaintModel& model);
+void flatten(PaintModel& model);
+void clearLayer(PaintModel& model); ///< The selected pixels of the active layer, or all of them.
+
+void setLayer(PaintModel& model, int64_t index, const QString& name,
+              const std::function<void(Layer&)>& change);
+void toggleClipping(PaintModel& model);
+void toggleLock(PaintModel& model);
+void toggleAlphaLock(PaintModel& model);
+void toggleVisibility(PaintModel& model);
+
+// What follows is part of no undo step.
+void setActiveLayer(PaintModel& model, int64_t index);
+void setOnion(PaintModel& model, const std::function<void(OnionSkin&)>& change);
+void toggleOnion(PaintModel& model);
+
+} // namespace LayerEdits
+
+} // namespace qirn

@@ -1,0 +1,212 @@
+#include "app/files/PictureExchange.h"
+
+#include "app/desktop/Failures.h"
+#include "app/desktop/Typing.h"
+#include "formats/ImageImport.h"
+#include "formats/pictures/PngWriter.h"
+#include "formats/pictures/TiffWriter.h"
+#include "platform/Bytes.h"
+#include "platform/FilePath.h"
+#include "platform/QtImages.h"
+#include "platform/ReadFile.h"
+
+#include <chrono>
+
+#include <QDeadlineTimer>
+#include <QImage>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+#include <QUrl>
+
+namespace qirn {
+
+namespace {
+
+const QString kPng = QStringLiteral("image/png");
+const QString kTiff = QStringLiteral("image/tiff");
+
+/// Holds the pixels themselves, so that copying waits for no encoder and pasting here for no decoder.
+class CopiedPicture final : public QMimeData {
+public:
+    CopiedPicture(std::shared_ptr<const RGBABuffer> pixels, double dpi)
+        : pixels_(std::move(pixels)),
+          dpi_(dpi) {}
+
+    const std::shared_ptr<const RGBABuffer>& pixels() const { return pixels_; }
+    QStringList formats() const override { return {kPng, kTiff}; }
+    bool hasFormat(const QString& type) const override { return formats().contains(type); }
+
+protected:
+    QVariant retrieveData(const QString& type, QMetaType) const override {
+        QVariant data;
+        contained([&] {
+            if (type == kPng) {
+                if (png_.isEmpty()) png_ = ImageExport::pngData(image(), dpi_).value_or(QByteArray());
+                data = png_;
+            }
+            if (type == kTiff) {
+                if (tiff_.isEmpty()) tiff_ = tiffBytes(*pixels_, dpi_).value_or(QByteArray());
+                data = tiff_;
+            }
+        });
+        return data;
+    }
+
+private:
+    QImage image() const {
+        return imageOver(pixels_->data(), static_cast<int>(pixels_->width()),
+                         static_cast<int>(pixels_->height()));
+    }
+
+    std::shared_ptr<const RGBABuffer> pixels_;
+    double dpi_;
+    mutable QByteArray png_; // made once: clipboard programs ask again and again
+    mutable QByteArray tiff_;
+};
+
+std::shared_ptr<const RGBABuffer> decoded(const QByteArray& bytes) {
+    if (bytes.isEmpty()) return nullptr;
+    try {
+        const auto picture = ImageImport::decode(bytesOf(bytes));
+        return picture ? picture->layer->toBuffer() : nullptr;
+    } catch (const DescribedError&) {
+        return nullptr; // a file without a picture of its layers
+    }
+}
+
+std::shared_ptr<const RGBABuffer> decodedFile(const QString& path) {
+    try {
+        return decoded(readFile(path));
+    } catch (const ReadError&) {
+        return nullptr;
+    }
+}
+
+bool isPictureType(const QString& type) {
+    return type.startsWith(QStringLiteral("image/"));
+}
+
+/// Asks another program for one form after the other. The toolkit waits a second or five for each, then says that it
+/// is empty, and says so again at once whenever it is asked; nothing more is asked of a program that keeps it waiting.
+class Asked {
+public:
+    explicit Asked(const QMimeData& offer)
+        : offer_(offer),
+          formats_(inTime([&] { return offer.formats(); })) {}
+
+    /// Something that was promised did not come.
+    bool isLate() const { return isLate_; }
+    bool offers(const QString& type) const { return formats_.contains(type); }
+
+    std::shared_ptr<const RGBABuffer> pngOrTiff() {
+        if (const auto* ours = dynamic_cast<const CopiedPicture*>(&offer_)) return ours->pixels();
+        for (const QString& type : {kPng, kTiff}) {
+            if (auto pixels = form(type)) return pixels;
+        }
+        return nullptr;
+    }
+
+    std::shared_ptr<const RGBABuffer> file() {
+        if (!offers(QStringLiteral("text/uri-list"))) return nullptr;
+        const auto path = inTime([this] { return PictureExchange::firstFile(offer_).value_or(QString()); });
+        return path.isEmpty() ? nullptr : decodedFile(path);
+    }
+
+    /// Other programs offer BMP alone, or an image that the toolkit passes on.
+    std::shared_ptr<const RGBABuffer> otherForm() {
+        for (const QString& type : formats_) {
+            if (!isPictureType(type) || type == kPng || type == kTiff) continue;
+            if (auto pixels = form(type)) return pixels;
+        }
+        if (!offers(QStringLiteral("application/x-qt-image"))) return nullptr;
+        return RGBABuffer::fromImage(inTime([this] { return qvariant_cast<QImage>(offer_.imageData()); }));
+    }
+
+private:
+    std::shared_ptr<const RGBABuffer> form(const QString& type) {
+        if (!offers(type)) return nullptr;
+        const QByteArray bytes = inTime([&] { return offer_.data(type); });
+        isLate_ |= bytes.isEmpty();
+        return decoded(bytes);
+    }
+
+    /// What `ask` gets; nothing, without asking, once an empty answer took too long.
+    template <class Ask> auto inTime(Ask ask) -> decltype(ask()) {
+        if (gaveUp_) return {};
+        const QDeadlineTimer patience(std::chrono::milliseconds(500));
+        auto answer = ask();
+        gaveUp_ = patience.hasExpired() && answer == decltype(answer)();
+        isLate_ |= gaveUp_;
+        return answer;
+    }
+
+    const QMimeData& offer_;
+    bool gaveUp_ = false;
+    bool isLate_ = false;
+    const QStringList formats_;
+};
+
+} // namespace
+
+std::unique_ptr<QMimeData> PictureExchange::copied(std::shared_ptr<const RGBABuffer> buffer, double dpi) {
+    return std::make_unique<CopiedPicture>(std::move(buffer), dpi);
+}
+
+std::optional<QString> PictureExchange::firstFile(const QMimeData& offer) {
+    for (const QUrl& url : offer.urls()) {
+        if (!url.isLocalFile()) continue;
+        return pathFromBytes(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
+    }
+    return std::nullopt;
+}
+
+PictureExchange::Taken PictureExchange::picture(const QMimeData& offer) {
+    Asked asked(offer);
+    auto pixels = asked.pngOrTiff();
+    if (!pixels) pixels = asked.otherForm();
+    return {pixels, !pixels && asked.isLate()};
+}
+
+PictureExchange::Taken PictureExchange::pictureOrFile(const QMimeData& offer) {
+    Asked asked(offer);
+    auto pixels = asked.pngOrTiff();
+    if (!pixels) pixels = asked.file();
+    if (!pixels) pixels = asked.otherForm();
+    return {pixels, !pixels && asked.isLate()};
+}
+
+bool PictureExchange::mayHoldPicture(const QMimeData& offer) {
+    const QStringList formats = offer.formats();
+    return firstFile(offer) || offer.hasImage() || std::any_of(formats.begin(), formats.end(), isPictureType);
+}
+
+namespace {
+
+/// The text fields differ in type only.
+template <class Field> bool doneIn(QWidget* widget, PictureExchange::TextAction action) {
+    auto* field = qobject_cast<Field*>(widget);
+    if (!field || (field->isReadOnly() && action != PictureExchange::TextAction::copy)) return false;
+    switch (action) {
+    case PictureExchange::TextAction::copy:
+        field->copy();
+        break;
+    case PictureExchange::TextAction::cut:
+        field->cut();
+        break;
+    case PictureExchange::TextAction::paste:
+        field->paste();
+        break;
+    }
+    return true;
+}
+
+} // namespace
+
+bool PictureExchange::doneInTextField(TextAction action) {
+    QWidget* field = Typing::field();
+    return doneIn<QLineEdit>(field, action) || doneIn<QPlainTextEdit>(field, action) ||
+           doneIn<QTextEdit>(field, action);
+}
+
+} // namespace qirn

@@ -1,0 +1,32 @@
+#pragma once
+#include <cstdint>
+#include <optional>
+
+#include <QCoreApplication>
+#include <QUuid>
+
+namespace qirn {
+
+class PaintModel;
+
+/// A layer's opacity while a slider moves: shown, and in no step before `commit` or whatever else comes next.
+class OpacityPreview {
+    Q_DECLARE_TR_FUNCTIONS(qirn::OpacityPreview)
+public:
+    explicit OpacityPreview(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
+
+    bool isPending() const { return pending_.has_value(); }
+    void show(int64_t layerIndex, double opacity); ///< Of the current picture's layer; 0 to 1.
+    void commit();                    ///< The one undo step of what was shown; none where nothing was.
+    void drop() { pending_.reset(); } ///< After a failure, when the picture has been put back without it.
+
+private:
+    struct Pending {
+        QUuid layer;
+        double before;
+    };
+    PaintModel& model_;
+    std::optional<Pending> pending_;
+};
+
+} // namespace qirn

@@ -1,0 +1,57 @@
+#pragma once
+#include "app/files/DocSession.h"
+#include "core/PaintColor.h"
+#include "formats/common/ExportFormat.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <QCoreApplication>
+#include <QString>
+#include <QUuid>
+
+namespace qirn {
+
+class PaintModel;
+
+/// The pictures that are open, one of them current, and how they come and go: new, opened, saved, exported, closed.
+class OpenPictures {
+    Q_DECLARE_TR_FUNCTIONS(qirn::OpenPictures)
+public:
+    explicit OpenPictures(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
+
+    const std::vector<SessionRef>& sessions() const { return sessions_; }
+    DocSession* current() const; ///< Null only before the first picture.
+
+    void newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
+                     const QString& name);
+    void newCanvas(); ///< 1920 x 1080 on white, or transparent where the preferences say so.
+    void ensureDocument();
+    void add(SessionRef session);
+    void addRecovered(SessionRef session); ///< In place of an untouched starter.
+    void select(DocSession& session);
+
+    void openPanel();
+    void open(const QString& path);
+    enum class SaveAs { no, yes };
+    bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when not saved.
+    /// Writes a copy in another format; the picture stays as dirty as it was.
+    void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
+
+    bool close(DocSession& session); ///< False when the user cancels.
+    void closeCurrent();
+    bool shouldQuit(); ///< Asks about each picture with unsaved work.
+
+private:
+    bool isUntouchedStarter(const DocSession& session) const;
+    void remove(DocSession& session);
+    /// Unsaved work goes to the Trash. False where it cannot and the user would rather keep the picture open.
+    bool leaveInTrash(DocSession& session);
+
+    PaintModel& model_;
+    std::vector<SessionRef> sessions_;
+    QUuid currentID_;
+};
+
+} // namespace qirn

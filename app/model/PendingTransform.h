@@ -1,0 +1,34 @@
+#pragma once
+#include "app/model/TransformState.h"
+
+#include <functional>
+#include <optional>
+
+#include <QCoreApplication>
+
+namespace qirn {
+
+class PaintModel;
+
+/// Pixels lifted off the active layer, until they are put down or put back.
+class PendingTransform {
+    Q_DECLARE_TR_FUNCTIONS(qirn::PendingTransform)
+public:
+    explicit PendingTransform(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
+
+    bool isPending() const { return state_.has_value(); }
+    const std::optional<TransformState>& state() const { return state_; }
+
+    void beginTransform(); ///< Lifts the selected pixels, or the whole layer's, and takes the Move tool.
+    void updateTransform(const std::function<void(TransformState&)>& change);
+    void applyTransform();
+    void cancelTransform();
+    void drop() { state_.reset(); } ///< After a failure, when the picture has been put back without it.
+
+private:
+    PaintModel& model_;
+    std::optional<TransformState> state_;
+    bool lockedAlpha_ = false; // the layer's alpha lock, set aside while its pixels float
+};
+
+} // namespace qirn

@@ -1,0 +1,59 @@
+#include "app/model/Safety.h"
+
+#include "app/desktop/BackgroundQueue.h"
+#include "app/desktop/Store.h"
+#include "app/files/DocSession.h"
+#include "app/files/Recovery.h"
+#include "app/model/CanvasPort.h"
+#include "app/model/Guarded.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
+
+#include <QLocale>
+
+namespace qirn {
+
+namespace {
+
+constexpr int kAutosaveTick = 10'000; // milliseconds; shorter than the shortest interval
+
+} // namespace
+
+Safety::Safety(PaintModel& model) : model_(model) {
+    connect(&timer_, &QTimer::timeout, this, guarding(model_, [this] { autosaveTick(); }));
+}
+
+void Safety::startAutosave() {
+    timer_.start(kAutosaveTick);
+}
+
+void Safety::autosaveTick() {
+    const double interval = model_.prefs().autosaveSeconds;
+    if (interval <= 0) return;
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const SessionRef& session : model_.pictures().sessions()) {
+        const int64_t changes = session->doc().changeCount();
+        if (changes == session->savedChange || changes == session->autosavedChange) continue;
+        const bool recent = session->lastAutosave.isValid() &&
+                            static_cast<double>(session->lastAutosave.msecsTo(now)) < interval * 1000;
+        // Lifted pixels are in no layer: a copy of such a moment would lack them.
+        const bool floating = model_.transform().isPending() && session.get() == model_.current();
+        if (recent || floating || model_.canvas().isBusy()) continue;
+        Recovery::write(*session, Recovery::Synchronously::no);
+        lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));
+        model_.announce();
+    }
+}
+
+void Safety::keepWork() {
+    model_.saveState();
+    model_.store().write(); // first, since it is done at once
+    for (const SessionRef& session : model_.pictures().sessions()) {
+        if (session->isDirty() && !Recovery::isUpToDate(*session))
+            Recovery::write(*session, Recovery::Synchronously::no);
+    }
+    BackgroundQueue::finish();
+}
+
+} // namespace qirn
