@@ -24,14 +24,11 @@ constexpr double kPixelsAByteArithmetic = 16 * kPixelsAByte;
 constexpr long kBytesAByte = 8 * 2 * 64;
 constexpr long kBytesAByteArithmetic = 16 * kBytesAByte;
 constexpr long kSmallMemory = 32 << 20;
-// Each pass over a progressive picture costs the time of a decode, and a few bytes can ask for another one.
+// Each pass over a progressive picture costs the time of a decode, and a few bytes can ask for another one: more are not
+// looked at.
 constexpr int kMostScans = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 constexpr int kProfileMarker = JPEG_APP0 + 2;
-
-void limitScans(j_common_ptr info) {
-    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMostScans) stopAtError(info);
-}
 
 /// The library's state and what is made of the file. It lives outside of every function that an error jumps out of.
 struct Decoder {
@@ -47,9 +44,9 @@ struct Decoder {
 
     jpeg_decompress_struct jpeg{};
     ErrorManager errors{};
-    jpeg_progress_mgr progress{};
     unsigned char* profile = nullptr;
     unsigned int profileBytes = 0;
+    int scans = 0; // read as a whole, of a picture that comes in several
     std::optional<PictureBuilder> builder;
 };
 
@@ -57,8 +54,6 @@ bool readHeader(Decoder& decoder, std::span<const uint8_t> file) {
     if (setjmp(decoder.errors.stop)) return false;
     jpeg_decompress_struct& jpeg = decoder.jpeg;
     jpeg_create_decompress(&jpeg);
-    decoder.progress.progress_monitor = limitScans;
-    jpeg.progress = &decoder.progress;
     jpeg_mem_src(&jpeg, file.data(), file.size());
     jpeg_save_markers(&jpeg, kExifMarker, 0xFFFF);
     jpeg_save_markers(&jpeg, kProfileMarker, 0xFFFF);
@@ -67,13 +62,31 @@ bool readHeader(Decoder& decoder, std::span<const uint8_t> file) {
     return true;
 }
 
-/// Stops quietly where the data ends or makes no sense; what was read until then stays.
+/// Stops quietly where the data makes no sense; what was read until then stays.
+void readScans(Decoder& decoder) {
+    if (setjmp(decoder.errors.stop)) return;
+    decoder.jpeg.buffered_image = TRUE;
+    jpeg_start_decompress(&decoder.jpeg);
+    for (int step = JPEG_SUSPENDED; step != JPEG_REACHED_EOI && decoder.scans < kMostScans;) {
+        step = jpeg_consume_input(&decoder.jpeg);
+        if (step == JPEG_SCAN_COMPLETED) ++decoder.scans;
+    }
+}
+
+/// As `readScans`.
 void readRows(Decoder& decoder) {
     if (setjmp(decoder.errors.stop)) return;
-    jpeg_start_decompress(&decoder.jpeg);
-    while (decoder.jpeg.output_scanline < decoder.jpeg.output_height) {
+    jpeg_decompress_struct& jpeg = decoder.jpeg;
+    if (jpeg.buffered_image) {
+        // Smoothing would look ahead for a scan that did not come.
+        jpeg.do_block_smoothing = jpeg_input_complete(&jpeg);
+        jpeg_start_output(&jpeg, decoder.scans);
+    } else {
+        jpeg_start_decompress(&jpeg);
+    }
+    while (jpeg.output_scanline < jpeg.output_height) {
         auto row = static_cast<JSAMPROW>(decoder.builder->row());
-        jpeg_read_scanlines(&decoder.jpeg, &row, 1);
+        jpeg_read_scanlines(&jpeg, &row, 1);
         decoder.builder->rowDone();
     }
 }
@@ -139,7 +152,9 @@ std::optional<DecodedPicture> readJpeg(std::span<const uint8_t> file) {
                                                      static_cast<long>(file.size());
     decoder.builder.emplace(width, height, profile ? *std::move(profile) : ColorProfile::standard(layout),
                             tags.orientation);
-    readRows(decoder);
+    const bool hasScans = jpeg_has_multiple_scans(&jpeg);
+    if (hasScans) readScans(decoder);
+    if (!hasScans || decoder.scans > 0) readRows(decoder);
     auto layer = decoder.builder->finish();
     if (!layer) return std::nullopt;
     return DecodedPicture{std::move(layer), dpiOf(jpeg, tags)};
