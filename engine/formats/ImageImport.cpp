@@ -2,11 +2,13 @@
 
 #include "formats/common/FormatErrors.h"
 #include "formats/native/PaintFile.h"
+#include "formats/pictures/BmpReader.h"
+#include "formats/pictures/GifReader.h"
 #include "formats/pictures/HeifReader.h"
 #include "formats/pictures/JpegReader.h"
 #include "formats/pictures/PngReader.h"
-#include "formats/pictures/QtReader.h"
 #include "formats/pictures/TiffReader.h"
+#include "formats/pictures/WebPReader.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/read/PSDPicture.h"
 

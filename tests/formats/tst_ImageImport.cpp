@@ -111,6 +111,8 @@ private Q_SLOTS:
             0);
         row("webp", written(clear, "webp"), clear, 0);
         row("gif", testData("blocks.gif"), opaque, 0);
+        for (const char* name : {"interlaced.gif", "offset.gif", "clipped.gif", "two.gif", "animated.webp"})
+            row(name, testData(name), QImage::fromData(testData(name)), 0); // another reader's
         row("heic", testData("blocks.heic"), opaque, 4);
         row("tiff", tiffOf(opaque), opaque, 0);
         row("tiff by Qt", written(clear.convertToFormat(QImage::Format_ARGB32), "tiff"), clear, 1);

@@ -141,6 +141,18 @@ QByteArray extendedWebP(const QByteArray& plain, int width, int height, const QB
     return "RIFF" + little(static_cast<uint32_t>(body.size()), 4) + body;
 }
 
+QByteArray senselessGif() {
+    const QByteArray side = little(12'000, 2), sides = side + side;
+    return "GIF87a" + sides + QByteArray("\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0", 14) + sides +
+           QByteArray("\0\2", 2) + QByteArray(60'000, '\xFF');
+}
+
+QByteArray senselessWebP() {
+    const QByteArray chunk =
+        riffChunk("VP8L", '\x2F' + little(11'999u | 11'999u << 14, 4) + QByteArray(60'000, '\xFF'));
+    return "RIFF" + little(static_cast<uint32_t>(chunk.size() + 4), 4) + "WEBP" + chunk;
+}
+
 QByteArray tiffFile(std::vector<TiffEntry> entries, const QByteArray& pixels, ByteOrder order,
                     uint32_t strips) {
     if (!pixels.isEmpty()) {

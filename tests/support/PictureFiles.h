@@ -35,6 +35,10 @@ QByteArray cmykJpeg(const QByteArray& inks, int width, int height, bool isAdobe)
 QByteArray extendedWebP(const QByteArray& plain, int width, int height, const QByteArray& profile,
                         const QByteArray& exif);
 
+/// 12,000 pixels on a side and bytes enough for them, of which the first behind the header make no sense.
+QByteArray senselessGif();
+QByteArray senselessWebP();
+
 struct TiffEntry {
     uint16_t tag;
     uint16_t

@@ -1,9 +1,8 @@
-#include "formats/pictures/QtReader.h"
+#include "formats/pictures/BmpReader.h"
 
 #include "core/PaintEngine.h"
 #include "formats/common/PictureBuilder.h"
 #include "formats/common/PrintDensity.h"
-#include "formats/pictures/ExifTags.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
@@ -21,11 +20,7 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-// How many pixels a byte of the file can stand for.
-constexpr double kGifPixelsAByte =
-    2800; // LZW: at best each code of 12 bits is a run longer than the one before
-constexpr double kBmpRunPixelsAByte = 128;
-constexpr double kWebPPixelsAByte = 1 << 16; // a flat picture takes next to nothing
+constexpr double kRunPixelsAByte = 128;
 
 bool holds(Bytes file, std::size_t at, std::string_view text) {
     return at <= file.size() && file.size() - at >= text.size() &&
@@ -52,7 +47,6 @@ struct Header {
     int64_t height = 0;
     double pixelsAByte = 1;
     double dpi = kUnknownDpi;
-    Orientation orientation;
     Bytes icc;
 };
 
@@ -61,7 +55,7 @@ bool isBacked(Bytes file, const Header& header) {
            backs(file.size(), header.pixelsAByte, header.width, header.height);
 }
 
-std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Header& header) {
+std::optional<DecodedPicture> decodedByQt(Bytes file, const Header& header) {
     if (!isBacked(file, header)) return std::nullopt;
     // The sizes have been judged: Qt's own limit only has to let through what may be opened.
     constexpr int64_t kSide = PaintEngine::maxCanvasSide;
@@ -70,7 +64,7 @@ std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Head
     QBuffer buffer;
     buffer.setData(QByteArray::fromRawData(reinterpret_cast<const char*>(file.data()),
                                            static_cast<qsizetype>(file.size())));
-    QImageReader reader(&buffer, format);
+    QImageReader reader(&buffer, "bmp");
     reader.setAutoTransform(false);
     const QImage image = reader.read();
     if (image.isNull() || image.width() != header.width || image.height() != header.height)
@@ -78,8 +72,7 @@ std::optional<DecodedPicture> decoded(Bytes file, const char* format, const Head
 
     const PixelLayout layout{ColorModel::rgb, SampleType::u8, true, false};
     const auto profile = ColorProfile::embedded(header.icc, layout);
-    PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout),
-                           header.orientation);
+    PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout));
     for (int y = 0; y < image.height(); ++y) {
         QImage line(image.constScanLine(y), image.width(), 1, image.bytesPerLine(), image.format());
         line.setColorTable(image.colorTable());
@@ -98,7 +91,7 @@ constexpr uint32_t kInfoBytes = 40;
 constexpr uint32_t kInfo3Bytes = 56;  // has a mask for alpha
 constexpr uint32_t kInfo5Bytes = 124; // may embed a profile
 
-Header bmpHeader(Bytes file) {
+Header headerOf(Bytes file) {
     Header header;
     const uint32_t infoBytes = littleEndian(file, kInfoAt, 4);
     const bool isOld = infoBytes == kOldInfoBytes;
@@ -109,7 +102,7 @@ Header bmpHeader(Bytes file) {
     const uint32_t bits = littleEndian(file, kInfoAt + (isOld ? 10 : 14), 2);
     const uint32_t compression = infoBytes >= kInfoBytes ? littleEndian(file, kInfoAt + 16, 4) : 0;
     const bool isRuns = compression == 1 || compression == 2;
-    header.pixelsAByte = isRuns ? kBmpRunPixelsAByte : 8.0 / std::max(bits, 1u);
+    header.pixelsAByte = isRuns ? kRunPixelsAByte : 8.0 / std::max(bits, 1u);
     if (infoBytes >= kInfoBytes)
         header.dpi = dpiFromMeters(static_cast<int32_t>(littleEndian(file, kInfoAt + 24, 4)));
     if (infoBytes >= kInfo5Bytes && holds(file, kInfoAt + 56, "DEBM"))
@@ -117,55 +110,6 @@ Header bmpHeader(Bytes file) {
             part(file, kInfoAt + littleEndian(file, kInfoAt + 112, 4), littleEndian(file, kInfoAt + 116, 4));
     return header;
 }
-
-// WebP: "RIFF", length, "WEBP", then chunks of four letters, length and that many bytes, an even number in the file.
-constexpr std::size_t kFirstChunkAt = 12;
-constexpr std::size_t kChunkHeaderBytes = 8;
-
-Header webpHeader(Bytes file) {
-    Header header;
-    header.pixelsAByte = kWebPPixelsAByte;
-    for (std::size_t at = kFirstChunkAt; at + kChunkHeaderBytes <= file.size();) {
-        const std::size_t bytes = littleEndian(file, at + 4, 4);
-        const Bytes body = part(file, at + kChunkHeaderBytes, bytes);
-        const bool isFirst = at == kFirstChunkAt;
-        if (isFirst && holds(file, at, "VP8X")) {
-            header.width = littleEndian(body, 4, 3) + 1;
-            header.height = littleEndian(body, 7, 3) + 1;
-        } else if (isFirst && holds(file, at, "VP8L")) {
-            const uint32_t sides = littleEndian(body, 1, 4); // 14 bits each
-            header.width = (sides & 0x3FFF) + 1;
-            header.height = (sides >> 14 & 0x3FFF) + 1;
-        } else if (isFirst && holds(file, at, "VP8 ")) {
-            header.width = littleEndian(body, 6, 2) & 0x3FFF;
-            header.height = littleEndian(body, 8, 2) & 0x3FFF;
-        } else if (holds(file, at, "ICCP")) {
-            header.icc = body;
-        } else if (holds(file, at, "EXIF")) {
-            const ExifTags tags = exifTags(body);
-            header.orientation = tags.orientation;
-            header.dpi = tags.dpi.value_or(kUnknownDpi);
-        }
-        at += kChunkHeaderBytes + bytes + bytes % 2;
-    }
-    return header;
-}
-
-} // namespace
-
-bool isGif(Bytes file) {
-    return holds(file, 0, "GIF87a") || holds(file, 0, "GIF89a");
-}
-
-std::optional<DecodedPicture> readGif(Bytes file) {
-    Header header;
-    header.width = littleEndian(file, 6, 2);
-    header.height = littleEndian(file, 8, 2);
-    header.pixelsAByte = kGifPixelsAByte;
-    return decoded(file, "gif", header);
-}
-
-namespace {
 
 /// The bits that a mask picks, spread over a byte: the largest value is white.
 uint8_t maskedByte(uint32_t pixel, uint32_t mask) {
@@ -214,21 +158,13 @@ bool isBmp(Bytes file) {
 }
 
 std::optional<DecodedPicture> readBmp(Bytes file) {
-    const Header header = bmpHeader(file);
+    const Header header = headerOf(file);
     const uint32_t infoBytes = littleEndian(file, kInfoAt, 4),
                    compression = littleEndian(file, kInfoAt + 16, 4);
     const bool isOfWords = infoBytes >= kInfoBytes && littleEndian(file, kInfoAt + 14, 2) == 16 &&
                            (compression == 0 || compression == 3);
-    if (!isOfWords) return decoded(file, "bmp", header);
+    if (!isOfWords) return decodedByQt(file, header);
     return isBacked(file, header) ? readWords(file, header) : std::nullopt;
-}
-
-bool isWebP(Bytes file) {
-    return holds(file, 0, "RIFF") && holds(file, 8, "WEBP");
-}
-
-std::optional<DecodedPicture> readWebP(Bytes file) {
-    return decoded(file, "webp", webpHeader(file));
 }
 
 } // namespace qirn
