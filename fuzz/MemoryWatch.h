@@ -9,8 +9,9 @@ inline constexpr int64_t kAllowance = int64_t{64} << 20;
 /// What one byte of a file that is refused in the end may have taken besides.
 inline constexpr int64_t kMostFromOneByte = 128;
 
-/// Counts the bytes that are allocated on the heap, by every thread, while it lives; one at a time. It works only
-/// in programs built with the address sanitizer, which tells of every allocation.
+/// Counts the bytes that are allocated on the heap, by every thread, while it lives; one at a time. Of the largest
+/// blocks it counts what was touched, when they are freed: some decoders take all that a picture may need and then use
+/// as much as there is. It works only in programs built with the address sanitizer, which tells of every allocation.
 class MemoryWatch {
 public:
     MemoryWatch();

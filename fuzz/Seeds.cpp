@@ -113,7 +113,10 @@ Files pictures() {
     for (const char* chunk : {"tEXt", "zTXt", "iTXt", "sPLT", "pCAL", "sCAL"})
         files.push_back(claimingPng(chunk));
     files.push_back(faxPage(30'000));
-    for (const char* name : {"blocks.gif", "blocks.heic"}) files.push_back(testData(name));
+    for (const char* name : {"blocks.gif", "blocks.heic", "interlaced.gif", "clipped.gif", "animated.webp"})
+        files.push_back(testData(name));
+    files.push_back(senselessGif());
+    files.push_back(senselessWebP());
     return files;
 }
 
