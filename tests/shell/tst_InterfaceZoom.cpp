@@ -23,6 +23,7 @@ struct Recorder : QPaintDevice {
     struct Engine : QPaintEngine {
         QStringList texts;
         QList<QPointF> places;
+        QSet<QRgb> inks;
         double icons = 0;
 
         Engine() : QPaintEngine(AllFeatures) {}
@@ -38,6 +39,7 @@ struct Recorder : QPaintDevice {
         void drawTextItem(const QPointF& point, const QTextItem& item) override {
             texts << item.text();
             places << painter()->deviceTransform().map(point);
+            inks << painter()->pen().color().rgb();
         }
     };
     mutable Engine engine;
@@ -101,20 +103,28 @@ QString misplaced(const QWidget& parent) {
     return {};
 }
 
-/// The pixels of a theme's colours in a window but for what shows colours of the picture.
-int pixelsOf(const QString& theme, Window& w) {
+QSet<QRgb> colorsOf(const QString& theme) {
+    const ChromeColors c = ChromeColors::of(QirnThemes::named(theme).kitTheme());
+    return {c.canvas.rgb(), c.panel.rgb(), c.bar.rgb(), c.raised.rgb(),
+            c.well.rgb(),   c.text.rgb(),  c.dim.rgb(), c.accent.rgb()};
+}
+
+QSet<QRgb> inksOf(const QString& theme) {
+    const ChromeColors c = ChromeColors::of(QirnThemes::named(theme).kitTheme());
+    return {c.text.rgb(), c.dim.rgb(), c.faint.rgb(), c.onAccent.rgb()};
+}
+
+/// The pixels of some colours in a window but for what shows colours of the picture.
+int pixelsOf(const QSet<QRgb>& colors, Window& w) {
     QImage image = w.view.grab().toImage();
     QPainter painter(&image);
     for (const QWidget* shown :
          std::initializer_list<QWidget*>{&w.canvas(), &w.find<ColorPlane>(), &w.find<ColorWells>()})
         painter.fillRect(QRect(shown->mapTo(&w.view, QPoint()), shown->size()), Qt::magenta);
     painter.end();
-    const ChromeColors c = ChromeColors::of(QirnThemes::named(theme).kitTheme());
-    const QSet<QRgb> sought{c.canvas.rgb(), c.panel.rgb(), c.bar.rgb(), c.raised.rgb(),
-                            c.well.rgb(),   c.text.rgb(),  c.dim.rgb(), c.accent.rgb()};
     int count = 0;
     for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) count += sought.contains(image.pixel(x, y));
+        for (int x = 0; x < image.width(); ++x) count += colors.contains(image.pixel(x, y));
     return count;
 }
 
@@ -172,13 +182,13 @@ private Q_SLOTS:
                                  isNear(widget->height(), size.height(), zoom),
                              qPrintable(place + nameOf(*widget)));
                 }
-                if (zoom == 1)
-                    before.push_back(std::move(now));
-                else
-                    QCOMPARE(place + changed(before[i]->engine, now->engine, zoom), place);
+                const QSet<QRgb> old = colorsOf(themes[1 - i % 2]);
+                QVERIFY2(inksOf(themes[i % 2]).contains(now->engine.inks), qPrintable(place));
                 if (i < 2)
-                    QVERIFY2(pixelsOf(themes[i], w) > 10'000 && pixelsOf(themes[1 - i], w) == 0,
+                    QVERIFY2(pixelsOf(colorsOf(themes[i]), w) > 10'000 && pixelsOf(old, w) == 0,
                              qPrintable(place));
+                if (zoom != 1) QCOMPARE(place + changed(before[i]->engine, now->engine, zoom), place);
+                if (zoom == 1) before.push_back(std::move(now));
             }
         }
         w.view.resize(1480, 920); // smaller than the content at twice its size: it scrolls
