@@ -24,7 +24,7 @@ constexpr int kPageSteps = 10;
 constexpr int kWheelNotch = 120; // eighths of a degree
 } // namespace
 
-ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const SliderFormat& format,
+ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const NumberFormat& format,
                            QWidget* parent)
     : QWidget(parent),
       label_(label),
@@ -172,7 +172,7 @@ void ChromeSlider::focusOutEvent(QFocusEvent* event) {
 void ChromeSlider::openField(const QString& text) {
     focusBefore_ = QApplication::focusWidget();
     field_->setGeometry(fieldRect());
-    field_->setText(text.isEmpty() ? format_.text(value_).chopped(format_.suffix.size()) : text);
+    field_->setText(text.isEmpty() ? format_.number(value_) : text);
     if (text.isEmpty()) field_->selectAll();
     field_->show();
     field_->setFocus(Qt::OtherFocusReason);

@@ -3,7 +3,7 @@
 #include <QTimer>
 #include <QWidget>
 
-#include "kit/controls/SliderFormat.h"
+#include "kit/controls/NumberFormat.h"
 
 class QLineEdit;
 
@@ -17,7 +17,7 @@ namespace qirn {
 class ChromeSlider : public QWidget {
     Q_OBJECT
 public:
-    ChromeSlider(const QString& label, const SliderScale& scale, const SliderFormat& format, QWidget* parent);
+    ChromeSlider(const QString& label, const SliderScale& scale, const NumberFormat& format, QWidget* parent);
 
     double value() const { return value_; }
     void setValue(double value); ///< Shows it, or the nearer end of the range; announces nothing.
@@ -62,7 +62,7 @@ private:
 
     QString label_;
     SliderScale scale_;
-    SliderFormat format_;
+    NumberFormat format_;
     double value_ = 0;
     bool dragging_ = false;
     double dragPlace_ = 0; // along the bar, 0 to 1, not rounded to the step

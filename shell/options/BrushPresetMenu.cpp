@@ -18,6 +18,8 @@ BrushPresetMenu::BrushPresetMenu(PaintModel& model, QWidget* parent) : QPushButt
     setToolTip(tr("Brush preset"));
     setMenu(new QMenu(this));
     connect(menu(), &QMenu::aboutToShow, this, &BrushPresetMenu::fill);
+    connect(&model, &PaintModel::changed, this, &BrushPresetMenu::refresh);
+    refresh();
 }
 
 void BrushPresetMenu::refresh() {
@@ -27,9 +29,8 @@ void BrushPresetMenu::refresh() {
 }
 
 QSize BrushPresetMenu::sizeHint() const {
-    const Metrics& m = QirnKitHost::metrics();
-    return {m.controlWidth,
-            m.controlHeight}; // for every name, so that the options beside it stay where they are
+    // The same for every name, so that the options beside it stay where they are.
+    return {QirnKitHost::metrics().controlWidth, QirnKitHost::metrics().controlHeight};
 }
 
 void BrushPresetMenu::fill() {

@@ -11,13 +11,13 @@ class BrushPresetMenu : public QPushButton {
 public:
     BrushPresetMenu(PaintModel& model, QWidget* parent);
 
-    void refresh();
     QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void refresh();
     void fill(); ///< Just before the menu opens.
 
     PaintModel& model_;

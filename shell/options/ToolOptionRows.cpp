@@ -4,6 +4,7 @@
 #include "app/model/Brushes.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PendingTransform.h"
+#include "shell/options/BrushPresetMenu.h"
 
 #include <cmath>
 #include <type_traits>
@@ -13,6 +14,24 @@
 namespace qirn::ToolOptionRows {
 
 namespace {
+
+using Slider = Row::Slider;
+using Stepper = Row::Stepper;
+using Toggle = Row::Toggle;
+using Segments = Row::Segments;
+using Picker = Row::Picker;
+using Button = Row::Button;
+using Note = Row::Note;
+using Custom = Row::Custom;
+
+QWidget* presetMenu(PaintModel& model, QWidget* parent) {
+    return new BrushPresetMenu(model, parent);
+}
+QStringList shapes(const PaintModel&) {
+    QStringList titles;
+    for (const ShapeRow& shape : kShapes) titles << QCoreApplication::translate("ShapeKind", shape.title);
+    return titles;
+}
 
 bool isBrushTool(const PaintModel& model) {
     return rowOf(model.tool()).usesBrush;
@@ -47,9 +66,9 @@ template <double BrushSettings::*kField> void setBrushValue(PaintModel& model, d
 }
 
 template <double BrushSettings::*kField>
-constexpr Slider brushSlider(const char* label, const SliderScale& scale, Show show,
+constexpr Slider brushSlider(const char* label, const SliderScale& scale, const NumberFormat& format,
                              const char* tip = nullptr) {
-    return {label, scale, show, tip, brushValue<kField>, setBrushValue<kField>};
+    return {label, scale, format, tip, brushValue<kField>, setBrushValue<kField>};
 }
 
 /// An option of a tool without a brush, by its field: as a number, a flag or the position of an enumerator.
@@ -69,6 +88,9 @@ template <auto kField, class Value> void setOption(PaintModel& model, Value valu
 }
 template <auto kField> double fillNumber(const PaintModel& model) {
     return static_cast<double>(model.options().fill.*kField);
+}
+template <auto kField> int fillSteps(const PaintModel& model) {
+    return static_cast<int>(model.options().fill.*kField);
 }
 template <auto kField> bool fillFlag(const PaintModel& model) {
     return model.options().fill.*kField;
@@ -111,18 +133,19 @@ template <auto kSubject, auto kMethod> void call(PaintModel& model) {
 #define TEXT(text) QT_TRANSLATE_NOOP("qirn::ToolOptionsBar", text)
 
 constexpr Row kRows[] = {
-    {isBrushTool, PresetMenu{}},
-    {isBrushTool, brushSlider<&BrushSettings::size>(TEXT("Size"), {1, 400, 1, true}, Show::pixels,
+    {isBrushTool, Custom{presetMenu}},
+    {isBrushTool, brushSlider<&BrushSettings::size>(TEXT("Size"), {1, 400, 1, true}, NumberFormat::pixels(),
                                                     TEXT("Brush size in pixels ( [ and ] keys)"))},
-    {laysPaint, brushSlider<&BrushSettings::opacity>(TEXT("Opacity"), {0, 1, 0.01}, Show::percent)},
-    {laysPaint, brushSlider<&BrushSettings::flow>(TEXT("Flow"), {0.01, 1, 0.01}, Show::percent)},
-    {movesPaint, brushSlider<&BrushSettings::strength>(TEXT("Strength"), {0, 1, 0.01}, Show::percent)},
-    {isBrushTool, brushSlider<&BrushSettings::stabilizer>(TEXT("Stabilizer"), {0, 100, 1}, Show::number,
-                                                          TEXT("Smooths shaky lines"))},
+    {laysPaint, brushSlider<&BrushSettings::opacity>(TEXT("Opacity"), {0, 1, 0.01}, NumberFormat::percent())},
+    {laysPaint, brushSlider<&BrushSettings::flow>(TEXT("Flow"), {0.01, 1, 0.01}, NumberFormat::percent())},
+    {movesPaint,
+     brushSlider<&BrushSettings::strength>(TEXT("Strength"), {0, 1, 0.01}, NumberFormat::percent())},
+    {isBrushTool, brushSlider<&BrushSettings::stabilizer>(
+                      TEXT("Stabilizer"), {0, 100, 1}, NumberFormat::plain(), TEXT("Smooths shaky lines"))},
     {is<Tool::brush>, Note{TEXT("Tip: hold ⌥ Option with the brush to pick a color")}},
     {is<Tool::bucket>, Slider{TEXT("Tolerance"),
                               {0, 255, 1},
-                              Show::number,
+                              NumberFormat::plain(),
                               TEXT("How different a color can be and still get filled"),
                               fillNumber<&FillOptions::tolerance>,
                               setFill<&FillOptions::tolerance>}},
@@ -133,12 +156,9 @@ constexpr Row kRows[] = {
      Toggle{TEXT("Sample all layers"),
             TEXT("Find edges in the finished picture (fill under line art on its own layer)"),
             fillFlag<&FillOptions::sampleAllLayers>, setFill<&FillOptions::sampleAllLayers>}},
-    {is<Tool::bucket>, Slider{TEXT("Grow"),
-                              {0, 4, 1},
-                              Show::pixels,
-                              TEXT("Grows the fill under soft line edges so no white halo is left"),
-                              fillNumber<&FillOptions::expand>,
-                              setFill<&FillOptions::expand>}},
+    {is<Tool::bucket>, Stepper{TEXT("Grow"), TEXT("Grow %1 px"), 0, 4, 1,
+                               TEXT("Grows the fill under soft line edges so no white halo is left"),
+                               fillSteps<&FillOptions::expand>, setFill<&FillOptions::expand>}},
     {is<Tool::gradient>, Segments{TEXT("Type"),
                                   {TEXT("Linear"), TEXT("Radial"), TEXT("Reflected"), nullptr},
                                   nullptr,
@@ -149,28 +169,37 @@ constexpr Row kRows[] = {
             option<&ToolOptions::gradientToTransparent>, setOption<&ToolOptions::gradientToTransparent>}},
     {is<Tool::gradient>, Slider{TEXT("Opacity"),
                                 {0, 1, 0.01},
-                                Show::percent,
+                                NumberFormat::percent(),
                                 nullptr,
                                 number<&ToolOptions::gradientOpacity>,
                                 setOption<&ToolOptions::gradientOpacity>}},
     {is<Tool::gradient>, Note{TEXT("Drag across the canvas")}},
-    {is<Tool::shape>, ShapeMenu{}},
+    {is<Tool::shape>, Picker{TEXT("Shape"), shapes, nullptr, position<&ToolOptions::shapeKind>,
+                             setOption<&ToolOptions::shapeKind>}},
     {is<Tool::shape>,
      Toggle{TEXT("Fill"), nullptr, option<&ToolOptions::shapeFill>, setOption<&ToolOptions::shapeFill>}},
     {is<Tool::shape>, Toggle{TEXT("Outline"), TEXT("Outline uses the second color when Fill is on"),
                              option<&ToolOptions::shapeOutline>, setOption<&ToolOptions::shapeOutline>}},
     {is<Tool::shape>, Slider{TEXT("Line width"),
                              {1, 100, 1},
-                             Show::pixels,
+                             NumberFormat::pixels(),
                              nullptr,
                              number<&ToolOptions::shapeLineWidth>,
                              setOption<&ToolOptions::shapeLineWidth>}},
     {is<Tool::shape>, Note{TEXT("Shift = square / circle / 45°")}},
     {canLift, Button{TEXT("Transform"), call<&PaintModel::transform, &PendingTransform::beginTransform>}},
-    {hasLifted,
-     Slider{TEXT("Scale"), {0.01, 4, 0.01}, Show::percent, nullptr, transformScale, setTransformScale}},
-    {hasLifted,
-     Slider{TEXT("Rotate"), {-180, 180, 1}, Show::degrees, nullptr, transformAngle, setTransformAngle}},
+    {hasLifted, Slider{TEXT("Scale"),
+                       {0.01, 4, 0.01},
+                       NumberFormat::percent(),
+                       nullptr,
+                       transformScale,
+                       setTransformScale}},
+    {hasLifted, Slider{TEXT("Rotate"),
+                       {-180, 180, 1},
+                       NumberFormat::degrees(),
+                       nullptr,
+                       transformAngle,
+                       setTransformAngle}},
     {hasLifted, Button{TEXT("Flip ↔"), toggleFlip<&TransformState::flipH>}},
     {hasLifted, Button{TEXT("Flip ↕"), toggleFlip<&TransformState::flipV>}},
     {hasLifted,
@@ -197,20 +226,6 @@ constexpr Row kRows[] = {
 #undef TEXT
 
 } // namespace
-
-SliderFormat formatOf(Show show) {
-    switch (show) {
-    case Show::percent:
-        return SliderFormat::percent();
-    case Show::pixels:
-        return SliderFormat::pixels();
-    case Show::degrees:
-        return SliderFormat::degrees();
-    case Show::number:
-        break;
-    }
-    return SliderFormat::plain();
-}
 
 std::span<const Row> all() {
     return kRows;

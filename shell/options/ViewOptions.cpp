@@ -20,7 +20,7 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
     : QWidget(parent),
       model_(model),
       zoom_(new QLabel(this)),
-      rotation_(new ChromeSlider(tr("Rotate view"), {-180, 180, 1}, SliderFormat::degrees(), this)) {
+      rotation_(new ChromeSlider(tr("Rotate view"), {-180, 180, 1}, NumberFormat::degrees(), this)) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     const auto onView = [this, &view](auto action) {

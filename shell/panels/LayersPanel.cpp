@@ -29,7 +29,7 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
       model_(model),
       title_(new QLabel(this)),
       blend_(new QComboBox(this)),
-      opacity_(new ChromeSlider(tr("Opacity"), {0, 1, 0.01}, SliderFormat::percent(), this)),
+      opacity_(new ChromeSlider(tr("Opacity"), {0, 1, 0.01}, NumberFormat::percent(), this)),
       list_(new QListWidget(this)),
       delete_(new IconButton(Icon::trash, tr("Delete layer"), this, &Metrics::smallIcon)) {
     title_->setForegroundRole(QPalette::PlaceholderText);

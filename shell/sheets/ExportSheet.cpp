@@ -80,7 +80,7 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
       explanation_(paragraph({}, this)),
       jpegOptions_(new QWidget(this)),
       quality_(
-          new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, SliderFormat::percent(), jpegOptions_)),
+          new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, NumberFormat::percent(), jpegOptions_)),
       background_(new ChromeSegments(tr("Background"), {tr("White"), tr("Black"), tr("Second color")},
                                      jpegOptions_)) {
     setWindowTitle(tr("Export"));

@@ -21,7 +21,7 @@ struct Bench {
     QSignalSpy changed{&slider, &ChromeSlider::valueChanged};
     QSignalSpy finished{&slider, &ChromeSlider::editingFinished};
 
-    Bench(const SliderScale& scale, const SliderFormat& format) : slider("Size", scale, format, &window) {
+    Bench(const SliderScale& scale, const NumberFormat& format) : slider("Size", scale, format, &window) {
         window.resize(240, 200);
         slider.setGeometry(10, 50, 200, 28);
         before.setGeometry(10, 10, 200, 28);
@@ -49,7 +49,7 @@ private Q_SLOTS:
     void initTestCase() { QirnKit::install("Qirn Paint"); }
 
     void aDragAnnouncesEachValueAndItsEndOnce() {
-            Bench b(kPercent, SliderFormat::percent());
+            Bench b(kPercent, NumberFormat::percent());
         b.mouse(QEvent::MouseButtonPress, 50);
         QCOMPARE(b.slider.value(), 0.25);
         b.mouse(QEvent::MouseMove, 100);
@@ -72,7 +72,7 @@ private Q_SLOTS:
     }
 
     void aScaleHasEndsAndItsTextNoNegativeZero() {
-        Bench b(kSizes, SliderFormat::pixels());
+        Bench b(kSizes, NumberFormat::pixels());
         b.slider.setValue(1000); // a brush can be larger than its slider
         QCOMPARE(b.slider.valueText(), "400 px");
         b.slider.setValue(0.2);
@@ -93,13 +93,13 @@ private Q_SLOTS:
         QVERIFY(kSizes.stepped(200, 1) >= 204);
         QCOMPARE(kSizes.stepped(400, 1), 400.0);
         QCOMPARE(kSizes.stepped(1, -1), 1.0);
-        QCOMPARE(SliderFormat::degrees().text(-0.2), "0°");
-        QCOMPARE(SliderFormat::plain(1).text(-0.04), "0.0");
-        QCOMPARE(SliderFormat::percent().text(0.335), "34%");
+        QCOMPARE(NumberFormat::degrees().text(-0.2), "0°");
+        QCOMPARE(NumberFormat::plain(1).text(-0.04), "0.0");
+        QCOMPARE(NumberFormat::percent().text(0.335), "34%");
     }
 
     void theWheelStepsAWholeNotchAndFinishesAtRest() {
-        Bench b(kPercent, SliderFormat::percent());
+        Bench b(kPercent, NumberFormat::percent());
         b.slider.setValue(0.5);
         b.wheel(40); // a touchpad sends thirds of a notch
         b.wheel(40);
@@ -112,7 +112,7 @@ private Q_SLOTS:
     }
 
     void theKeyboardReachesItAndSetsIt() {
-        Bench b(kPercent, SliderFormat::percent());
+        Bench b(kPercent, NumberFormat::percent());
         QTest::keyClick(&b.before, Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), &b.slider);
         QTest::keyClick(&b.slider, Qt::Key_End);
@@ -127,7 +127,7 @@ private Q_SLOTS:
     }
 
     void aNumberIsTypedAfterADoubleClick() {
-        Bench b(kPercent, SliderFormat::percent());
+        Bench b(kPercent, NumberFormat::percent());
         b.after.setFocus();
         b.mouse(QEvent::MouseButtonDblClick, 100);
         QVERIFY(b.field().isVisible());
@@ -145,7 +145,7 @@ private Q_SLOTS:
     }
 
     void typingADigitOpensTheFieldAndEscapeLeavesTheValue() {
-        Bench b({-180, 180, 1}, SliderFormat::degrees());
+        Bench b({-180, 180, 1}, NumberFormat::degrees());
         b.slider.setFocus();
         QTest::keyClicks(&b.slider, "-");
         QVERIFY(b.field().isVisible());
@@ -160,7 +160,7 @@ private Q_SLOTS:
     }
 
     void whatIsTypedIsReadWithUnitsAndRefusedWhenItIsNoNumber() {
-        Bench b(kSizes, SliderFormat::pixels());
+        Bench b(kSizes, NumberFormat::pixels());
         for (const auto& [text, expected] : {std::pair{"24", 24.0},
                                              {"24 px", 24.0},
                                              {"24PX", 24.0},

@@ -1,4 +1,4 @@
-#include "kit/controls/SliderFormat.h"
+#include "kit/controls/NumberFormat.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,15 +9,20 @@ namespace {
 constexpr double kPlaceStep = 0.01; // of the length, where steps of the value would be too small to feel
 }
 
-QString SliderFormat::text(double value) const {
-    double shown = value * scale;
-    if (std::abs(shown) * std::pow(10, decimals) < 0.5) shown = 0; // never "-0"
-    return QString::number(shown, 'f', decimals) + suffix;
+QString NumberFormat::text(double value) const {
+    return number(value) + QString::fromUtf8(suffix);
 }
 
-std::optional<double> SliderFormat::value(const QString& text) const {
+QString NumberFormat::number(double value) const {
+    double shown = value * scale;
+    if (std::abs(shown) * std::pow(10, decimals) < 0.5) shown = 0; // never "-0"
+    return QString::number(shown, 'f', decimals);
+}
+
+std::optional<double> NumberFormat::value(const QString& text) const {
     QString digits = text.trimmed();
-    if (const QString unit = suffix.trimmed(); !unit.isEmpty() && digits.endsWith(unit, Qt::CaseInsensitive))
+    if (const QString unit = QString::fromUtf8(suffix).trimmed();
+        !unit.isEmpty() && digits.endsWith(unit, Qt::CaseInsensitive))
         digits.chop(unit.size());
     bool ok = false;
     const double shown = digits.trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);

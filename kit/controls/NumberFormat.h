@@ -5,17 +5,19 @@
 
 namespace qirn {
 
-/// How a number is shown and typed: the shown number is the value times `scale`, with `decimals` places.
-struct SliderFormat {
+/// How a number is shown and typed: the shown number is the value times `scale`, with `decimals` places and a suffix
+/// in UTF-8.
+struct NumberFormat {
     double scale = 1;
     int decimals = 0;
-    QString suffix;
+    const char* suffix = "";
 
-    static SliderFormat plain(int decimals = 0) { return {1, decimals, {}}; }
-    static SliderFormat percent() { return {100, 0, QStringLiteral("%")}; } ///< A value of 0 to 1.
-    static SliderFormat pixels() { return {1, 0, QStringLiteral(" px")}; }
-    static SliderFormat degrees() { return {1, 0, QStringLiteral("°")}; }
+    static constexpr NumberFormat plain(int decimals = 0) { return {1, decimals, ""}; }
+    static constexpr NumberFormat percent() { return {100, 0, "%"}; } ///< A value of 0 to 1.
+    static constexpr NumberFormat pixels() { return {1, 0, " px"}; }
+    static constexpr NumberFormat degrees() { return {1, 0, "°"}; }
 
+    QString number(double value) const; ///< Without the suffix.
     QString text(double value) const;
     /// The value meant by a typed text, with or without the suffix, with a point or a comma; nothing if it is no number.
     std::optional<double> value(const QString& text) const;

@@ -1,0 +1,29 @@
+#include "kit/controls/ChromeStepper.h"
+
+#include <QLineEdit>
+#include <QWheelEvent>
+
+namespace qirn {
+
+ChromeStepper::ChromeStepper(const QString& accessibleName, const QString& words, QWidget* parent)
+    : QSpinBox(parent) {
+    setFocusPolicy(Qt::TabFocus); // a click leaves the keys to whoever has them
+    setAccessibleName(accessibleName);
+    const QStringList around = words.split(QStringLiteral("%1"));
+    setPrefix(around.value(0));
+    setSuffix(around.value(1));
+}
+
+void ChromeStepper::stepBy(int steps) {
+    QSpinBox::stepBy(steps);
+    if (!hasFocus()) lineEdit()->deselect();
+}
+
+void ChromeStepper::wheelEvent(QWheelEvent* event) {
+    if (hasFocus())
+        QSpinBox::wheelEvent(event);
+    else
+        event->ignore();
+}
+
+} // namespace qirn

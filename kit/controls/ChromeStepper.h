@@ -1,0 +1,19 @@
+#pragma once
+#include <QSpinBox>
+
+namespace qirn {
+
+/// A few whole numbers to step through, inside their words: "Grow 1 px". The wheel turns it only while it has the keys.
+class ChromeStepper : public QSpinBox {
+    Q_OBJECT
+public:
+    /// `words` has "%1" where the number goes.
+    ChromeStepper(const QString& accessibleName, const QString& words, QWidget* parent);
+
+    void stepBy(int steps) override;
+
+protected:
+    void wheelEvent(QWheelEvent* event) override;
+};
+
+} // namespace qirn

@@ -1,0 +1,68 @@
+#include "kit/controls/NumberField.h"
+
+#include <algorithm>
+
+#include <QKeyEvent>
+
+#include "kit/QirnKit.h"
+
+namespace qirn {
+
+NumberField::NumberField(const QString& accessibleName, const Range& range, const NumberFormat& format,
+                         QWidget* parent)
+    : QLineEdit(parent),
+      range_(range),
+      format_(format) {
+    setAccessibleName(accessibleName);
+    setText(format_.text(value_));
+    connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
+        if (const auto typed = format_.value(text)) take(*typed);
+    });
+    connect(this, &QLineEdit::returnPressed, this, &NumberField::finish);
+}
+
+void NumberField::setValue(double value) {
+    if (value == value_) return; // what is being typed stays as it is typed
+    value_ = value;
+    setText(format_.text(value_));
+}
+
+void NumberField::setFormat(const NumberFormat& format) {
+    format_ = format;
+    setText(format_.text(value_));
+    updateGeometry();
+}
+
+QSize NumberField::sizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
+    return {m.controlWidth, m.controlHeight};
+}
+
+void NumberField::take(double value) {
+    if (value == value_) return;
+    value_ = value;
+    Q_EMIT valueChanged(value_);
+}
+
+void NumberField::finish() {
+    take(std::clamp(value_, range_.lower, range_.upper));
+    setText(format_.text(value_));
+}
+
+void NumberField::keyPressEvent(QKeyEvent* event) {
+    const int steps = event->key() == Qt::Key_Up ? 1 : event->key() == Qt::Key_Down ? -1 : 0;
+    if (steps == 0) return QLineEdit::keyPressEvent(event);
+    take(std::clamp(value_ + steps * range_.step, range_.lower, range_.upper));
+    setText(format_.text(value_));
+}
+
+void NumberField::wheelEvent(QWheelEvent* event) {
+    event->ignore(); // it scrolls what the field stands in
+}
+
+void NumberField::focusOutEvent(QFocusEvent* event) {
+    finish();
+    QLineEdit::focusOutEvent(event);
+}
+
+} // namespace qirn

@@ -1,0 +1,49 @@
+#pragma once
+#include <limits>
+
+#include <QLineEdit>
+
+#include "kit/controls/NumberFormat.h"
+
+namespace qirn {
+
+/// A field for a number. It holds the number that it was given and only shows it rounded; typing makes it another. The
+/// decimal sign may be a point or a comma. Up and Down step; leaving it brings the number into the range and shows it
+/// in full dress.
+class NumberField : public QLineEdit {
+    Q_OBJECT
+public:
+    static constexpr double kAny = std::numeric_limits<double>::infinity();
+    struct Range {
+        double lower = -kAny;
+        double upper = kAny;
+        double step = 1;
+    };
+    NumberField(const QString& accessibleName, const Range& range, const NumberFormat& format,
+                QWidget* parent);
+
+    double value() const { return value_; }
+    void setValue(double value);                ///< Announces nothing.
+    void setFormat(const NumberFormat& format); ///< The number stays.
+
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void
+    valueChanged(double value); ///< By the user, at each key; a text that is no number announces nothing.
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void take(double value);
+    void finish();
+
+    Range range_;
+    NumberFormat format_;
+    double value_ = 0;
+};
+
+} // namespace qirn
