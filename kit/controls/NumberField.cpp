@@ -14,7 +14,7 @@ NumberField::NumberField(const QString& accessibleName, const Range& range, cons
       range_(range),
       format_(format) {
     setAccessibleName(accessibleName);
-    setText(format_.text(value_));
+    display(value_);
     connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
         if (const auto typed = format_.value(text)) take(*typed);
     });
@@ -24,18 +24,22 @@ NumberField::NumberField(const QString& accessibleName, const Range& range, cons
 void NumberField::setValue(double value) {
     if (value == value_) return; // what is being typed stays as it is typed
     value_ = value;
-    setText(format_.text(value_));
+    display(value_);
 }
 
 void NumberField::setFormat(const NumberFormat& format) {
     format_ = format;
-    setText(format_.text(value_));
-    updateGeometry();
+    display(value_);
 }
 
 QSize NumberField::sizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
     return {m.controlWidth, m.controlHeight};
+}
+
+void NumberField::display(double value) {
+    shown_ = value;
+    setText(format_.text(value));
 }
 
 void NumberField::take(double value) {
@@ -45,15 +49,16 @@ void NumberField::take(double value) {
 }
 
 void NumberField::finish() {
-    take(std::clamp(value_, range_.lower, range_.upper));
-    setText(format_.text(value_));
+    if (!isModified()) return;
+    take(std::clamp(format_.value(text()).value_or(shown_), range_.lower, range_.upper));
+    display(value_);
 }
 
 void NumberField::keyPressEvent(QKeyEvent* event) {
     const int steps = event->key() == Qt::Key_Up ? 1 : event->key() == Qt::Key_Down ? -1 : 0;
     if (steps == 0) return QLineEdit::keyPressEvent(event);
     take(std::clamp(value_ + steps * range_.step, range_.lower, range_.upper));
-    setText(format_.text(value_));
+    display(value_);
 }
 
 void NumberField::wheelEvent(QWheelEvent* event) {

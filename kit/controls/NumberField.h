@@ -8,8 +8,8 @@
 namespace qirn {
 
 /// A field for a number. It holds the number that it was given and only shows it rounded; typing makes it another. The
-/// decimal sign may be a point or a comma. Up and Down step; leaving it brings the number into the range and shows it
-/// in full dress.
+/// decimal sign may be a point or a comma. Up and Down step. Return, or leaving it, brings a typed number into the range
+/// and puts the one from before in the place of a text that is none.
 class NumberField : public QLineEdit {
     Q_OBJECT
 public:
@@ -38,12 +38,14 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void display(double value);
     void take(double value);
     void finish();
 
     Range range_;
     NumberFormat format_;
     double value_ = 0;
+    double shown_ = 0; // the number before what is being typed
 };
 
 } // namespace qirn
