@@ -19,16 +19,16 @@ namespace qirn {
 
 namespace {
 
-/// A control behind its name.
-QWidget* labelled(QWidget* control, QWidget* parent) {
+/// A control behind its name. In a column all controls begin at one place.
+QWidget* labelled(QWidget* control, RowBox::Form form, QWidget* parent) {
     auto* whole = new QWidget(parent);
     auto* label = new QLabel(control->accessibleName(), whole);
     label->setForegroundRole(QPalette::PlaceholderText);
     label->setBuddy(control);
     auto* row = new QHBoxLayout(whole);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(label);
-    row->addWidget(control, 1);
+    row->addWidget(label, form == RowBox::Form::column ? 2 : 0);
+    row->addWidget(control, 3);
     return whole;
 }
 
@@ -55,7 +55,7 @@ void RowBox::add(const Binding& binding, std::function<bool()> shows) {
     QWidget* control = binding.control;
     const bool named =
         qobject_cast<NumberField*>(control) || (form_ == Form::column && qobject_cast<QComboBox*>(control));
-    QWidget* whole = named ? labelled(control, this) : control;
+    QWidget* whole = named ? labelled(control, form_, this) : control;
     layout_->insertWidget(layout_->count() - 1, whole, qobject_cast<ChromeNote*>(control) ? 1 : 0);
     rows_.push_back({whole, std::move(shows), binding.read});
 }

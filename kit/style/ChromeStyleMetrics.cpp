@@ -1,4 +1,6 @@
 #include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QComboBox>
 #include <QListView>
 #include <QStyleOption>
 #include <QTextOption>
@@ -144,7 +146,7 @@ QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
     case CT_SpinBox:
         return {contents.width() + m.chevron + m.gap + 2 * m.tightGap, m.controlHeight};
     case CT_LineEdit:
-        return {size.width() + m.gap, m.controlHeight};
+        return {size.width() + 2 * m.gap, m.controlHeight};
     case CT_TabBarTab:
         return {size.width(), m.rowHeight + m.tightGap};
     case CT_ItemViewItem:
@@ -229,7 +231,11 @@ QRect ChromeStyle::subElementRect(SubElement element, const QStyleOption* option
     const Metrics& m = QirnKitHost::metrics();
     if (element == SE_LineEditContents) {
         const QRect rect = QProxyStyle::subElementRect(element, option, widget);
-        return rect.adjusted(m.tightGap, 0, -m.tightGap, 0);
+        // Inside a box the text is inset by both.
+        const bool inBox = widget && (qobject_cast<const QComboBox*>(widget->parentWidget()) ||
+                                      qobject_cast<const QAbstractSpinBox*>(widget->parentWidget()));
+        const int inset = inBox ? m.tightGap : m.gap;
+        return rect.adjusted(inset, 0, -inset, 0);
     }
     if (element == SE_CheckBoxFocusRect || element == SE_RadioButtonFocusRect)
         return QProxyStyle::subElementRect(element, option, widget)
