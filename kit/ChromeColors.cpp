@@ -13,10 +13,10 @@ constexpr double kStep = 0.02;          // how far a colour moves at a time towa
 constexpr double kMostDarkening = 0.15; // an accent moved further would no longer look like itself
 
 double contrast(const QColor& a, const QColor& b) {
-    return QirnTheme::RGB::of(a).contrast(QirnTheme::RGB::of(b));
+    return QirnTheme::RGB::fromColor(a).contrast(QirnTheme::RGB::fromColor(b));
 }
 
-/// `a` at 0, `b` at 1, channel by channel on the encoded values.
+/// Linear mix of the encoded channels: `a` at t = 0, `b` at t = 1.
 QColor mix(const QColor& a, const QColor& b, double t) {
     const auto channel = [t](int from, int to) { return qRound(from + (to - from) * t); };
     return QColor(channel(a.red(), b.red()), channel(a.green(), b.green()), channel(a.blue(), b.blue()));
@@ -27,7 +27,7 @@ QColor faded(QColor color, double alpha) {
     return color;
 }
 
-/// `from`, moved towards `to` as little as makes `enough` true.
+/// Moves `from` towards `to` in small steps until `enough` holds; `to` where it never does.
 template <class Enough> QColor moved(const QColor& from, const QColor& to, Enough enough) {
     for (double t = 0; t < 1; t += kStep) {
         const QColor candidate = mix(from, to, t);
@@ -44,7 +44,7 @@ QColor readableOn(const QColor& color, const QColor& towards, std::initializer_l
     });
 }
 
-/// A surface moved away from its text until the text can be read on it.
+/// Moves a surface towards another colour until its text can be read on it.
 QColor surfaceUnder(const QColor& surface, const QColor& text, const QColor& towards) {
     return moved(surface, towards,
                  [&](const QColor& candidate) { return contrast(candidate, text) >= kReadable; });
@@ -52,7 +52,7 @@ QColor surfaceUnder(const QColor& surface, const QColor& text, const QColor& tow
 
 } // namespace
 
-ChromeColors ChromeColors::of(const QrKitTheme& theme) {
+ChromeColors ChromeColors::fromTheme(const QrKitTheme& theme) {
     const QColor black(Qt::black);
     const auto metal = [&](double t) { return mix(theme.panelBottom, theme.panelTop, t); };
     ChromeColors c;

@@ -36,7 +36,7 @@ struct ChromeColors {
     QColor divider; ///< Between groups on one surface.
     QColor seam;    ///< Between two surfaces.
 
-    static ChromeColors of(const QrKitTheme& theme);
+    static ChromeColors fromTheme(const QrKitTheme& theme);
     QPalette palette() const;
 };
 

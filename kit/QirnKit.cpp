@@ -13,7 +13,7 @@
 #include "kit/controls/ChromeSliderAccess.h"
 #include "kit/style/ChromeStyle.h"
 
-// Resources of a static library are linked in only where they are asked for, from outside any namespace.
+// Without this the linker leaves the resources of a static library out; the macro works outside namespaces only.
 static void linkResources() {
     Q_INIT_RESOURCE(icons);
 }
@@ -24,7 +24,7 @@ namespace {
 
 struct Applied {
     QrKitTheme theme = QirnThemes::named(QString::fromLatin1(QirnThemes::kDefaultID)).kitTheme();
-    ChromeColors colors = ChromeColors::of(theme);
+    ChromeColors colors = ChromeColors::fromTheme(theme);
     Metrics metrics;
 };
 
@@ -81,7 +81,7 @@ void QirnKit::install(const QString& appName) {
 
 void QirnKit::applyTheme() {
     applied().theme = QirnThemes::current().kitTheme();
-    applied().colors = ChromeColors::of(applied().theme);
+    applied().colors = ChromeColors::fromTheme(applied().theme);
     const QPalette palette = applied().colors.palette();
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette);
@@ -92,7 +92,7 @@ void QirnKit::applyZoom(double zoom) {
     if (zoom == applied().metrics.zoom) return;
     applied().metrics = Metrics{zoom};
     applyFonts();
-    // Before the event loop runs Qt itself tells nobody of a new font.
+    // Qt sends this one itself only while the event loop runs.
     QEvent font(QEvent::ApplicationFontChange);
     for (QWidget* window : QApplication::topLevelWidgets()) QCoreApplication::sendEvent(window, &font);
     QEvent sizes(QEvent::StyleChange);

@@ -19,7 +19,7 @@ QColor display(const QirnTheme::RGB& c) {
 
 } // namespace
 
-QirnTheme::RGB QirnTheme::RGB::of(const QColor& color) {
+QirnTheme::RGB QirnTheme::RGB::fromColor(const QColor& color) {
     return {color.red() / 255.0, color.green() / 255.0, color.blue() / 255.0};
 }
 

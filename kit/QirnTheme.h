@@ -30,10 +30,10 @@ struct QirnTheme {
         static constexpr RGB fromHex(uint32_t hex) { ///< 0xRRGGBB
             return {((hex >> 16) & 0xFF) / 255.0, ((hex >> 8) & 0xFF) / 255.0, (hex & 0xFF) / 255.0};
         }
-        static RGB of(const QColor& color); ///< Alpha is left out.
-        double luminance() const;           ///< Relative luminance of WCAG 2, 0 to 1.
-        double
-        contrast(const RGB& other) const; ///< Contrast ratio of WCAG 2, 1 to 21; either may be the lighter.
+        static RGB fromColor(const QColor& color); ///< Alpha is left out.
+        double luminance() const;                  ///< Relative luminance of WCAG 2, 0 to 1.
+        /// Contrast ratio of WCAG 2, 1 to 21; either may be the lighter.
+        double contrast(const RGB& other) const;
         bool operator==(const RGB&) const = default;
     };
     enum class Family { masculine, feminine, black, gray, extra };

@@ -33,7 +33,7 @@ constexpr Row kRows[] = {
      0x3A3D42, 0x6A6E75, 0x45484E, 0xFFFFFF, 0xD9DCE1, 0x1F6FD1},
 };
 
-QirnTheme made(const Row& row) {
+QirnTheme themeFrom(const Row& row) {
     using RGB = QirnTheme::RGB;
     return {QString::fromLatin1(row.id),
             QCoreApplication::translate("QirnThemes", row.name),
@@ -52,7 +52,7 @@ struct State {
     Store store;
     QString chosen; // where there is no store
 
-    State() { std::ranges::transform(kRows, std::back_inserter(builtIn), made); }
+    State() { std::ranges::transform(kRows, std::back_inserter(builtIn), themeFrom); }
 };
 
 State& state() {

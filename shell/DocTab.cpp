@@ -20,7 +20,7 @@ namespace qirn {
 namespace {
 
 int mostName() {
-    return QirnKitHost::metrics().px(200); // longer names end in dots
+    return QirnKitHost::metrics().px(200); // longer names are elided
 }
 int leastName() {
     return QirnKitHost::metrics().px(48);
@@ -56,7 +56,7 @@ DocTab::DocTab(PaintModel& model, QWidget* parent)
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     dot_->setToolTip(tr("Not saved yet (autosaved for safety)"));
     close_ = new IconButton(Icon::close, tr("Close this picture"), this, &Metrics::chevron);
-    close_->setFocusPolicy(Qt::NoFocus); // Delete on the tab does the same
+    close_->setFocusPolicy(Qt::NoFocus); // the Delete key on the tab does the same
     connect(this, &QAbstractButton::clicked, this, guarding(model_, [this] {
                 if (DocSession* shown = session()) model_.pictures().select(*shown);
             }));

@@ -25,7 +25,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void nextCheckState() override {} // the model says which tab is current
+    void nextCheckState() override {} // a click does not check it: the model says which tab is current
 
 private:
     void closeSession();

@@ -52,7 +52,7 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       strip_(new QScrollArea(this)) {
-    const auto made = [this](const HeaderButton& row) {
+    const auto makeButton = [this](const HeaderButton& row) {
         auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
         button->setObjectName(QLatin1String(row.name));
         connect(button, &IconButton::clicked, this, guarding(model_, [this, run = row.run] { run(model_); }));
@@ -62,7 +62,7 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     auto* tabs = new QWidget(strip_);
     tabRow_ = new QHBoxLayout(tabs);
     tabRow_->setContentsMargins(0, 0, 0, 0);
-    new_ = made(kNew);
+    new_ = makeButton(kNew);
     tabRow_->addWidget(new_);
     tabRow_->addStretch();
     strip_->setWidget(tabs);
@@ -75,11 +75,11 @@ HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
     tabs->setAutoFillBackground(false);
     strip_->viewport()->installEventFilter(this);
 
-    auto* open = made(kOpen);
-    auto* save = made(kSave);
-    auto* exporter = made(kExport);
-    undo_ = made(kUndo);
-    redo_ = made(kRedo);
+    auto* open = makeButton(kOpen);
+    auto* save = makeButton(kSave);
+    auto* exporter = makeButton(kExport);
+    undo_ = makeButton(kUndo);
+    redo_ = makeButton(kRedo);
     auto* row = new QHBoxLayout(this);
     row->addWidget(new Badge(this));
     row->addWidget(strip_, 1);
@@ -114,7 +114,7 @@ void HeaderBar::refresh() {
     }
     while (tabs_.size() > sessions.size()) {
         tabs_.back()->hide();
-        tabs_.back()->deleteLater(); // it may be the one whose click closed the picture
+        tabs_.back()->deleteLater(); // its own click handler may be running
         tabs_.pop_back();
     }
     for (std::size_t i = 0; i < sessions.size(); ++i) {

@@ -25,7 +25,7 @@ private:
     void refresh();
 
     PaintModel& model_;
-    QScrollArea* strip_; // tabs that do not fit are scrolled to
+    QScrollArea* strip_; // scrolls sideways where the tabs do not fit
     QHBoxLayout* tabRow_;
     std::vector<DocTab*> tabs_; // one a session, in their order
     IconButton* new_;

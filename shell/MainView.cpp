@@ -33,11 +33,11 @@ namespace qirn {
 namespace {
 
 constexpr QSize kSize{1480, 920};
-constexpr QSize kLeastWindow{1040, 680}; // inside its frame
-constexpr QSize kLeastContent{960, 640}; // lengths of the grid; the content scrolls below that
-constexpr QSize kFrame{8, 40};           // round a window; how wide it is shows only once the window is up
-constexpr QSize kPanels{72, 72};         // of a desktop that does not tell what they take
-constexpr QSize kLeastOfTiles{400, 300};
+constexpr QSize kLeastWindow{1040, 680}; // without its frame
+constexpr QSize kLeastContent{960, 640}; // at zoom 1; the content scrolls below that
+constexpr QSize kFrame{8, 40};   // a guess at the window's frame, which is known only once it is shown
+constexpr QSize kPanels{72, 72}; // a guess at the desktop's panels where it does not report them
+constexpr QSize kLeastOfTiles{400, 300}; // where the desktop tiles its windows
 
 QVBoxLayout* columnIn(QWidget* parent) {
     auto* column = new QVBoxLayout(parent);
@@ -66,7 +66,9 @@ public:
     }
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override { event->ignore(); } // arrows are the canvas's
+    void keyPressEvent(QKeyEvent* event) override {
+        event->ignore();
+    } // arrow keys do not scroll: they are for the canvas
 };
 
 } // namespace
@@ -168,7 +170,7 @@ void MainView::closeEvent(QCloseEvent* event) {
     event->setAccepted(quit);
 }
 
-// Keys that no control took mean the canvas.
+// Keys that no control has used are for the canvas.
 void MainView::keyPressEvent(QKeyEvent* event) {
     if (!canvas_->handleKeyPress(event)) QMainWindow::keyPressEvent(event);
 }

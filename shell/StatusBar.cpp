@@ -15,7 +15,7 @@
 namespace qirn {
 
 namespace {
-constexpr std::chrono::milliseconds kPause(30); // between two looks at what runs with the pen
+constexpr std::chrono::milliseconds kPause(30); // least time between two updates of the cursor
 }
 
 StatusBar::StatusBar(PaintModel& model, QWidget* parent)

@@ -17,12 +17,12 @@ public:
 
 private:
     void refresh();
-    void followCursor();  ///< Soon: a bar that is painted at the rate of the pen costs the pen its time.
-    void refreshCursor(); ///< What `CanvasStatus` has.
+    void followCursor();  ///< Now or after the pause: a repaint for every pen event would slow the pen.
+    void refreshCursor(); ///< Shows what `CanvasStatus` has.
 
     PaintModel& model_;
-    QTimer pause_;        // runs for a while after the cursor was shown
-    bool isLate_ = false; // there is news since
+    QTimer pause_;        // runs after each update of the cursor
+    bool isLate_ = false; // the cursor has changed during the pause
     StatusText* size_;
     StatusText* zoom_;
     StatusText* rotation_;

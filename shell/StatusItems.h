@@ -3,8 +3,8 @@
 
 namespace qirn {
 
-/// One text of the status bar. It is as wide as its widest text so far, so that the line stands still while numbers
-/// run.
+/// One text of the status bar. It stays as wide as its widest text so far, so that the texts behind it stand still
+/// while numbers change.
 class StatusText : public QWidget {
     Q_OBJECT
 public:

@@ -3,7 +3,7 @@
 
 namespace qirn {
 
-/// One line of dim text that gives way: it ends in dots where there is no room, and then tells itself in its tip.
+/// One line of dim text. Where there is no room for it, it is elided and its tip has the whole.
 class ChromeNote : public QWidget {
     Q_OBJECT
 public:

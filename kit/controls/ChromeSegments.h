@@ -12,7 +12,7 @@ public:
     ChromeSegments(const QString& accessibleName, const QStringList& titles, QWidget* parent);
 
     int chosen() const;
-    void setChosen(int index); ///< Announces nothing.
+    void setChosen(int index); ///< Emits nothing.
 
 Q_SIGNALS:
     void picked(int index); ///< By the user.

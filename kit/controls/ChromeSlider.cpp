@@ -32,7 +32,7 @@ ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const
       format_(format),
       value_(scale.lower),
       field_(new QLineEdit(this)) {
-    setFocusPolicy(Qt::TabFocus); // a drag leaves the keys to the canvas
+    setFocusPolicy(Qt::TabFocus); // a drag does not take the focus from the canvas
     setAttribute(Qt::WA_Hover);
     setAccessibleName(label);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -126,7 +126,7 @@ void ChromeSlider::wheelEvent(QWheelEvent* event) {
 }
 
 void ChromeSlider::keyPressEvent(QKeyEvent* event) {
-    if (field_->isVisible()) return QWidget::keyPressEvent(event); // what the field has no use for
+    if (field_->isVisible()) return QWidget::keyPressEvent(event); // the open field ignored it
     const bool typed = !event->text().isEmpty() &&
                        (event->text().front().isDigit() || event->text() == u"-") &&
                        !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));

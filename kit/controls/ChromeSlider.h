@@ -20,13 +20,13 @@ public:
     ChromeSlider(const QString& label, const SliderScale& scale, const NumberFormat& format, QWidget* parent);
 
     double value() const { return value_; }
-    void setValue(double value); ///< Shows it, or the nearer end of the range; announces nothing.
+    void setValue(double value); ///< Or the nearer end of the range; emits nothing.
     QString label() const { return label_; }
     const SliderScale& scale() const { return scale_; }
     QString valueText() const { return format_.text(value_); }
     bool isDragging() const { return dragging_; }
 
-    /// As if the user had moved it there: announced, and finished with.
+    /// Sets it as the user would: emits both signals.
     void enter(double value);
 
     QSize sizeHint() const override;
@@ -34,8 +34,8 @@ public:
 
 Q_SIGNALS:
     void valueChanged(double value); ///< By the user, also while a drag goes on.
-    void
-    editingFinished(); ///< After changes: a drag has ended, a number is typed, keys or wheel have come to rest.
+    /// After changes by the user: at the end of a drag, with a typed number, when keys or wheel have paused.
+    void editingFinished();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -52,7 +52,7 @@ protected:
 
 private:
     void moveTo(double value);
-    void step(int steps); ///< By keys or wheel: finished when they come to rest.
+    void step(int steps); ///< By keys or wheel: finished when they pause.
     void finish();
     void drag(const QMouseEvent& event);
     void openField(const QString& text);
@@ -67,8 +67,8 @@ private:
     bool dragging_ = false;
     double dragPlace_ = 0; // along the bar, 0 to 1, not rounded to the step
     double dragX_ = 0;
-    int wheel_ = 0;          // angle not yet used, in eighths of a degree
-    bool announced_ = false; // a change that is not finished yet
+    int wheel_ = 0;          // angle that makes no whole notch yet, in eighths of a degree
+    bool announced_ = false; // valueChanged was emitted, editingFinished not yet
     QTimer atRest_;
     QLineEdit* field_; // open while visible
     QPointer<QWidget> focusBefore_;

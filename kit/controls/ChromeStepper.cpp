@@ -7,7 +7,7 @@ namespace qirn {
 
 ChromeStepper::ChromeStepper(const QString& accessibleName, const QString& words, QWidget* parent)
     : QSpinBox(parent) {
-    setFocusPolicy(Qt::TabFocus); // a click leaves the keys to whoever has them
+    setFocusPolicy(Qt::TabFocus); // a click does not take it from the canvas
     setAccessibleName(accessibleName);
     const QStringList around = words.split(QStringLiteral("%1"));
     setPrefix(around.value(0));

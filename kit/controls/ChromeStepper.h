@@ -3,7 +3,7 @@
 
 namespace qirn {
 
-/// A few whole numbers to step through, inside their words: "Grow 1 px". The wheel turns it only while it has the keys.
+/// A few whole numbers to step through, inside their words: "Grow 1 px". The wheel turns it only while it has the focus.
 class ChromeStepper : public QSpinBox {
     Q_OBJECT
 public:

@@ -17,7 +17,7 @@ ChromeToggle::ChromeToggle(const QString& label, QWidget* parent) : QCheckBox(la
 QSize ChromeToggle::sizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
     const int text = fontMetrics().size(Qt::TextShowMnemonic, this->text()).width();
-    // The focus ring keeps off the switch and the text by one step of the grid.
+    // The tight gaps at both ends are for the focus ring.
     return {m.switchWidth + m.gap + text + 2 * m.tightGap, m.controlHeight};
 }
 

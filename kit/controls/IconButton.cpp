@@ -8,7 +8,7 @@ IconButton::IconButton(Icon icon, const QString& tip, QWidget* parent, int Metri
     : QToolButton(parent) {
     setAutoRaise(true);
     setFocusPolicy(Qt::TabFocus);
-    setIcon(Icons::of(icon));
+    setIcon(Icons::themed(icon));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setTip(tip);
     QirnKit::followMetrics(this, [this, iconSide](const Metrics& m) {

@@ -6,7 +6,7 @@
 
 namespace qirn {
 
-/// A flat button of one icon. Its tip is also its accessible name; a click leaves the keys to whoever has them.
+/// A flat button of one icon. Its tip is also its accessible name; a click does not take the focus.
 class IconButton : public QToolButton {
     Q_OBJECT
 public:

@@ -22,7 +22,7 @@ NumberField::NumberField(const QString& accessibleName, const Range& range, cons
 }
 
 void NumberField::setValue(double value) {
-    if (value == value_) return; // what is being typed stays as it is typed
+    if (value == value_) return; // does not rewrite what is being typed
     value_ = value;
     display(value_);
 }
@@ -62,7 +62,7 @@ void NumberField::keyPressEvent(QKeyEvent* event) {
 }
 
 void NumberField::wheelEvent(QWheelEvent* event) {
-    event->ignore(); // it scrolls what the field stands in
+    event->ignore(); // so that the panel behind it scrolls
 }
 
 void NumberField::focusOutEvent(QFocusEvent* event) {

@@ -23,14 +23,13 @@ public:
                 QWidget* parent);
 
     double value() const { return value_; }
-    void setValue(double value);                ///< Announces nothing.
+    void setValue(double value);                ///< Emits nothing.
     void setFormat(const NumberFormat& format); ///< The number stays.
 
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    void
-    valueChanged(double value); ///< By the user, at each key; a text that is no number announces nothing.
+    void valueChanged(double value); ///< By the user, at each key; not for a text that is no number.
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -6,7 +6,8 @@
 namespace qirn {
 
 namespace {
-constexpr double kPlaceStep = 0.01; // of the length, where steps of the value would be too small to feel
+constexpr double kPlaceStep =
+    0.01; // of the length: the least that a key moves where small values take more of it
 }
 
 QString NumberFormat::text(double value) const {

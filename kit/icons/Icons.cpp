@@ -119,7 +119,7 @@ public:
         ChromePaint::icon(*painter, rect, icon_, std::min(rect.width(), rect.height()),
                           colorFor(mode, state));
     }
-    /// In device pixels. What asks for a scale comes here by the base class, whose sizes changed their meaning in Qt 6.8.
+    /// `size` is in device pixels. scaledPixmap() is left to the base class, whose size means something else since Qt 6.8.
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         return rendered(icon_, std::min(size.width(), size.height()), colorFor(mode, state));
     }
@@ -132,9 +132,9 @@ private:
 
 } // namespace
 
-QIcon of(Icon icon) {
-    return QIcon(std::make_unique<OutlineEngine>(icon).release());
-} // the icon owns its engine
+QIcon themed(Icon icon) {
+    return QIcon(std::make_unique<OutlineEngine>(icon).release()); // the icon owns its engine
+}
 
 QPixmap pixmap(Icon icon, int size, double ratio, const QColor& color) {
     QPixmap result = rendered(icon, qRound(size * ratio), color);

@@ -68,7 +68,7 @@ inline constexpr Icon kLastIcon = Icon::list;
 namespace qirn::Icons {
 
 /// Follows the theme and its button: dim when disabled, the accent's text colour when on.
-QIcon of(Icon icon);
+QIcon themed(Icon icon);
 
 /// A square of `size` logical pixels at `ratio` device pixels each, in one colour. Cached.
 QPixmap pixmap(Icon icon, int size, double ratio, const QColor& color);

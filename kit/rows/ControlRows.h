@@ -14,8 +14,8 @@
 namespace qirn {
 
 /// One row of a table of controls over a target: a plain value that says what the control is, how to read the target
-/// and how to set it. Texts are English sources, translated by the box that shows them; a tip may be null. What no kind
-/// fits is a widget of its own in a `Custom` row.
+/// and how to set it. Texts are English sources, translated by the box that shows them; a tip may be null. What fits no
+/// kind is a widget of its own in a `Custom` row.
 template <class Target> struct ControlRow {
     template <class Value> using Get = Value (*)(const Target&);
     template <class Value> using Set = void (*)(Target&, Value);
@@ -77,7 +77,7 @@ template <class Target> struct ControlRow {
     struct Section {
         const char* title;
     };
-    /// It reads the target by itself.
+    /// A widget that follows the target by itself.
     struct Custom {
         QWidget* (*make)(Target&, QWidget* parent);
     };

@@ -25,7 +25,7 @@ public:
     /// What the rows borrow from the program around them.
     struct Dress {
         QString (*words)(const char* source); ///< A text of the table as the user reads it.
-        /// Every change of the target runs in here; without it, just so.
+        /// Runs every change of the target, for instance to catch what it throws; may be absent.
         std::function<void(const std::function<void()>&)> guard;
     };
 
@@ -41,7 +41,7 @@ protected:
 
     /// Puts a row behind the others. `shows` says when it is there; absent for always.
     void add(const Binding& binding, std::function<bool()> shows);
-    void change(const std::function<void()>& body); ///< Of the target.
+    void change(const std::function<void()>& body); ///< Runs a change of the target inside the guard.
 
     // A control of each kind; `set` is called with what the user chose.
     ChromeSlider* slider(const char* label, const char* tip, const SliderScale& scale,
@@ -58,7 +58,7 @@ protected:
     QWidget* note(const char* text);
     QWidget* section(const char* title);
 
-    // A value shown without being announced.
+    // Shows a value and emits nothing.
     static void display(ChromeSlider& control, double value);
     static void display(NumberField& control, double value);
     static void display(ChromeStepper& control, int value);

@@ -22,10 +22,10 @@ enum class Side { left, top, right, bottom };
 void line(QPainter& painter, const QRectF& rect, Side side, const QColor& color);
 /// In the middle of the rectangle, `size` logical pixels square.
 void icon(QPainter& painter, const QRectF& within, Icon icon, int size, const QColor& color);
-/// The same for an icon of any origin.
+/// The same for any QIcon.
 void icon(QPainter& painter, const QRectF& within, const QIcon& icon, const QSize& size, QIcon::Mode mode,
           QIcon::State state);
-/// One line, cut with dots where it does not fit. Mnemonic marks (&) are not shown when the flags say so.
+/// One line, elided where it does not fit. Mnemonic marks (&) are not shown when the flags say so.
 void text(QPainter& painter, const QRectF& rect, int flags, const QString& text, const QColor& color);
 
 } // namespace qirn::ChromePaint

@@ -54,7 +54,7 @@ void ChromeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         return;
     case PE_PanelLineEdit:
     case PE_FrameLineEdit:
-        // A field inside a combo or spin box stands on the box's own well.
+        // The field inside a combo or spin box has the box's own frame.
         if (!widget || !(qobject_cast<const QComboBox*>(widget->parentWidget()) ||
                          qobject_cast<const QAbstractSpinBox*>(widget->parentWidget())))
             drawField(*option, p, option->rect);
@@ -187,37 +187,37 @@ QIcon ChromeStyle::standardIcon(StandardPixmap pixmap, const QStyleOption* optio
     switch (pixmap) {
     case SP_MessageBoxWarning:
     case SP_MessageBoxCritical:
-        return Icons::of(Icon::warning);
+        return Icons::themed(Icon::warning);
     case SP_MessageBoxInformation:
-        return Icons::of(Icon::info);
+        return Icons::themed(Icon::info);
     case SP_MessageBoxQuestion:
-        return Icons::of(Icon::help);
+        return Icons::themed(Icon::help);
     case SP_DirIcon:
     case SP_DirHomeIcon:
     case SP_DirOpenIcon:
-        return Icons::of(Icon::folder);
+        return Icons::themed(Icon::folder);
     case SP_FileDialogNewFolder:
-        return Icons::of(Icon::folderNew);
+        return Icons::themed(Icon::folderNew);
     case SP_FileDialogToParent:
-        return Icons::of(Icon::arrowUp);
+        return Icons::themed(Icon::arrowUp);
     case SP_FileIcon:
-        return Icons::of(Icon::file);
+        return Icons::themed(Icon::file);
     case SP_FileDialogBack:
     case SP_ArrowBack:
-        return Icons::of(Icon::arrowLeft);
+        return Icons::themed(Icon::arrowLeft);
     case SP_ArrowForward:
-        return Icons::of(Icon::arrowRight);
+        return Icons::themed(Icon::arrowRight);
     case SP_FileDialogListView:
-        return Icons::of(Icon::grid);
+        return Icons::themed(Icon::grid);
     case SP_FileDialogDetailedView:
-        return Icons::of(Icon::list);
+        return Icons::themed(Icon::list);
     case SP_ComputerIcon:
     case SP_DesktopIcon:
     case SP_DriveHDIcon:
-        return Icons::of(Icon::computer);
+        return Icons::themed(Icon::computer);
     case SP_DialogCloseButton:
     case SP_LineEditClearButton:
-        return Icons::of(Icon::close);
+        return Icons::themed(Icon::close);
     default:
         return QProxyStyle::standardIcon(pixmap, option, widget);
     }

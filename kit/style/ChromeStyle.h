@@ -16,7 +16,7 @@ namespace qirn {
 /// Draws every control of the program from the theme's colours and the grid of `Metrics`. Geometry that it does
 /// not give comes from Fusion.
 ///
-/// Focus is shown by a ring where it came by the keyboard, and always in fields that are typed into.
+/// A focus ring is drawn where the focus came by the keyboard, and always round text fields.
 class ChromeStyle : public QProxyStyle {
     Q_OBJECT
 public:
@@ -74,7 +74,7 @@ private:
     void drawFrame(const QStyleOptionFrame& option, QPainter& painter) const;
 };
 
-/// The ring is shown: focus that came by the keyboard, or an open field.
+/// True where the focus came by the keyboard.
 bool showsFocus(const QStyleOption& option);
 
 } // namespace qirn

@@ -26,7 +26,7 @@ Face raisedFace(QStyle::State state, bool on) {
     return {over ? c.hover : c.raised, c.edge, c.text};
 }
 
-/// A flat button: nothing but its mark until the pointer comes.
+/// A flat button: only its icon or text until the pointer is over it.
 Face flatFace(QStyle::State state, bool on) {
     const ChromeColors& c = QirnKitHost::colors();
     const bool over = state.testFlag(QStyle::State_MouseOver);

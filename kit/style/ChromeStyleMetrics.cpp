@@ -27,7 +27,7 @@ int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return m.checkBox;
-    case PM_FocusFrameHMargin: // text in a row of a list, from the edge of the row; columns have no room to give
+    case PM_FocusFrameHMargin: // the text of a list's row; the columns of a table are too narrow for more
         return qobject_cast<const QListView*>(widget) ? m.gap
                                                       : QProxyStyle::pixelMetric(metric, option, widget);
     case PM_CheckBoxLabelSpacing:
@@ -231,7 +231,7 @@ QRect ChromeStyle::subElementRect(SubElement element, const QStyleOption* option
     const Metrics& m = QirnKitHost::metrics();
     if (element == SE_LineEditContents) {
         const QRect rect = QProxyStyle::subElementRect(element, option, widget);
-        // Inside a box the text is inset by both.
+        // A spin or combo box has inset its field already.
         const bool inBox = widget && (qobject_cast<const QComboBox*>(widget->parentWidget()) ||
                                       qobject_cast<const QAbstractSpinBox*>(widget->parentWidget()));
         const int inset = inBox ? m.tightGap : m.gap;

@@ -48,7 +48,7 @@ void BrushPresetMenu::fill() {
             action->setCheckable(true);
             action->setChecked(brush.id == model_.brushes().activeBrush().id);
             if (action->isChecked() && group != menu()) {
-                group->menuAction()->setCheckable(true); // the mark tells where the brush is
+                group->menuAction()->setCheckable(true); // marks the category of the brush
                 group->menuAction()->setChecked(true);
             }
             connect(action, &QAction::triggered, this,
@@ -58,7 +58,7 @@ void BrushPresetMenu::fill() {
 }
 
 void BrushPresetMenu::paintEvent(QPaintEvent*) {
-    // Drawn as what it is to the user: a list to choose from.
+    // Looks like the combo box that it is to the user.
     QStyleOptionComboBox option;
     option.initFrom(this);
     option.currentText = text();

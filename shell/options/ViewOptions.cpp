@@ -26,34 +26,35 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
     const auto onView = [this, &view](auto action) {
         return guarding(model_, [&view, action] { action(view); });
     };
-    const auto button = [&](const char* name, const QString& text, auto action) {
-        auto* made = new QPushButton(text, this);
-        made->setObjectName(QLatin1String(name));
-        made->setFocusPolicy(Qt::TabFocus);
-        connect(made, &QPushButton::clicked, this, onView(action));
-        return made;
+    const auto makeButton = [&](const char* name, const QString& text, auto action) {
+        auto* button = new QPushButton(text, this);
+        button->setObjectName(QLatin1String(name));
+        button->setFocusPolicy(Qt::TabFocus);
+        connect(button, &QPushButton::clicked, this, onView(action));
+        return button;
     };
-    const auto iconButton = [&](const char* name, Icon icon, const QString& tip, auto action) {
-        auto* made = new IconButton(icon, tip, this);
-        made->setObjectName(QLatin1String(name));
-        connect(made, &IconButton::clicked, this, onView(action));
-        return made;
+    const auto makeIconButton = [&](const char* name, Icon icon, const QString& tip, auto action) {
+        auto* button = new IconButton(icon, tip, this);
+        button->setObjectName(QLatin1String(name));
+        connect(button, &IconButton::clicked, this, onView(action));
+        return button;
     };
 
     zoom_->setObjectName(QStringLiteral("zoomValue"));
     zoom_->setAlignment(Qt::AlignCenter);
-    row->addWidget(iconButton("zoomOut", Icon::minus, tr("Zoom out (−)"),
-                              [](CanvasView& canvas) { canvas.zoomStep(false); }));
+    row->addWidget(makeIconButton("zoomOut", Icon::minus, tr("Zoom out (−)"),
+                                  [](CanvasView& canvas) { canvas.zoomStep(false); }));
     row->addWidget(zoom_);
-    row->addWidget(iconButton("zoomIn", Icon::plus, tr("Zoom in (=)"),
-                              [](CanvasView& canvas) { canvas.zoomStep(true); }));
-    row->addWidget(button("fitView", tr("Fit (F)"), [](CanvasView& canvas) { canvas.fit(); }));
-    row->addWidget(button("actualPixels", tr("100% (1)"), [](CanvasView& canvas) { canvas.actualPixels(); }));
+    row->addWidget(makeIconButton("zoomIn", Icon::plus, tr("Zoom in (=)"),
+                                  [](CanvasView& canvas) { canvas.zoomStep(true); }));
+    row->addWidget(makeButton("fitView", tr("Fit (F)"), [](CanvasView& canvas) { canvas.fit(); }));
+    row->addWidget(
+        makeButton("actualPixels", tr("100% (1)"), [](CanvasView& canvas) { canvas.actualPixels(); }));
     rotation_->setObjectName(QStringLiteral("Rotate view"));
     row->addWidget(rotation_);
     row->addWidget(
-        button("resetRotation", tr("Reset (/)"), [](CanvasView& canvas) { canvas.setRotation(0); }));
-    flip_ = button("flipView", tr("Flip view (W)"), [](CanvasView& canvas) { canvas.toggleFlipView(); });
+        makeButton("resetRotation", tr("Reset (/)"), [](CanvasView& canvas) { canvas.setRotation(0); }));
+    flip_ = makeButton("flipView", tr("Flip view (W)"), [](CanvasView& canvas) { canvas.toggleFlipView(); });
     row->addWidget(flip_);
     QirnKit::followMetrics(this, [this, row](const Metrics& m) {
         row->setSpacing(m.gap);

@@ -22,7 +22,7 @@ private:
     PaintModel& model_;
     ColorPlane* plane_;
     QLineEdit* hex_;
-    QString lastSet_; // the colour last written from the plane: its hue survives on greys
+    QString lastSet_; // hex of the plane's own last colour: what comes back of it keeps its hue
 };
 
 } // namespace qirn

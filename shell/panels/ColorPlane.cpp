@@ -40,7 +40,7 @@ void drawMark(QPainter& painter, QPointF centre, const QColor& inside) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(inside);
     painter.setPen(
-        QPen(QColor(0, 0, 0, 140), 3.5 * zoom)); // a dark ring and a white one show on every colour
+        QPen(QColor(0, 0, 0, 140), 3.5 * zoom)); // a white ring on a dark one shows on every colour
     painter.drawEllipse(mark);
     painter.setPen(QPen(Qt::white, 2 * zoom));
     painter.drawEllipse(mark);

@@ -21,7 +21,7 @@ public:
     explicit ColorPlane(QWidget* parent);
 
     const HueColor& color() const { return color_; }
-    void setColor(const HueColor& color); ///< Announces nothing.
+    void setColor(const HueColor& color); ///< Emits nothing.
 
     QSize sizeHint() const override;
 
@@ -45,7 +45,7 @@ private:
 
     HueColor color_;
     Part dragged_ = Part::none;
-    QImage squareImage_; // of the hue below
+    QImage squareImage_; // rendered for imageHue_
     double imageHue_ = -1;
 };
 

@@ -67,7 +67,7 @@ bool LayerRowDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,
         event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space;
     if ((onEye && pressed) || byKey)
         model->setData(index, isShown(index) ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
-    return onEye || byKey; // on the eye a press is not a choice of the row
+    return onEye || byKey; // a press on the eye does not choose the row
 }
 
 } // namespace qirn

@@ -134,7 +134,7 @@ void LayersPanel::refreshRows() {
         item.setData(LayerRowDelegate::kMarksRole, marks.join(QStringLiteral(" · ")));
     }
     list_->setCurrentRow(static_cast<int>(doc.layerCount() - 1 - doc.activeIndex()));
-    list_->viewport()->update(); // what was written while blocked is not drawn by itself
+    list_->viewport()->update(); // the signals that were blocked would have done it
 }
 
 } // namespace qirn

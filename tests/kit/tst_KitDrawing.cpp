@@ -97,7 +97,7 @@ private Q_SLOTS:
             const QPixmap pixmap = Icons::pixmap(Icon::save, 20, ratio, Qt::white);
             QCOMPARE(pixmap.width(), qRound(20 * ratio));
             QCOMPARE(pixmap.devicePixelRatio(), ratio);
-            QCOMPARE(Icons::of(Icon::save).pixmap(QSize(20, 20), ratio).width(), qRound(20 * ratio));
+            QCOMPARE(Icons::themed(Icon::save).pixmap(QSize(20, 20), ratio).width(), qRound(20 * ratio));
             const QImage icon = pixmap.toImage();
             for (int shift = 0; shift < 4; ++shift) {
                 QImage image = canvas(ratio);
@@ -115,7 +115,7 @@ private Q_SLOTS:
 
     void anIconFollowsItsButton() {
         const ChromeColors& colors = QirnKitHost::colors();
-        const QIcon icon = Icons::of(Icon::hand);
+        const QIcon icon = Icons::themed(Icon::hand);
         const auto shown = [&](QIcon::Mode mode, QIcon::State state) {
             return icon.pixmap(QSize(40, 40), 1, mode, state).toImage();
         };

@@ -10,7 +10,7 @@ using namespace qirn;
 namespace {
 
 double contrast(const QColor& a, const QColor& b) {
-    return QirnTheme::RGB::of(a).contrast(QirnTheme::RGB::of(b));
+    return QirnTheme::RGB::fromColor(a).contrast(QirnTheme::RGB::fromColor(b));
 }
 
 } // namespace
@@ -58,7 +58,7 @@ private Q_SLOTS:
 
     void everyTextCanBeReadInEveryTheme() {
         for (const QirnTheme& theme : QirnThemes::builtIn()) {
-            const ChromeColors c = ChromeColors::of(theme.kitTheme());
+            const ChromeColors c = ChromeColors::fromTheme(theme.kitTheme());
             const auto canBeRead = [](const QColor& text, const QColor& on, int which) {
                 const double ratio = contrast(text, on);
                 QVERIFY2(ratio >= 4.5, qPrintable(QString("surface %1: %2").arg(which).arg(ratio)));

@@ -104,13 +104,13 @@ QString misplaced(const QWidget& parent) {
 }
 
 QSet<QRgb> colorsOf(const QString& theme) {
-    const ChromeColors c = ChromeColors::of(QirnThemes::named(theme).kitTheme());
+    const ChromeColors c = ChromeColors::fromTheme(QirnThemes::named(theme).kitTheme());
     return {c.canvas.rgb(), c.panel.rgb(), c.bar.rgb(), c.raised.rgb(),
             c.well.rgb(),   c.text.rgb(),  c.dim.rgb(), c.accent.rgb()};
 }
 
 QSet<QRgb> inksOf(const QString& theme) {
-    const ChromeColors c = ChromeColors::of(QirnThemes::named(theme).kitTheme());
+    const ChromeColors c = ChromeColors::fromTheme(QirnThemes::named(theme).kitTheme());
     return {c.text.rgb(), c.dim.rgb(), c.faint.rgb(), c.onAccent.rgb()};
 }
 
