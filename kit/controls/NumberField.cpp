@@ -55,6 +55,10 @@ void NumberField::finish() {
 }
 
 void NumberField::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && isModified()) {
+        take(shown_);
+        display(shown_);
+    }
     const int steps = event->key() == Qt::Key_Up ? 1 : event->key() == Qt::Key_Down ? -1 : 0;
     if (steps == 0) return QLineEdit::keyPressEvent(event);
     take(std::clamp(value_ + steps * range_.step, range_.lower, range_.upper));

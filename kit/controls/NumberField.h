@@ -9,7 +9,7 @@ namespace qirn {
 
 /// A field for a number. It holds the number that it was given and only shows it rounded; typing makes it another. The
 /// decimal sign may be a point or a comma. Up and Down step. Return, or leaving it, brings a typed number into the range
-/// and puts the one from before in the place of a text that is none.
+/// and puts the one from before in the place of a text that is none; so does Escape of any text.
 class NumberField : public QLineEdit {
     Q_OBJECT
 public:

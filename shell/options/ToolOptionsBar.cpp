@@ -39,7 +39,6 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* par
     QirnKit::followMetrics(this, [this, row](const Metrics& m) {
         setFixedHeight(m.optionsHeight);
         row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
-        row->setSpacing(m.gap);
         QFont font = ChromeFont::body();
         font.setWeight(QFont::DemiBold);
         title_->setFont(font);

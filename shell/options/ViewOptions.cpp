@@ -56,8 +56,7 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
         makeButton("resetRotation", tr("Reset (/)"), [](CanvasView& canvas) { canvas.setRotation(0); }));
     flip_ = makeButton("flipView", tr("Flip view (W)"), [](CanvasView& canvas) { canvas.toggleFlipView(); });
     row->addWidget(flip_);
-    QirnKit::followMetrics(this, [this, row](const Metrics& m) {
-        row->setSpacing(m.gap);
+    QirnKit::followMetrics(this, [this](const Metrics& m) {
         zoom_->setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("6400%")) + m.tightGap);
         rotation_->setFixedWidth(m.px(200));
         flip_->setFixedWidth(fontMetrics().horizontalAdvance(tr("Unflip view (W)")) + 2 * m.controlPadding);

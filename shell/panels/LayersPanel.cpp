@@ -63,10 +63,9 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
     column->addWidget(blend_);
     column->addWidget(opacity_);
     column->addWidget(list_, 1);
-    QirnKit::followMetrics(this, [this, head, column](const Metrics& m) {
+    QirnKit::followMetrics(this, [this, head](const Metrics& m) {
         title_->setFont(ChromeFont::caption());
         head->setSpacing(m.tightGap);
-        column->setSpacing(m.gap);
     });
 
     connect(add, &IconButton::clicked, this, guarding(model_, [this] { LayerEdits::addLayer(model_); }));

@@ -115,11 +115,14 @@ private Q_SLOTS:
                                            {"12,25", 12.25},
                                            {"wide", 12.25},
                                            {"4\b", 12.25},
+                                           {"7\x1b", 12.25}, // Escape
                                            {"0", 1.0},
                                            {"1e9", 30'000.0}}) {
             field.selectAll();
             for (const char key : std::string_view(typed))
-                key == '\b' ? QTest::keyClick(&field, Qt::Key_Backspace) : QTest::keyClick(&field, key);
+                QTest::keyClick(&field, key == '\b'     ? Qt::Key_Backspace
+                                        : key == '\x1b' ? Qt::Key_Escape
+                                                        : QTest::asciiToKey(key));
             QTest::keyClick(&field, Qt::Key_Return);
             QCOMPARE(field.value(), value);
             QCOMPARE(field.text(), NumberFormat::plain(2).text(value));
