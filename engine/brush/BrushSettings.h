@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/RowOrder.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -18,12 +20,13 @@ struct BrushKindRow {
     const char* id;          ///< As files store it.
     const char* displayName; ///< English source text.
 };
-inline constexpr std::array<BrushKindRow, 4> kBrushKinds{{
-    {BrushKind::paint, "paint", "Paint"},
-    {BrushKind::erase, "erase", "Erase"},
-    {BrushKind::smudge, "smudge", "Smudge"},
-    {BrushKind::blur, "blur", "Blur"},
-}};
+inline constexpr std::array kBrushKinds{
+    BrushKindRow{BrushKind::paint, "paint", "Paint"},
+    BrushKindRow{BrushKind::erase, "erase", "Erase"},
+    BrushKindRow{BrushKind::smudge, "smudge", "Smudge"},
+    BrushKindRow{BrushKind::blur, "blur", "Blur"},
+};
+static_assert(isInOrder(kBrushKinds, &BrushKindRow::kind));
 constexpr const BrushKindRow& rowOf(BrushKind kind) {
     return kBrushKinds[static_cast<std::size_t>(kind)];
 }

@@ -2,6 +2,7 @@
 // Written once over the number type V, so that `float` gives the reference and lanes of floats the fast rows; like
 // platform/Lanes.h, included once for each instruction set.
 // The formulas are those of the PDF blend modes (ISO 32000-1, 11.3.5) and the usual linear ones beside them.
+#include "core/BlendMode.h"
 #include "platform/Lanes.h"
 
 #if defined(QIRN_COMPOSITING_BLENDFORMULAS_H) == defined(HWY_TARGET_TOGGLE)
@@ -18,64 +19,47 @@ namespace blend {
 
 template <class V> struct Rgb { V r, g, b; };
 
-/// A mode that works on each channel for itself has `channel`; the others have `colour`.
-template <class Mode, class V> HWY_INLINE Rgb<V> blendColour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
-    if constexpr (Mode::separable) {
-        return {Mode::channel(Cb.r, Cs.r), Mode::channel(Cb.g, Cs.g), Mode::channel(Cb.b, Cs.b)};
-    } else {
-        return Mode::colour(Cb, Cs);
-    }
-}
+/// What a mode makes of a color: `channel` for a mode that works on each channel by itself (isSeparable), `color` for
+/// the others. `normal` has none: its source takes the backdrop's place.
+template <BlendMode kMode> struct Formula;
 
-struct Separable {
-    static constexpr bool separable = true;
-    static constexpr bool isNormal = false;
-};
-struct WholeColour {
-    static constexpr bool separable = false;
-    static constexpr bool isNormal = false;
-};
-
-struct Normal {
-    static constexpr bool isNormal = true;
-};
-struct Multiply : Separable {
+template <> struct Formula<BlendMode::multiply> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return Cs * Cb; }
 };
-struct Screen : Separable {
+template <> struct Formula<BlendMode::screen> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return Cs + Cb - Cs * Cb; }
 };
-struct Overlay : Separable {
+template <> struct Formula<BlendMode::overlay> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V t = V(2) * Cb - V(1);
         return select(Cb > V(0.5f), Cs + t - Cs * t, V(2) * Cs * Cb);
     }
 };
-struct Darken : Separable {
+template <> struct Formula<BlendMode::darken> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return smaller(Cs, Cb); }
 };
-struct Lighten : Separable {
+template <> struct Formula<BlendMode::lighten> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return larger(Cs, Cb); }
 };
-struct ColorDodge : Separable {
+template <> struct Formula<BlendMode::colorDodge> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V dodged = smaller(V(1), Cb / (V(1) - Cs));
         return select(Cb <= V(0), V(0), select(Cs >= V(1), V(1), dodged));
     }
 };
-struct ColorBurn : Separable {
+template <> struct Formula<BlendMode::colorBurn> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V burned = V(1) - smaller(V(1), (V(1) - Cb) / Cs);
         return select(Cb >= V(1), V(1), select(Cs <= V(0), V(0), burned));
     }
 };
-struct HardLight : Separable {
+template <> struct Formula<BlendMode::hardLight> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V t = V(2) * Cs - V(1);
         return select(Cs > V(0.5f), t + Cb - t * Cb, Cs * V(2) * Cb);
     }
 };
-struct SoftLight : Separable {
+template <> struct Formula<BlendMode::softLight> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) {
         const V d = select(Cb > V(0.25f), squareRoot(Cb), ((V(16) * Cb - V(12)) * Cb + V(4)) * Cb);
         const V dark = Cb - (V(1) - V(2) * Cs) * Cb * (V(1) - Cb);
@@ -83,19 +67,19 @@ struct SoftLight : Separable {
         return select(Cs <= V(0.5f), dark, light);
     }
 };
-struct Difference : Separable {
+template <> struct Formula<BlendMode::difference> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return absolute(Cb - Cs); }
 };
-struct Exclusion : Separable {
+template <> struct Formula<BlendMode::exclusion> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return Cs + Cb - Cs * V(2) * Cb; }
 };
-struct Add : Separable {
+template <> struct Formula<BlendMode::add> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return smaller(V(1), Cs + Cb); }
 };
-struct Subtract : Separable {
+template <> struct Formula<BlendMode::subtract> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return larger(V(0), Cb - Cs); }
 };
-struct LinearBurn : Separable {
+template <> struct Formula<BlendMode::linearBurn> {
     template <class V> static HWY_INLINE V channel(V Cb, V Cs) { return larger(V(0), Cs + Cb - V(1)); }
 };
 
@@ -116,15 +100,15 @@ template <class V> HWY_INLINE V saturationOf(const Rgb<V>& c) {
 /// is 0, as rounding makes it for ordinary greys, leaves the channels alone: a not-a-number would survive every
 /// layer above.
 template <class V> HWY_INLINE Rgb<V> clipColor(Rgb<V> c) {
-    const V grey = luminosityOf(c), low = smallest(c), high = largest(c);
-    const auto raise = both(low < V(0), grey - low != V(0));
-    const V up = grey / (grey - low);
-    c = {select(raise, grey + (c.r - grey) * up, c.r), select(raise, grey + (c.g - grey) * up, c.g),
-         select(raise, grey + (c.b - grey) * up, c.b)};
-    const auto lower = both(high > V(1), high - grey != V(0));
-    const V down = (V(1) - grey) / (high - grey);
-    return {select(lower, grey + down * (c.r - grey), c.r), select(lower, grey + down * (c.g - grey), c.g),
-            select(lower, grey + down * (c.b - grey), c.b)};
+    const V gray = luminosityOf(c), low = smallest(c), high = largest(c);
+    const auto raise = both(low < V(0), gray - low != V(0));
+    const V up = gray / (gray - low);
+    c = {select(raise, gray + (c.r - gray) * up, c.r), select(raise, gray + (c.g - gray) * up, c.g),
+         select(raise, gray + (c.b - gray) * up, c.b)};
+    const auto lower = both(high > V(1), high - gray != V(0));
+    const V down = (V(1) - gray) / (high - gray);
+    return {select(lower, gray + down * (c.r - gray), c.r), select(lower, gray + down * (c.g - gray), c.g),
+            select(lower, gray + down * (c.b - gray), c.b)};
 }
 
 template <class V> HWY_INLINE Rgb<V> setLuminosity(const Rgb<V>& c, V luminosity) {
@@ -137,36 +121,46 @@ template <class V> HWY_INLINE Rgb<V> setLuminosity(const Rgb<V>& c, V luminosity
 template <class V> HWY_INLINE Rgb<V> setSaturation(const Rgb<V>& c, V saturation) {
     const V high = largest(c), low = smallest(c);
     const V range = high - low;
-    const auto coloured = high > low;
-    const Rgb<V> scaled{select(coloured, (c.r - low) * saturation / range, V(0)),
-                        select(coloured, (c.g - low) * saturation / range, V(0)),
-                        select(coloured, (c.b - low) * saturation / range, V(0))};
-    const V full = select(coloured, saturation, V(0));
+    const auto colored = high > low;
+    const Rgb<V> scaled{select(colored, (c.r - low) * saturation / range, V(0)),
+                        select(colored, (c.g - low) * saturation / range, V(0)),
+                        select(colored, (c.b - low) * saturation / range, V(0))};
+    const V full = select(colored, saturation, V(0));
     const auto bIsHigh = c.b == high, gIsHigh = c.g == high;
     return {select(either(bIsHigh, gIsHigh), scaled.r, full), select(both(gIsHigh, !bIsHigh), full, scaled.g),
             select(bIsHigh, full, scaled.b)};
 }
 
-struct Hue : WholeColour {
-    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+template <> struct Formula<BlendMode::hue> {
+    template <class V> static HWY_INLINE Rgb<V> color(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(setSaturation(Cs, saturationOf(Cb)), luminosityOf(Cb));
     }
 };
-struct Saturation : WholeColour {
-    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+template <> struct Formula<BlendMode::saturation> {
+    template <class V> static HWY_INLINE Rgb<V> color(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(setSaturation(Cb, saturationOf(Cs)), luminosityOf(Cb));
     }
 };
-struct Color : WholeColour {
-    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+template <> struct Formula<BlendMode::color> {
+    template <class V> static HWY_INLINE Rgb<V> color(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(Cs, luminosityOf(Cb));
     }
 };
-struct Luminosity : WholeColour {
-    template <class V> static HWY_INLINE Rgb<V> colour(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+template <> struct Formula<BlendMode::luminosity> {
+    template <class V> static HWY_INLINE Rgb<V> color(const Rgb<V>& Cb, const Rgb<V>& Cs) {
         return setLuminosity(Cb, luminosityOf(Cs));
     }
 };
+
+/// The straight color that the mode makes of backdrop and source.
+template <BlendMode kMode, class V> HWY_INLINE Rgb<V> blendedColor(const Rgb<V>& Cb, const Rgb<V>& Cs) {
+    using F = Formula<kMode>;
+    if constexpr (isSeparable(kMode)) {
+        return {F::channel(Cb.r, Cs.r), F::channel(Cb.g, Cs.g), F::channel(Cb.b, Cs.b)};
+    } else {
+        return F::color(Cb, Cs);
+    }
+}
 
 } // namespace blend
 } // namespace

@@ -1,17 +1,45 @@
 #include "compositing/Compositor.h"
 
+#include "compositing/BlendPixel.h"
 #include "compositing/BlendRows.h"
 #include "compositing/TileStack.h"
 #include "core/PaintEngine.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
-#include <algorithm>
+#include <array>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace qirn {
+
+namespace {
+
+using PlainPixel = HWY_NAMESPACE::Pixel<float>;
+using PixelBlender = PlainPixel (*)(const PlainPixel& backdrop, const PlainPixel& source, Compositor::Atop);
+
+template <BlendMode kMode>
+PlainPixel blendOne(const PlainPixel& backdrop, const PlainPixel& source, Compositor::Atop atop) {
+    return atop == Compositor::Atop::yes
+               ? HWY_NAMESPACE::blended<kMode, Compositor::Atop::yes>(backdrop, source)
+               : HWY_NAMESPACE::blended<kMode, Compositor::Atop::no>(backdrop, source);
+}
+
+template <std::size_t... kModes>
+constexpr std::array<PixelBlender, sizeof...(kModes)> blendersOfModes(std::index_sequence<kModes...>) {
+    return {blendOne<BlendMode(kModes)>...};
+}
+constexpr auto kBlenders = blendersOfModes(std::make_index_sequence<kBlendModes.size()>());
+
+/// 0 to 255; also 0 for NaN, which malformed pixels can lead to.
+uint8_t roundedByte(float f) {
+    const float v = f * 255 + 0.5f;
+    return static_cast<uint8_t>(v > 0 ? (v < 255 ? v : 255) : 0);
+}
+
+} // namespace
 
 bool Compositor::compositeTile(int64_t index, std::span<const CompositeInput> layers, uint8_t* out) {
     TileStack stack(index, layers);
@@ -63,6 +91,26 @@ std::shared_ptr<RGBABuffer> Compositor::flatten(std::span<const CompositeInput> 
         }
     });
     return buffer;
+}
+
+void Compositor::blendPixel(float* pixel, const float source[4], BlendMode mode, Atop atop) {
+    const PlainPixel result = kBlenders[static_cast<std::size_t>(mode)](
+        {pixel[0], pixel[1], pixel[2], pixel[3]}, {source[0], source[1], source[2], source[3]}, atop);
+    std::memcpy(pixel, &result, sizeof result);
+}
+
+PixelBytes Compositor::blendBytes(const PixelBytes& backdrop, const PixelBytes& source, BlendMode mode,
+                                  float opacity) {
+    float pixel[4], s[4];
+    const float k = opacity / 255;
+    for (std::size_t c = 0; c < 4; ++c) {
+        pixel[c] = static_cast<float>(backdrop[c]) / 255;
+        s[c] = static_cast<float>(source[c]) * k;
+    }
+    blendPixel(pixel, s, mode, Atop::no);
+    PixelBytes out;
+    for (std::size_t c = 0; c < 4; ++c) out[c] = roundedByte(pixel[c]);
+    return out;
 }
 
 } // namespace qirn

@@ -1,5 +1,5 @@
 // Several pixels of a run side by side; like platform/Lanes.h, included once for each instruction set.
-#include "compositing/BlendFormulas.h"
+#include "compositing/BlendPixel.h"
 #include "compositing/BlendRows.h"
 #include "platform/Lanes.h"
 
@@ -13,9 +13,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
-
-/// One premultiplied pixel, 0 to 1, or several side by side.
-template <class V> struct Pixel { V r, g, b, a; };
 
 using Colours = blend::Rgb<Floats>;
 

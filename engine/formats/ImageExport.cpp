@@ -1,40 +1,14 @@
 #include "formats/ImageExport.h"
 
-#include "compositing/CompositeInputs.h"
-#include "formats/pictures/JpegWriter.h"
-#include "formats/pictures/PngWriter.h"
-#include "formats/pictures/TiffWriter.h"
-#include "formats/psd/PSDFile.h"
 #include "platform/Parallel.h"
 
 #include <optional>
 
 namespace qirn {
 
-namespace {
-
-std::optional<QByteArray> encoded(const PaintDocument& doc, ExportFormat format, double jpegQuality,
-                                  const PaintColor& jpegBackground) {
-    switch (format) {
-    case ExportFormat::png:
-        return pngBytes(flattened(doc)->imageOverBytes(), doc.dpi);
-    case ExportFormat::jpeg:
-        return jpegBytes(*ImageExport::onBackground(*flattened(doc), jpegBackground), jpegQuality, doc.dpi);
-    case ExportFormat::tiff:
-        return tiffBytes(*flattened(doc), doc.dpi);
-    case ExportFormat::psdLayered:
-        return PSDFile::write(doc, PSDFile::Layered::yes);
-    case ExportFormat::psdFlat:
-        return PSDFile::write(doc, PSDFile::Layered::no);
-    }
-    return std::nullopt;
-}
-
-} // namespace
-
 QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
                              const PaintColor& jpegBackground) {
-    std::optional<QByteArray> bytes = encoded(doc, format, jpegQuality, jpegBackground);
+    std::optional<QByteArray> bytes = rowOf(format).encode(doc, {jpegQuality, jpegBackground});
     if (!bytes) throw ExportError::cannotEncode(displayName(format));
     return *std::move(bytes);
 }

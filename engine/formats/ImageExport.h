@@ -1,6 +1,6 @@
 #pragma once
 #include "core/RGBABuffer.h"
-#include "formats/common/ExportFormat.h"
+#include "formats/ExportFormat.h"
 #include "formats/common/FormatErrors.h"
 #include "formats/common/ScaledImage.h"
 

@@ -2,6 +2,7 @@
 #include "core/PaintColor.h"
 #include "operations/Stamp.h"
 #include "platform/PathCoverage.h"
+#include "platform/RowOrder.h"
 
 #include <array>
 #include <cstdint>
@@ -20,15 +21,16 @@ struct ShapeRow {
     const char* title; ///< English source text of the menu and of the undo step.
 };
 
-inline constexpr std::array<ShapeRow, 7> kShapes{{
-    {ShapeKind::rectangle, "rectangle", "Rectangle"},
-    {ShapeKind::roundedRect, "roundedRect", "Rounded Rectangle"},
-    {ShapeKind::ellipse, "ellipse", "Ellipse"},
-    {ShapeKind::line, "line", "Line"},
-    {ShapeKind::arrow, "arrow", "Arrow"},
-    {ShapeKind::star, "star", "Star"},
-    {ShapeKind::polygon, "polygon", "Hexagon"},
-}};
+inline constexpr std::array kShapes{
+    ShapeRow{ShapeKind::rectangle, "rectangle", "Rectangle"},
+    ShapeRow{ShapeKind::roundedRect, "roundedRect", "Rounded Rectangle"},
+    ShapeRow{ShapeKind::ellipse, "ellipse", "Ellipse"},
+    ShapeRow{ShapeKind::line, "line", "Line"},
+    ShapeRow{ShapeKind::arrow, "arrow", "Arrow"},
+    ShapeRow{ShapeKind::star, "star", "Star"},
+    ShapeRow{ShapeKind::polygon, "polygon", "Hexagon"},
+};
+static_assert(isInOrder(kShapes, &ShapeRow::kind));
 
 constexpr const ShapeRow& rowOf(ShapeKind kind) {
     return kShapes[static_cast<std::size_t>(kind)];

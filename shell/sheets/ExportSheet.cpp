@@ -27,35 +27,6 @@ const QString kFormatKey = QStringLiteral("qirn.pt.exportFormat");
 const QString kQualityKey = QStringLiteral("qirn.pt.jpegQuality");
 constexpr double kLeastQuality = 0.3, kUsualQuality = 0.9;
 
-struct Explanation {
-    const char* format; ///< Its stored name.
-    const char* text;   ///< What it is good for.
-};
-
-constexpr Explanation kExplanations[] = {
-    {"png", QT_TRANSLATE_NOOP("qirn::ExportSheet",
-                              "Lossless. Keeps transparent areas. Best for artwork, logos and the web.")},
-    {"jpeg", QT_TRANSLATE_NOOP("qirn::ExportSheet",
-                               "Smallest files for photos and sharing. JPEG has no transparency, so "
-                               "see-through areas get a background color.")},
-    {"tiff",
-     QT_TRANSLATE_NOOP("qirn::ExportSheet", "Lossless (LZW) with the canvas DPI — good for print shops.")},
-    {"psdLayered",
-     QT_TRANSLATE_NOOP(
-         "qirn::ExportSheet",
-         "Opens in Photoshop, Affinity, GIMP, Krita, Procreate and ibis Paint with your layers: "
-         "pixels, names, opacity, blend modes, hidden layers and clipping are kept. Text and "
-         "shapes are already pixels.")},
-    {"psdFlat", QT_TRANSLATE_NOOP("qirn::ExportSheet", "One flattened picture in Photoshop format.")},
-};
-
-QString explanationOf(ExportFormat format) {
-    for (const Explanation& row : kExplanations) {
-        if (qstrcmp(row.format, rowOf(format).id) == 0) return ExportSheet::tr(row.text);
-    }
-    return {};
-}
-
 /// The format that is stored under a name; PNG for a name that is none.
 ExportFormat formatNamed(const QString& id) {
     for (const ExportFormatRow& row : kExportFormats) {
@@ -163,7 +134,7 @@ PaintColor ExportSheet::background() const {
 }
 
 void ExportSheet::refresh() {
-    explanation_->setText(explanationOf(format()));
+    explanation_->setText(explanation(format()));
     jpegOptions_->setVisible(format() == ExportFormat::jpeg);
 }
 

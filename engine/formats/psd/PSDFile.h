@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <span>
 #include <vector>
@@ -43,11 +44,16 @@ private:
     QString feature_;
 };
 
+/// A picture that goes beyond what the lengths in a layered file can say.
+struct TooLarge : std::exception {
+    const char* what() const noexcept override { return "too large for a Photoshop file"; }
+};
+
 enum class Layered { no, yes };
 
 /// The whole file; the same bytes on any number of threads. With `yes` each layer is kept, hidden ones too; the
-/// finished picture is in both kinds. A layered file counts its bytes in 32 bits and its layers in 16: throws
-/// ExportError for a picture that goes beyond.
+/// finished picture is in both kinds. A layered file counts its bytes in 32 bits and its layers in 16, or
+/// throws TooLarge.
 QByteArray write(const PaintDocument& doc, Layered layered);
 
 /// The document with its top layer active and a fresh history. A file without layers gives one, "Background".

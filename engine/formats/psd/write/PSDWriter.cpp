@@ -1,7 +1,5 @@
 #include "core/PaintDocument.h"
 #include "formats/common/ByteReader.h"
-#include "formats/common/ExportFormat.h"
-#include "formats/common/FormatErrors.h"
 #include "formats/common/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/write/PSDPacking.h"
@@ -154,10 +152,6 @@ private:
     int64_t length_ = 0;
 };
 
-[[noreturn]] void refuse() {
-    throw ExportError::cannotEncode(displayName(ExportFormat::psdLayered));
-}
-
 std::vector<IRect> contentBounds(const PaintDocument& doc) {
     std::vector<IRect> bounds(checkedSize(doc.layerCount()));
     concurrentPerform(doc.layerCount(), [&](int64_t i) {
@@ -177,12 +171,12 @@ void writeChannels(BEWriter& out, const PackedPlanes& planes, int64_t channelsAt
         out.patchU32(channelsAt + 2, static_cast<uint32_t>(blocks.length() - before));
         channelsAt += 6;
     }
-    if (out.size() + blocks.length() > kMostBytes) refuse(); // before the memory is taken
+    if (out.size() + blocks.length() > kMostBytes) throw TooLarge(); // before the memory is taken
     blocks.appendTo(out);
 }
 
 void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
-    if (doc.layerCount() > kMostLayers) refuse();
+    if (doc.layerCount() > kMostLayers) throw TooLarge();
     const int64_t sectionAt = out.size();
     out.u32(0);
     out.u32(0);
@@ -199,7 +193,7 @@ void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
     out.patchU32(sectionAt + 4, static_cast<uint32_t>(out.size() - contentAt));
     out.u32(0); // no masks
     const int64_t section = out.size() - (sectionAt + 4);
-    if (section > kMostBytes) refuse();
+    if (section > kMostBytes) throw TooLarge();
     out.patchU32(sectionAt, static_cast<uint32_t>(section));
 }
 
