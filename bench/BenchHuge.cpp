@@ -1,10 +1,10 @@
 // Huge canvases, and what is done to them at once. `peak` is how many megabytes the process took beyond what it held.
 #include "PlainPass.h"
+#include "core/selection/Selection.h"
 #include "formats/ImageExport.h"
 #include "formats/ImageImport.h"
 #include "operations/Floating.h"
 #include "operations/LayerOperations.h"
-#include "operations/Selection.h"
 #include "platform/BlockPool.h"
 #include "platform/Bytes.h"
 

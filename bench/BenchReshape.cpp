@@ -1,9 +1,9 @@
 // A five-layer 4K picture in another size or turned, and lifted pixels put down under a transform.
 #include "PaintedPicture.h"
 #include "PlainPass.h"
+#include "core/selection/Selection.h"
 #include "operations/Floating.h"
 #include "operations/Reshape.h"
-#include "operations/Selection.h"
 
 #include <functional>
 

@@ -4,16 +4,16 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "compositing/CompositeInputs.h"
+#include "core/selection/Selection.h"
 #include "formats/native/PaintFile.h"
 #include "formats/pictures/PngWriter.h"
 #include "operations/Gradient.h"
 #include "operations/LayerOperations.h"
-#include "operations/Selection.h"
 #include "operations/ShapePath.h"
 #include "operations/Stamp.h"
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/Trigonometry.h"
+#include "platform/files/AtomicFile.h"
 
 #include <algorithm>
 

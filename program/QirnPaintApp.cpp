@@ -12,7 +12,7 @@
 #include "kit/QirnKit.h"
 #include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
-#include "platform/FilePath.h"
+#include "platform/files/FilePath.h"
 #include "program/Benchmark.h"
 #include "program/PaintSample.h"
 #include "program/SelfTest.h"

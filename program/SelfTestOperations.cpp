@@ -2,11 +2,11 @@
 #include "brush/BrushLibrary.h"
 #include "brush/BrushPreview.h"
 #include "compositing/CompositeInputs.h"
+#include "core/selection/Selection.h"
 #include "operations/Fill.h"
 #include "operations/Floating.h"
 #include "operations/Gradient.h"
 #include "operations/Reshape.h"
-#include "operations/Selection.h"
 #include "program/SelfTestEngine.h"
 
 #include <set>

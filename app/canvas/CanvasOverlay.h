@@ -1,7 +1,7 @@
 #pragma once
 #include "app/canvas/FloatingImage.h"
 #include "app/model/TransformState.h"
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 
 #include <optional>
 

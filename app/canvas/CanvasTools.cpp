@@ -9,7 +9,7 @@
 #include "app/model/PendingTransform.h"
 #include "operations/Fill.h"
 #include "operations/Gradient.h"
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 #include "operations/ShapePath.h"
 #include "operations/Stamp.h"
 

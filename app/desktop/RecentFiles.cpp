@@ -1,9 +1,9 @@
 #include "app/desktop/RecentFiles.h"
 
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
-#include "platform/FilePath.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/FilePath.h"
+#include "platform/files/ReadFile.h"
 
 #include <cerrno>
 

@@ -1,6 +1,6 @@
 #include "app/desktop/SuddenEnd.h"
 
-#include "platform/AtomicFile.h"
+#include "platform/files/AtomicFile.h"
 
 #include <atomic>
 #include <cerrno>

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/AtomicFile.h"
+#include "platform/files/AtomicFile.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #include "app/desktop/UserFile.h"
 
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -7,6 +7,7 @@
 #include "operations/Fill.h"
 #include "operations/LayerOperations.h"
 #include "operations/Reshape.h"
+#include "operations/SelectionOperations.h"
 #include "operations/Stamp.h"
 
 #include <QCoreApplication>

@@ -6,9 +6,9 @@
 #include "formats/pictures/PngWriter.h"
 #include "formats/pictures/TiffWriter.h"
 #include "platform/Bytes.h"
-#include "platform/FilePath.h"
+#include "platform/files/FilePath.h"
 #include "platform/QtImages.h"
-#include "platform/ReadFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <chrono>
 

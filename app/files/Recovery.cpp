@@ -5,10 +5,10 @@
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Trash.h"
 #include "formats/native/PaintFile.h"
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/Json.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <algorithm>
 #include <cerrno>

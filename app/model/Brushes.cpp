@@ -9,9 +9,9 @@
 #include "app/model/PaintModel.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
-#include "platform/AtomicFile.h"
+#include "platform/files/AtomicFile.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <algorithm>
 

@@ -14,7 +14,7 @@
 #include "operations/LayerOperations.h"
 #include "operations/Stamp.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <algorithm>
 

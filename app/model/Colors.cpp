@@ -2,7 +2,7 @@
 
 #include "app/desktop/Store.h"
 #include "app/model/PaintModel.h"
-#include "core/ColorJson.h"
+#include "formats/common/ColorJson.h"
 
 #include <algorithm>
 #include <utility>

@@ -11,10 +11,10 @@
 #include "app/model/PaintModel.h"
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
-#include "platform/AtomicFile.h"
 #include "platform/BlockPool.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <algorithm>
 #include <new>

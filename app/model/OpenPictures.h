@@ -1,7 +1,7 @@
 #pragma once
 #include "app/files/DocSession.h"
 #include "core/PaintColor.h"
-#include "formats/common/ExportFormat.h"
+#include "formats/ExportFormat.h"
 
 #include <cstdint>
 #include <optional>

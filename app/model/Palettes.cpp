@@ -8,10 +8,10 @@
 #include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
 #include "formats/palettes/PaletteLibrary.h"
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
+#include "core/selection/Selection.h"
 #include "operations/Fill.h"
 #include "operations/Gradient.h"
-#include "operations/Selection.h"
 #include "operations/ShapePath.h"
 
 namespace qirn {

@@ -1,7 +1,7 @@
 #include "Measurements.h"
 
-#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
+#include "platform/lanes/InstructionSets.h"
 
 #include <cstdio>
 #include <cstring>

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
+#include "platform/lanes/InstructionSets.h"
 
 namespace qirn::bench {
 

@@ -1,6 +1,6 @@
 #include "brush/DabStamp.h"
 
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "platform/Trigonometry.h"

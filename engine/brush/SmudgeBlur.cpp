@@ -1,10 +1,10 @@
 #include "brush/SmudgeBlur.h"
 
 #include "brush/TipDistances.h"
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 #include "platform/CheckedMath.h"
-#include "platform/FloatPixel.h"
 #include "platform/Parallel.h"
+#include "platform/lanes/FloatPixel.h"
 
 #include <algorithm>
 #include <array>

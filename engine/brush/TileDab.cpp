@@ -343,10 +343,6 @@ namespace qirn {
 
 HWY_EXPORT(StampTile);
 
-double TipEdge::coverage(double dist) const {
-    return isHard ? HWY_NAMESPACE::hardCoverage(*this, dist) : HWY_NAMESPACE::softCoverage(*this, dist);
-}
-
 void stampTile(const TipShape& tip, const DabInk& ink, const TileDab& tile) {
     HWY_DYNAMIC_DISPATCH(StampTile)(tip, ink, tile);
 }

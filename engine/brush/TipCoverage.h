@@ -1,7 +1,7 @@
-// How a tip covers at a distance from its centre, over any 64-bit number type; like platform/Lanes.h, included once
+// How a tip covers at a distance from its centre, over any 64-bit number type; like platform/lanes/Lanes.h, included once
 // for each instruction set.
 #include "brush/TipEdge.h"
-#include "platform/Lanes.h"
+#include "platform/lanes/Lanes.h"
 
 #if defined(QIRN_BRUSH_TIPCOVERAGE_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef QIRN_BRUSH_TIPCOVERAGE_H

@@ -1,9 +1,9 @@
 // The colour that each blend mode gives, on straight channels from 0 to 1: Cs is the source, Cb the backdrop.
 // Written once over the number type V, so that `float` gives the reference and lanes of floats the fast rows; like
-// platform/Lanes.h, included once for each instruction set.
+// platform/lanes/Lanes.h, included once for each instruction set.
 // The formulas are those of the PDF blend modes (ISO 32000-1, 11.3.5) and the usual linear ones beside them.
 #include "core/BlendMode.h"
-#include "platform/Lanes.h"
+#include "platform/lanes/Lanes.h"
 
 #if defined(QIRN_COMPOSITING_BLENDFORMULAS_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef QIRN_COMPOSITING_BLENDFORMULAS_H

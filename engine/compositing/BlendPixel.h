@@ -1,5 +1,5 @@
 // One pixel laid over another: the coverage arithmetic that all blend modes share. Written once over the number type V,
-// so that `float` gives the reference and lanes of floats the fast rows; like platform/Lanes.h, included once for each
+// so that `float` gives the reference and lanes of floats the fast rows; like platform/lanes/Lanes.h, included once for each
 // instruction set.
 #include "compositing/BlendFormulas.h"
 #include "compositing/Compositor.h"

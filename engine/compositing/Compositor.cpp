@@ -52,7 +52,7 @@ bool Compositor::compositeTile(int64_t index, std::span<const CompositeInput> la
     PixelRun acc;
     for (int y = 0; y < kTileSize; y += shape.rows) {
         stack.blend(acc, 0, y, shape);
-        storeBytes(out + y * kTileRowBytes, kTileRowBytes, acc, shape);
+        storeBytes(out + placeInTile(0, y), kTileRowBytes, acc, shape);
     }
     return true;
 }
@@ -86,7 +86,7 @@ std::shared_ptr<RGBABuffer> Compositor::flatten(std::span<const CompositeInput> 
         if (!compositeTile(index, layers, tile.get())) return;
         const IRect part = grid.rectOf(index);
         for (int64_t y = 0; y < part.h; ++y) {
-            std::memcpy(buffer->row(part.y + y) + part.x * 4, tile.get() + y * kTileRowBytes,
+            std::memcpy(buffer->pixels(part.x, part.y + y), tile.get() + placeInTile(0, y),
                         checkedSize(part.w) * 4);
         }
     });

@@ -1,7 +1,7 @@
-// Several pixels of a run side by side; like platform/Lanes.h, included once for each instruction set.
+// Several pixels of a run side by side; like platform/lanes/Lanes.h, included once for each instruction set.
 #include "compositing/BlendPixel.h"
 #include "compositing/BlendRows.h"
-#include "platform/Lanes.h"
+#include "platform/lanes/Lanes.h"
 
 #if defined(QIRN_COMPOSITING_RUNLANES_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef QIRN_COMPOSITING_RUNLANES_H

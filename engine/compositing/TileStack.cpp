@@ -8,7 +8,7 @@ struct TileStack::TileRun {
     RunShape shape;
 
     TileBytes of(const CompositeInput& input) const {
-        return input.tiles.at(index)->pixels() + y * kTileRowBytes + x * 4;
+        return input.tiles.at(index)->pixels() + placeInTile(x, y);
     }
 };
 

@@ -18,7 +18,7 @@ namespace {
 IRect alphaBounds(const Tile& tile, const IRect& part) {
     int64_t left = part.w, right = -1, top = part.h, bottom = -1;
     for (int64_t y = 0; y < part.h; ++y) {
-        const uint8_t* alpha = tile.pixels() + y * kTileRowBytes + 3;
+        const uint8_t* alpha = tile.row(y) + 3;
         int64_t first = 0;
         while (first < part.w && alpha[first * 4] == 0) ++first;
         if (first == part.w) continue;
@@ -85,8 +85,7 @@ std::shared_ptr<RGBABuffer> Layer::toBuffer() const {
     tiles_.forEachTile([&](int64_t index, const Tile& tile) {
         const IRect part = grid_.rectOf(index);
         for (int64_t y = 0; y < part.h; ++y) {
-            std::memcpy(buffer->row(part.y + y) + part.x * 4, tile.pixels() + y * kTileRowBytes,
-                        checkedSize(part.w) * 4);
+            std::memcpy(buffer->pixels(part.x, part.y + y), tile.row(y), checkedSize(part.w) * 4);
         }
     });
     return buffer;
@@ -122,7 +121,7 @@ std::shared_ptr<RGBABuffer> Layer::thumbnail(int64_t maxSide) const {
             const auto sx =
                 std::min(grid_.width - 1, static_cast<int64_t>((static_cast<double>(tx) + 0.5) / scale));
             const PixelBytes bytes = pixel(sx, sy);
-            std::memcpy(buffer->row(ty) + tx * 4, bytes.data(), 4);
+            std::memcpy(buffer->pixels(tx, ty), bytes.data(), 4);
         }
     }
     return buffer;
@@ -142,20 +141,12 @@ void Layer::load(const RGBABuffer& buffer) {
     TileArray loaded(grid_.count());
     for (int64_t index = 0; index < grid_.count(); ++index) {
         const IRect part = grid_.rectOf(index);
-        const auto rowHasAlpha = [&](int64_t y) {
-            const uint8_t* row = buffer.row(part.y + y) + part.x * 4;
-            for (int64_t x = 0; x < part.w; ++x) {
-                if (row[x * 4 + 3] != 0) return true;
-            }
-            return false;
-        };
         int64_t y = 0;
-        while (y < part.h && !rowHasAlpha(y)) ++y;
+        while (y < part.h && !hasAlpha(buffer.pixels(part.x, part.y + y), part.w)) ++y;
         if (y == part.h) continue;
         auto tile = std::make_shared<Tile>();
         for (y = 0; y < part.h; ++y) {
-            std::memcpy(tile->writablePixels() + y * kTileRowBytes, buffer.row(part.y + y) + part.x * 4,
-                        checkedSize(part.w) * 4);
+            std::memcpy(tile->writableRow(y), buffer.pixels(part.x, part.y + y), checkedSize(part.w) * 4);
         }
         loaded.set(index, std::move(tile));
     }

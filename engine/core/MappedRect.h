@@ -1,6 +1,6 @@
 #pragma once
 #include "core/IRect.h"
-#include "platform/PixelMap.h"
+#include "platform/resample/PixelMap.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -119,4 +119,56 @@ std::vector<DirtyTile> PaintDocument::takeDirtyParts() {
     return all;
 }
 
+PaintDocument::State PaintDocument::captureState() {
+    State state{grid_, {}, activeIndex_, selection, dpi};
+    state.layers.reserve(layers_.size());
+    for (const LayerRef& layer : layers_) state.layers.push_back(layer->captureState());
+    return state;
+}
+
+void PaintDocument::commit(const QString& name) {
+    history_.add({name, captureState()}, {.steps = maxUndoSteps, .bytes = maxUndoBytes});
+    ++changeCount_;
+}
+
+void PaintDocument::perform(const QString& name, const std::function<void()>& body) {
+    body();
+    commit(name);
+}
+
+void PaintDocument::undo() {
+    if (canUndo()) restore(-1, CountsAsChange::yes);
+}
+
+void PaintDocument::redo() {
+    if (canRedo()) restore(+1, CountsAsChange::yes);
+}
+
+void PaintDocument::revertToLastCommit() {
+    restore(0, CountsAsChange::no);
+}
+
+void PaintDocument::resetHistory() {
+    UndoHistory fresh;
+    fresh.add({QStringLiteral("Open"), captureState()}, {.steps = maxUndoSteps, .bytes = maxUndoBytes});
+    history_ = std::move(fresh);
+}
+
+void PaintDocument::restore(int64_t steps, CountsAsChange counts) {
+    const State& state = history_.state(steps);
+    std::vector<LayerRef> layers;
+    layers.reserve(state.layers.size());
+    for (const LayerState& layer : state.layers) layers.push_back(std::make_shared<Layer>(layer, state.grid));
+    const bool gridChanged = !(state.grid == grid_);
+    history_.move(steps);
+    grid_ = state.grid;
+    dpi = state.dpi;
+    layers_ = std::move(layers);
+    selection = state.selection;
+    setActiveIndex(state.active);
+    if (counts == CountsAsChange::yes) ++changeCount_;
+    if (gridChanged && onGridChange) onGridChange();
+    markAllDirty();
+}
+
 } // namespace qirn

@@ -1,9 +1,9 @@
 #pragma once
 #include "core/DirtyTiles.h"
-#include "core/HistoryMemory.h"
 #include "core/Layer.h"
 #include "core/OnionSkin.h"
 #include "core/TileGrid.h"
+#include "core/history/UndoHistory.h"
 #include "platform/CheckedMath.h"
 
 #include <cstdint>
@@ -67,17 +67,8 @@ public:
     std::vector<DirtyTile> takeDirtyParts(); ///< The same with the part of each tile that changed.
 
     // Undo history: whole states that share their tiles with each other and with the live layers.
-    struct State {
-        TileGrid grid;
-        std::vector<LayerState> layers;
-        int64_t active = 0;
-        std::shared_ptr<const Selection> selection;
-        double dpi = 72;
-    };
-    struct HistoryEntry {
-        QString name; ///< What was done to reach the state.
-        State state;
-    };
+    using State = DocumentState;
+    using HistoryEntry = qirn::HistoryEntry;
     int64_t maxUndoSteps = 100;
     int64_t maxUndoBytes = 1'500'000'000; ///< Of tile memory held by the history, selections included.
 
@@ -91,30 +82,27 @@ public:
     /// layer, so that it is the way out where there is no more.
     void revertToLastCommit();
     void resetHistory(); ///< One entry named "Open"; the change count stays.
-    bool canUndo() const { return cursor_ > 0; }
-    bool canRedo() const { return cursor_ + 1 < static_cast<int64_t>(history_.size()); }
-    std::optional<QString> undoName() const;
-    std::optional<QString> redoName() const;
-    int64_t undoDepth() const { return cursor_; }
-    const std::vector<HistoryEntry>& history() const { return history_; }
-    int64_t historyBytes() const { return memory_.bytes(); } ///< Of layers' tiles, each once.
+    bool canUndo() const { return history_.canUndo(); }
+    bool canRedo() const { return history_.canRedo(); }
+    std::optional<QString> undoName() const { return history_.undoName(); }
+    std::optional<QString> redoName() const { return history_.redoName(); }
+    int64_t undoDepth() const { return history_.undoDepth(); }
+    const std::vector<HistoryEntry>& history() const { return history_.entries(); } ///< Oldest first.
+    int64_t historyBytes() const { return history_.layerBytes(); } ///< Of layers' tiles, each once.
     /// Goes up with every commit, undo and redo, and only there; what was saved is told by comparing it.
     int64_t changeCount() const { return changeCount_; }
 
 private:
     enum class CountsAsChange { no, yes };
-    void restore(int64_t entry, CountsAsChange counts);
-    void dropOldestEntry();
+    void restore(int64_t steps, CountsAsChange counts);
 
     TileGrid grid_;
     std::vector<LayerRef> layers_;
     int64_t activeIndex_ = 0;
     DirtyTiles dirty_;
-    bool allDirty_ = false;             // whatever is listed
-    std::vector<HistoryEntry> history_; // oldest first
-    int64_t cursor_ = 0;                // the entry that the picture equals
+    bool allDirty_ = false; // whatever is listed
+    UndoHistory history_;
     int64_t changeCount_ = 0;
-    HistoryMemory memory_;
 };
 
 } // namespace qirn

@@ -29,7 +29,7 @@ std::shared_ptr<RGBABuffer> RGBABuffer::fromImage(const QImage& image) {
 PixelBytes RGBABuffer::pixel(int64_t x, int64_t y) const {
     if (x < 0 || y < 0 || x >= width_ || y >= height_) return {};
     PixelBytes out;
-    std::memcpy(out.data(), row(y) + x * 4, 4);
+    std::memcpy(out.data(), pixels(x, y), 4);
     return out;
 }
 

@@ -30,6 +30,10 @@ public:
     std::span<const uint8_t> bytes() const { return {data_.get(), checkedSize(byteCount())}; }
     const uint8_t* row(int64_t y) const { return data_.get() + y * width_ * 4; }
     uint8_t* row(int64_t y) { return data_.get() + y * width_ * 4; }
+    const uint8_t* pixels(int64_t x, int64_t y) const {
+        return row(y) + x * 4;
+    } ///< From there to the row's end.
+    uint8_t* pixels(int64_t x, int64_t y) { return row(y) + x * 4; }
 
     PixelBytes pixel(int64_t x, int64_t y) const; ///< As stored; four zeros outside.
     uint64_t fingerprint() const;                 ///< FNV-1a over all bytes.

@@ -8,9 +8,11 @@
 
 namespace qirn {
 
-void Tile::remember(std::shared_ptr<const StoredForm> form) const {
-    require(frozen_);
-    if (form->isCounted()) storedForm_ = std::move(form);
+bool hasAlpha(const uint8_t* pixels, int64_t count) {
+    for (int64_t i = 0; i < count; ++i) {
+        if (pixels[i * 4 + 3] != 0) return true;
+    }
+    return false;
 }
 
 Tile::Tile() : pixels_(BlockPool::take()) {
@@ -28,15 +30,17 @@ Tile::Tile(BlockPool::Block filled) : pixels_(std::move(filled)) {
 Tile::~Tile() = default;
 
 bool Tile::isEmpty() const {
-    for (int i = 3; i < kTileBytes; i += 4) {
-        if (pixels()[i] != 0) return false;
-    }
-    return true;
+    return !hasAlpha(pixels(), kTilePixels);
 }
 
 std::optional<PixelBytes> Tile::onlyPixel() const {
     if (!allAlike(pixels(), kTilePixels, 4)) return std::nullopt;
     return PixelBytes{pixels()[0], pixels()[1], pixels()[2], pixels()[3]};
+}
+
+void Tile::remember(std::shared_ptr<const StoredForm> form) const {
+    require(frozen_);
+    if (form->isCounted()) storedForm_ = std::move(form);
 }
 
 } // namespace qirn

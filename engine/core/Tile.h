@@ -17,10 +17,13 @@ inline constexpr int kTilePixels = kTileSize * kTileSize; // pixels in a tile
 inline constexpr int kTileBytes = kTilePixels * 4;        // bytes in a tile
 static_assert(kTileBytes == BlockPool::kBlockBytes);
 
-/// Bytes from the start of a tile to a pixel of the canvas in it.
+/// Bytes from the start of a tile to a pixel in it, told by its place in the tile or on the canvas.
 constexpr int64_t placeInTile(int64_t x, int64_t y) {
     return y % kTileSize * kTileRowBytes + x % kTileSize * 4;
 }
+
+/// Whether any of neighboring pixels has an alpha other than 0.
+bool hasAlpha(const uint8_t* pixels, int64_t count);
 
 class StoredForm;
 
@@ -42,6 +45,7 @@ public:
     onlyPixel() const; ///< The one of which all are made; nothing where they differ.
     bool isFrozen() const { return frozen_; }
     const uint8_t* pixels() const { return pixels_.get(); }
+    const uint8_t* row(int64_t y) const { return pixels() + y * kTileRowBytes; }
     std::span<const uint8_t> bytes() const { return {pixels_.get(), kTileBytes}; }
 
     /// The pixels for writing; stops the process on a frozen tile.
@@ -49,6 +53,7 @@ public:
         require(!frozen_);
         return pixels_.get();
     }
+    uint8_t* writableRow(int64_t y) { return writablePixels() + y * kTileRowBytes; }
     /// Called by whoever makes a second reference to the tile; nothing undoes it.
     void freeze() {
         if (!frozen_) frozen_ = true; // other threads may read one that is frozen already

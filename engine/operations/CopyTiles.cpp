@@ -1,5 +1,6 @@
+#include "operations/CopyTiles.h"
+
 #include "core/MappedRect.h"
-#include "operations/RedrawTiles.h"
 #include "operations/TileJobs.h"
 
 #include <algorithm>
@@ -47,9 +48,8 @@ void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
             const IRect target = mapped(back, place).intersection(slot);
             const int64_t sx = map.sourceX(target.x, target.y) - place.x;
             const int64_t sy = map.sourceY(target.x, target.y) - place.y;
-            map.copy(tile->pixels() + sy * kTileRowBytes + sx * 4, kTileRowBytes,
-                     pixels + (target.y - slot.y) * kTileRowBytes + (target.x - slot.x) * 4, kTileRowBytes,
-                     target.w, target.h);
+            map.copy(tile->pixels() + placeInTile(sx, sy), kTileRowBytes,
+                     pixels + placeInTile(target.x, target.y), kTileRowBytes, target.w, target.h);
         }
     });
 }

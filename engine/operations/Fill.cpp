@@ -1,8 +1,8 @@
 #include "operations/Fill.h"
 
-#include "operations/CoveragePainter.h"
-#include "operations/FloodMask.h"
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
+#include "operations/flood/FloodMask.h"
+#include "operations/painting/CoveragePainter.h"
 
 namespace qirn {
 

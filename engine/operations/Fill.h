@@ -1,7 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/PaintDocument.h"
-#include "operations/FillOptions.h"
+#include "operations/flood/FillOptions.h"
 
 #include <cstdint>
 

@@ -3,11 +3,12 @@
 #include "compositing/CompositeInputs.h"
 #include "compositing/Compositor.h"
 #include "core/MappedRect.h"
-#include "operations/RedrawTiles.h"
-#include "operations/Selection.h"
+#include "core/selection/SelectedPixels.h"
+#include "core/selection/Selection.h"
+#include "operations/CopyTiles.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
-#include "platform/Resampler.h"
+#include "platform/resample/Resampler.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,11 +18,6 @@ namespace qirn {
 namespace {
 
 constexpr int64_t kBandRows = kTileSize; // of the canvas, drawn and laid down at a time
-
-/// The part of a byte that a coverage takes, rounded to nearest. The parts for c and 255 - c add up to it.
-uint8_t partOf(uint32_t value, uint32_t coverage) {
-    return static_cast<uint8_t>((value * coverage + 127) / 255);
-}
 
 /// What a lift or a copy takes: the selection's box or all content.
 std::optional<IRect> takenRect(const PaintDocument& doc) {
@@ -34,14 +30,14 @@ void copyOut(const uint8_t* tilePixels, int64_t index, const IRect& tile, const 
     if (selection && selection->tiles().isAbsent(index)) return;
     const IRect part = tile.intersection(to.rect);
     for (int64_t y = part.y; y < part.maxY(); ++y) {
-        const uint8_t* from = tilePixels + (y - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
-        uint8_t* out = to.buffer->row(y - to.rect.y) + (part.x - to.rect.x) * 4;
+        const uint8_t* from = tilePixels + placeInTile(part.x, y);
+        uint8_t* out = to.buffer->pixels(part.x - to.rect.x, y - to.rect.y);
         if (!selection || selection->tiles().isWhole(index)) {
             std::memcpy(out, from, checkedSize(part.w) * 4);
             continue;
         }
         const uint8_t* selected = selection->row(index, y - tile.y) + (part.x - tile.x);
-        for (int64_t i = 0; i < part.w * 4; ++i) out[i] = partOf(from[i], selected[i / 4]);
+        takeSelected(from, selected, part.w, out);
     }
 }
 
@@ -55,13 +51,8 @@ struct Halves {
         left = std::make_shared<Tile>(tile);
         for (int64_t y = 0; y < part.h; ++y) {
             const uint8_t* selected = selection.row(index, y);
-            uint8_t* const taken = lifted->writablePixels() + y * kTileRowBytes;
-            uint8_t* const kept = left->writablePixels() + y * kTileRowBytes;
-            for (int64_t i = 0; i < part.w * 4; ++i) {
-                const uint32_t value = kept[i], share = selected[i / 4];
-                taken[i] = partOf(value, share);
-                kept[i] = partOf(value, 255 - share);
-            }
+            takeSelected(tile.row(y), selected, part.w, lifted->writableRow(y));
+            removeSelected(left->writableRow(y), selected, part.w);
         }
     }
 };
@@ -82,10 +73,7 @@ bool Floating::hasAlpha() const {
         if (!tile) continue;
         const IRect part = grid.rectOf(index).intersection(origin);
         for (int64_t y = part.y; y < part.maxY(); ++y) {
-            const uint8_t* alpha = tile->pixels() + placeInTile(part.x, y) + 3;
-            for (int64_t x = 0; x < part.w; ++x) {
-                if (alpha[x * 4] != 0) return true;
-            }
+            if (qirn::hasAlpha(tile->pixels() + placeInTile(part.x, y), part.w)) return true;
         }
     }
     return false;

@@ -1,8 +1,8 @@
 #include "operations/Gradient.h"
 
+#include "core/selection/Selection.h"
 #include "operations/GradientRow.h"
-#include "operations/Selection.h"
-#include "operations/TileParts.h"
+#include "operations/painting/TileParts.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 #define HWY_TARGET_INCLUDE "operations/GradientRow.cpp"
 #include <hwy/foreach_target.h>
 
-#include "operations/PaintFormulas.h"
+#include "operations/painting/PaintFormulas.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {

@@ -1,6 +1,6 @@
 #pragma once
 #include "operations/Gradient.h"
-#include "operations/RowPainter.h"
+#include "operations/painting/RowPainter.h"
 
 #include <cstdint>
 

@@ -2,7 +2,8 @@
 
 #include "compositing/CompositeInputs.h"
 #include "compositing/Compositor.h"
-#include "operations/Selection.h"
+#include "core/selection/SelectedPixels.h"
+#include "core/selection/Selection.h"
 #include "operations/TileJobs.h"
 #include "platform/CheckedMath.h"
 
@@ -29,7 +30,7 @@ QString freeLayerName(const PaintDocument& doc) {
 void clearBeyond(const IRect& part, uint8_t* pixels) {
     for (int64_t y = 0; y < kTileSize; ++y) {
         const int64_t kept = y < part.h ? part.w : 0;
-        std::memset(pixels + y * kTileRowBytes + kept * 4, 0, checkedSize(kTileSize - kept) * 4);
+        std::memset(pixels + placeInTile(0, y) + kept * 4, 0, checkedSize(kTileSize - kept) * 4);
     }
 }
 
@@ -54,13 +55,6 @@ LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name) {
         if (Compositor::compositeTile(job.first, inputs, pixels)) clearBeyond(grid.rectOf(job.first), pixels);
     });
     return layer;
-}
-
-/// c x (255 - m) / 255, rounded to nearest, for each channel of a pixel.
-void removeCoverage(uint8_t* pixel, uint32_t m) {
-    for (int channel = 0; channel < 4; ++channel) {
-        pixel[channel] = static_cast<uint8_t>((127u + pixel[channel] * (255u - m)) * 32897u >> 23);
-    }
 }
 
 } // namespace
@@ -176,13 +170,9 @@ void clearLayer(PaintDocument& doc, Layer& layer) {
     for (int64_t index : doc.grid().tilesIn(selection.bounds())) {
         if (!layer.tile(index) || selection.tiles().isAbsent(index)) continue;
         const IRect part = doc.grid().rectOf(index);
-        uint8_t* pixels = layer.writableTile(index).writablePixels();
-        for (int64_t y = 0; y < part.h; ++y) {
-            const uint8_t* mask = selection.row(index, y);
-            for (int64_t x = 0; x < part.w; ++x) {
-                if (mask[x] != 0) removeCoverage(pixels + y * kTileRowBytes + x * 4, mask[x]);
-            }
-        }
+        Tile& tile = layer.writableTile(index);
+        for (int64_t y = 0; y < part.h; ++y)
+            removeSelected(tile.writableRow(y), selection.row(index, y), part.w);
     }
     doc.markDirty(selection.bounds());
 }

@@ -1,7 +1,8 @@
 #include "operations/Reshape.h"
 
-#include "operations/RedrawTiles.h"
-#include "platform/PixelMap.h"
+#include "operations/CopyTiles.h"
+#include "operations/ScaleTiles.h"
+#include "platform/resample/PixelMap.h"
 
 #include <algorithm>
 #include <cmath>

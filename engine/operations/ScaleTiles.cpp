@@ -1,8 +1,9 @@
-#include "operations/RedrawTiles.h"
+#include "operations/ScaleTiles.h"
+
 #include "operations/TileJobs.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
-#include "platform/ScaleBlock.h"
+#include "platform/resample/ScaleBlock.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,10 +21,9 @@ constexpr int64_t kBandRows = 64; // of a tile, made by one thread
 SourceRows rowsOf(const Layer& layer) {
     return [&layer](int64_t x, int64_t y, int64_t count, uint8_t* scratch) -> const uint8_t* {
         const int64_t firstTile = y / kTileSize * layer.grid().cols;
-        const int64_t row = y % kTileSize * kTileRowBytes;
         if (x / kTileSize == (x + count - 1) / kTileSize) {
             const Tile* tile = layer.tile(firstTile + x / kTileSize);
-            return tile ? tile->pixels() + row + x % kTileSize * 4 : nullptr;
+            return tile ? tile->pixels() + placeInTile(x, y) : nullptr;
         }
         bool empty = true;
         for (int64_t at = x; at < x + count;) {
@@ -31,7 +31,7 @@ SourceRows rowsOf(const Layer& layer) {
             const auto bytes = checkedSize(end - at) * 4;
             uint8_t* out = scratch + (at - x) * 4;
             if (const Tile* tile = layer.tile(firstTile + at / kTileSize)) {
-                std::memcpy(out, tile->pixels() + row + at % kTileSize * 4, bytes);
+                std::memcpy(out, tile->pixels() + placeInTile(at, y), bytes);
                 empty = false;
             } else {
                 std::memset(out, 0, bytes);
@@ -89,7 +89,7 @@ Under lookUnder(const Layer& layer, const IRect& rect, OneColorTiles& oneColor) 
 
 void fill(uint8_t* pixels, const IRect& part, const PixelBytes& color) {
     for (int64_t y = 0; y < part.h; ++y) {
-        for (int64_t x = 0; x < part.w; ++x) std::memcpy(pixels + y * kTileRowBytes + x * 4, color.data(), 4);
+        for (int64_t x = 0; x < part.w; ++x) std::memcpy(pixels + placeInTile(x, y), color.data(), 4);
     }
 }
 
@@ -123,7 +123,7 @@ void scaleTiles(Layer& from, Layer& to) {
             const int64_t top = band * kBandRows;
             scaleBlock(source, across, down,
                        {part.x, part.y + top, part.w, std::min(kBandRows, part.h - top),
-                        pixels + top * kTileRowBytes, kTileRowBytes});
+                        pixels + placeInTile(0, top), kTileRowBytes});
         });
     });
 }

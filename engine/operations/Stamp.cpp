@@ -1,6 +1,6 @@
 #include "operations/Stamp.h"
 
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
@@ -57,10 +57,10 @@ void stampTile(const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, int
     const IRect tile = layer.grid().rectOf(index);
     uint8_t* pixels = nullptr; // taken when the first pixel lands
     for (int64_t row = part.y; row < part.maxY(); ++row) {
-        const uint8_t* source = buffer.row(row - y) + (part.x - x) * 4;
+        const uint8_t* source = buffer.pixels(part.x - x, row - y);
         const uint8_t* selected =
             selection ? selection->row(index, row - tile.y) + (part.x - tile.x) : nullptr;
-        const int64_t place = (row - tile.y) * kTileRowBytes + (part.x - tile.x) * 4;
+        const int64_t place = placeInTile(part.x, row);
         for (int64_t i = 0; i < part.w; ++i, source += 4) {
             if (source[3] == 0) continue;
             const float m = selected ? static_cast<float>(selected[i]) / 255 * strength : strength;

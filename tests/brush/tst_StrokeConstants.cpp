@@ -1,7 +1,7 @@
 #include "brush/BrushLibrary.h"
 #include "brush/StrokeConstants.h"
-#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/Strokes.h"
 #include "support/TestMain.h"
 

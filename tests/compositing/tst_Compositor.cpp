@@ -2,8 +2,8 @@
 #include "compositing/Reference.h"
 #include "compositing/ScreenTiles.h"
 #include "core/SeededRandom.h"
-#include "platform/InstructionSets.h"
 #include "platform/Parallel.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

@@ -1,7 +1,7 @@
 #include "formats/common/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
 #include "platform/Bytes.h"
-#include "platform/InstructionSets.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/PSDFiles.h"
 #include "support/Pictures.h"
 #include "support/Rows.h"

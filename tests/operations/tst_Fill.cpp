@@ -1,9 +1,9 @@
 #include "PaintReference.h"
 #include "core/SeededRandom.h"
-#include "operations/CoveragePainter.h"
 #include "operations/Fill.h"
 #include "operations/LayerOperations.h"
-#include "platform/InstructionSets.h"
+#include "operations/painting/CoveragePainter.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

@@ -2,7 +2,7 @@
 #include "core/SeededRandom.h"
 #include "operations/Floating.h"
 #include "platform/BlockPool.h"
-#include "platform/Resampler.h"
+#include "platform/resample/Resampler.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

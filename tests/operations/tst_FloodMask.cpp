@@ -1,9 +1,9 @@
 #include "compositing/CompositeInputs.h"
 #include "core/SeededRandom.h"
-#include "operations/FloodMask.h"
-#include "operations/TileFlood.h"
-#include "operations/TileMatch.h"
-#include "platform/InstructionSets.h"
+#include "operations/flood/FloodMask.h"
+#include "operations/flood/PixelMatcher.h"
+#include "operations/flood/TileFlood.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"
@@ -135,7 +135,7 @@ private Q_SLOTS:
                 for (const std::string& name : instructionSets()) {
                     useInstructionSet(name);
                     TileBits like;
-                    Matcher(clicked, tolerance).match(pixels->row(0), like);
+                    PixelMatcher(clicked, tolerance).match(pixels->row(0), like);
                     for (int i = 0; i < kTilePixels; ++i) {
                         if (like[i / 256].has(i % 256) !=
                             matches(pixels->pixel(i % 256, i / 256), clicked, std::clamp(tolerance, 0, 255)))

@@ -1,6 +1,6 @@
 #include "PaintReference.h"
 #include "operations/Gradient.h"
-#include "platform/InstructionSets.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

@@ -1,5 +1,6 @@
 #include "core/SeededRandom.h"
 #include "operations/LayerOperations.h"
+#include "operations/SelectionOperations.h"
 #include "support/Pictures.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"

@@ -1,5 +1,6 @@
 #include "compositing/CompositeInputs.h"
 #include "operations/LayerOperations.h"
+#include "operations/SelectionOperations.h"
 #include "platform/BlockPool.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"

@@ -1,6 +1,6 @@
 #include "operations/Reshape.h"
 #include "platform/Parallel.h"
-#include "platform/Resampler.h"
+#include "platform/resample/Resampler.h"
 #include "support/Pictures.h"
 #include "support/Rows.h"
 #include "support/TestMain.h"

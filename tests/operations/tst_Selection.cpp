@@ -1,4 +1,5 @@
 #include "core/SeededRandom.h"
+#include "operations/SelectionOperations.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

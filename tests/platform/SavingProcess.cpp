@@ -1,7 +1,7 @@
 // Not a test: a process that saves, for tst_SafeSave to kill.
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 
 #include <cerrno>
 #include <csignal>

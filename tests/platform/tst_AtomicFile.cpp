@@ -1,6 +1,6 @@
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 

@@ -1,4 +1,4 @@
-#include "platform/InstructionSets.h"
+#include "platform/lanes/InstructionSets.h"
 #include "support/TestMain.h"
 
 #include <hwy/targets.h>

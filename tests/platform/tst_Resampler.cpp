@@ -1,5 +1,5 @@
 #include "platform/Parallel.h"
-#include "platform/Resampler.h"
+#include "platform/resample/Resampler.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

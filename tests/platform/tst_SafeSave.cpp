@@ -1,7 +1,7 @@
 #include "formats/native/PaintFile.h"
-#include "platform/AtomicFile.h"
 #include "platform/Bytes.h"
-#include "platform/ReadFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/ReadFile.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 

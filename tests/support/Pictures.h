@@ -1,7 +1,7 @@
 #pragma once
 #include "core/PaintDocument.h"
 #include "core/RGBABuffer.h"
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 
 #include <cstdint>
 #include <functional>

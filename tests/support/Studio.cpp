@@ -2,7 +2,7 @@
 #include "app/model/OpenPictures.h"
 
 #include "app/files/DocSession.h"
-#include "operations/Selection.h"
+#include "core/selection/Selection.h"
 
 #include <QApplication>
 #include <QKeyEvent>

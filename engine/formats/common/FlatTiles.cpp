@@ -8,7 +8,7 @@ namespace qirn {
 
 void fillPart(Tile& tile, const IRect& part, const PixelBytes& pixel) {
     if (part.isEmpty() || pixel == PixelBytes{}) return; // tiles are made of zeros
-    uint8_t* const start = tile.writablePixels() + part.y * kTileRowBytes + part.x * 4;
+    uint8_t* const start = tile.writableRow(part.y) + part.x * 4;
     for (int64_t x = 0; x < part.w; ++x) std::memcpy(start + x * 4, pixel.data(), 4);
     for (int64_t y = 1; y < part.h; ++y)
         std::memcpy(start + y * kTileRowBytes, start, checkedSize(part.w) * 4);

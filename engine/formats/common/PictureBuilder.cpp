@@ -129,8 +129,7 @@ void PictureBuilder::addPart(int64_t slot, const IRect& stored) {
     const int64_t x = toStored_.sourceX(place.x + part.x, place.y + part.y) - stored.x;
     const int64_t y = toStored_.sourceY(place.x + part.x, place.y + part.y) - stored.y;
     toStored_.copy(rgba + (y * stored.w + x) * 4, stored.w * 4,
-                   growing.tile->writablePixels() + part.y * kTileRowBytes + part.x * 4, kTileRowBytes,
-                   part.w, part.h);
+                   growing.tile->writableRow(part.y) + part.x * 4, kTileRowBytes, part.w, part.h);
 }
 
 /// Where the stored pixels of a rectangle that touches the slot lie in its tile.

@@ -1,7 +1,7 @@
 #pragma once
 #include "core/Layer.h"
 #include "formats/common/ColorProfile.h"
-#include "platform/PixelMap.h"
+#include "platform/resample/PixelMap.h"
 
 #include <cstdint>
 #include <optional>

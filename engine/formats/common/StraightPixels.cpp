@@ -10,7 +10,7 @@
 #define HWY_TARGET_INCLUDE "formats/common/StraightPixels.cpp"
 #include <hwy/foreach_target.h>
 
-#include "platform/Lanes.h"
+#include "platform/lanes/Lanes.h"
 
 #ifndef QIRN_FORMATS_STRAIGHT_PIXELS_RUN
 #define QIRN_FORMATS_STRAIGHT_PIXELS_RUN

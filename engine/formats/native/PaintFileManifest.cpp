@@ -1,6 +1,6 @@
 #include "formats/native/PaintFileManifest.h"
 
-#include "core/ColorJson.h"
+#include "formats/common/ColorJson.h"
 #include "platform/CheckedMath.h"
 #include "platform/Json.h"
 

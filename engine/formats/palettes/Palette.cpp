@@ -1,6 +1,6 @@
 #include "formats/palettes/Palette.h"
 
-#include "core/ColorJson.h"
+#include "formats/common/ColorJson.h"
 
 #include <QCoreApplication>
 

@@ -46,7 +46,7 @@ public:
         const auto* tile = &tiles_[checkedSize((y / kTileSize - firstRow_) * layer_.grid().cols)];
         for (; !row.empty(); ++tile) {
             const std::size_t bytes = std::min<std::size_t>(row.size(), kTileRowBytes);
-            std::copy_n(row.begin(), bytes, *tile + y % kTileSize * kTileRowBytes);
+            std::copy_n(row.begin(), bytes, *tile + placeInTile(0, y));
             row = row.subspan(bytes);
         }
     }

@@ -95,8 +95,7 @@ public:
     }
     void addRow(const ConstPlaneRows& rows) {
         if (isFlat()) makeTile();
-        premultiplyRow(rows, part().w,
-                       tile_->writablePixels() + (part().y + rows_) * kTileRowBytes + part().x * 4);
+        premultiplyRow(rows, part().w, tile_->writableRow(part().y + rows_) + part().x * 4);
         ++rows_;
     }
 

@@ -1,0 +1,22 @@
+#pragma once
+#include "core/PaintColor.h"
+#include "operations/painting/TileBits.h"
+
+#include <cstdint>
+
+namespace qirn {
+
+/// Tells which pixels are like the clicked one: none of their four bytes is further away than the tolerance.
+class PixelMatcher {
+public:
+    PixelMatcher(const PixelBytes& clicked, int64_t tolerance); ///< The tolerance counts from 0 to 255.
+
+    bool matchesTransparent() const { return lowest_ == PixelBytes{}; }
+    /// All pixels of a tile. The widest vectors of the machine do it.
+    void match(const uint8_t* pixels, TileBits& out) const;
+
+private:
+    PixelBytes lowest_, highest_;
+};
+
+} // namespace qirn

@@ -1,0 +1,99 @@
+#include "platform/files/ReadFile.h"
+
+#include "platform/CheckedMath.h"
+#include "platform/files/FilePath.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <system_error>
+
+#include <QCoreApplication>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qirn {
+
+namespace {
+
+// Bytes at a time beyond the length that a file gives, as those that the system makes up do not.
+constexpr qsizetype kGrowth = 64 * 1024;
+
+[[noreturn]] void fail(int error) {
+    const std::string words = std::generic_category().message(error);
+    throw ReadError(error, QString::fromLocal8Bit(words.c_str()));
+}
+
+[[noreturn]] void refuse(const char* words) {
+    throw ReadError(0, QCoreApplication::translate("ReadError", words));
+}
+
+/// Bytes that programs can still have without taking memory away from each other; all there are where the system
+/// does not tell.
+int64_t freeMemory() {
+    int64_t bytes = 0;
+    if (std::FILE* facts = std::fopen("/proc/meminfo", "re")) {
+        char line[128];
+        while (std::fgets(line, sizeof line, facts)) {
+            long long kilobytes = 0;
+            if (std::sscanf(line, "MemAvailable: %lld", &kilobytes) == 1 ||
+                std::sscanf(line, "SwapFree: %lld", &kilobytes) == 1)
+                bytes += kilobytes * 1024;
+        }
+        std::fclose(facts);
+    }
+    return bytes > 0 ? bytes : static_cast<int64_t>(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGESIZE);
+}
+
+/// An open file descriptor, closed at the end of its life.
+struct Descriptor {
+    explicit Descriptor(int opened) : number(opened) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (number >= 0) ::close(number);
+    }
+    const int number;
+};
+
+/// Opens without waiting, as for the other end of a pipe.
+int openAtOnce(const QString& path) {
+    const QByteArray name = bytesOfPath(path);
+    int descriptor = -1;
+    do {
+        descriptor = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    } while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+} // namespace
+
+QByteArray readFile(const QString& path, int64_t mostBytes) {
+    const Descriptor file(openAtOnce(path));
+    struct stat facts {};
+    if (file.number < 0 || ::fstat(file.number, &facts) < 0) fail(errno);
+    if (S_ISDIR(facts.st_mode)) refuse(QT_TRANSLATE_NOOP("ReadError", "This is a folder."));
+    if (!S_ISREG(facts.st_mode))
+        refuse(QT_TRANSLATE_NOOP("ReadError", "This is a device or a pipe, not a file."));
+    const int64_t most = std::min(mostBytes, freeMemory());
+    QByteArray bytes;
+    qsizetype length = 0;
+    auto room = static_cast<qsizetype>(facts.st_size) + 1; // the end shows at the byte too many
+    while (true) {
+        if (room - 1 > most)
+            refuse(QT_TRANSLATE_NOOP("ReadError", "The file is too large for the memory that is free."));
+        bytes.resize(room);
+        const ssize_t count = ::read(file.number, bytes.data() + length, checkedSize(room - length));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) fail(errno);
+        if (count == 0) break;
+        length += count;
+        if (length == room) room += kGrowth;
+    }
+    bytes.truncate(length);
+    return bytes;
+}
+
+} // namespace qirn
