@@ -141,13 +141,9 @@ bool CanvasView::pressSelect(const PenSample&) {
 }
 
 QPainterPath CanvasView::selectionBox(Qt::KeyboardModifiers modifiers) const {
-    QPointF to = dragCurrent_;
-    if (modifiers.testFlag(Qt::ShiftModifier)) {
-        const double side = std::max(std::abs(to.x() - dragStart_.x()), std::abs(to.y() - dragStart_.y()));
-        to = dragStart_ +
-             QPointF(to.x() < dragStart_.x() ? -side : side, to.y() < dragStart_.y() ? -side : side);
-    }
-    const QRectF box = QRectF(dragStart_, to).normalized();
+    const bool isSquare = modifiers.testFlag(Qt::ShiftModifier);
+    const QPointF corner = isSquare ? squareCorner(dragStart_, dragCurrent_) : dragCurrent_;
+    const QRectF box = QRectF(dragStart_, corner).normalized();
     QPainterPath path;
     if (gesture_->tool == Tool::selectEllipse) // the model's tool may be another by now
         path.addEllipse(box);

@@ -10,7 +10,8 @@
 #include "formats/pictures/TiffReader.h"
 #include "formats/pictures/WebPReader.h"
 #include "formats/psd/PSDFile.h"
-#include "formats/psd/read/PSDPicture.h"
+#include "formats/psd/PSDHeader.h"
+#include "formats/psd/read/MergedReader.h"
 
 #include <new>
 #include <utility>
@@ -32,7 +33,7 @@ constexpr Reader kReaders[] = {
     {isJpeg, readJpeg},
     {isTiff, readTiff},
     {isWebP, readWebP},
-    {PSDPicture::isPhotoshopFile, PSDPicture::decode},
+    {isPhotoshopFile, MergedReader::decode},
     {isHeif, readHeif},
     {isGif, readGif},
     {isBmp, readBmp},
@@ -43,17 +44,17 @@ constexpr Reader kReaders[] = {
 ImageImport::Imported ImageImport::imported(Bytes file) {
     if (PaintFile::infoOf(file)) return {PaintFile::decode(file), {}};
     Imported result;
-    if (PSDPicture::isPhotoshopFile(file)) {
+    if (isPhotoshopFile(file)) {
         // Whatever its layers lack, the finished picture beside them may still be shown as one.
         try {
             result.document = PSDFile::read(file, &result.remarks);
             return result;
         } catch (const PSDFile::PSDError& error) {
-            result.remarks = PSDPicture::remarks(file, error.feature());
+            result.remarks = MergedReader::remarks(file, error.feature());
         } catch (const std::bad_alloc&) {
             throw; // the finished picture would open in place of the layers
         } catch (const std::exception&) {
-            result.remarks = PSDPicture::remarks(file, {});
+            result.remarks = MergedReader::remarks(file, {});
         }
     }
     auto picture = decode(file);

@@ -24,15 +24,9 @@ constexpr int64_t kMostPixels = 39'999; // a side
 constexpr int64_t kMaskBytes = 1 << 24; // of coverage held at a time
 
 QPointF toEighthOfACircle(QPointF a, QPointF b) {
-    const QPointF way = b - a;
-    const SineCosine t = sineCosine(std::round(std::atan2(way.y(), way.x()) / (pi / 4)) * (pi / 4));
-    return a + std::hypot(way.x(), way.y()) * QPointF(t.cosine, t.sine);
-}
-
-QPointF toSquare(QPointF a, QPointF b) {
-    const QPointF way = b - a;
-    const double side = std::max(std::fabs(way.x()), std::fabs(way.y()));
-    return a + QPointF(way.x() < 0 ? -side : side, way.y() < 0 ? -side : side);
+    const QPointF drag = b - a;
+    const SineCosine t = sineCosine(std::round(std::atan2(drag.y(), drag.x()) / (pi / 4)) * (pi / 4));
+    return a + std::hypot(drag.x(), drag.y()) * QPointF(t.cosine, t.sine);
 }
 
 /// Corners on an ellipse, the first at the top; every second one lies at `inner` of the radius.
@@ -50,8 +44,8 @@ QPainterPath cornersIn(const QRectF& box, int count, double inner) {
 }
 
 void addArrowHead(QPainterPath& path, QPointF a, QPointF b, double lineWidth) {
-    const QPointF way = b - a;
-    const QPointF back = way / -std::hypot(way.x(), way.y()) * std::max(4 * lineWidth, kLeastArrow);
+    const QPointF line = b - a;
+    const QPointF back = line / -std::hypot(line.x(), line.y()) * std::max(4 * lineWidth, kLeastArrow);
     const SineCosine t = sineCosine(kArrowAngle);
     path.moveTo(b +
                 QPointF(back.x() * t.cosine + back.y() * t.sine, back.y() * t.cosine - back.x() * t.sine));
@@ -109,9 +103,15 @@ void layPath(const QPainterPath& path, const PaintColor& color, Antialias antial
 
 } // namespace
 
+QPointF squareCorner(QPointF a, QPointF b) {
+    const QPointF drag = b - a;
+    const double side = std::max(std::fabs(drag.x()), std::fabs(drag.y()));
+    return a + QPointF(drag.x() < 0 ? -side : side, drag.y() < 0 ? -side : side);
+}
+
 std::optional<QPainterPath> shapePath(ShapeKind kind, QPointF a, QPointF b, Constrain constrain,
                                       double lineWidth) {
-    if (constrain == Constrain::yes) b = isOpen(kind) ? toEighthOfACircle(a, b) : toSquare(a, b);
+    if (constrain == Constrain::yes) b = isOpen(kind) ? toEighthOfACircle(a, b) : squareCorner(a, b);
     const QRectF box = QRectF(a, b).normalized();
     if (!(box.width() >= 1) && !(box.height() >= 1)) return std::nullopt;
     QPainterPath path;

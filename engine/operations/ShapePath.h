@@ -42,6 +42,9 @@ constexpr bool isOpen(ShapeKind kind) {
 
 enum class Constrain { no, yes };
 
+/// Where the drag from `a` to `b` ends when its box is kept square: as far as the longer side, both ways.
+QPointF squareCorner(QPointF a, QPointF b);
+
 /// The path of a shape dragged from `a` to `b` in canvas coordinates; nothing for a drag of less than a pixel both
 /// ways. Constrained, lines keep to multiples of 45 degrees and all others to a square box. The line width decides
 /// the size of an arrow's head alone.

@@ -1,7 +1,7 @@
 #include "FlatPSDFiles.h"
 #include "formats/common/ByteReader.h"
 #include "formats/psd/PSDFile.h"
-#include "formats/psd/read/PSDPicture.h"
+#include "formats/psd/read/MergedReader.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/Pictures.h"
@@ -19,7 +19,7 @@ using namespace qirn::test;
 namespace {
 
 QString decodedPixel(const File& file) {
-    const auto picture = PSDPicture::decode(bytesOf(file.bytes()));
+    const auto picture = MergedReader::decode(bytesOf(file.bytes()));
     return picture ? text(picture->layer->pixel(0, 0)) : "nothing";
 }
 
@@ -58,7 +58,7 @@ private Q_SLOTS:
             file.sampleAt = noiseOf(mode, depth);
             if (mode == indexed) file.colorTable = colorTable();
             const int tolerance = mode == lab ? 1 : 0; // where the colour library works in tables
-            const auto plain = PSDPicture::decode(bytesOf(file.bytes()));
+            const auto plain = MergedReader::decode(bytesOf(file.bytes()));
             QVERIFY2(plain, qPrintable(what));
             for (uint32_t i = 0; i < file.width * file.height; ++i) {
                 const uint32_t x = i % file.width, y = i / file.width;
@@ -73,7 +73,7 @@ private Q_SLOTS:
                     file.packing = packing;
                     file.isLarge = isLarge;
                     setConcurrency(isLarge ? 1 : 0);
-                    const auto packed = PSDPicture::decode(bytesOf(file.bytes()));
+                    const auto packed = MergedReader::decode(bytesOf(file.bytes()));
                     QVERIFY2(packed, qPrintable(what));
                     QCOMPARE(firstDifference(*packed->layer->toBuffer(), *plain->layer->toBuffer()),
                              QString());
@@ -128,7 +128,7 @@ private Q_SLOTS:
             const uint32_t white = 255u - p[3];
             return Samples{p[0] + white, p[1] + white, p[2] + white, p[3]};
         };
-        const auto picture = PSDPicture::decode(bytesOf(file.bytes()));
+        const auto picture = MergedReader::decode(bytesOf(file.bytes()));
         QVERIFY(picture);
         QCOMPARE(firstDifference(*picture->layer->toBuffer(), *expected), QString());
     }
@@ -141,7 +141,7 @@ private Q_SLOTS:
         file.sampleAt = [](uint32_t, uint32_t y) {
             return y == 299 ? Samples{0, 0, 0, 100} : Samples{240, 240, 240, 100};
         };
-        const auto straight = PSDPicture::decode(bytesOf(file.bytes()));
+        const auto straight = MergedReader::decode(bytesOf(file.bytes()));
         QVERIFY(straight);
         QCOMPARE(text(straight->layer->pixel(0, 0)), QString("94,94,94,100"));
         QCOMPARE(text(straight->layer->pixel(0, 299)), QString("0,0,0,100"));
@@ -195,7 +195,7 @@ private Q_SLOTS:
             if (flag >= 0) file.resources = psdResource(1057, {}, big32(1) + static_cast<char>(flag));
             const QByteArray bytes = file.bytes().chopped(hasPicture ? 0 : 4);
             try {
-                QCOMPARE(PSDPicture::decode(bytesOf(bytes)) ? "opens" : "refused", outcome);
+                QCOMPARE(MergedReader::decode(bytesOf(bytes)) ? "opens" : "refused", outcome);
             } catch (const PSDFile::PSDError& error) {
                 QCOMPARE(error.description(), outcome);
             }
@@ -219,7 +219,7 @@ private Q_SLOTS:
                 out.bytes(file.bytes().chopped(file.picture().size()) + QByteArray(400'000, '\0'));
                 out.patchU32(14, height);
                 out.patchU32(18, width);
-                QVERIFY(!PSDPicture::decode(bytesOf(out.data())));
+                QVERIFY(!MergedReader::decode(bytesOf(out.data())));
             }
         }
     }

@@ -50,6 +50,11 @@ std::span<const uint8_t> BEReader::slice(int64_t count) {
     return part;
 }
 
+std::string_view BEReader::text(int64_t count) {
+    const auto letters = slice(count);
+    return {reinterpret_cast<const char*>(letters.data()), letters.size()};
+}
+
 void BEReader::moveTo(int64_t position) {
     if (position < 0 || position > size()) throw Short();
     pos_ = position;

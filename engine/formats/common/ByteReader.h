@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <exception>
 #include <span>
+#include <string_view>
 
 #include <QByteArray>
 
@@ -25,6 +26,7 @@ public:
     int16_t i16() { return static_cast<int16_t>(u16()); }
     int32_t i32() { return static_cast<int32_t>(u32()); }
     std::span<const uint8_t> slice(int64_t count); ///< The next bytes; a negative count throws as well.
+    std::string_view text(int64_t count);          ///< The same as letters of a byte each.
     void skip(int64_t count) { slice(count); }
 
     int64_t pos() const { return pos_; }

@@ -2,7 +2,8 @@
 #include "formats/common/ByteReader.h"
 #include "formats/common/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
-#include "formats/psd/write/PSDPacking.h"
+#include "formats/psd/PSDHeader.h"
+#include "formats/psd/write/PlanePacker.h"
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
@@ -18,7 +19,6 @@ namespace {
 
 using namespace PSDFile;
 
-constexpr uint16_t kResolution = 1005;
 constexpr uint16_t kRunLengths = 1; // the compression code of packed rows
 constexpr int64_t kMostLayers = 32768;
 constexpr int64_t kMostBytes = std::numeric_limits<uint32_t>::max(); // of a section
@@ -57,7 +57,7 @@ void writeHead(BEWriter& out, const PaintDocument& doc) {
 
     BEWriter resources;
     tag(resources, "8BIM");
-    resources.u16(kResolution);
+    resources.u16(PSDResources::kResolution);
     resources.zeros(2); // no name
     resources.u32(16);
     for (int direction = 0; direction < 2; ++direction) {

@@ -1,6 +1,7 @@
-#include "formats/psd/read/PSDRecords.h"
+#include "formats/psd/read/LayerRecords.h"
 
 #include "formats/common/FormatErrors.h"
+#include "formats/psd/PSDHeader.h"
 
 #include <algorithm>
 #include <iterator>
@@ -11,12 +12,6 @@ namespace qirn {
 namespace {
 
 using namespace PSDFile;
-
-constexpr int64_t kLeastBlock = 12;
-
-std::string_view text(std::span<const uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 
 QString unicodeName(BEReader& in, int64_t units) {
     QString name;
@@ -50,7 +45,7 @@ Losses lossesOfGroup(const Rec& rec, std::span<const uint8_t> data) {
     if (rec.opacity < 1) losses.insert(Loss::groupBlending);
     if (in.remaining() >= 8) {
         in.skip(4);
-        const auto key = text(in.slice(4));
+        const auto key = in.text(4);
         if (key != "pass" && key != "norm") losses.insert(Loss::groupBlending);
     }
     return losses;
@@ -58,12 +53,8 @@ Losses lossesOfGroup(const Rec& rec, std::span<const uint8_t> data) {
 
 /// The tagged blocks at the end of a record, up to `end`.
 void readBlocks(BEReader& in, int64_t end, Rec& rec) {
-    for (int64_t at = in.pos(); at + kLeastBlock <= end;) {
-        in.moveTo(at);
-        const auto signature = text(in.slice(4));
-        if (signature != "8BIM" && signature != "8B64") break;
-        const auto key = text(in.slice(4));
-        const int64_t size = in.u32();
+    for (int64_t at = in.pos(); const auto block = readPSDBlock(in, at, end, false);) {
+        const auto& [key, size] = *block;
         at = in.pos() + size;
         if (key == "luni" && size >= 4) {
             const int64_t count = in.u32();
@@ -90,8 +81,8 @@ Rec PSDFile::readRecord(BEReader& in) {
         const int16_t identifier = in.i16();
         rec.chans.emplace_back(identifier, in.u32());
     }
-    if (text(in.slice(4)) != "8BIM") throw PaintFileError::damaged(QStringLiteral("layer record"));
-    const auto modeKey = text(in.slice(4));
+    if (in.text(4) != "8BIM") throw PaintFileError::damaged(QStringLiteral("layer record"));
+    const auto modeKey = in.text(4);
     rec.mode = blendModeFromPSD(modeKey);
     rec.opacity = in.u8() / 255.0;
     rec.isClipping = in.u8() != 0;

@@ -1,4 +1,4 @@
-#include "formats/psd/write/PSDPacking.h"
+#include "formats/psd/write/PlanePacker.h"
 
 #include "compositing/CompositeInputs.h"
 #include "formats/common/StraightPixels.h"

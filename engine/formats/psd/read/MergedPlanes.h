@@ -12,10 +12,10 @@ struct PSDSections;
 /// The first channels of a Photoshop file's merged picture, row by row. A file holds them one whole channel behind the other
 /// and packed in one of four ways; here the rows of all of them come side by side, as samples high byte
 /// first, without ever holding a whole channel.
-class PSDPlanes {
+class MergedPlanes {
 public:
     /// Borrows the file's bytes. Throws BEReader::Short where they cannot hold that many channels of that size.
-    PSDPlanes(const PSDSections& sections, int channels);
+    MergedPlanes(const PSDSections& sections, int channels);
 
     int64_t rowBytes() const { return rowBytes_; }
     int64_t rowsAtOnce() const { return rowsAtOnce_; }

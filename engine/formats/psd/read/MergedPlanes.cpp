@@ -1,4 +1,4 @@
-#include "formats/psd/read/PSDPlanes.h"
+#include "formats/psd/read/MergedPlanes.h"
 
 #include "formats/common/ByteReader.h"
 #include "formats/psd/PackBits.h"
@@ -24,11 +24,11 @@ constexpr int64_t kBandBytes = 12'000'000; // of unpacked rows; one row of every
 
 } // namespace
 
-PSDPlanes::PSDPlanes(const PSDSections& sections, int channels)
-    : depth_(sections.depth),
+MergedPlanes::MergedPlanes(const PSDSections& sections, int channels)
+    : depth_(sections.header.depth),
       channels_(channels),
-      height_(sections.height),
-      rowBytes_((sections.width * sections.depth + 7) / 8) {
+      height_(sections.header.height),
+      rowBytes_((sections.header.width * sections.header.depth + 7) / 8) {
     BEReader in(sections.mergedPicture);
     const uint16_t code = in.u16();
     if (code > static_cast<uint16_t>(Packing::deflatedDifferences)) throw BEReader::Short();
@@ -53,10 +53,10 @@ PSDPlanes::PSDPlanes(const PSDSections& sections, int channels)
 }
 
 /// The packed lengths of all rows of all channels stand before the first row.
-void PSDPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t> bytes) {
+void MergedPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t> bytes) {
     BEReader in(bytes);
-    const int64_t lengthBytes = sections.isLarge ? 4 : 2;
-    BEReader lengths(in.slice(sections.channels * height_ * lengthBytes));
+    const int64_t lengthBytes = sections.header.isLarge ? 4 : 2;
+    BEReader lengths(in.slice(sections.header.channels * height_ * lengthBytes));
     planes_ = in.slice(in.remaining());
     // Checked before the table is made, which is several times as long as what it is made of.
     if (rowBytes_ * height_ * channels_ > std::ssize(planes_) * kLargestRun) throw BEReader::Short();
@@ -64,14 +64,14 @@ void PSDPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t> b
     rowStarts_.reserve(rows + 1);
     rowStarts_.push_back(0);
     while (rowStarts_.size() <= rows) {
-        const int64_t length = sections.isLarge ? lengths.u32() : lengths.u16();
+        const int64_t length = sections.header.isLarge ? lengths.u32() : lengths.u16();
         rowStarts_.push_back(rowStarts_.back() + length);
     }
     if (rowStarts_.back() > std::ssize(planes_)) throw BEReader::Short();
 }
 
 /// All channels are one stream. One pass over it leaves behind a stream at the start of each channel.
-void PSDPlanes::startStreams(std::span<const uint8_t> bytes) {
+void MergedPlanes::startStreams(std::span<const uint8_t> bytes) {
     streams_.emplace_back(bytes);
     for (int channel = 1; channel < channels_; ++channel) {
         streams_.emplace_back(InflateStream(streams_.back()));
@@ -80,7 +80,7 @@ void PSDPlanes::startStreams(std::span<const uint8_t> bytes) {
     band_.resize(checkedSize(rowBytes_ * rowsAtOnce_ * channels_));
 }
 
-void PSDPlanes::loadBand(int64_t firstRow, int64_t rows) {
+void MergedPlanes::loadBand(int64_t firstRow, int64_t rows) {
     bandStart_ = firstRow;
     if (!isDeflated()) return;
     concurrentPerform(channels_, [&](int64_t channel) {
@@ -90,11 +90,11 @@ void PSDPlanes::loadBand(int64_t firstRow, int64_t rows) {
     });
 }
 
-std::size_t PSDPlanes::bandOffset(int channel, int64_t rowInBand) const {
+std::size_t MergedPlanes::bandOffset(int channel, int64_t rowInBand) const {
     return checkedSize((channel * rowsAtOnce_ + rowInBand) * rowBytes_);
 }
 
-void PSDPlanes::readRow(int channel, int64_t y, std::span<uint8_t> into) const {
+void MergedPlanes::readRow(int channel, int64_t y, std::span<uint8_t> into) const {
     const int64_t row = channel * height_ + y;
     if (packing_ == Packing::runs) {
         const int64_t start = rowStarts_[checkedSize(row)];

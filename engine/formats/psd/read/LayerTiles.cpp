@@ -1,4 +1,4 @@
-#include "formats/psd/read/PSDTiles.h"
+#include "formats/psd/read/LayerTiles.h"
 
 #include "core/PaintColor.h"
 #include "formats/common/ByteReader.h"

@@ -1,10 +1,10 @@
-#include "formats/psd/read/PSDPicture.h"
+#include "formats/psd/read/MergedReader.h"
 
 #include "core/PaintEngine.h"
 #include "formats/common/ByteReader.h"
 #include "formats/psd/PSDFile.h"
-#include "formats/psd/read/PSDPixels.h"
-#include "formats/psd/read/PSDPlanes.h"
+#include "formats/psd/read/MergedPixels.h"
+#include "formats/psd/read/MergedPlanes.h"
 #include "formats/psd/read/PSDSections.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
@@ -20,14 +20,12 @@ namespace qirn {
 
 namespace {
 
-constexpr std::array<uint8_t, 4> kSignature{'8', 'B', 'P', 'S'};
-
 constexpr int64_t kRowsATask = 16;
 constexpr int64_t kCompressionCodeBytes = 2;
 
 bool isOpenable(const PSDSections& sections) {
     const auto isSide = [](int64_t side) { return side >= 1 && side <= PaintEngine::maxCanvasSide; };
-    return isSide(sections.width) && isSide(sections.height);
+    return isSide(sections.header.width) && isSide(sections.header.height);
 }
 
 /// The tiles that some whole rows of a layer lie on.
@@ -67,20 +65,21 @@ private:
 };
 
 /// Null where the backdrop turns out to be another one.
-LayerRef pictureOn(PSDPixels::Backdrop backdrop, const PSDSections& sections) {
-    const PSDPixels pixels(sections, backdrop);
-    PSDPlanes planes(sections, pixels.channels()); // checks the size against the bytes before memory is taken
-    auto picture =
-        std::make_shared<Layer>(QStringLiteral("Background"), TileGrid(sections.width, sections.height));
+LayerRef pictureOn(MergedPixels::Backdrop backdrop, const PSDSections& sections) {
+    const MergedPixels pixels(sections, backdrop);
+    MergedPlanes planes(sections,
+                        pixels.channels()); // checks the size against the bytes before memory is taken
+    auto picture = std::make_shared<Layer>(QStringLiteral("Background"),
+                                           TileGrid(sections.header.width, sections.header.height));
     std::atomic<bool> fits = true;
-    for (int64_t first = 0; first < sections.height && fits; first += planes.rowsAtOnce()) {
-        const int64_t rows = std::min(planes.rowsAtOnce(), sections.height - first);
+    for (int64_t first = 0; first < sections.header.height && fits; first += planes.rowsAtOnce()) {
+        const int64_t rows = std::min(planes.rowsAtOnce(), sections.header.height - first);
         planes.loadBand(first, rows);
         RowTiles tiles(*picture, first, rows);
         concurrentPerform((rows + kRowsATask - 1) / kRowsATask, [&](int64_t task) {
             const auto rowBytes = checkedSize(planes.rowBytes());
             std::vector<uint8_t> samples(rowBytes * checkedSize(pixels.channels()));
-            std::vector<uint8_t> row(checkedSize(sections.width) * 4);
+            std::vector<uint8_t> row(checkedSize(sections.header.width) * 4);
             const int64_t from = task * kRowsATask;
             for (int64_t y = first + from; y < first + std::min(from + kRowsATask, rows); ++y) {
                 for (int c = 0; c < pixels.channels(); ++c)
@@ -97,31 +96,27 @@ LayerRef pictureOn(PSDPixels::Backdrop backdrop, const PSDSections& sections) {
 /// Photoshop stores transparent pictures of layered files as they look on white, and other programs do so or not.
 LayerRef pictureOf(const PSDSections& sections) {
     if (sections.hasLayers && sections.hasAlpha) {
-        if (auto picture = pictureOn(PSDPixels::Backdrop::white, sections)) return picture;
+        if (auto picture = pictureOn(MergedPixels::Backdrop::white, sections)) return picture;
     }
-    return pictureOn(PSDPixels::Backdrop::none, sections);
+    return pictureOn(MergedPixels::Backdrop::none, sections);
 }
 
 } // namespace
 
-bool PSDPicture::isPhotoshopFile(std::span<const uint8_t> file) {
-    return file.size() >= kSignature.size() && std::equal(kSignature.begin(), kSignature.end(), file.begin());
-}
-
-std::optional<DecodedPicture> PSDPicture::decode(std::span<const uint8_t> file) {
+std::optional<DecodedPicture> MergedReader::decode(std::span<const uint8_t> file) {
     try {
         const auto sections = psdSectionsOf(file);
         if (!sections || !isOpenable(*sections)) return std::nullopt;
-        const bool isThere =
-            sections->hasMergedPicture && std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
+        const bool isThere = sections->resources.hasMergedPicture &&
+                             std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
         if (sections->hasLayers && !isThere) throw PSDFile::PSDError::noMergedPicture();
-        return DecodedPicture{pictureOf(*sections), sections->dpi};
+        return DecodedPicture{pictureOf(*sections), sections->resources.dpi};
     } catch (const BEReader::Short&) {
         return std::nullopt;
     }
 }
 
-ImportRemarks PSDPicture::remarks(std::span<const uint8_t> file, const QString& feature) {
+ImportRemarks MergedReader::remarks(std::span<const uint8_t> file, const QString& feature) {
     const auto because = [](const QString& what) {
         return ImportRemarks{{ImportRemark::Kind::asOneLayer, what}};
     };
@@ -129,8 +124,8 @@ ImportRemarks PSDPicture::remarks(std::span<const uint8_t> file, const QString& 
     try {
         const auto sections = psdSectionsOf(file);
         if (!sections) return {};
-        if (sections->depth > 8) return because(feature);
-        switch (sections->mode) {
+        if (sections->header.depth > 8) return because(feature);
+        switch (sections->header.mode) {
         case PSDColorMode::bitmap:
         case PSDColorMode::gray:
         case PSDColorMode::indexed:
@@ -138,7 +133,7 @@ ImportRemarks PSDPicture::remarks(std::span<const uint8_t> file, const QString& 
                                        : ImportRemarks{};
         case PSDColorMode::rgb:
             if (!sections->hasLayers) return {};
-            if (sections->isLarge) return because(word("large document format"));
+            if (sections->header.isLarge) return because(word("large document format"));
             return because(feature.isEmpty() ? word("damaged layers") : feature);
         case PSDColorMode::cmyk:
             return because(word("CMYK color"));

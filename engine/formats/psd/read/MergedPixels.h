@@ -11,7 +11,7 @@ namespace qirn {
 struct PSDSections;
 
 /// Turns rows of the channels of a Photoshop file's merged picture into pixels, whatever its colour mode and depth.
-class PSDPixels {
+class MergedPixels {
 public:
     /// How the colours of half-transparent pixels stand in the file.
     enum class Backdrop {
@@ -20,7 +20,7 @@ public:
     };
 
     /// Throws BEReader::Short where channels or palette are missing. A profile that does not fit the picture is passed over.
-    PSDPixels(const PSDSections& sections, Backdrop backdrop);
+    MergedPixels(const PSDSections& sections, Backdrop backdrop);
 
     /// How many channels a row needs: the colours, then alpha if there is one.
     int channels() const { return colors_ + (hasAlpha_ ? 1 : 0); }

@@ -1,4 +1,4 @@
-#include "formats/psd/read/PSDPixels.h"
+#include "formats/psd/read/MergedPixels.h"
 
 #include "formats/common/ByteReader.h"
 #include "formats/psd/read/PSDSections.h"
@@ -53,7 +53,7 @@ uint16_t inProfileCoding(uint16_t value) {
 }
 
 ColorModel modelOf(const PSDSections& sections) {
-    switch (sections.mode) {
+    switch (sections.header.mode) {
     case PSDColorMode::cmyk:
         return ColorModel::cmyk;
     case PSDColorMode::lab:
@@ -62,7 +62,7 @@ ColorModel modelOf(const PSDSections& sections) {
     case PSDColorMode::indexed:
         return ColorModel::rgb;
     case PSDColorMode::multichannel: // inks; a single one is shown as gray
-        return colorChannelsOf(sections) == 1 ? ColorModel::gray : ColorModel::cmyk;
+        return colorChannelsOf(sections.header) == 1 ? ColorModel::gray : ColorModel::cmyk;
     default:
         return ColorModel::gray;
     }
@@ -80,8 +80,9 @@ bool isLinear(const ColorProfile& profile) {
 
 ColorProfile profileFor(const PSDSections& sections, const PixelLayout& layout) {
     // The inks of a multichannel or duotone picture are not those of any profile.
-    const bool mayBe = sections.mode != PSDColorMode::multichannel && sections.mode != PSDColorMode::duotone;
-    auto profile = mayBe ? ColorProfile::embedded(sections.profile, layout) : std::nullopt;
+    const bool mayBe =
+        sections.header.mode != PSDColorMode::multichannel && sections.header.mode != PSDColorMode::duotone;
+    auto profile = mayBe ? ColorProfile::embedded(sections.resources.profile, layout) : std::nullopt;
     if (profile && (layout.sample != SampleType::f32 || isLinear(*profile))) return *profile;
     return ColorProfile::standard(layout);
 }
@@ -96,25 +97,25 @@ void premultiply(std::span<uint8_t> pixels) {
 
 } // namespace
 
-PSDPixels::PSDPixels(const PSDSections& sections, Backdrop backdrop)
-    : depth_(sections.depth),
-      colors_(colorChannelsOf(sections)),
+MergedPixels::MergedPixels(const PSDSections& sections, Backdrop backdrop)
+    : depth_(sections.header.depth),
+      colors_(colorChannelsOf(sections.header)),
       hasAlpha_(sections.hasAlpha),
       backdrop_(backdrop) {
-    if (sections.channels < channels()) throw BEReader::Short();
+    if (sections.header.channels < channels()) throw BEReader::Short();
     PixelLayout layout;
     layout.model = modelOf(sections);
     layout.sample = depth_ == 32 ? SampleType::f32 : depth_ == 16 ? SampleType::u16 : SampleType::u8;
     layout.isInverted = layout.model == ColorModel::cmyk;
-    if (sections.mode == PSDColorMode::bitmap) {
+    if (sections.header.mode == PSDColorMode::bitmap) {
         palette_[0] = {255, 255, 255, 255};
         palette_[1] = {0, 0, 0, 255};
-    } else if (sections.mode == PSDColorMode::indexed) {
+    } else if (sections.header.mode == PSDColorMode::indexed) {
         const auto table = BEReader(sections.colorTable).slice(kPaletteColors * 3);
         std::array<uint8_t, kPaletteColors * 3> colors{};
         for (std::size_t i = 0; i < colors.size(); ++i) colors[i] = table[i % 3 * kPaletteColors + i / 3];
         profileFor(sections, layout).convert(colors.data(), palette_[0].data(), kPaletteColors);
-        if (const auto none = sections.transparentIndex; none && *none < kPaletteColors)
+        if (const auto none = sections.resources.transparentIndex; none && *none < kPaletteColors)
             palette_[checkedSize(*none)] = {};
     } else {
         layout.hasAlpha = hasAlpha_;
@@ -122,7 +123,7 @@ PSDPixels::PSDPixels(const PSDSections& sections, Backdrop backdrop)
     }
 }
 
-bool PSDPixels::convert(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
+bool MergedPixels::convert(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
     if (!profile_) {
         convertIndices(samples, pixels);
         return true;
@@ -138,7 +139,7 @@ bool PSDPixels::convert(std::span<const uint8_t> samples, std::span<uint8_t> pix
 }
 
 template <class Sample>
-bool PSDPixels::convertColors(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
+bool MergedPixels::convertColors(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
     const std::size_t count = pixels.size() / 4;
     const auto perPixel = checkedSize(profile_->layout().colorChannels() + (hasAlpha_ ? 1 : 0));
     const auto owned = std::make_unique_for_overwrite<Sample[]>(count * perPixel);
@@ -151,7 +152,7 @@ bool PSDPixels::convertColors(std::span<const uint8_t> samples, std::span<uint8_
 }
 
 template <class Sample>
-void PSDPixels::placeSideBySide(std::span<const uint8_t> samples, std::span<Sample> colors) const {
+void MergedPixels::placeSideBySide(std::span<const uint8_t> samples, std::span<Sample> colors) const {
     const std::size_t rowBytes = samples.size() / checkedSize(channels());
     const std::size_t count = rowBytes / sizeof(Sample);
     const std::size_t perPixel = colors.size() / count;
@@ -176,7 +177,7 @@ void PSDPixels::placeSideBySide(std::span<const uint8_t> samples, std::span<Samp
 }
 
 /// colour = white + (stored - white) / alpha, in the file's own numbers, before any profile.
-template <class Sample> bool PSDPixels::takeOffWhite(std::span<Sample> colors) const {
+template <class Sample> bool MergedPixels::takeOffWhite(std::span<Sample> colors) const {
     const bool isLab = profile_->layout().model == ColorModel::lab;
     const auto perColor = checkedSize(profile_->layout().colorChannels());
     bool fits = true;
@@ -194,7 +195,7 @@ template <class Sample> bool PSDPixels::takeOffWhite(std::span<Sample> colors) c
     return fits;
 }
 
-void PSDPixels::convertIndices(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
+void MergedPixels::convertIndices(std::span<const uint8_t> samples, std::span<uint8_t> pixels) const {
     const std::size_t count = pixels.size() / 4;
     for (std::size_t x = 0; x < count; ++x) {
         const std::size_t index = depth_ == 1 ? samples[x / 8] >> (7 - x % 8) & 1 : samples[x];

@@ -2,17 +2,16 @@
 #include "core/PaintEngine.h"
 #include "formats/common/ByteReader.h"
 #include "formats/common/FormatErrors.h"
-#include "formats/common/PrintDensity.h"
 #include "formats/psd/PSDFile.h"
-#include "formats/psd/read/PSDRecords.h"
-#include "formats/psd/read/PSDTiles.h"
+#include "formats/psd/PSDHeader.h"
+#include "formats/psd/read/LayerRecords.h"
+#include "formats/psd/read/LayerTiles.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,59 +21,20 @@ namespace {
 
 using namespace PSDFile;
 
-constexpr uint16_t kResolution = 1005;
-constexpr uint16_t kProfile = 1039;
 constexpr int kAlpha = -1; // a layer channel's identifier
-constexpr int64_t kLeastBlock = 12;
 
-std::string_view text(std::span<const uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-struct Head {
-    int64_t channels, width, height;
-};
-
-Head readHead(BEReader& in) {
-    const auto signature = in.slice(std::min<int64_t>(4, in.remaining()));
-    if (text(signature) != "8BPS" || in.u16() != 1) throw PaintFileError::notPaintFile();
-    in.skip(6);
-    Head head{};
-    head.channels = in.u16();
-    head.height = in.u32();
-    head.width = in.u32();
-    const int depth = in.u16(), mode = in.u16();
-    if (depth != 8) throw PSDError::unsupported(QStringLiteral("%1-bit color").arg(depth));
-    if (mode != 3) throw PSDError::unsupported(QStringLiteral("color mode %1; only RGB").arg(mode));
-    const auto [least, most] = std::minmax(head.width, head.height);
+/// The header of a file that is read with its layers, up to the image resources.
+PSDHeader readHeader(BEReader& in) {
+    const auto header = readPSDHeader(in);
+    if (!header || header->isLarge) throw PaintFileError::notPaintFile();
+    if (header->depth != 8) throw PSDError::unsupported(QStringLiteral("%1-bit color").arg(header->depth));
+    if (header->mode != PSDColorMode::rgb)
+        throw PSDError::unsupported(
+            QStringLiteral("color mode %1; only RGB").arg(static_cast<int>(header->mode)));
+    const auto [least, most] = std::minmax(header->width, header->height);
     if (least < 1 || most > PaintEngine::maxCanvasSide) throw PaintFileError::tooLarge();
-    in.skip(in.u32()); // colour mode data
-    return head;
-}
-
-struct Resources {
-    double dpi = kUnknownDpi;
-    std::span<const uint8_t> profile; // ICC; empty without any
-};
-
-/// Leaves the reader behind the resources.
-Resources readResources(BEReader& in) {
-    Resources resources;
-    const int64_t length = in.u32();
-    const int64_t end = in.pos() + length;
-    for (int64_t at = in.pos(); at + kLeastBlock <= end;) {
-        in.moveTo(at);
-        if (text(in.slice(4)) != "8BIM") break;
-        const uint16_t identifier = in.u16();
-        const int64_t nameLength = in.u8();
-        in.skip(nameLength + (nameLength + 1) % 2);
-        const int64_t size = in.u32();
-        at = in.pos() + size + size % 2;
-        if (identifier == kResolution && size >= 16) resources.dpi = dpiInRange(in.u32() / 65536.0);
-        if (identifier == kProfile && size <= in.remaining()) resources.profile = in.slice(size);
-    }
-    in.moveTo(end);
-    return resources;
+    in.skip(in.u32()); // color mode data
+    return *header;
 }
 
 std::span<const uint8_t> rawRows(BEReader& in, int64_t w, int64_t h) {
@@ -181,7 +141,7 @@ std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& gri
     return layers;
 }
 
-LayerRef readFinishedPicture(BEReader& in, const Head& head, const TileGrid& grid) {
+LayerRef readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid) {
     std::vector<StoredPlane> planes(checkedSize(head.channels), {{}, {}, head.width});
     switch (in.u16()) {
     case 0:
@@ -221,8 +181,8 @@ PSDFile::PSDError PSDFile::PSDError::noMergedPicture() {
 
 std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
     BEReader in(file);
-    const Head head = readHead(in);
-    const Resources resources = readResources(in);
+    const PSDHeader head = readHeader(in);
+    const PSDResources resources = readPSDResources(in);
     Losses losses = lossesOfProfile(resources.profile);
     const TileGrid grid(head.width, head.height);
 

@@ -8,10 +8,7 @@
 
 /// The merged picture that a Photoshop file keeps beside its layers, for files whose layers are not read: any depth
 /// and colour mode, plain and large (PSB) files, all four ways of packing.
-namespace qirn::PSDPicture {
-
-/// By the first four bytes, whatever follows.
-bool isPhotoshopFile(std::span<const uint8_t> file);
+namespace qirn::MergedReader {
 
 /// Nothing for what is no such file, for one wider or higher than 30,000 pixels, and for a damaged one: whatever is
 /// missing of the picture, none of it is given. Throws PSDFile::PSDError for a sound file that was saved without a
@@ -22,4 +19,4 @@ std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
 /// damage. None for a file that was made as one picture and comes as it is.
 ImportRemarks remarks(std::span<const uint8_t> file, const QString& feature);
 
-} // namespace qirn::PSDPicture
+} // namespace qirn::MergedReader
