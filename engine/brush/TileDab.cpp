@@ -1,13 +1,11 @@
 #include "brush/TileDab.h"
 
-#include "brush/PaperGrain.h"
+#include "brush/DabColumns.h"
 
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <optional>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "brush/TileDab.cpp"
 #include <hwy/foreach_target.h>
@@ -23,76 +21,10 @@ namespace {
 
 constexpr std::array<uint8_t, kTileRowBytes> kTransparentRow{};
 
-// Rows of fewer columns than this take longer to begin and to end than to paint.
+// Below this number of columns, finding the ends of a row takes longer than painting all of it.
 constexpr int kNarrow = 40;
 
-/// Tile columns from `first` to before `last`.
-struct Columns {
-    int first;
-    int last;
-
-    bool isEmpty() const { return first >= last; }
-};
-
-/// Where the rows of a tile cross the ellipse of all pixel centres within a distance, as the tip measures it.
-class Crossing {
-public:
-    Crossing(const TipShape& tip, double reach, int64_t tileX) : reach_(reach) {
-        // The ellipse as a dx^2 + 2 b dx dy + c dy^2 = reach^2, solved for dx; a c - b^2 is i2.
-        const double i2 = tip.inverse * tip.inverse;
-        const double a = tip.cosine * tip.cosine + i2 * tip.sine * tip.sine;
-        widest_ = reach * reach / a;
-        narrowing_ = i2 / (a * a);
-        slope_ = tip.sine * tip.cosine * (1 - i2) / a;
-        middle_ = tip.cx - 0.5 - static_cast<double>(tileX);
-    }
-
-    /// The columns of `row` that lie within. Exact but for rounding: who asks leaves a margin.
-    Columns at(double dy, Columns row) const {
-        const double under = widest_ - narrowing_ * dy * dy;
-        if (reach_ <= 0 || under < 0) return {row.first, row.first};
-        const double half = std::sqrt(under), middle = middle_ - slope_ * dy;
-        const auto within = [&](double v, int from) {
-            return static_cast<int>(std::clamp(v, static_cast<double>(from), static_cast<double>(row.last)));
-        };
-        // No bound is negative once it is clamped, so that the cast rounds down.
-        const int first = within(middle - half + 1, row.first);
-        return {first, within(middle + half + 1, first)};
-    }
-
-private:
-    double reach_, widest_, narrowing_, slope_, middle_;
-};
-
-/// The paper's grain as a dab meets it, row by row of a tile.
-class GrainShares {
-public:
-    GrainShares(const DabInk& ink, int64_t tileX, Columns columns) : ink_(ink), columns_(columns) {
-        for (int i = columns.first; i < columns.last; ++i)
-            places_[i] = static_cast<uint8_t>(placeOf(tileX + i));
-    }
-
-    /// The part of the tip's coverage that each pixel of canvas row `y` keeps, by the tile's columns.
-    const float* row(int64_t y) {
-        const float* grain = PaperGrain::values().data() + placeOf(y) * PaperGrain::size;
-        for (int i = columns_.first; i < columns_.last; ++i)
-            shares_[i] = 1 - (1 - grain[places_[i]]) * ink_.texture;
-        return shares_;
-    }
-
-private:
-    int64_t placeOf(int64_t pixel) const {
-        static_assert(PaperGrain::size == 256);
-        return static_cast<int64_t>(static_cast<double>(pixel) / ink_.textureScale) & 0xFF;
-    }
-
-    const DabInk& ink_;
-    const Columns columns_;
-    uint8_t places_[kTileSize];
-    alignas(64) float shares_[kTileSize];
-};
-
-/// One row of a tile in the hands of a dab; pointers to its first column.
+/// One row of a tile while a dab is painted; pointers to its first column.
 struct DabRow {
     float* mask;
     const uint8_t* before;
@@ -113,12 +45,12 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-/// Whole vectors of the tile's own columns: they come out even and never reach beyond the tile.
+/// Extends a range of columns to whole vectors, which never reach beyond the tile: its width is a multiple of theirs.
 HWY_INLINE Columns wholeVectors(Columns row) {
     return {row.first / kLanes * kLanes, (row.last + kLanes - 1) / kLanes * kLanes};
 }
 
-/// Half a step up and cut off; for values from -0.5 to 255.5.
+/// Rounded to the nearest byte; for values from -0.5 to 255.5.
 HWY_INLINE Words roundedByte(Floats v) {
     return truncated(v + Floats(0.5f));
 }
@@ -128,8 +60,7 @@ HWY_INLINE Words wordOf(Floats r, Floats g, Floats b, Floats a) {
            shiftedUp<24>(roundedByte(a));
 }
 
-// What pixels become at a coverage from 0 to 1, from their bytes before the stroke. Alpha lock has no say over an
-// eraser.
+// New pixels from the bytes before the stroke and a coverage of 0 to 1. Alpha lock does not affect an eraser.
 
 struct Erase {
     HWY_INLINE explicit Erase(const DabInk&) {}
@@ -176,21 +107,21 @@ public:
           left_(static_cast<float>(firstColumn_ - tip.cx)),
           inner_(static_cast<float>(tip.edge.inner)),
           perBand_(static_cast<float>(1 / tip.edge.band)),
-          // Places within the tip's tile are wrong by less than a millionth of their size.
+          // Coordinates in 32 bits are off by less than 1e-6 of the tile's extent.
           margin_(static_cast<float>(1e-5 + 1e-6 * tip.inverse * (tip.edge.r + kTileSize) / tip.edge.band)) {}
 
     HWY_INLINE void enterRow(double dy) { dy_ = dy; }
 
-    HWY_INLINE Doubles at(int column) const {
+    HWY_INLINE Doubles coverage(int column) const {
         const Doubles dx =
             Doubles(firstColumn_ + static_cast<double>(column)) + laneNumbers() - Doubles(tip_.cx);
         const Doubles dist = distance(dx, dy_);
         return kHard ? hardCoverage(tip_.edge, dist) : softCoverage(tip_.edge, dist);
     }
 
-    /// At least `at`, for a part of its work: in 32 bits, and then more than those can be wrong by. 0 beside a soft
-    /// tip, so that the untouched pixels around it do not call for the whole work.
-    HWY_INLINE Floats atMost(int column) const {
+    /// A cheap upper bound of `coverage`: computed in 32 bits, plus their largest error. 0 outside of a soft tip, so that
+    /// pixels around it need no exact computation.
+    HWY_INLINE Floats coverageBound(int column) const {
         if constexpr (kHard) return Floats(1);
         const Floats dx = Floats(left_ + static_cast<float>(column)) + floatLaneNumbers();
         const Floats t = (distance(dx, static_cast<float>(dy_)) - Floats(inner_)) * Floats(perBand_);
@@ -201,7 +132,7 @@ public:
     }
 
 private:
-    /// From the centre, as the tip measures it.
+    /// Distance from the tip's center, in the tip's metric.
     template <class V, class Number> HWY_INLINE V distance(V dx, Number dy) const {
         if constexpr (kRound) return squareRoot(dx * dx + V(dy * dy));
         const auto sine = static_cast<Number>(tip_.sine), cosine = static_cast<Number>(tip_.cosine);
@@ -216,7 +147,7 @@ private:
     double dy_ = 0;
 };
 
-/// What a dab does to neighbouring columns of one row, as many as a vector holds.
+/// Paints one vector of columns of one row.
 template <class Tip, class Ink> class DabVector {
 public:
     HWY_INLINE DabVector(const DabInk& ink)
@@ -225,29 +156,29 @@ public:
           most_(static_cast<float>(ink.ceiling)),
           ceiling_(ink.ceiling) {}
 
-    HWY_INLINE void stamp(const Tip& tip, const DabRow& row, int at) const {
-        const Floats old = loadFloats(row.mask + at);
-        // Behind a moving tip, and where the ceiling is reached, most of the mask stands above what the dab could
-        // raise it to.
-        if (!anyOf(both(old < most_, old < tip.atMost(at) * most_))) return;
-        const bool isSolid = at >= row.solid.first && at + kLanes <= row.solid.last;
-        // In 64 bits up to the ceiling, then in 32.
+    HWY_INLINE void stamp(const Tip& tip, const DabRow& row, int column) const {
+        const Floats old = loadFloats(row.mask + column);
+        // Most pixels need no work: behind a moving tip, and at the ceiling, the mask is already above what the dab
+        // can reach.
+        if (!anyOf(both(old < most_, old < tip.coverageBound(column) * most_))) return;
+        const bool isSolid = column >= row.solid.first && column + kLanes <= row.solid.last;
+        // Coverage is computed in 64 bits, the mask in 32.
         const Floats target = narrowedFrom([&](int i) HWY_ATTR {
-            Doubles c = isSolid ? Doubles(1) : tip.at(at + i);
-            if (row.grain) c = c * widened(row.grain + at + i);
-            if (row.selected) c = c * (widened(row.selected + at + i) / Doubles(255));
+            Doubles c = isSolid ? Doubles(1) : tip.coverage(column + i);
+            if (row.grain) c = c * widened(row.grain + column + i);
+            if (row.selected) c = c * (widened(row.selected + column + i) / Doubles(255));
             return c * ceiling_;
         });
         auto rises = old < target;
-        // The tip ends within its columns, but for those that the canvas edge cuts off.
-        if (at + kLanes > row.reached.last)
-            rises = both(rises, floatLaneNumbers() < Floats(static_cast<float>(row.reached.last - at)));
+        // Columns behind the last are excluded: the tip has coverage there only where the canvas edge cuts it off.
+        if (column + kLanes > row.reached.last)
+            rises = both(rises, floatLaneNumbers() < Floats(static_cast<float>(row.reached.last - column)));
         if (!anyOf(rises)) return;
         const Floats raised = old + (target - old) * flow_;
-        storeFloats(select(rises, raised, old), row.mask + at);
-        const Words now = loadWords(row.pixels + at * 4);
-        const Words painted = blend_(loadWords(row.before + at * 4), raised, now);
-        storeWords(select(rises, painted, now), row.pixels + at * 4);
+        storeFloats(select(rises, raised, old), row.mask + column);
+        const Words now = loadWords(row.pixels + column * 4);
+        const Words painted = blend_(loadWords(row.before + column * 4), raised, now);
+        storeWords(select(rises, painted, now), row.pixels + column * 4);
     }
 
 private:
@@ -268,18 +199,18 @@ HWY_INLINE DabRow rowOf(const TileDab& tile, int64_t y, Columns reached) {
             .selected = tile.selection ? tile.selection + place : nullptr};
 }
 
-/// Vector by vector, each from the top row to the bottom row: what depends on the column alone is worked out once, and
-/// no row is asked where it begins and ends.
+/// Goes down each vector of columns in turn: values that depend only on the column are computed once, and rows need
+/// no bounds.
 template <class Tip, class Ink>
 HWY_ATTR void stampColumns(const TipShape& tip, const DabInk& ink, const TileDab& tile, Columns columns) {
     const DabVector<Tip, Ink> dab(ink);
     Tip rows(tip, tile.tileX);
     const Columns vectors = wholeVectors(columns);
     const int64_t bottom = tile.part.maxY();
-    for (int at = vectors.first; at < vectors.last; at += kLanes) {
+    for (int column = vectors.first; column < vectors.last; column += kLanes) {
         for (int64_t y = tile.part.y; y < bottom; ++y) {
             rows.enterRow(static_cast<double>(y) + 0.5 - tip.cy);
-            dab.stamp(rows, rowOf(tile, y, columns), at);
+            dab.stamp(rows, rowOf(tile, y, columns), column);
         }
     }
 }
@@ -289,29 +220,31 @@ HWY_ATTR void stampRows(const TipShape& tip, const DabInk& ink, const TileDab& t
     using Tip = TipRows<kHard, kRound>;
     const Columns columns{static_cast<int>(tile.part.x - tile.tileX),
                           static_cast<int>(tile.part.maxX() - tile.tileX)};
-    // Rows pay where they can leave out much: a wide core of full coverage, the corners around a slanted ellipse.
+    // Going by rows is faster where much can be skipped: a wide core of full coverage, or the corners around a
+    // rotated ellipse.
     const bool rowsPay = kHard || !kRound || tip.edge.inner > tip.edge.band;
     if (!ink.textured && (!rowsPay || columns.last - columns.first <= kNarrow))
         return stampColumns<Tip, Ink>(tip, ink, tile, columns);
     const DabVector<Tip, Ink> dab(ink);
-    // Beyond this the tip has no coverage, which leaves half a pixel for rounding.
-    const Crossing outer(tip, tip.edge.r + (kHard ? 1 : 0.5), tile.tileX);
-    // Well inside the tip coverage is 1 without further arithmetic.
-    const Crossing full(tip, (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01, tile.tileX);
+    // The tip has no coverage beyond this distance; half a pixel of it is the margin for rounding.
+    const DabColumns outer(tip, tip.edge.r + (kHard ? 1 : 0.5), tile.tileX);
+    // Within this distance coverage is exactly 1.
+    const DabColumns full(tip, (kHard ? tip.edge.r - 0.5 : tip.edge.inner) - 0.01, tile.tileX);
     std::optional<GrainShares> grain;
     if (ink.textured) grain.emplace(ink, tile.tileX, wholeVectors(columns));
     Tip rows(tip, tile.tileX);
     const int64_t bottom = tile.part.maxY();
     for (int64_t y = tile.part.y; y < bottom; ++y) {
         const double dy = static_cast<double>(y) + 0.5 - tip.cy;
-        const Columns reached = outer.at(dy, columns);
+        const Columns reached = outer.columnsAt(dy, columns);
         if (reached.isEmpty()) continue;
         DabRow row = rowOf(tile, y, reached);
-        row.solid = full.at(dy, reached);
+        row.solid = full.columnsAt(dy, reached);
         if (grain) row.grain = grain->row(y);
         rows.enterRow(dy);
         const Columns vectors = wholeVectors(reached);
-        for (int at = vectors.first; at < vectors.last; at += kLanes) dab.stamp(rows, row, at);
+        for (int column = vectors.first; column < vectors.last; column += kLanes)
+            dab.stamp(rows, row, column);
     }
 }
 

@@ -1,5 +1,5 @@
-// What loops over bytes need besides platform/lanes/Lanes.h, under the same rules: included once for each instruction set,
-// with the same bytes on all of them.
+// Operations on bytes, in addition to platform/lanes/Lanes.h and under the same rules: included once for each
+// instruction set, the same results on all of them.
 #include "platform/lanes/Lanes.h"
 
 #if defined(QIRN_PLATFORM_BYTELANES_H) == defined(HWY_TARGET_TOGGLE)
@@ -13,8 +13,7 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-/// A whole number from 0 to 255 divided by 255, to the last bit and without a division: 1/255 is 1/256 and a 256th
-/// of itself.
+/// byte / 255, correctly rounded and without a division: 1/255 = 1/256 + 1/256 of 1/255.
 template <class V> HWY_INLINE constexpr V byteOver255(V byte) {
     return byte * V(0x1p-8f) + byte * V(0x1.010102p-16f);
 }
@@ -27,7 +26,7 @@ constexpr bool everyByteIsDivided() {
 }
 static_assert(everyByteIsDivided());
 
-/// The nearest whole number of a value, for 0 to 255; what lies beyond them, or is no number, becomes one of them.
+/// A value rounded to the nearest byte; clamped to 0 to 255, NaN becomes 0.
 HWY_INLINE Words nearestByte(Floats v) {
     return truncated(clampedToByte(v + Floats(0.5f)));
 }
@@ -38,7 +37,7 @@ HWY_INLINE Words nearestByte(Floats v) {
 HWY_INLINE Floats floatsOf(const uint8_t* from) {
     return static_cast<float>(*from);
 }
-/// 0 where each of the four bytes lies within its limits, which are inside.
+/// 0 where each of the four bytes is within its limits, inclusive; otherwise any other number.
 HWY_INLINE Words bytesBeyond(Words word, Words lowest, Words highest) {
     Words beyond = 0;
     for (int shift = 0; shift < 32; shift += 8) {
@@ -61,12 +60,12 @@ HWY_INLINE Floats floatsOf(const uint8_t* from) {
 }
 HWY_INLINE Words bytesBeyond(Words word, Words lowest, Words highest) {
     const hn::ScalableTag<uint8_t> bytes;
-    const auto at = hn::BitCast(bytes, word);
-    return hn::BitCast(WordTag(), hn::Or(hn::SaturatedSub(hn::BitCast(bytes, lowest), at),
-                                         hn::SaturatedSub(at, hn::BitCast(bytes, highest))));
+    const auto value = hn::BitCast(bytes, word);
+    return hn::BitCast(WordTag(), hn::Or(hn::SaturatedSub(hn::BitCast(bytes, lowest), value),
+                                         hn::SaturatedSub(value, hn::BitCast(bytes, highest))));
 }
 HWY_INLINE uint64_t zeroBits(Words words) {
-    uint64_t bits = 0; // as many bytes of it are written as the lanes need
+    uint64_t bits = 0; // only the bytes that hold lanes are written
     hn::StoreMaskBits(WordTag(), hn::Eq(words, hn::Zero(WordTag())), reinterpret_cast<uint8_t*>(&bits));
     return bits;
 }

@@ -8,11 +8,12 @@
 
 namespace qirn {
 
-/// The four channels of a pixel side by side as floats from 0 to 255. Every operation is done on each channel by
-/// itself, so the bits are those of channel after channel.
+/// The four channels of a pixel as a vector of floats from 0 to 255. Every operation works on each channel by itself,
+/// so the results are those of scalar code.
 using FloatPixel = float __attribute__((vector_size(16)));
 
-// Compilers handle the arithmetic well and the conversions not always, so these are spelled out where they can be.
+// Compilers vectorize the arithmetic well but not always the conversions, so these use intrinsics where SSE2 has
+// them.
 
 inline FloatPixel readPixel(const uint8_t* bytes) {
 #ifdef __SSE2__

@@ -20,7 +20,8 @@ std::vector<int64_t> findTargets() {
     return bits;
 }
 
-/// The best first, each a bit. They are found before the first choice, which would hide the others.
+/// A bit each, best first. They are found before the first call of useInstructionSet, after which Highway reports
+/// only the chosen one.
 const std::vector<int64_t>& targets() {
     static const std::vector<int64_t> found = findTargets();
     return found;
