@@ -48,7 +48,7 @@ private:
     int64_t offset_;
 };
 
-/// A part of the rows of a plane that nobody wants to see: they have to be sound all the same.
+/// Rows of a plane that are not shown; they are checked all the same.
 struct Check {
     StoredPlane plane;
     int64_t firstRow, endRow;
@@ -60,18 +60,18 @@ struct Check {
     }
 };
 
-/// A tile's part of a picture, as long as it is one colour: the tile that it will be, if it stays so.
+/// A part of a tile in a single color.
 struct FlatTile {
     int64_t slot;
     IRect part; // in the tile
     PixelBytes pixel;
 };
 
-/// Straight colour in some pixels of a row, if it is one colour, as that premultiplied pixel.
+/// The premultiplied pixel that all pixels of a part of a row have; nothing if they differ.
 std::optional<PixelBytes> flatPixel(const ConstPlaneRows& rows, int64_t count) {
     if (!allAlike(rows[3], count)) return std::nullopt;
     const uint8_t alpha = rows[3][0];
-    if (alpha == 0) return PixelBytes{}; // whatever the colours
+    if (alpha == 0) return PixelBytes{}; // whatever the colors
     for (std::size_t plane = 0; plane < 3; ++plane) {
         if (!allAlike(rows[plane], count)) return std::nullopt;
     }
@@ -79,7 +79,7 @@ std::optional<PixelBytes> flatPixel(const ConstPlaneRows& rows, int64_t count) {
                       premultiplied(rows[2][0], alpha), alpha};
 }
 
-/// One tile on its way, from the top row of its part to the bottom.
+/// A tile under construction, row by row from the top of its part.
 class GrowingTile {
 public:
     GrowingTile(int64_t slot, const IRect& part) : flat_{slot, part, {}} {}
@@ -113,9 +113,9 @@ private:
         fillPart(*tile_, {part().x, part().y, part().w, rows_}, flat_.pixel);
     }
 
-    FlatTile flat_; // what all rows so far are
+    FlatTile flat_; // the color of all rows so far
     int64_t rows_ = 0;
-    TileRef tile_; // null as long as that holds
+    TileRef tile_; // null as long as they have one
 };
 
 /// The rows of a picture that lie in one row of tiles.
@@ -127,56 +127,74 @@ struct Band {
     std::vector<FlatTile> flats;
 };
 
-void decodeBand(Band& band, const StoredPicture& picture, const TileGrid& grid) {
-    const IRect& visible = band.visible;
-    require(visible.w > 0); // which g++ 14 wants to know as well
-    const auto width = checkedSize(visible.w);
-    const int64_t skipped = visible.x - picture.rect.x; // pixels of each row that lie left of the canvas
-    std::vector<GrowingTile> growing;
-    for (const int64_t slot : grid.tilesIn(visible)) {
-        const IRect place = grid.rectOf(slot), part = place.intersection(visible);
-        growing.emplace_back(slot, IRect{part.x - place.x, part.y - place.y, part.w, part.h});
+/// The visible pixels of a band's rows, one row after the other, all four planes side by side.
+class BandRows {
+public:
+    BandRows(const Band& band, const StoredPicture& picture)
+        : picture_(picture),
+          width_(checkedSize(band.visible.w)),
+          skipped_(band.visible.x - picture.rect.x) {
+        for (std::size_t plane = 0; plane < 4; ++plane) {
+            // The row of a missing plane stays as it is here.
+            unpacked_[plane].assign(width_, plane == 3 && !picture.planes[3] ? 255 : 0);
+            if (picture.planes[plane])
+                walks_[plane].emplace(*picture.planes[plane], band.visible.y - picture.rect.y,
+                                      band.offsets[plane]);
+        }
     }
 
-    // Where a plane is missing its row stays as it is here. Behind its reach a row is 0.
-    std::array<std::vector<uint8_t>, 4> unpacked;
-    for (std::size_t plane = 0; plane < 4; ++plane)
-        unpacked[plane].assign(width, plane == 3 && !picture.planes[3] ? 255 : 0);
-    std::array<std::size_t, 4> reach{};
-    std::array<std::optional<RowWalk>, 4> walks;
-    for (std::size_t plane = 0; plane < 4; ++plane) {
-        if (picture.planes[plane])
-            walks[plane].emplace(*picture.planes[plane], visible.y - picture.rect.y, band.offsets[plane]);
-    }
-    const PixelBytes beyondReach{0, 0, 0, static_cast<uint8_t>(picture.planes[3] ? 0 : 255)};
-
-    for (int64_t y = 0; y < visible.h; ++y) {
+    /// The next row; good until the next call.
+    ConstPlaneRows next() {
         ConstPlaneRows rows;
         for (std::size_t plane = 0; plane < 4; ++plane) {
-            std::vector<uint8_t>& row = unpacked[plane];
+            std::vector<uint8_t>& row = unpacked_[plane];
             rows[plane] = row.data();
-            if (!walks[plane]) continue;
-            const std::span<const uint8_t> bytes = walks[plane]->next();
-            if (walks[plane]->isPacked()) {
-                const std::size_t now = unpackPart(bytes, picture.planes[plane]->w, skipped, row);
-                if (now < reach[plane]) std::memset(row.data() + now, 0, reach[plane] - now);
-                reach[plane] = now;
+            if (!walks_[plane]) continue;
+            const std::span<const uint8_t> bytes = walks_[plane]->next();
+            if (walks_[plane]->isPacked()) {
+                const std::size_t reach = unpackPart(bytes, picture_.planes[plane]->w, skipped_, row);
+                if (reach < reach_[plane]) std::memset(row.data() + reach, 0, reach_[plane] - reach);
+                reach_[plane] = reach;
             } else {
-                rows[plane] = bytes.data() + skipped;
-                reach[plane] = width;
+                rows[plane] = bytes.data() + skipped_;
+                reach_[plane] = width_;
             }
         }
-        const auto farthest = static_cast<int64_t>(*std::max_element(reach.begin(), reach.end()));
+        return rows;
+    }
+    /// From this pixel on the row is `pixelBeyond`.
+    int64_t end() const { return static_cast<int64_t>(*std::max_element(reach_.begin(), reach_.end())); }
+    PixelBytes pixelBeyond() const { return {0, 0, 0, static_cast<uint8_t>(picture_.planes[3] ? 0 : 255)}; }
+
+private:
+    const StoredPicture& picture_;
+    const std::size_t width_;
+    const int64_t skipped_; // pixels of each row that lie left of the canvas
+    std::array<std::vector<uint8_t>, 4> unpacked_;
+    std::array<std::size_t, 4> reach_{}; // bytes of the row that were packed; behind them it is 0
+    std::array<std::optional<RowWalk>, 4> walks_;
+};
+
+void decodeBand(Band& band, const StoredPicture& picture, const TileGrid& grid) {
+    require(band.visible.w > 0); // also spares a warning of g++ 14
+    std::vector<GrowingTile> growing;
+    for (const int64_t slot : grid.tilesIn(band.visible)) {
+        const IRect place = grid.rectOf(slot), part = place.intersection(band.visible);
+        growing.emplace_back(slot, IRect{part.x - place.x, part.y - place.y, part.w, part.h});
+    }
+    BandRows bandRows(band, picture);
+    for (int64_t y = 0; y < band.visible.h; ++y) {
+        const ConstPlaneRows rows = bandRows.next();
         int64_t x = 0;
         for (GrowingTile& tile : growing) {
             const int64_t count = tile.part().w;
-            const ConstPlaneRows here{rows[0] + x, rows[1] + x, rows[2] + x, rows[3] + x};
-            if (x >= farthest) {
-                tile.addFlatRow(beyondReach);
-            } else if (const auto pixel = tile.isFlat() ? flatPixel(here, count) : std::nullopt) {
+            const ConstPlaneRows tileRows{rows[0] + x, rows[1] + x, rows[2] + x, rows[3] + x};
+            if (x >= bandRows.end()) {
+                tile.addFlatRow(bandRows.pixelBeyond());
+            } else if (const auto pixel = tile.isFlat() ? flatPixel(tileRows, count) : std::nullopt) {
                 tile.addFlatRow(*pixel);
             } else {
-                tile.addRow(here);
+                tile.addRow(tileRows);
             }
             x += count;
         }
@@ -184,7 +202,7 @@ void decodeBand(Band& band, const StoredPicture& picture, const TileGrid& grid) 
     for (GrowingTile& tile : growing) tile.finish(band.tiles, band.flats);
 }
 
-/// What is to be done for pictures, cut into pieces that do not depend on each other.
+/// The work for all pictures, cut into tasks that do not depend on each other.
 struct Work {
     std::vector<Band> bands;
     std::vector<Check> checks;

@@ -53,7 +53,7 @@ void writeHead(BEWriter& out, const PaintDocument& doc) {
     out.u32(static_cast<uint32_t>(doc.grid().width));
     out.u16(8); // bits
     out.u16(3); // RGB
-    out.u32(0); // colour mode data
+    out.u32(0); // color mode data
 
     BEWriter resources;
     tag(resources, "8BIM");
@@ -125,14 +125,14 @@ public:
     void appendTo(BEWriter& out) const {
         const std::span<uint8_t> room = out.grow(length_);
         concurrentPerform(std::ssize(blocks_), [&](int64_t i) {
-            const auto& [at, bytes] = blocks_[checkedSize(i)];
-            std::memcpy(room.data() + at, bytes.data(), bytes.size());
+            const auto& [offset, bytes] = blocks_[checkedSize(i)];
+            std::memcpy(room.data() + offset, bytes.data(), bytes.size());
         });
     }
 
 private:
     struct Block {
-        int64_t at;
+        int64_t offset;
         std::span<const uint8_t> bytes;
     };
     void own(const std::vector<uint16_t>& numbers) {
@@ -208,7 +208,7 @@ QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
     else
         out.u32(0);
 
-    // With layers others take white off the colours, as the program does that made the format.
+    // With layers others take white off the colors, as the program does that made the format.
     const PackedPlanes finished =
         packer.finishedPicture(layered == Layered::yes ? Matte::white : Matte::none);
     Blocks blocks;

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 
 namespace qirn::PSDFile {
 
@@ -34,7 +33,7 @@ uint8_t blankOf(std::size_t plane, Matte matte) {
     return matte == Matte::white && plane != kAlpha ? 255 : 0;
 }
 
-/// Colour stored multiplied by alpha lacks just the light that a white ground gives.
+/// Color stored multiplied by alpha lacks just the light that a white ground gives.
 void whiteRow(const uint8_t* pixels, int64_t count, const PlaneRows& rows) {
     for (int64_t x = 0; x < count; ++x, pixels += 4) {
         const int white = 255 - pixels[kAlpha];
@@ -45,11 +44,6 @@ void whiteRow(const uint8_t* pixels, int64_t count, const PlaneRows& rows) {
 }
 
 } // namespace
-
-int64_t PackedPlanes::planeBytes(int plane) const {
-    const auto& rows = counts[checkedSize(plane)];
-    return std::accumulate(rows.begin(), rows.end(), int64_t{0});
-}
 
 uint8_t* PlanePacker::Room::atLeast(std::size_t count) {
     while (open_ < chunks_.size() && chunks_[open_].size - used_ < count) {

@@ -15,7 +15,7 @@ inline constexpr int kPlanes = 4; // red, green, blue, alpha
 /// Packed rows of a part of the picture that lies within one row of tiles.
 using PackedBand = std::array<std::span<const uint8_t>, kPlanes>;
 
-/// How the colours of half-transparent pixels stand in planes.
+/// How the colors of half-transparent pixels stand in planes.
 enum class Matte {
     none,  ///< Straight.
     white, ///< As they look on white.
@@ -27,8 +27,6 @@ struct PackedPlanes {
     IRect rect;
     std::array<std::vector<uint16_t>, kPlanes> counts; ///< Packed bytes of each row.
     std::vector<PackedBand> bands;
-
-    int64_t planeBytes(int plane) const; ///< Of all rows, packed.
 };
 
 /// Packs the layers of a document and its finished picture, one after the other and each in parallel, into memory that
