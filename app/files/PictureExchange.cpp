@@ -4,10 +4,10 @@
 #include "app/desktop/Typing.h"
 #include "formats/ImageImport.h"
 #include "formats/pictures/PngWriter.h"
-#include "formats/pictures/TiffWriter.h"
+#include "formats/pictures/tiff/TiffWriter.h"
 #include "platform/Bytes.h"
-#include "platform/files/FilePath.h"
 #include "platform/QtImages.h"
+#include "platform/files/FilePath.h"
 #include "platform/files/ReadFile.h"
 
 #include <chrono>

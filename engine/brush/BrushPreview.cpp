@@ -48,7 +48,7 @@ QImage BrushPreview::render(const BrushSettings& brush, int64_t width, int64_t h
     sample.size = std::min(sample.size, 0.55 * h);
     if (sample.spray) sample.particleSize = std::min(sample.particleSize, 3.0);
     if (sample.kind != BrushKind::paint) layBed(doc, w, h);
-    // A gentle eraser would hardly show.
+    // A gentle eraser would hardly be visible.
     if (sample.kind == BrushKind::erase) sample.flow = std::max(sample.flow, 0.5);
     paintStroke(doc, sampleWave(w, h), sample, color, nullptr, kSeed);
     return flattenedImage(doc);

@@ -18,7 +18,7 @@ BrushSettings sanitized(BrushSettings brush) {
 }
 
 constexpr double kShortestStep = 0.5;          // pixels; bounds the work of tiny brushes
-constexpr std::size_t kMostDabsTogether = 256; // bounds what a leap of the pen holds back
+constexpr std::size_t kMostDabsTogether = 256; // bounds the memory that a long jump of the pen takes
 
 } // namespace
 
@@ -85,14 +85,14 @@ void BrushStroke::place(const StrokePoint& point) {
         travelled += need_;
         const double t = travelled / dist;
         const auto between = [t](double a, double b) { return a + (b - a) * t; };
-        const StrokePoint here(between(from.x, point.x), between(from.y, point.y),
+        const StrokePoint next(between(from.x, point.x), between(from.y, point.y),
                                between(from.pressure, point.pressure), point.tiltX, point.tiltY,
                                between(from.time, point.time));
-        dab(here);
-        need_ = stepAt(here);
+        dab(next);
+        need_ = stepAt(next);
         left = dist - travelled;
     }
-    // What is left of the way counts towards the next dab.
+    // The rest of the distance counts towards the next dab.
     need_ -= left;
     lastPlaced_ = point;
     layDabs();

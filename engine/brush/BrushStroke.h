@@ -23,7 +23,7 @@ namespace qirn {
 /// dropped without `end`.
 class BrushStroke {
 public:
-    /// The settings are copied and sanitised. The layer has the document's grid; its tiles are frozen, so that
+    /// The settings are copied and sanitized. The layer has the document's grid; its tiles are frozen, so that
     /// whoever holds one keeps the old pixels. The document outlives the stroke.
     BrushStroke(PaintDocument& document, LayerRef layer, const BrushSettings& brush, const PaintColor& color,
                 uint64_t seed);
@@ -51,12 +51,12 @@ private:
     IRect dirty_;
     int64_t dabCount_ = 0;
     SeededRandom random_;
-    std::optional<StrokePoint> smoothed_;   // where the stabilised line is
+    std::optional<StrokePoint> smoothed_;   // end of the stabilized line
     std::optional<StrokePoint> lastRaw_;    // the newest sample as it came in
-    std::optional<StrokePoint> lastPlaced_; // where the spacing walk stands
-    double need_ = 0;                       // pixels still to travel before the next dab
+    std::optional<StrokePoint> lastPlaced_; // position of the spacing walk
+    double need_ = 0;                       // distance to the next dab, pixels
     double holdCarry_ = 0;                  // fraction of a dab owed while the pen is held
-    std::vector<Dab> dabs_;                 // of the sample at hand, not yet laid
+    std::vector<Dab> dabs_;                 // of the current sample, not painted yet
     DabStamp stamp_;
     SmudgeTip smudge_;
     BlurTip blur_;

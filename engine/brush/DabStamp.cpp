@@ -14,12 +14,12 @@ namespace qirn {
 
 namespace {
 
-// Fewer pixels than this are painted before other threads have woken up.
+// Below this number of pixels, waking other threads takes longer than painting.
 constexpr int64_t kLeastParallelPixels = 30'000;
-// Rows that one thread takes at a time: their pixels, as they were and are, and their mask stay in the second cache.
+// Rows in one task: their old pixels, new pixels and mask fit the L2 cache.
 constexpr int64_t kBandRows = 32;
 
-/// A dab made ready: what does not change from pixel to pixel.
+/// The part of a dab that does not depend on the pixel.
 TipShape shapeOf(const Dab& dab) {
     TipShape tip{.edge = TipEdge(std::max(dab.radius, 0.5), dab.hardness), .cx = dab.cx, .cy = dab.cy};
     if (dab.roundness >= 0.999) return tip;
@@ -82,7 +82,7 @@ void DabStamp::stampBands() const {
             if (!part.isEmpty()) bands.push_back({&tile, part});
         }
     }
-    // The next point touches much of the same rows: they keep to the thread that has them in its caches.
+    // The next pen point touches many of the same rows: they stay with the thread that has them in its caches.
     const auto bandAt = [&bands](int64_t i) { return bands[checkedSize(i)]; };
     concurrentPerformAtHome(
         static_cast<int64_t>(bands.size()), [&](int64_t i) { return bandAt(i).part.y / kBandRows; },
@@ -107,7 +107,7 @@ void DabStamp::place(const Dab& dab) {
     }
 }
 
-/// A tile that dabs fall on, and what they touch of it.
+/// Adds a tile, or the part of it that another dab touches.
 void DabStamp::listTile(int64_t index, const IRect& box) {
     const IRect place = document_.grid().rectOf(index);
     const auto listed = std::find_if(tiles_.rbegin(), tiles_.rend(), [&place](const TileDab& tile) {

@@ -37,8 +37,8 @@ public:
     DabStamp(PaintDocument& document, Layer& layer, const BrushSettings& brush, const PaintColor& color);
 
     /// Lays dabs in their order. Returns the part of the canvas that was looked at, marked dirty; the zero rectangle
-    /// when there was none. All dabs of one pen point together go over a tile once, and over the tile's rows on all
-    /// cores: pixels do not know of each other.
+    /// when there was none. All dabs of one pen point are painted in one pass over each tile, its rows on all cores:
+    /// pixels do not depend on each other.
     IRect stamp(std::span<const Dab> dabs);
     IRect stamp(const Dab& dab) { return stamp({&dab, 1}); }
     void releaseBuffers(); ///< The stroke is over: frees every mask and lets the old tiles go.
@@ -48,7 +48,7 @@ private:
         BlockPool::Block mask; // a float a pixel: the stroke's coverage, 0 to 1
         TileRef before;        // null: transparent before the stroke
     };
-    /// A dab made ready, whatever tile it falls on.
+    /// A dab prepared for painting on any tile.
     struct PlacedDab {
         TipShape tip;
         DabInk ink;
@@ -64,9 +64,9 @@ private:
     Layer& layer_;
     const DabInk ink_; // what holds for every dab of the stroke
     std::unordered_map<int64_t, TileWork> work_;
-    // Of the dabs at hand:
+    // For the dabs of the current call:
     std::vector<PlacedDab> placed_;
-    std::vector<TileDab> tiles_; // each once, its part what they touch of it
+    std::vector<TileDab> tiles_; // each tile once, with the part of it that dabs touch
 };
 
 } // namespace qirn

@@ -20,7 +20,7 @@ constexpr Octave kOctaves[] = {{8, 0.35f}, {32, 0.30f}, {64, 0.20f}, {128, 0.15f
 struct Place {
     int from;
     int to;
-    float share; // of `to`, smoothed
+    float share; // weight of `to`, smoothed
 };
 
 Place placeOf(int pixel, int lattice) {
@@ -39,14 +39,16 @@ std::vector<float> makeValues() {
     for (const auto& [n, weight] : kOctaves) {
         std::vector<float> lattice(checkedSize(n) * checkedSize(n));
         for (float& v : lattice) v = static_cast<float>(random.unit());
-        const auto at = [&lattice, size = n](int x, int y) { return lattice[checkedSize(y * size + x)]; };
+        const auto valueAt = [&lattice, size = n](int x, int y) {
+            return lattice[checkedSize(y * size + x)];
+        };
         float* value = values.data();
         for (int y = 0; y < PaperGrain::size; ++y) {
             const Place py = placeOf(y, n);
             for (int x = 0; x < PaperGrain::size; ++x) {
                 const Place px = placeOf(x, n);
-                const float a = at(px.from, py.from), b = at(px.to, py.from);
-                const float c = at(px.from, py.to), d = at(px.to, py.to);
+                const float a = valueAt(px.from, py.from), b = valueAt(px.to, py.from);
+                const float c = valueAt(px.from, py.to), d = valueAt(px.to, py.to);
                 const float top = a + px.share * (b - a);
                 const float bottom = c + px.share * (d - c);
                 *value++ += weight * (top + py.share * (bottom - top));

@@ -33,13 +33,13 @@ const uint8_t* rowInTile(const Layer& layer, int64_t index, int64_t x, int64_t y
     return tile ? tile->pixels() + placeInTile(x, y) : kTransparentRow.data();
 }
 
-/// How far the selection lets a dab through from a pixel of a tile on, a byte a pixel; null without one.
+/// The selection's coverage from a pixel of a tile on, a byte a pixel; null without a selection.
 const uint8_t* selectedFrom(const Selection* selection, int64_t index, int64_t x, int64_t y) {
     return selection ? selection->row(index, y % kTileSize) + x % kTileSize : nullptr;
 }
 
-/// Moves a pixel towards the paint on the tip, and the paint on the tip towards the pixel as it was. Both shares
-/// are 0 to 1, so that every value stays between those that were there.
+/// Moves a pixel towards the paint on the tip, and the paint towards the old pixel. Both shares are from 0 to 1, so
+/// every result lies between the two.
 void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool keepsAlpha) {
     const FloatPixel was = readPixel(pixel), paint = loadPixel(load);
     FloatPixel now = was + given * (paint - was);
@@ -48,12 +48,12 @@ void smudgePixel(uint8_t* pixel, float* load, float given, float taken, bool kee
     storePixel(load, paint + taken * (was - paint));
 }
 
-/// For values without a sign: equal numbers are equal bits.
+/// For values of 0 and above, whose numbers are equal exactly if their bits are.
 bool areEqual(FloatPixel a, FloatPixel b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
-/// work(first, last) for bands of 0 to before `count`, side by side.
+/// Calls work(first, last) for bands that make up 0 to before `count`, in parallel.
 template <class Work> void inBands(int64_t count, Work work) {
     constexpr int64_t band = 64;
     concurrentPerform((count + band - 1) / band,
@@ -71,7 +71,7 @@ SmudgeTip::SmudgeTip(PaintDocument& document, Layer& layer, const BrushSettings&
       halfWidth_(static_cast<int64_t>(std::ceil(brush.size / 2)) + 1) {}
 
 IRect SmudgeTip::dab(double x, double y, double size) {
-    // A whole pixel, so that the carried square does not wander by fractions.
+    // Rounded to a pixel, so that the carried square does not drift by fractions.
     const int64_t cx = checkedWhole(std::round(x));
     const int64_t cy = checkedWhole(std::round(y));
     const TipEdge edge(std::max(size / 2, 1.0), hardness_);
@@ -127,7 +127,7 @@ IRect SmudgeTip::drag(const TipEdge& edge, const Row& row, float* load) {
         }
         if (keepsAlpha && pixels[i * 4 + 3] == 0) continue;
         if (!writable) {
-            // Reads go on from the copy: nobody else may hold the tile that it was made of.
+            // From now on pixels are read from the copy: the tile that it was copied from may be gone.
             writable = layer_.writableTile(row.tile).writablePixels() + placeInTile(row.x, row.y);
             pixels = writable;
             firstWritten = i;
@@ -258,10 +258,10 @@ void BlurTip::mix(const TipEdge& edge, const Row& row, const float* source, cons
         const FloatPixel was = loadPixel(source);
         FloatPixel now = was + m * (loadPixel(blurred) - was);
         if (keepsAlpha) now[3] = was[3];
-        // Flat colour stays as it is and copies no tile.
+        // Flat color does not change, and its tile is not copied.
         if (areEqual(now, was)) continue;
         if (!writable) writable = layer_.writableTile(row.tile).writablePixels() + placeInTile(row.x, row.y);
-        // A trace of rounding beyond 0 or 255 is less than the half that writing rounds by.
+        // Rounding errors below 0 or above 255 are less than 0.5, so they vanish when the byte is rounded.
         writePixel(writable + i * 4, limited(now, now[3]));
     }
 }

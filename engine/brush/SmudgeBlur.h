@@ -9,23 +9,23 @@
 
 namespace qirn {
 
-/// Drags paint along: the tip carries a square of pixels, leaves some of it behind and takes up new paint as it
-/// goes. It works on the layer as the last dab left it, and heeds neither opacity, flow, texture nor colour.
+/// Smears paint: the tip carries a square of pixels, leaves some of it behind and picks up new paint as it moves. It
+/// works on the layer as the last dab left it, and heeds neither opacity, flow, texture nor color.
 class SmudgeTip {
 public:
     SmudgeTip(PaintDocument& document, Layer& layer, const BrushSettings& brush);
 
-    /// The centre in canvas pixels, the diameter with pressure and jitter. The first dab only fills the tip.
+    /// The center in canvas pixels, the diameter with pressure and jitter. The first dab only fills the tip.
     /// Returns what changed, marked dirty.
     IRect dab(double x, double y, double size);
 
 private:
-    /// Pixels of one row that lie in one tile; `dx`, `dy` lead from the centre to the first of them.
+    /// Pixels of one row that lie in one tile; `dx`, `dy` lead from the center to the first of them.
     struct Row {
         int64_t tile, x, y, count, dx, dy;
     };
     void pickUp(const TipEdge& edge, const Row& row, float* load) const;
-    IRect drag(const TipEdge& edge, const Row& row, float* load); // returns what it wrote
+    IRect drag(const TipEdge& edge, const Row& row, float* load); // returns the part that it changed
 
     PaintDocument& document_;
     Layer& layer_;
@@ -36,7 +36,7 @@ private:
     std::vector<float> load_; // four channels from 0 to 255 a pixel; empty until the first dab
 };
 
-/// Mixes a box blur of the neighbourhood into the pixels under the tip. Like the smudge it works on the layer as
+/// Mixes a box blur of the neighborhood into the pixels under the tip. Like the smudge it works on the layer as
 /// the last dab left it.
 class BlurTip {
 public:
@@ -50,7 +50,7 @@ private:
         int64_t tile, x, y, count;
         double cx, cy; // of the dab
     };
-    // The dab's square, and with what its blur looks at; rows and columns from the first up to before the last.
+    // The square of the dab, and the larger one that its blur reads; half-open ranges of rows and columns.
     void makeRoom(const IRect& area, const IRect& around);
     void read(const IRect& around, int64_t firstRow, int64_t lastRow);
     void blurRows(int64_t width, int64_t b, int64_t firstRow, int64_t lastRow);
@@ -61,7 +61,7 @@ private:
     Layer& layer_;
     const double hardness_;
     const float strength_;
-    // Kept from dab to dab for their memory only; four channels from 0 to 255 a pixel.
+    // Buffers, kept to reuse their memory; four channels from 0 to 255 a pixel.
     std::vector<float> source_, rows_, blurred_, sums_;
 };
 

@@ -13,7 +13,7 @@ struct StrokePoint {
     double time = 0; ///< Seconds.
 
     constexpr StrokePoint() = default;
-    /// Clamps the pressure; one that is not a number counts as none.
+    /// Clamps the pressure to 0 to 1; NaN becomes 0.
     constexpr StrokePoint(double px, double py, double pen = 1, double xTilt = 0, double yTilt = 0,
                           double seconds = 0)
         : x(px),

@@ -26,7 +26,8 @@ std::vector<StrokePoint> StrokeStabilizer::catchUp(const StrokePoint& smoothed, 
     points.reserve(checkedSize(steps));
     StrokePoint point = smoothed;
     for (int64_t i = 1; i <= steps; ++i) {
-        // A share of what is left, not of the whole way: the line speeds up and the last step lands on the pen.
+        // A fraction of the remaining distance, not of the whole: the line speeds up, and the last step ends at the
+        // pen.
         const double t = static_cast<double>(i) / static_cast<double>(steps);
         point.x += (pen.x - point.x) * t;
         point.y += (pen.y - point.y) * t;

@@ -7,7 +7,7 @@
 
 namespace qirn {
 
-/// A dab's tip: round, or an ellipse turned about its centre, which is given in canvas pixels.
+/// A dab's tip: round, or an ellipse turned about its center, which is given in canvas pixels.
 struct TipShape {
     TipEdge edge;
     double cx = 0;
@@ -31,18 +31,18 @@ struct DabInk {
     double textureScale = 1;
 };
 
-/// One tile's share of a dab. All pointers are to the first pixel of the tile; nothing is owned.
+/// The part of a dab in one tile. All pointers are to the first pixel of the tile; nothing is owned.
 struct TileDab {
     IRect part;                         ///< The dab's box in this tile, in canvas pixels; not empty.
     int64_t tileX, tileY;               ///< Canvas pixels.
     float* mask;                        ///< The stroke's coverage so far, a float a pixel; raised.
     const uint8_t* before;              ///< Pixels as before the stroke; null where they were transparent.
-    uint8_t* pixels;                    ///< Made anew from `before` where the coverage rises.
+    uint8_t* pixels;                    ///< Recomputed from `before` where the coverage rises.
     const uint8_t* selection = nullptr; ///< Bytes of the selection, if there is one, kTileSize a row.
 };
 
-/// Raises the coverage of each pixel in the tile towards the dab's and makes those that rose anew. The widest vectors
-/// of the machine do it; every instruction set gives the same bytes.
+/// Raises the coverage of each pixel in the tile towards that of the dab, and recomputes the pixels whose coverage
+/// rose. The same bytes on every instruction set.
 void stampTile(const TipShape& tip, const DabInk& ink, const TileDab& tile);
 
 } // namespace qirn

@@ -1,5 +1,5 @@
-// How a tip covers at a distance from its centre, over any 64-bit number type; like platform/lanes/Lanes.h, included once
-// for each instruction set.
+// The coverage of a tip at a distance from its center, over any 64-bit number type; like platform/lanes/Lanes.h,
+// included once for each instruction set.
 #include "brush/TipEdge.h"
 #include "platform/lanes/Lanes.h"
 
@@ -14,7 +14,7 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-/// A linear edge one pixel wide, centred on the radius.
+/// A linear edge one pixel wide, centerd on the radius.
 template <class V> HWY_INLINE V hardCoverage(const TipEdge& tip, V dist) {
     const V a = V(tip.r) - dist + V(0.5);
     return smaller(V(1), larger(V(0), a));

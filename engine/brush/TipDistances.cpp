@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "brush/TipDistances.cpp"
 #include <hwy/foreach_target.h>
@@ -16,17 +16,18 @@ namespace qirn {
 
 namespace {
 
-/// Pixels that lie `first`, `first` + 1 and so on across and `dy` down, seen from a centre that lies `cx` across.
-struct RowFromCentre {
+/// A row of pixels at x = `first`, `first` + 1 and so on, `dy` below a center at x = `cx`.
+struct RowFromCenter {
     double first, cx, dy;
 };
 
-// Pixels are handled in blocks, which every vector divides; rows are filled up to whole ones.
+// Pixels are processed in blocks of this many, which every vector divides; rows are padded to whole blocks.
 constexpr int kBlock = 16;
 static_assert(kTileSize % kBlock == 0);
 
-// The root of a sum of squares is within a few units in the last place of `std::hypot`, and so is coverage within
-// less than this, at any hardness and size. Where that much to either side rounds to the same float, both give it.
+// The square root of the sum of squares differs from `std::hypot` by a few units in the last place, and the coverage
+// by less than this, at any hardness and size. If both bounds round to the same float, that is the result of
+// `std::hypot` too.
 constexpr double kDoubt = 1e-12;
 
 } // namespace
@@ -39,8 +40,8 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-HWY_INLINE Doubles rootDistance(const RowFromCentre& row, int at) {
-    const Doubles across = Doubles(row.first + at) + laneNumbers() - Doubles(row.cx);
+HWY_INLINE Doubles rootDistance(const RowFromCenter& row, int offset) {
+    const Doubles across = Doubles(row.first + offset) + laneNumbers() - Doubles(row.cx);
     return squareRoot(across * across + Doubles(row.dy * row.dy));
 }
 
@@ -49,13 +50,13 @@ template <bool kHard> HWY_INLINE Doubles coverageAt(const TipEdge& edge, Doubles
 }
 
 template <bool kHard>
-HWY_ATTR void coverByRoot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+HWY_ATTR void coverByRoot(const TipEdge& edge, const RowFromCenter& row, int count, TipCoverage& out) {
     for (int i = 0; i < count; i += kDoubleLanes)
         storeNarrowed(coverageAt<kHard>(edge, rootDistance(row, i)), out.share.data() + i);
 }
 
 template <bool kHard>
-HWY_ATTR void coverByHypot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+HWY_ATTR void coverByHypot(const TipEdge& edge, const RowFromCenter& row, int count, TipCoverage& out) {
     alignas(64) float least[kBlock];
     alignas(64) float most[kBlock];
     for (int block = 0; block < count; block += kBlock) {
@@ -63,7 +64,7 @@ HWY_ATTR void coverByHypot(const TipEdge& edge, const RowFromCentre& row, int co
         for (int i = 0; i < kBlock; i += kDoubleLanes) {
             const Doubles dist = rootDistance(row, block + i);
             const Doubles coverage = coverageAt<kHard>(edge, dist);
-            // Nor is there doubt well outside, where any distance gives 0.
+            // Well outside the tip coverage is 0 in any case.
             const Doubles doubt = select(dist > Doubles(edge.r + 0.51), Doubles(0), Doubles(kDoubt));
             storeNarrowed(coverage, share + i);
             storeNarrowed(coverage - doubt, least + i);
@@ -81,11 +82,11 @@ HWY_ATTR void coverByHypot(const TipEdge& edge, const RowFromCentre& row, int co
     }
 }
 
-HWY_ATTR void CoverByRoot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+HWY_ATTR void CoverByRoot(const TipEdge& edge, const RowFromCenter& row, int count, TipCoverage& out) {
     edge.isHard ? coverByRoot<true>(edge, row, count, out) : coverByRoot<false>(edge, row, count, out);
 }
 
-HWY_ATTR void CoverByHypot(const TipEdge& edge, const RowFromCentre& row, int count, TipCoverage& out) {
+HWY_ATTR void CoverByHypot(const TipEdge& edge, const RowFromCenter& row, int count, TipCoverage& out) {
     edge.isHard ? coverByHypot<true>(edge, row, count, out) : coverByHypot<false>(edge, row, count, out);
 }
 

@@ -2,7 +2,7 @@
 
 namespace qirn {
 
-/// How the coverage of a tip falls off with the distance from its centre, for every kind of brush. 64-bit, in
+/// How the coverage of a tip falls off with the distance from its center, for every kind of brush. 64-bit, in
 /// pixels. The formulas stand in TipCoverage.h.
 struct TipEdge {
     double r;

@@ -1,7 +1,7 @@
-// The colour that each blend mode gives, on straight channels from 0 to 1: Cs is the source, Cb the backdrop.
-// Written once over the number type V, so that `float` gives the reference and lanes of floats the fast rows; like
-// platform/lanes/Lanes.h, included once for each instruction set.
-// The formulas are those of the PDF blend modes (ISO 32000-1, 11.3.5) and the usual linear ones beside them.
+// The formula of each blend mode, on straight channels from 0 to 1: Cs is the source, Cb the backdrop. Written once
+// over the number type V, so that `float` gives the reference and lanes of floats the fast rows; like
+// platform/lanes/Lanes.h, included once for each instruction set. The formulas are those of the PDF blend modes (ISO
+// 32000-1, 11.3.5) and the usual linear ones beside them.
 #include "core/BlendMode.h"
 #include "platform/lanes/Lanes.h"
 
@@ -96,9 +96,8 @@ template <class V> HWY_INLINE V saturationOf(const Rgb<V>& c) {
     return largest(c) - smallest(c);
 }
 
-/// Brings channels below 0 or above 1 back into range along the line to the colour's grey. A step whose divisor
-/// is 0, as rounding makes it for ordinary greys, leaves the channels alone: a not-a-number would survive every
-/// layer above.
+/// Moves channels below 0 or above 1 towards the color's gray until they are in range. A divisor of 0, which rounding
+/// produces for ordinary grays, leaves the channels as they are: NaN would persist through every layer above.
 template <class V> HWY_INLINE Rgb<V> clipColor(Rgb<V> c) {
     const V gray = luminosityOf(c), low = smallest(c), high = largest(c);
     const auto raise = both(low < V(0), gray - low != V(0));

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <utility>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "compositing/BlendRows.cpp"
 #include <hwy/foreach_target.h>
@@ -21,7 +21,7 @@ template <BlendMode kMode, Atop kAtop>
 HWY_ATTR void blendRun(PixelRun& acc, const PixelRun& source, int count) {
     for (int i = 0; i < count; i += kLanes) {
         const Pixel<Floats> pixels = loadPixels(source, i);
-        // Strokes leave most of a layer uncovered, and neighbours alike.
+        // Most of a layer is transparent, in large areas.
         if (!anyOf(pixels.a > Floats(0))) continue;
         storePixels(blended<kMode, kAtop>(loadPixels(acc, i), pixels), acc, i);
     }
@@ -38,11 +38,11 @@ HWY_ATTR void blendBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape) 
             if (allOf(isZero(byteWord<24>(words)))) continue;
             const Pixel<Floats> s = pixelsOf(words, k);
             if constexpr (kOpaque) {
-                const Colours p = loadColours(acc, i), result = blendOnOpaque<kMode>(p, s);
+                const Colors p = loadColors(acc, i), result = blendOnOpaque<kMode>(p, s);
                 const auto uncovered = s.a <= Floats(0);
-                storeColours({select(uncovered, p.r, result.r), select(uncovered, p.g, result.g),
-                              select(uncovered, p.b, result.b)},
-                             acc, i);
+                storeColors({select(uncovered, p.r, result.r), select(uncovered, p.g, result.g),
+                             select(uncovered, p.b, result.b)},
+                            acc, i);
             } else {
                 storePixels(blended<kMode, Atop::no>(loadPixels(acc, i), s), acc, i);
             }
@@ -98,26 +98,26 @@ HWY_INLINE void layChain(PixelRun& acc, std::span<const ByteLayer> layers, RunSh
     int i = 0;
     for (int y = 0; y < shape.rows; ++y) {
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
-            const int at = y * kTileRowBytes + x * 4;
+            const int offset = y * kTileRowBytes + x * 4;
             Pixel<Floats> p{0, 0, 0, 1};
             if (what == Over::nothing) {
-                p = pixelsOf(loadWords(layers[0].bytes + at), layers[0].strength);
+                p = pixelsOf(loadWords(layers[0].bytes + offset), layers[0].strength);
             } else {
-                const Colours c = loadColours(acc, i);
+                const Colors c = loadColors(acc, i);
                 p = {c.r, c.g, c.b, kOpaque ? Floats(1) : loadFloats(acc.a + i)};
             }
             for (const ByteLayer& layer : layers.subspan(onNothing)) {
-                const Words words = loadWords(layer.bytes + at), alpha = byteWord<24>(words);
+                const Words words = loadWords(layer.bytes + offset), alpha = byteWord<24>(words);
                 const auto uncovered = isZero(alpha);
                 if (allOf(uncovered)) continue;
-                // Without its colour a pixel that covers nothing leaves the others as they are.
-                const Words colour = zeroWhere(uncovered, words);
+                // Color without coverage must not show: cleared, a transparent pixel changes nothing.
+                const Words color = zeroWhere(uncovered, words);
                 const Floats k(layer.strength);
-                p = coveredBlend<BlendMode::normal, Atop::no>(p,
-                                                              {byteOf<0>(colour) * k, byteOf<8>(colour) * k,
-                                                               byteOf<16>(colour) * k, numberOf(alpha) * k});
+                p = coveredBlend<BlendMode::normal, Atop::no>(
+                    p,
+                    {byteOf<0>(color) * k, byteOf<8>(color) * k, byteOf<16>(color) * k, numberOf(alpha) * k});
             }
-            storeColours({p.r, p.g, p.b}, acc, i);
+            storeColors({p.r, p.g, p.b}, acc, i);
             if constexpr (!kOpaque) storeFloats(p.a, acc.a + i);
         }
     }

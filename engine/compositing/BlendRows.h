@@ -8,19 +8,19 @@
 
 namespace qirn {
 
-/// Four rows of a tile: an accumulator of this many pixels stays in the nearest cache beside what it is made of.
+/// Four rows of a tile: an accumulator of this size fits the L1 cache together with its source.
 inline constexpr int kRunPixels = 1024;
-/// Runs are as wide as a multiple of this, so that the widest vectors come out even.
+/// Widths of runs are multiples of this, which the widest vector divides.
 inline constexpr int kRunStep = 16;
 
-/// A run of pixels as four planes of premultiplied 32-bit floats, 0 to 1, so that a loop does several at once.
+/// A run of pixels as four planes of premultiplied 32-bit floats, 0 to 1.
 struct PixelRun {
     alignas(64) float r[kRunPixels];
     alignas(64) float g[kRunPixels];
     alignas(64) float b[kRunPixels];
     alignas(64) float a[kRunPixels];
     bool
-        opaque; ///< Each pixel's `a` is 1, and does not stand in its plane: most pictures have paper below all else.
+        opaque; ///< Every alpha is 1 and plane `a` is not filled: the usual case, as most pictures have paper at the bottom.
 };
 
 /// The pixels of a run: a block of a tile, row by row. Width is a multiple of kRunStep.
@@ -49,21 +49,22 @@ void tint(PixelRun& run, RunShape shape, const Tint& tint);
 /// Lays a source on an accumulator; the mode is chosen once a run.
 void layOn(PixelRun& acc, const PixelRun& source, RunShape shape, BlendMode mode, Compositor::Atop atop);
 enum class Over { nothing, accumulator };
-/// Lays several layers in `normal`, which most have, one on the other in a single pass: over nothing the lowest is
-/// copied. What the accumulator says of its being opaque holds before and after.
+/// Blends several layers of mode `normal`, the usual one, in a single pass. Over nothing the lowest is copied.
+/// `acc.opaque` is true of the accumulator before and after.
 void layBytes(PixelRun& acc, std::span<const ByteLayer> layers, RunShape shape, Over what);
 /// Lays one layer on an accumulator in any mode.
 void layBytes(PixelRun& acc, const ByteLayer& layer, RunShape shape, BlendMode mode);
-/// Rounds to bytes and keeps each colour byte at most the alpha byte, so that rounding never breaks the format.
-/// Rows of the result lie `rowBytes` apart.
+/// Rounds to bytes and clamps each color byte to the alpha byte, so that rounding never breaks the format. Rows of
+/// the result lie `rowBytes` apart.
 void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape);
-/// Where stored pixels go: into the caches, for who reads them at once, or past them, which spares the memory a
-/// reading of what is replaced.
+/// Ordinary stores, for pixels that are read soon; or non-temporal ones, which spare reading the memory that is
+/// overwritten.
 enum class Through { caches, memory };
-/// The same rounded pixels over opaque grey, as words 0xFFRRGGBB; `greys` points to a word a pixel for each row. What
-/// goes through memory is aligned to 64 bytes in `out` and `rowBytes`, and the thread ends it with endStreaming().
+/// The same rounded pixels over opaque gray, as words 0xFFRRGGBB; `greys` points to a word a pixel for each row. With
+/// Through::memory `out` and `rowBytes` are multiples of 64, and the thread calls endStreaming() after the last
+/// store.
 void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                  const uint32_t* const* greys, Through through);
+                  const uint32_t* const* grays, Through through);
 void endStreaming();
 
 bool isBlank(TileBytes bytes, RunShape shape);  ///< Every byte is 0.

@@ -30,7 +30,7 @@ CompositeInput ghostInput(const Layer& layer, const OnionSkin& onion, int64_t di
     return ghost;
 }
 
-/// The layer that is worked on always shows, and plainly; near ones are ghosts; a paper layer at the bottom stays.
+/// The active layer always shows, in plain form; near ones are ghosts; a paper layer at the bottom stays.
 std::vector<CompositeInput> onionInputs(const PaintDocument& doc) {
     const OnionSkin& onion = doc.onion;
     std::vector<CompositeInput> inputs;

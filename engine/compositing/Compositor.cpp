@@ -47,7 +47,7 @@ bool Compositor::compositeTile(int64_t index, std::span<const CompositeInput> la
         std::memset(out, 0, kTileBytes);
         return false;
     }
-    // Run by run, so that the accumulators stay in the nearest cache: pixels do not depend on each other.
+    // Run by run, so that the accumulators stay in the L1 cache.
     constexpr RunShape shape{kTileSize, kRunPixels / kTileSize};
     PixelRun acc;
     for (int y = 0; y < kTileSize; y += shape.rows) {

@@ -15,7 +15,7 @@
 
 namespace qirn {
 
-/// A pull of a layer's colour towards another one, which leaves its coverage alone.
+/// Moves a layer's color towards another one; coverage stays.
 struct Tint {
     float r, g, b; ///< Straight, 0 to 1.
     float amount;  ///< 0 to 1.
@@ -48,7 +48,7 @@ std::map<int64_t, QImage> compositeImages(std::span<const int64_t> tiles,
 /// The finished picture of the whole canvas; in parallel.
 std::shared_ptr<RGBABuffer> flatten(std::span<const CompositeInput> layers, const TileGrid& grid);
 
-/// One premultiplied source colour (r, g, b, a) onto one accumulator pixel of four floats: the reference for
+/// One premultiplied source color (r, g, b, a) onto one accumulator pixel of four floats: the reference for
 /// every faster loop.
 void blendPixel(float* pixel, const float source[4], BlendMode mode, Atop atop);
 

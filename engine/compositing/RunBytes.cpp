@@ -2,14 +2,14 @@
 
 #include <hwy/cache_control.h>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "compositing/RunBytes.cpp"
 #include <hwy/foreach_target.h>
 
 #include "compositing/RunLanes.h"
 
-// The bytes that runs are made of, and those that they become.
+// Loading runs from bytes and storing them as bytes.
 
 HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
@@ -32,7 +32,7 @@ struct PixelWords {
     Words r, g, b, a;
 };
 template <bool kOpaque> HWY_INLINE PixelWords roundedPixels(const PixelRun& run, int at) {
-    const Colours c = loadColours(run, at);
+    const Colors c = loadColors(run, at);
     const PixelWords p{roundedByte(c.r), roundedByte(c.g), roundedByte(c.b), allWords(255)};
     if constexpr (kOpaque) return p;
     const Words a = roundedByte(loadFloats(run.a + at));
@@ -54,22 +54,22 @@ HWY_ATTR void StoreBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, Ru
     run.opaque ? storeRows<true>(out, rowBytes, run, shape) : storeRows<false>(out, rowBytes, run, shape);
 }
 
-/// v / 255 for v below 65,790, to the nearest lower whole number.
+/// v / 255 rounded down, exact for v below 65,790.
 HWY_INLINE Words over255(Words v) {
     return shiftedDown<23>(v * allWords(0x8081));
 }
 
 template <bool kOpaque, Through kThrough>
 HWY_INLINE void storeRowsOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                                 const uint32_t* const* greys) {
+                                 const uint32_t* const* grays) {
     const Words full = allWords(255), half = allWords(127), opaque = allWords(0xFF000000u);
     int i = 0;
     for (int y = 0; y < shape.rows; ++y, out += rowBytes) {
-        const uint8_t* grey = reinterpret_cast<const uint8_t*>(greys[y]);
+        const uint8_t* gray = reinterpret_cast<const uint8_t*>(grays[y]);
         for (int x = 0; x < shape.width; x += kLanes, i += kLanes) {
             PixelWords p = roundedPixels<kOpaque>(run, i);
             if constexpr (!kOpaque) {
-                const Words behind = over255(loadWords(grey + x * 4) * (full - p.a) + half);
+                const Words behind = over255(loadWords(gray + x * 4) * (full - p.a) + half);
                 p = {p.r + behind, p.g + behind, p.b + behind, full};
             }
             const Words shown = opaque | shiftedUp<16>(p.r) | shiftedUp<8>(p.g) | p.b;
@@ -79,15 +79,15 @@ HWY_INLINE void storeRowsOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun&
 }
 
 HWY_ATTR void StoreOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                           const uint32_t* const* greys, Through through) {
+                           const uint32_t* const* grays, Through through) {
     const auto store = [&]<Through kThrough>() HWY_ATTR {
-        run.opaque ? storeRowsOnBoard<true, kThrough>(out, rowBytes, run, shape, greys)
-                   : storeRowsOnBoard<false, kThrough>(out, rowBytes, run, shape, greys);
+        run.opaque ? storeRowsOnBoard<true, kThrough>(out, rowBytes, run, shape, grays)
+                   : storeRowsOnBoard<false, kThrough>(out, rowBytes, run, shape, grays);
     };
     through == Through::memory ? store.operator()<Through::memory>() : store.operator()<Through::caches>();
 }
 
-/// Whether a test that goes by vectors, several at a time, holds for all pixels of a block.
+/// Whether a test, which looks at kRunStep pixels at a time, holds for all pixels of a block.
 template <class Test> HWY_INLINE bool allPixels(TileBytes bytes, RunShape shape, Test test) {
     for (int y = 0; y < shape.rows; ++y, bytes += kTileRowBytes) {
         for (int x = 0; x < shape.width; x += kRunStep) {
@@ -137,8 +137,8 @@ void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape sh
 }
 
 void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,
-                  const uint32_t* const* greys, Through through) {
-    HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, greys, through);
+                  const uint32_t* const* grays, Through through) {
+    HWY_DYNAMIC_DISPATCH(StoreOnBoard)(out, rowBytes, run, shape, grays, through);
 }
 
 void endStreaming() {

@@ -14,13 +14,13 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-using Colours = blend::Rgb<Floats>;
+using Colors = blend::Rgb<Floats>;
 
-HWY_INLINE Colours loadColours(const PixelRun& run, int at) {
+HWY_INLINE Colors loadColors(const PixelRun& run, int at) {
     return {loadFloats(run.r + at), loadFloats(run.g + at), loadFloats(run.b + at)};
 }
 
-HWY_INLINE void storeColours(const Colours& c, PixelRun& run, int at) {
+HWY_INLINE void storeColors(const Colors& c, PixelRun& run, int at) {
     storeFloats(c.r, run.r + at);
     storeFloats(c.g, run.g + at);
     storeFloats(c.b, run.b + at);
@@ -31,7 +31,7 @@ HWY_INLINE Pixel<Floats> loadPixels(const PixelRun& run, int at) {
 }
 
 HWY_INLINE void storePixels(const Pixel<Floats>& p, PixelRun& run, int at) {
-    storeColours({p.r, p.g, p.b}, run, at);
+    storeColors({p.r, p.g, p.b}, run, at);
     storeFloats(p.a, run.a + at);
 }
 

@@ -7,14 +7,14 @@ struct TileStack::TileRun {
     int x, y;
     RunShape shape;
 
-    TileBytes of(const CompositeInput& input) const {
+    TileBytes bytesOf(const CompositeInput& input) const {
         return input.tiles.at(index)->pixels() + placeInTile(x, y);
     }
 };
 
 namespace {
 
-/// The widest coverage byte at this opacity comes out as exactly 1: such a pixel hides what lies below.
+/// Whether a pixel of alpha 255 has exactly alpha 1 at this opacity, and so hides what lies below.
 bool isFullStrength(float opacity) {
     return opacity / 255 * 255 == 1;
 }
@@ -57,7 +57,7 @@ std::vector<TileStack::Group> TileStack::groupsIn(int64_t index, std::span<const
     return groups;
 }
 
-/// A single input as it is, whose bytes go onto an accumulator without planes of their own.
+/// A single untinted input, which is blended from its bytes without an accumulator of its own.
 bool TileStack::laysBytes(const Group& group) {
     return group.clipped.empty() && !group.base->tint;
 }
@@ -66,14 +66,14 @@ void TileStack::blendGroup(PixelRun& acc, const TileRun& run, const Group& group
     const CompositeInput& base = *group.base;
     const RunShape shape = run.shape;
     if (group.clipped.empty()) {
-        return blendInput(acc, run.of(base), shape, base, base.opacity, base.mode, Compositor::Atop::no,
+        return blendInput(acc, run.bytesOf(base), shape, base, base.opacity, base.mode, Compositor::Atop::no,
                           accEmpty);
     }
     // The group is built alone, its base at full strength, and then laid down as one layer.
     PixelRun alone;
-    blendInput(alone, run.of(base), shape, base, 1, BlendMode::normal, Compositor::Atop::no, true);
+    blendInput(alone, run.bytesOf(base), shape, base, 1, BlendMode::normal, Compositor::Atop::no, true);
     for (const CompositeInput* clipped : group.clipped) {
-        blendInput(alone, run.of(*clipped), shape, *clipped, clipped->opacity, clipped->mode,
+        blendInput(alone, run.bytesOf(*clipped), shape, *clipped, clipped->opacity, clipped->mode,
                    Compositor::Atop::yes, false);
     }
     if (accEmpty) return scale(acc, alone, shape, base.opacity);
@@ -87,8 +87,8 @@ bool TileStack::findShowing(const TileRun& run) {
     showing_.clear();
     for (auto group = groups_.rbegin(); group != groups_.rend(); ++group) {
         const CompositeInput& base = *group->base;
-        const TileBytes bytes = run.of(base);
-        // The loops over bytes pass over what is blank themselves.
+        const TileBytes bytes = run.bytesOf(base);
+        // The loops over bytes skip blank pixels themselves.
         if (!laysBytes(*group) && isBlank(bytes, run.shape)) continue;
         showing_.push_back(&*group);
         if (base.mode == BlendMode::normal && isFullStrength(base.opacity) && isOpaque(bytes, run.shape))
@@ -100,8 +100,8 @@ bool TileStack::findShowing(const TileRun& run) {
 void TileStack::blend(PixelRun& acc, int x, int y, RunShape shape) {
     const TileRun run{index_, x, y, shape};
     const bool hidesBelow = findShowing(run);
-    // Only what lies lowest in the tile, or hides all below, is a plain copy: elsewhere colour without coverage, as a
-    // damaged file may hold it, is dropped.
+    // Only the lowest input of the tile, or one that hides all below, is copied as it is. Everywhere else color
+    // without coverage, which damaged files may hold, is dropped.
     bool copies = !showing_.empty() && (showing_.back() == &groups_.front() || hidesBelow);
     if (!copies) clear(acc);
     for (auto group = showing_.rbegin(); group != showing_.rend();) {
@@ -110,7 +110,7 @@ void TileStack::blend(PixelRun& acc, int x, int y, RunShape shape) {
             const CompositeInput& input = *(*group)->base;
             const bool isCopied = copies && plain_.empty(); // in any mode
             if (input.mode != BlendMode::normal && !isCopied) break;
-            plain_.push_back({run.of(input), input.opacity / 255});
+            plain_.push_back({run.bytesOf(input), input.opacity / 255});
         }
         if (plain_.empty()) {
             blendGroup(acc, run, **group++, copies);

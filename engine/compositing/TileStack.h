@@ -8,7 +8,7 @@
 
 namespace qirn {
 
-/// What shows of one tile, blended run by run. It borrows the inputs and belongs to one thread.
+/// The visible inputs of one tile, blended run by run. It borrows the inputs and belongs to one thread.
 class TileStack {
 public:
     TileStack(int64_t index, std::span<const CompositeInput> layers);
@@ -34,9 +34,9 @@ private:
 
     const int64_t index_;
     const std::vector<Group> groups_;
-    // Of the run at hand:
+    // Of the current run:
     std::vector<const Group*> showing_; // from the top
-    std::vector<ByteLayer> plain_;      // neighbours that go in one pass
+    std::vector<ByteLayer> plain_;      // layers that are blended in one pass
 };
 
 } // namespace qirn

@@ -8,7 +8,7 @@
 
 namespace qirn {
 
-/// How a layer's colour mixes with what lies below. The order is that of the pop-up menu and is mixed into
+/// How a layer's color mixes with what lies below. The order is that of the pop-up menu and is mixed into
 /// picture fingerprints, so it never changes.
 enum class BlendMode : uint8_t {
     normal,

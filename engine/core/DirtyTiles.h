@@ -23,7 +23,7 @@ public:
 
 private:
     std::vector<DirtyTile> listed_; // each tile once, in order of arrival
-    std::vector<int32_t> places_;   // by index: where it is listed, or -1
+    std::vector<int32_t> places_;   // by tile index: its index in `listed_`, or -1
 };
 
 } // namespace qirn

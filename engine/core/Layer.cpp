@@ -71,8 +71,8 @@ std::optional<IRect> Layer::contentBounds() const {
     tiles_.forEachTile([&](int64_t index, const Tile&) { indices.push_back(index); });
     std::vector<IRect> boxes(indices.size());
     concurrentPerform(std::ssize(indices), [&](int64_t i) {
-        const auto at = checkedSize(i);
-        boxes[at] = alphaBounds(*tiles_.at(indices[at]), grid_.rectOf(indices[at]));
+        const auto place = checkedSize(i);
+        boxes[place] = alphaBounds(*tiles_.at(indices[place]), grid_.rectOf(indices[place]));
     });
     IRect bounds;
     for (const IRect& box : boxes) bounds = bounds.united(box);

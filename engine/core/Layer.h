@@ -14,7 +14,7 @@
 
 namespace qirn {
 
-/// What a layer is beside its pixels.
+/// Everything about a layer except its id and its pixels.
 struct LayerSettings {
     QString name;
     double opacity = 1;
@@ -34,7 +34,7 @@ struct LayerState : LayerSettings {
     TileArray tiles;
 };
 
-/// One sheet of the picture: settings that a caller changes directly, and tiles that it does not.
+/// One layer of the picture: settings that callers change directly, and tiles that they change through it.
 ///
 /// An absent tile and a tile of zeros are the same picture. Pixels are written only through `writableTile`,
 /// which copies a frozen tile first, so that whoever shares it keeps the old pixels. Nobody keeps a `Layer`
@@ -60,10 +60,10 @@ public:
     std::optional<IRect> contentBounds() const;   ///< Smallest box of all alpha inside the canvas.
     std::shared_ptr<RGBABuffer> toBuffer() const; ///< The whole canvas with this layer's pixels.
     uint64_t fingerprint() const;                 ///< Pixels and settings, opacity to three decimals.
-    /// A nearest-neighbour reduction (or enlargement) whose larger side is `maxSide` pixels.
+    /// A nearest-neighbor reduction (or enlargement) whose larger side is `maxSide` pixels.
     std::shared_ptr<RGBABuffer> thumbnail(int64_t maxSide) const;
 
-    /// The one door to writing: makes an absent tile, copies a frozen one, returns a private one as it is.
+    /// The only way to write pixels: creates an absent tile, copies a frozen one, returns one that is not frozen.
     Tile& writableTile(int64_t index);
     /// Puts a tile or an absence in the slot. The caller keeps the sharing rule: a tile held elsewhere is frozen.
     void setTile(int64_t index, TileRef tile) { tiles_.set(index, std::move(tile)); }

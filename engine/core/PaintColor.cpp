@@ -10,7 +10,7 @@ namespace qirn {
 namespace {
 
 double clampUnit(double v) {
-    return std::min(std::max(0.0, v), 1.0); // in this order, so that not-a-number becomes 0
+    return std::min(std::max(0.0, v), 1.0); // in this order, so that NaN becomes 0
 }
 
 uint8_t roundedByte(double unit) {

@@ -10,8 +10,8 @@ namespace qirn {
 /// Four bytes of a pixel in memory order: red, green, blue, alpha, premultiplied, sRGB.
 using PixelBytes = std::array<uint8_t, 4>;
 
-/// A colour as a user holds it: straight sRGB in 64-bit floats, each from 0 to 1. It becomes premultiplied
-/// bytes only where it is written to pixels.
+/// A color as a user chooses it: straight sRGB in 64-bit floats, each from 0 to 1. It becomes premultiplied bytes
+/// only where it is written to pixels.
 struct PaintColor {
     double r = 0;
     double g = 0;
@@ -42,7 +42,7 @@ struct PaintColor {
     };
     HSB hsb() const;
 
-    /// The pixel of this colour: multiplied by alpha in 64-bit floats, then rounded half away from zero.
+    /// The pixel of this color: multiplied by alpha in 64-bit floats, then rounded half away from zero.
     PixelBytes premultiplied() const;
 
     bool operator==(const PaintColor&) const = default;

@@ -71,7 +71,7 @@ void PaintDocument::replaceCanvas(const TileGrid& grid, std::vector<LayerRef> la
     grid_ = grid;
     replaceLayers(std::move(layers), active);
     if (onGridChange) onGridChange();
-    markAllDirty(); // whatever the listener took
+    markAllDirty(); // again, in case the listener took the dirty tiles
 }
 
 void PaintDocument::fillLayer(Layer& layer, const PaintColor& color) {
@@ -100,7 +100,7 @@ void PaintDocument::markDirty(const IRect& rect) {
 }
 
 void PaintDocument::markAllDirty() {
-    dirty_.clear(); // of tiles that another canvas had
+    dirty_.clear(); // it may list tiles that this canvas does not have
     allDirty_ = true;
 }
 

@@ -27,7 +27,7 @@ class Selection;
 class PaintDocument {
 public:
     /// A new picture; each side is raised to at least 1. Without a background it has one empty "Layer 1"; with
-    /// one, a "Background" of that colour (left without tiles when its alpha is 0) below an active "Layer 1".
+    /// one, a "Background" of that color (left without tiles when its alpha is 0) below an active "Layer 1".
     PaintDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background);
     /// A picture rebuilt from parts whose grid is that of the size. An empty list becomes one empty "Layer 1";
     /// otherwise `active` must be the index of a layer.
@@ -51,18 +51,18 @@ public:
     void setActiveIndex(int64_t index); ///< Clamped to the stack.
     /// Inserts a layer of this grid at an index that is clamped, and makes it active. Marks nothing dirty.
     void insertLayer(LayerRef layer, int64_t at);
-    /// Puts another stack in place of this one; `layers` is not empty and all of this grid.
+    /// Replaces all layers; `layers` is not empty and all of this grid.
     void replaceLayers(std::vector<LayerRef> layers, int64_t active);
-    /// As above for a reshaped canvas, telling `onGridChange`.
+    /// The same for a canvas of another size; calls `onGridChange`.
     void replaceCanvas(const TileGrid& grid, std::vector<LayerRef> layers, int64_t active);
     /// Fills every tile of a layer of this grid, also beyond the canvas edge, and marks everything dirty.
     void fillLayer(Layer& layer, const PaintColor& color);
 
     uint64_t fingerprint() const; ///< Size, order, pixels and settings of the layers; nothing of the view.
 
-    // What the screen has to show again.
+    // The tiles that the screen must show again.
     void markDirty(const IRect& rect);
-    void markAllDirty();                     ///< Asks for no memory.
+    void markAllDirty();                     ///< Allocates nothing.
     std::vector<int64_t> takeDirtyTiles();   ///< Sorted; leaves none.
     std::vector<DirtyTile> takeDirtyParts(); ///< The same with the part of each tile that changed.
 
@@ -72,14 +72,14 @@ public:
     int64_t maxUndoSteps = 100;
     int64_t maxUndoBytes = 1'500'000'000; ///< Of tile memory held by the history, selections included.
 
-    // Each of these either does all of it or, where memory runs out, throws and leaves the history as it was.
+    // If memory runs out, each of these throws and leaves the history as it was.
     State captureState(); ///< Freezes every tile; copies no pixels.
     void commit(const QString& name);
     void perform(const QString& name, const std::function<void()>& body);
     void undo(); ///< Nothing at the start of the history.
     void redo(); ///< Nothing at its end.
-    /// Throws away what was not committed, without counting as a change. Asks for no more memory than a few words a
-    /// layer, so that it is the way out where there is no more.
+    /// Discards uncommitted changes; does not count as a change. Needs only a few words of memory a layer, so that it
+    /// works when memory has run out.
     void revertToLastCommit();
     void resetHistory(); ///< One entry named "Open"; the change count stays.
     bool canUndo() const { return history_.canUndo(); }
@@ -89,7 +89,7 @@ public:
     int64_t undoDepth() const { return history_.undoDepth(); }
     const std::vector<HistoryEntry>& history() const { return history_.entries(); } ///< Oldest first.
     int64_t historyBytes() const { return history_.layerBytes(); } ///< Of layers' tiles, each once.
-    /// Goes up with every commit, undo and redo, and only there; what was saved is told by comparing it.
+    /// Rises with every commit, undo and redo, and only then; a changed count means unsaved work.
     int64_t changeCount() const { return changeCount_; }
 
 private:
@@ -100,7 +100,7 @@ private:
     std::vector<LayerRef> layers_;
     int64_t activeIndex_ = 0;
     DirtyTiles dirty_;
-    bool allDirty_ = false; // whatever is listed
+    bool allDirty_ = false; // all tiles are dirty, whatever `dirty_` lists
     UndoHistory history_;
     int64_t changeCount_ = 0;
 };

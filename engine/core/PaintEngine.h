@@ -6,8 +6,8 @@
 
 namespace qirn {
 
-/// Facts of the whole engine. One pixel format serves everywhere: 8-bit R, G, B, A in memory order,
-/// premultiplied, sRGB without linearisation, rows from the top without padding.
+/// Constants of the whole engine. There is one pixel format: 8-bit R, G, B, A in memory order, premultiplied, sRGB
+/// without linearization, rows from the top without padding.
 namespace PaintEngine {
 
 inline constexpr const char* version = "1.0";

@@ -14,7 +14,7 @@ StoredForm::~StoredForm() {
     if (counted_) heldByForms -= static_cast<int64_t>(bytes.size());
 }
 
-// Other threads know a form only once it is counted.
+// No other thread has the form yet: it is shared once it is counted.
 bool StoredForm::isCounted() const {
     const auto size = static_cast<int64_t>(bytes.size());
     if (counted_.exchange(true) || (heldByForms += size) <= mostBytes) return true;

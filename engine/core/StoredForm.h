@@ -5,9 +5,9 @@
 
 namespace qirn {
 
-/// A tile as a file stores it, remembered with the tile so that saving again costs only what changed since. All
-/// that is remembered together stays under a limit; what would go beyond is simply not kept, and what only a save
-/// holds does not count.
+/// A tile encoded as in a file, cached with the tile so that saving again encodes only what changed. All cached forms
+/// together stay under a limit; beyond it a form is not cached. A form that only a save in progress holds does not
+/// count.
 class StoredForm {
 public:
     enum class Coding { blank, raw, lzfse }; ///< Nothing; the tile's own bytes; `bytes`.
@@ -18,12 +18,12 @@ public:
     StoredForm(const StoredForm&) = delete;
     StoredForm& operator=(const StoredForm&) = delete;
 
-    static int64_t heldBytes(); ///< Of all that are remembered, each once however many tiles share it.
+    static int64_t heldBytes(); ///< Of all cached forms, each counted once however many tiles share it.
 
     const Coding coding;
     const std::vector<uint8_t> bytes;
 
-    bool isCounted() const; ///< Among those that are remembered; the first time only if the limit allows it.
+    bool isCounted() const; ///< Counts the form towards the limit; false if that would exceed it.
 
 private:
     mutable std::atomic<bool> counted_ = false;

@@ -36,13 +36,13 @@ class Tile {
 public:
     Tile();                                 ///< Transparent, not frozen.
     explicit Tile(const Tile& other);       ///< The other tile's pixels, not frozen.
-    explicit Tile(BlockPool::Block filled); ///< The pixels that lie there, not frozen.
+    explicit Tile(BlockPool::Block filled); ///< Takes the block with its pixels; not frozen.
     Tile& operator=(const Tile&) = delete;
     ~Tile();
 
-    bool isEmpty() const; ///< Every alpha is 0; colour bytes are not looked at.
+    bool isEmpty() const; ///< Every alpha is 0; color bytes are not looked at.
     std::optional<PixelBytes>
-    onlyPixel() const; ///< The one of which all are made; nothing where they differ.
+    onlyPixel() const; ///< The pixel that all pixels equal; nothing where they differ.
     bool isFrozen() const { return frozen_; }
     const uint8_t* pixels() const { return pixels_.get(); }
     const uint8_t* row(int64_t y) const { return pixels() + y * kTileRowBytes; }
@@ -56,10 +56,10 @@ public:
     uint8_t* writableRow(int64_t y) { return writablePixels() + y * kTileRowBytes; }
     /// Called by whoever makes a second reference to the tile; nothing undoes it.
     void freeze() {
-        if (!frozen_) frozen_ = true; // other threads may read one that is frozen already
+        if (!frozen_) frozen_ = true; // no write if it is set already: other threads may be reading it
     }
 
-    /// What was remembered of a frozen tile; null when nothing was. Any thread may ask and remember.
+    /// The cached encoding of a frozen tile, or null. Any thread may read and set it.
     std::shared_ptr<const StoredForm> storedForm() const { return storedForm_.load(); }
     void remember(std::shared_ptr<const StoredForm> form) const;
 

@@ -19,8 +19,8 @@ public:
     int64_t count() const { return count_; }
     bool holdsNothing() const { return block_ == nullptr; } ///< No slot was ever set.
     const Tile* at(int64_t index) const;                    ///< Null for an absent tile.
-    TileRef share(int64_t index) const;                     ///< A reference of one's own; freeze it first.
-    Tile* mutableAt(int64_t index) const;                   ///< For the layer that holds it alone.
+    TileRef share(int64_t index) const;                     ///< A second reference; freeze the tile first.
+    Tile* mutableAt(int64_t index) const;                   ///< Only for the layer that owns the array.
 
     void set(int64_t index, TileRef tile);
     void clear() { block_.reset(); } ///< Every slot becomes absent.
@@ -40,7 +40,7 @@ public:
 private:
     struct Block {
         std::vector<TileRef> slots;
-        bool allFrozen = false; // nobody writes it any more: it may be held on other threads
+        bool allFrozen = false; // immutable from then on: other threads may hold it
     };
     Block& detached();
 

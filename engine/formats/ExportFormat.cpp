@@ -4,7 +4,7 @@
 #include "formats/ImageExport.h"
 #include "formats/pictures/JpegWriter.h"
 #include "formats/pictures/PngWriter.h"
-#include "formats/pictures/TiffWriter.h"
+#include "formats/pictures/tiff/TiffWriter.h"
 #include "formats/psd/PSDFile.h"
 
 #include <QCoreApplication>

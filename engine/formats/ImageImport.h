@@ -14,7 +14,7 @@ namespace qirn::ImageImport {
 
 struct Imported {
     std::unique_ptr<PaintDocument> document;
-    ImportRemarks remarks; ///< What of the file it does not show.
+    ImportRemarks remarks; ///< What of the file was lost.
 };
 /// From the bytes of any file that can be opened, told apart by content. Throws PaintFileError for damage behind a native
 /// document's sound manifest, PSDFile::PSDError for a Photoshop file that was saved without a picture of what its layers

@@ -7,7 +7,7 @@
 
 namespace qirn {
 
-// Flat colour on the active layer, within the selection and keeping the alpha lock. Each returns the rectangle that
+// Flat color on the active layer, within the selection and keeping the alpha lock. Each returns the rectangle that
 // it painted; the zero rectangle when the layer is locked or there is nothing to fill. None commits.
 
 /// Fills what is like the pixel at (x, y) of the canvas. The selection limits the paint and not the search, which

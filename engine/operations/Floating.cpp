@@ -19,7 +19,7 @@ namespace {
 
 constexpr int64_t kBandRows = kTileSize; // of the canvas, drawn and laid down at a time
 
-/// What a lift or a copy takes: the selection's box or all content.
+/// The rectangle that a lift or a copy takes: the bounds of the selection, or of all content.
 std::optional<IRect> takenRect(const PaintDocument& doc) {
     return doc.selection ? doc.selection->bounds() : doc.activeLayer().contentBounds();
 }
@@ -41,7 +41,7 @@ void copyOut(const uint8_t* tilePixels, int64_t index, const IRect& tile, const 
     }
 }
 
-/// A tile in two: what the selection takes of its part of the canvas, and what it leaves.
+/// A tile divided by the selection: the part that is lifted and the part that stays.
 struct Halves {
     int64_t index;
     TileRef lifted, left;
@@ -57,7 +57,7 @@ struct Halves {
     }
 };
 
-/// The whole pixels of the canvas within a rectangle that may be endless.
+/// The pixels of the canvas that a rectangle touches; it may be infinite.
 IRect canvasPart(const TileGrid& grid, const QRectF& rect) {
     const QRectF canvas = grid.bounds().rectF();
     if (!rect.intersects(canvas)) return {};
@@ -129,7 +129,7 @@ IRect placeFloating(PaintDocument& doc, const Floating& floating, const QTransfo
     if (!index) return {};
     Layer& layer = doc.layer(*index);
     const IRect& origin = floating.origin;
-    if (std::optional<PixelMap> toBox = PixelMap::of(transform)) {
+    if (std::optional<PixelMap> toBox = PixelMap::fromTransform(transform)) {
         PixelMap map = *toBox;
         map.x0 += origin.x;
         map.y0 += origin.y;
@@ -146,7 +146,7 @@ IRect placeFloating(PaintDocument& doc, const Floating& floating, const QTransfo
                               transform);
     const IRect rect = canvasPart(doc.grid(), resampler.reach());
     if (rect.isEmpty()) return {};
-    // In bands as high as a tile: a picture that is drawn all over a large canvas is never held twice.
+    // In bands as high as a tile, so that a picture that fills a large canvas is not held twice.
     for (int64_t y = rect.y; y < rect.maxY();) {
         const int64_t rows = std::min(kBandRows - y % kBandRows, rect.maxY() - y);
         RGBABuffer band(rect.w, rows);

@@ -10,10 +10,10 @@
 
 namespace qirn {
 
-/// Pixels lifted off a layer, until they are put down elsewhere. They are tiles that lie where they were: those that
-/// were lifted whole are the layer's own. What is outside the origin counts for nothing.
+/// Pixels lifted off a layer until they are placed elsewhere, as tiles at their old places: wholly lifted ones are
+/// shared with the layer. Pixels outside of `origin` are ignored.
 struct Floating {
-    const LayerRef pixels; ///< Of the canvas's grid; nobody writes on it.
+    const LayerRef pixels; ///< A layer of the canvas's grid, never written.
     const IRect
         origin; ///< Where they were, in canvas pixels; with its corner at (0, 0) the box that is transformed.
     const QUuid layerID;

@@ -45,8 +45,8 @@ IRect gradientFill(PaintDocument& doc, const QPointF& from, const QPointF& to, G
         if (extent == Extent::nothing) continue;
         parts.take(index, part, ramp.hides() && extent == Extent::everything ? Old::hidden : Old::seen);
     }
-    parts.run([&](const TilePart& at, int64_t y) {
-        paintRow(drag, ramp, at.tile.x, y, coverageOf(selection, at, y), at.row(y));
+    parts.run([&](const TilePart& part, int64_t y) {
+        paintRow(drag, ramp, part.tile.x, y, coverageOf(selection, part, y), part.row(y));
     });
     doc.markDirty(area);
     return area;

@@ -23,7 +23,7 @@ inline constexpr std::array<GradientKindRow, 3> kGradientKinds{{
     {GradientKind::reflected, "reflected", "Reflected"},
 }};
 
-/// Paints a blend of two colours over the selection, or over the whole canvas, of the active layer: `start` at
+/// Paints a blend of two colors over the selection, or over the whole canvas, of the active layer: `start` at
 /// `from`, `end` at `to` and beyond (both in canvas pixels). Keeps the alpha lock. Returns the rectangle, marked
 /// dirty; the zero rectangle when the layer is locked. Commits nothing.
 IRect gradientFill(PaintDocument& doc, const QPointF& from, const QPointF& to, GradientKind kind,

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "operations/GradientRow.cpp"
 #include <hwy/foreach_target.h>
@@ -13,7 +13,7 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-/// Positions along the drag, for the centres of a row's pixels: 0 at its start and before, 1 at its end and beyond.
+/// Positions along the drag, for the centers of a row's pixels: 0 at its start and before, 1 at its end and beyond.
 template <GradientKind kKind> class Positions {
 public:
     HWY_INLINE Positions(const GradientDrag& drag, int64_t x, int64_t y)
@@ -43,8 +43,7 @@ private:
     const double v_, across_, v2_;
 };
 
-/// Straight colours of a block's pixels, and how much of them arrives; a colour of which nothing arrives may be
-/// anything.
+/// Straight colors of a block of pixels, and their opacity; a color of opacity 0 may have any value.
 struct Mixed {
     alignas(64) float r[kPaintBlock];
     alignas(64) float g[kPaintBlock];
@@ -74,7 +73,7 @@ HWY_INLINE void mixBlock(const GradientRamp& ramp, const Along& along, int block
     }
 }
 
-/// With `kOpaque` the alpha is 1 all along, and dividing by it changes nothing.
+/// With `kOpaque` alpha is 1 everywhere, and the division by it is left out.
 template <bool kOpaque, class Along, class Lay>
 HWY_ATTR void paintBlocks(const GradientRamp& ramp, const Along& along, const Lay& lay,
                           const CoverageRow& coverage, uint8_t* row) {

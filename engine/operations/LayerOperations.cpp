@@ -26,7 +26,7 @@ QString freeLayerName(const PaintDocument& doc) {
     }
 }
 
-/// Clears what a tile holds beyond its part of the canvas.
+/// Clears the pixels of a tile that lie beyond the canvas edge.
 void clearBeyond(const IRect& part, uint8_t* pixels) {
     for (int64_t y = 0; y < kTileSize; ++y) {
         const int64_t kept = y < part.h ? part.w : 0;
@@ -34,11 +34,11 @@ void clearBeyond(const IRect& part, uint8_t* pixels) {
     }
 }
 
-/// Where all layers show the same tiles, as over flat paper, one finished tile serves.
+/// Slots in which all layers have the same tiles, as over flat paper, share one finished tile.
 LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name) {
     const TileGrid& grid = doc.grid();
     const std::vector<CompositeInput> inputs = compositeInputs(doc, ForDisplay::no);
-    // What lies over each other, and how much of it is on the canvas.
+    // The tiles of all layers in one slot, and the size of its part of the canvas.
     using Key = std::pair<std::vector<const Tile*>, std::array<int64_t, 2>>;
     TileJobs<Key> jobs;
     std::vector<const Tile*> seen(inputs.size());
@@ -128,7 +128,7 @@ void mergeDown(PaintDocument& doc, int64_t index) {
     upper.tiles().forEachTile([&](int64_t slot, const Tile& tile) {
         jobs.add({lower.tile(slot), &tile}, slot);
     });
-    // Coverage only grows: where the result is blank, so is what it would replace.
+    // Coverage only grows: where the result is blank, the old tile is too.
     jobs.run(lower, [&](const TileJob& job, uint8_t* pixels) {
         Compositor::compositeTile(job.first, inputs, pixels);
     });

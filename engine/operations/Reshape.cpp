@@ -12,7 +12,7 @@ namespace qirn {
 
 namespace {
 
-/// Puts a canvas of another grid in place; `redraw` fills the tiles of a new layer from those of the old one.
+/// Replaces the canvas by one of another grid; `redraw` fills the tiles of a new layer from those of the old one.
 void reshape(PaintDocument& doc, const TileGrid& grid,
              const std::function<void(Layer& from, Layer& to)>& redraw) {
     std::vector<LayerRef> layers;

@@ -47,7 +47,7 @@ ScaleWeights weightsBetween(int64_t oldLength, int64_t newLength) {
     return {oldLength, step, 0, 0, newLength, Edges::extended};
 }
 
-/// What lies under each column or row of tiles of the new grid.
+/// The source pixels of each column (or row) of tiles of the new grid.
 std::vector<ScaleWeights::Span> reaches(const ScaleWeights& weights, int64_t length) {
     std::vector<ScaleWeights::Span> spans;
     for (int64_t at = 0; at < length; at += kTileSize) {
@@ -56,7 +56,7 @@ std::vector<ScaleWeights::Span> reaches(const ScaleWeights& weights, int64_t len
     return spans;
 }
 
-/// Tells tiles of one colour, looking at each once.
+/// Finds tiles of one color, examining each tile once.
 class OneColorTiles {
 public:
     std::optional<PixelBytes> colorOf(const Tile& tile) {
@@ -101,7 +101,7 @@ void scaleTiles(Layer& from, Layer& to) {
     const ScaleWeights down = weightsBetween(old.height, grid.height);
     const auto columns = reaches(across, grid.width), rows = reaches(down, grid.height);
     OneColorTiles oneColor;
-    // A tile over a single colour depends on that and its part of the canvas, any other on its slot.
+    // A tile of a single color depends on the color and the size of its part of the canvas, any other on its slot.
     using Key = std::tuple<std::optional<PixelBytes>, int64_t, int64_t, int64_t>;
     TileJobs<Key> jobs;
     std::unordered_map<int64_t, PixelBytes> colors; // of the slots that have one

@@ -59,13 +59,13 @@ QPainterPath outlineOf(const QPainterPath& path, double lineWidth) {
     stroker.setWidth(lineWidth);
     stroker.setJoinStyle(Qt::RoundJoin);
     stroker.setCapStyle(Qt::RoundCap);
-    // The outline of a curve is made of curves that are split until they are this close: the default of a quarter of
-    // a pixel shows.
+    // Tolerance of the curves that approximate the outline, in pixels: the default of a quarter of a pixel is
+    // visible.
     stroker.setCurveThreshold(1.0 / 2048);
     return stroker.createStroke(path);
 }
 
-/// Source-over of one colour through a coverage, in 32-bit floats.
+/// Source-over of one color through a coverage, in 32-bit floats.
 void lay(const PaintColor& color, const uint8_t* coverage, uint8_t* pixels, int64_t count) {
     const float straight[] = {static_cast<float>(color.r), static_cast<float>(color.g),
                               static_cast<float>(color.b), 1};
@@ -82,7 +82,7 @@ void lay(const PaintColor& color, const uint8_t* coverage, uint8_t* pixels, int6
 
 void layPath(const QPainterPath& path, const PaintColor& color, Antialias antialias,
              const PlacedPixels& out) {
-    // In parts, because the coverage of a shape across a huge canvas would be huge.
+    // In parts, which bounds the memory for the coverage of a shape on a huge canvas.
     constexpr int64_t kMostColumns = 20'000;
     for (int64_t left = 0; left < out.rect.w; left += kMostColumns) {
         const int64_t columns = std::min(kMostColumns, out.rect.w - left);
@@ -90,9 +90,9 @@ void layPath(const QPainterPath& path, const PaintColor& color, Antialias antial
         for (int64_t top = 0; top < out.rect.h;) {
             const int64_t rows = std::min({bandRows, kMostColumns, out.rect.h - top});
             std::vector<uint8_t> mask(checkedSize(columns * rows));
-            const QPainterPath here = path.translated(-static_cast<double>(out.rect.x + left),
-                                                      -static_cast<double>(out.rect.y + top));
-            fillPathCoverage(here, antialias, mask.data(), columns, rows);
+            const QPainterPath moved = path.translated(-static_cast<double>(out.rect.x + left),
+                                                       -static_cast<double>(out.rect.y + top));
+            fillPathCoverage(moved, antialias, mask.data(), columns, rows);
             for (int64_t y = 0; y < rows; ++y) {
                 lay(color, mask.data() + y * columns, out.buffer->row(top + y) + left * 4, columns);
             }
@@ -146,7 +146,7 @@ std::optional<PlacedPixels> renderShape(const QPainterPath& path, const std::opt
                                         Antialias antialias) {
     const QRectF box = path.boundingRect();
     const double pad = std::ceil(std::max(lineWidth, 0.0)) + 2;
-    const double farthest = 1e15; // pixels are still told apart
+    const double farthest = 1e15; // beyond it a double does not resolve pixels
     if (!(pad < kMostPixels && box.width() < kMostPixels && box.height() < kMostPixels &&
           std::fabs(box.x()) < farthest && std::fabs(box.y()) < farthest)) {
         return std::nullopt;

@@ -52,7 +52,7 @@ std::optional<QPainterPath> shapePath(ShapeKind kind, QPointF a, QPointF b, Cons
                                       double lineWidth);
 
 /// Pixels of a path (canvas coordinates, non-zero winding): filled, then outlined with round joins and caps, each
-/// where it has a colour; transparent with neither. Not cut to the canvas. Nothing when more than 39,999 pixels
+/// where it has a color; transparent with neither. Not cut to the canvas. Nothing when more than 39,999 pixels
 /// wide or high.
 std::optional<PlacedPixels> renderShape(const QPainterPath& path, const std::optional<PaintColor>& fill,
                                         const std::optional<PaintColor>& stroke, double lineWidth,

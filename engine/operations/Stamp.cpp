@@ -19,7 +19,7 @@ uint8_t byteOf(float v) {
 /// `strength` is what opacity and selection leave of the source, which has some alpha.
 void layOver(const uint8_t* source, float strength, uint8_t* pixel) {
     if (strength == 1 && source[3] == 255) {
-        std::memcpy(pixel, source, 4); // to what the arithmetic below comes
+        std::memcpy(pixel, source, 4); // the result of the arithmetic below
         return;
     }
     const float kept = 1 - strength * source[3] / 255;
@@ -28,7 +28,7 @@ void layOver(const uint8_t* source, float strength, uint8_t* pixel) {
     }
 }
 
-/// The source's straight colour goes where there is alpha already.
+/// The source's straight color goes where there is alpha already.
 void layWithinAlpha(const uint8_t* source, float strength, uint8_t* pixel) {
     if (pixel[3] == 0) return;
     const float coverage = strength * source[3] / 255;
@@ -39,7 +39,7 @@ void layWithinAlpha(const uint8_t* source, float strength, uint8_t* pixel) {
     }
 }
 
-/// Lays whole tiles; whether anything landed.
+/// Lays a whole tile on another; returns whether any pixel was covered.
 template <auto kLay> bool stampWhole(const uint8_t* source, uint8_t* pixels) {
     bool landed = false;
     for (int i = 0; i < kTileBytes; i += 4) {
@@ -55,7 +55,7 @@ template <auto kLay>
 void stampTile(const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, int64_t index, const IRect& part,
                const Selection* selection, float strength) {
     const IRect tile = layer.grid().rectOf(index);
-    uint8_t* pixels = nullptr; // taken when the first pixel lands
+    uint8_t* pixels = nullptr; // fetched when the first pixel is painted
     for (int64_t row = part.y; row < part.maxY(); ++row) {
         const uint8_t* source = buffer.pixels(part.x - x, row - y);
         const uint8_t* selected =
@@ -75,19 +75,20 @@ void stampTile(const RGBABuffer& buffer, int64_t x, int64_t y, Layer& layer, int
 
 void stampTiles(Layer& source, Layer& layer) {
     require(source.grid() == layer.grid());
-    struct Mixed {
+    struct Overlap {
         int64_t index;
-        TileRef made;
+        TileRef result;
     };
-    std::vector<Mixed> mixed;
+    std::vector<Overlap> overlaps;
     source.tiles().forEachTile([&](int64_t index, const Tile&) {
-        if (layer.tile(index)) mixed.push_back({index, nullptr});
+        if (layer.tile(index)) overlaps.push_back({index, nullptr});
     });
     const auto lay = layer.alphaLocked ? stampWhole<layWithinAlpha> : stampWhole<layOver>;
-    concurrentPerform(std::ssize(mixed), [&](int64_t i) {
-        Mixed& at = mixed[checkedSize(i)];
-        auto made = std::make_shared<Tile>(*layer.tile(at.index));
-        if (lay(source.tile(at.index)->pixels(), made->writablePixels())) at.made = std::move(made);
+    concurrentPerform(std::ssize(overlaps), [&](int64_t i) {
+        Overlap& overlap = overlaps[checkedSize(i)];
+        auto result = std::make_shared<Tile>(*layer.tile(overlap.index));
+        if (lay(source.tile(overlap.index)->pixels(), result->writablePixels()))
+            overlap.result = std::move(result);
     });
     source.freezeTiles();
     if (!layer.alphaLocked) {
@@ -95,8 +96,8 @@ void stampTiles(Layer& source, Layer& layer) {
             if (!layer.tile(index)) layer.setTile(index, source.tiles().share(index));
         });
     }
-    for (Mixed& at : mixed) {
-        if (at.made) layer.setTile(at.index, std::move(at.made));
+    for (Overlap& overlap : overlaps) {
+        if (overlap.result) layer.setTile(overlap.index, std::move(overlap.result));
     }
 }
 

@@ -10,15 +10,16 @@
 
 namespace qirn {
 
-/// A tile to be made, and all slots of the new grid that show it.
+/// A tile to be drawn, and all slots of the new grid that get it.
 struct TileJob {
-    int64_t first; // its first slot, for which it is made
+    int64_t first; // the first of the slots, for which it is drawn
     std::vector<int64_t> slots;
     bool drawsAll = false; // every byte of the tile, so that it need not be cleared first
-    TileRef made;
+    TileRef tile;
 };
 
-/// Tiles to be made for a layer, each once for all slots whose bytes depend on the same things: the key.
+/// Tiles to be drawn for a layer, each once for all slots with the same key, which holds everything that the pixels
+/// depend on.
 template <class Key> class TileJobs {
 public:
     enum class DrawsAll { no, yes };
@@ -34,12 +35,12 @@ public:
             TileJob& job = jobs_[checkedSize(i)];
             auto tile = job.drawsAll ? std::make_shared<Tile>(BlockPool::take()) : std::make_shared<Tile>();
             draw(job, tile->writablePixels());
-            if (!tile->isEmpty()) job.made = std::move(tile);
+            if (!tile->isEmpty()) job.tile = std::move(tile);
         });
         for (TileJob& job : jobs_) {
-            if (!job.made) continue;
-            if (job.slots.size() > 1) job.made->freeze();
-            for (int64_t slot : job.slots) to.setTile(slot, job.made);
+            if (!job.tile) continue;
+            if (job.slots.size() > 1) job.tile->freeze();
+            for (int64_t slot : job.slots) to.setTile(slot, job.tile);
         }
     }
 

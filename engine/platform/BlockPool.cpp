@@ -44,13 +44,13 @@ constexpr std::size_t kPageBytes = 2 * 1024 * 1024;
 constexpr int kBlocksInPage = static_cast<int>(kPageBytes / kBlockBytes);
 constexpr uint8_t kAllFree = (1u << kBlocksInPage) - 1;
 static_assert(kBlocksInPage == 8);
-// What a large brush takes at a time when it comes to a new row or column of tiles.
+// How many blocks are prepared ahead: as many as a large brush takes when it reaches a new row or column of tiles.
 constexpr int64_t kPreparedBlocks = 32;
 
 /// A bit a block.
 struct PageBlocks {
     uint8_t free = kAllFree;
-    uint8_t ready = 0; // of the free ones: used before, or prepared
+    uint8_t ready = 0; // free blocks that are resident: used before, or prepared
 };
 
 /// The pages and their blocks.
@@ -130,7 +130,7 @@ public:
     }
 
 private:
-    /// The page that was given to last is the one that is likely in the caches.
+    /// The page of the block freed last, which is most likely still in the caches.
     uint8_t* readyBlock() {
         const auto page = std::find_if(open_.rbegin(), open_.rend(), [this](uint8_t* candidate) {
             return pages_.at(candidate).ready != 0;
@@ -152,7 +152,7 @@ private:
         return block;
     }
 
-    /// Marks a block, whose pages are there, as free; its page.
+    /// Marks a block whose pages are resident as free; returns its page.
     uint8_t* attach(uint8_t* block) {
         const auto found = std::prev(pages_.upper_bound(block));
         auto& [page, blocks] = *found;
@@ -185,7 +185,7 @@ private:
         }
     }
 
-    /// A free block whose pages are not there yet; null when the system has no more.
+    /// A free block whose pages are not resident yet; null when the system has no more memory.
     uint8_t* unreadyBlock() {
         try {
             if (ready_ == spare_) addPage();
@@ -246,7 +246,7 @@ private:
     std::condition_variable wanted_;
     bool isWanted_ = false;
     bool canPrepare_ = true;
-    int64_t refused_ = 0; // of the blocks to come: which one, for tests
+    int64_t refused_ = 0; // for tests: which of the next blocks to refuse
 };
 
 } // namespace

@@ -26,14 +26,14 @@ Block take(); ///< Throws std::bad_alloc; giving a block back asks for no memory
 /// a new tile does not wait for them. Does nothing where the system cannot.
 void prepare();
 
-/// Gives the system back all that nobody uses: called when a picture is closed.
+/// Returns all unused memory to the system: called when a picture is closed.
 void trim();
 
-/// For tests: refuses the `nth` block that is asked for from here on, 1 being the next, once; 0 refuses none. Tells how
-/// far off the one of the call before still is, 0 where it was refused.
+/// For tests: makes the `nth` take() from now on throw, once; 1 is the next one, 0 is none. Returns how many calls
+/// were left until the one set before, 0 when it has thrown.
 int64_t refuse(int64_t nth);
 
-int64_t readyBytes(); ///< Spare blocks whose pages are there.
+int64_t readyBytes(); ///< Of spare blocks whose pages are resident.
 int64_t usedBytes();  ///< Of blocks that are taken.
 int64_t spareBytes(); ///< Kept for later.
 

@@ -25,7 +25,7 @@ inline int64_t checkedMultiply(int64_t a, int64_t b) {
     return product;
 }
 
-/// One of our counts or places, which are signed, as the standard library takes it; a negative one stops the process.
+/// A signed count or index as the unsigned size that the standard library takes; a negative one stops the process.
 constexpr std::size_t checkedSize(int64_t count) {
     require(count >= 0);
     return static_cast<std::size_t>(count);

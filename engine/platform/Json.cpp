@@ -77,7 +77,7 @@ private:
 } // namespace
 
 std::optional<Json> parseJson(std::span<const uint8_t> text) {
-    // The parser takes a zero byte for the end of the text and would not see what stands behind it.
+    // The parser stops at a zero byte and would not see what follows it.
     if (std::find(text.begin(), text.end(), 0) != text.end()) return std::nullopt;
     DepthLimitedBuilder builder;
     if (!Json::sax_parse(text.begin(), text.end(), &builder)) return std::nullopt;
@@ -99,7 +99,7 @@ const Json* jsonOptionalMember(const Json& object, const char* key) {
 
 QString jsonText(const Json& value) {
     if (!value.is_string()) wrongType("text");
-    // A mark of byte order in front is a character of the text like any other: a name keeps it.
+    // A byte order mark at the start is part of the text: a name keeps it.
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
     return decoder(QByteArrayView(value.get_ref<const std::string&>()));
 }

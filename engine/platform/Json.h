@@ -41,7 +41,7 @@ bool jsonFlag(const Json& value);
 QUuid jsonUuid(const Json& value);
 std::string uuidText(const QUuid& id); ///< The 36 characters, in upper case.
 
-/// A number to write: JSON has no words for one that is not finite, and a file must be readable.
+/// The value, or `instead` for NaN and infinity, which JSON cannot express.
 inline double jsonFinite(double value, double instead) {
     return std::isfinite(value) ? value : instead;
 }

@@ -19,8 +19,9 @@ namespace qirn {
 
 namespace {
 
-/// What came before one thread's `told` comes before what follows another's `heard`: so it is by the library, but the
-/// thread sanitizer cannot see into it. For the same reason it does not look at this file.
+/// Everything before `told` in one thread happens before everything after `heard` in another. The library guarantees
+/// this order, but the thread sanitizer does not see it; this file is compiled without the sanitizer for the same
+/// reason.
 struct Order {
 #ifdef QIRN_THREAD_SANITIZER
     void told() {
@@ -74,7 +75,7 @@ template <class Partitioner> void perform(int64_t count, const std::function<voi
 } // namespace
 
 void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) {
-    // A tile is large enough for a task, and uneven tiles spread best that way.
+    // A tile is large enough for a task of its own, and tiles of uneven cost are balanced best that way.
     perform<tbb::simple_partitioner>(count, body);
 }
 
@@ -91,7 +92,7 @@ void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)
     if (count < 1) return;
     const int64_t threads = std::min<int64_t>(concurrency(), count);
     std::vector<std::atomic_flag> taken(checkedSize(count));
-    // The one partitioner that gives an index to the same thread each time.
+    // The only partitioner that gives an index to the same thread in every call.
     perform<tbb::static_partitioner>(threads, [&](int64_t thread) {
         for (const bool atHome : {true, false}) {
             for (int64_t i = 0; i < count; ++i) {

@@ -9,13 +9,13 @@ namespace qirn {
 /// done. The bodies must not depend on each other. A count below 1 does nothing.
 void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body);
 
-/// Like concurrentPerform for pieces that come again and again: those of one home go to the same thread from call to
-/// call, if it is free, which still has in its caches what they touched. Homes are any numbers from 0 up.
+/// Like concurrentPerform for work that repeats on the same memory: indices with the same home run on the same thread
+/// in every call, if it is free, whose caches still hold what they touched. Homes are any numbers from 0 up.
 void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)>& homeOf,
                              const std::function<void(int64_t)>& body);
 
-/// The same by up to `workers` bodies at a time, which are told who they are, from 0 on: no two with the same number run
-/// at once, so that each may have working memory of its own.
+/// The same with at most `workers` bodies at a time. Each is told its worker number, from 0; no two with the same
+/// number run at once, so that each worker can have working memory of its own.
 void concurrentPerformByWorkers(int64_t workers, int64_t count,
                                 const std::function<void(std::size_t worker, int64_t index)>& body);
 

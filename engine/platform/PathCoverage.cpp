@@ -14,14 +14,15 @@ namespace qirn {
 namespace {
 
 constexpr int kBandRows = 1024; // of a whole mask, drawn at a time
-/// QPainter cuts a path with a coordinate or a side beyond this: roughly, and slowly where it has many corners.
+/// Beyond this coordinate or side QPainter clips a path itself: inexactly, and slowly for many corners.
 constexpr double kPainterReach = 32767;
-/// Where a path that reaches too far is cut: so near that no drawing of a part of the canvas is cut again.
+/// Where a path that reaches too far is clipped: near enough that QPainter never clips it again, whatever part of the
+/// canvas is drawn.
 constexpr double kCutMargin = 1024;
 constexpr double kFarthest = 1e9; // corners beyond it would spoil the cut's arithmetic
 
-/// The path's outlines with chords for its curves. QPainter's own chords cut up to 17 of 255 off the edge of a small
-/// ellipse; those of a sixteenth of its size less than 5, which is its error on straight edges.
+/// The path with its curves flattened to chords, at a sixteenth of QPainter's tolerance: its own chords take up to 17
+/// of 255 off the edge of a small ellipse, these less than 5, which is its error on straight edges.
 QList<QPolygonF> outlinesOf(const QPainterPath& path) {
     constexpr double kFineness = 16;
     QList<QPolygonF> outlines = path.toSubpathPolygons(QTransform::fromScale(kFineness, kFineness));
@@ -43,8 +44,8 @@ QRectF boxOf(const QList<QPolygonF>& outlines) {
     return box;
 }
 
-/// What lies beyond a line across an axis, which is where `sign` x (coordinate - edge) is above 0, is moved onto it:
-/// a closed outline goes round every point on the near side as often as before.
+/// Clips an outline at a line across an axis by moving every point with `sign` x (coordinate - edge) above 0 onto the
+/// line: the winding number of every point on the near side stays the same.
 QPolygonF cutAt(const QPolygonF& outline, double (QPointF::*coordinate)() const, double edge, double sign) {
     QPolygonF cut;
     QPointF before = outline.back();
@@ -83,7 +84,7 @@ PathCoverage::PathCoverage(const QPainterPath& path, Antialias antialias, int64_
     require(width >= 1 && height >= 1 && width <= 32767 && height <= 32767);
     const auto w = static_cast<double>(width), h = static_cast<double>(height);
     const QRectF canvas(0, 0, w, h), whole = boxOf(outlines_);
-    // Drawings of lower rows have the path further up.
+    // For lower rows the path is moved up.
     const QRectF drawable(QPointF(-kPainterReach, h - kPainterReach), QPointF(kPainterReach, kPainterReach));
     const bool fits =
         drawable.contains(whole) && whole.width() <= kPainterReach && whole.height() <= kPainterReach;

@@ -13,7 +13,7 @@ enum class Antialias { no, yes };
 
 /// How far a path's fill (non-zero winding) covers the pixels of a canvas, drawn some rows at a time. Rows drawn apart
 /// are, byte for byte, those of one drawing of the whole canvas. With antialiasing a byte is the pixel's covered area
-/// from 0 to 255; without, it is 255 where the path covers the pixel's centre and otherwise 0.
+/// from 0 to 255; without, it is 255 where the path covers the pixel's center and otherwise 0.
 class PathCoverage {
 public:
     /// `path` in canvas coordinates, y down; each side of the canvas from 1 to 32,767 pixels.

@@ -4,7 +4,7 @@ namespace qirn {
 
 /// Sine and cosine of an angle in radians, in plain 64-bit arithmetic, so that every machine gives the same
 /// bits: the C library's own differ between processors with and without fused multiply-add. Within one unit
-/// of the last place for |radians| up to 1,000,000; a number that is not finite gives not-a-number.
+/// of the last place for |radians| up to 1,000,000; NaN for a number that is not finite.
 struct SineCosine {
     double sine;
     double cosine;

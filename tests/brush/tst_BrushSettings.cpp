@@ -46,7 +46,7 @@ private Q_SLOTS:
                 brush.*field.number = given;
                 brush.sanitize();
                 rest.*field.number = wanted;
-                QCOMPARE(brush, rest); // and nothing else moved
+                QCOMPARE(brush, rest); // and nothing else changed
             }
         }
         BrushSettings large = fresh();

@@ -59,7 +59,7 @@ private Q_SLOTS:
         for (double seconds : {0.03, 0.03, 0.0, -3.0, std::numeric_limits<double>::quiet_NaN()})
             studio.stroke.hold(seconds);
         QCOMPARE(studio.stroke.dabCount(), before + 1);
-        // Holding is not travelling: the next dab of the line comes where it would have come, a step of 1 away.
+        // Holding is not traveling: the next dab of the line comes where it would have come, a step of 1 away.
         studio.stroke.add({100.75, 100, 1});
         QCOMPARE(studio.stroke.dabCount(), before + 1);
         studio.stroke.add({101, 100, 1});

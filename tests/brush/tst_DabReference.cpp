@@ -13,7 +13,7 @@ using namespace qirn::test;
 
 namespace {
 
-/// The rules of a dab once more, pixel by pixel over the whole canvas and without any shortcut, on plain buffers.
+/// A second, plain implementation of dabs: pixel by pixel over the whole canvas, on plain buffers.
 class PlainStamp {
 public:
     PlainStamp(const Layer& layer, const Selection* selection, const BrushSettings& brush,
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    std::shared_ptr<RGBABuffer> before_; // initialised first
+    std::shared_ptr<RGBABuffer> before_; // initialized first
 
 public:
     std::shared_ptr<RGBABuffer> pixels;

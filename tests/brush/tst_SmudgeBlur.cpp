@@ -17,8 +17,8 @@ BrushSettings tip(BrushKind kind, double size, double strength = 0.8) {
 }
 
 /// Red on the left of x = 300, white on the right, or nothing at all there.
-struct TwoColours {
-    explicit TwoColours(const PixelBytes& right = {255, 255, 255, 255}) {
+struct TwoColors {
+    explicit TwoColors(const PixelBytes& right = {255, 255, 255, 255}) {
         paintRect(doc, layer(), {0, 0, 300, 400}, {255, 0, 0, 255});
         if (right[3] != 0) paintRect(doc, layer(), {300, 0, 300, 400}, right);
         doc.takeDirtyTiles();
@@ -39,7 +39,7 @@ class tst_SmudgeBlur : public QObject {
 
 private Q_SLOTS:
 
-    void flatColourStaysFlat() {
+    void flatColorStaysFlat() {
         for (BrushKind kind : {BrushKind::smudge, BrushKind::blur}) {
             for (const PixelBytes& bytes : {PixelBytes{10, 100, 200, 255}, {3, 50, 77, 77}}) {
                 PaintDocument doc(600, 400, 72, std::nullopt);
@@ -47,7 +47,7 @@ private Q_SLOTS:
                 doc.layer(0).freezeTiles();
                 const uint64_t before = doc.fingerprint();
                 const auto tiles = tilesOf(doc.layer(0));
-                // To a blur the canvas's own edge counts as flat too, since it repeats itself outward.
+                // A blur repeats the canvas's outermost pixels beyond the edge, so the edge counts as flat too.
                 const auto way =
                     kind == BrushKind::blur ? line(0, 0, 599, 399, 9) : line(40, 40, 560, 360, 7);
                 paintStroke(doc, way, tip(kind, 60), PaintColor::black(), nullptr, 1);
@@ -60,7 +60,7 @@ private Q_SLOTS:
     void blurringSoftensAnEdge() {
         // The box has a radius of 6: the step becomes a straight ramp of 13 pixels. It never goes beyond 12.
         for (const auto& [size, radius] : {std::pair{60, 6}, {360, 12}}) {
-            TwoColours sheet({0, 0, 0, 255});
+            TwoColors sheet({0, 0, 0, 255});
             sheet.paint({{300, 200, 1}}, tip(BrushKind::blur, size, 1));
             for (int64_t i = -radius - 1; i <= radius; ++i) {
                 const int wanted = (255 * static_cast<int>(radius - i) + radius) / (2 * radius + 1);
@@ -99,7 +99,7 @@ private Q_SLOTS:
     }
 
     void aLockedTipCarriesItsPaintAcrossAGap() {
-        TwoColours sheet;
+        TwoColors sheet;
         paintRect(sheet.doc, sheet.layer(), {300, 0, 20, 400}, {0, 0, 0, 0});
         sheet.layer().alphaLocked = true;
         sheet.paint(line(280, 200, 350, 200, 2), tip(BrushKind::smudge, 40));

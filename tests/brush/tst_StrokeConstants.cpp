@@ -8,7 +8,7 @@
 using namespace qirn;
 using namespace qirn::test;
 
-/// The same stroke gives the same bytes with every compiler and optimisation, on every processor and with any number
+/// The same stroke gives the same bytes with every compiler and optimization, on every processor and with any number
 /// of threads. `tools/stroke-matrix` runs this class for each of them.
 class tst_StrokeConstants : public QObject {
     Q_OBJECT

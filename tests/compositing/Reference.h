@@ -8,8 +8,8 @@
 #include <span>
 #include <vector>
 
-// The compositor once more, as slowly and plainly as it can be told: one pixel after the other, whole-tile
-// accumulators, a switch over the modes. Nothing of the engine's arithmetic is used here.
+// A second, plain implementation of the compositor: pixel by pixel, with accumulators of whole tiles and a switch
+// over the modes. It shares no arithmetic with the engine.
 namespace qirn::test {
 
 using Floats3 = std::array<float, 3>;
@@ -21,15 +21,15 @@ inline float lum(const Floats3& c) {
 inline Floats3 setLum(Floats3 c, float l) {
     const float d = l - lum(c);
     for (float& v : c) v = v + d;
-    const float grey = lum(c), n = *std::min_element(c.begin(), c.end()),
+    const float gray = lum(c), n = *std::min_element(c.begin(), c.end()),
                 x = *std::max_element(c.begin(), c.end());
-    if (n < 0 && grey - n != 0) {
-        const float k = grey / (grey - n);
-        for (float& v : c) v = grey + (v - grey) * k;
+    if (n < 0 && gray - n != 0) {
+        const float k = gray / (gray - n);
+        for (float& v : c) v = gray + (v - gray) * k;
     }
-    if (x > 1 && x - grey != 0) {
-        const float k = (1 - grey) / (x - grey);
-        for (float& v : c) v = grey + k * (v - grey);
+    if (x > 1 && x - gray != 0) {
+        const float k = (1 - gray) / (x - gray);
+        for (float& v : c) v = gray + k * (v - gray);
     }
     return c;
 }
@@ -101,7 +101,7 @@ inline float referenceChannel(BlendMode mode, float Cb, float Cs) {
     }
 }
 
-inline Floats3 referenceColour(BlendMode mode, const Floats3& Cb, const Floats3& Cs) {
+inline Floats3 referenceColor(BlendMode mode, const Floats3& Cb, const Floats3& Cs) {
     switch (mode) {
     case BlendMode::hue:
         return setLum(setSat(Cs, sat(Cb)), lum(Cb));
@@ -133,7 +133,7 @@ inline void referencePixel(float* p, const Floats3& s, float sa, BlendMode mode,
         return;
     }
     const Floats3 B =
-        referenceColour(mode, {p[0] / ba, p[1] / ba, p[2] / ba}, {s[0] / sa, s[1] / sa, s[2] / sa});
+        referenceColor(mode, {p[0] / ba, p[1] / ba, p[2] / ba}, {s[0] / sa, s[1] / sa, s[2] / sa});
     const float m = ba * sa;
     for (std::size_t c = 0; c < 3; ++c) {
         p[c] = atop ? m * B[c] + (1 - sa) * p[c] : (1 - ba) * s[c] + (1 - sa) * p[c] + m * B[c];

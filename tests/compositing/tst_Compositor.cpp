@@ -18,7 +18,8 @@ CompositeInput noiseInput(SeededRandom& random, bool absent) {
     if (!absent) {
         auto tile = std::make_shared<Tile>();
         std::memcpy(tile->writablePixels(), noise(256, 256, random.next())->data(), kTileBytes);
-        // Blank and opaque bands, which take roads of their own, and colour without coverage, as a damaged file holds.
+        // Blank and opaque bands, for which there is special code, and color without coverage, as a damaged file may
+        // hold.
         for (int y = 0; y < kTileSize; y += 32) {
             uint8_t* band = tile->writablePixels() + y * kTileRowBytes;
             const uint64_t kind = random.next() % 5;
@@ -80,7 +81,7 @@ private Q_SLOTS:
         }
     }
 
-    void theScreenShowsTheRoundedPixelsOverGrey() {
+    void theScreenShowsTheRoundedPixelsOverGray() {
         const std::vector<std::string> sets = instructionSets();
         const TileGrid grid(250, 512); // one tile above the other, cut at the right
         SeededRandom random(4);
@@ -93,7 +94,7 @@ private Q_SLOTS:
                       static_cast<int64_t>(1 + random.next() % 250),
                       static_cast<int64_t>(1 + random.next() % 256)}
                     .intersection(grid.rectOf(0));
-            // Whole tiles in memory that begins evenly have a road of their own.
+            // Whole tiles in aligned memory are stored by special code.
             if (seed % 3 != 0) part = grid.rectOf(0);
             const auto index = static_cast<int64_t>(seed % 2), top = index * kTileSize;
             const BlockPool::Block even = BlockPool::take();

@@ -72,7 +72,7 @@ private Q_SLOTS:
     void loadingAndReadingBackGivesTheSamePicture() {
         const auto picture = noise(600, 300, 3);
         for (int64_t y = 0; y < 256; ++y) std::fill_n(picture->row(y) + 256 * 4, 256 * 4, uint8_t{0});
-        picture->row(3)[300 * 4] = 200; // colour without alpha does not make a tile
+        picture->row(3)[300 * 4] = 200; // color without alpha does not make a tile
         Layer layer("a", kGrid);
         put(layer, 300, 10, {50, 0, 0, 255});
         const LayerState before = layer.captureState();

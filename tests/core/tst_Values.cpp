@@ -110,7 +110,7 @@ private Q_SLOTS:
         }
     }
 
-    void coloursStayInRange() {
+    void colorsStayInRange() {
         QVERIFY(PaintColor(-1, 2, 0.5, 7) == PaintColor(0, 1, 0.5, 1));
         QVERIFY(PaintColor(std::nan(""), 0, 0, 1) == PaintColor::black());
         QVERIFY(PaintColor::fromHSV(-1e-17, 1, 1) == PaintColor(1, 0, 0));

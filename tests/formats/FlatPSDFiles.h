@@ -102,7 +102,7 @@ struct File {
     }
 };
 
-/// A layer section of which only the count is of interest: in its ordinary place or in a block of its own.
+/// A layer section of which only the number of layers matters: in its ordinary place or in a block of its own.
 inline QByteArray layerCount(int16_t count, const char* block = nullptr, bool isLarge = false) {
     const auto length = [isLarge](uint32_t value) {
         return (isLarge ? big32(0) : QByteArray()) + big32(value);
@@ -135,7 +135,7 @@ inline std::array<int, 3> sRGBOfLab(double L, double a, double b) {
             encoded(0.0719453 * X - 0.2289914 * Y + 1.4052427 * Z)};
 }
 
-/// The straight colour that a file without a profile means, by the definitions of its numbers.
+/// The straight color that a file without a profile means, by the definitions of its numbers.
 inline std::array<int, 3> meaning(Mode mode, int depth, const Samples& s) {
     const double full = depth == 32 ? 1 : std::exp2(depth) - 1;
     const auto part = [&](std::size_t c) {

@@ -37,7 +37,7 @@ private Q_SLOTS:
             const double exact = encodedSrgb(std::clamp<double>(light, 0, 1));
             QVERIFY(std::abs(converted(gray, std::vector{light})[0] - exact) <= 0.5 + 1e-3);
         }
-        for (int i = 0; i < 255; ++i) { // on either side of each border between two bytes
+        for (int i = 0; i < 255; ++i) { // on either side of the threshold between two bytes
             const double v = (i + 0.5) / 255;
             const auto border =
                 static_cast<float>(v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4));
@@ -76,12 +76,12 @@ private Q_SLOTS:
                 const auto* const pixel = samples.data() + 1301 * i * static_cast<std::size_t>(channels);
                 std::vector<uint16_t> with(pixel, pixel + channels), wide;
                 with.push_back(static_cast<uint16_t>(i * 1285));
-                // Alpha lies beside the colour and leaves it alone.
+                // Alpha lies beside the color and leaves it alone.
                 Rgba wanted{};
                 std::memcpy(wanted.data(), &given[1301 * i * 4], 3);
                 wanted[3] = static_cast<uint8_t>(i * 5);
                 QCOMPARE(converted(*withAlpha, with), wanted);
-                // Bytes are the same colours as the words that stand for them.
+                // Bytes are the same colors as the words that stand for them.
                 with.pop_back();
                 std::vector<uint8_t> narrow;
                 for (const uint16_t word : with) {

@@ -51,7 +51,7 @@ std::vector<std::pair<const char*, QByteArray>> soundFiles() {
             {"psd of differences", flatPsd(differences)}};
 }
 
-/// Empty where a file is refused in words, or gives a picture of which no number and no pixel is out of range.
+/// Empty if a file is refused with an error, or opens with all numbers and pixels in range.
 QString harmOf(const QByteArray& file, bool isNative) {
     try {
         const auto doc = ImageImport::document(bytesOf(file), {});

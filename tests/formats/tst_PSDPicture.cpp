@@ -57,7 +57,7 @@ private Q_SLOTS:
             file.height = 261;                    // more rows than are unpacked at once
             file.sampleAt = noiseOf(mode, depth);
             if (mode == indexed) file.colorTable = colorTable();
-            const int tolerance = mode == lab ? 1 : 0; // where the colour library works in tables
+            const int tolerance = mode == lab ? 1 : 0; // where the color library works in tables
             const auto plain = MergedReader::decode(bytesOf(file.bytes()));
             QVERIFY2(plain, qPrintable(what));
             for (uint32_t i = 0; i < file.width * file.height; ++i) {
@@ -108,7 +108,7 @@ private Q_SLOTS:
             {"another ink", pixelFile(multichannel, 8, {255, 179, 102, 255, 153}), opaque},
             {"three inks", pixelFile(multichannel, 8, {255, 179, 102}), opaque},
             {"palette", pixelFile(indexed, 8, {255, 51}), "51,0,34,51"},
-            // Half of a mid gray: L 53.6 on 100, and no colour in either coding of it.
+            // Half of a mid gray: L 53.6 on 100, and no color in either coding of it.
             {"lab 8", pixelFile(lab, 8, {196, 128, 128, 128}, layerCount(-1)), "64,64,64,128"},
             {"lab 16", pixelFile(lab, 16, {50266, 32768, 32768, 32896}, layerCount(-1, "Lr16")),
              "64,64,64,128"},
@@ -174,7 +174,7 @@ private Q_SLOTS:
         const QColorSpace linearP3(QColorSpace::Primaries::DciP3D65, QColorSpace::TransferFunction::Linear);
         const QByteArray linear = psdResource(1039, {}, linearP3.iccProfile());
         const Samples floats{bitsOf(0.2), bitsOf(0.5), bitsOf(0.2)}, words{25700, 38550, 51400};
-        // Computed from the definitions of the colour spaces.
+        // Computed from the definitions of the color spaces.
         comparePixels({
             {"8 bits", pixelFile(rgb, 8, {100, 150, 200}, {}, adobe), "66,151,203,255"},
             {"16 bits", pixelFile(rgb, 16, words, {}, adobe), "66,151,203,255"},

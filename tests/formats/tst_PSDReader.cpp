@@ -46,7 +46,7 @@ QString damaged(const char* what) {
     return PaintFileError::damaged(what).description();
 }
 
-/// A layer of one straight colour with rows as they are.
+/// A layer of one straight color with rows as they are.
 PSDRecord flatRecord(int32_t top, int32_t left, int32_t bottom, int32_t right, const PixelBytes& straight) {
     PSDRecord record{.top = top, .left = left, .bottom = bottom, .right = right};
     const int w = right - left, h = bottom - top;
@@ -71,7 +71,7 @@ QString reds(const QByteArray& file) {
     return rows.trimmed();
 }
 
-/// A layer over the canvas of 4 x 3 with these red rows, opaque and without other colours.
+/// A layer over the canvas of 4 x 3 with these red rows, opaque and without other colors.
 PSDParts withRedRows(const std::vector<QByteArray>& rows) {
     const std::vector<QByteArray> black(3);
     PSDRecord record{.bottom = 3, .right = 4};

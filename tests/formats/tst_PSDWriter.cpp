@@ -13,7 +13,7 @@ using PSDFile::Layered;
 
 namespace {
 
-/// Every colour with every alpha to straight colour and back.
+/// Every color with every alpha to straight color and back.
 void checkStraightRows() {
     for (int a = 0; a < 256; ++a) {
         std::array<std::array<uint8_t, 256>, 4> planes;
@@ -40,7 +40,7 @@ void checkStraightRows() {
             }
             QCOMPARE(back[4 * c + 3], alpha);
         }
-        // Every colour times every alpha.
+        // Every color times every alpha.
         std::array<uint8_t, 256> alphas;
         alphas.fill(static_cast<uint8_t>(a));
         for (std::size_t c = 0; c < 256; ++c) planes[0][c] = static_cast<uint8_t>(c);
@@ -57,7 +57,7 @@ class tst_PSDWriter : public QObject {
 private Q_SLOTS:
     void cleanup() { useInstructionSet({}); }
 
-    void straightColourComesBack() {
+    void straightColorComesBack() {
         for (const std::string& name : instructionSets()) {
             useInstructionSet(name);
             checkStraightRows();
@@ -88,7 +88,7 @@ private Q_SLOTS:
                  hex("00000000 00000000 03") + "Ink8BIMluni" + hex("0000000C 00000003 0049 006E 006B 0000"));
         QCOMPARE(file.mid(166, 24), hex("0001 0002 FE64  0001 0002 FE80  0001 0002 FE00  0001 0002 FEFF"));
         QCOMPARE(file.mid(190, 4), hex("00000000"));
-        // Hidden: seven rows of nothing, four times; with layers the colours are white, and others lie on it.
+        // Hidden: seven rows of nothing, four times; with layers the colors are white, and others lie on it.
         const QByteArray counts = hex("0001") + big16(6).repeated(28), zeros = hex("8100 8100 D500");
         QCOMPARE(file.mid(194), counts + hex("81FF 81FF D5FF").repeated(21) + zeros.repeated(7));
         PaintDocument dot(1, 1, 72, std::nullopt);

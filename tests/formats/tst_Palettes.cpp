@@ -12,7 +12,7 @@ PaletteColor named(const char* hex, const char* name = "") {
     return {*PaintColor::fromHex(QString::fromUtf8(hex)), QString::fromUtf8(name)};
 }
 
-/// The colours in short form, to compare and to print: "#RRGGBB name, #RRGGBB".
+/// The colors in short form, to compare and to print: "#RRGGBB name, #RRGGBB".
 QString written(const std::vector<PaletteColor>& colors) {
     QStringList list;
     for (const PaletteColor& entry : colors) list += (entry.color.hex() + u' ' + entry.name).trimmed();
@@ -48,7 +48,7 @@ QByteArray words(std::initializer_list<int> values) {
     return out.take();
 }
 
-/// Random colours of whole bytes; every third without a name.
+/// Random colors of whole bytes; every third without a name.
 Palette randomPalette(uint64_t seed) {
     SeededRandom random(seed);
     Palette palette{QUuid::createUuid(), QString::fromUtf8("Ébauche 🎨 %1").arg(seed), {}, false};

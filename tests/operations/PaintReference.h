@@ -7,8 +7,8 @@
 
 namespace qirn::test {
 
-/// One straight colour (r, g, b) laid on one premultiplied pixel to the extent of `cov`, from 0 to 1: the rule as it
-/// is told, channel by channel.
+/// One straight color (r, g, b) painted on one premultiplied pixel with coverage `cov`, 0 to 1: the definition,
+/// channel by channel.
 inline void layOnPixel(uint8_t* pixel, const std::array<float, 3>& color, float cov, bool alphaLocked) {
     const float oldAlpha = pixel[3] / 255.0f;
     if (alphaLocked && pixel[3] == 0) return;

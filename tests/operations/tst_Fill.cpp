@@ -14,7 +14,7 @@ namespace {
 
 const PaintColor kOrange(1, 0.5, 0, 1);
 
-/// Bits of every kind, tiles with none and with all of them.
+/// Random bits, in some tiles none and in some all.
 TileMask patchyMask(const TileGrid& grid) {
     TileMask mask(grid);
     SeededRandom random(8);

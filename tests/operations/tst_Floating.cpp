@@ -34,7 +34,7 @@ PixelBytes taken(const PixelBytes& pixel, const SelectionRef& selection, int64_t
     return part;
 }
 
-/// What a stamp makes of one pixel, in the order of operations that files and machines agree on.
+/// One pixel stamped on another, in the engine's order of operations.
 PixelBytes stamped(const PixelBytes& old, const PixelBytes& source, float m, bool alphaLocked) {
     if (source[3] == 0 || m == 0 || (alphaLocked && old[3] == 0)) return old;
     const auto byte = [](float v) {
@@ -81,7 +81,7 @@ private Q_SLOTS:
 
     void tilesAreThoseOfOneBuffer_data() {
         QTest::addColumn<SelectionRef>("selection");
-        QTest::addColumn<QTransform>("transform"); // besides the way to where the pixels were
+        QTest::addColumn<QTransform>("transform"); // besides the translation to the old place
         const std::pair<const char*, SelectionRef> selections[] = {
             {"all", {}},
             {"soft", softSelection({200, 100, 300, 190}, 6)},
@@ -127,7 +127,7 @@ private Q_SLOTS:
             QVERIFY(floating->hasAlpha());
 
             layer.alphaLocked = alphaLocked;
-            doc->selection = softSelection({0, 0, 2, 2}, 7); // has no say in placing
+            doc->selection = softSelection({0, 0, 2, 2}, 7); // is ignored when placing
             const QTransform toCanvas =
                 QTransform::fromTranslate(static_cast<double>(origin.x), static_cast<double>(origin.y)) *
                 transform;

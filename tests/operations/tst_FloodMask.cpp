@@ -81,7 +81,7 @@ private:
     std::vector<bool> mask_;
 };
 
-/// Grey of three shades 10 apart, drawn for each block of so many pixels; some blocks are transparent.
+/// Gray of three shades 10 apart, drawn for each block of so many pixels; some blocks are transparent.
 std::unique_ptr<PaintDocument> maze(int64_t width, int64_t height, int64_t block, uint64_t seed) {
     auto doc = std::make_unique<PaintDocument>(width, height, 72, std::nullopt);
     SeededRandom random(seed);

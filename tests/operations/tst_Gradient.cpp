@@ -89,7 +89,7 @@ private Q_SLOTS:
     }
 
     void aDragOfNoLength() {
-        for (const auto& [from, centre] : {std::pair{QPointF(60, 40), 255}, {QPointF(60.5, 40.5), 0}}) {
+        for (const auto& [from, center] : {std::pair{QPointF(60, 40), 255}, {QPointF(60.5, 40.5), 0}}) {
             PaintDocument doc(100, 80, 72, {});
             const auto red = [&](int64_t x, int64_t y) { return int(doc.activeLayer().pixel(x, y)[0]); };
             for (GradientKind kind : {linear, reflected}) {
@@ -99,7 +99,7 @@ private Q_SLOTS:
             }
             fill(doc, from, from, radial);
             QCOMPARE(red(59, 40), 255);
-            QCOMPARE(red(60, 40), centre); // the start shows where it is a pixel's centre
+            QCOMPARE(red(60, 40), center); // the start shows where it is a pixel's center
         }
     }
 

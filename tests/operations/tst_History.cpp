@@ -18,7 +18,7 @@ struct Held {
     int64_t layers, selections; // bytes
 };
 
-/// What states hold, counted afresh: every tile of every state, each once.
+/// The memory that states hold, counted from scratch: every tile of every state, each once.
 Held recounted(History history) {
     std::set<const void*> tiles, masks;
     for (const auto& entry : history) {
@@ -30,7 +30,7 @@ Held recounted(History history) {
     return {std::ssize(tiles) * kTileBytes, std::ssize(masks) * kTilePixels};
 }
 
-/// How many of these entries, the last of which was just committed, a document is to keep.
+/// How many of these entries a document must keep; the last was just committed.
 std::size_t keptOf(History all, const PaintDocument& doc) {
     std::size_t kept =
         std::min(all.size(), static_cast<std::size_t>(std::max<int64_t>(doc.maxUndoSteps + 1, 2)));

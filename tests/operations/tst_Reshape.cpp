@@ -28,7 +28,7 @@ QString firstMisplaced(const PaintDocument& doc, const PaintDocument& old, const
     return wrong;
 }
 
-/// No byte beyond the edge of the canvas is anything but 0: it would come back when the canvas grows.
+/// Every byte beyond the edge of the canvas must be 0: it would reappear when the canvas grows.
 bool edgesAreClean(const PaintDocument& doc) {
     bool clean = true;
     for (const LayerRef& layer : doc.layers()) {
@@ -152,7 +152,8 @@ private Q_SLOTS:
             });
     }
 
-    /// Which tst_Resampler holds against its definition; here the outermost pixels go on beyond the edges.
+    /// tst_Resampler compares the filter with its definition; here the outermost pixels are repeated beyond the
+    /// edges.
     void imageSizeFollowsTheFilterUpToTheEdges() {
         const auto source = noise(300, 280, 6);
         constexpr int64_t kBeyond = 600; // twice the widest filter
@@ -200,7 +201,7 @@ private Q_SLOTS:
         cropTo(doc, {100, 100, 29000, 29800});
         check(25);
         resizeImage(doc, 14500, 14900);
-        check(600); // where not all around is of one colour it is scaled
+        check(600); // where not all around is of one color it is scaled
     }
 
     void tilesThatFallOnTilesAreNotCopied() {

@@ -21,7 +21,7 @@ SelectionRef made(const QPainterPath& path, SelectionOp op = SelectionOp::replac
     return Selection::make(path, op, existing, kWidth, kHeight, antialias);
 }
 
-/// A selection as plain bytes, and what is done to it, over the whole canvas at once.
+/// A selection as one plain mask of the whole canvas, and its operations.
 struct PlainSelection {
     std::vector<uint8_t> bytes = std::vector<uint8_t>(kWidth * kHeight);
     QPainterPath outline;
@@ -81,8 +81,8 @@ struct PlainSelection {
     }
 };
 
-/// Of any size and place, over tile seams and canvas edges, also off the canvas; every third on a grid of 1/128 pixels,
-/// where rounding to half of what QPainter tells apart is a tie.
+/// Of any size and place, across tile seams and canvas edges, also off the canvas; every third on a grid of 1/128
+/// pixels, half of QPainter's resolution, where rounding is a tie.
 QPainterPath anyShape(SeededRandom& random) {
     const double spread = 0.2 + 1.5 * random.unit(), grid = random.next() % 3 == 0 ? 128 : 1e9;
     const auto at = [&] {

@@ -48,13 +48,13 @@ bool isUnnamed(int flags) {
     return (flags & O_TMPFILE) == O_TMPFILE; // it holds O_DIRECTORY
 }
 
-/// Whether the file system of a folder has files without a name.
+/// Whether the file system of a folder has unnamed files.
 bool hasUnnamedFiles(const QString& folder) {
     const int file = ::open(QFile::encodeName(folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
     return file >= 0 && ::close(file) == 0;
 }
 
-/// What a system can do about files without a name.
+/// Whether a system has unnamed files.
 enum class Unnamed { all, noneToOpen, noneToLink };
 constexpr std::pair<const char*, Unnamed> kSystems[] = {
     {"unnamed", Unnamed::all}, {"by name", Unnamed::noneToOpen}, {"no way to link", Unnamed::noneToLink}};
@@ -209,7 +209,7 @@ private Q_SLOTS:
         QCOMPARE(errorOf(at("picture"), calls), EIO);
         QCOMPARE(contentOf(at("picture")), kNew); // too late to go back, and the new file is whole
         QCOMPARE(names(), QStringList("picture"));
-        folderError = EINVAL; // a file system without such a thing
+        folderError = EINVAL; // a file system that cannot flush folders
         QCOMPARE(errorOf(at("picture"), calls), 0);
     }
 

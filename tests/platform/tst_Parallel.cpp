@@ -35,7 +35,7 @@ private Q_SLOTS:
 
     void noTwoBodiesOfOneWorkerRunAtOnce() {
         for (int64_t count : {-3, 0, 1, 2, 3000}) {
-            std::vector<int> runs(3000), sums(3); // unguarded: a sanitizer or the sums tell
+            std::vector<int> runs(3000), sums(3); // unguarded: races show in the sums or a sanitizer
             std::atomic<int64_t> strangers = 0;
             concurrentPerformByWorkers(3, count, [&](std::size_t worker, int64_t i) {
                 strangers += worker >= sums.size();

@@ -79,7 +79,7 @@ void checkArea(const char* what, const QPainterPath& path, bool crossesItself = 
         const auto softly = soft[static_cast<std::size_t>(i)], hardly = hard[static_cast<std::size_t>(i)];
         // Where an outline crosses itself the area within the pixel of the crossing is only a guess.
         if (!crossesItself || area < 0.1 || area > 254.9) QVERIFY2(std::fabs(softly - area) < 8, what);
-        // A centre within 1/32 of an edge may fall either way.
+        // A center within 1/32 of an edge may fall either way.
         int near = 0;
         for (int corner = 0; corner < 4; ++corner)
             near += isInside(outlines, x + 0.5 + (corner % 2 - 0.5) / 16, y + 0.5 + (corner / 2 - 0.5) / 16);

@@ -24,9 +24,9 @@ std::shared_ptr<RGBABuffer> drawn(const RGBABuffer& source, const QTransform& t,
 }
 
 /// About the middle of a picture, which comes to lie at `centre`.
-QTransform turned(const RGBABuffer& source, QPointF centre, double degrees, double scaleX, double scaleY) {
+QTransform turned(const RGBABuffer& source, QPointF center, double degrees, double scaleX, double scaleY) {
     QTransform t;
-    t.translate(centre.x(), centre.y());
+    t.translate(center.x(), center.y());
     t.rotate(degrees);
     t.scale(scaleX, scaleY);
     t.translate(-static_cast<double>(source.width()) / 2, -static_cast<double>(source.height()) / 2);

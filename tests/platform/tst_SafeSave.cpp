@@ -48,7 +48,7 @@ private Q_SLOTS:
             QVERIFY2(found == old || found == fresh, qPrintable(QString::number(kills)));
             QVERIFY(isKilled || (found == fresh && process.exitCode() == 0));
             replaced += isKilled && found == fresh;
-            // What a killed save was writing can be told by its name, and stands in nobody's way.
+            // The file that a killed save leaves has a recognizable name and does not disturb the next save.
             static const QRegularExpression temporary(QStringLiteral("^\\.qirn-[0-9a-f]{12}$"));
             for (const QString& name : namesBeside()) {
                 QVERIFY2(temporary.match(name).hasMatch(), qPrintable(name));

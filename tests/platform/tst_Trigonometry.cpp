@@ -29,7 +29,9 @@ private Q_SLOTS:
         uint64_t h = PaintEngine::fnvStart;
         for (int i = 0; i < 400000; ++i) {
             double angle = (i % 2 ? 7 : 1e6) * random.signedUnit(); // a circle, and the promised range
-            if (i % 8 < 2) angle = std::round(angle) * 3.14159265358979323846 / 2; // hardest, and commonest
+            if (i % 8 < 2)
+                angle = std::round(angle) * 3.14159265358979323846 /
+                        2; // near multiples of pi: the hardest and most common
             const SineCosine sc = sineCosine(angle);
             worst = std::max(worst, unitsOff(sc.sine, std::sin(static_cast<long double>(angle))));
             worst = std::max(worst, unitsOff(sc.cosine, std::cos(static_cast<long double>(angle))));

@@ -13,7 +13,7 @@ void dropUse(Uses& uses, const void* of) {
     if (--found->second == 0) uses.erase(found);
 }
 
-/// One more use of a group; where it is the first, one more of each of its pieces. All or none.
+/// Counts one more use of a group and, if it is the first, one more use of each of its pieces. All or nothing.
 template <class ForEach>
 void addGroup(Uses& groups, const void* group, Uses& pieces, const ForEach& forEach) {
     if (++groups[group] > 1) return;

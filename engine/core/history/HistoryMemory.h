@@ -14,7 +14,7 @@ class Selection;
 /// a commit costs what changed since the last one.
 class HistoryMemory {
 public:
-    /// Counts all or, where memory runs out, none and throws. `selection` may be null.
+    /// If memory runs out, throws and counts nothing. `selection` may be null.
     void add(const std::vector<LayerState>& layers, const Selection* selection);
     void remove(const std::vector<LayerState>& layers, const Selection* selection);
     void clear() { *this = {}; }

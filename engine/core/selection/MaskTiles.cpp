@@ -21,9 +21,9 @@ MaskTiles::MaskTiles(const TileGrid& grid) : grid_(grid), slots_(checkedSize(gri
 
 const MaskTiles::Ref& MaskTiles::whole() {
     static const Ref tile = [] {
-        auto made = std::make_shared<MaskTile>();
-        made->fill(255);
-        return made;
+        auto whole = std::make_shared<MaskTile>();
+        whole->fill(255);
+        return whole;
     }();
     return tile;
 }

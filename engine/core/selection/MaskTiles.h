@@ -29,7 +29,7 @@ public:
     bool isAbsent(int64_t index) const { return !share(index); }
     bool isWhole(int64_t index) const { return share(index) == whole(); }
     const Ref& share(int64_t index) const { return slots_[checkedSize(index)]; }
-    /// Row `y` of a tile, whatever it is.
+    /// Row `y` of any tile: absent, whole or with bytes.
     const uint8_t* row(int64_t index, int64_t y) const;
     IRect bounds() const; ///< Tight box of all bytes that are not 0; the zero rectangle when there are none.
 
@@ -42,7 +42,7 @@ public:
 
     // Different tiles may be set from different threads.
     void set(int64_t index, Ref tile) { slots_[checkedSize(index)] = std::move(tile); }
-    /// A new tile, of which nothing is kept where it is 0 or 255 all over the canvas.
+    /// A new tile; stored as absent or as `whole` if all its bytes on the canvas are 0 or 255.
     void setBytes(int64_t index, std::unique_ptr<MaskTile> tile);
 
 private:

@@ -17,7 +17,7 @@ QPainterPath rectanglePath(const IRect& rect) {
     return path;
 }
 
-/// What a path covers, as tiles.
+/// The coverage of a path as tiles.
 MaskTiles coverageTiles(const QPainterPath& path, const TileGrid& grid, Antialias antialias) {
     MaskTiles tiles(grid);
     const PathCoverage coverage(path, antialias, grid.width, grid.height);
@@ -48,7 +48,7 @@ uint8_t combined(SelectionOp op, unsigned fresh, unsigned kept) {
     return static_cast<uint8_t>(((op == SelectionOp::subtract ? 255 - fresh : fresh) * kept + 127) / 255);
 }
 
-/// What two tiles come to without arithmetic; nothing where both have edges.
+/// Combines two tiles of which one is empty or whole; nothing where both have partial coverage.
 std::optional<MaskTiles::Ref> plainly(SelectionOp op, const MaskTiles::Ref& fresh,
                                       const MaskTiles::Ref& kept) {
     const bool isAllFresh = fresh == MaskTiles::whole(), isAllKept = kept == MaskTiles::whole();
@@ -69,7 +69,7 @@ std::optional<MaskTiles::Ref> plainly(SelectionOp op, const MaskTiles::Ref& fres
     return std::nullopt;
 }
 
-/// Combines what is fresh with what was selected.
+/// Combines the new coverage with the previous selection, in place.
 void combine(MaskTiles& fresh, SelectionOp op, const MaskTiles& kept) {
     std::vector<int64_t> edges;
     for (int64_t index = 0; index < fresh.grid().count(); ++index) {

@@ -21,12 +21,12 @@ using SelectionRef = std::shared_ptr<const Selection>;
 /// background work share it. At least one byte is not 0: where nothing would be selected there is no object, and
 /// a document without one has everything selected. A selection made of another one shares the tiles that are alike.
 class Selection {
-    struct Key {}; // only the makers below construct one
+    struct Key {}; // only the functions below can construct a selection
 
 public:
-    /// Rasterises a path (canvas coordinates) and combines it with what is selected. `subtract` and `intersect`
-    /// with nothing selected give null, as does an empty result. The outline stays the union of both paths: it is
-    /// a hint for the eye, not the truth of what is selected.
+    /// Rasterizes a path (canvas coordinates) and combines it with what is selected. `subtract` and `intersect` with
+    /// nothing selected give null, as does an empty result. The outline is always the union of both paths: it is
+    /// shown to the user and does not say what is selected.
     static SelectionRef make(const QPainterPath& path, SelectionOp op, const SelectionRef& existing,
                              int64_t width, int64_t height, Antialias antialias);
     /// The bytes as given, `width` x `height` of them, otherwise null; outlined by their bounds.

@@ -14,8 +14,8 @@ namespace qirn {
 /// result does not depend on how the picture was cut, in what order the parts came, or on how many threads. What
 /// is never handed over counts as transparent. Pixels are premultiplied throughout.
 ///
-/// In units in which the whole picture is `source width * target width` long, a source pixel covers `target width`
-/// of them and a target pixel `source width`: every overlap is a whole number. The same goes for the heights.
+/// Lengths are in units of which the whole picture is `source width * target width` wide: a source pixel is `target
+/// width` wide and a target pixel `source width`, so every overlap is a whole number. The same goes for the heights.
 class AreaReducer {
 public:
     /// A target side is at least 1 and at most the source's. Only target pixels inside `window` are

@@ -75,7 +75,7 @@ void BEWriter::bytes(std::span<const uint8_t> block) {
 std::span<uint8_t> BEWriter::grow(int64_t count) {
     require(count >= 0);
     const qsizetype before = bytes_.size(), needed = before + static_cast<qsizetype>(count);
-    if (needed > bytes_.capacity()) bytes_.reserve(needed + needed / 4); // left alone it takes twice as much
+    if (needed > bytes_.capacity()) bytes_.reserve(needed + needed / 4); // by itself it would double
     bytes_.resize(needed);
     return {reinterpret_cast<uint8_t*>(bytes_.data()) + before, checkedSize(count)};
 }

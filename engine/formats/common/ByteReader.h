@@ -51,7 +51,7 @@ public:
     void bytes(std::span<const uint8_t> block);
     void bytes(const QByteArray& block) { bytes_.append(block); }
     void zeros(int64_t count) { bytes_.append(static_cast<qsizetype>(count), '\0'); }
-    /// So many more bytes, to be filled by the caller before anything else is added.
+    /// Appends so many bytes, which the caller fills before it adds anything else.
     std::span<uint8_t> grow(int64_t count);
     /// Writes over four bytes that are there: the length of a section, once it is known.
     void patchU32(int64_t at, uint32_t value);

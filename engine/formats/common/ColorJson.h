@@ -4,7 +4,7 @@
 
 namespace qirn {
 
-/// A colour as files and records hold it: an object of the numbers r, g, b, a.
+/// A color as files and records hold it: an object of the numbers r, g, b, a.
 OrderedJson colorToJson(const PaintColor& color);
 /// Each channel clamped to 0 to 1. Throws JsonTypeError where one is missing or no number.
 PaintColor colorFromJson(const Json& value);

@@ -17,13 +17,13 @@ namespace qirn {
 
 namespace {
 
-constexpr std::size_t kLargestProfile = 16u << 20; // bytes; those of presses with many tables have 3 MB
-constexpr uint32_t kLargestAllocation = 64u << 20; // bytes that the colour library may take at once
+constexpr std::size_t kLargestProfile = 16u << 20; // bytes; large printer profiles have 3 MB
+constexpr uint32_t kLargestAllocation = 64u << 20; // bytes that the color library may take at once
 
 // y = (a x + b)^g from d on, c x below it: g, a, b, c, d.
 constexpr std::array<double, 5> kSrgbCurve{2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
 
-// The colour library's allocations, so that a lying profile is refused and not obeyed.
+// The color library's allocations, limited, so that a profile that claims huge tables is refused.
 void* allocate(cmsContext, cmsUInt32Number bytes) {
     return bytes > kLargestAllocation ? nullptr : std::malloc(bytes);
 }
@@ -85,13 +85,13 @@ std::shared_ptr<void> transformBetween(const Context& context, const Profile& so
         cmsCreateTransformTHR(static_cast<cmsContext>(context.get()), source.get(), from, target.get(), to,
                               INTENT_RELATIVE_COLORIMETRIC, flags | cmsFLAGS_BLACKPOINTCOMPENSATION);
     if (!transform) return nullptr;
-    return {transform, [context](void* made) { cmsDeleteTransform(made); }};
+    return {transform, [context](void* handle) { cmsDeleteTransform(handle); }};
 }
 
 std::shared_ptr<void> transformFrom(const Context& context, const Profile& source,
                                     const PixelLayout& layout) {
     const Profile target(cmsCreate_sRGBProfileTHR(static_cast<cmsContext>(context.get())));
-    // Tables made beforehand lose a step or two where they interpolate; only 8-bit pixels are worth their speed.
+    // Precomputed tables are off by a step or two where they interpolate; they are used for 8-bit pixels only.
     const bool isByte = layout.sample == SampleType::u8 && layout.model != ColorModel::lab;
     const cmsUInt32Number care = isByte ? cmsFLAGS_HIGHRESPRECALC : cmsFLAGS_NOOPTIMIZE;
     return transformBetween(context, source, formatOf(layout), target, TYPE_RGBA_8,
@@ -112,7 +112,7 @@ Profile rgbProfileOf(cmsContext library, const ColorProfile::Chromaticities& pla
     return Profile(cmsCreateRGBProfileTHR(library, &white, &primaries, curves));
 }
 
-/// For 16-bit grey and RGB; null where the tables would not do, and for all others.
+/// Tables for 16-bit gray and RGB; null for other layouts and where they would not be exact.
 std::shared_ptr<const WideColorTables> tablesFrom(const Context& context, const Profile& source,
                                                   const PixelLayout& layout) {
     if (layout.sample != SampleType::u16) return nullptr;
@@ -131,7 +131,7 @@ std::shared_ptr<const WideColorTables> tablesFrom(const Context& context, const 
     return linear ? WideColorTables::ofRgb(workOf(exact), workOf(linear)) : nullptr;
 }
 
-/// Whether 8-bit colours come out of a transform as they went in, but for rounding.
+/// Whether a transform leaves 8-bit colors unchanged, except for rounding.
 bool changesNothing(void* transform, int channels) {
     std::vector<uint8_t> colors;
     for (int v = 0; v < 256; ++v) colors.insert(colors.end(), checkedSize(channels), static_cast<uint8_t>(v));
@@ -186,7 +186,7 @@ uint8_t alphaByte(float value) {
     return static_cast<uint8_t>(std::min(std::max(0.0f, value), 1.0f) * 255 + 0.5f);
 }
 
-/// Light that an ideal ink and an ideal black let through; both from 0 (full ink) to `white`.
+/// Light that ideal ink and ideal black transmit; both from 0 (full ink) to `white`.
 uint8_t throughInks(uint64_t ink, uint64_t black, uint64_t white) {
     return static_cast<uint8_t>((ink * black * 255 + white * white / 2) / (white * white));
 }
@@ -232,7 +232,7 @@ std::optional<ColorProfile> ColorProfile::embedded(std::span<const uint8_t> icc,
         const PixelLayout bytes{layout.model, SampleType::u8, false, false};
         const auto transform = transformFrom(context, profile, bytes);
         if (!transform) return std::nullopt;
-        // Linear light in 32 bits is never what such a profile means by the numbers.
+        // Samples of 32 bits are linear light, which such a profile does not describe.
         if (layout.sample != SampleType::f32 && changesNothing(transform.get(), bytes.colorChannels()))
             return result;
     }

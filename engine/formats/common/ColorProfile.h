@@ -9,9 +9,9 @@ namespace qirn {
 class WideColorTables;
 
 enum class ColorModel { gray, rgb, cmyk, lab };
-enum class SampleType { u8, u16, f32 }; ///< f32 is for grey and RGB only.
+enum class SampleType { u8, u16, f32 }; ///< f32 is for gray and RGB only.
 
-/// How a file's pixels lie in memory: the channels of the colour, then alpha where there is one, side by side and
+/// How a file's pixels lie in memory: the channels of the color, then alpha where there is one, side by side and
 /// straight, in the processor's byte order. Lab is coded as profiles do: L from 0 to 100, a and b from -128 to 127
 /// with 0 at 128 (8 bits) or 32,896 (16 bits).
 struct PixelLayout {
@@ -24,17 +24,17 @@ struct PixelLayout {
     int pixelBytes() const;
 };
 
-/// Turns a file's colours into sRGB. It is immutable: any number of threads may convert at once.
+/// Turns a file's colors into sRGB. It is immutable: any number of threads may convert at once.
 class ColorProfile {
 public:
-    /// From the bytes of an embedded ICC profile; nothing for one that is broken or of another colour model, which is
-    /// then best ignored. A profile that is sRGB but for rounding leaves the colours exactly as they are.
+    /// From the bytes of an embedded ICC profile; nothing for a broken one or one of another color model, which the
+    /// caller ignores. A profile that equals sRGB except for rounding leaves colors exactly as they are.
     static std::optional<ColorProfile> embedded(std::span<const uint8_t> icc, const PixelLayout& layout);
-    /// For a file that says nothing: grey and RGB are sRGB, in 32 bits linear; the inks of CMYK are ideal; Lab is
+    /// For a file that says nothing: gray and RGB are sRGB, in 32 bits linear; the inks of CMYK are ideal; Lab is
     /// relative to D50.
     static ColorProfile standard(const PixelLayout& layout);
     /// By the places of the primaries and of white in the CIE diagram, and the power by which stored values become
-    /// light (none: the curve of sRGB). Grey has only the latter. Nothing for numbers that describe no colours.
+    /// light (none: the curve of sRGB). Gray has only the latter. Nothing for numbers that describe no colors.
     struct Chromaticities {
         double whiteX, whiteY, redX, redY, greenX, greenY, blueX, blueY;
         bool operator==(const Chromaticities&) const = default;
@@ -51,8 +51,9 @@ private:
     explicit ColorProfile(const PixelLayout& layout) : layout_(layout) {}
 
     PixelLayout layout_;
-    std::shared_ptr<void> transform_;               // of the colour library; null: the plain formulas serve
-    std::shared_ptr<const WideColorTables> tables_; // of what it does to 16 bits; null: it serves itself
+    std::shared_ptr<void> transform_; // of the color library; null: plain formulas are used
+    std::shared_ptr<const WideColorTables>
+        tables_; // its results for 16 bits as tables; null: the transform is used
 };
 
 } // namespace qirn

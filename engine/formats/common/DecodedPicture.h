@@ -5,7 +5,7 @@ namespace qirn {
 
 /// A picture as it came out of a file.
 struct DecodedPicture {
-    LayerRef layer; ///< "Background", of the picture's size: upright, in the document's colours.
+    LayerRef layer; ///< "Background", of the picture's size: upright, in the document's colors.
     double dpi = 72;
 };
 

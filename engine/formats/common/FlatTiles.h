@@ -12,15 +12,15 @@ namespace qirn {
 /// Gives each pixel of a part of a tile of zeros this premultiplied value.
 void fillPart(Tile& tile, const IRect& part, const PixelBytes& pixel);
 
-/// Tiles of one colour: each is made once, frozen, for all slots that look like it.
+/// Tiles of one color: each is created once, frozen, and shared by all slots that look the same.
 class FlatTiles {
 public:
-    /// Transparent round the part; null where nothing of it shows.
+    /// Transparent outside of the part; null if all of it is transparent.
     TileRef tile(const IRect& part, const PixelBytes& pixel);
 
 private:
     using Look = std::tuple<int64_t, int64_t, int64_t, int64_t, PixelBytes>;
-    std::map<Look, TileRef> made_;
+    std::map<Look, TileRef> tiles_;
 };
 
 } // namespace qirn

@@ -5,12 +5,12 @@
 
 namespace qirn {
 
-/// Something in which a picture that was opened is not what its file was made to be, in words for the user.
+/// A difference between an opened picture and what its file describes, in words for the user.
 struct ImportRemark {
     enum class Kind { without, asOneLayer };
 
     Kind kind = Kind::without;
-    QString what; ///< "masks", "16-bit color": what is missing, or why there is one layer only.
+    QString what; ///< What is missing ("masks"), or why there is only one layer ("16-bit color").
 
     bool operator==(const ImportRemark&) const = default;
 };

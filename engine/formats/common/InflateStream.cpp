@@ -46,7 +46,7 @@ void InflateStream::read(std::span<uint8_t> into) {
         const int result = inflate(state_.get(), Z_NO_FLUSH);
         const std::size_t got = wanted - state_->avail_out;
         into = into.subspan(got);
-        // Z_BUF_ERROR says that nothing more comes of the bytes that are there.
+        // Z_BUF_ERROR: no further output from the input given so far.
         const bool goesOn = result == Z_OK || (result == Z_BUF_ERROR && !waiting_.empty());
         if (!into.empty() && !goesOn) throw BEReader::Short();
     }

@@ -17,9 +17,9 @@ namespace {
 
 constexpr int64_t kBlockBytes = 4 << 20;
 constexpr int64_t kHarmlessPixels = 1 << 20;
-constexpr int64_t kStripRows = 32; // of a tile, converted at a time: they stay in the nearest cache
+constexpr int64_t kStripRows = 32; // of a tile, converted at a time: they fit the L1 cache
 
-/// Where the stored x and y grow with those of the upright picture, by EXIF's number.
+/// Rotation and mirroring from the upright to the stored picture, in the order of EXIF's numbers.
 struct Turn {
     int xx, xy, yx, yy;
 };
@@ -132,7 +132,7 @@ void PictureBuilder::addPart(int64_t slot, const IRect& stored) {
                    growing.tile->writableRow(part.y) + part.x * 4, kTileRowBytes, part.w, part.h);
 }
 
-/// Where the stored pixels of a rectangle that touches the slot lie in its tile.
+/// The part of the slot's tile that the stored pixels of a rectangle fall on.
 IRect PictureBuilder::partOfTile(int64_t slot, const IRect& stored) const {
     const IRect place = grid_.rectOf(slot);
     if (stored.isEmpty()) return {};
@@ -145,7 +145,7 @@ const uint8_t* PictureBuilder::storedPixel(int64_t x, int64_t y) const {
            x * profile_.layout().pixelBytes();
 }
 
-/// What the pixels become if all of them are stored as the same bytes.
+/// The converted pixel if all pixels are stored as the same bytes.
 std::optional<PixelBytes> PictureBuilder::flatPixel(const IRect& stored) const {
     const int64_t pixelBytes = profile_.layout().pixelBytes();
     const uint8_t* const first = storedPixel(stored.x, stored.y);

@@ -11,8 +11,8 @@ namespace qirn {
 
 /// Whether a picture of this size may be opened: neither side below 1 or above 30,000 pixels.
 bool isReadableSize(int64_t width, int64_t height);
-/// Whether `file` bytes can hold so many pixels when each holds at most `pixelsAByte`, or when the picture is so small
-/// that nobody is harmed. Asked before a decoder sees a size that may be a lie.
+/// Whether `file` bytes can hold so many pixels when each holds at most `pixelsAByte`, or when the picture is so
+/// small that nobody is harmed. Checked before a decoder is given a size that may be false.
 bool backs(std::size_t file, double pixelsAByte, int64_t width, int64_t height);
 
 /// How a picture as it is stored has to be turned to stand upright: EXIF's numbers 1 to 8.
@@ -30,11 +30,12 @@ private:
     int number_ = 1;
 };
 
-/// Makes a layer of a file's rows, as a decoder gives them from the top: converts the colours, multiplies by alpha,
-/// turns it upright. Of the file's own pixels it keeps a few rows at a time, which several processors convert.
+/// Builds a layer from the rows of a file, which a decoder delivers from the top: converts colors, premultiplies, and
+/// rotates the picture upright. Of the file's own pixels it keeps a few rows at a time, which several processors
+/// convert.
 ///
-/// The rows go straight to tiles. One is made when a second colour is met in it; those that stay of one colour are shared,
-/// so that a blank picture takes next to nothing, whatever its size.
+/// Rows are written straight to tiles. A tile is allocated when a second color is found in it; tiles of one color are
+/// shared, so that a blank picture takes next to no memory, whatever its size.
 class PictureBuilder {
 public:
     PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation = {});
@@ -47,7 +48,7 @@ public:
     LayerRef finish();
 
 private:
-    /// A tile on its way: as long as it has none, all that was given is one colour.
+    /// A tile under construction; null as long as all its pixels so far are of one color.
     struct Growing {
         std::optional<PixelBytes> pixel;
         TileRef tile;
@@ -68,7 +69,7 @@ private:
     std::vector<Growing> growing_;
     int64_t rowBytes_;
     int64_t rowsAtOnce_;
-    std::vector<uint64_t> block_; // rows in wait, each beginning where every kind of sample may lie
+    std::vector<uint64_t> block_; // rows not converted yet, each aligned for every type of sample
     int64_t rowsGiven_ = 0;
     int64_t rowsDone_ = 0;
 };

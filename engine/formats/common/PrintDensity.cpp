@@ -34,7 +34,7 @@ double dpiFromCentimeters(double dots) {
 }
 
 double dpiFromMeters(int64_t dots) {
-    // Some cut the fraction off, so a whole number may be nearly a dot away.
+    // Some programs truncate, so a whole number may be off by almost 1.
     return dpiInRange(
         snapped(static_cast<double>(dots) * kMetersPerInch, 0.999 * kMetersPerInch, 0.5 * kMetersPerInch));
 }

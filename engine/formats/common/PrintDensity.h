@@ -3,10 +3,10 @@
 
 namespace qirn {
 
-/// Dots per inch as they are, or 72 for what is none: outside of 1 to 100,000, or not a number.
+/// The value if it is a possible resolution, from 1 to 100,000; otherwise, and for NaN, 72.
 double dpiInRange(double dpi);
-/// From what a file notes, in three units, in range as above. Files round: the whole number is given that was meant (PNG
-/// has 11,811 dots a metre for 300), or the tenth.
+/// Dots per inch from the value of a file in one of three units, checked as above. Files round, so the result is the
+/// whole number, or the tenth, that was meant: 300 for 11,811 dots a meter in a PNG.
 double dpiFromInches(double dots);
 double dpiFromCentimeters(double dots);
 double dpiFromMeters(int64_t dots);

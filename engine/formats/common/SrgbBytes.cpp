@@ -9,11 +9,11 @@ namespace qirn {
 
 namespace {
 
-// So many that no two borders lie in one: they are at least 1 / (255 * 12.92) apart.
+// Enough intervals that none holds two thresholds: these are at least 1 / (255 * 12.92) apart.
 constexpr int kStretches = 4096;
 
 struct Borders {
-    std::array<float, 256> above{};              // by byte: from here on it is the next; none above 255
+    std::array<float, 256> above{};              // by byte: threshold to the next byte; infinite for 255
     std::array<uint8_t, kStretches + 1> first{}; // the byte at the beginning of each stretch
 
     Borders() {

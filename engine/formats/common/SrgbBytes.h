@@ -3,8 +3,8 @@
 
 namespace qirn {
 
-/// Linear light, 0 to 1, as the nearest byte of sRGB: the number of bytes' borders that it reaches, each half way
-/// between two. What is outside is clamped; not-a-number is 0. Exact for every float.
+/// Converts linear light, 0 to 1, to the nearest byte of sRGB, exactly for every float. Values out of range are
+/// clamped; NaN becomes 0.
 uint8_t srgbByte(float light);
 
 } // namespace qirn

@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstring>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "formats/common/StraightPixels.cpp"
 #include <hwy/foreach_target.h>
@@ -16,7 +16,8 @@
 #define QIRN_FORMATS_STRAIGHT_PIXELS_RUN
 namespace qirn {
 
-inline constexpr int kRun = 64; // pixels at a time: whole for every vector, and channel by channel still near
+inline constexpr int kRun =
+    64; // pixels at a time: a multiple of every vector, and small enough for the L1 cache
 
 } // namespace qirn
 #endif
@@ -25,8 +26,8 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-/// The whole division n / a as (n + 0.5) * (1 / a): the product of floats is at most 0.0001 off and the true quotient
-/// with its half at least 0.5 / 255 from the whole numbers on either side, so that cutting gives the same.
+/// Integer division n / a as (n + 0.5) * (1 / a) in floats: the error is at most 0.0001, and (n + 0.5) / a is at
+/// least 0.5 / 255 away from the next whole number, so truncation gives the exact quotient.
 template <int kShift> HWY_INLINE Words straightByte(Words pixel, Floats rounding, Floats scale) {
     return truncated(smaller((byteOf<kShift>(pixel) * Floats(255) + rounding) * scale, Floats(255)));
 }
@@ -127,7 +128,7 @@ void straightRow(const uint8_t* pixels, int64_t count, const PlaneRows& rows) {
     const auto rest = static_cast<std::size_t>(count - at);
     uint8_t whole[4 * kRun] = {};
     std::memcpy(whole, pixels + 4 * at, 4 * rest);
-    // A repeated pixel changes nothing of what the run has in common.
+    // The padding repeats a pixel, so that it does not change what the pixels of the run have in common.
     for (std::size_t i = rest; i < kRun; ++i) std::memcpy(whole + 4 * i, whole, 4);
     straightRun(whole, rest, rows, at);
 }

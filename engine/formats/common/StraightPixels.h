@@ -4,14 +4,14 @@
 
 namespace qirn {
 
-// Rows between the one pixel format and separate planes of straight colour, as Photoshop has it. Going out and coming
-// back gives every pixel whose colour does not exceed its alpha again, bit for bit.
+// Rows between the one pixel format and separate planes of straight color, as Photoshop has it. Going out and coming
+// back gives every pixel whose color does not exceed its alpha again, bit for bit.
 
 /// Where a row's red, green, blue and alpha begin.
 using PlaneRows = std::array<uint8_t*, 4>;
 using ConstPlaneRows = std::array<const uint8_t*, 4>;
 
-/// A premultiplied byte as straight colour: to the nearest, halves up, 255 at most; 0 where alpha is 0.
+/// A premultiplied byte as straight color: to the nearest, halves up, 255 at most; 0 where alpha is 0.
 constexpr uint8_t straight(int c, int a) {
     if (a == 0) return 0;
     const int value = (255 * c + a / 2) / a;

@@ -68,7 +68,7 @@ std::shared_ptr<const WideColorTables> WideColorTables::ofRgb(const Transform& e
     const std::optional<Matrix> inverse = inverseOf(matrix);
     if (!inverse) return nullptr;
 
-    // One walk over the greys tells all three curves: the matrix taken back, each channel stands alone.
+    // One ramp of grays gives all three curves: the inverse of the matrix separates the channels.
     for (auto& curve : shaped.curves) curve.resize(kValues);
     concurrentPerform(kValues / kAtOnce, [&](int64_t task) {
         std::vector<std::array<float, 3>> grays(kAtOnce), light(kAtOnce);
@@ -88,7 +88,7 @@ std::shared_ptr<const WideColorTables> WideColorTables::ofRgb(const Transform& e
     return tables->agreesWith(exact) ? tables : nullptr;
 }
 
-/// Equal bytes but for a few that are on the border between two.
+/// Whether all bytes are equal, except for a few that differ by rounding.
 bool WideColorTables::agreesWith(const Transform& exact) const {
     SeededRandom random(1);
     std::vector<std::array<uint16_t, 3>> probes(kProbes);

@@ -7,18 +7,17 @@
 
 namespace qirn {
 
-/// 16-bit grey or RGB to 8-bit sRGB by tables. The colour library, which is exact only where it computes every pixel
-/// anew, takes ten times as long.
+/// Converts 16-bit gray or RGB to 8-bit sRGB by tables. The color library takes ten times as long where it is exact.
 class WideColorTables {
 public:
-    /// The library's work: `count` pixels without alpha from one place to another.
+    /// A conversion by the library: `count` pixels without alpha, from one buffer to another.
     using Transform = std::function<void(const void* from, void* to, int64_t count)>;
 
-    /// What `exact`, from 16-bit grey to RGBA bytes, gives for each value.
+    /// Tables of `exact`, a conversion from 16-bit gray to RGBA bytes, for all values.
     static std::shared_ptr<const WideColorTables> ofGray(const Transform& exact);
-    /// For colours that are a curve for each channel and one matrix, as those of displays, cameras and scanners: the
-    /// two are found by `linear`, from three floats a pixel to three of linear light with the primaries of sRGB. Null
-    /// where `exact`, from 16-bit RGB to RGBA bytes, shows that they are not all.
+    /// For profiles of one curve a channel and a matrix, as of displays, cameras and scanners. Both are measured
+    /// through `linear`, which converts three floats a pixel to linear light with the primaries of sRGB. Null where
+    /// samples of `exact`, from 16-bit RGB to RGBA bytes, differ from the tables.
     static std::shared_ptr<const WideColorTables> ofRgb(const Transform& exact, const Transform& linear);
 
     /// Straight RGBA; without alpha in `pixels` it is 255.

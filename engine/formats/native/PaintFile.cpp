@@ -1,5 +1,4 @@
-// What is common to writing and reading (PaintFileWriter.cpp, PaintFileReader.cpp), and the questions that need no
-// tile.
+// The parts that writer and reader share, and reading without tiles; see PaintFileWriter.cpp and PaintFileReader.cpp.
 #include "formats/native/PaintFile.h"
 
 #include "core/PaintDocument.h"

@@ -21,8 +21,8 @@ namespace qirn {
 
 class PaintDocument;
 
-/// What of a document goes into a file, as it stood at one moment. It shares the document's frozen tiles, so that
-/// it may be read on any thread while the document is painted on.
+/// The content of a document that goes into a file, at one moment. It shares the document's frozen tiles, so that it
+/// may be read on any thread while the document is painted on.
 struct DocumentSnapshot {
     TileGrid grid;
     double dpi = 72;

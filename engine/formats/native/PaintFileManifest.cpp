@@ -57,8 +57,9 @@ OnionSkin readOnion(const Json& json) {
             .afterColor = colorFromJson(jsonMember(json, "afterColor"))};
 }
 
-/// Only 2026-03-01T12:30:05Z. The form is compared with the moment's own, since Qt's reader forgives; and date and
-/// time are read apart, since together they would be local, where some hours do not exist.
+/// Accepts only the form 2026-03-01T12:30:05Z. Qt's parser is lenient, so the moment is formatted again and compared
+/// with the text. Date and time are parsed separately, because together they would be local time, in which some hours
+/// do not exist.
 QDateTime readMoment(const Json& json) {
     const QString text = jsonText(json);
     const QDate date = QDate::fromString(text.left(10), QStringLiteral("yyyy-MM-dd"));
@@ -134,7 +135,7 @@ std::optional<Manifest> parseManifest(std::span<const uint8_t> text) {
 
 std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blob, const TileEntry& entry) {
     const auto size = static_cast<int64_t>(blob.size());
-    // Compared without adding: an offset may be any number up to the largest there is.
+    // Compared without adding, which could overflow.
     if (entry.o < 0 || entry.n < 1 || entry.n > size - entry.o) return std::nullopt;
     return blob.subspan(checkedSize(entry.o), checkedSize(entry.n));
 }

@@ -20,28 +20,29 @@ using namespace PaintFile;
 
 constexpr std::size_t kShortStream = 4096; // bytes; a flat tile takes about 300
 
-/// Bytes of the file that make one tile, for all the entries that bring these bytes.
+/// A tile's bytes in the file, for all entries with the same bytes.
 struct StoredTile {
     std::span<const uint8_t> bytes;
     int64_t coding;
     int64_t firstSlot; // of the first entry, by which damage is reported
-    bool isPlaced;     // in the picture; else every entry of it is followed by another of its slot
-    bool isDamaged;    // once decoded
-    TileRef tile;      // null until decoded, and where it is not placed
+    bool
+        isPlaced; // used by the picture; otherwise a later entry of the same slot replaces each of its entries
+    bool isDamaged; // once decoded
+    TileRef tile;   // null until decoded, and where it is not placed
 };
 
 PaintFileError damagedTile(int64_t slot, const char* what) {
     return PaintFileError::damaged(QStringLiteral("tile %1").arg(slot) + QLatin1String(what));
 }
 
-/// The tiles that a file brings, each decoded once and shared by all entries with the same bytes. Entries are
-/// added in the order of the file, and the first that is damaged in that order decides what is reported, though
-/// streams are decoded later and side by side.
+/// The tiles of a file, each decoded once and shared by all entries with the same bytes. Entries are added in the
+/// order of the file. Streams are decoded later and in parallel; the first damaged entry in the order of the file is
+/// reported.
 class IncomingTiles {
 public:
     IncomingTiles(std::span<const uint8_t> blob, int64_t slots) : blob_(blob), slots_(slots) {}
 
-    /// Which of the tiles is the entry's; nothing for an entry that is refused without looking at its bytes.
+    /// The index of the entry's tile; nothing for an entry whose numbers are invalid.
     std::optional<std::size_t> add(const TileEntry& entry) {
         const auto bytes = storedBytes(blob_, entry);
         if (entry.i < 0 || entry.i >= slots_ || !bytes) {
@@ -68,7 +69,7 @@ public:
                                    [this, &decoders, &firstDamaged](std::size_t worker, int64_t index) {
                                        const auto i = checkedSize(index);
                                        if (i > firstDamaged.load(std::memory_order_relaxed))
-                                           return; // it is not what is reported
+                                           return; // an earlier one is reported
                                        decodeOne(tiles_[i], decoders[worker]);
                                        if (!tiles_[i].isDamaged) return;
                                        std::size_t before = firstDamaged;
@@ -81,8 +82,8 @@ public:
     const TileRef& operator[](std::size_t which) const { return tiles_[which].tile; }
 
 private:
-    /// Short streams are compared by content, so that a flat background of ten thousand slots is one tile again
-    /// as it was before saving; long ones by place, which costs nothing.
+    /// Short streams are compared by content, so that a flat background of ten thousand slots becomes one shared tile
+    /// again; long ones by offset, which costs nothing.
     struct Source {
         std::span<const uint8_t> bytes;
         int64_t coding;
@@ -99,7 +100,7 @@ private:
     };
     struct SourceHash {
         std::size_t operator()(const Source& source) const {
-            // Place and length: a file may name a thousand lengths at one place.
+            // Offset and length: a file may name a thousand lengths at one offset.
             if (!source.isShort())
                 return std::hash<const void*>()(source.bytes.data()) +
                        source.bytes.size() * 0x9E3779B97F4A7C15u;
@@ -107,7 +108,7 @@ private:
         }
     };
 
-    /// What is not placed is only looked at, so that a slot that a file fills a thousand times holds one tile.
+    /// A tile that is not used is only checked, so that a slot that a file fills a thousand times holds one tile.
     static void decodeOne(StoredTile& stored, TileDecoder& decoder) {
         TileRef tile;
         if (stored.coding == kCodingLzfse) {
@@ -136,7 +137,7 @@ struct Placement {
     std::size_t tile; // in IncomingTiles
 };
 
-/// Where the tiles go, up to the first entry that is refused; of two entries of one slot the later.
+/// The tile of each slot, up to the first invalid entry; of two entries of one slot the later one.
 std::vector<Placement> placementsOf(const std::vector<LayerEntry>& layers, IncomingTiles& tiles) {
     std::vector<Placement> placements;
     std::unordered_map<int64_t, std::size_t> placed; // in this layer, by slot

@@ -22,7 +22,7 @@ using namespace PaintFile;
 
 constexpr double kPreviewDpi = 72;
 
-/// Every tile of a snapshot as it goes into the file, once however many slots share it.
+/// The encoded tiles of a snapshot, each once however many slots share it.
 class StoredTiles {
 public:
     explicit StoredTiles(const DocumentSnapshot& snapshot) {
@@ -44,7 +44,7 @@ public:
     const StoredForm& operator[](const Tile& tile) const { return *forms_[places_.at(&tile)]; }
 
 private:
-    /// Tiles of one pixel throughout, as fills and papers have, are encoded once for each pixel.
+    /// Tiles of a single color, as of fills and papers, are encoded once for each color.
     void encode(const std::vector<const Tile*>& tiles, const std::vector<std::size_t>& unknown) {
         std::vector<std::optional<PixelBytes>> pixels(unknown.size());
         concurrentPerform(std::ssize(unknown), [&](int64_t i) {
@@ -72,7 +72,7 @@ private:
     std::vector<std::shared_ptr<const StoredForm>> forms_;
 };
 
-/// What follows the manifest, as pieces that stay where they are until the file is put together.
+/// The part of the file behind the manifest, as pieces that are not copied until the file is assembled.
 class Blob {
 public:
     TileEntry add(int64_t slot, std::span<const uint8_t> bytes, int64_t coding) {

@@ -18,11 +18,11 @@ namespace qirn {
 
 namespace {
 
-constexpr std::size_t kGroupsAtOnce = 64; // bounds the memory of parts that were reduced and not yet added
+constexpr std::size_t kGroupsAtOnce = 64; // bounds the memory of reduced parts that are not added yet
 
-/// What a tile of the finished picture is made of: the layers that have a tile there, and these tiles.
+/// Key of a tile of the finished picture: the layers that have a tile there, and these tiles.
 using Ingredients = std::vector<std::pair<std::size_t, const Tile*>>;
-/// The slots that look alike, because they are made of the same tiles.
+/// Slots that look the same, since all layers have the same tiles there.
 using Group = std::vector<int64_t>;
 
 std::vector<Group> groupsOf(const DocumentSnapshot& snapshot) {

@@ -12,10 +12,10 @@ namespace qirn {
 namespace {
 
 constexpr std::size_t kStreamCapacity =
-    0x41000; // a stream that is no gain may be a little longer than a tile
+    0x41000; // an incompressible tile gives a stream that is slightly longer
 // The decoder reads a few bytes beyond both ends of a malformed stream; what it writes stays within the tile.
 constexpr std::size_t kGuardBytes = 64;
-// No stream of a tile is nearly as long; an entry that claims more is not copied for nothing.
+// No valid stream of a tile is this long; a longer one is refused before it is copied.
 constexpr std::size_t kLongestStream = 4 * std::size_t{kTileBytes};
 
 } // namespace

@@ -16,7 +16,7 @@ namespace qirn {
 
 struct PaletteColor {
     PaintColor color;
-    QString name; ///< Empty where the colour has none.
+    QString name; ///< Empty where the color has none.
 
     static PaletteColor fromJson(const Json& record); ///< Throws JsonTypeError unless every key is there.
     OrderedJson toJson() const;
@@ -24,7 +24,7 @@ struct PaletteColor {
     bool operator==(const PaletteColor&) const = default;
 };
 
-/// A named list of colours.
+/// A named list of colors.
 struct Palette {
     QUuid id;
     QString name;

@@ -18,7 +18,7 @@ PaletteError unreadable(const char* detail) {
     return PaletteError::unreadable(QCoreApplication::translate("PaletteError", detail));
 }
 
-/// What every reader gives; a palette without a colour is none.
+/// The result of every reader; a palette without colors is refused.
 Palette userPalette(QString name, std::vector<PaletteColor> colors, const char* ifNone) {
     if (colors.empty()) throw unreadable(ifNone);
     return {QUuid::createUuid(), std::move(name), std::move(colors), false};
@@ -82,7 +82,7 @@ std::optional<PaletteColor> gplColor(QStringView line) {
     return PaletteColor{PaintColor::fromBytes(channels[0], channels[1], channels[2]), name};
 }
 
-/// On one line, so that no name can pass for a line of the file.
+/// The name on one line, so that it cannot be read as another line of the file.
 QString onOneLine(QString name) {
     std::replace_if(name.begin(), name.end(), endsLine, QChar(u' '));
     return name;

@@ -83,7 +83,7 @@ constexpr Entry autumnForest[] = {
 
 struct Row {
     const char* name;
-    std::span<const Entry> entries; ///< None where the colours are computed.
+    std::span<const Entry> entries; ///< None where the colors are computed.
 };
 constexpr Row kRows[] = {
     {"Qirn Chrome & Candy", chromeAndCandy},

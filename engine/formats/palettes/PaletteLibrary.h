@@ -26,12 +26,12 @@ struct Entry {
 /// A built-in palette; an entry whose code is none is left out.
 Palette pal(const QString& name, std::span<const Entry> entries);
 
-/// GIMP's text form. A colour without a name gets its "#RRGGBB" code as one; alpha is left out.
+/// GIMP's text form. A color without a name gets its "#RRGGBB" code as one; alpha is left out.
 QString gpl(const Palette& palette);
 /// Photoshop's swatches, big-endian: the first section for old readers, the second with the names.
 ///
-///     u16 1, u16 count, each colour: u16 space, four u16 values
-///     u16 2, u16 count, each colour: the same, u32 units n, n UTF-16 units, the last of them 0
+///     u16 1, u16 count, each color: u16 space, four u16 values
+///     u16 2, u16 count, each color: the same, u32 units n, n UTF-16 units, the last of them 0
 ///
 /// The spaces: 0 RGB, 1 HSB, 2 CMYK with the inks inverted, 8 gray up to 10000. Written is RGB. The counts end at
 /// 65,535, and so does what is written of a palette.

@@ -35,7 +35,7 @@ uint32_t littleEndian(Bytes file, std::size_t at, std::size_t bytes) {
     return value;
 }
 
-/// The part of a file from a place on, cut to what is there.
+/// Part of a file from an offset on, clipped to the end of the file.
 Bytes part(Bytes file, std::size_t at, std::size_t bytes) {
     if (at > file.size()) return {};
     return file.subspan(at, std::min(bytes, file.size() - at));
@@ -57,7 +57,7 @@ bool isBacked(Bytes file, const Header& header) {
 
 std::optional<DecodedPicture> decodedByQt(Bytes file, const Header& header) {
     if (!isBacked(file, header)) return std::nullopt;
-    // The sizes have been judged: Qt's own limit only has to let through what may be opened.
+    // Sizes are checked already, so Qt's own limit is set to let every picture through that may be opened.
     constexpr int64_t kSide = PaintEngine::maxCanvasSide;
     static const bool isRaised = (QImageReader::setAllocationLimit((kSide * kSide * 4 >> 20) + 1), true);
     static_cast<void>(isRaised);
@@ -111,7 +111,7 @@ Header headerOf(Bytes file) {
     return header;
 }
 
-/// The bits that a mask picks, spread over a byte: the largest value is white.
+/// The bits that a mask selects, scaled to a byte so that the largest value becomes 255.
 uint8_t maskedByte(uint32_t pixel, uint32_t mask) {
     if (mask == 0) return 255;
     const int shift = std::countr_zero(mask);
@@ -119,7 +119,7 @@ uint8_t maskedByte(uint32_t pixel, uint32_t mask) {
     return static_cast<uint8_t>((((pixel & mask) >> shift) * 255 + most / 2) / most);
 }
 
-/// Two bytes a pixel, by masks or 5 bits a channel. Qt makes 248 of the 31 that stands for white.
+/// Two bytes a pixel, by masks or 5 bits a channel. Qt is not used here, because it turns white, 31, into 248.
 std::optional<DecodedPicture> readWords(Bytes file, const Header& header) {
     constexpr uint32_t kMasksAt = kInfoAt + 40, kFifteenBits[] = {0x7C00, 0x03E0, 0x001F, 0};
     const uint32_t infoBytes = littleEndian(file, kInfoAt, 4);

@@ -14,7 +14,7 @@ namespace qirn {
 namespace {
 
 constexpr std::array<uint8_t, 6> kExifMark{'E', 'x', 'i', 'f', 0, 0};
-constexpr std::size_t kLongestBlock = 1 << 20; // bytes; thumbnails and makers' notes are what fills real ones
+constexpr std::size_t kLongestBlock = 1 << 20; // bytes; real ones are mostly thumbnails and maker notes
 
 struct DataDeleter {
     void operator()(ExifData* data) const { exif_data_unref(data); }
@@ -24,7 +24,7 @@ using Data = std::unique_ptr<ExifData, DataDeleter>;
 Data parsed(std::span<const uint8_t> block) {
     Data data(exif_data_new());
     if (!data) return data;
-    // Otherwise what is missing would be filled in: a resolution of 72, say.
+    // Otherwise the library would add missing tags, for example a resolution of 72.
     exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
     std::vector<uint8_t> marked(kExifMark.begin(), kExifMark.end());
     marked.insert(marked.end(), block.begin(), block.end());

@@ -7,14 +7,14 @@
 
 namespace qirn {
 
-/// What a camera noted that a picture is opened by.
+/// The tags of a camera that matter when a picture is opened.
 struct ExifTags {
     Orientation orientation;
     std::optional<double> dpi;
 };
 
-/// From an EXIF block, which is a small TIFF ("II*" or "MM*" first), with or without "Exif\0\0" before it. What is
-/// damaged is as if it were not there.
+/// From an EXIF block, which is a small TIFF ("II*" or "MM*" first), with or without "Exif\0\0" before it. Damaged
+/// tags count as missing.
 ExifTags exifTags(std::span<const uint8_t> block);
 
 } // namespace qirn

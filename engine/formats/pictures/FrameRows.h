@@ -19,7 +19,7 @@ public:
 
     /// The frame's next row, of its whole width; what lies beside the canvas is cut off.
     void add(const uint8_t* rgba);
-    /// The frame has given all that it has: the rows below it follow.
+    /// The frame is complete: fills in the rows below it.
     void finish();
     /// Whether all rows of the canvas have been given.
     bool isFull() const { return given_ == height_; }

@@ -33,13 +33,13 @@ public:
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
-    /// Nothing was amiss so far: there is a picture, and the rows asked for came.
+    /// No error so far: there is a picture, and all rows that were asked for could be read.
     bool isSound() const { return isSound_; }
     const GifFileType& screen() const { return *gif_; }
     const GifImageDesc& frame() const { return gif_->Image; }
-    /// The colour that is transparent, -1 for none.
+    /// The color that is transparent, -1 for none.
     int transparent() const { return transparent_; }
-    /// The next stored row's colours by number, as many as the frame is wide. What is written when it fails says nothing.
+    /// The next stored row's colors by number, as many as the frame is wide. What is written when it fails says nothing.
     bool readRow(uint8_t* numbers) {
         return isSound_ = isSound_ && DGifGetLine(gif_.get(), numbers, frame().Width) == GIF_OK;
     }
@@ -49,8 +49,8 @@ private:
         void operator()(GifFileType* gif) const { DGifCloseFile(gif, nullptr); }
     };
 
-    /// The library's way to the bytes. Behind the file's end it gets a 0 for each single byte it asks for, which ends
-    /// data and makes no sense elsewhere, so that a picture whose end mark alone is lost is whole.
+    /// The library's read function. Behind the end of the file it returns 0 for every single byte, which ends the
+    /// data of a picture and is an error elsewhere, so that a picture that lacks only its end mark is complete.
     static int give(GifFileType* gif, GifByteType* to, int count) {
         auto& self = *static_cast<Decoder*>(gif->UserData);
         const std::size_t bytes = std::min(self.rest_.size(), checkedSize(count));
@@ -146,7 +146,7 @@ Pixel colorOf(const ColorMapObject* map, int number) {
     return {color.Red, color.Green, color.Blue, 255};
 }
 
-/// What shows beside a frame: nothing if it has a transparent colour, else the screen's own colour.
+/// What shows beside a frame: nothing if it has a transparent color, else the screen's own color.
 Pixel colorAround(const Decoder& decoder) {
     if (decoder.transparent() != NO_TRANSPARENT_COLOR) return {};
     const Pixel color = colorOf(decoder.screen().SColorMap, decoder.screen().SBackGroundColor);

@@ -35,8 +35,8 @@ bool isFine(const heif_error& error) {
     return error.code == heif_error_Ok;
 }
 
-/// By an embedded profile, or by numbers that stand for the usual colour spaces. What is made for brighter screens
-/// than ours is shown as it is coded.
+/// From an embedded profile, or from numbers that name a standard color space. HDR pictures are shown as they are
+/// coded.
 ColorProfile profileOf(const heif_image_handle* handle, const PixelLayout& layout) {
     std::vector<uint8_t> icc(heif_image_handle_get_raw_color_profile_size(handle));
     if (!icc.empty() && isFine(heif_image_handle_get_raw_color_profile(handle, icc.data()))) {
@@ -86,7 +86,7 @@ LayerRef converted(const heif_image* image, const heif_image_handle* handle, Sam
     const PixelLayout layout{ColorModel::rgb, sample, true, false};
     if (!isReadableSize(width, height) || !plane || stride < width * layout.pixelBytes()) return nullptr;
     const int bits = heif_image_get_bits_per_pixel_range(image, heif_channel_interleaved);
-    PictureBuilder builder(width, height, profileOf(handle, layout)); // the decoder has turned it already
+    PictureBuilder builder(width, height, profileOf(handle, layout)); // the decoder has already rotated it
     for (int64_t y = 0; y < height; ++y) {
         void* row = builder.row();
         std::memcpy(row, plane + y * stride, checkedSize(width * layout.pixelBytes()));
@@ -105,7 +105,7 @@ bool isHeif(std::span<const uint8_t> file) {
 std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
     const Context context(heif_context_alloc());
     if (!context) return std::nullopt;
-    // The library refuses a side that equals its limit.
+    // One more, because the library refuses a side equal to its limit.
     heif_context_set_maximum_image_size_limit(context.get(), PaintEngine::maxCanvasSide + 1);
     if (!isFine(heif_context_read_from_memory_without_copy(context.get(), file.data(), file.size(), nullptr)))
         return std::nullopt;
@@ -120,7 +120,7 @@ std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
         return std::nullopt;
     const HevcSize toDecode = largestHevcSize(file);
     if (!backs(file.size(), kPixelsAByte, toDecode.width, toDecode.height)) return std::nullopt;
-    // A mosaic says its size once more. Newer libraries hold the limit against whole coded blocks.
+    // A grid of tiles has a size of its own. Newer libraries hold the limit against whole coded blocks.
     const int64_t side = std::max(codedWidth, codedHeight);
     heif_context_set_maximum_image_size_limit(
         context.get(), static_cast<int>((side + kCodedBlock - 1) / kCodedBlock * kCodedBlock + 1));

@@ -15,11 +15,11 @@ constexpr int64_t kConfigurationBytes = 22; // before the number of arrays
 constexpr uint8_t kSequenceParameters = 33; // a kind of unit
 constexpr int64_t kUnitHeaderBytes = 2;
 
-/// Bits of a unit, highest first. Past the end it gives zeros, and says so.
+/// Reads the bits of a unit, highest first. Past the end it returns zeros and sets a flag.
 class BitReader {
 public:
     explicit BitReader(std::span<const uint8_t> unit) {
-        // A 3 behind two zeros only keeps the bytes from looking like a start mark.
+        // Skips emulation prevention bytes: a 3 behind two zeros is no data.
         int zeros = 0;
         for (const uint8_t byte : unit) {
             const bool isFiller = zeros >= 2 && byte == 3;

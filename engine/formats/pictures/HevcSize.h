@@ -9,8 +9,8 @@ struct HevcSize {
     int64_t height = 0;
 };
 
-/// The size, of most pixels, that the parameter sets in a HEIC file's boxes tell the HEVC decoder. It takes memory by
-/// them, whatever the file says of its picture elsewhere. 0 when there is none that can be understood.
+/// The largest size in the sequence parameter sets of a HEIC file. The HEVC decoder allocates by these, whatever size
+/// the file states elsewhere. 0 if none can be parsed.
 HevcSize largestHevcSize(std::span<const uint8_t> file);
 
 } // namespace qirn

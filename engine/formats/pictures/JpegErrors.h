@@ -7,7 +7,7 @@
 
 namespace qirn {
 
-/// The JPEG library's way of stopping: it jumps out of whatever it is in, over no destructor of ours.
+/// Errors of the JPEG library, which leave it by longjmp. The functions between have no destructors to run.
 struct ErrorManager {
     jpeg_error_mgr base;
     std::jmp_buf stop;

@@ -30,7 +30,7 @@ constexpr int kMostScans = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 constexpr int kProfileMarker = JPEG_APP0 + 2;
 
-/// The library's state and what is made of the file. It lives outside of every function that an error jumps out of.
+/// The state of the library and the result. It is kept outside of the functions that an error leaves by longjmp.
 struct Decoder {
     Decoder() {
         jpeg.err = jpeg_std_error(&errors.base);

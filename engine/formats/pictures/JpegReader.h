@@ -8,7 +8,7 @@
 namespace qirn {
 
 bool isJpeg(std::span<const uint8_t> file);
-/// Grey, YCbCr, RGB, CMYK and YCCK, with the embedded profile, upright. A file that ends early gives what it holds.
+/// Gray, YCbCr, RGB, CMYK and YCCK, with the embedded profile, upright. A file that ends early gives what it holds.
 std::optional<DecodedPicture> readJpeg(std::span<const uint8_t> file);
 
 } // namespace qirn

@@ -15,13 +15,13 @@ namespace qirn {
 
 namespace {
 
-// Flat colours and thin lines bleed when colour is stored at half the resolution: below this quality the blocks show
-// more than that would, and size is what is asked for.
+// Chroma is stored at half resolution only below this quality: it makes flat colors and thin lines bleed, which there
+// is less visible than the blocks, and small files are wanted.
 constexpr int kWorstWithFullColor = 80;
 // Huffman tables of the picture's own make a file smaller by a tenth, but need all coefficients in memory.
 constexpr int64_t kMostPixelsToOptimize = 100'000'000;
 
-/// What needs no destructor, so that an error may jump over it.
+/// Has no destructor, because an error leaves by longjmp.
 struct Encoder {
     jpeg_compress_struct jpeg;
     ErrorManager errors;
@@ -64,7 +64,7 @@ bool encode(Encoder& encoder, const RGBABuffer& picture, int quality, int dpi) {
 
 std::optional<QByteArray> jpegBytes(const RGBABuffer& picture, double quality, double dpi) {
     const double unit =
-        std::min(std::max(0.05, quality), 1.0); // in this order, so that not-a-number is the lowest
+        std::min(std::max(0.05, quality), 1.0); // in this order, so that NaN becomes the lowest
     const double density = std::min(std::max(1.0, std::round(dpi)), 65535.0);
     Encoder encoder{};
     const bool done =

@@ -6,8 +6,8 @@
 
 namespace qirn {
 
-/// A PNG for a decoder that takes memory for whatever a chunk claims, and keeps every text: of what stands before the
-/// pixels only the chunks that a picture is made of, each with all its bytes there.
+/// A PNG reduced to what the picture needs, because the decoder allocates whatever a chunk claims and keeps every
+/// text: before the pixels only chunks that affect them, each of them complete.
 struct PngChunks {
     std::vector<uint8_t> head; ///< Signature and chunks.
     std::span<const uint8_t>

@@ -29,7 +29,7 @@ constexpr double kSrgbGamma = 0.45455;
 }
 void ignoreWarning(png_structp, png_const_charp) {}
 
-/// The library's state. It lives outside of every function that an error jumps out of.
+/// The state of the library. It is kept outside of the functions that an error leaves by longjmp.
 struct Decoder {
     explicit Decoder(const PngChunks& chunks)
         : head(chunks.head),
@@ -47,7 +47,7 @@ struct Decoder {
 
 void readBytes(png_structp png, png_bytep target, std::size_t count) {
     auto& decoder = *static_cast<Decoder*>(png_get_io_ptr(png));
-    auto& from = decoder.head.empty() ? decoder.rest : decoder.head; // chunks do not lie across
+    auto& from = decoder.head.empty() ? decoder.rest : decoder.head; // no chunk lies across both
     if (count > from.size()) png_error(png, "the file ends");
     std::memcpy(target, from.data(), count);
     from = from.subspan(count);
@@ -57,18 +57,19 @@ bool readHeader(Decoder& decoder) {
     png_structp png = decoder.png;
     if (!decoder.info || setjmp(png_jmpbuf(png))) return false;
     png_set_read_fn(png, &decoder, readBytes);
-    png_set_user_limits(png, 0x7FFFFFFF, 0x7FFFFFFF); // the sizes are judged here, together with the file's
+    png_set_user_limits(png, 0x7FFFFFFF,
+                        0x7FFFFFFF); // sizes are checked by this reader, against the length of the file
     png_set_chunk_malloc_max(png, kLargestProfile);
     png_set_crc_action(png, PNG_CRC_DEFAULT, PNG_CRC_WARN_DISCARD);
     png_read_info(png, decoder.info);
     return true;
 }
 
-/// Grey or RGB of 8 or 16 bits, with alpha where there is any.
+/// Gray or RGB of 8 or 16 bits, with alpha where there is any.
 bool chooseFormat(Decoder& decoder) {
     png_structp png = decoder.png;
     if (setjmp(png_jmpbuf(png))) return false;
-    png_set_expand(png); // palettes, few bits, a transparent colour
+    png_set_expand(png); // palettes, few bits, a transparent color
     if (std::endian::native == std::endian::little) png_set_swap(png);
     png_read_update_info(png, decoder.info);
     return true;
@@ -81,8 +82,8 @@ bool readRow(Decoder& decoder, void* row) {
     return true;
 }
 
-/// The rows of an interlaced picture from the top: its seven passes are read side by side, each by a decoder that has
-/// gone past those before, so that no more than a row of each is ever held.
+/// The rows of an interlaced picture from the top: its seven passes are read in parallel, each by a decoder of its
+/// own that has skipped the passes before it, so that only one row of each is held.
 class Passes {
 public:
     Passes(const PngChunks& chunks, int64_t width, int64_t height, int64_t pixelBytes)
@@ -148,7 +149,7 @@ ColorProfile profileOf(const Decoder& decoder, const PixelLayout& layout) {
         if (auto profile = ColorProfile::embedded({icc, iccBytes}, layout)) return *std::move(profile);
         return ColorProfile::standard(layout);
     }
-    // A gamma that is that of sRGB stands beside its primaries in countless files which mean sRGB.
+    // The gamma of sRGB together with its primaries means sRGB in most files.
     double gamma = 0;
     if (png_get_valid(decoder.png, decoder.info, PNG_INFO_sRGB) != 0 ||
         png_get_gAMA(decoder.png, decoder.info, &gamma) == 0 || !(gamma > 0)) {

@@ -30,7 +30,7 @@ constexpr double kMetersPerInch = 0.0254;
 // On a painted 4K picture Deflate's usual level 6 takes four times as long for a file 4% smaller, and level 2 three
 // quarters of the time for one 3% larger.
 constexpr int kLevel = 4;
-// Filtered bytes that are compressed on their own: large, as each begins without memory of the one before.
+// Size of independently compressed blocks of filtered bytes: large, because each starts with an empty window.
 constexpr int64_t kBandBytes = 1 << 20;
 
 enum class Filter : uint8_t { none, sub, up, average, paeth };
@@ -95,7 +95,7 @@ template <Filter filter> int predicted(int left, int above, int corner) {
     }
 }
 
-/// What is left of a row after the prediction; how large it is, as bytes with a sign.
+/// A filtered row, and the sum of its bytes' magnitudes, taken as signed numbers.
 template <Filter filter>
 int64_t applyFilter(const uint8_t* row, const uint8_t* above, int64_t count, int channels, uint8_t* out) {
     int64_t sum = 0;
@@ -114,7 +114,7 @@ constexpr std::array<ApplyFilter, kFilterCount> kFilters{
     applyFilter<Filter::none>, applyFilter<Filter::sub>, applyFilter<Filter::up>,
     applyFilter<Filter::average>, applyFilter<Filter::paeth>};
 
-/// The rows of a band, each with the filter that leaves least before it.
+/// The rows of a band, each behind the number of the filter with the smallest sum.
 Bytes filtered(const StraightRows& rows, int64_t top, int64_t count) {
     const auto rowBytes = checkedSize(rows.rowBytes());
     Bytes result;
@@ -176,7 +176,7 @@ void addChunk(BEWriter& out, const char* type, std::span<const uint8_t> body) {
     out.bytes(name);
     out.bytes(body);
     const uLong sum = crc32(crc32(0, nullptr, 0), name.data(), 4);
-    // An empty body has no address, which the library would take for a fresh start.
+    // Null would make the library restart the checksum.
     out.u32(
         static_cast<uint32_t>(body.empty() ? sum : crc32(sum, body.data(), static_cast<uInt>(body.size()))));
 }
@@ -220,7 +220,7 @@ QByteArray pngBytes(const QImage& picture, double dpi) {
     for (std::size_t i = 0; i < bands.size(); ++i) {
         Bytes& stream = bands[i].stream;
         sum = adler32_combine(sum, bands[i].sum, bands[i].rawBytes);
-        if (i == 0) stream.insert(stream.begin(), {0x78, 0x01}); // zlib's mark: Deflate with 32 KB
+        if (i == 0) stream.insert(stream.begin(), {0x78, 0x01}); // zlib header: Deflate, 32 KB window
         if (i + 1 == bands.size()) {
             for (int shift = 24; shift >= 0; shift -= 8) stream.push_back(static_cast<uint8_t>(sum >> shift));
         }

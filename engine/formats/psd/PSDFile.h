@@ -21,8 +21,8 @@ class PaintDocument;
 
 /// Photoshop documents of version 1: RGB, 8 bits a channel. All numbers are big-endian.
 ///
-///     26 bytes   "8BPS", version, channels, height, width, depth, colour mode
-///     u32 + n    colour mode data
+///     26 bytes   "8BPS", version, channels, height, width, depth, color mode
+///     u32 + n    color mode data
 ///     u32 + n    resources: the resolution
 ///     u32 + n    layers: a record each, then the pixels of each; nothing in a flat file
 ///     the rest   the finished picture, with its transparency as fourth channel
@@ -62,7 +62,7 @@ QByteArray write(const PaintDocument& doc, Layered layered);
 std::unique_ptr<PaintDocument> read(std::span<const uint8_t> file, ImportRemarks* remarks = nullptr);
 
 /// Straight red, green, blue and alpha of a rectangle within the buffer. Multiplying by alpha again gives back every
-/// pixel whose colour does not exceed its alpha.
+/// pixel whose color does not exceed its alpha.
 std::array<std::vector<uint8_t>, 4> planes(const RGBABuffer& buffer, const IRect& rect);
 
 } // namespace PSDFile

@@ -23,24 +23,24 @@ constexpr int64_t kRoomyStep = kLongestStep; // blocks fill it exactly
 constexpr std::size_t kLongestMask = 32768;
 constexpr std::size_t kCopiedAtOnce = PSDFile::kPackingSlack;
 
-/// For every byte of a row, whether the next byte is equal to it, as one bit each: runs are then found 64 bytes at
-/// a time. The last byte of a row has no next one.
-class EqualNeighbours {
+/// A bit for each byte of a row, set where the next byte is equal: runs are then found 64 bytes at a time. The bit of
+/// the last byte is 0.
+class EqualNeighbors {
 public:
-    explicit EqualNeighbours(std::span<const uint8_t> row) {
+    explicit EqualNeighbors(std::span<const uint8_t> row) {
         const std::size_t pairs = row.size() - 1;
         std::size_t word = 0;
         for (; word * 64 + 64 <= pairs; ++word) words_[word] = equal64(row.data() + word * 64);
         uint64_t rest = 0;
         for (std::size_t i = word * 64; i < pairs; ++i) rest |= uint64_t{row[i] == row[i + 1]} << (i % 64);
         words_[word] = rest;
-        words_[word + 1] = 0; // read, never needed
+        words_[word + 1] = 0; // read but not used
     }
 
     /// The bits of 64 bytes from any byte on; those beyond the row are 0.
     uint64_t from(std::size_t at) const {
         const std::size_t word = at / 64, bit = at % 64;
-        // In two steps, as a shift by 64 is none.
+        // Two shifts, since a shift by 64 is undefined.
         return words_[word] >> bit | words_[word + 1] << 1 << (63 - bit);
     }
 
@@ -81,7 +81,7 @@ private:
 };
 
 /// How many of the equal bytes at `at` make one run.
-std::size_t runAt(const EqualNeighbours& equal, std::size_t at) {
+std::size_t runAt(const EqualNeighbors& equal, std::size_t at) {
     std::size_t run = 1;
     while (run < kLongestStep) {
         const auto more = static_cast<std::size_t>(std::countr_one(equal.from(at + run - 1)));
@@ -97,7 +97,7 @@ uint64_t triplesOf(uint64_t pairs) {
 }
 
 /// How many bytes from `at` on come before three equal ones; `left` bytes are there.
-std::size_t literalsAt(const EqualNeighbours& equal, std::size_t at, std::size_t left) {
+std::size_t literalsAt(const EqualNeighbors& equal, std::size_t at, std::size_t left) {
     const std::size_t most = std::min(left, kLongestStep);
     for (std::size_t count = 0; count < most; count += 63) {
         if (const uint64_t triples = triplesOf(equal.from(at + count)))
@@ -158,12 +158,12 @@ uint8_t* PSDFile::packBits(std::span<const uint8_t> row, uint8_t* out) {
     if (n == 0 || n > kLongestMask) return packBitsPlainly(row, out);
     const uint8_t* const bytes = row.data();
     if (allAlike(bytes, static_cast<int64_t>(n))) return packFlat(bytes[0], n, out);
-    const EqualNeighbours equal(row);
+    const EqualNeighbors equal(row);
     const std::size_t roomy =
         n - std::min(n, kLongestStep); // up to here whole blocks may be read and written
     for (std::size_t i = 0; i < n;) {
-        // The literals, often none, and the run behind them that can be told by 64 pairs: most steps, without a
-        // branch that a processor would guess wrongly.
+        // The common step, without unpredictable branches: literals, often none, and the run behind them, as far as
+        // 64 bits show.
         uint64_t pairs = equal.from(i);
         std::size_t known = 64; // of the pairs
         while (i < roomy) {

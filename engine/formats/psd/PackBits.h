@@ -10,19 +10,19 @@ namespace qirn::PSDFile {
 
 inline constexpr std::size_t kPackingSlack = 16;
 
-/// Room that a row of so many bytes needs to be packed into: its packed form is never longer than all but the last
-/// `kPackingSlack` of them, which may be written over.
+/// Size of the buffer into which a row of so many bytes is packed. The packed row never uses the last `kPackingSlack`
+/// bytes, which are overwritten with rubbish.
 constexpr std::size_t packedRoom(std::size_t count) {
     return count + (count + 127) / 128 + kPackingSlack;
 }
 
 /// Writes the packed row to `out`, where `packedRoom` is; returns the end of it.
 uint8_t* packBits(std::span<const uint8_t> row, uint8_t* out);
-/// The same bytes, found one at a time: the reference for the form above, and for rows of any length.
+/// The same result by plain code: the reference for the function above, for rows of any length.
 uint8_t* packBitsPlainly(std::span<const uint8_t> row, uint8_t* out);
 
-/// Fills the row: zeros follow where the packed bytes hold less, and what they hold beyond it is not looked at.
-/// Throws BEReader::Short when they end within a step that the row still needs.
+/// Unpacks a row. Missing bytes become zeros, and packed bytes beyond the row are ignored. Throws BEReader::Short
+/// when they end within a step that the row still needs.
 void unpackBits(std::span<const uint8_t> packed, std::span<uint8_t> row);
 
 /// A row of `expected` bytes of which only a part is wanted, from byte `from` on: writes `part` as far as the packed

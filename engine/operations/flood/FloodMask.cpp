@@ -15,7 +15,7 @@ namespace qirn {
 
 namespace {
 
-/// Pixels as the fill sees them, a tile at a time, so that only what the fill reaches is ever read.
+/// The pixels that the fill compares, a tile at a time, so that only tiles that it reaches are read or composited.
 class Source {
 public:
     Source(const PaintDocument& doc, const FillOptions& options) : doc_(doc), all_(options.sampleAllLayers) {
@@ -43,15 +43,16 @@ private:
     std::vector<CompositeInput> inputs_;
 };
 
-/// One tile of the canvas as the fill goes on. A tile whose pixels within the canvas are all alike to the matcher
-/// needs no bits and is filled at once.
+/// State of one tile during the fill. A tile whose pixels within the canvas all match, or all do not, needs no bits
+/// and is filled at once.
 struct FloodTile {
     enum class State : uint8_t { unseen, closed, open, filled, mixed };
     State state = State::unseen;
     bool isWaiting = false;
-    std::unique_ptr<TileFlood> flood; // of a mixed tile; nothing is open beyond the canvas edge
-    TileEdges entries;                // pixels where the fill may come in
-    TileEdges reached;                // and where it goes on from here
+    std::unique_ptr<TileFlood>
+        flood;         // of a tile with both kinds of pixels; those beyond the canvas edge do not match
+    TileEdges entries; // edge pixels at which the fill enters
+    TileEdges reached; // edge pixels at which it leaves
 
     void look(const Source& source, const PixelMatcher& matcher, const TileGrid& grid, int64_t index) {
         if (state != State::unseen) return;
@@ -91,8 +92,8 @@ private:
     }
 };
 
-/// A fill on its way over the canvas, in waves: all tiles that it came into are filled side by side, and what they
-/// reached of their edges leads to the tiles of the next wave.
+/// A fill that spreads over the canvas in waves: all tiles that it has entered are filled in parallel, and the edge
+/// pixels that they reach enter the tiles of the next wave.
 class Flood {
 public:
     Flood(const PaintDocument& doc, int64_t x, int64_t y, const FillOptions& options)
@@ -109,12 +110,12 @@ public:
         std::vector<int64_t> wave{index};
         while (!wave.empty()) {
             concurrentPerform(static_cast<int64_t>(wave.size()), [&](int64_t i) {
-                const int64_t at = wave[checkedSize(i)];
-                tileAt(at).look(source_, matcher_, grid_, at);
-                tileAt(at).fill();
+                const int64_t tile = wave[checkedSize(i)];
+                tileAt(tile).look(source_, matcher_, grid_, tile);
+                tileAt(tile).fill();
             });
             std::vector<int64_t> next;
-            for (int64_t at : wave) leave(at, next);
+            for (int64_t tile : wave) leave(tile, next);
             wave = std::move(next);
         }
     }
@@ -145,12 +146,12 @@ private:
     void leave(int64_t index, std::vector<int64_t>& wave) {
         const TileEdges reached = std::exchange(tileAt(index).reached, {});
         const int64_t column = index % grid_.cols;
-        const auto enter = [&](int64_t to, BitRow TileEdges::*edge, const BitRow& at) {
+        const auto enter = [&](int64_t to, BitRow TileEdges::*edge, const BitRow& pixels) {
             FloodTile& tile = tileAt(to);
-            if (at.isEmpty() || tile.state == FloodTile::State::closed ||
+            if (pixels.isEmpty() || tile.state == FloodTile::State::closed ||
                 tile.state == FloodTile::State::filled)
                 return;
-            tile.entries.*edge |= at;
+            tile.entries.*edge |= pixels;
             if (!std::exchange(tile.isWaiting, true)) wave.push_back(to);
         };
         if (index >= grid_.cols) enter(index - grid_.cols, &TileEdges::bottom, reached.top);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "operations/flood/PixelMatcher.cpp"
 #include <hwy/foreach_target.h>

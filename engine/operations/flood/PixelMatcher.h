@@ -6,13 +6,13 @@
 
 namespace qirn {
 
-/// Tells which pixels are like the clicked one: none of their four bytes is further away than the tolerance.
+/// Finds the pixels like the clicked one: each of their four bytes differs by at most the tolerance.
 class PixelMatcher {
 public:
     PixelMatcher(const PixelBytes& clicked, int64_t tolerance); ///< The tolerance counts from 0 to 255.
 
     bool matchesTransparent() const { return lowest_ == PixelBytes{}; }
-    /// All pixels of a tile. The widest vectors of the machine do it.
+    /// All pixels of a tile.
     void match(const uint8_t* pixels, TileBits& out) const;
 
 private:

@@ -6,7 +6,8 @@ namespace {
 
 constexpr int kLast = kTileSize - 1;
 
-/// Runs from their seeds on. A seed added to its run carries to the run's end and clears what it passes.
+/// Runs to the right of their seeds: adding a seed to its run carries to the end of the run and clears the bits that
+/// it passes.
 BitRow onwards(const BitRow& open, const BitRow& seeds) {
     BitRow reached;
     uint64_t carry = 0;
@@ -19,7 +20,7 @@ BitRow onwards(const BitRow& open, const BitRow& seeds) {
     return reached;
 }
 
-/// Nothing carries down, so that here the reach doubles from step to step.
+/// There is no carry to the left, so the reach is doubled in each step.
 BitRow backwards(BitRow open, BitRow reached) {
     const BitRow run = open;
     for (int reach = 1; reach < 64; reach *= 2) {
@@ -42,9 +43,9 @@ BitRow runsThrough(const BitRow& open, const BitRow& seeds) {
 }
 
 void TileFlood::enter(int x, int y) {
-    BitRow at;
-    at.set(x);
-    seed(y, at);
+    BitRow entry;
+    entry.set(x);
+    seed(y, entry);
 }
 
 void TileFlood::enter(const TileEdges& from) {
@@ -70,8 +71,8 @@ void TileFlood::fillAll() {
     open_ = {};
 }
 
-void TileFlood::seed(int y, const BitRow& at) {
-    const BitRow fresh = at & open_[y];
+void TileFlood::seed(int y, const BitRow& pixels) {
+    const BitRow fresh = pixels & open_[y];
     if (fresh.isEmpty()) return;
     seeds_[y] |= fresh;
     waiting_.set(y);

@@ -8,13 +8,13 @@ struct TileEdges {
     BitRow top, bottom, left, right;
 };
 
-/// All runs of neighbours in `open` in which a seed lies; seeds are open.
+/// All runs of neighbors in `open` in which a seed lies; seeds are open.
 BitRow runsThrough(const BitRow& open, const BitRow& seeds);
 
 /// A flood within one tile: from where it came in to all open pixels that are connected with it by their sides.
 ///
-/// Whole rows are handled at once, as bits, and swept down and up in turn until nothing is left to look at; winding
-/// ways take more sweeps, but only of the rows that they go through.
+/// Whole rows are processed at once, as bits, in sweeps down and up until no row has seeds left. Winding areas take
+/// more sweeps, but only of the rows that they pass through.
 class TileFlood {
 public:
     explicit TileFlood(const TileBits& open) : open_(open) {}
@@ -26,11 +26,11 @@ public:
     const TileBits& filled() const { return filled_; }
 
 private:
-    void seed(int y, const BitRow& at);
+    void seed(int y, const BitRow& pixels);
     void fillRow(int y);
     TileEdges filledEdges() const;
 
-    TileBits open_; // and not filled
+    TileBits open_; // matching pixels that are not filled yet
     TileBits filled_{};
     TileBits seeds_{};
     BitRow waiting_; // rows with seeds

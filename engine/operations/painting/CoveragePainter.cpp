@@ -10,7 +10,7 @@ namespace qirn {
 
 namespace {
 
-/// One colour, and what it is laid on through.
+/// One color with the selection and mask through which it is painted.
 class CoveragePaint {
 public:
     CoveragePaint(const PaintDocument& doc, const Layer& layer, const PaintColor& color, double opacity,
@@ -30,13 +30,13 @@ public:
         return cover == TileMask::Cover::bits && selected == Extent::everything ? Extent::some : selected;
     }
 
-    void paint(const TilePart& at, int64_t y) const {
-        CoverageRow coverage = coverageOf(selection_, at, y);
-        if (mask_) mask_->limit(coverage, at.index, static_cast<int>(y - at.tile.y));
-        paintRow(flat_, coverage, at.row(y));
+    void paint(const TilePart& painted, int64_t y) const {
+        CoverageRow coverage = coverageOf(selection_, painted, y);
+        if (mask_) mask_->limit(coverage, painted.index, static_cast<int>(y - painted.tile.y));
+        paintRow(flat_, coverage, painted.row(y));
     }
 
-    /// A tile painted all over, frozen, for as many slots as come to it.
+    /// A fully painted tile, frozen, to be shared by all slots that are covered everywhere.
     TileRef solidTile() const {
         CoverageRow everywhere;
         everywhere.fill(255);
@@ -49,7 +49,7 @@ public:
 private:
     const Selection* selection_;
     const TileMask* mask_; // null: covered everywhere
-    const FlatPaint flat_; // strength of full coverage
+    const FlatPaint flat_; // `strength` is the opacity at full coverage
 };
 
 IRect paintThrough(PaintDocument& doc, const IRect& rect, Layer& layer, const CoveragePaint& paint) {

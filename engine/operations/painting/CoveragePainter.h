@@ -5,7 +5,7 @@
 
 namespace qirn {
 
-// One colour laid on a rectangle of a layer, within the selection where there is one and keeping the alpha lock.
+// One color laid on a rectangle of a layer, within the selection where there is one and keeping the alpha lock.
 // Returns the rectangle's part of the canvas, marked dirty; the zero rectangle when there is none. A tile on which
 // nothing lands is not made, nor copied. Commits nothing.
 

@@ -1,5 +1,5 @@
-// How a straight colour is laid on premultiplied pixels, over any number type; like platform/lanes/Lanes.h, included once
-// for each instruction set.
+// Painting a straight color on premultiplied pixels, over lanes; like platform/lanes/Lanes.h, included once for each
+// instruction set.
 #include "platform/lanes/ByteLanes.h"
 
 #if defined(QIRN_OPERATIONS_PAINTFORMULAS_H) == defined(HWY_TARGET_TOGGLE)
@@ -13,7 +13,7 @@ HWY_BEFORE_NAMESPACE();
 namespace qirn::HWY_NAMESPACE {
 namespace {
 
-/// Pixels are worked on in blocks of a tile's columns, which every vector divides.
+/// Pixels of a row are processed in blocks of this many, which every vector divides.
 inline constexpr int kPaintBlock = 16;
 
 /// Straight, each from 0 to 1.
@@ -30,13 +30,13 @@ template <int kShift> HWY_INLINE Floats unitOf(Words pixels) {
     return byteOver255(byteOf<kShift>(pixels));
 }
 
-/// What full coverage leaves, whatever was there: the same bytes as `PaintOver` at a coverage of 1.
+/// The pixels at full coverage, whatever was there before: the same bytes as `PaintOver` at a coverage of 1.
 HWY_INLINE Words opaquePixels(const StraightColor& color) {
     return unitByte(color.r) | shiftedUp<8>(unitByte(color.g)) | shiftedUp<16>(unitByte(color.b)) |
            allWords(0xFF000000u);
 }
 
-// Pixels after a colour came over them to the extent of a coverage from 0 to 1.
+// New pixels from old ones, a coverage of 0 to 1 and a color.
 
 struct PaintOver {
     HWY_INLINE Words operator()(Words before, Floats coverage, const StraightColor& color) const {

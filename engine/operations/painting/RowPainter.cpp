@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-// This file once more for each instruction set; the best that the machine has is chosen at run time.
+// Compiled once for each instruction set; the best one is chosen when the program runs.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "operations/painting/RowPainter.cpp"
 #include <hwy/foreach_target.h>

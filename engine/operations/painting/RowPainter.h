@@ -14,18 +14,18 @@ enum class AlphaLock {
 /// How far each pixel of a tile's row is covered, 0 to 255.
 using CoverageRow = std::array<uint8_t, kTileSize>;
 
-/// One colour, straight, from 0 to 1, as are the opacities.
+/// One color, straight, from 0 to 1, as are the opacities.
 struct FlatPaint {
     float r, g, b;
     float strength; ///< Opacity where the coverage is full.
     AlphaLock lock = AlphaLock::no;
 
-    /// Nothing is seen of what was there before, where the coverage is full.
+    /// Whether full coverage hides what was there before.
     bool hides() const { return strength == 1 && lock == AlphaLock::no; }
 };
 
-/// Lays the colour on the premultiplied pixels of a tile's row. Those without coverage keep their bytes. The widest
-/// vectors of the machine do it; every instruction set gives the same bytes.
+/// Lays the color on the premultiplied pixels of a tile's row. Those without coverage keep their bytes. The same
+/// bytes on every instruction set.
 void paintRow(const FlatPaint& paint, const CoverageRow& coverage, uint8_t* row);
 
 } // namespace qirn

@@ -16,29 +16,30 @@ struct BitRow {
     static BitRow first(int count) { ///< The first so many are set.
         BitRow row;
         for (int i = 0; i < kWords; ++i) {
-            const int here = count - i * 64;
-            row[i] = here >= 64 ? ~uint64_t{0} : here > 0 ? (uint64_t{1} << here) - 1 : 0;
+            const int inWord = count - i * 64;
+            row[i] = inWord >= 64 ? ~uint64_t{0} : inWord > 0 ? (uint64_t{1} << inWord) - 1 : 0;
         }
         return row;
     }
 
     uint64_t& operator[](int word) { return words[checkedSize(word)]; }
     uint64_t operator[](int word) const { return words[checkedSize(word)]; }
-    bool has(int at) const { return ((*this)[at / 64] >> at % 64 & 1) != 0; }
-    void set(int at) { (*this)[at / 64] |= uint64_t{1} << at % 64; }
-    void clear(int at) { (*this)[at / 64] &= ~(uint64_t{1} << at % 64); }
+    bool has(int place) const { return ((*this)[place / 64] >> place % 64 & 1) != 0; }
+    void set(int place) { (*this)[place / 64] |= uint64_t{1} << place % 64; }
+    void clear(int place) { (*this)[place / 64] &= ~(uint64_t{1} << place % 64); }
     bool isEmpty() const { return (words[0] | words[1] | words[2] | words[3]) == 0; }
 
-    int lowestFrom(int at) const { ///< The first that is set at or after the place; 256 if there is none.
-        for (int i = at / 64; i < kWords; ++i) {
-            const uint64_t rest = i == at / 64 ? (*this)[i] >> at % 64 << at % 64 : (*this)[i];
+    int lowestFrom(int place) const { ///< The first that is set at or after the place; 256 if there is none.
+        for (int i = place / 64; i < kWords; ++i) {
+            const uint64_t rest = i == place / 64 ? (*this)[i] >> place % 64 << place % 64 : (*this)[i];
             if (rest) return i * 64 + std::countr_zero(rest);
         }
         return kTileSize;
     }
-    int highestUpTo(int at) const { ///< The last that is set at or before the place; -1 if there is none.
-        for (int i = at / 64; at >= 0 && i >= 0; --i) {
-            const uint64_t rest = i == at / 64 ? (*this)[i] << (63 - at % 64) >> (63 - at % 64) : (*this)[i];
+    int highestUpTo(int place) const { ///< The last that is set at or before the place; -1 if there is none.
+        for (int i = place / 64; place >= 0 && i >= 0; --i) {
+            const uint64_t rest =
+                i == place / 64 ? (*this)[i] << (63 - place % 64) >> (63 - place % 64) : (*this)[i];
             if (rest) return i * 64 + 63 - std::countl_zero(rest);
         }
         return -1;

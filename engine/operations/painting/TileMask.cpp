@@ -14,7 +14,7 @@ const BitRow kUncovered;
 const BitRow kCovered = ~BitRow();
 constexpr int kLast = kTileSize - 1;
 
-/// For each byte of a row's bits the eight bytes of coverage that they let through, in memory order.
+/// For each byte of a row's bits: eight bytes that are 255 where the bit is set, in memory order.
 using ByteMasks = std::array<std::array<uint8_t, 8>, 256>;
 constexpr ByteMasks makeByteMasks() {
     ByteMasks masks{};
@@ -25,7 +25,7 @@ constexpr ByteMasks makeByteMasks() {
 }
 constexpr ByteMasks kByteMasks = makeByteMasks();
 
-/// `before` and `after` tell of the pixels beside the row.
+/// `before` and `after` are the neighboring pixels of the row in the tiles beside it.
 BitRow grownAcross(const BitRow& row, bool before, bool after) {
     BitRow grown = row;
     for (int i = 0; i < BitRow::kWords; ++i) {
@@ -81,15 +81,15 @@ TileMask TileMask::grown() const {
 void TileMask::limit(CoverageRow& coverage, int64_t index, int y) const {
     const BitRow& covered = row(index, y);
     for (int word = 0; word < BitRow::kWords; ++word) {
-        uint8_t* at = coverage.data() + word * 64;
+        uint8_t* eight = coverage.data() + word * 64;
         uint64_t bits = covered[word];
         if (bits == ~uint64_t{0}) continue;
-        for (int i = 0; i < 64; i += 8, bits >>= 8, at += 8) {
+        for (int i = 0; i < 64; i += 8, bits >>= 8, eight += 8) {
             uint64_t bytes, mask;
-            std::memcpy(&bytes, at, 8);
+            std::memcpy(&bytes, eight, 8);
             std::memcpy(&mask, kByteMasks[bits & 0xFF].data(), 8);
             bytes &= mask;
-            std::memcpy(at, &bytes, 8);
+            std::memcpy(eight, &bytes, 8);
         }
     }
 }

@@ -11,8 +11,8 @@
 
 namespace qirn {
 
-/// Which pixels of a canvas are covered. It costs memory only where that is neither none nor all: each tile of the
-/// grid is covered nowhere, everywhere, or as its own bits say. What lies beyond the canvas edge does not count.
+/// A bit for each pixel of a canvas. Each tile of the grid is covered nowhere, everywhere, or as its bits say; only
+/// the latter takes memory. What lies beyond the canvas edge does not count.
 class TileMask {
 public:
     enum class Cover : uint8_t { none, whole, bits };
@@ -24,9 +24,9 @@ public:
     const BitRow& row(int64_t index, int y) const; ///< Of a tile.
     bool covers(int64_t x, int64_t y) const;       ///< Not outside the canvas.
     IRect bounds() const; ///< Tight box of all covered pixels; the zero rectangle when there are none.
-    /// Grows by the four neighbours of each covered pixel.
+    /// Grows by the four neighbors of each covered pixel.
     TileMask grown() const;
-    /// Takes the coverage away from the pixels of a tile's row that are not covered here.
+    /// Clears the coverage of those pixels of a tile's row that the mask does not cover.
     void limit(CoverageRow& coverage, int64_t index, int y) const;
 
     // Different tiles may be set from different threads.

@@ -23,34 +23,35 @@ Extent extentOf(const Selection* selection, int64_t index, const IRect& part) {
     return first == 0 ? Extent::nothing : Extent::everything;
 }
 
-CoverageRow coverageOf(const Selection* selection, const TilePart& at, int64_t y) {
+CoverageRow coverageOf(const Selection* selection, const TilePart& painted, int64_t y) {
     CoverageRow coverage{};
-    uint8_t* first = coverage.data() + (at.part.x - at.tile.x);
+    uint8_t* first = coverage.data() + (painted.part.x - painted.tile.x);
     if (selection)
-        std::copy_n(selection->row(at.index, y - at.tile.y) + (at.part.x - at.tile.x), at.part.w, first);
+        std::copy_n(selection->row(painted.index, y - painted.tile.y) + (painted.part.x - painted.tile.x),
+                    painted.part.w, first);
     else
-        std::fill_n(first, at.part.w, uint8_t{255});
+        std::fill_n(first, painted.part.w, uint8_t{255});
     return coverage;
 }
 
 void TileParts::take(int64_t index, const IRect& part, Old old) {
     if (layer_.alphaLocked && !layer_.tile(index)) return;
-    // Beyond the canvas edge a tile keeps what it had.
+    // A tile keeps its pixels beyond the canvas edge.
     const bool isWhole = part.w * part.h == kTilePixels;
     taken_.push_back({index, part, isWhole ? old : Old::seen});
 }
 
 void TileParts::run(const std::function<void(const TilePart& part, int64_t y)>& paint) {
-    // Tiles that may be written already are found first: the layer itself is for one thread. Copies are made where
-    // they are painted, while they are in that processor's cache.
+    // Tiles that need no copy are fetched first, since a layer may be changed by one thread only. Copies are made by
+    // the thread that paints them, which then has them in its cache.
     std::vector<uint8_t*> pixels(taken_.size());
     std::vector<TileRef> fresh(taken_.size());
     for (std::size_t i = 0; i < taken_.size(); ++i) {
         const Tile* tile = layer_.tile(taken_[i].index);
         if (tile && !tile->isFrozen()) pixels[i] = layer_.writableTile(taken_[i].index).writablePixels();
     }
-    concurrentPerform(static_cast<int64_t>(taken_.size()), [&](int64_t at) {
-        const auto i = checkedSize(at);
+    concurrentPerform(static_cast<int64_t>(taken_.size()), [&](int64_t number) {
+        const auto i = checkedSize(number);
         const auto& [index, part, old] = taken_[i];
         if (!pixels[i]) {
             const Tile* tile = layer_.tile(index);

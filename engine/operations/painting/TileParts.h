@@ -17,7 +17,7 @@ enum class Extent { nothing, some, everything };
 /// What a selection covers of a tile's part; without one that is everything.
 Extent extentOf(const Selection* selection, int64_t index, const IRect& part);
 
-/// Where one tile of a layer and a rectangle of the canvas meet, while it is painted.
+/// The part of a tile of a layer that is being painted.
 struct TilePart {
     int64_t index;
     IRect tile; ///< On the canvas, as `part`.
@@ -27,10 +27,10 @@ struct TilePart {
     uint8_t* row(int64_t y) const { return pixels + placeInTile(0, y); } ///< Of the tile, whole.
 };
 
-/// What the selection, or without one everything, covers of row `y` of the part; nothing beside the part.
-CoverageRow coverageOf(const Selection* selection, const TilePart& at, int64_t y);
+/// The coverage of row `y` of the part by the selection, full without one; 0 beside the part.
+CoverageRow coverageOf(const Selection* selection, const TilePart& painted, int64_t y);
 
-/// Whether anything of what a part held before is seen under what is painted.
+/// Whether the old pixels of a part can show through the paint.
 enum class Old { seen, hidden };
 
 /// The parts of a rectangle on one layer, to be painted by `run`.
@@ -38,7 +38,7 @@ class TileParts {
 public:
     explicit TileParts(Layer& layer) : layer_(layer) {}
 
-    /// Takes part in the painting, except where an alpha lock lets nothing through to the tile anyway.
+    /// Adds a part, unless alpha lock keeps its tile from changing.
     void take(int64_t index, const IRect& part, Old old);
     /// `paint(part, y)` for every row of every part, the parts in parallel. Makes their tiles, or copies them where needed.
     void run(const std::function<void(const TilePart& part, int64_t y)>& paint);

@@ -46,7 +46,7 @@ QString reasonFor(int error) {
         .arg(QString::fromLocal8Bit(std::generic_category().message(error).c_str()));
 }
 
-/// The result of a call that reports failure by a negative number; tries again where a signal came in between.
+/// The result of a system call that reports failure by a negative number; retries when a signal interrupts it.
 template <class Call> auto checked(Call call) {
     while (true) {
         const auto result = call();
@@ -60,7 +60,7 @@ std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-/// The path of the file itself where the last part of a path is a symbolic link, also to a file that is yet to be.
+/// Follows a symbolic link in the last part of a path, also to a file that does not exist yet.
 std::string followLinks(std::string path, const FileCalls& calls) {
     for (int links = 0; links < kMostLinks; ++links) {
         char target[4096];
@@ -109,7 +109,7 @@ public:
     void flush() const {
         checked([&] { return calls_.fsync(descriptor_); });
     }
-    /// A disk may report only now that it could not keep what was written.
+    /// Write errors may be reported only now.
     void close() {
         const int descriptor = std::exchange(descriptor_, -1);
         if (calls_.close(descriptor) < 0 && errno != EINTR) throw FileError(errno);
@@ -120,7 +120,7 @@ private:
     const FileCalls& calls_;
 };
 
-/// A name beside the target for what shall replace it; removed again unless the file was moved to its place.
+/// A temporary name beside the target; removed at the end of its life unless the file was renamed to the target.
 class TemporaryName {
 public:
     TemporaryName(const std::string& folder, const FileCalls& calls) : folder_(folder), calls_(calls) {}
@@ -153,14 +153,14 @@ private:
     bool isTaken_ = false;
 };
 
-/// What is to become of a path that names the file itself.
+/// The file that is to be replaced; its path is no symbolic link.
 struct Replacement {
     std::string target;
     std::string folder; // of the target
     std::optional<mode_t> mode;
     std::span<const uint8_t> bytes;
 
-    mode_t firstMode() const { return mode ? 0600 : 0666; } // the bytes are nobody's until the mode is set
+    mode_t firstMode() const { return mode ? 0600 : 0666; } // readable by nobody else until the mode is set
     void fill(const OpenFile& file, const FileCalls& calls) const {
         if (mode) checked([&] { return calls.fchmod(file.descriptor(), *mode); });
         file.write(bytes);
@@ -168,9 +168,9 @@ struct Replacement {
     }
 };
 
-/// Through a file that has a name for the moment before it takes the target's only, so that a process killed while it
-/// writes leaves nothing behind. False, and nothing has changed, where that cannot be had; the reason may be one for
-/// which `replaceByName` fails as well and which is told then.
+/// Writes through an unnamed file (O_TMPFILE), which gets a name only just before the rename, so that a process
+/// killed while it writes leaves nothing behind. Returns false, with nothing changed, where the file system has no
+/// unnamed files or the attempt fails; `replaceByName` then reports the error if it fails too.
 bool replaceWithoutName(const Replacement& replacement, const FileCalls& calls) {
     const std::string folder = replacement.folder.empty() ? "." : replacement.folder;
     int descriptor = -1;
@@ -222,7 +222,7 @@ void flushFolder(const OpenFile& folder) {
     try {
         folder.flush();
     } catch (const FileError& error) {
-        // Some file systems have no such thing and keep their names safe in other ways.
+        // Some file systems cannot flush a folder and make renames durable in other ways.
         if (error.systemError() == EINVAL || error.systemError() == ENOTSUP) return;
         throw FileError::notFlushed(error.systemError());
     }

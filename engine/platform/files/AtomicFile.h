@@ -50,8 +50,8 @@ struct FileCalls {
 /// is write-protected is refused. Only when the disk fails at the very end, at flushing the new name, is the new file
 /// in place already: the error then says that it may not outlast a power cut.
 ///
-/// The bytes are gathered in a file without a name, which vanishes with a process that is killed; where the file
-/// system has no such files, in a hidden file `.qirn-` and 12 hexadecimal digits beside the target.
+/// The bytes are written to an unnamed file, which vanishes with a process that is killed; where the file system has
+/// none, to a hidden file `.qirn-` and 12 hexadecimal digits beside the target.
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes,
                      const FileCalls& calls = FileCalls::ofSystem());
 

@@ -9,7 +9,7 @@ namespace qirn {
 QString pathFromBytes(const QByteArray& bytes);
 QByteArray bytesOfPath(const QString& path);
 
-/// From the root; a relative path is taken from the working folder.
+/// The absolute path; a relative one starts at the working folder.
 QString absolutePath(const QString& path);
 
 } // namespace qirn

@@ -18,7 +18,7 @@ namespace qirn {
 
 namespace {
 
-// Bytes at a time beyond the length that a file gives, as those that the system makes up do not.
+// Bytes that are read at a time beyond the stated length: files in /proc state 0.
 constexpr qsizetype kGrowth = 64 * 1024;
 
 [[noreturn]] void fail(int error) {
@@ -30,8 +30,7 @@ constexpr qsizetype kGrowth = 64 * 1024;
     throw ReadError(0, QCoreApplication::translate("ReadError", words));
 }
 
-/// Bytes that programs can still have without taking memory away from each other; all there are where the system
-/// does not tell.
+/// Memory and swap that programs can still take, in bytes; all physical memory where the system does not tell.
 int64_t freeMemory() {
     int64_t bytes = 0;
     if (std::FILE* facts = std::fopen("/proc/meminfo", "re")) {
@@ -58,7 +57,7 @@ struct Descriptor {
     const int number;
 };
 
-/// Opens without waiting, as for the other end of a pipe.
+/// Opens without blocking, even a pipe that nobody writes to.
 int openAtOnce(const QString& path) {
     const QByteArray name = bytesOfPath(path);
     int descriptor = -1;
@@ -80,7 +79,7 @@ QByteArray readFile(const QString& path, int64_t mostBytes) {
     const int64_t most = std::min(mostBytes, freeMemory());
     QByteArray bytes;
     qsizetype length = 0;
-    auto room = static_cast<qsizetype>(facts.st_size) + 1; // the end shows at the byte too many
+    auto room = static_cast<qsizetype>(facts.st_size) + 1; // reading one byte more detects the end
     while (true) {
         if (room - 1 > most)
             refuse(QT_TRANSLATE_NOOP("ReadError", "The file is too large for the memory that is free."));

@@ -12,7 +12,7 @@ namespace qirn {
 
 namespace {
 
-// What rounding may leave of a coordinate, in pixels, and of a sine.
+// Rounding errors that still count as none: of a coordinate, in pixels, and of a factor.
 constexpr double kRounding = 1e-6;
 constexpr double kFactorRounding = 1e-12; // below the former over the widest canvas
 constexpr double kFarthest = 1e15;        // whole pixels and their halves are exact up to here
@@ -29,9 +29,10 @@ bool isWhole(double v) {
 
 } // namespace
 
-std::optional<PixelMap> PixelMap::of(const QTransform& toTarget) {
+std::optional<PixelMap> PixelMap::fromTransform(const QTransform& toTarget) {
     if (!toTarget.isAffine()) return std::nullopt;
-    // The inverse of a turn or mirror is its transpose, and a QTransform is written for rows, ours for columns.
+    // The inverse of a rotation or mirror is its transpose; and QTransform multiplies row vectors, PixelMap column
+    // vectors.
     const auto xx = unit(toTarget.m11()), xy = unit(toTarget.m12());
     const auto yx = unit(toTarget.m21()), yy = unit(toTarget.m22());
     if (!xx || !xy || !yx || !yy) return std::nullopt;

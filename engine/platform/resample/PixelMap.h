@@ -17,10 +17,10 @@ struct PixelMap {
     int64_t x0 = 0;
     int64_t y0 = 0;
 
-    /// Of a transform from source to target coordinates, in which pixels are unit squares; nothing when it would
-    /// mix pixels. A quarter turn about the middle of an odd by an even number of pixels ends between pixels: it
-    /// moves on by half a pixel, so that it stays a copy.
-    static std::optional<PixelMap> of(const QTransform& toTarget);
+    /// Of a transform from source to target coordinates, in which pixels are unit squares; nothing when it would mix
+    /// pixels. A quarter turn about the center of an odd by an even number of pixels would land between pixels: it is
+    /// moved by half a pixel, so that it stays a copy.
+    static std::optional<PixelMap> fromTransform(const QTransform& toTarget);
     static PixelMap moved(int64_t dx, int64_t dy) { return {1, 0, 0, 1, -dx, -dy}; }
 
     int64_t sourceX(int64_t x, int64_t y) const { return xx * x + xy * y + x0; }
@@ -28,8 +28,8 @@ struct PixelMap {
     bool isMove() const { return xx == 1 && yy == 1; }
     /// From source to target pixels.
     PixelMap inverse() const;
-    /// Writes target pixels (0, 0) to (width, height) outward from `target`. `source` is where the source pixel of
-    /// target pixel (0, 0) lies; both distances are in bytes from one row to the next.
+    /// Writes the target pixels from (0, 0) to before (width, height), `target` being the first. `source` is where
+    /// the source pixel of target pixel (0, 0) lies; both distances are in bytes from one row to the next.
     void copy(const uint8_t* source, int64_t sourceRowBytes, uint8_t* target, int64_t targetRowBytes,
               int64_t width, int64_t height) const;
 };

@@ -30,7 +30,7 @@ bool isNear(const QTransform& t) {
                        [](double v) { return std::fabs(v) < kFarthest; });
 }
 
-/// Nothing for a transform that flattens the plane, or nearly.
+/// Nothing for a transform that is singular, or nearly.
 std::optional<QTransform> inverseOf(const QTransform& t) {
     if (!t.isAffine() || !isNear(t)) return std::nullopt;
     const double det = t.m11() * t.m22() - t.m12() * t.m21();
@@ -41,7 +41,7 @@ std::optional<QTransform> inverseOf(const QTransform& t) {
     return inverse;
 }
 
-/// How far apart the source pixels are, along one of its axes, that neighbouring target pixels show; at least 1.
+/// Distance between the source points of neighboring target pixels along one axis of the source; at least 1.
 double filterWidth(double perColumn, double perRow) {
     const double width = std::hypot(perColumn, perRow);
     return width < 1 + kFactorRounding ? 1 : width;
@@ -51,7 +51,7 @@ double filterWidth(double perColumn, double perRow) {
 void drawBlocks(int64_t x, int64_t y, int64_t width, int64_t height, uint8_t* out,
                 const std::function<void(const TargetBlock&)>& drawBlock) {
     const int64_t columns = (width + kBlockWidth - 1) / kBlockWidth;
-    // Low blocks for a small target, whose source may be large: no core shall wait for the last one.
+    // A small target is cut into low blocks, so that all cores finish together: its source may be large.
     int64_t blockHeight = kBlockHeight;
     while (blockHeight > kLeastHeight && columns * (height / blockHeight) < 4 * concurrency())
         blockHeight /= 2;
@@ -79,7 +79,7 @@ void clear(const TargetBlock& block) {
 
 Resampler::Resampler(const PixelView& source, const QTransform& toTarget)
     : source_(source),
-      map_(PixelMap::of(toTarget)) {
+      map_(PixelMap::fromTransform(toTarget)) {
     if (map_) {
         const PixelMap back = map_->inverse();
         const auto square = [&](int64_t x, int64_t y) {
@@ -94,7 +94,8 @@ Resampler::Resampler(const PixelView& source, const QTransform& toTarget)
     toSource_ = *inverse;
     filterX_ = filterWidth(toSource_.m11(), toSource_.m21());
     filterY_ = filterWidth(toSource_.m12(), toSource_.m22());
-    // Beyond an edge the filter is nowhere positive farther than this, and a pixel is drawn where its centre lies.
+    // Beyond this distance from an edge the filter has no positive weight, so no pixel whose center lies there is
+    // drawn.
     const auto soft = [](double width) { return width > 1 ? width : 0.5; };
     const QRectF picture(0, 0, static_cast<double>(source.width), static_cast<double>(source.height));
     const QRectF softPicture =

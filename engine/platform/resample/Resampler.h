@@ -13,10 +13,10 @@ namespace qirn {
 
 /// Draws a picture under an affine transform, as if it lay on a transparent plane without end.
 ///
-/// Whole-pixel moves, quarter turns and mirrors copy the bytes. Everything else is filtered (see ScaleWeights)
-/// along the axes of the source, which keeps sharpness and colours at transparent borders and shrinks without
-/// moire. Transforms that flatten the plane or are no affine ones draw nothing. The same bytes come out on every
-/// machine, on any number of threads and in whatever rectangles the target is asked for.
+/// Whole-pixel moves, quarter turns and mirrors copy the bytes. Everything else is filtered (see ScaleWeights) along
+/// the axes of the source, which keeps sharpness and colors at transparent borders and shrinks without moire.
+/// Singular and non-affine transforms draw nothing. The same bytes come out on every machine, on any number of
+/// threads and in whatever rectangles the target is asked for.
 class Resampler {
 public:
     /// `toTarget` leads from source to target coordinates, y down; pixels are unit squares. The source stays

@@ -18,7 +18,7 @@ void widen(const uint8_t* bytes, int64_t count, float* out) {
 void filterRow(const float* source, int64_t left, const ScaleWeights& across, const TargetBlock& block,
                float* out) {
     for (int64_t x = 0; x < block.width; ++x, out += 4) {
-        const ScaleWeights::Span span = across.of(block.x + x);
+        const ScaleWeights::Span span = across.spanOf(block.x + x);
         const float* pixel = source + (span.first - left) * 4;
         FloatPixel sum{};
         for (int64_t i = 0; i < span.count; ++i) sum += span.weights[i] * loadPixel(pixel + i * 4);
@@ -72,7 +72,7 @@ void addRow(float* sums, const float* row, float weight, int64_t floats) {
     for (int64_t i = 0; i < floats; ++i) sums[i] += weight * row[i];
 }
 
-/// As four times `addRow`, in the same order.
+/// The same as four calls of `addRow`, added in the same order.
 void addFourRows(float* sums, const float* const* rows, const float* weights, int64_t floats) {
     const float *a = rows[0], *b = rows[1], *c = rows[2], *d = rows[3];
     for (int64_t i = 0; i < floats; i += 4) {
@@ -90,13 +90,13 @@ void addFourRows(float* sums, const float* const* rows, const float* weights, in
 void scaleBlock(const SourceRows& rows, const ScaleWeights& across, const ScaleWeights& down,
                 const TargetBlock& block) {
     int64_t held = 1;
-    for (int64_t y = 0; y < block.height; ++y) held = std::max(held, down.of(block.y + y).count);
+    for (int64_t y = 0; y < block.height; ++y) held = std::max(held, down.spanOf(block.y + y).count);
     FilteredRows filtered(rows, across, block, held);
     const int64_t floats = block.width * 4;
     std::vector<float> sums(checkedSize(floats));
     for (int64_t y = 0; y < block.height; ++y) {
         std::fill(sums.begin(), sums.end(), 0.0f);
-        const ScaleWeights::Span span = down.of(block.y + y);
+        const ScaleWeights::Span span = down.spanOf(block.y + y);
         const float* group[4];
         float weights[4];
         int grouped = 0;

@@ -33,9 +33,9 @@ struct TargetBlock {
 void scaleBlock(const SourceRows& rows, const ScaleWeights& across, const ScaleWeights& down,
                 const TargetBlock& block);
 
-/// Writes filtered pixels, on a scale of 0 to 255, as bytes; `sums` is used up. The filter overshoots at edges:
-/// where alpha passes 255 the colour is taken back with it, so that an opaque edge becomes neither lighter nor
-/// darker than its inside, and no colour is above its alpha.
+/// Writes filtered pixels, on a scale of 0 to 255, as bytes; `sums` is overwritten. The filter overshoots at edges:
+/// where alpha exceeds 255 the color is reduced in proportion, so that an opaque edge gets neither lighter nor darker
+/// than its inside, and no color exceeds its alpha.
 void storeFiltered(float* sums, int64_t count, uint8_t* out);
 
 } // namespace qirn

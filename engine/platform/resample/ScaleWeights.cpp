@@ -9,7 +9,8 @@
 namespace qirn {
 
 namespace {
-// From here on a filter's samples add up to its width but for less than a float shows.
+// From this width on the samples of the filter add up to the width to within float precision, so they need no
+// normalizing.
 constexpr double kWideFilter = 4096;
 } // namespace
 
@@ -20,18 +21,18 @@ ScaleWeights::ScaleWeights(int64_t sourceLength, double step, double origin, int
     const double width = std::max(1.0, std::fabs(step));
     entries_.reserve(checkedSize(std::max<int64_t>(count, 0)));
     for (int64_t x = first; x < first + count; ++x) {
-        // In units in which the centres of the source pixels are whole numbers.
+        // In units in which the centers of the source pixels are whole numbers.
         entries_.push_back(entryFor(step * (static_cast<double>(x) + 0.5) + origin - 0.5, width, edges));
     }
 }
 
-ScaleWeights::Entry ScaleWeights::entryFor(double centre, double width, Edges edges) {
+ScaleWeights::Entry ScaleWeights::entryFor(double center, double width, Edges edges) {
     const double reach = 2 * width;
     const auto last = static_cast<double>(sourceLength_ - 1);
     const Entry nothing{0, 0, weights_.size()};
-    if (edges == Edges::transparent && !(centre > -reach && centre < last + reach)) return nothing;
-    const double begin = std::floor(centre - reach) + 1, end = std::ceil(centre + reach);
-    const auto weight = [&](double i) { return cubicFilter((i - centre) / width); };
+    if (edges == Edges::transparent && !(center > -reach && center < last + reach)) return nothing;
+    const double begin = std::floor(center - reach) + 1, end = std::ceil(center + reach);
+    const auto weight = [&](double i) { return cubicFilter((i - center) / width); };
     const auto inside = [&](double i) { return static_cast<int64_t>(std::clamp(i, 0.0, last)); };
 
     double sum = width;
@@ -49,7 +50,7 @@ ScaleWeights::Entry ScaleWeights::entryFor(double centre, double width, Edges ed
     } else {
         for (int64_t i = entry.first; i < entry.first + entry.count; ++i) add(static_cast<double>(i), i);
     }
-    // At its own size a pixel is made of itself alone.
+    // At scale 1 a target pixel is its source pixel.
     while (entry.count > 0 && weights_.back() == 0) {
         weights_.pop_back();
         --entry.count;
@@ -62,7 +63,7 @@ ScaleWeights::Entry ScaleWeights::entryFor(double centre, double width, Edges ed
     return entry;
 }
 
-ScaleWeights::Span ScaleWeights::of(int64_t target) const {
+ScaleWeights::Span ScaleWeights::spanOf(int64_t target) const {
     const auto index = checkedSize(target - firstTarget_);
     require(index < entries_.size());
     const Entry& entry = entries_[index];
@@ -72,7 +73,7 @@ ScaleWeights::Span ScaleWeights::of(int64_t target) const {
 ScaleWeights::Span ScaleWeights::reachOf(int64_t target, int64_t count) const {
     int64_t first = sourceLength_, end = 0;
     for (int64_t x = target; x < target + count; ++x) {
-        const Span span = of(x);
+        const Span span = spanOf(x);
         if (span.count == 0) continue;
         first = std::min(first, span.first);
         end = std::max(end, span.end());

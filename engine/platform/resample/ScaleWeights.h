@@ -18,7 +18,7 @@ template <class Number> constexpr Number cubicFilter(Number t) {
 
 /// Along one axis: of which source pixels, and in what parts, each pixel of a range of target pixels is made.
 ///
-/// The centre of target pixel x lies at source coordinate `step` * (x + 0.5) + `origin`; a step above 1 shrinks and
+/// The center of target pixel x lies at source coordinate `step` * (x + 0.5) + `origin`; a step above 1 shrinks and
 /// widens the filter by as much, so that nothing too fine for the target is left over as moire. A negative step
 /// mirrors. The parts of a pixel that lies well inside add up to 1.
 class ScaleWeights {
@@ -33,7 +33,7 @@ public:
         int64_t end() const { return first + count; }
     };
     /// Empty for a target pixel that the source does not reach; only for pixels of the range.
-    Span of(int64_t target) const;
+    Span spanOf(int64_t target) const;
     /// All source pixels of a part of the range: weights are null.
     Span reachOf(int64_t target, int64_t count) const;
 
@@ -43,7 +43,7 @@ private:
         int64_t count;
         std::size_t weights;
     };
-    Entry entryFor(double centre, double width, Edges edges);
+    Entry entryFor(double center, double width, Edges edges);
 
     int64_t sourceLength_;
     int64_t firstTarget_;

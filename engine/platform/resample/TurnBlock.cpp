@@ -20,10 +20,10 @@ struct Taps {
     float weights[kMostTaps];
 };
 
-/// `at` is in units in which the centres of the source pixels are whole numbers; it is no farther outside than the
+/// `at` is in units in which the centers of the source pixels are whole numbers; it is no farther outside than the
 /// filter reaches.
 Taps tapsAt(double at, double width, int count) {
-    constexpr double kAhead = 16; // keeps the number positive: then cutting it is flooring it
+    constexpr double kAhead = 16; // keeps the number positive, so that truncation is floor
     Taps taps{};
     const double begin = at - 2 * width;
     taps.first = static_cast<int64_t>(begin + kAhead) - static_cast<int64_t>(kAhead) + 1;
@@ -77,7 +77,7 @@ FloatPixel sumOfInside(const PixelView& source, const Taps& across, int columns,
     return sum;
 }
 
-/// Cuts a range of whole numbers n to those, and a few more, for which low < step * n + base < high.
+/// Narrows a range of whole numbers n to those with low < step * n + base < high, give or take a few.
 void narrow(double step, double base, double low, double high, int64_t& first, int64_t& end) {
     if (step == 0) return;
     const double a = (low - base) / step, b = (high - base) / step;
@@ -101,18 +101,18 @@ void turnBlock(const PixelView& source, const QTransform& toSource, double filte
     std::vector<float> sums(checkedSize(block.width) * 4);
     for (int64_t row = 0; row < block.height; ++row) {
         uint8_t* out = block.pixels + row * block.rowBytes;
-        // In units in which the centres of the source pixels are whole numbers.
-        const double centreY = static_cast<double>(block.y + row) + 0.5;
-        const double baseX = toSource.m21() * centreY + toSource.dx() - 0.5;
-        const double baseY = toSource.m22() * centreY + toSource.dy() - 0.5;
+        // In units in which the centers of the source pixels are whole numbers.
+        const double centerY = static_cast<double>(block.y + row) + 0.5;
+        const double baseX = toSource.m21() * centerY + toSource.dx() - 0.5;
+        const double baseY = toSource.m22() * centerY + toSource.dy() - 0.5;
         int64_t first = block.x, end = block.x + block.width;
         narrow(toSource.m11(), baseX, lowX, highX, first, end);
         narrow(toSource.m12(), baseY, lowY, highY, first, end);
         std::memset(out, 0, checkedSize(block.width) * 4);
         float* sum = sums.data();
         for (int64_t x = first; x < end; ++x, sum += 4) {
-            const double centreX = static_cast<double>(x) + 0.5;
-            const double sx = toSource.m11() * centreX + baseX, sy = toSource.m12() * centreX + baseY;
+            const double centerX = static_cast<double>(x) + 0.5;
+            const double sx = toSource.m11() * centerX + baseX, sy = toSource.m12() * centerX + baseY;
             if (!(sx > lowX && sx < highX && sy > lowY && sy < highY)) {
                 storePixel(sum, FloatPixel{});
                 continue;

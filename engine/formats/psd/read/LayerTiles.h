@@ -20,7 +20,7 @@ struct StoredPlane {
     int64_t w = 0;                 ///< Pixels of a row, at least 1.
 };
 
-/// A rectangle of pixels, anywhere round the canvas and of any size that 32 bits can give.
+/// A rectangle of pixels anywhere inside or outside of the canvas, of any size that 32 bits can express.
 struct StoredPicture {
     IRect rect; ///< Not empty.
     std::array<std::optional<StoredPlane>, 4>
@@ -30,11 +30,11 @@ struct StoredPicture {
 using PlacedTile = std::pair<int64_t, TileRef>; // slot and tile
 
 /// The parts of pictures that lie in the canvas as tiles, a list for each picture, without those that are transparent.
-/// Tiles of one colour are made once and shared. `unused` planes are walked only. In parallel; throws BEReader::Short
+/// Tiles of one color are made once and shared. `unused` planes are walked only. In parallel; throws BEReader::Short
 /// for packed rows that end too early, wherever they lie.
 ///
-/// Pixels go from the file's rows straight to tiles, of which one is made when a second colour is met in it: however
-/// large a rectangle claims to be, no memory is taken but for what comes out.
+/// Pixels are written from the file's rows straight to tiles, and a tile is allocated only when a second color is
+/// found in it: however large a rectangle claims to be, memory is taken for the result only.
 std::vector<std::vector<PlacedTile>> decodePictures(std::span<const StoredPicture> pictures,
                                                     std::span<const StoredPlane> unused,
                                                     const TileGrid& grid);

@@ -54,7 +54,7 @@ class LayerData {
 public:
     explicit LayerData(BEReader in) : in_(in), at_(in.pos()) {}
 
-    /// The next record's; nothing where it brings no colour.
+    /// The pixels of the next record; nothing where it has no color.
     std::optional<StoredPicture> next(const Rec& rec) {
         StoredPicture picture{rec.rect, {}};
         for (const auto& [identifier, length] : rec.chans) {

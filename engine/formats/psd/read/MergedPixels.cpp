@@ -18,12 +18,12 @@ namespace {
 constexpr int kPaletteColors = 256;
 
 template <class Sample> constexpr double kFull = std::is_same_v<Sample, float> ? 1.0 : Sample(-1);
-// a and b of Lab where there is no colour, as the profile's coding has it.
+// a and b of Lab for a neutral color, in the coding of profiles.
 template <class Sample> constexpr double kNeutral = sizeof(Sample) == 1 ? 128 : 32896;
-// By which rounding may have made a colour darker than its backdrop lets it be.
+// Tolerance for rounding of the test whether a color is too dark for a white backdrop.
 template <class Sample> constexpr double kSlack = kFull<Sample> * 2 / 255;
 
-constexpr float kBrightest = 65504; // of what is kept of a float, which may be anything
+constexpr float kBrightest = 65504; // largest value that is kept of a 32-bit sample
 
 uint8_t sampleAt(const uint8_t* at, uint8_t) {
     return *at;
@@ -33,7 +33,7 @@ uint16_t sampleAt(const uint8_t* at, uint16_t) {
 }
 float sampleAt(const uint8_t* at, float) {
     const auto value = std::bit_cast<float>(qFromBigEndian<uint32_t>(at));
-    return value > 0 ? std::min(value, kBrightest) : 0; // not-a-number is black
+    return value > 0 ? std::min(value, kBrightest) : 0; // NaN becomes black
 }
 
 uint8_t toSample(double value, uint8_t) {
@@ -68,8 +68,8 @@ ColorModel modelOf(const PSDSections& sections) {
     }
 }
 
-/// Samples of 32 bits are linear light, so only a profile that says so can be meant for them: one by which a fifth
-/// of the light is about half the way up in sRGB.
+/// Samples of 32 bits are linear light, so a profile applies only if it is linear: one that turns 0.2 into about half
+/// of sRGB's range.
 bool isLinear(const ColorProfile& profile) {
     constexpr float kFifth = 0.214f;
     const std::array<float, 4> gray{kFifth, kFifth, kFifth, 1};
@@ -176,7 +176,7 @@ void MergedPixels::placeSideBySide(std::span<const uint8_t> samples, std::span<S
     }
 }
 
-/// colour = white + (stored - white) / alpha, in the file's own numbers, before any profile.
+/// color = white + (stored - white) / alpha, in the file's own numbers, before any profile.
 template <class Sample> bool MergedPixels::takeOffWhite(std::span<Sample> colors) const {
     const bool isLab = profile_->layout().model == ColorModel::lab;
     const auto perColor = checkedSize(profile_->layout().colorChannels());

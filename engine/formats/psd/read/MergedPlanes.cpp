@@ -58,7 +58,7 @@ void MergedPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t
     const int64_t lengthBytes = sections.header.isLarge ? 4 : 2;
     BEReader lengths(in.slice(sections.header.channels * height_ * lengthBytes));
     planes_ = in.slice(in.remaining());
-    // Checked before the table is made, which is several times as long as what it is made of.
+    // Checked before the table is allocated, which is several times as large as its source.
     if (rowBytes_ * height_ * channels_ > std::ssize(planes_) * kLargestRun) throw BEReader::Short();
     const auto rows = checkedSize(channels_ * height_);
     rowStarts_.reserve(rows + 1);

@@ -48,7 +48,7 @@ public:
             row = row.subspan(bytes);
         }
     }
-    /// Of tiles that no later row lies on, those without alpha go.
+    /// Removes tiles without alpha that no later row touches.
     void finish() {
         for (int64_t slot : slots_) {
             if (layer_.grid().rectOf(slot).maxY() <= end_ && layer_.tile(slot)->isEmpty())
@@ -64,7 +64,7 @@ private:
     std::vector<uint8_t*> tiles_;
 };
 
-/// Null where the backdrop turns out to be another one.
+/// Null if the colors cannot have been stored on this backdrop.
 LayerRef pictureOn(MergedPixels::Backdrop backdrop, const PSDSections& sections) {
     const MergedPixels pixels(sections, backdrop);
     MergedPlanes planes(sections,

@@ -7,7 +7,7 @@
 #include <span>
 
 /// The merged picture that a Photoshop file keeps beside its layers, for files whose layers are not read: any depth
-/// and colour mode, plain and large (PSB) files, all four ways of packing.
+/// and color mode, plain and large (PSB) files, all four ways of packing.
 namespace qirn::MergedReader {
 
 /// Nothing for what is no such file, for one wider or higher than 30,000 pixels, and for a damaged one: whatever is

@@ -8,14 +8,14 @@
 
 namespace qirn::PSDFile {
 
-/// What of a layered file does not show here as it was made.
+/// Features of a layered file that are lost when it is read.
 enum class Loss {
     masks,
     layerEffects,
     fillOpacity,
     adjustmentLayers,
     fillLayers,
-    blendModes, ///< Those that nobody here knows.
+    blendModes, ///< Unknown ones, read as normal.
     blendingRanges,
     hiddenGroups,  ///< Their layers show.
     groupBlending, ///< Opacity or mode.

@@ -67,7 +67,7 @@ std::optional<PSDSections> psdSectionsOf(std::span<const uint8_t> file) {
     try {
         if (!layers.empty()) readLayerSection(BEReader(layers), sections);
     } catch (const BEReader::Short&) {
-        // What could be read of it counts; the merged picture does not depend on the rest.
+        // What was read before the damage is used; the merged picture does not depend on the rest.
     }
     // Without layers nothing tells transparency from a saved channel but this list, which not every writer gives.
     if (!sections.hasLayers && !sections.hasAlpha)

@@ -1,4 +1,4 @@
-#include "formats/pictures/TiffMemory.h"
+#include "formats/pictures/tiff/TiffMemory.h"
 
 #include "platform/CheckedMath.h"
 

@@ -1,4 +1,4 @@
-#include "formats/pictures/TiffShape.h"
+#include "formats/pictures/tiff/TiffShape.h"
 
 #include <optional>
 
@@ -41,7 +41,7 @@ std::optional<SampleType> sampleOf(TIFF* tiff, int bits, ColorModel model) {
     return bits == 16 ? std::optional(SampleType::u16) : std::nullopt;
 }
 
-/// The first sample behind the colour that says it is alpha. One that says nothing is a mask or a spare ink.
+/// The first sample behind the color that says it is alpha. One that says nothing is a mask or a spare ink.
 void findAlpha(TIFF* tiff, int colors, TiffShape& shape) {
     uint16_t count = 0;
     const uint16_t* kinds = nullptr;
@@ -55,7 +55,7 @@ void findAlpha(TIFF* tiff, int colors, TiffShape& shape) {
     }
 }
 
-/// Grey of 1, 2 or 4 bits, or up to 8 bits that choose from a map.
+/// Gray of 1, 2 or 4 bits, or up to 8 bits that choose from a map.
 bool isIndexed(TIFF* tiff, const TiffShape& shape) {
     const bool isFew = shape.bits == 1 || shape.bits == 2 || shape.bits == 4;
     if (shape.samples != 1) return false;

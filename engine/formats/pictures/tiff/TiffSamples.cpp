@@ -1,4 +1,4 @@
-#include "formats/pictures/TiffSamples.h"
+#include "formats/pictures/tiff/TiffSamples.h"
 
 #include "platform/CheckedMath.h"
 
@@ -54,7 +54,7 @@ uint8_t mapByte(uint16_t value, bool isOfBytes) {
 TiffSamples::TiffSamples(tiff* file, const TiffShape& shape) : shape_(shape) {
     if (!shape.isIndexed) return;
     const std::size_t count = std::size_t{1} << shape.bits;
-    std::array<std::array<uint8_t, 3>, 256> colors{}; // a grey is the first channel
+    std::array<std::array<uint8_t, 3>, 256> colors{}; // a gray is the first channel
     if (shape.photometric == PHOTOMETRIC_PALETTE) {
         uint16_t* maps[3] = {};
         if (TIFFGetField(file, TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 1) return;

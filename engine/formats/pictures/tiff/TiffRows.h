@@ -1,5 +1,5 @@
 #pragma once
-#include "formats/pictures/TiffShape.h"
+#include "formats/pictures/tiff/TiffShape.h"
 
 #include <cstdint>
 #include <span>

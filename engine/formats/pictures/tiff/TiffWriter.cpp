@@ -1,6 +1,6 @@
-#include "formats/pictures/TiffWriter.h"
+#include "formats/pictures/tiff/TiffWriter.h"
 
-#include "formats/pictures/TiffMemory.h"
+#include "formats/pictures/tiff/TiffMemory.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>

@@ -17,10 +17,10 @@ struct TiffShape {
     uint16_t compression = 0;
     uint16_t photometric = 0;
     int bits = 0;    ///< A sample.
-    int samples = 0; ///< A pixel, those that are neither colour nor alpha included.
+    int samples = 0; ///< A pixel, those that are neither color nor alpha included.
     bool isPlanar = false;
     bool isIndexed =
-        false; ///< One sample a pixel, that stands for a grey of few bits or for a colour of a map.
+        false; ///< One sample a pixel, that stands for a gray of few bits or for a color of a map.
     bool isAsStored =
         false; ///< The samples are given as they lie; otherwise the library makes 8-bit RGBA of them.
     Alpha alpha = Alpha::none;

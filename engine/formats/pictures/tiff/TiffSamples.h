@@ -1,5 +1,5 @@
 #pragma once
-#include "formats/pictures/TiffShape.h"
+#include "formats/pictures/tiff/TiffShape.h"
 
 #include <array>
 #include <cstdint>
@@ -12,7 +12,7 @@ class TiffSamples {
 public:
     TiffSamples(tiff* file, const TiffShape& shape);
 
-    /// One row of every plane that is read: all samples side by side, or the colours and then alpha in a plane each.
+    /// One row of every plane that is read: all samples side by side, or the colors and then alpha in a plane each.
     void putRow(std::span<const uint8_t* const> planes, void* row) const;
 
 private:

@@ -1,10 +1,10 @@
-#include "formats/pictures/TiffReader.h"
+#include "formats/pictures/tiff/TiffReader.h"
 
 #include "formats/common/PictureBuilder.h"
 #include "formats/common/PrintDensity.h"
 #include "formats/pictures/ExifTags.h"
-#include "formats/pictures/TiffMemory.h"
-#include "formats/pictures/TiffRows.h"
+#include "formats/pictures/tiff/TiffMemory.h"
+#include "formats/pictures/tiff/TiffRows.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "formats/pictures/TiffRows.h"
+#include "formats/pictures/tiff/TiffRows.h"
 
 #include "formats/common/PictureBuilder.h"
-#include "formats/pictures/TiffMemory.h"
-#include "formats/pictures/TiffSamples.h"
+#include "formats/pictures/tiff/TiffMemory.h"
+#include "formats/pictures/tiff/TiffSamples.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
