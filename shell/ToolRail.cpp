@@ -9,17 +9,6 @@
 
 namespace qirn {
 
-namespace {
-
-constexpr std::array<Icon, kToolCount> kToolIcons{
-    // in the order of `Tool`
-    Icon::brush,    Icon::eraser,     Icon::smudge,     Icon::blur,          Icon::bucket,
-    Icon::gradient, Icon::eyedropper, Icon::selectRect, Icon::selectEllipse, Icon::lasso,
-    Icon::move,     Icon::shape,      Icon::text,       Icon::hand,          Icon::zoom,
-};
-
-} // namespace
-
 ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_(model) {
     setAccessibleName(tr("Tools"));
     auto* column = new QVBoxLayout(this);
@@ -27,7 +16,7 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
     QirnKit::followMetrics(this, [column](const Metrics& m) { column->setSpacing(m.tightGap); });
     for (const ToolRow& row : kTools) {
         const QString tip = QStringLiteral("%1 (%2)").arg(toolTitle(row.tool)).arg(QLatin1Char(row.key));
-        auto* button = new RoundButton(kToolIcons[static_cast<std::size_t>(row.tool)], tip, this);
+        auto* button = new RoundButton(row.icon, tip, this);
         button->setObjectName(QLatin1String(row.id));
         button->setCheckable(true);
         connect(button, &RoundButton::clicked, this, guarding(model_, [this, tool = row.tool] {

@@ -37,30 +37,11 @@ std::optional<std::map<Tool, BrushSettings>> decodeToolBrushes(const Json& recor
     return brushes;
 }
 
-BrushKind kindOf(Tool tool) {
-    switch (tool) {
-    case Tool::eraser:
-        return BrushKind::erase;
-    case Tool::smudge:
-        return BrushKind::smudge;
-    case Tool::blur:
-        return BrushKind::blur;
-    default:
-        return BrushKind::paint;
-    }
-}
-
 Tool toolOf(BrushKind kind) {
-    switch (kind) {
-    case BrushKind::erase:
-        return Tool::eraser;
-    case BrushKind::smudge:
-        return Tool::smudge;
-    case BrushKind::blur:
-        return Tool::blur;
-    default:
-        return Tool::brush;
+    for (const ToolRow& row : kTools) {
+        if (row.usesBrush && row.brushKind == kind) return row.tool;
     }
+    return Tool::brush;
 }
 
 BrushSettings sanitized(BrushSettings brush) {
@@ -95,11 +76,7 @@ Tool Brushes::brushTool() const {
 }
 
 BrushSettings Brushes::defaultBrush(Tool tool) {
-    const char* name = tool == Tool::eraser   ? "Hard Eraser"
-                       : tool == Tool::smudge ? "Smudge"
-                       : tool == Tool::blur   ? "Blur"
-                                              : "Studio Pen";
-    return *BrushLibrary::named(QLatin1String(name));
+    return *BrushLibrary::named(QLatin1String(rowOf(tool).preset));
 }
 
 const BrushSettings& Brushes::activeBrush() const {
@@ -124,7 +101,8 @@ std::vector<BrushSettings> Brushes::allBrushes() const {
 
 std::vector<BrushSettings> Brushes::brushesFor(Tool tool) const {
     std::vector<BrushSettings> brushes = allBrushes();
-    std::erase_if(brushes, [kind = kindOf(tool)](const BrushSettings& brush) { return brush.kind != kind; });
+    std::erase_if(brushes,
+                  [kind = rowOf(tool).brushKind](const BrushSettings& brush) { return brush.kind != kind; });
     return brushes;
 }
 

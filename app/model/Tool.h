@@ -4,8 +4,12 @@
 #include <optional>
 
 #include <QString>
+#include <Qt>
 
 namespace qirn {
+
+enum class BrushKind : uint8_t;
+enum class Icon;
 
 /// What a press on the canvas does. The order is that of the tool rail.
 enum class Tool : uint8_t {
@@ -25,44 +29,35 @@ enum class Tool : uint8_t {
     hand,
     zoom,
 };
+inline constexpr int kToolCount = static_cast<int>(Tool::zoom) + 1;
 
+/// All that is to be known of a tool beside its gesture (app/tools/) and the rows of its options.
 struct ToolRow {
     Tool tool;
-    const char* id;    ///< As the store keeps it.
+    const char* id;    ///< As the store keeps it, and the name of its button.
     const char* title; ///< English source text.
     char key;          ///< The plain letter that picks the tool on the canvas.
+    Icon icon;
     const char* helpTopic;
-    bool usesBrush;
-    bool edits; ///< Changes pixels.
+    bool edits = false; ///< Changes pixels.
+    const char* undoName =
+        nullptr; ///< English source text of its step; null where that is not always the same.
+    bool picksWithOption = false; ///< A press with Option held is one of the Eyedropper.
+    bool usesBrush = false;       ///< Paints strokes with a brush of its own; others edit the Brush tool's.
+    BrushKind brushKind{};        ///< Of the presets that it offers.
+    const char* preset = "Studio Pen"; ///< Its brush at first.
+    Qt::CursorShape cursor = Qt::CrossCursor;
+    Qt::CursorShape dragCursor = cursor; ///< While its gesture is in progress.
 };
 
-inline constexpr int kToolCount = 15;
-inline constexpr std::array<ToolRow, kToolCount> kTools{{
-    {Tool::brush, "brush", QT_TRANSLATE_NOOP("Tool", "Brush"), 'B', "brush", true, true},
-    {Tool::eraser, "eraser", QT_TRANSLATE_NOOP("Tool", "Eraser"), 'E', "eraser", true, true},
-    {Tool::smudge, "smudge", QT_TRANSLATE_NOOP("Tool", "Smudge"), 'S', "smudge-blur", true, true},
-    {Tool::blur, "blur", QT_TRANSLATE_NOOP("Tool", "Blur"), 'R', "smudge-blur", true, true},
-    {Tool::bucket, "bucket", QT_TRANSLATE_NOOP("Tool", "Bucket Fill"), 'G', "bucket", false, true},
-    {Tool::gradient, "gradient", QT_TRANSLATE_NOOP("Tool", "Gradient"), 'D', "gradient", false, true},
-    {Tool::eyedropper, "eyedropper", QT_TRANSLATE_NOOP("Tool", "Eyedropper"), 'I', "eyedropper", false,
-     false},
-    {Tool::selectRect, "selectRect", QT_TRANSLATE_NOOP("Tool", "Rectangle Select"), 'M', "selections", false,
-     false},
-    {Tool::selectEllipse, "selectEllipse", QT_TRANSLATE_NOOP("Tool", "Ellipse Select"), 'O', "selections",
-     false, false},
-    {Tool::lasso, "lasso", QT_TRANSLATE_NOOP("Tool", "Lasso Select"), 'L', "selections", false, false},
-    {Tool::move, "move", QT_TRANSLATE_NOOP("Tool", "Move & Transform"), 'V', "transform", false, true},
-    {Tool::shape, "shape", QT_TRANSLATE_NOOP("Tool", "Shapes"), 'U', "shapes", false, true},
-    {Tool::text, "text", QT_TRANSLATE_NOOP("Tool", "Text"), 'T', "text", false, true},
-    {Tool::hand, "hand", QT_TRANSLATE_NOOP("Tool", "Hand (Pan)"), 'H', "navigate", false, false},
-    {Tool::zoom, "zoom", QT_TRANSLATE_NOOP("Tool", "Zoom"), 'Z', "navigate", false, false},
-}};
+extern const std::array<ToolRow, kToolCount> kTools; ///< In the order of `Tool`.
 
-constexpr const ToolRow& rowOf(Tool tool) {
+inline const ToolRow& rowOf(Tool tool) {
     return kTools[static_cast<std::size_t>(tool)];
 }
-QString toolTitle(Tool tool); ///< In the user's language.
+QString toolTitle(Tool tool);  ///< In the user's language.
+QString undoNameOf(Tool tool); ///< The same, of one that has such a name.
 std::optional<Tool> toolWithId(const QString& id);
-std::optional<Tool> toolWithKey(QChar letter); ///< Case does not count; only tools that work.
+std::optional<Tool> toolWithKey(QChar letter); ///< Upper or lower case.
 
 } // namespace qirn
