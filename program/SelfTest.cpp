@@ -11,6 +11,7 @@
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "app/model/Palettes.h"
+#include "app/tools/ToolTable.h"
 #include "brush/BrushLibrary.h"
 #include "program/SelfTestEngine.h"
 
@@ -104,7 +105,7 @@ void persistence(const SelfTestWorld& world) {
 
 void canvasPipeline(const SelfTestWorld& world) {
     PaintModel model(PaintModel::LoadStores::no, world.desktop, world.store);
-    CanvasView canvas(model);
+    CanvasView canvas(model, kToolTable);
     canvas.resize(900, 700);
     model.pictures().newDocument(400, 300, 72, PaintColor::white(), QStringLiteral("Canvas"));
     canvas.show();

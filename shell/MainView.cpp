@@ -6,6 +6,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/tools/ToolTable.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromePanel.h"
 #include "shell/ColorWells.h"
@@ -73,7 +74,7 @@ protected:
 
 } // namespace
 
-MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model)) {
+MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model, kToolTable)) {
     setWindowTitle(tr("Qirn Paint"));
     new PaintCommands(model, *canvas_, *menuBar());
     connect(&model, &PaintModel::sheetRequested, this, &MainView::showSheet);

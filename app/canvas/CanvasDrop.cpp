@@ -11,7 +11,7 @@ namespace qirn {
 
 namespace {
 
-/// Whatever the source would rather do, what is dragged stays with it: a move would delete its file.
+/// Always a copy, whatever the source proposes: a move would have it delete its file.
 void takeCopy(QDropEvent& event, bool take) {
     event.setDropAction(Qt::CopyAction);
     event.setAccepted(take);

@@ -43,10 +43,14 @@ constexpr double kTurnStep = 15; // degrees
 constexpr CharacterKey kCharacterKeys[] = {
     {u'[', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { makeBrushSmaller(model); }},
     {u']', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { makeBrushLarger(model); }},
-    {u'=', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(true, at); }},
-    {u'+', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(true, at); }},
-    {u'-', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(false, at); }},
-    {u'_', [](CanvasView& view, PaintModel&, std::optional<QPointF> at) { view.zoomStep(false, at); }},
+    {u'=',
+     [](CanvasView& view, PaintModel&, std::optional<QPointF> pointer) { view.zoomStep(true, pointer); }},
+    {u'+',
+     [](CanvasView& view, PaintModel&, std::optional<QPointF> pointer) { view.zoomStep(true, pointer); }},
+    {u'-',
+     [](CanvasView& view, PaintModel&, std::optional<QPointF> pointer) { view.zoomStep(false, pointer); }},
+    {u'_',
+     [](CanvasView& view, PaintModel&, std::optional<QPointF> pointer) { view.zoomStep(false, pointer); }},
     {u'x', [](CanvasView&, PaintModel& model, std::optional<QPointF>) { model.colors().swapColors(); }},
     {u'f', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.fit(); }},
     {u'1', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.actualPixels(); }},
@@ -55,21 +59,6 @@ constexpr CharacterKey kCharacterKeys[] = {
     {u'/', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.setRotation(0); }},
     {u'w', [](CanvasView& view, PaintModel&, std::optional<QPointF>) { view.toggleFlipView(); }},
 };
-
-Qt::KeyboardModifier modifierOf(int key) {
-    switch (key) {
-    case Qt::Key_Shift:
-        return Qt::ShiftModifier;
-    case Qt::Key_Control:
-        return Qt::ControlModifier;
-    case Qt::Key_Alt:
-        return Qt::AltModifier;
-    case Qt::Key_Meta:
-        return Qt::MetaModifier;
-    default:
-        return Qt::NoModifier;
-    }
-}
 
 } // namespace
 
@@ -82,7 +71,7 @@ void CanvasView::keyReleaseEvent(QKeyEvent* event) {
 }
 
 bool CanvasView::handleKeyPress(QKeyEvent* event) {
-    bool taken = true; // also where it failed
+    bool taken = true; // a failure is no reason to hand the key on
     guarded(model_, [&] { taken = keyPressed(event); });
     return taken;
 }
@@ -94,7 +83,7 @@ bool CanvasView::handleKeyRelease(QKeyEvent* event) {
 }
 
 bool CanvasView::keyPressed(QKeyEvent* event) {
-    keysHeld_ |= modifierOf(event->key());
+    input_.keyPressed(event->key());
     if (event->key() == Qt::Key_Space) {
         if (!event->isAutoRepeat()) setSpaceDown(true);
         return true;
@@ -104,7 +93,7 @@ bool CanvasView::keyPressed(QKeyEvent* event) {
 }
 
 bool CanvasView::keyReleased(QKeyEvent* event) {
-    keysHeld_ &= ~Qt::KeyboardModifiers(modifierOf(event->key()));
+    input_.keyReleased(event->key());
     if (event->key() != Qt::Key_Space) return false;
     if (!event->isAutoRepeat()) setSpaceDown(false);
     return true;
@@ -129,12 +118,10 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
     case Qt::Key_Escape:
         if (model_.transform().state())
             model_.transform().cancelTransform();
-        else if (drag_ == Drag::none)
+        else if (phase_.isIdle())
             CanvasEdits::deselect(model_);
-        else if (drag_ == Drag::paint)
-            cancelStroke();
         else
-            dropGesture();
+            cancelGesture();
         return true;
     default:
         return false;
@@ -144,20 +131,20 @@ bool CanvasView::handleNamedKey(QKeyEvent* event) {
 bool CanvasView::nudge(int key, int step) {
     if (!model_.transform().state() && model_.tool() == Tool::move) model_.transform().beginTransform();
     if (!model_.transform().state()) return model_.tool() == Tool::move;
-    const QPointF way(key == Qt::Key_Left    ? -step
-                      : key == Qt::Key_Right ? step
-                                             : 0,
-                      key == Qt::Key_Up     ? -step
-                      : key == Qt::Key_Down ? step
-                                            : 0);
-    model_.transform().updateTransform([&](TransformState& state) { state.center += way; });
+    const QPointF delta(key == Qt::Key_Left    ? -step
+                        : key == Qt::Key_Right ? step
+                                               : 0,
+                        key == Qt::Key_Up     ? -step
+                        : key == Qt::Key_Down ? step
+                                              : 0);
+    model_.transform().updateTransform([&](TransformState& state) { state.center += delta; });
     return true;
 }
 
 bool CanvasView::handleCharacter(QKeyEvent* event) {
     if (event->text().size() != 1) return false;
     const QChar character = event->text()[0].toLower();
-    // Shift D is the colours' key, plain D a tool's.
+    // D alone picks a tool; with Shift it is the default colours.
     if (character == u'd' && event->modifiers().testFlag(Qt::ShiftModifier)) {
         model_.colors().defaultColors();
         return true;

@@ -7,7 +7,6 @@
 #include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PendingTransform.h"
-#include "brush/BrushStroke.h"
 #include "core/PaintDocument.h"
 
 #include <algorithm>
@@ -25,8 +24,6 @@ namespace qirn {
 
 namespace {
 
-constexpr double kFitMargin = 60;     // logical points, both sides together
-constexpr double kLeastSide = 10;     // a smaller view is still coming up
 constexpr int kMostRepaintRects = 24; // more are painted as their box
 constexpr int kBackgroundGrey = 31;   // white 0.12
 constexpr double kSecondsBetweenReports = 0.05;
@@ -42,11 +39,12 @@ double steadySeconds() {
 
 } // namespace
 
-CanvasView::CanvasView(PaintModel& model, QWidget* parent)
+CanvasView::CanvasView(PaintModel& model, const ToolTable& tools, QWidget* parent)
     : QWidget(parent),
       strokeSeed(clockSeed),
       clock(steadySeconds),
-      model_(model) {
+      model_(model),
+      tools_(tools) {
     setObjectName(QStringLiteral("canvas"));
     setAccessibleName(tr("Canvas"));
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -55,9 +53,6 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
     setMouseTracking(true);
     setTabletTracking(true);
     setAcceptDrops(true);
-    holdTimer_.setTimerType(Qt::PreciseTimer);
-    holdTimer_.setInterval(1000 / 60);
-    connect(&holdTimer_, &QTimer::timeout, this, guarding(model_, [this] { holdTick(); }));
     connect(&antsTimer_, &QTimer::timeout, this, guarding(model_, [this] {
         overlay_.advanceAnts(antsTimer_.interval() / 1000.0);
         update(toWidget(overlay_.antsRegion()));
@@ -70,7 +65,7 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
         update();
     });
     presentation_.setCheckerSize(model.prefs().checkerSize);
-    // Proximity of the pen is told to the application, not to a widget.
+    // Qt sends proximity events of the pen to the application, not to a widget.
     qApp->installEventFilter(this);
     updateMouseCursor();
     model_.setCanvas(this);
@@ -79,47 +74,6 @@ CanvasView::CanvasView(PaintModel& model, QWidget* parent)
 CanvasView::~CanvasView() {
     model_.setCanvas(nullptr);
     if (session_) session_->doc().onGridChange = nullptr;
-}
-
-// --- Device pixels. At a fractional ratio a widget's corner can fall between two of them; the view starts at the
-// nearest whole one, so that a canvas pixel at 100% is exactly one device pixel.
-
-QPointF CanvasView::deviceOffset() const {
-    const QPointF corner = QPointF(mapTo(window(), QPoint(0, 0))) * pixelRatio();
-    return {std::round(corner.x()) - corner.x(), std::round(corner.y()) - corner.y()};
-}
-
-QSizeF CanvasView::deviceSize() const {
-    const QPointF corner = QPointF(mapTo(window(), QPoint(0, 0))) * pixelRatio();
-    return {std::round(corner.x() + width() * pixelRatio()) - std::round(corner.x()),
-            std::round(corner.y() + height() * pixelRatio()) - std::round(corner.y())};
-}
-
-QPointF CanvasView::toView(QPointF widgetPoint) const {
-    return transform_.flippedVertically(widgetPoint * pixelRatio() - deviceOffset());
-}
-
-QRect CanvasView::toWidget(const QRectF& device) const {
-    const QPointF offset = deviceOffset();
-    const double ratio = pixelRatio();
-    return QRectF((device.x() + offset.x()) / ratio, (device.y() + offset.y()) / ratio,
-                  device.width() / ratio, device.height() / ratio)
-        .toAlignedRect();
-}
-
-QRegion CanvasView::toWidget(const QRegion& device) const {
-    if (pixelRatio() == 1 && deviceOffset().isNull()) return device;
-    QRegion region;
-    for (const QRect& rect : device) region += toWidget(QRectF(rect));
-    return region;
-}
-
-QPointF CanvasView::canvasPoint(QPointF viewPoint) const {
-    return session_ ? transform_.canvasPoint(viewPoint) : QPointF();
-}
-
-QPointF CanvasView::viewPoint(QPointF canvasPoint) const {
-    return session_ ? transform_.viewPoint(canvasPoint) : canvasPoint;
 }
 
 // --- Sessions
@@ -147,21 +101,6 @@ void CanvasView::forgetSession(const DocSession& session) {
     session_ = nullptr;
     presentation_.show(nullptr);
     update();
-}
-
-void CanvasView::fitIfNeeded() {
-    const QSizeF size = deviceSize();
-    if (!session_ || !session_->needsFit || !isVisible() || size.width() <= kLeastSide ||
-        size.height() <= kLeastSide)
-        return;
-    fit();
-    session_->needsFit = true; // while it stays like this
-}
-
-void CanvasView::followSize() {
-    if (!session_ || transform_.viewSize() == deviceSize()) return;
-    fitIfNeeded();
-    applyViewTransform();
 }
 
 // --- From pixels to screen
@@ -194,7 +133,7 @@ void CanvasView::repaintCanvas(const std::vector<IRect>& canvasRects) {
     }
     region &= rect();
     if (region.rectCount() > kMostRepaintRects) region = region.boundingRect();
-    // Not update(): the point is to be on screen before the next one is read.
+    // Not update(), which would wait: each pen point is on screen before the next one is read.
     if (!region.isEmpty()) repaint(region);
 }
 
@@ -203,18 +142,32 @@ void CanvasView::updateOverlay() {
         return overlay_.antsRegion() + overlay_.previewRegion() + overlay_.transformRegion();
     };
     const QRegion before = covered();
-    // A transform shows its box in place of the ants.
+    // While pixels float their box is shown instead of the ants.
     const bool floating = session_ && session_ == model_.current() && model_.transform().state();
     overlay_.setTransform(floating ? model_.transform().state() : std::nullopt);
     overlay_.setSelection(session_ && !floating ? session_->doc().selection : nullptr);
-    if (drag_ == Drag::none) overlay_.setPreview({});
+    if (phase_.isIdle()) overlay_.setPreview({});
     update(toWidget(before + covered()));
     updateAntsTimer();
 }
 
+void CanvasView::showPreview(const QPainterPath& canvasPath) {
+    const QRegion before = overlay_.previewRegion();
+    overlay_.setPreview(canvasPath);
+    update(toWidget(before + overlay_.previewRegion()));
+}
+
+/// Ring and status bar come before the flush, whose repaint then shows them too: a repaint of their own would cost a whole
+/// window where the desktop takes windows as a whole.
+void CanvasView::showPainted(QPointF viewPoint, double pressure) {
+    updateCursor(viewPoint);
+    reportCursor(viewPoint, pressure);
+    flush();
+}
+
 void CanvasView::updateAntsTimer() {
-    // The ants rest during a stroke: their frame would come between two pen points.
-    if (!overlay_.hasAnts() || stroke_ || !isVisible()) return antsTimer_.stop();
+    // The ants stand still during a stroke: their repaint would delay a pen point.
+    if (!overlay_.hasAnts() || phase_.isPainting() || !isVisible()) return antsTimer_.stop();
     if (!antsTimer_.isActive() || antsTimer_.interval() != overlay_.antsInterval())
         antsTimer_.start(overlay_.antsInterval());
 }
@@ -230,7 +183,7 @@ void CanvasView::paintEvent(QPaintEvent* event) {
     painter.fillRect(exposed.adjusted(-1, -1, 1, 1),
                      QColor(kBackgroundGrey, kBackgroundGrey, kBackgroundGrey));
     if (!session_) return;
-    // What there is no memory for stays away until it is seen again: nothing of the picture is lost by that.
+    // What there is no memory for is left out of this paint and tried again at the next: the picture itself is whole.
     bool whole = contained([&] { presentation_.look(transform_, session_->view.zoom); });
     whole &= contained([&] { presentation_.draw(painter, exposed); });
     whole &= contained([&] { overlay_.paint(painter); });
@@ -241,87 +194,6 @@ void CanvasView::paintEvent(QPaintEvent* event) {
             this, guarding(model_, [this] { model_.messages().flash(failureText(std::bad_alloc())); }),
             Qt::QueuedConnection);
     });
-}
-
-void CanvasView::viewResized() {
-    fitIfNeeded();
-    applyViewTransform();
-}
-
-void CanvasView::viewShown() {
-    fitIfNeeded();
-    applyViewTransform();
-    updateAntsTimer();
-}
-
-// --- The view
-
-void CanvasView::applyView(const ViewState& state) {
-    if (!session_) return;
-    session_->view = state;
-    session_->needsFit = false;
-    applyViewTransform();
-}
-
-void CanvasView::applyViewTransform() {
-    if (!session_) return;
-    const TileGrid& grid = session_->doc().grid();
-    transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
-    overlay_.setView(transform_.canvasToWidget(), session_->view.zoom, pixelRatio());
-    updateOverlay();
-    updateCursor(lastMouseView_);
-    model_.status().setView({session_->view.zoom, session_->view.rotation, session_->view.flipView});
-    update();
-}
-
-void CanvasView::fit() {
-    if (!session_ || deviceSize().width() <= kLeastSide) return;
-    const TileGrid& grid = session_->doc().grid();
-    transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
-    applyView(transform_.fitted(kFitMargin * pixelRatio()));
-}
-
-void CanvasView::actualPixels() {
-    if (!session_) return;
-    ViewState state = session_->view;
-    state.zoom = 1;
-    state.pan = {};
-    applyView(state);
-}
-
-/// A second step before the view has come to rest: it is in motion, and the last step is drawn again.
-void CanvasView::noteMotion() {
-    presentation_.setInMotion(restTimer_.isActive());
-    restTimer_.start();
-}
-
-void CanvasView::setZoom(double zoom, std::optional<QPointF> around) {
-    if (!session_) return;
-    noteMotion();
-    applyView(transform_.zoomedTo(zoom, around));
-}
-
-void CanvasView::zoomStep(bool in, std::optional<QPointF> around) {
-    if (session_) setZoom(nextZoomStop(session_->view.zoom, in), around);
-}
-
-void CanvasView::rotateView(double degrees) {
-    if (session_) setRotation(std::fmod(session_->view.rotation + degrees, 360));
-}
-
-void CanvasView::setRotation(double degrees) {
-    if (!session_) return;
-    noteMotion();
-    ViewState state = session_->view;
-    state.rotation = degrees;
-    applyView(state);
-}
-
-void CanvasView::toggleFlipView() {
-    if (!session_) return;
-    ViewState state = session_->view;
-    state.flipView = !state.flipView;
-    applyView(state);
 }
 
 // --- Cursors and reports
@@ -349,15 +221,8 @@ void CanvasView::updateCursor(std::optional<QPointF> viewPoint) {
 }
 
 void CanvasView::updateMouseCursor() {
-    const bool hand = spaceDown_ || model_.tool() == Tool::hand;
-    if (hand)
-        setCursor(drag_ == Drag::pan ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
-    else if (model_.tool() == Tool::move)
-        setCursor(Qt::ArrowCursor);
-    else if (model_.tool() == Tool::text)
-        setCursor(Qt::IBeamCursor);
-    else
-        setCursor(Qt::CrossCursor);
+    const ToolRow& row = rowOf(spaceDown_ ? Tool::hand : model_.tool());
+    setCursor(phase_.isGestureOf(row.tool) ? row.dragCursor : row.cursor);
 }
 
 void CanvasView::reportCursor(QPointF viewPoint, double pressure) {

@@ -3,7 +3,78 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QMouseEvent>
+#include <QPointingDevice>
+#include <QTabletEvent>
+
 namespace qirn {
+
+namespace {
+
+// A desktop can follow a pen event with a mouse event of its own: one that comes this soon is not from a mouse.
+constexpr double kMouseAfterPen = 0.05; // seconds
+
+double secondsOf(const QInputEvent& event, double now) {
+    return event.timestamp() != 0 ? static_cast<double>(event.timestamp()) / 1000.0 : now;
+}
+
+Qt::KeyboardModifier modifierOf(int key) {
+    switch (key) {
+    case Qt::Key_Shift:
+        return Qt::ShiftModifier;
+    case Qt::Key_Control:
+        return Qt::ControlModifier;
+    case Qt::Key_Alt:
+        return Qt::AltModifier;
+    case Qt::Key_Meta:
+        return Qt::MetaModifier;
+    default:
+        return Qt::NoModifier;
+    }
+}
+
+} // namespace
+
+PenSample PenInput::sampleOf(const QTabletEvent& event, QPointF view, double now) const {
+    PenSample sample;
+    sample.view = view;
+    sample.pressure = event.pressure();
+    sample.fromPen = true;
+    sample.tiltX = event.xTilt();
+    sample.tiltY = event.yTilt();
+    sample.time = secondsOf(event, now);
+    sample.modifiers = event.modifiers() | keysHeld_;
+    return sample;
+}
+
+std::optional<PenSample> PenInput::sampleOf(const QMouseEvent& event, QPointF view, double now) {
+    const bool follows = event.source() != Qt::MouseEventNotSynthesized ||
+                         event.pointingDevice()->type() == QInputDevice::DeviceType::Stylus ||
+                         now - lastPenTime_ < kMouseAfterPen;
+    if (follows) return std::nullopt;
+    // A hand that presses a mouse has put the pen away: its release was lost.
+    if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick)
+        penDown_ = false;
+    if (penDown_) return std::nullopt;
+    PenSample sample;
+    sample.view = view;
+    sample.time = secondsOf(event, now);
+    sample.modifiers = event.modifiers();
+    return sample;
+}
+
+void PenInput::keyPressed(int key) {
+    keysHeld_ |= modifierOf(key);
+}
+
+void PenInput::keyReleased(int key) {
+    keysHeld_ &= ~Qt::KeyboardModifiers(modifierOf(key));
+}
+
+void PenInput::reset() {
+    penDown_ = false;
+    keysHeld_ = {};
+}
 
 void SpeedPressure::follow(double time, QPointF point) {
     time_ = time;
@@ -11,9 +82,9 @@ void SpeedPressure::follow(double time, QPointF point) {
 }
 
 double SpeedPressure::next(double time, QPointF point) {
-    const double dt = std::max(time - time_, 0.001);
-    const QPointF way = point - point_;
-    const double speed = std::hypot(way.x(), way.y()) / dt; // points a second
+    const double seconds = std::max(time - time_, 0.001);
+    const QPointF moved = point - point_;
+    const double speed = std::hypot(moved.x(), moved.y()) / seconds; // points a second
     follow(time, point);
     return std::max(std::min(1.2 - speed / 2500, kAtRest), 0.15);
 }

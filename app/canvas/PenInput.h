@@ -1,13 +1,18 @@
 #pragma once
+#include <optional>
+
 #include <QPointF>
 #include <Qt>
 
+class QMouseEvent;
+class QTabletEvent;
+
 namespace qirn {
 
-/// What one mouse or pen event brings, in the canvas view's own terms.
+/// What one mouse or pen event says, in the canvas view's own terms.
 struct PenSample {
     QPointF view;         ///< Device pixels, y up.
-    double pressure = 1;  ///< 0 to 1 as the device says it.
+    double pressure = 1;  ///< 0 to 1, as the device measures it.
     bool fromPen = false; ///< A mouse has no pressure of its own.
     double tiltX = 0;     ///< Degrees.
     double tiltY = 0;
@@ -16,13 +21,34 @@ struct PenSample {
     int clicks = 1;
 };
 
-/// Pressure made of a mouse's speed: fast is thin. Points are logical ones, so that the same hand draws the same line
-/// on any display.
+/// Makes samples of the events of pen and mouse, and follows which of the two is in use. Times are seconds of the canvas's
+/// own clock.
+class PenInput {
+public:
+    PenSample sampleOf(const QTabletEvent& event, QPointF view, double now) const;
+    /// Nothing for a mouse event that the desktop made of a pen event. A real press of the mouse tells that the pen is up.
+    std::optional<PenSample> sampleOf(const QMouseEvent& event, QPointF view, double now);
+
+    bool isPenDown() const { return penDown_; }
+    void setPenDown(bool down) { penDown_ = down; }
+    void penHandled(double now) { lastPenTime_ = now; } ///< After a pen event and all that it painted.
+    void keyPressed(int key);
+    void keyReleased(int key);
+    void reset(); ///< The pen is up and no key is held: releases that come from now on go elsewhere.
+
+private:
+    bool penDown_ = false;
+    double lastPenTime_ = -1;
+    Qt::KeyboardModifiers keysHeld_; // pen events have no modifiers on some desktops
+};
+
+/// Pressure from a mouse's speed: fast is thin. Points are logical ones, so that the same hand draws the same line on any
+/// display.
 class SpeedPressure {
 public:
-    /// Takes the event as the latest one without asking for a pressure.
+    /// Notes an event that needs no pressure; the next one is measured from it.
     void follow(double time, QPointF point);
-    /// 0.15 to 1.0, by the way from the latest event, which this one then is.
+    /// 0.15 to 1.0, from the speed since the previous event.
     double next(double time, QPointF point);
 
     static constexpr double kAtRest = 1;

@@ -9,6 +9,7 @@
 #include "app/model/PaintModel.h"
 #include "app/model/PendingTransform.h"
 #include "app/model/Safety.h"
+#include "app/tools/ToolTable.h"
 #include "support/Pictures.h"
 #include "support/ScriptedDesktop.h"
 #include "support/TestMain.h"
@@ -36,7 +37,7 @@ const PaintColor kFirst(1, 0, 0), kLast(0, 0, 1);
     ScriptedDesktop desktop;
     Store store(AppFolders::storeFile());
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
-    CanvasView canvas(model);
+    CanvasView canvas(model, kToolTable);
     PaintPrefs prefs;
     prefs.autosaveSeconds = 0;
     model.setPrefs(prefs);

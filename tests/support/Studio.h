@@ -4,6 +4,7 @@
 #include "app/desktop/Store.h"
 #include "app/model/Brushes.h"
 #include "app/model/PaintModel.h"
+#include "app/tools/ToolTable.h"
 #include "brush/StrokePoint.h"
 #include "support/Files.h"
 #include "support/Pictures.h"
@@ -78,7 +79,7 @@ void sendStroke(CanvasView& canvas, const QPointingDevice& device, const std::ve
 /// One with a canvas of 800 x 600. The picture shown is 400 x 300 on white at 100%, its corner at 200, 150 of the
 /// widget.
 struct Studio : OwnWorld {
-    CanvasView canvas{model};
+    CanvasView canvas{model, kToolTable};
     QPointingDevice penTip;
     QPointingDevice eraserEnd;
 

@@ -1,0 +1,162 @@
+// How the picture lies in the view: device pixels, fit, zoom, pan and rotation.
+#include "app/canvas/CanvasView.h"
+
+#include "app/model/CanvasStatus.h"
+#include "app/model/PaintModel.h"
+#include "core/PaintDocument.h"
+
+#include <cmath>
+
+namespace qirn {
+
+namespace {
+
+constexpr double kFitMargin = 60; // logical points, both sides together
+constexpr double kLeastSide = 10; // view points; a smaller view is still coming up
+
+} // namespace
+
+// At a fractional ratio a widget's corner can fall between two device pixels; the view starts at the nearest whole one, so
+// that a canvas pixel at 100% is exactly one device pixel.
+
+QPointF CanvasView::deviceOffset() const {
+    const QPointF corner = QPointF(mapTo(window(), QPoint(0, 0))) * pixelRatio();
+    return {std::round(corner.x()) - corner.x(), std::round(corner.y()) - corner.y()};
+}
+
+QSizeF CanvasView::deviceSize() const {
+    const QPointF corner = QPointF(mapTo(window(), QPoint(0, 0))) * pixelRatio();
+    return {std::round(corner.x() + width() * pixelRatio()) - std::round(corner.x()),
+            std::round(corner.y() + height() * pixelRatio()) - std::round(corner.y())};
+}
+
+QPointF CanvasView::toView(QPointF widgetPoint) const {
+    return transform_.flippedVertically(widgetPoint * pixelRatio() - deviceOffset());
+}
+
+QRect CanvasView::toWidget(const QRectF& device) const {
+    const QPointF offset = deviceOffset();
+    const double ratio = pixelRatio();
+    return QRectF((device.x() + offset.x()) / ratio, (device.y() + offset.y()) / ratio,
+                  device.width() / ratio, device.height() / ratio)
+        .toAlignedRect();
+}
+
+QRegion CanvasView::toWidget(const QRegion& device) const {
+    if (pixelRatio() == 1 && deviceOffset().isNull()) return device;
+    QRegion region;
+    for (const QRect& rect : device) region += toWidget(QRectF(rect));
+    return region;
+}
+
+QPointF CanvasView::canvasPoint(QPointF viewPoint) const {
+    return session_ ? transform_.canvasPoint(viewPoint) : QPointF();
+}
+
+QPointF CanvasView::viewPoint(QPointF canvasPoint) const {
+    return session_ ? transform_.viewPoint(canvasPoint) : canvasPoint;
+}
+
+void CanvasView::fitIfNeeded() {
+    const QSizeF size = deviceSize();
+    if (!session_ || !session_->needsFit || !isVisible() || size.width() <= kLeastSide ||
+        size.height() <= kLeastSide)
+        return;
+    fit();
+    session_->needsFit = true; // until a hand changes the view
+}
+
+void CanvasView::followSize() {
+    if (!session_ || transform_.viewSize() == deviceSize()) return;
+    fitIfNeeded();
+    applyViewTransform();
+}
+
+void CanvasView::viewResized() {
+    fitIfNeeded();
+    applyViewTransform();
+}
+
+void CanvasView::viewShown() {
+    fitIfNeeded();
+    applyViewTransform();
+    updateAntsTimer();
+}
+
+void CanvasView::applyView(const ViewState& state) {
+    if (!session_) return;
+    session_->view = state;
+    session_->needsFit = false;
+    applyViewTransform();
+}
+
+void CanvasView::applyViewTransform() {
+    if (!session_) return;
+    const TileGrid& grid = session_->doc().grid();
+    transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
+    overlay_.setView(transform_.canvasToWidget(), session_->view.zoom, pixelRatio());
+    updateOverlay();
+    updateCursor(lastMouseView_);
+    model_.status().setView({session_->view.zoom, session_->view.rotation, session_->view.flipView});
+    update();
+}
+
+void CanvasView::fit() {
+    if (!session_ || deviceSize().width() <= kLeastSide) return;
+    const TileGrid& grid = session_->doc().grid();
+    transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
+    applyView(transform_.fitted(kFitMargin * pixelRatio()));
+}
+
+void CanvasView::actualPixels() {
+    if (!session_) return;
+    ViewState state = session_->view;
+    state.zoom = 1;
+    state.pan = {};
+    applyView(state);
+}
+
+/// One step alone is drawn smoothly. A second one before the rest timer ends is motion, drawn fast; the timer then draws the
+/// last step again.
+void CanvasView::noteMotion() {
+    presentation_.setInMotion(restTimer_.isActive());
+    restTimer_.start();
+}
+
+void CanvasView::setPan(QPointF pan) {
+    if (!session_) return;
+    ViewState state = session_->view;
+    state.pan = pan;
+    applyView(state);
+}
+
+void CanvasView::setZoom(double zoom, std::optional<QPointF> around) {
+    if (!session_) return;
+    noteMotion();
+    applyView(transform_.zoomedTo(zoom, around));
+}
+
+void CanvasView::zoomStep(bool in, std::optional<QPointF> around) {
+    if (session_) setZoom(nextZoomStop(session_->view.zoom, in), around);
+}
+
+void CanvasView::rotateView(double degrees) {
+    if (session_) setRotation(std::fmod(session_->view.rotation + degrees, 360));
+}
+
+void CanvasView::setRotation(double degrees) {
+    if (!session_) return;
+    noteMotion();
+    ViewState state = session_->view;
+    state.rotation = degrees;
+    applyView(state);
+}
+
+void CanvasView::toggleFlipView() {
+    if (!session_) return;
+    ViewState state = session_->view;
+    state.flipView = !state.flipView;
+    applyView(state);
+}
+
+} // namespace qirn
