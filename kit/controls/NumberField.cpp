@@ -22,9 +22,9 @@ NumberField::NumberField(const QString& accessibleName, const Range& range, cons
 }
 
 void NumberField::setValue(double value) {
-    if (value == value_) return; // does not rewrite what is being typed
+    if (value == value_) return;
     value_ = value;
-    display(value_);
+    if (!hasFocus() || !isModified()) display(value_); // what is being typed stays
 }
 
 void NumberField::setFormat(const NumberFormat& format) {

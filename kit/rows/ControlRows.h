@@ -69,6 +69,7 @@ template <class Target> struct ControlRow {
     struct Button {
         const char* label;
         void (*run)(Target&);
+        const char* tip = nullptr;
     };
     struct Note {
         const char* text;
@@ -138,7 +139,7 @@ private:
         return {menu, [this, menu, row] { display(*menu, row.choices(target_), row.get(target_)); }};
     }
     Binding bound(const typename Row::Button& row) {
-        return {button(row.label, [this, run = row.run] { change([&] { run(target_); }); }), {}};
+        return {button(row.label, row.tip, [this, run = row.run] { change([&] { run(target_); }); }), {}};
     }
     Binding bound(const typename Row::Note& row) { return {note(row.text), {}}; }
     Binding bound(const typename Row::Section& row) { return {section(row.title), {}}; }

@@ -129,9 +129,9 @@ QComboBox* RowBox::picker(const char* label, const char* tip, std::function<void
     return menu;
 }
 
-QWidget* RowBox::button(const char* label, const std::function<void()>& run) {
+QWidget* RowBox::button(const char* label, const char* tip, const std::function<void()>& run) {
     auto* button = new QPushButton(dress_.words(label), this);
-    introduce(*button, label, nullptr);
+    introduce(*button, label, tip);
     connect(button, &QPushButton::clicked, this, run);
     return button;
 }

@@ -54,7 +54,7 @@ protected:
     ChromeSegments* segments(const char* label, const char* tip, std::span<const char* const> titles,
                              std::function<void(int)> set);
     QComboBox* picker(const char* label, const char* tip, std::function<void(int)> set);
-    QWidget* button(const char* label, const std::function<void()>& run);
+    QWidget* button(const char* label, const char* tip, const std::function<void()>& run);
     QWidget* note(const char* text);
     QWidget* section(const char* title);
 

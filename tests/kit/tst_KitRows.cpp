@@ -133,6 +133,16 @@ private Q_SLOTS:
         QVERIFY(field.text() == "1.33" && field.value() == 4.0 / 3 && changed.isEmpty());
         QTest::keyClick(&field, Qt::Key_Up);
         QCOMPARE(field.value(), 4.0 / 3 + 1);
+        // A target that takes no less than 20 does not rewrite the 2 of a 25.
+        connect(&field, &NumberField::valueChanged, &field,
+                [&field](double typed) { field.setValue(std::max(typed, 20.0)); });
+        field.selectAll();
+        QTest::keyClicks(&field, "25");
+        QCOMPARE(field.value(), 25.0);
+        field.selectAll();
+        QTest::keyClicks(&field, "7");
+        QTest::keyClick(&field, Qt::Key_Return);
+        QCOMPARE(field.text(), "20.00");
     }
 };
 
