@@ -98,7 +98,7 @@ public:
           target_(target) {
         for (const Row& row : rows) {
             const Binding binding =
-                std::visit([this](const auto& control) { return bound(control); }, row.control);
+                std::visit([this](const auto& control) { return this->bound(control); }, row.control);
             add(binding,
                 row.shows ? [this, shows = row.shows] { return shows(target_); } : std::function<bool()>());
         }
