@@ -35,7 +35,7 @@ void penPointOn4K(benchmark::State& state) {
     double tiles = 0, dabs = 0;
     CanvasPresentation screen;
     screen.show(doc.get());
-    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    screen.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     for (auto _ : state) {
         BrushStroke stroke(*doc, doc->layers().back(), brush, PaintColor(0.7, 0.02, 0.08), 1);
         double whole = 0;

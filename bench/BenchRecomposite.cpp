@@ -13,7 +13,7 @@ void fullRecomposite(benchmark::State& state) {
     const auto doc = paintedPicture(4);
     CanvasPresentation screen;
     screen.show(doc.get());
-    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    screen.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     doc->markAllDirty();
     const std::vector<DirtyTile> tiles = doc->takeDirtyParts();
     const Stopwatch watch;

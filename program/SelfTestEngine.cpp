@@ -177,7 +177,7 @@ void SelfTestEngine::quickPerformance(SelfTestReport& report) {
     doc.takeDirtyTiles();
     CanvasPresentation screen;
     screen.show(&doc);
-    screen.look(ViewTransform(QSizeF(3840, 2160), QSizeF(3840, 2160), {1, {}, 0, false}), 1);
+    screen.prepare(ViewTransform(QSizeF(3840, 2160), QSizeF(3840, 2160), {1, {}, 0, false}), 1);
     BrushSettings brush = *BrushLibrary::named(QStringLiteral("Soft Round"));
     brush.size = 120;
     BrushStroke stroke(doc, doc.layers()[1], brush, PaintColor(0.7, 0.02, 0.08), 1);

@@ -55,8 +55,8 @@ QPainterPath CanvasOverlay::handlesPath() const {
     path.addPolygon(canvasToWidget_.map(QPolygonF(QList<QPointF>(corners.begin(), corners.end()))));
     path.closeSubpath();
     for (const QPointF& corner : corners) {
-        const QPointF at = canvasToWidget_.map(corner);
-        path.addRect(QRectF(at.x() - kHandleHalfSide * ratio_, at.y() - kHandleHalfSide * ratio_,
+        const QPointF center = canvasToWidget_.map(corner);
+        path.addRect(QRectF(center.x() - kHandleHalfSide * ratio_, center.y() - kHandleHalfSide * ratio_,
                             2 * kHandleHalfSide * ratio_, 2 * kHandleHalfSide * ratio_));
     }
     const QPointF rotate = canvasToWidget_.map(transform_->rotateHandle(kRotateHandleDistance * point));
@@ -78,7 +78,7 @@ void CanvasOverlay::paintTransform(QPainter& painter) const {
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(handles);
     painter.setPen(pen(Qt::white, ratio_));
-    // Only squares and circle are filled: the box's own path comes first in `handles`.
+    // Only the handles are filled; the first part of the path is the box.
     painter.drawPath(handles);
     painter.setBrush(kHandleFill);
     for (const QPolygonF& part : handles.toSubpathPolygons().mid(1)) {
@@ -143,7 +143,7 @@ QRegion CanvasOverlay::ringRegion() const {
     const auto square = [&](double r) {
         return QRectF(ring_->center.x() - r, ring_->center.y() - r, 2 * r, 2 * r).toAlignedRect();
     };
-    // Qt's elliptic regions are polygons: a margin keeps the line itself inside the annulus.
+    // Qt's elliptic regions are polygons: with a margin the line is inside the annulus all round.
     const double inner = radius - width - 2;
     if (inner < 24) return QRegion(square(radius + width));
     return QRegion(square(radius + width + 1), QRegion::Ellipse) - QRegion(square(inner), QRegion::Ellipse);
@@ -161,7 +161,7 @@ QRegion CanvasOverlay::outlineRegion(const QPainterPath& path) const {
     const int width = static_cast<int>(std::ceil(3 * ratio_));
     const QRect box = path.boundingRect().toAlignedRect().adjusted(-width, -width, width, width);
     const bool upright = canvasToWidget_.type() <= QTransform::TxScale;
-    // An upright rectangle is painted as a frame; any other outline as its box.
+    // A rectangle that is parallel to the screen covers a frame. Of any other outline the whole box is taken.
     if (!upright || path.elementCount() != 5) return box;
     return QRegion(box) - QRegion(box.adjusted(2 * width, 2 * width, -2 * width, -2 * width));
 }

@@ -32,18 +32,19 @@ public:
     void setView(const QTransform& canvasToWidget, double zoom, double pixelRatio);
     void setSelection(SelectionRef selection); ///< Null: no ants.
     void setPreview(const QPainterPath& path); ///< Empty: none.
-    void
-    setTransform(const std::optional<TransformState>& transform); ///< Lifted pixels, their box and handles.
+    /// Lifted pixels, their box and handles.
+    void setTransform(const std::optional<TransformState>& transform);
     void setRing(std::optional<Ring> ring) { ring_ = ring; }
     const std::optional<Ring>& ring() const { return ring_; }
 
     bool hasAnts() const { return selection_ != nullptr; }
-    int antsInterval() const; ///< Milliseconds between two steps: rarer for a long outline, which costs more.
+    /// Milliseconds between two steps; more for a long outline, which takes longer to paint.
+    int antsInterval() const;
     void advanceAnts(double seconds);
 
     void paint(QPainter& painter) const; ///< In device pixels, y down.
 
-    // What each covers, in device pixels; the ring as an annulus, since a wide one is mostly empty.
+    // The device pixels that each covers. That of the ring is an annulus: inside, a wide ring covers nothing.
     QRegion ringRegion() const;
     QRegion antsRegion() const;
     QRegion previewRegion() const;
@@ -59,7 +60,7 @@ private:
     double zoom_ = 1;
     double ratio_ = 1;
     SelectionRef selection_;
-    mutable std::optional<QPainterPath> antsPath_; // the outline in device pixels, made once a view
+    mutable std::optional<QPainterPath> antsPath_; // device pixels; nothing until it is needed in this view
     double antsPhase_ = 0;                         // logical points
     QPainterPath preview_;
     std::optional<TransformState> transform_;

@@ -18,9 +18,10 @@ namespace {
 
 constexpr double kNearestFromZoom = 2.0;
 constexpr int64_t kBandRows = 32; // of a tile, drawn by one thread
-// Two thousand tiles: eight 4K canvases. Beyond it, tiles out of sight are let go and made again when seen.
+// Two thousand tiles: eight 4K canvases. Beyond that, images of tiles out of view are freed, and composited again later.
 constexpr int64_t kMostTileImages = 512LL * 1024 * 1024 / kTileBytes;
-/// The level at which the painter has to shrink by at most a half.
+
+/// The level of reduction at which the painter shrinks by at most a half.
 int levelFor(double zoom) {
     int level = 0;
     while (zoom * static_cast<double>(1 << level) < 0.5) ++level;
@@ -45,7 +46,7 @@ bool CanvasPresentation::setCheckerSize(double canvasPixels) {
     return true;
 }
 
-void CanvasPresentation::look(const ViewTransform& view, double zoom) {
+void CanvasPresentation::prepare(const ViewTransform& view, double zoom) {
     canvasToWidget_ = view.canvasToWidget();
     zoom_ = zoom;
     quarterTurn_ = canvasToWidget_.m12() == 0 || std::abs(canvasToWidget_.m11()) < 1e-9;
@@ -66,14 +67,14 @@ void CanvasPresentation::look(const ViewTransform& view, double zoom) {
                               (part.maxY() + kTileSize - 1) / kTileSize};
     const int level = levelFor(zoom);
     if (level != window_.level() || !window_.range().contains(seenTiles)) {
-        // A tile more on each side, so that a slow pan does not rebuild the window at each step.
+        // One tile more on each side, so that a slow pan does not move the window image at each step.
         coverWindow({std::max<int64_t>(seenTiles.firstCol - 1, 0),
                      std::max<int64_t>(seenTiles.firstRow - 1, 0), std::min(seenTiles.endCol + 1, grid.cols),
                      std::min(seenTiles.endRow + 1, grid.rows)},
                     level);
     }
     visible_ = seenTiles;
-    makeVisibleTiles();
+    compositeVisibleTiles();
 }
 
 bool CanvasPresentation::isVisible(int64_t index) const {
@@ -90,9 +91,9 @@ std::vector<IRect> CanvasPresentation::update(const std::vector<DirtyTile>& dirt
         if (place >= states_.size()) continue;
         const bool visible = isVisible(tile.index);
         if (visible) changed.push_back(tile.part);
-        // A whole tile may have become empty; a part of one that stands on screen is drawn into its image.
+        // A tile that is dirty as a whole may have become empty: it is stale. A dirty part is drawn over what is shown.
         const bool partly = tile.part != document_->grid().rectOf(tile.index);
-        if (partly && visible && states_[place] == TileState::made && window_.holds(tile.index)) {
+        if (partly && visible && states_[place] == TileState::ready && window_.holds(tile.index)) {
             parts.push_back(tile);
         } else {
             states_[place] = TileState::stale;
@@ -100,11 +101,11 @@ std::vector<IRect> CanvasPresentation::update(const std::vector<DirtyTile>& dirt
         }
     }
     drawIntoWindow(parts);
-    makeVisibleTiles();
+    compositeVisibleTiles();
     return changed;
 }
 
-void CanvasPresentation::makeVisibleTiles() {
+void CanvasPresentation::compositeVisibleTiles() {
     std::vector<DirtyTile> missing;
     for (int64_t row = visible_.firstRow; row < visible_.endRow; ++row) {
         for (int64_t col = visible_.firstCol; col < visible_.endCol; ++col) {
@@ -113,10 +114,10 @@ void CanvasPresentation::makeVisibleTiles() {
         }
     }
     drawIntoWindow(missing);
-    if (heldImages_ > kMostTileImages) dropUnseenTiles();
+    if (heldImages_ > kMostTileImages) dropTilesOutOfView();
 }
 
-/// Moves the window. Pixels that only it has, and will not have any longer, go to images of their tiles.
+/// Moves the window image to other tiles. Ready tiles that leave it get images of their own.
 void CanvasPresentation::coverWindow(const TileRange& range, int level) {
     std::vector<int64_t> leaving;
     if (window_.level() == 0) {
@@ -125,7 +126,7 @@ void CanvasPresentation::coverWindow(const TileRange& range, int level) {
                 const int64_t index = row * document_->grid().cols + col;
                 const bool stays = level == 0 && range.contains({col, row, col + 1, row + 1});
                 const auto place = checkedSize(index);
-                if (!stays && window_.holds(index) && states_[place] == TileState::made)
+                if (!stays && window_.holds(index) && states_[place] == TileState::ready)
                     leaving.push_back(index);
             }
         }
@@ -149,7 +150,7 @@ void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
     try {
         drawTiles(tiles);
     } catch (...) {
-        // Which of them were drawn, and where, nobody knows: all are out of date.
+        // Any of them may have been drawn in part.
         for (const DirtyTile& tile : tiles) {
             states_[checkedSize(tile.index)] = TileState::stale;
             window_.drop(tile.index);
@@ -161,7 +162,7 @@ void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
 void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
     const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
     const int level = window_.level();
-    // A few tiles are cut into bands, so that every core has something to do where there is much.
+    // Few tiles are cut into bands, so that every core gets a share.
     const bool few = static_cast<int>(tiles.size()) < 2 * concurrency();
     const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << level) : kTileSize;
     std::vector<DirtyTile> parts;
@@ -196,24 +197,24 @@ void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
     for (const DirtyTile& tile : tiles) dropImage(tile.index);
 }
 
-/// Decides where a part of a tile comes from, and sees to it that the tile has an image where it needs one.
+/// Chooses what a part of a tile is made from. At a reduced level a tile is composited into an image of its own first, for
+/// which this allocates.
 CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
                                                         std::span<const CompositeInput> layers) {
     TileState& state = states_[checkedSize(tile.index)];
     const bool whole = tile.part == document_->grid().rectOf(tile.index);
-    if (whole && state == TileState::made) return Source::image;
+    if (whole && state == TileState::ready) return Source::image;
     if (state == TileState::stale) ++tilesComposited_;
-    state = whole && !showsAnything(tile.index, layers) ? TileState::empty : TileState::made;
+    state = whole && !showsAnything(tile.index, layers) ? TileState::empty : TileState::ready;
     if (state == TileState::empty) {
         dropImage(tile.index);
         return Source::board;
     }
-    if (window_.level() > 0) takeImage(tile.index);
+    if (window_.level() > 0) ensureImage(tile.index);
     return Source::layers;
 }
 
-/// Gives a tile an image if it has none.
-void CanvasPresentation::takeImage(int64_t index) {
+void CanvasPresentation::ensureImage(int64_t index) {
     BlockPool::Block& image = images_[checkedSize(index)];
     if (image) return;
     image = BlockPool::take();
@@ -227,11 +228,11 @@ void CanvasPresentation::dropImage(int64_t index) {
     --heldImages_;
 }
 
-void CanvasPresentation::dropUnseenTiles() {
+void CanvasPresentation::dropTilesOutOfView() {
     for (std::size_t place = 0; place < images_.size() && heldImages_ > kMostTileImages; ++place) {
         if (!images_[place]) continue;
         dropImage(static_cast<int64_t>(place));
-        states_[place] = TileState::stale; // what the window shows of it far out stays there
+        states_[place] = TileState::stale; // the window image keeps its reduced copy
     }
 }
 

@@ -15,54 +15,52 @@ namespace qirn {
 
 class PaintDocument;
 
-/// Brings finished tiles to the screen: each tile of the picture is composited once, when it first becomes visible
-/// or when it changed, and kept as an opaque image with the checkerboard under it. Zoom, pan, rotation and flip
-/// composite nothing again.
+/// Brings tiles to the screen: each tile of the picture is composited when it first becomes visible or when it changed,
+/// and kept as an opaque image with the checkerboard under it. Zoom, pan, rotation and flip composite nothing.
 class CanvasPresentation {
 public:
-    /// Null shows nothing; the document is borrowed, and all of it drawn anew. Asks for no memory.
+    /// Null shows nothing. The document is borrowed; all its tiles are stale from here on. Allocates nothing.
     void show(const PaintDocument* document);
-    bool
-    setCheckerSize(double canvasPixels); ///< Side of a square, at least 2. True where it was another one.
+    bool setCheckerSize(double canvasPixels); ///< Side of a square, at least 2. True when it changed.
 
-    /// The view that the next `draw` is for; makes the tiles that it shows and that are not made yet. Where memory runs
-    /// out it throws, `draw` shows what there is, and the next call goes on.
-    void look(const ViewTransform& view, double zoom);
+    /// Sets the view that the next `draw` is for, and composites the stale tiles in it. Throws when memory is out: `draw`
+    /// then shows the tiles that are done, and the next call continues.
+    void prepare(const ViewTransform& view, double zoom);
     /// While the view turns or zooms it is drawn without smoothing, which takes a fraction of the time.
     void setInMotion(bool inMotion) { inMotion_ = inMotion; }
     bool isInMotion() const { return inMotion_; }
-    /// Tiles whose pixels changed. Those on screen are made at once, the others when they are seen. The result is
-    /// what has to be painted again, in canvas pixels.
+    /// Tiles whose pixels changed: those in view are composited at once, the others when they come into it. Returns what
+    /// to repaint, in canvas pixels.
     std::vector<IRect> update(const std::vector<DirtyTile>& dirty);
-    /// Shadow and picture inside `exposed`; both are in device pixels, y down.
+    /// Paints shadow and picture; painter and `exposed` are in device pixels, y down.
     void draw(QPainter& painter, const QRectF& exposed) const;
 
-    /// How many tiles were composited since the document came in.
+    /// How many tiles were composited since `show`.
     int64_t tilesComposited() const { return tilesComposited_; }
-    /// Held for tiles that were made, beside the window's own pixels; empty tiles hold none.
+    /// Memory of the tiles' own images, beside the window image. An empty tile has none.
     int64_t tileImageBytes() const { return heldImages_ * kTileBytes; }
 
 private:
-    enum class TileState : uint8_t { stale, empty, made };
-    /// Where pixels of the window come from.
+    enum class TileState : uint8_t { stale, empty, ready };
+    /// What pixels of the window image are made from.
     enum class Source : uint8_t { board, image, layers };
 
     void coverWindow(const TileRange& range, int level);
-    void makeVisibleTiles();
-    /// Brings these parts to the window, from the layers where they are out of date.
+    void compositeVisibleTiles();
+    /// Brings these parts of tiles to the window image; from the layers where the tile is stale.
     void drawIntoWindow(const std::vector<DirtyTile>& tiles);
     void drawTiles(const std::vector<DirtyTile>& tiles);
     Source sourceOf(const DirtyTile& tile, std::span<const CompositeInput> layers);
-    void takeImage(int64_t index);
+    void ensureImage(int64_t index);
     void dropImage(int64_t index);
     bool isVisible(int64_t index) const;
-    void dropUnseenTiles();
+    void dropTilesOutOfView();
 
     const PaintDocument* document_ = nullptr;
     Checkerboard board_;
     std::vector<TileState> states_;
-    // 0xFFRRGGBB over the checkerboard, whole tiles. What is made stands here, or in the window if that holds it at
-    // full size: once, so that a pen point writes each pixel once.
+    // Of ready tiles: 0xFFRRGGBB over the checkerboard, whole tiles. One that the window image holds at full size has no
+    // image here, so that a pen point writes each pixel once.
     std::vector<BlockPool::Block> images_;
     int64_t heldImages_ = 0;
     TileRange visible_;

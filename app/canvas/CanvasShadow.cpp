@@ -12,7 +12,7 @@ namespace {
 constexpr double kOpacity = 0.6;
 constexpr double kBlur = 14; // standard deviation of the blurred edge, canvas pixels
 constexpr double kDrop = 4;  // canvas pixels downward
-constexpr int kReach = 32;   // where the shadow has faded out, to each side of its edge
+constexpr int kReach = 32;   // canvas pixels to each side of the edge over which it fades out
 
 /// A corner of the shadow: `2 kReach` pixels square, with the edge's corner in its middle, fading to the top left.
 QImage makeCorner() {
@@ -47,7 +47,7 @@ void drawCanvasShadow(QPainter& painter, const QRectF& canvas) {
         for (int col = 0; col < 3; ++col) {
             if (row == 1 && col == 1) continue; // under the picture
             const QImage& source = corners[row / 2][col / 2];
-            // The sides repeat the innermost line of a corner.
+            // A side stretches the innermost line of a corner.
             const double inner = 2 * kReach - 1;
             const QRectF part(col == 1 ? inner : (col == 0 ? 0 : 2 * kReach - (kReach + reachX)),
                               row == 1 ? inner : (row == 0 ? 0 : 2 * kReach - (kReach + reachY)),

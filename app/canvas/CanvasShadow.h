@@ -5,8 +5,8 @@ class QPainter;
 
 namespace qirn {
 
-/// The soft shadow under the picture: black at 0.6, a blur of 14 and 4 downward, in canvas pixels. Draws only the
-/// frame that sticks out from under `canvas` and a little below its edge.
+/// The soft shadow of the picture: black at 0.6, blurred by 14 and moved down by 4 canvas pixels. Draws only what lies outside
+/// `canvas` and a little inside its edge.
 void drawCanvasShadow(QPainter& painter, const QRectF& canvas);
 
 } // namespace qirn

@@ -184,7 +184,7 @@ void CanvasView::paintEvent(QPaintEvent* event) {
                      QColor(kBackgroundGrey, kBackgroundGrey, kBackgroundGrey));
     if (!session_) return;
     // What there is no memory for is left out of this paint and tried again at the next: the picture itself is whole.
-    bool whole = contained([&] { presentation_.look(transform_, session_->view.zoom); });
+    bool whole = contained([&] { presentation_.prepare(transform_, session_->view.zoom); });
     whole &= contained([&] { presentation_.draw(painter, exposed); });
     whole &= contained([&] { overlay_.paint(painter); });
     if (whole == std::exchange(shownWhole_, whole)) return;

@@ -16,7 +16,7 @@ namespace qirn {
 
 namespace {
 
-// Fewer pixels than this are on screen before other threads have woken up.
+// Fewer pixels are drawn sooner than other threads have woken up.
 constexpr int64_t kLeastParallelPixels = 16'000;
 
 } // namespace
@@ -48,7 +48,7 @@ void CanvasWindowImage::cover(const TileRange& range, int level) {
             if (!old.holds(index)) continue;
             held_[slotOf(index)] = true;
             const IRect tile = grid_.rectOf(index);
-            copyPixels(placeOf(index), rowBytes_, old.placeOf(index), old.rowBytes_,
+            copyPixels(firstPixelOf(index), rowBytes_, old.firstPixelOf(index), old.rowBytes_,
                        reducedLength(tile.w, level), reducedLength(tile.h, level));
         }
     }
@@ -72,7 +72,7 @@ void CanvasWindowImage::drop(int64_t index) {
     if (inside(index)) held_[slotOf(index)] = false;
 }
 
-uint8_t* CanvasWindowImage::placeOf(int64_t index) const {
+uint8_t* CanvasWindowImage::firstPixelOf(int64_t index) const {
     const int64_t side = kTileSize >> level_;
     return pixels_.get() + (index / grid_.cols - range_.firstRow) * side * rowBytes_ +
            (index % grid_.cols - range_.firstCol) * side * 4;
@@ -81,9 +81,9 @@ uint8_t* CanvasWindowImage::placeOf(int64_t index) const {
 void CanvasWindowImage::put(std::span<const DirtyTile> parts, const PartDrawer& draw) {
     if (!pixels_) return;
     const auto putOne = [&](int64_t i) {
-        const auto number = checkedSize(i);
-        const int64_t index = parts[number].index;
-        if (inside(index)) draw(number, placeOf(index), rowBytes_);
+        const auto partIndex = checkedSize(i);
+        const int64_t index = parts[partIndex].index;
+        if (inside(index)) draw(partIndex, firstPixelOf(index), rowBytes_);
     };
     int64_t pixels = 0;
     for (const DirtyTile& tile : parts) pixels += tile.part.w * tile.part.h;
@@ -101,7 +101,7 @@ void CanvasWindowImage::put(std::span<const DirtyTile> parts, const PartDrawer& 
 void CanvasWindowImage::copyTo(int64_t index, uint8_t* tile) const {
     require(level_ == 0 && holds(index));
     const IRect place = grid_.rectOf(index);
-    copyPixels(tile, kTileRowBytes, placeOf(index), rowBytes_, place.w, place.h);
+    copyPixels(tile, kTileRowBytes, firstPixelOf(index), rowBytes_, place.w, place.h);
 }
 
 void CanvasWindowImage::draw(QPainter& painter) const {
@@ -111,9 +111,9 @@ void CanvasWindowImage::draw(QPainter& painter) const {
     const double right = static_cast<double>(std::min(range_.endCol * kTileSize, grid_.width));
     const double bottom = static_cast<double>(std::min(range_.endRow * kTileSize, grid_.height));
     const double scale = static_cast<double>(int64_t{1} << level_);
-    // The last reduced pixel may stand for fewer canvas pixels than the others; the source ends where the canvas does.
+    // The last reduced pixel may cover fewer canvas pixels than the others: the source ends where the canvas does.
     const QRectF source(0, 0, (right - x) / scale, (bottom - y) / scale);
-    // The image ends there too: nothing beyond it may be drawn into its last pixels.
+    // The image ends there too, or smoothing would blend what lies beyond into its last pixels.
     const QImage image(pixels_.get(), static_cast<int>(std::ceil(source.width())),
                        static_cast<int>(std::ceil(source.height())), rowBytes_, QImage::Format_RGB32);
     painter.drawImage(QRectF(x, y, right - x, bottom - y), image, source);

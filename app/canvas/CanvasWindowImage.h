@@ -25,41 +25,41 @@ struct TileRange {
     bool operator==(const TileRange&) const = default;
 };
 
-/// The one image that the view draws: the visible block of tiles side by side, opaque, kept between paints. One
-/// image under the view transform has no seams, as tiles drawn one by one would. Below 50% it holds the tiles
-/// reduced by powers of two, since a painter that shrinks further would alias.
+/// The one image that the view draws: the visible block of tiles side by side, opaque, kept between paints. Tiles drawn one
+/// by one under the view transform would show seams. Below 50% it holds the tiles reduced by powers of two, since a painter
+/// that shrinks by more than a half aliases.
 class CanvasWindowImage {
 public:
-    void reset(const TileGrid& grid); ///< Holds nothing from here on.
+    void reset(const TileGrid& grid); ///< Forgets all tiles.
 
-    /// Makes room for a block of tiles, each side divided by 2^level; keeps what it already holds of it.
+    /// Allocates a block of tiles, each side divided by 2^level, and copies the tiles that both blocks hold.
     void cover(const TileRange& range, int level);
     const TileRange& range() const { return range_; }
     int level() const { return level_; }
 
-    bool inside(int64_t index) const; ///< The block has a place for the tile.
-    bool holds(int64_t index) const;  ///< Inside the block, and put since it came in.
-    void drop(int64_t index);         ///< It must be put again before it is shown.
-    /// Has parts of tiles drawn, which are held from then on; those outside the block are passed over. `draw` gets a
-    /// part's number and the place of its tile's first pixel in the block, whose rows lie `rowBytes` apart; a row has
-    /// room for whole tiles, also at the canvas edge. It is called in parallel, once for each part: parts of one tile
-    /// share no block of 2^level x 2^level pixels.
-    using PartDrawer = std::function<void(std::size_t number, uint8_t* out, int64_t rowBytes)>;
+    bool inside(int64_t index) const; ///< The tile is one of the block.
+    bool holds(int64_t index) const;  ///< Inside the block, and drawn.
+    void drop(int64_t index);         ///< It counts as not drawn.
+    /// Has parts of tiles drawn, whose tiles are held from then on; parts outside the block are skipped. `draw` gets the
+    /// index of a part and its tile's first pixel in the block, whose rows lie `rowBytes` apart; a row has room for whole
+    /// tiles, also at the canvas edge. It is called in parallel, once a part: parts of one tile share no block of
+    /// 2^level x 2^level pixels.
+    using PartDrawer = std::function<void(std::size_t partIndex, uint8_t* tilePixels, int64_t rowBytes)>;
     void put(std::span<const DirtyTile> parts, const PartDrawer& draw);
-    /// Copies the pixels of a tile that it holds, not reduced, to a whole tile.
+    /// Copies a tile that it holds, at level 0, to a buffer of a whole tile.
     void copyTo(int64_t index, uint8_t* tile) const;
 
     /// Draws the block; the painter's transform is that from canvas to device.
     void draw(QPainter& painter) const;
 
 private:
-    static constexpr std::align_val_t kAlignment{64}; // so that whole tiles can be stored past the caches
+    static constexpr std::align_val_t kAlignment{64}; // bytes: what non-temporal stores of vectors need
     struct FreePixels {
         void operator()(uint8_t* pixels) const { operator delete(pixels, kAlignment); }
     };
 
     std::size_t slotOf(int64_t index) const;
-    uint8_t* placeOf(int64_t index) const; ///< Of a tile's first pixel.
+    uint8_t* firstPixelOf(int64_t index) const;
 
     TileGrid grid_;
     TileRange range_;

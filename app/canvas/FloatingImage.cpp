@@ -18,7 +18,7 @@ namespace {
 constexpr int kMostLevel = 5;
 constexpr int64_t kBandRows = 256; // of lifted pixels, reduced at a time; whole blocks of every level
 
-/// The most levels at which an image pixel is not larger than a device pixel.
+/// The highest level at which a pixel of the image is not larger than a device pixel.
 int levelFor(const QTransform& toDevice) {
     const double scale =
         std::max(std::hypot(toDevice.m11(), toDevice.m12()), std::hypot(toDevice.m21(), toDevice.m22()));
@@ -27,7 +27,7 @@ int levelFor(const QTransform& toDevice) {
     return level;
 }
 
-/// The mean of each block of pixels; what the blocks lack beyond the band counts as transparent.
+/// The mean of each block of 2^level x 2^level pixels; a block at the band's edge is filled up with transparent ones.
 void reduce(const RGBABuffer& band, int level, int64_t firstRow, QImage& image) {
     const int64_t side = int64_t{1} << level;
     const uint32_t half = 1u << (2 * level) >> 1;
@@ -46,7 +46,7 @@ void reduce(const RGBABuffer& band, int level, int64_t firstRow, QImage& image) 
 
 } // namespace
 
-void FloatingImage::make(const Floating& floating, const IRect& part, int level) {
+void FloatingImage::render(const Floating& floating, const IRect& part, int level) {
     const int64_t side = int64_t{1} << level;
     QImage image(static_cast<int>((part.w + side - 1) >> level),
                  static_cast<int>((part.h + side - 1) >> level), PaintEngine::imageFormat);
@@ -73,9 +73,9 @@ void FloatingImage::paint(QPainter& painter, const Floating& floating, const QTr
     if (needed.isEmpty()) return;
     const int level = levelFor(toDevice);
     if (image_.isNull() || level != level_ || !(part_.united(needed) == part_)) {
-        // Somewhat more, so that not every step of a drag makes another one.
+        // With a margin, so that not every step of a drag renders again.
         const double x = seen.width() / 4, y = seen.height() / 4;
-        make(floating, partWithin(seen.adjusted(-x, -y, x, y)).united(needed), level);
+        render(floating, partWithin(seen.adjusted(-x, -y, x, y)).united(needed), level);
     }
     const double side = 1 << level_;
     painter.setTransform(toDevice, true);

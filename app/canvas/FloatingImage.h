@@ -10,15 +10,16 @@ namespace qirn {
 
 struct Floating;
 
-/// One image of what a view shows of lifted pixels: no larger than that needs, however many were lifted.
+/// The lifted pixels that a view shows, as one image at the resolution that the view needs: its size depends on the window
+/// and not on how much was lifted.
 class FloatingImage {
 public:
     /// Draws the pixels' box under a transform to device pixels, in which the painter draws, and leaves it transformed.
     void paint(QPainter& painter, const Floating& floating, const QTransform& toDevice);
-    void clear() { *this = {}; } ///< For other pixels.
+    void clear() { *this = {}; } ///< When other pixels are lifted.
 
 private:
-    void make(const Floating& floating, const IRect& part, int level);
+    void render(const Floating& floating, const IRect& part, int level);
 
     QImage image_;
     IRect part_;    // of the canvas, as the pixels lay there

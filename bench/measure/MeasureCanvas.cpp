@@ -38,7 +38,7 @@ void measureMemory() {
     const double opened = residentMegabytes() - before;
     CanvasPresentation screen;
     screen.show(doc.get());
-    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    screen.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     const double shown = residentMegabytes() - before;
     std::printf(
         "A 4K picture of five layers: %.0f MB of tiles; open %.0f MB (%.2f times), on screen %.0f MB\n",
@@ -66,7 +66,7 @@ void measureHugeCanvas(int64_t side) {
     screen.show(doc.get());
     const QSizeF view(1920, 1080), canvas(static_cast<double>(side), static_cast<double>(side));
     const double fit = 1000 / static_cast<double>(side);
-    screen.look(ViewTransform(view, canvas, {fit, {}, 0, false}), fit);
+    screen.prepare(ViewTransform(view, canvas, {fit, {}, 0, false}), fit);
     const double zoomOut = showing.seconds();
     doc->takeDirtyParts();
     const Stopwatch painting;

@@ -75,7 +75,7 @@ void measureHand(const QString& recording) {
     CanvasPresentation screen;
     screen.show(doc.get());
     doc->takeDirtyParts();
-    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    screen.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     std::printf("\n%-22s %6s %9s %9s %9s %9s  ms a pen point\n", "A hand on 4K", "px", "mean", "95%", "99.9%",
                 "max");
     for (const BrushSettings& brush : BrushLibrary::builtIn()) {

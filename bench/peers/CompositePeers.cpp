@@ -121,7 +121,7 @@ void compareStacks() {
     doc->layer(4).blendMode = BlendMode::overlay;
     CanvasPresentation screen;
     screen.show(doc.get());
-    screen.look(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    screen.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
     doc->markAllDirty();
     const std::vector<DirtyTile> tiles = doc->takeDirtyParts();
     const auto ours = [&] { screen.update(tiles); };

@@ -23,7 +23,7 @@ QImage shown(CanvasPresentation& presentation, const PaintDocument& doc, const V
     QImage screen(window, QImage::Format_RGB32);
     screen.fill(Qt::magenta);
     QPainter painter(&screen);
-    presentation.look(view, state.zoom);
+    presentation.prepare(view, state.zoom);
     presentation.draw(painter, screen.rect());
     painter.end();
     return screen;
@@ -36,7 +36,7 @@ QImage shownAfresh(PaintDocument& doc, const ViewState& state) {
 }
 
 /// How many colours a row of 60 pixels in the middle of the canvas has.
-std::size_t coloursOf(Studio& studio) {
+std::size_t colorsOf(Studio& studio) {
     const QImage image = studio.canvas.grab().toImage();
     std::set<QRgb> found;
     for (int dx = -30; dx < 30; ++dx)
@@ -199,19 +199,19 @@ private Q_SLOTS:
             Studio studio;
             studio.fill({0, 0, 200, 300}, {0, 0, 0, 255});
             studio.canvas.setZoom(zoom);
-            QCOMPARE(coloursOf(studio) == 2, zoom == 2);
+            QCOMPARE(colorsOf(studio) == 2, zoom == 2);
         }
         Studio studio;
         studio.fill({0, 0, 200, 300}, {0, 0, 0, 255});
         studio.canvas.setRotation(10);
-        QVERIFY(coloursOf(studio) > 2);
+        QVERIFY(colorsOf(studio) > 2);
         studio.canvas.setRotation(11);
-        QCOMPARE(coloursOf(studio), std::size_t{2});
-        QTRY_VERIFY(coloursOf(studio) > 2);
+        QCOMPARE(colorsOf(studio), std::size_t{2});
+        QTRY_VERIFY(colorsOf(studio) > 2);
         studio.canvas.setZoom(1.1);
         studio.canvas.setZoom(1.2);
-        QCOMPARE(coloursOf(studio), std::size_t{2});
-        QTRY_VERIFY(coloursOf(studio) > 2);
+        QCOMPARE(colorsOf(studio), std::size_t{2});
+        QTRY_VERIFY(colorsOf(studio) > 2);
     }
 };
 

@@ -277,7 +277,7 @@ private Q_SLOTS:
         QVERIFY(studio.model.status().lastStrokeStats()->startsWith("Last stroke: 2 points, avg "));
     }
 
-    void optionOrCommandPicksAColour() {
+    void optionOrCommandPicksAColor() {
         Studio studio;
         paintRect(studio.doc(), studio.layer(), {10, 10, 20, 20}, {0, 128, 0, 128});
         for (const auto modifier : {Qt::AltModifier, Qt::ControlModifier}) {

@@ -61,7 +61,7 @@ private Q_SLOTS:
         }
     }
 
-    void theBucketFillsAndRemembersTheColour() {
+    void theBucketFillsAndRemembersTheColor() {
         SquareStudio studio;
         studio.model.setTool(Tool::bucket);
         studio.model.colors().setPrimary(PaintColor(0, 0, 1));
@@ -100,7 +100,7 @@ private Q_SLOTS:
         QCOMPARE(studio.layer().pixel(350, 290)[3], uint8_t{0});
     }
 
-    void shapesAreDrawnInTheirColours() {
+    void shapesAreDrawnInTheirColors() {
         const struct {
             ShapeKind kind;
             bool fill, outline;
@@ -122,12 +122,12 @@ private Q_SLOTS:
             studio.model.colors().swapColors();
             studio.model.colors().setPrimary(PaintColor(1, 0, 0));
             studio.mouseDrag({50, 50}, {250, 150});
-            const auto colourAt = [&](int64_t x, int64_t y) {
+            const auto colorAt = [&](int64_t x, int64_t y) {
                 const PixelBytes p = studio.layer().pixel(x, y);
                 return p[3] == 0 ? QString() : PaintColor::fromBytes(p[0], p[1], p[2]).hex();
             };
-            QCOMPARE(colourAt(150, 100), inside);
-            QCOMPARE(colourAt(51, 51), edge);
+            QCOMPARE(colorAt(150, 100), inside);
+            QCOMPARE(colorAt(51, 51), edge);
             QCOMPARE(studio.doc().undoName().value_or(QString()), undo);
             if (!*undo) QCOMPARE(studio.model.messages().hud(), "Turn on Fill or Outline for shapes");
         }
