@@ -1,5 +1,6 @@
 #include "shell/HeaderBar.h"
 
+#include "app/commands/CommandRows.h"
 #include "app/desktop/HostWords.h"
 #include "app/files/DocSession.h"
 #include "app/model/Guarded.h"
@@ -24,38 +25,38 @@ namespace {
 
 struct HeaderButton {
     const char* name; ///< Object name.
+    const char* command;
     Icon icon;
     const char* tip;
-    void (*run)(PaintModel&);
 };
 
-constexpr HeaderButton kNew{"headerNew", Icon::plus, QT_TRANSLATE_NOOP("qirn::HeaderBar", "New canvas (⌘N)"),
-                            [](PaintModel& model) { model.pictures().newCanvas(); }};
+constexpr HeaderButton kNew{"headerNew", "newCanvas", Icon::plus,
+                            QT_TRANSLATE_NOOP("qirn::HeaderBar", "New canvas (⌘N)")};
 constexpr HeaderButton kOpen{
-    "headerOpen", Icon::open,
-    QT_TRANSLATE_NOOP("qirn::HeaderBar", "Open a picture or Qirn Paint document (⌘O)"),
-    [](PaintModel& model) { model.pictures().openPanel(); }};
-constexpr HeaderButton kSave{
-    "headerSave", Icon::save, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)"),
-    [](PaintModel& model) { model.pictures().save(nullptr, OpenPictures::SaveAs::no); }};
-constexpr HeaderButton kExport{"headerExport", Icon::exportPicture,
-                               QT_TRANSLATE_NOOP("qirn::HeaderBar", "Export PNG, JPEG, TIFF or PSD (⌘E)"),
-                               [](PaintModel& model) { model.requestSheet(PaintSheet::exportPicture); }};
-constexpr HeaderButton kUndo{"headerUndo", Icon::undo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo (⌘Z)"),
-                             [](PaintModel& model) { model.undo(); }};
-constexpr HeaderButton kRedo{"headerRedo", Icon::redo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo (⇧⌘Z)"),
-                             [](PaintModel& model) { model.redo(); }};
+    "headerOpen", "open", Icon::open,
+    QT_TRANSLATE_NOOP("qirn::HeaderBar", "Open a picture or Qirn Paint document (⌘O)")};
+constexpr HeaderButton kSave{"headerSave", "save", Icon::save,
+                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)")};
+constexpr HeaderButton kExport{"headerExport", "export", Icon::exportPicture,
+                               QT_TRANSLATE_NOOP("qirn::HeaderBar", "Export PNG, JPEG, TIFF or PSD (⌘E)")};
+constexpr HeaderButton kUndo{"headerUndo", "undo", Icon::undo,
+                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo (⌘Z)")};
+constexpr HeaderButton kRedo{"headerRedo", "redo", Icon::redo,
+                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo (⇧⌘Z)")};
 
 } // namespace
 
-HeaderBar::HeaderBar(PaintModel& model, QWidget* parent)
+HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       strip_(new QScrollArea(this)) {
-    const auto makeButton = [this](const HeaderButton& row) {
+    const auto makeButton = [this, &view](const HeaderButton& row) {
         auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
         button->setObjectName(QLatin1String(row.name));
-        connect(button, &IconButton::clicked, this, guarding(model_, [this, run = row.run] { run(model_); }));
+        connect(button, &IconButton::clicked, this,
+                guarding(model_, [this, &view, &command = commandNamed(row.command)] {
+                    runCommand(command, model_, view);
+                }));
         return button;
     };
 

@@ -10,13 +10,14 @@ namespace qirn {
 
 class DocTab;
 class IconButton;
+class CanvasView;
 class PaintModel;
 
 /// The program's badge, a tab for each open picture, and the commands that are always at hand.
 class HeaderBar : public ChromePanel {
     Q_OBJECT
 public:
-    HeaderBar(PaintModel& model, QWidget* parent);
+    HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

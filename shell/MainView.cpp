@@ -3,6 +3,7 @@
 #include "app/canvas/CanvasView.h"
 #include "app/commands/PaintCommands.h"
 #include "app/desktop/Typing.h"
+#include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
@@ -17,9 +18,7 @@
 #include "shell/options/ToolOptionsBar.h"
 #include "shell/panels/ColorChooser.h"
 #include "shell/panels/LayersPanel.h"
-#include "shell/sheets/ExportSheet.h"
-#include "shell/sheets/RecoverySheet.h"
-#include "shell/sheets/TextSheet.h"
+#include "shell/sheets/SheetHost.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -77,11 +76,9 @@ protected:
 MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model, kToolTable)) {
     setWindowTitle(tr("Qirn Paint"));
     new PaintCommands(model, *canvas_, *menuBar());
-    connect(&model, &PaintModel::sheetRequested, this, &MainView::showSheet);
 
     setCentralWidget(new ContentScroller(content()));
-    connect(canvas_, &CanvasView::textRequested, this,
-            [this](QPointF at) { TextSheet(model_, at, this).exec(); });
+    new SheetHost(model, centralWidget());
     new TypingKeys(*this, *canvas_);
     canvas_->setFocus();
     QirnKit::followMetrics(this, [this](const Metrics&) { keepToScreen(); });
@@ -94,7 +91,7 @@ QWidget* MainView::content() {
         content->setMinimumSize(m.px(kLeastContent.width()), m.px(kLeastContent.height()));
     });
     auto* rows = columnIn(content);
-    rows->addWidget(new HeaderBar(model_, content));
+    rows->addWidget(new HeaderBar(model_, *canvas_, content));
     rows->addWidget(new ToolOptionsBar(model_, *canvas_, content));
     rows->addWidget(body(), 1);
     rows->addWidget(new StatusBar(model_, content));
@@ -150,23 +147,12 @@ void MainView::keepToScreen() {
 }
 
 void MainView::offerRecovery() {
-    RecoverySheet sheet(model_, this);
-    if (!sheet.isEmpty()) sheet.exec();
-}
-
-void MainView::showSheet(PaintSheet sheet) {
-    switch (sheet) {
-    case PaintSheet::recovery:
-        RecoverySheet(model_, this).exec();
-        break;
-    case PaintSheet::exportPicture:
-        ExportSheet(model_, this).exec();
-        break;
-    }
+    if (!Recovery::pending(model_.pictures().ids()).empty()) model_.showSheet({PaintSheet::Kind::recovery});
 }
 
 void MainView::closeEvent(QCloseEvent* event) {
     bool quit = false;
+    if (model_.sheet()) model_.closeSheet();
     guarded(model_, [&] { quit = model_.pictures().shouldQuit(); });
     event->setAccepted(quit);
 }

@@ -1,8 +1,6 @@
 #pragma once
 #include <QMainWindow>
 
-#include "app/model/PaintSheet.h"
-
 namespace qirn {
 
 class CanvasView;
@@ -31,7 +29,6 @@ private:
     QWidget* body();
     void keepToScreen(); ///< Asks for no more room than the screen has.
     void offerRecovery();
-    void showSheet(PaintSheet sheet);
 
     PaintModel& model_;
     CanvasView* canvas_;

@@ -76,9 +76,6 @@ public:
     std::function<double()> clock;
     const CanvasPresentation& presentation() const { return presentation_; }
 
-Q_SIGNALS:
-    void textRequested(QPointF canvasPoint); ///< A press of the Text tool; the window asks for the words.
-
 protected:
     // Qt's event handlers. Each calls the member below that may throw, inside `guarded`.
     bool event(QEvent* event) override;

@@ -1,16 +1,21 @@
 #pragma once
+#include <utility>
+#include <vector>
+
 #include <QObject>
 
 class QAction;
+class QMenu;
 class QMenuBar;
 
 namespace qirn {
 
 class CanvasView;
 class PaintModel;
+struct CommandRow;
 
-/// The menu bar: a table that binds items and shortcuts to the model and the canvas. It holds no logic of its own;
-/// titles and enabled states follow the model.
+/// The menu bar: binds the command rows to items and shortcuts. It holds no logic of its own; titles and enabled states
+/// follow the model.
 class PaintCommands : public QObject {
     Q_OBJECT
 public:
@@ -20,9 +25,13 @@ public:
     QAction* action(const QString& objectName) const; ///< Null for a name that is not in the table.
 
 private:
+    void addRow(const CommandRow& row, QMenu& menu);
+    void fill(QMenu& list, const CommandRow& row);
     void refresh();
 
     PaintModel& model_;
+    CanvasView& view_;
+    std::vector<std::pair<const CommandRow*, QAction*>> actions_; // each of a row that is no divider
 };
 
 } // namespace qirn

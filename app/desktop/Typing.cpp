@@ -17,6 +17,34 @@ template <class Field> bool canBeWritten(QWidget* widget) {
     return field && !field->isReadOnly();
 }
 
+/// The text fields differ in type only.
+template <class Field> bool actIn(QWidget* widget, Typing::TextAction action) {
+    auto* field = qobject_cast<Field*>(widget);
+    const bool changes = action != Typing::TextAction::copy && action != Typing::TextAction::selectAll;
+    if (!field || (field->isReadOnly() && changes)) return false;
+    switch (action) {
+    case Typing::TextAction::undo:
+        field->undo();
+        break;
+    case Typing::TextAction::redo:
+        field->redo();
+        break;
+    case Typing::TextAction::cut:
+        field->cut();
+        break;
+    case Typing::TextAction::copy:
+        field->copy();
+        break;
+    case Typing::TextAction::paste:
+        field->paste();
+        break;
+    case Typing::TextAction::selectAll:
+        field->selectAll();
+        break;
+    }
+    return true;
+}
+
 bool endsTyping(int key) {
     return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
 }
@@ -36,6 +64,12 @@ QWidget* Typing::field() {
     const bool isField = qobject_cast<QLineEdit*>(focus) || qobject_cast<QPlainTextEdit*>(focus) ||
                          qobject_cast<QTextEdit*>(focus);
     return isField ? focus : nullptr;
+}
+
+bool Typing::act(TextAction action) {
+    QWidget* text = field();
+    return actIn<QLineEdit>(text, action) || actIn<QPlainTextEdit>(text, action) ||
+           actIn<QTextEdit>(text, action);
 }
 
 bool Typing::takes(const QKeyEvent& event) {

@@ -16,6 +16,10 @@ QWidget* field();
 /// it or end it. Other keys with Command, Option or Control and the function keys belong to the window.
 bool takes(const QKeyEvent& event);
 
+enum class TextAction { undo, redo, cut, copy, paste, selectAll };
+/// Does the action in the text field that has the keyboard; false where there is none that can take it.
+bool act(TextAction action);
+
 } // namespace Typing
 
 /// Keeps the keys of whoever types from a window's commands: what the text field itself has no use for ends here.

@@ -1,7 +1,6 @@
 #include "app/files/PictureExchange.h"
 
 #include "app/desktop/Failures.h"
-#include "app/desktop/Typing.h"
 #include "formats/ImageImport.h"
 #include "formats/pictures/PngWriter.h"
 #include "formats/pictures/tiff/TiffWriter.h"
@@ -14,9 +13,6 @@
 
 #include <QDeadlineTimer>
 #include <QImage>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTextEdit>
 #include <QUrl>
 
 namespace qirn {
@@ -179,34 +175,6 @@ PictureExchange::Taken PictureExchange::pictureOrFile(const QMimeData& offer) {
 bool PictureExchange::mayHoldPicture(const QMimeData& offer) {
     const QStringList formats = offer.formats();
     return firstFile(offer) || offer.hasImage() || std::any_of(formats.begin(), formats.end(), isPictureType);
-}
-
-namespace {
-
-/// The text fields differ in type only.
-template <class Field> bool doneIn(QWidget* widget, PictureExchange::TextAction action) {
-    auto* field = qobject_cast<Field*>(widget);
-    if (!field || (field->isReadOnly() && action != PictureExchange::TextAction::copy)) return false;
-    switch (action) {
-    case PictureExchange::TextAction::copy:
-        field->copy();
-        break;
-    case PictureExchange::TextAction::cut:
-        field->cut();
-        break;
-    case PictureExchange::TextAction::paste:
-        field->paste();
-        break;
-    }
-    return true;
-}
-
-} // namespace
-
-bool PictureExchange::doneInTextField(TextAction action) {
-    QWidget* field = Typing::field();
-    return doneIn<QLineEdit>(field, action) || doneIn<QPlainTextEdit>(field, action) ||
-           doneIn<QTextEdit>(field, action);
 }
 
 } // namespace qirn

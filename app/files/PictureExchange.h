@@ -34,10 +34,6 @@ Taken pictureOrFile(const QMimeData& offer);
 /// Whether a drag is worth taking: looks at what is offered without fetching it.
 bool mayHoldPicture(const QMimeData& offer);
 
-enum class TextAction { copy, cut, paste };
-/// Does the action in the text field that has the keyboard, if there is one that can take it.
-bool doneInTextField(TextAction action);
-
 } // namespace PictureExchange
 
 } // namespace qirn

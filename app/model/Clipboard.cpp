@@ -2,6 +2,7 @@
 
 #include "app/desktop/Desktop.h"
 #include "app/desktop/FileTypes.h"
+#include "app/desktop/Typing.h"
 #include "app/files/DocSession.h"
 #include "app/files/PictureExchange.h"
 #include "app/model/CanvasPort.h"
@@ -37,7 +38,7 @@ bool hasAlpha(const RGBABuffer& buffer) {
 // --- Out
 
 void Clipboard::copy(Merged merged) {
-    if (PictureExchange::doneInTextField(PictureExchange::TextAction::copy)) return;
+    if (Typing::act(Typing::TextAction::copy)) return;
     model_.canvas().endGesture();
     copyPicture(merged);
 }
@@ -57,7 +58,7 @@ bool Clipboard::copyPicture(Merged merged) {
 }
 
 void Clipboard::cut() {
-    if (PictureExchange::doneInTextField(PictureExchange::TextAction::cut)) return;
+    if (Typing::act(Typing::TextAction::cut)) return;
     DocSession* session = model_.current();
     if (!session) return;
     model_.finishGesture(); // floating pixels would be in neither the copy nor the layer
@@ -73,7 +74,7 @@ void Clipboard::cut() {
 // --- In
 
 void Clipboard::paste() {
-    if (PictureExchange::doneInTextField(PictureExchange::TextAction::paste)) return;
+    if (Typing::act(Typing::TextAction::paste)) return;
     const PictureExchange::Taken taken = PictureExchange::pictureOrFile(model_.desktop().clipboard());
     if (taken.isLate) return model_.messages().flash(tr("The other program did not answer in time"));
     if (!taken.pixels) return model_.messages().flash(tr("There's no picture on the clipboard"));

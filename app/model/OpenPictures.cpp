@@ -28,6 +28,8 @@ namespace qirn {
 namespace {
 
 constexpr int64_t kMostCanvasPixels = 900'000'000;
+const QString kRecentFilesKey = QStringLiteral("qirn.pt.recentFiles");
+constexpr qsizetype kRecentFiles = 10;
 constexpr int kStarterWidth = 1920, kStarterHeight = 1080, kStarterDpi = 72;
 
 QString extension() {
@@ -37,6 +39,16 @@ QString extension() {
 QString standardized(const QString& path) {
     const QString real = QFileInfo(path).canonicalFilePath();
     return real.isEmpty() ? QDir::cleanPath(QFileInfo(path).absoluteFilePath()) : real;
+}
+
+/// As they were noted: some may be gone.
+QStringList storedRecentFiles(const Store& store) {
+    QStringList paths;
+    const Json* list = store.json(kRecentFilesKey);
+    if (!list || !list->is_array()) return paths;
+    for (const Json& path : *list)
+        if (path.is_string()) paths << QString::fromStdString(path.get<std::string>());
+    return paths;
 }
 
 /// Throws ReadError, or the format layer's typed error.
@@ -51,6 +63,12 @@ DocSession* OpenPictures::current() const {
                                     [&](const SessionRef& s) { return s->id == currentID_; });
     if (found != sessions_.end()) return found->get();
     return sessions_.empty() ? nullptr : sessions_.front().get();
+}
+
+std::set<QUuid> OpenPictures::ids() const {
+    std::set<QUuid> ids;
+    for (const SessionRef& session : sessions_) ids.insert(session->id);
+    return ids;
 }
 
 // --- New pictures and tabs
@@ -142,7 +160,7 @@ void OpenPictures::open(const QString& path) {
     session->remark = wordsOf(picture.remarks);
     add(session);
     if (!session->remark.isEmpty()) model_.messages().flash(session->remark);
-    model_.desktop().noteRecentFile(info.absoluteFilePath());
+    noteRecentFile(info.absoluteFilePath());
 }
 
 bool OpenPictures::save(DocSession* session, SaveAs as) {
@@ -172,7 +190,7 @@ bool OpenPictures::save(DocSession* session, SaveAs as) {
     Recovery::discard(session->id);
     session->announceChange();
     model_.announce();
-    model_.desktop().noteRecentFile(info.absoluteFilePath());
+    noteRecentFile(info.absoluteFilePath());
     model_.messages().flash(tr("Saved %1").arg(info.fileName()));
     return true;
 }
@@ -192,6 +210,29 @@ void OpenPictures::exportPicture(ExportFormat format, double jpegQuality, const 
         return model_.messages().alert(tr("Couldn't export"), failureText(error));
     }
     model_.messages().flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
+}
+
+// --- Recent files
+
+QStringList OpenPictures::recentFiles() const {
+    QStringList there = storedRecentFiles(model_.store());
+    there.removeIf([](const QString& path) { return !QFileInfo::exists(path); });
+    return there;
+}
+
+void OpenPictures::noteRecentFile(const QString& path) {
+    QStringList paths = storedRecentFiles(model_.store());
+    paths.removeAll(path);
+    paths.prepend(path);
+    OrderedJson list = OrderedJson::array();
+    for (const QString& file : paths.first(std::min<qsizetype>(paths.size(), kRecentFiles)))
+        list.push_back(file.toStdString());
+    model_.store().set(kRecentFilesKey, list);
+    model_.desktop().noteRecentFile(path);
+}
+
+void OpenPictures::forgetRecentFiles() {
+    model_.store().set(kRecentFilesKey, OrderedJson::array());
 }
 
 // --- Close and quit

@@ -5,10 +5,12 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include <QCoreApplication>
 #include <QString>
+#include <QStringList>
 #include <QUuid>
 
 namespace qirn {
@@ -22,6 +24,7 @@ public:
     explicit OpenPictures(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
 
     const std::vector<SessionRef>& sessions() const { return sessions_; }
+    std::set<QUuid> ids() const;
     DocSession* current() const; ///< Null only before the first picture.
 
     void newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
@@ -39,11 +42,15 @@ public:
     /// Writes a copy in another format; the picture stays as dirty as it was.
     void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
 
+    QStringList recentFiles() const; ///< Paths of opened and saved files that are still there, newest first.
+    void forgetRecentFiles();
+
     bool close(DocSession& session); ///< False when the user cancels.
     void closeCurrent();
     bool shouldQuit(); ///< Asks about each picture with unsaved work.
 
 private:
+    void noteRecentFile(const QString& path);
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);
     /// Unsaved work goes to the Trash. False where it cannot and the user would rather keep the picture open.

@@ -87,6 +87,17 @@ void PaintModel::setPrefs(const PaintPrefs& prefs) {
     announce();
 }
 
+void PaintModel::showSheet(const PaintSheet& sheet) {
+    canvas_->endGesture();
+    sheet_ = sheet;
+    announce();
+}
+
+void PaintModel::closeSheet() {
+    sheet_.reset();
+    announce();
+}
+
 // --- Edits
 
 void PaintModel::edit(const QString& name, const std::function<void(PaintDocument&)>& body,

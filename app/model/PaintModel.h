@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <QObject>
 #include <QString>
@@ -62,6 +63,9 @@ public:
     void setOptions(const ToolOptions& options);
     const PaintPrefs& prefs() const { return prefs_; }
     void setPrefs(const PaintPrefs& prefs);
+    const std::optional<PaintSheet>& sheet() const { return sheet_; } ///< The one that is up.
+    void showSheet(const PaintSheet& sheet);                          ///< In place of another one.
+    void closeSheet();
     bool penIsEraser = false; ///< The eraser end of the pen is down or near.
 
     // --- Edits: each is one undo step with a fixed name
@@ -88,11 +92,9 @@ public:
     void announce() { Q_EMIT changed(); }
     void choiceChanged(); ///< Announced, and stored a little later.
     void saveState();     ///< Puts the choices into the store.
-    void requestSheet(PaintSheet sheet) { Q_EMIT sheetRequested(sheet); }
 
 Q_SIGNALS:
     void changed();
-    void sheetRequested(PaintSheet sheet); ///< By a menu or a button, for the window to show.
 
 private:
     void loadState();
@@ -104,6 +106,7 @@ private:
     Tool tool_ = Tool::brush;
     ToolOptions options_;
     PaintPrefs prefs_;
+    std::optional<PaintSheet> sheet_;
     QTimer stateTimer_; // single shot, 0 ms: saves once for what changes together
     std::unique_ptr<CanvasStatus> status_;
     std::unique_ptr<Messages> messages_;

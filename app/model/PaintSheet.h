@@ -1,8 +1,15 @@
 #pragma once
+#include <QPointF>
 
 namespace qirn {
 
-/// The sheets that a command can bring up; the window shows them.
-enum class PaintSheet { recovery, exportPicture };
+/// A sheet over the window that asks for something; the window lays it out and owns what is typed into it.
+struct PaintSheet {
+    enum class Kind { text, exportPicture, recovery };
+    Kind kind = Kind::recovery;
+    QPointF textRequest = {}; ///< `text`: the canvas point of the words' top left corner.
+
+    bool operator==(const PaintSheet&) const = default;
+};
 
 } // namespace qirn

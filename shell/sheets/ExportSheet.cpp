@@ -1,22 +1,17 @@
 #include "shell/sheets/ExportSheet.h"
 
 #include "app/desktop/Store.h"
-#include "app/desktop/Typing.h"
 #include "app/files/DocSession.h"
 #include "app/model/Colors.h"
-#include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 
-#include <QDialogButtonBox>
-#include <QFormLayout>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace qirn {
@@ -45,8 +40,9 @@ QLabel* paragraph(const QString& text, QWidget* parent) {
 } // namespace
 
 ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
-    : QDialog(parent),
-      model_(model),
+    : Sheet(model, tr("Export"),
+            tr("Save a copy for sharing, printing or other apps. Your Qirn Paint document is not changed."),
+            parent),
       formats_(new QListWidget(this)),
       explanation_(paragraph({}, this)),
       jpegOptions_(new QWidget(this)),
@@ -54,7 +50,6 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
           new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, NumberFormat::percent(), jpegOptions_)),
       background_(new ChromeSegments(tr("Background"), {tr("White"), tr("Black"), tr("Second color")},
                                      jpegOptions_)) {
-    setWindowTitle(tr("Export"));
     formats_->setAccessibleName(tr("Format"));
     formats_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     formats_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -80,30 +75,20 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
                              this);
     facts->setObjectName(QStringLiteral("facts"));
     facts->setForegroundRole(QPalette::PlaceholderText);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
-    QPushButton* go = buttons->addButton(tr("Export…"), QDialogButtonBox::AcceptRole);
-    go->setDefault(true);
-    new TypingKeys(*this, *go);
+    addButton(tr("Cancel"), Role::cancel);
+    QPushButton* go = addButton(tr("Export…"), Role::standard);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(
-        paragraph(tr("Save a copy for sharing, printing or other apps. Your Qirn Paint document is "
-                     "not changed."),
-                  this));
-    layout->addWidget(new QLabel(tr("Format"), this));
-    layout->addWidget(formats_);
-    layout->addWidget(details);
-    layout->addWidget(facts);
-    layout->addWidget(buttons);
+    fields().addWidget(new QLabel(tr("Format"), this));
+    fields().addWidget(formats_);
+    fields().addWidget(details);
+    fields().addWidget(facts);
     QirnKit::followMetrics(this, [=, this](const Metrics& m) {
-        setMinimumWidth(m.px(520));
         formats_->setFixedHeight(formats_->sizeHintForRow(0) * formats_->count() +
                                  2 * formats_->frameWidth());
         // Room for the longest of them: the sheet keeps its size while the choice moves along the list.
         const int line = explanation_->fontMetrics().lineSpacing();
         details->setFixedHeight(std::max(4 * line, 2 * line + m.groupGap + m.controlHeight));
-        for (QLayout* rows : std::initializer_list<QLayout*>{jpeg, detailRows, layout})
-            rows->setSpacing(m.groupGap);
+        for (QLayout* rows : std::initializer_list<QLayout*>{jpeg, detailRows}) rows->setSpacing(m.groupGap);
     });
 
     const ExportFormat last = formatNamed(model.store().text(kFormatKey).value_or(QString()));
@@ -111,11 +96,10 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     quality_->setValue(model.store().number(kQualityKey).value_or(kUsualQuality));
     background_->setChosen(0);
     connect(formats_, &QListWidget::currentRowChanged, this, &ExportSheet::refresh);
-    connect(formats_, &QListWidget::itemActivated, this, &ExportSheet::exportPicture);
-    connect(buttons, &QDialogButtonBox::accepted, this, &ExportSheet::exportPicture);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(formats_, &QListWidget::itemDoubleClicked, this, &ExportSheet::exportPicture);
+    connect(go, &QPushButton::clicked, this, &ExportSheet::exportPicture);
     refresh();
-    formats_->setFocus();
+    firstField = formats_;
 }
 
 ExportFormat ExportSheet::format() const {
@@ -127,7 +111,7 @@ PaintColor ExportSheet::background() const {
     case 1:
         return PaintColor::black();
     case 2:
-        return model_.colors().secondary();
+        return model().colors().secondary();
     default:
         return PaintColor::white();
     }
@@ -139,13 +123,11 @@ void ExportSheet::refresh() {
 }
 
 void ExportSheet::exportPicture() {
-    model_.store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
-    model_.store().set(kQualityKey, quality_->value());
-    QTimer::singleShot(
-        0, &model_,
-        guarding(model_, [&model = model_, format = format(), quality = quality_->value(),
-                          color = background()] { model.pictures().exportPicture(format, quality, color); }));
-    accept();
+    model().store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
+    model().store().set(kQualityKey, quality_->value());
+    closeAnd([&model = model(), format = format(), quality = quality_->value(), color = background()] {
+        model.pictures().exportPicture(format, quality, color);
+    });
 }
 
 } // namespace qirn

@@ -1,8 +1,7 @@
 #pragma once
 #include "core/PaintColor.h"
 #include "formats/ImageExport.h"
-
-#include <QDialog>
+#include "shell/sheets/Sheet.h"
 
 class QLabel;
 class QListWidget;
@@ -15,7 +14,7 @@ class PaintModel;
 
 /// Asks for the format in which a copy of the picture goes out, and for what JPEG needs besides. Format and
 /// quality are kept for the next time.
-class ExportSheet : public QDialog {
+class ExportSheet : public Sheet {
     Q_OBJECT
 public:
     ExportSheet(PaintModel& model, QWidget* parent);
@@ -27,7 +26,6 @@ private:
     PaintColor background() const;
     void refresh();
 
-    PaintModel& model_;
     QListWidget* formats_; // in the order of the formats
     QLabel* explanation_;
     QWidget* jpegOptions_;

@@ -11,10 +11,6 @@
 #include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
 
-#include <set>
-
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QListWidget>
 #include <QLocale>
 #include <QPushButton>
@@ -27,12 +23,6 @@ namespace {
 QSize previewSize() {
     const Metrics& m = QirnKitHost::metrics();
     return {m.px(120), m.px(80)};
-}
-
-std::vector<Recovery::Item> pendingFor(const PaintModel& model) {
-    std::set<QUuid> open;
-    for (const SessionRef& session : model.pictures().sessions()) open.insert(session->id);
-    return Recovery::pending(open);
 }
 
 QIcon preview(const Recovery::Item& item, double ratio) {
@@ -50,57 +40,40 @@ QIcon preview(const Recovery::Item& item, double ratio) {
 
 } // namespace
 
-RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent) : QDialog(parent), model_(model) {
-    setWindowTitle(tr("Recover Your Work"));
-    auto* text =
-        new QLabel(tr("Qirn Paint closed without saving these pictures (a crash, power cut or forced quit). "
-                      "Your autosaved copies are safe."),
-                   this);
-    text->setWordWrap(true);
+RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent)
+    : Sheet(model, tr("Recover Your Work"),
+            tr("Qirn Paint closed without saving these pictures (a crash, power cut or forced quit). "
+               "Your autosaved copies are safe."),
+            parent) {
     list_ = new QListWidget(this);
     list_->setAccessibleName(tr("Autosaved pictures"));
-    recover_ = new QPushButton(tr("Recover"), this);
-    trash_ = new QPushButton(tr("Move to Trash"), this);
+    fields().addWidget(list_, 1);
+    recover_ = addButton(tr("Recover"), Role::other);
+    trash_ = addButton(tr("Move to Trash"), Role::other);
     trash_->setToolTip(tr("Moves this autosave copy to the Trash (you can still take it back out)"));
-    auto* later = new QPushButton(tr("Later"), this);
+    QPushButton* later = addButton(tr("Later"), Role::cancel);
     later->setToolTip(tr("Keeps the copies. Find them again in File → Recover Autosaved Work…"));
-    recoverAll_ = new QPushButton(tr("Recover All"), this);
-    recoverAll_->setDefault(true);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(recover_);
-    buttons->addWidget(trash_);
-    buttons->addStretch();
-    buttons->addWidget(later);
-    buttons->addWidget(recoverAll_);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(text);
-    layout->addWidget(list_, 1);
-    layout->addLayout(buttons);
+    recoverAll_ = addButton(tr("Recover All"), Role::standard);
+    firstField = list_;
 
     connect(list_, &QListWidget::currentRowChanged, this, &RecoverySheet::refreshButtons);
-    const auto recoverChosen = guarding(model_, [this] { recover(list_->currentRow()); });
-    connect(list_, &QListWidget::itemActivated, this, recoverChosen);
+    const auto recoverChosen = guarding(model, [this] { recover(list_->currentRow()); });
+    connect(list_, &QListWidget::itemDoubleClicked, this, recoverChosen);
     connect(recover_, &QPushButton::clicked, this, recoverChosen);
     connect(trash_, &QPushButton::clicked, this,
-            guarding(model_, [this] { moveToTrash(list_->currentRow()); }));
-    connect(later, &QPushButton::clicked, this, &QDialog::reject);
-    connect(recoverAll_, &QPushButton::clicked, this, guarding(model_, [this] { recoverAll(); }));
+            guarding(model, [this] { moveToTrash(list_->currentRow()); }));
+    connect(recoverAll_, &QPushButton::clicked, this, guarding(model, [this] { recoverAll(); }));
     QirnKit::followMetrics(this, [this](const Metrics& m) {
-        setMinimumSize(m.px(560), m.px(420));
+        list_->setMinimumHeight(m.px(280));
         list_->setIconSize(previewSize());
         list_->setSpacing(m.inset);
         reload(); // draws the previews in their size
     });
 }
 
-bool RecoverySheet::isEmpty() const {
-    return items_.empty();
-}
-
 void RecoverySheet::reload() {
     items_.clear(); // lets go of the locks, which would keep us away as well
-    items_ = pendingFor(model_);
+    items_ = Recovery::pending(model().pictures().ids());
     list_->clear();
     for (const Recovery::Item& item : items_) {
         const Recovery::Info& info = item.info;
@@ -127,10 +100,10 @@ void RecoverySheet::refreshButtons() {
 
 bool RecoverySheet::restore(const Recovery::Item& item) {
     try {
-        model_.pictures().addRecovered(Recovery::restore(item));
+        model().pictures().addRecovered(Recovery::restore(item));
         return true;
     } catch (const std::exception& error) {
-        model_.messages().alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));
+        model().messages().alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));
         return false;
     }
 }
@@ -139,12 +112,12 @@ void RecoverySheet::recover(int row) {
     if (row < 0 || row >= static_cast<int>(items_.size())) return;
     restore(items_[checkedSize(row)]);
     reload();
-    if (items_.empty()) accept();
+    if (items_.empty()) model().closeSheet();
 }
 
 void RecoverySheet::recoverAll() {
     for (const Recovery::Item& item : items_) restore(item);
-    accept();
+    model().closeSheet();
 }
 
 void RecoverySheet::moveToTrash(int row) {
@@ -153,8 +126,8 @@ void RecoverySheet::moveToTrash(int row) {
     try {
         Recovery::moveToTrash(item);
     } catch (const DescribedError& error) {
-        return model_.messages().alert(tr("Couldn't move %1 to the Trash").arg(item.info.name),
-                                       error.description());
+        return model().messages().alert(tr("Couldn't move %1 to the Trash").arg(item.info.name),
+                                        error.description());
     }
     reload();
 }

@@ -1,9 +1,8 @@
 #pragma once
 #include "app/files/Recovery.h"
+#include "shell/sheets/Sheet.h"
 
 #include <vector>
-
-#include <QDialog>
 
 class QListWidget;
 class QPushButton;
@@ -14,12 +13,11 @@ class PaintModel;
 
 /// The list of safety copies that a crash, power cut or forced quit left behind, each to be recovered or moved to
 /// the Trash. Closing it keeps them.
-class RecoverySheet : public QDialog {
+class RecoverySheet : public Sheet {
     Q_OBJECT
 public:
     RecoverySheet(PaintModel& model, QWidget* parent);
 
-    bool isEmpty() const;
     void recoverAll();
     void recover(int row);
     void moveToTrash(int row);
@@ -29,7 +27,6 @@ private:
     void refreshButtons();
     bool restore(const Recovery::Item& item);
 
-    PaintModel& model_;
     std::vector<Recovery::Item> items_; // newest first, a row each
     QListWidget* list_;
     QPushButton* recover_;

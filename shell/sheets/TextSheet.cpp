@@ -2,7 +2,6 @@
 
 #include "app/desktop/Failures.h"
 #include "app/desktop/Store.h"
-#include "app/desktop/Typing.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/model/Colors.h"
 #include "app/model/Guarded.h"
@@ -12,7 +11,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFontDatabase>
 #include <QFormLayout>
@@ -37,15 +35,12 @@ QDoubleSpinBox* pixelBox(double lower, double upper, const QString& name, QWidge
 
 } // namespace
 
-TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
-    : QDialog(parent),
-      model_(model),
-      at_(at) {
-    setWindowTitle(tr("Add Text"));
-    auto* note = new QLabel(
-        tr("Text goes on its own new layer in the paint color. Use Move (V) afterwards to place it exactly."),
-        this);
-    note->setWordWrap(true);
+TextSheet::TextSheet(PaintModel& model, QPointF topLeft, QWidget* parent)
+    : Sheet(model, tr("Add Text"),
+            tr("Text goes on its own new layer in the paint color. Use Move (V) afterwards to place it "
+               "exactly."),
+            parent),
+      topLeft_(topLeft) {
     words_ = new QPlainTextEdit(this);
     words_->setAccessibleName(tr("Text"));
     family_ = new QComboBox(this);
@@ -74,17 +69,12 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
     edge->addWidget(outlineWidth_);
     edge->addStretch();
     form->addRow(QString(), edge);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
-    QPushButton* place = buttons->addButton(tr("Place Text"), QDialogButtonBox::AcceptRole);
-    place->setDefault(true);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(note);
-    layout->addWidget(words_);
-    layout->addLayout(form);
-    layout->addWidget(preview_);
-    layout->addWidget(buttons);
+    addButton(tr("Cancel"), Role::cancel);
+    QPushButton* place = addButton(tr("Place Text"), Role::standard);
+    fields().addWidget(words_);
+    fields().addLayout(form);
+    fields().addWidget(preview_);
 
-    new TypingKeys(*this, *place);
     loadLook();
     connect(words_, &QPlainTextEdit::textChanged, this, &TextSheet::refreshPreview);
     for (QComboBox* box : {family_, alignment_})
@@ -93,15 +83,13 @@ TextSheet::TextSheet(PaintModel& model, QPointF at, QWidget* parent)
         connect(box, &QDoubleSpinBox::valueChanged, this, &TextSheet::refreshPreview);
     for (QCheckBox* box : {bold_, italic_, outline_})
         connect(box, &QCheckBox::toggled, this, &TextSheet::refreshPreview);
-    connect(buttons, &QDialogButtonBox::accepted, this, guarding(model_, [this] { placeText(); }));
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(place, &QPushButton::clicked, this, guarding(model, [this] { placeText(); }));
     QirnKit::followMetrics(this, [this](const Metrics& m) {
-        setMinimumWidth(m.px(520));
         words_->setFixedHeight(m.px(96));
         preview_->setFixedHeight(m.px(140));
         refreshPreview();
     });
-    words_->setFocus();
+    firstField = words_;
 }
 
 TextSpec TextSheet::spec() const {
@@ -112,15 +100,15 @@ TextSpec TextSheet::spec() const {
     spec.bold = bold_->isChecked();
     spec.italic = italic_->isChecked();
     spec.alignment = alignment_->currentIndex();
-    spec.color = model_.colors().primary();
+    spec.color = model().colors().primary();
     spec.outline = outline_->isChecked();
-    spec.outlineColor = model_.colors().secondary();
+    spec.outlineColor = model().colors().secondary();
     spec.outlineWidth = outlineWidth_->value();
     return spec;
 }
 
 void TextSheet::loadLook() {
-    const Store& stored = model_.store();
+    const Store& stored = model().store();
     TextSpec look;
     look.fontFamily = stored.text(QStringLiteral("qirn.pt.textFont")).value_or(look.fontFamily);
     const auto number = [&](const char* key, double usual, double least, double most) {
@@ -144,7 +132,7 @@ void TextSheet::loadLook() {
 }
 
 void TextSheet::saveLook() const {
-    Store& store = model_.store();
+    Store& store = model().store();
     const TextSpec look = spec();
     store.setText(QStringLiteral("qirn.pt.textFont"), look.fontFamily);
     store.set(QStringLiteral("qirn.pt.textSize"), look.size);
@@ -175,8 +163,9 @@ void TextSheet::showPreview() {
 
 void TextSheet::placeText() {
     saveLook();
-    CanvasEdits::placeText(model_, spec(), at_);
-    accept();
+    closeAnd([&model = model(), spec = spec(), topLeft = topLeft_] {
+        CanvasEdits::placeText(model, spec, topLeft);
+    });
 }
 
 } // namespace qirn

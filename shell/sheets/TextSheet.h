@@ -1,7 +1,7 @@
 #pragma once
 #include "app/text/TextSpec.h"
+#include "shell/sheets/Sheet.h"
 
-#include <QDialog>
 #include <QPointF>
 
 class QButtonGroup;
@@ -16,11 +16,11 @@ namespace qirn {
 class PaintModel;
 
 /// Asks for words and their look and places them as a layer of their own. The look is kept for the next time.
-class TextSheet : public QDialog {
+class TextSheet : public Sheet {
     Q_OBJECT
 public:
-    /// `at` is the canvas point of the text's top left corner.
-    TextSheet(PaintModel& model, QPointF at, QWidget* parent);
+    /// `topLeft` is a canvas point.
+    TextSheet(PaintModel& model, QPointF topLeft, QWidget* parent);
 
     void placeText();
 
@@ -31,8 +31,7 @@ private:
     void refreshPreview();
     void showPreview();
 
-    PaintModel& model_;
-    QPointF at_;
+    QPointF topLeft_; // canvas
     QPlainTextEdit* words_;
     QComboBox* family_;
     QDoubleSpinBox* size_;

@@ -1,3 +1,4 @@
+#include "app/commands/CommandRows.h"
 #include "app/desktop/FileTypes.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
@@ -13,7 +14,6 @@
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 #include "platform/Bytes.h"
-#include "shell/sheets/ExportSheet.h"
 #include "support/FullDisk.h"
 #include "support/PSDFiles.h"
 #include "support/Studio.h"
@@ -150,39 +150,28 @@ private Q_SLOTS:
         QVERIFY(bytesAt(path).size() > 1000);
     }
 
-    void theExportSheetAsksAndRemembers() {
+    void recentFilesAreAListOfTheFileMenu() {
         Studio studio;
-        paintPicture(studio);
-        studio.model.colors().setPrimary(PaintColor(0, 1, 0));
-        studio.model.colors().swapColors();
-        studio.store.setText("qirn.pt.exportFormat", "no such format");
-        {
-            ExportSheet sheet(studio.model, nullptr);
-            sheet.show();
-            auto& formats = *sheet.findChild<QListWidget*>();
-            auto& quality = *sheet.findChild<ChromeSlider*>();
-            auto& background = *sheet.findChild<ChromeSegments*>();
-            QCOMPARE(formats.count(), static_cast<int>(kExportFormats.size()));
-            QCOMPARE(formats.currentRow(), 0); // a stored format that is none counts as PNG
-            QVERIFY(!quality.isVisible());
-            QCOMPARE(sheet.findChild<QLabel*>("facts")->text(), "333 × 222 px · 300 DPI · 2 layer(s)");
-            QTest::keyClick(&formats, Qt::Key_Down);
-            QVERIFY(quality.isVisible());
-            QCOMPARE(quality.value(), 0.9);
-            QTest::keyClick(&quality, Qt::Key_Home);
-            QTest::mouseClick(background.findChildren<QAbstractButton*>()[2], Qt::LeftButton);
-            studio.desktop.savePaths = {studio.path("out.jpg")};
-            QTest::keyClick(&sheet, Qt::Key_Return);
-            QVERIFY(!sheet.isVisible());
-            QVERIFY(studio.desktop.proposedNames.isEmpty()); // the sheet goes first
+        const auto choices = [&] { return commandNamed("openRecent").choices(studio.model); };
+        const auto titles = [&] {
+            QStringList all;
+            for (const CommandChoice& choice : choices()) all << choice.title;
+            return all.join(u'|');
+        };
+        QCOMPARE(titles(), "Clear");
+        for (int i = 0; i < 13; ++i) {
+            studio.desktop.savePaths = {studio.path(QString("%1.qirnpaint").arg(i % 12))};
+            QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::yes));
         }
-        QTRY_VERIFY(QFile::exists(studio.path("out.jpg")));
-        QCOMPARE(studio.store.text("qirn.pt.exportFormat"), "jpeg");
-        QCOMPARE(studio.store.number("qirn.pt.jpegQuality"), std::optional(0.3));
-        // The second colour shows where the picture is transparent.
-        QCOMPARE(bytesAt(studio.path("out.jpg")),
-                 ImageExport::data(studio.doc(), ExportFormat::jpeg, 0.3, PaintColor(0, 1, 0)));
-        QCOMPARE(ExportSheet(studio.model, nullptr).findChild<ChromeSlider*>()->value(), 0.3);
+        QFile::remove(studio.path("9.qirnpaint"));
+        const QString sep = ".qirnpaint|";
+        QCOMPARE(titles(), "0" + sep + "11" + sep + "10" + sep + "8" + sep + "7" + sep + "6" + sep + "5" +
+                               sep + "4" + sep + "3" + sep + "|Clear");
+        choices()[2].run();
+        QCOMPARE(studio.model.current()->name, "10");
+        QVERIFY(titles().startsWith("10" + sep + "0" + sep + "11"));
+        choices().back().run();
+        QCOMPARE(titles(), "Clear");
     }
 
     void brushesGoOutAndComeIn() {
@@ -206,7 +195,9 @@ private Q_SLOTS:
         studio.model.brushes().exportBrushes();
         QCOMPARE(studio.model.messages().hud(), "Exported 2 brush(es)");
         QCOMPARE(BrushFile::decode(bytesOf(bytesAt(path))), std::optional(own));
-        QCOMPARE(PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.store).brushes().userBrushes(), own);
+        QCOMPARE(
+            PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.store).brushes().userBrushes(),
+            own);
         writeFile(path, "[{\"name\":\"a\"},{\"name\":5}]");
         studio.desktop.openPaths = {{path}, {studio.path("missing")}};
         for (std::size_t asked = 1; asked <= 2; ++asked) {

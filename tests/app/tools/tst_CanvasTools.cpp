@@ -7,7 +7,6 @@
 #include "app/model/PendingTransform.h"
 #include "app/model/Safety.h"
 #include "app/text/TextSpec.h"
-#include "shell/sheets/TextSheet.h"
 #include "support/Studio.h"
 
 #include <cmath>
@@ -46,17 +45,17 @@ private Q_SLOTS:
             studio.model.setTool(row.tool == Tool::brush ? Tool::hand : Tool::brush);
             studio.key(0, QString(QLatin1Char(row.key)).toLower());
             QCOMPARE(studio.model.tool(), row.tool);
-            const QSignalSpy texts(&studio.canvas, &CanvasView::textRequested);
             const ViewState view = studio.session().view;
             studio.mouseDrag({30, 30}, {90, 70});
             QCoreApplication::processEvents();
             const QString does = studio.doc().undoDepth() > 1 ? *studio.doc().undoName()
                                  : studio.model.colors().primary() == PaintColor(1, 0, 0) ? "picks"
                                  : studio.model.transform().state()                       ? "lifts"
-                                 : texts.count() == 1                                     ? "asks"
-                                 : studio.session().view.zoom != view.zoom                ? "zooms"
-                                 : studio.session().view.pan != view.pan                  ? "pans"
-                                                                                          : "nothing";
+                                 : studio.model.sheet() == PaintSheet{PaintSheet::Kind::text, {30, 30}}
+                                     ? "asks"
+                                 : studio.session().view.zoom != view.zoom ? "zooms"
+                                 : studio.session().view.pan != view.pan   ? "pans"
+                                                                           : "nothing";
             QCOMPARE(does, done[static_cast<std::size_t>(row.tool)]);
         }
     }
@@ -367,64 +366,6 @@ private Q_SLOTS:
             for (int c = 0; c < 4; ++c)
                 QCOMPARE(int(far.constScanLine(at.y())[at.x() * 4 + c]), sums[c] / 16);
         }
-    }
-
-    void theTextSheetPlacesWhatItsControlsSay() {
-        Studio studio;
-        studio.model.colors().swapColors();
-        CanvasEdits::selectAll(studio.model);
-        const auto selection = studio.doc().selection;
-        TextSpec spec;
-        spec.text = "Ab\nAbc";
-        spec.fontFamily = "Inter";
-        spec.size = 44;
-        spec.bold = false;
-        spec.italic = true;
-        spec.alignment = 2;
-        spec.color = studio.model.colors().primary();
-        spec.outline = true;
-        spec.outlineColor = studio.model.colors().secondary();
-        spec.outlineWidth = 3;
-        TextSheet sheet(studio.model, {50, 40}, nullptr);
-        showActive(sheet);
-        const auto choices = sheet.findChildren<QComboBox*>();
-        choices[0]->setCurrentText(spec.fontFamily);
-        choices[1]->setCurrentIndex(spec.alignment);
-        const auto numbers = sheet.findChildren<QDoubleSpinBox*>();
-        numbers[1]->setValue(spec.outlineWidth);
-        const auto boxes = sheet.findChildren<QCheckBox*>();
-        boxes[0]->setChecked(spec.bold);
-        boxes[1]->setChecked(spec.italic);
-        boxes[2]->setChecked(spec.outline);
-        // Escape and Return end the typing before they mean the sheet.
-        auto* words = sheet.findChild<QPlainTextEdit*>();
-        QTest::keyClicks(words, "Ab");
-        QTest::keyClick(words, Qt::Key_Return);
-        QTest::keyClicks(words, "Abc");
-        QTest::keyClick(words, Qt::Key_Escape);
-        numbers[0]->setFocus();
-        numbers[0]->selectAll();
-        QTest::keyClicks(numbers[0], "44");
-        QTest::keyClick(numbers[0], Qt::Key_Return);
-        QVERIFY(sheet.isVisible() && numbers[0]->value() == 44);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        QCOMPARE(studio.layer().name, "Text: Ab Abc");
-        QCOMPARE(studio.lastStep(), "2 Text");
-        QCOMPARE(studio.doc().selection, selection);
-        const auto placed = studio.layer().toBuffer();
-        studio.model.undo();
-        CanvasEdits::placeText(studio.model, spec, {50, 40});
-        const IRect bounds = *studio.layer().contentBounds();
-        QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
-                 qPrintable(bounds.description()));
-        QCOMPARE(firstDifference(*placed, *studio.layer().toBuffer()), QString());
-        spec.text = " \n\t ";
-        CanvasEdits::placeText(studio.model, spec, {50, 40});
-        QCOMPARE(studio.model.messages().hud(), "Type some text first");
-        spec.text = "More than twenty-four letters in words";
-        CanvasEdits::placeText(studio.model, spec, {50, 40});
-        QCOMPARE(studio.layer().name, "Text: More than twenty-four le");
-        QCOMPARE(studio.doc().layerCount(), int64_t{4});
     }
 };
 

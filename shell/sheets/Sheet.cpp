@@ -1,0 +1,76 @@
+#include "shell/sheets/Sheet.h"
+
+#include "app/desktop/Typing.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/ChromeFont.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
+
+#include <utility>
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace qirn {
+
+Sheet::Sheet(PaintModel& model, const QString& title, const QString& subtitle, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      fields_(new QVBoxLayout),
+      foot_(new QHBoxLayout) {
+    setAccessibleName(title);
+    auto* heading = new QLabel(title, this);
+    heading->setObjectName(QStringLiteral("sheetTitle"));
+    auto* text = new QLabel(subtitle, this);
+    text->setWordWrap(true);
+    text->setForegroundRole(QPalette::PlaceholderText);
+    auto* header = new QVBoxLayout;
+    header->addWidget(heading);
+    header->addWidget(text);
+    foot_->addStretch();
+    auto* column = new QVBoxLayout(this);
+    column->addLayout(header);
+    column->addLayout(fields_, 1);
+    column->addLayout(foot_);
+    QirnKit::followMetrics(this, [=, this](const Metrics& m) {
+        heading->setFont(ChromeFont::title());
+        header->setSpacing(m.tightGap);
+        fields_->setSpacing(m.groupGap);
+        foot_->setSpacing(m.gap);
+        column->setSpacing(m.margin);
+        column->setContentsMargins(m.margin, m.margin, m.margin, m.margin);
+        setMinimumWidth(m.px(560));
+    });
+}
+
+QPushButton* Sheet::addButton(const QString& text, Role role) {
+    auto* button = new QPushButton(text, this);
+    if (role == Role::other)
+        foot_->insertWidget(others_++, button);
+    else
+        foot_->addWidget(button);
+    if (role == Role::cancel) connect(button, &QPushButton::clicked, this, [this] { model_.closeSheet(); });
+    if (role == Role::standard) {
+        default_ = button;
+        button->setDefault(true);
+        new TypingKeys(*this, *button);
+    }
+    return button;
+}
+
+void Sheet::closeAnd(std::function<void()> work) {
+    QTimer::singleShot(0, &model_, guarding(model_, std::move(work)));
+    model_.closeSheet();
+}
+
+void Sheet::paintEvent(QPaintEvent*) {
+    const ChromeColors& c = QirnKitHost::colors();
+    QPainter painter(this);
+    ChromePaint::box(painter, rect(), QirnKitHost::metrics().radius, c.panel, c.edgeHover);
+}
+
+} // namespace qirn

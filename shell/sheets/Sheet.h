@@ -1,0 +1,45 @@
+#pragma once
+#include <functional>
+
+#include <QWidget>
+
+class QHBoxLayout;
+class QPushButton;
+class QVBoxLayout;
+
+namespace qirn {
+
+class PaintModel;
+
+/// A sheet's content: the header that all have, its fields below, its buttons at the foot. `SheetHost` lays it over the
+/// window and destroys it when the model's sheet is another one.
+class Sheet : public QWidget {
+    Q_OBJECT
+public:
+    Sheet(PaintModel& model, const QString& title, const QString& subtitle, QWidget* parent);
+
+    QPushButton* defaultButton() const { return default_; } ///< Return presses it; null until there is one.
+    QWidget* firstField = nullptr;                          ///< Has the keyboard when the sheet comes up.
+
+protected:
+    PaintModel& model() const { return model_; }
+    QVBoxLayout& fields() const { return *fields_; }
+
+    enum class Role { other, cancel, standard };
+    /// At the foot from left to right; `other` stands at the left edge. `cancel` closes the sheet, `standard` is the
+    /// default button.
+    QPushButton* addButton(const QString& text, Role role);
+    /// Closes the sheet; `work` follows when it is gone, on the next turn of the main loop, and must not refer to it.
+    void closeAnd(std::function<void()> work);
+
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    PaintModel& model_;
+    QVBoxLayout* fields_;
+    QHBoxLayout* foot_;
+    QPushButton* default_ = nullptr;
+    int others_ = 0;
+};
+
+} // namespace qirn

@@ -1,0 +1,216 @@
+#include "app/canvas/CanvasView.h"
+#include "app/commands/CommandRows.h"
+#include "app/desktop/Store.h"
+#include "app/edits/CanvasEdits.h"
+#include "app/edits/LayerEdits.h"
+#include "app/model/Colors.h"
+#include "app/model/Messages.h"
+#include "app/text/TextSpec.h"
+#include "formats/ImageExport.h"
+#include "kit/controls/ChromeSegments.h"
+#include "kit/controls/ChromeSlider.h"
+#include "shell/sheets/SheetHost.h"
+#include "support/Window.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+struct SheetWindow : Window {
+    Sheet& sheet() { return *find<SheetHost>().sheet(); }
+};
+
+} // namespace
+
+class tst_Sheets : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void underASheetNothingElseIsInReach() {
+        for (const PaintSheet& which :
+             {PaintSheet{PaintSheet::Kind::text, {10, 20}}, PaintSheet{PaintSheet::Kind::exportPicture},
+              PaintSheet{PaintSheet::Kind::recovery}}) {
+            SheetWindow w;
+            w.paint();
+            const QString step = w.lastStep();
+            const Tool tool = w.model.tool();
+            w.canvas().setFocus();
+            w.model.showSheet(which);
+            QTRY_VERIFY(w.sheet().isAncestorOf(QApplication::focusWidget()));
+            // The sheet lies whole on the window, and Tab stays on it, both ways.
+            QVERIFY(w.view.rect().contains({w.sheet().mapTo(&w.view, QPoint()), w.sheet().size()}));
+            QSet<QWidget*> reached;
+            for (int i = 0; i < 60; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), i < 30 ? Qt::Key_Tab : Qt::Key_Backtab);
+                if (qobject_cast<QPlainTextEdit*>(QApplication::focusWidget())) // which takes Tab itself
+                    w.sheet().defaultButton()->setFocus();
+                QVERIFY(w.sheet().isAncestorOf(QApplication::focusWidget()));
+                reached << QApplication::focusWidget();
+            }
+            QVERIFY2(reached.size() >= 2, qPrintable(QString::number(reached.size())));
+            // Neither keys nor commands nor the pointer reach the picture.
+            w.sheet().setFocus();
+            for (const auto key : {Qt::Key_E, Qt::Key_Delete, Qt::Key_X, Qt::Key_BracketLeft, Qt::Key_Up})
+                QTest::keyClick(w.view.focusWidget(), key);
+            for (const CommandRow& row : commandRows()) {
+                if (!row.name || row.inText || row.isForLeaving) continue;
+                QVERIFY2(!w.find<QAction>(row.name).isEnabled(), row.name);
+                runCommand(row, w.model, w.canvas());
+            }
+            for (auto* button : w.view.findChildren<QAbstractButton*>())
+                if (!w.sheet().isAncestorOf(button)) button->click();
+            QTest::keyClick(&w.view, Qt::Key_Z, Qt::ControlModifier);
+            QTest::mouseClick(w.view.childAt(w.canvas().mapTo(&w.view, w.canvas().rect().center() / 3)),
+                              Qt::LeftButton);
+            QVERIFY(w.lastStep() == step && w.model.tool() == tool && w.model.sheet() == which &&
+                    w.model.pictures().sessions().size() == 1);
+            QTest::keyClick(w.view.focusWidget(), Qt::Key_Escape);
+            QVERIFY(!w.model.sheet() && w.canvas().hasFocus() && w.canvas().isEnabled());
+            QVERIFY(w.find<QAction>("duplicateLayer").isEnabled());
+            w.paint();
+            QVERIFY(w.lastStep() != step);
+        }
+    }
+
+    void commandsOfTextGoToTheFieldOfTheSheet() {
+        SheetWindow w;
+        w.paint();
+        w.model.showSheet({PaintSheet::Kind::text, {10, 20}});
+        auto& words = *w.sheet().findChild<QPlainTextEdit*>();
+        QTRY_VERIFY(words.hasFocus());
+        QTest::keyClicks(&words, "ab");
+        const struct {
+            const char* command;
+            const char* text;
+        } cases[] = {{"undo", ""}, {"redo", "ab"}, {"selectAll", "ab"}, {"cut", ""}, {"paste", "ab"}};
+        for (const auto& [command, text] : cases) {
+            w.find<QAction>(command).trigger();
+            QVERIFY2(words.toPlainText() == text, command);
+        }
+        QCOMPARE(w.lastStep(), "1 Brush Stroke");
+    }
+
+    void aSheetThatIsLargerThanTheWindowScrolls() {
+        SheetWindow w;
+        auto& host = w.find<SheetHost>();
+        host.setMaximumHeight(200);
+        w.model.showSheet({PaintSheet::Kind::exportPicture});
+        for (const auto key : {Qt::Key_Backtab, Qt::Key_Tab}) { // to the foot, and up again
+            QTest::keyClick(w.view.focusWidget(), key);
+            const QWidget& focus = *QApplication::focusWidget();
+            const QRect seen(focus.mapTo(host.viewport(), QPoint()), focus.size());
+            QVERIFY(host.viewport()->rect().intersects(seen.adjusted(0, 0, 0, 8 - seen.height())));
+        }
+    }
+
+    void theTextSheetPlacesWhatItsControlsSay() {
+        SheetWindow w;
+        w.canvas().setFocus();
+        w.model.colors().swapColors();
+        CanvasEdits::selectAll(w.model);
+        const auto selection = w.doc().selection;
+        TextSpec spec;
+        spec.text = "Ab\nAbc";
+        spec.fontFamily = "Inter";
+        spec.size = 44;
+        spec.bold = false;
+        spec.italic = true;
+        spec.alignment = 2;
+        spec.color = w.model.colors().primary();
+        spec.outline = true;
+        spec.outlineColor = w.model.colors().secondary();
+        spec.outlineWidth = 3;
+        w.model.showSheet({PaintSheet::Kind::text, {50, 40}});
+        QWidget& sheet = w.sheet();
+        const auto choices = sheet.findChildren<QComboBox*>();
+        choices[0]->setCurrentText(spec.fontFamily);
+        choices[1]->setCurrentIndex(spec.alignment);
+        const auto numbers = sheet.findChildren<QDoubleSpinBox*>();
+        numbers[1]->setValue(spec.outlineWidth);
+        const auto boxes = sheet.findChildren<QCheckBox*>();
+        boxes[0]->setChecked(spec.bold);
+        boxes[1]->setChecked(spec.italic);
+        boxes[2]->setChecked(spec.outline);
+        // Escape and Return end the typing before they mean the sheet.
+        auto* words = sheet.findChild<QPlainTextEdit*>();
+        QTest::keyClicks(words, "Ab");
+        QTest::keyClick(words, Qt::Key_Return);
+        QTest::keyClicks(words, "Abc");
+        QTest::keyClick(words, Qt::Key_Escape);
+        numbers[0]->setFocus();
+        numbers[0]->selectAll();
+        QTest::keyClicks(numbers[0], "44");
+        QTest::keyClick(numbers[0], Qt::Key_Return);
+        QVERIFY(sheet.isVisible() && numbers[0]->value() == 44);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QVERIFY(!w.model.sheet() && w.lastStep() == "1 Select All"); // the sheet goes first
+        QTRY_COMPARE(w.layer().name, "Text: Ab Abc");
+        QCOMPARE(w.lastStep(), "2 Text");
+        QCOMPARE(w.doc().selection, selection);
+        const auto placed = w.layer().toBuffer();
+        w.model.undo();
+        CanvasEdits::placeText(w.model, spec, {50, 40});
+        const IRect bounds = *w.layer().contentBounds();
+        QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
+                 qPrintable(bounds.description()));
+        QCOMPARE(firstDifference(*placed, *w.layer().toBuffer()), QString());
+        spec.text = " \n\t ";
+        CanvasEdits::placeText(w.model, spec, {50, 40});
+        QCOMPARE(w.model.messages().hud(), "Type some text first");
+        spec.text = "More than twenty-four letters in words";
+        CanvasEdits::placeText(w.model, spec, {50, 40});
+        QCOMPARE(w.layer().name, "Text: More than twenty-four le");
+        QCOMPARE(w.doc().layerCount(), int64_t{4});
+    }
+
+    void theExportSheetAsksAndRemembers() {
+        SheetWindow w;
+        LayerEdits::setActiveLayer(w.model, 0);
+        LayerEdits::clearLayer(w.model);
+        w.model.colors().setPrimary(PaintColor(0, 1, 0));
+        w.model.colors().swapColors();
+        w.store.setText("qirn.pt.exportFormat", "no such format");
+        {
+            w.model.showSheet({PaintSheet::Kind::exportPicture});
+            QWidget& sheet = w.sheet();
+            auto& formats = *sheet.findChild<QListWidget*>();
+            auto& quality = *sheet.findChild<ChromeSlider*>();
+            auto& background = *sheet.findChild<ChromeSegments*>();
+            QCOMPARE(formats.count(), static_cast<int>(kExportFormats.size()));
+            QCOMPARE(formats.currentRow(), 0); // a stored format that is none counts as PNG
+            QVERIFY(!quality.isVisible());
+            QCOMPARE(sheet.findChild<QLabel*>("facts")->text(), "400 × 300 px · 72 DPI · 2 layer(s)");
+            QTest::keyClick(&formats, Qt::Key_Down);
+            QVERIFY(quality.isVisible());
+            QCOMPARE(quality.value(), 0.9);
+            QTest::keyClick(&quality, Qt::Key_Home);
+            QTest::mouseClick(background.findChildren<QAbstractButton*>()[2], Qt::LeftButton);
+            w.desktop.savePaths = {w.path("out.jpg")};
+            QTest::keyClick(&sheet, Qt::Key_Return);
+            QVERIFY(!w.model.sheet());
+            QVERIFY(w.desktop.proposedNames.isEmpty()); // the sheet goes first
+        }
+        QTRY_VERIFY(QFile::exists(w.path("out.jpg")));
+        QCOMPARE(w.store.text("qirn.pt.exportFormat"), "jpeg");
+        QCOMPARE(w.store.number("qirn.pt.jpegQuality"), std::optional(0.3));
+        // The second colour shows where the picture is transparent.
+        QCOMPARE(bytesAt(w.path("out.jpg")),
+                 ImageExport::data(w.doc(), ExportFormat::jpeg, 0.3, PaintColor(0, 1, 0)));
+        w.model.showSheet({PaintSheet::Kind::exportPicture});
+        QCOMPARE(w.sheet().findChild<ChromeSlider*>()->value(), 0.3);
+    }
+};
+
+QIRN_TEST(tst_Sheets)
+#include "tst_Sheets.moc"
