@@ -112,7 +112,7 @@ void Store::write() {
     timer_.stop();
     if (!target_ || !(changed_.isValid() || target_->hasFailed)) return;
     target_->hasFailed = false;
-    BackgroundQueue::run([target = target_, bytes = QByteArray::fromStdString(jsonBytes(values_))] {
+    BackgroundQueue::files().run([target = target_, bytes = QByteArray::fromStdString(jsonBytes(values_))] {
         if (!target->file.save(bytes)) target->hasFailed = true;
     });
     changed_.invalidate();
@@ -121,7 +121,7 @@ void Store::write() {
 void Store::flush() {
     if (!target_) return;
     write();
-    BackgroundQueue::finish();
+    BackgroundQueue::files().finish();
 }
 
 } // namespace qirn

@@ -143,8 +143,8 @@ void Recovery::write(DocSession& session, Synchronously synchronously) {
         session.copyLock = CopyLock::take(lockURL(session.id));
     const Info info = infoOf(session, picture.grid, picture.layers.size());
     CopyJob job{std::move(picture), info, fileURL(session.id), infoURL(session.id), session.copyLock};
-    session.copy = BackgroundQueue::run([job = std::move(job)] { job.run(); });
-    if (synchronously == Synchronously::yes) session.copy.wait();
+    session.copy = BackgroundQueue::files().run([job = std::move(job)] { job.run(); });
+    if (synchronously == Synchronously::yes) BackgroundQueue::files().finish();
 }
 
 bool Recovery::isUpToDate(const DocSession& session) {
@@ -158,7 +158,7 @@ bool Recovery::isUpToDate(const DocSession& session) {
 }
 
 void Recovery::discard(const QUuid& id) {
-    BackgroundQueue::finish();
+    BackgroundQueue::files().finish();
     QFile::remove(fileURL(id));
     QFile::remove(infoURL(id));
 }

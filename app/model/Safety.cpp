@@ -53,7 +53,7 @@ void Safety::keepWork() {
         if (session->isDirty() && !Recovery::isUpToDate(*session))
             Recovery::write(*session, Recovery::Synchronously::no);
     }
-    BackgroundQueue::finish();
+    BackgroundQueue::files().finish();
 }
 
 } // namespace qirn

@@ -1,5 +1,6 @@
 #include "platform/Parallel.h"
 
+#include "platform/BackgroundThread.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
@@ -53,13 +54,14 @@ std::unique_ptr<Limit>& limit() {
 }
 
 /// One index is one task, given to a thread as the partitioner says.
-template <class Partitioner> void perform(int64_t count, const std::function<void(int64_t)>& body) {
-    if (count < 1) return;
-    if (count == 1) return body(0);
+template <class Partitioner>
+void perform(int64_t first, int64_t count, const std::function<void(int64_t)>& body) {
+    if (count <= first) return;
+    if (count == first + 1) return body(first);
     Order begun, done;
     const auto loop = [&] {
         tbb::parallel_for(
-            tbb::blocked_range<int64_t>(0, count, 1),
+            tbb::blocked_range<int64_t>(first, count, 1),
             [&](const tbb::blocked_range<int64_t>& range) {
                 begun.heard();
                 for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
@@ -75,25 +77,30 @@ template <class Partitioner> void perform(int64_t count, const std::function<voi
 } // namespace
 
 void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) {
+    int64_t first = 0; // what a background thread leaves to all when somebody begins to wait for it
+    for (; first < count && keepsToItself(); ++first) body(first);
     // A tile is large enough for a task of its own, and tiles of uneven cost are balanced best that way.
-    perform<tbb::simple_partitioner>(count, body);
+    perform<tbb::simple_partitioner>(first, count, body);
 }
 
 void concurrentPerformByWorkers(int64_t workers, int64_t count,
                                 const std::function<void(std::size_t worker, int64_t index)>& body) {
     std::atomic<int64_t> next = 0;
-    concurrentPerform(std::min(workers, count), [&](int64_t worker) {
-        for (int64_t i; (i = next++) < count;) body(checkedSize(worker), i);
-    });
+    const auto work = [&](int64_t worker) {
+        const bool isAlone = keepsToItself();
+        for (int64_t i; isAlone == keepsToItself() && (i = next++) < count;) body(checkedSize(worker), i);
+    };
+    // Again where somebody began to wait for a background thread, or waits no more.
+    while (next < count) concurrentPerform(std::min(workers, count), work);
 }
 
 void concurrentPerformAtHome(int64_t count, const std::function<int64_t(int64_t)>& homeOf,
                              const std::function<void(int64_t)>& body) {
     if (count < 1) return;
-    const int64_t threads = std::min<int64_t>(concurrency(), count);
+    const int64_t threads = keepsToItself() ? 1 : std::min<int64_t>(concurrency(), count);
     std::vector<std::atomic_flag> taken(checkedSize(count));
     // The only partitioner that gives an index to the same thread in every call.
-    perform<tbb::static_partitioner>(threads, [&](int64_t thread) {
+    perform<tbb::static_partitioner>(0, threads, [&](int64_t thread) {
         for (const bool atHome : {true, false}) {
             for (int64_t i = 0; i < count; ++i) {
                 if (atHome && homeOf(i) % threads != thread) continue;

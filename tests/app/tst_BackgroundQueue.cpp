@@ -3,12 +3,19 @@
 #include "core/PaintDocument.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "platform/Parallel.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
 #include <atomic>
+#include <chrono>
+#include <mutex>
 #include <numeric>
+#include <set>
 #include <thread>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -21,17 +28,49 @@ private Q_SLOTS:
         std::vector<int> order; // unguarded: one thread, and finish() waits for it
         std::shared_future<void> failed;
         for (int i = 0; i < 50; ++i) {
-            const auto job = BackgroundQueue::run([&order, i] {
+            const auto job = BackgroundQueue::files().run([&order, i] {
                 order.push_back(i);
                 if (i == 20) throw std::runtime_error("full");
             });
             if (i == 20) failed = job;
         }
-        BackgroundQueue::finish();
+        BackgroundQueue::files().finish();
         std::vector<int> wanted(50);
         std::iota(wanted.begin(), wanted.end(), 0);
         QCOMPARE(order, wanted);
         QVERIFY_THROWS_EXCEPTION(std::runtime_error, failed.get());
+    }
+
+    void aJobKeepsToItsOwnThreadUntilSomebodyWaits() {
+        setConcurrency(4);
+        for (const bool byWorkers : {false, true}) {
+            std::mutex mutex;
+            std::set<std::thread::id> threads[2]; // before somebody waits, and then
+            std::atomic<int> done = 0;
+            std::atomic<bool> isWaiting = false;
+            int priority = 0;
+            BackgroundQueue::previews().run([&] {
+                priority = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+                const auto body = [&](int64_t) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                    const std::lock_guard lock(mutex);
+                    threads[isWaiting].insert(std::this_thread::get_id());
+                    ++done;
+                };
+                if (byWorkers)
+                    concurrentPerformByWorkers(4, 300, [&](std::size_t, int64_t i) { body(i); });
+                else
+                    concurrentPerform(300, body);
+            });
+            QTRY_VERIFY(done > 30);
+            isWaiting = true;
+            BackgroundQueue::previews().finish();
+            QCOMPARE(done.load(), 300);
+            QCOMPARE(priority, 19);
+            QCOMPARE(threads[0].size(), std::size_t{1});
+            QVERIFY(threads[1].size() > 1);
+        }
+        setConcurrency(0);
     }
 
     /// Copies of ten moments, each written while the next is painted and committed: under the thread sanitizer too.
@@ -46,13 +85,14 @@ private Q_SLOTS:
             paintRect(doc, doc.activeLayer(), {i % 3 * 256, i * 50, 80, 90}, {9, 8, 7, 255});
             doc.commit("Brush Stroke");
             moments.push_back(doc.fingerprint());
-            BackgroundQueue::run([&begun, &copy = copies[static_cast<std::size_t>(i)], kept = snapshot(doc)] {
-                begun.fetch_add(1, std::memory_order_relaxed);
-                copy = PaintFile::encode(kept, PaintFile::kPreviewSide);
-            });
+            BackgroundQueue::files().run(
+                [&begun, &copy = copies[static_cast<std::size_t>(i)], kept = snapshot(doc)] {
+                    begun.fetch_add(1, std::memory_order_relaxed);
+                    copy = PaintFile::encode(kept, PaintFile::kPreviewSide);
+                });
             while (begun.load(std::memory_order_relaxed) <= i) std::this_thread::yield();
         }
-        BackgroundQueue::finish();
+        BackgroundQueue::files().finish();
         for (std::size_t i = 0; i < copies.size(); ++i)
             QCOMPARE(PaintFile::decode(bytesOf(copies[i]))->fingerprint(), moments[i]);
     }

@@ -321,7 +321,7 @@ private Q_SLOTS:
         const auto copiesAfterATick = [&] {
             studio.session().lastAutosave = {};
             studio.model.safety().autosaveTick();
-            BackgroundQueue::finish();
+            BackgroundQueue::files().finish();
             return QDir(AppFolders::autosave()).entryList({"*.qirnpaint"}).size();
         };
         QCOMPARE(copiesAfterATick(), 0); // nothing changed

@@ -95,7 +95,7 @@ private Q_SLOTS:
             paint(i);
             session->doc().commit("Paint");
         }
-        BackgroundQueue::finish();
+        BackgroundQueue::files().finish();
         QVERIFY(session->lastAutosave.isValid());
         const QString upper = id.toString(QUuid::WithoutBraces).toUpper();
         QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".lock", upper + ".qirnpaint"}));

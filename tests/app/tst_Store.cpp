@@ -40,7 +40,7 @@ private Q_SLOTS:
             store.set(kKey, i);
             QCoreApplication::processEvents();
         }
-        BackgroundQueue::finish();
+        BackgroundQueue::files().finish();
         QVERIFY(!QFile::exists(file_)); // nothing before a rest
         QTRY_COMPARE(stored(), QByteArray("{\"qirn.pt.tool\":63}"));
         const QByteArray before = stored();
@@ -52,7 +52,7 @@ private Q_SLOTS:
         }
         store.set(kKey, true);
         Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
-        BackgroundQueue::finish();
+        BackgroundQueue::files().finish();
         QCOMPARE(stored(), QByteArray("{\"qirn.pt.tool\":true}"));
         QVERIFY(QFile::remove(file_));
         store.set(kKey, true);

@@ -68,8 +68,7 @@ private Q_SLOTS:
                 QVERIFY2(!w.find<QAction>(row.name).isEnabled(), row.name);
                 runCommand(row, w.model, w.canvas());
             }
-            for (auto* button : w.view.findChildren<QAbstractButton*>())
-                if (!w.sheet().isAncestorOf(button)) button->click();
+            for (auto* button : w.view.centralWidget()->findChildren<QAbstractButton*>()) button->click();
             QTest::keyClick(&w.view, Qt::Key_Z, Qt::ControlModifier);
             QTest::mouseClick(w.view.childAt(w.canvas().mapTo(&w.view, w.canvas().rect().center() / 3)),
                               Qt::LeftButton);
