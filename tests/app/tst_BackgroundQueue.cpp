@@ -90,7 +90,7 @@ private Q_SLOTS:
                     begun.fetch_add(1, std::memory_order_relaxed);
                     copy = PaintFile::encode(kept, PaintFile::kPreviewSide);
                 });
-            while (begun.load(std::memory_order_relaxed) <= i) std::this_thread::yield();
+            while (begun.load(std::memory_order_relaxed) <= i) std::this_thread::sleep_for(std::chrono::microseconds(100));
         }
         BackgroundQueue::files().finish();
         for (std::size_t i = 0; i < copies.size(); ++i)

@@ -52,6 +52,11 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace qirn {
 
+// Not in the header: as an inline function each file of hot loops would bring its own.
+bool FlatPaint::hides() const {
+    return strength == 1 && lock == AlphaLock::no;
+}
+
 HWY_EXPORT(PaintFlatRow);
 
 void paintRow(const FlatPaint& paint, const CoverageRow& coverage, uint8_t* row) {

@@ -21,7 +21,7 @@ struct FlatPaint {
     AlphaLock lock = AlphaLock::no;
 
     /// Whether full coverage hides what was there before.
-    bool hides() const { return strength == 1 && lock == AlphaLock::no; }
+    bool hides() const;
 };
 
 /// Lays the color on the premultiplied pixels of a tile's row. Those without coverage keep their bytes. The same

@@ -11,15 +11,15 @@ namespace qirn {
 /// plain and the large (PSB) layout. The spans borrow the file's bytes.
 struct PSDSections {
     PSDHeader header;
-    std::span<const uint8_t>
-        colorTable; ///< Indexed: 256 reds, then greens, then blues; otherwise of no use here.
-    PSDResources resources;
+    std::span<const uint8_t> colorTable =
+        {}; ///< Indexed: 256 reds, then greens, then blues; otherwise of no use here.
+    PSDResources resources = {};
 
     bool hasLayers = false;
     /// The first channel behind the colors is the picture's transparency, not a channel that the user saved.
     bool hasAlpha = false;
 
-    std::span<const uint8_t> mergedPicture; ///< From the compression code to the end of the file.
+    std::span<const uint8_t> mergedPicture = {}; ///< From the compression code to the end of the file.
 };
 
 /// Sizes are given back as they stand in the file. Throws BEReader::Short where the bytes end too early; nothing
