@@ -1,13 +1,13 @@
 #include "shell/panels/LayerRowDelegate.h"
 
+#include "kit/ChromeFont.h"
+#include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
+#include "shell/panels/LayersModel.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-
-#include "kit/ChromeFont.h"
-#include "kit/Metrics.h"
-#include "kit/QirnKit.h"
-#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 
@@ -19,6 +19,30 @@ int rowHeight() {
 
 QRect eyeRect(const QRect& row) {
     return {row.left(), row.top(), rowHeight(), row.height()};
+}
+
+QRectF thumbnailRect(const QRect& row) {
+    const int side = QirnKitHost::metrics().px(26);
+    return QRectF(row.left() + rowHeight() + (rowHeight() - side) / 2.0,
+                  row.top() + (row.height() - side) / 2.0, side, side);
+}
+
+/// On a checkerboard, at the display's own pixels.
+void paintThumbnail(QPainter& painter, const QRectF& room, const QImage& image) {
+    if (image.isNull()) return;
+    const double ratio = ChromePaint::deviceRatio(painter);
+    QRectF rect({}, QSizeF(image.size()) / ratio);
+    rect.moveCenter(room.center());
+    rect = ChromePaint::snapped(painter, rect);
+    painter.fillRect(rect, QColor(255, 255, 255));
+    const double square = QirnKitHost::metrics().px(4);
+    for (int y = 0; y * square < rect.height(); ++y) {
+        for (int x = y % 2; x * square < rect.width(); x += 2) {
+            const QRectF dark(rect.left() + x * square, rect.top() + y * square, square, square);
+            painter.fillRect(dark.intersected(rect), QColor(204, 204, 204));
+        }
+    }
+    painter.drawImage(rect, image);
 }
 
 bool isShown(const QModelIndex& index) {
@@ -41,8 +65,9 @@ void LayerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
                       : shown  ? c.dim
                                : c.faint);
     painter->save();
-    QRectF text = QRectF(row.rect).adjusted(rowHeight(), 0, -m.groupGap, 0);
-    const QString marks = index.data(kMarksRole).toString();
+    paintThumbnail(*painter, thumbnailRect(row.rect), index.data(Qt::DecorationRole).value<QImage>());
+    QRectF text = QRectF(row.rect).adjusted(2 * rowHeight() + m.tightGap, 0, -m.groupGap, 0);
+    const QString marks = index.data(LayersModel::kMarksRole).toString();
     painter->setFont(ChromeFont::caption());
     const int marksWidth = marks.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(marks) + m.gap;
     ChromePaint::text(*painter, text, Qt::AlignRight | Qt::AlignVCenter, marks, selected ? c.text : c.dim);

@@ -3,13 +3,11 @@
 
 namespace qirn {
 
-/// Draws a layer's row: an eye that a click turns, and the name. The eye is the item's check state.
+/// Draws a row of a `LayersModel`: an eye that a click turns, the thumbnail and the name. The eye is the item's check state.
 class LayerRowDelegate : public QStyledItemDelegate {
     Q_OBJECT
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
-
-    static constexpr int kMarksRole = Qt::UserRole + 1; ///< A short text at the end of the row.
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;

@@ -11,14 +11,14 @@
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/IconButton.h"
 #include "shell/panels/LayerRowDelegate.h"
+#include "shell/panels/LayersModel.h"
 
 #include <cmath>
 
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QListWidget>
-#include <QScrollBar>
+#include <QListView>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -30,7 +30,8 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
       title_(new QLabel(this)),
       blend_(new QComboBox(this)),
       opacity_(new ChromeSlider(tr("Opacity"), {0, 1, 0.01}, NumberFormat::percent(), this)),
-      list_(new QListWidget(this)),
+      rows_(new LayersModel(model, this)),
+      list_(new QListView(this)),
       delete_(new IconButton(Icon::trash, tr("Delete layer"), this, &Metrics::smallIcon)) {
     title_->setForegroundRole(QPalette::PlaceholderText);
     auto* add = new IconButton(Icon::plus, hostWords(tr("New layer (⇧⌘N)")), this, &Metrics::smallIcon);
@@ -48,6 +49,8 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
 
     list_->setObjectName(QStringLiteral("layers"));
     list_->setAccessibleName(tr("Layers"));
+    list_->setModel(rows_);
+    list_->setUniformItemSizes(true);
     list_->setItemDelegate(new LayerRowDelegate(list_));
     list_->setFocusPolicy(Qt::TabFocus);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -66,6 +69,7 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
     QirnKit::followMetrics(this, [this, head](const Metrics& m) {
         title_->setFont(ChromeFont::caption());
         head->setSpacing(m.tightGap);
+        rows_->setThumbnailSide(static_cast<int>(std::lround(m.px(26) * devicePixelRatioF())));
     });
 
     connect(add, &IconButton::clicked, this, guarding(model_, [this] { LayerEdits::addLayer(model_); }));
@@ -83,23 +87,13 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
             }));
     connect(opacity_, &ChromeSlider::editingFinished, this,
             guarding(model_, [this] { model_.opacity().commit(); }));
-    connect(list_, &QListWidget::currentRowChanged, this, guarding(model_, [this](int row) {
-                if (row >= 0) LayerEdits::setActiveLayer(model_, layerOfRow(row));
+    connect(list_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            guarding(model_, [this](const QModelIndex& current, const QModelIndex&) {
+                if (!isReading_ && current.isValid())
+                    LayerEdits::setActiveLayer(model_, rows_->layerOfRow(current.row()));
             }));
-    connect(list_, &QListWidget::itemChanged, this,
-            guarding(model_, [this](const QListWidgetItem* item) { rowChanged(*item); }));
     connect(&model, &PaintModel::changed, this, &LayersPanel::refresh);
     refresh();
-}
-
-int64_t LayersPanel::layerOfRow(int row) const {
-    return list_->count() - 1 - row;
-}
-
-void LayersPanel::rowChanged(const QListWidgetItem& item) {
-    const bool shown = item.checkState() == Qt::Checked;
-    LayerEdits::setLayer(model_, layerOfRow(list_->row(&item)), tr("Visibility"),
-                         [shown](Layer& layer) { layer.isVisible = shown; });
 }
 
 void LayersPanel::refresh() {
@@ -111,29 +105,10 @@ void LayersPanel::refresh() {
     const QSignalBlocker blocked(blend_);
     blend_->setCurrentIndex(static_cast<int>(doc.activeLayer().blendMode));
     opacity_->setValue(doc.activeLayer().opacity);
-    refreshRows();
-}
-
-void LayersPanel::refreshRows() {
-    const PaintDocument& doc = model_.current()->doc();
-    const QSignalBlocker blocked(list_);
-    while (list_->count() > doc.layerCount()) delete list_->takeItem(list_->count() - 1);
-    while (list_->count() < doc.layerCount()) list_->addItem(QString());
-    for (int row = 0; row < list_->count(); ++row) {
-        const Layer& layer = doc.layer(layerOfRow(row));
-        QListWidgetItem& item = *list_->item(row);
-        QStringList marks;
-        if (layer.isClipping) marks << tr("Clip");
-        if (layer.isLocked) marks << tr("Lock");
-        if (layer.alphaLocked) marks << tr("α");
-        if (layer.opacity < 1) marks << tr("%1%").arg(std::lround(layer.opacity * 100));
-        item.setText(layer.name);
-        item.setToolTip(layer.name);
-        item.setCheckState(layer.isVisible ? Qt::Checked : Qt::Unchecked);
-        item.setData(LayerRowDelegate::kMarksRole, marks.join(QStringLiteral(" · ")));
-    }
-    list_->setCurrentRow(static_cast<int>(doc.layerCount() - 1 - doc.activeIndex()));
-    list_->viewport()->update(); // the signals that were blocked would have done it
+    isReading_ = true;
+    rows_->refresh();
+    list_->setCurrentIndex(rows_->index(rows_->rowOfLayer(doc.activeIndex())));
+    isReading_ = false;
 }
 
 } // namespace qirn

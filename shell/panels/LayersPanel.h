@@ -3,13 +3,13 @@
 
 class QComboBox;
 class QLabel;
-class QListWidget;
-class QListWidgetItem;
+class QListView;
 
 namespace qirn {
 
 class ChromeSlider;
 class IconButton;
+class LayersModel;
 class PaintModel;
 
 /// The stack of the current picture, top layer first, with the blend mode and opacity of the active layer.
@@ -20,16 +20,15 @@ public:
 
 private:
     void refresh();
-    void refreshRows();
-    int64_t layerOfRow(int row) const;
-    void rowChanged(const QListWidgetItem& item); ///< Its eye was turned.
 
     PaintModel& model_;
     QLabel* title_;
     QComboBox* blend_;
     ChromeSlider* opacity_;
-    QListWidget* list_;
+    LayersModel* rows_;
+    QListView* list_;
     IconButton* delete_;
+    bool isReading_ = false; // what the list makes current meanwhile is not the user's choice
 };
 
 } // namespace qirn
