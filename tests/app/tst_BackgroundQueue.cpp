@@ -58,14 +58,14 @@ private Q_SLOTS:
                     ++done;
                 };
                 if (byWorkers)
-                    concurrentPerformByWorkers(4, 300, [&](std::size_t, int64_t i) { body(i); });
+                    concurrentPerformByWorkers(4, 100, [&](std::size_t, int64_t i) { body(i); });
                 else
-                    concurrentPerform(300, body);
+                    concurrentPerform(100, body);
             });
-            QTRY_VERIFY(done > 30);
+            QTRY_VERIFY(done > 10);
             isWaiting = true;
             BackgroundQueue::previews().finish();
-            QCOMPARE(done.load(), 300);
+            QCOMPARE(done.load(), 100);
             QCOMPARE(priority, 19);
             QCOMPARE(threads[0].size(), std::size_t{1});
             QVERIFY(threads[1].size() > 1);
