@@ -101,7 +101,7 @@ void QirnKit::applyZoom(double zoom) {
 
 void QirnKit::followMetrics(QWidget* widget, std::function<void(const Metrics&)> apply) {
     apply(QirnKitHost::metrics());
-    std::make_unique<MetricsFollower>(widget, std::move(apply)).release(); // the widget owns it
+    new MetricsFollower(widget, std::move(apply)); // the widget owns it
 }
 
 } // namespace qirn
