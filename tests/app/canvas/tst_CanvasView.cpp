@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include <QApplication>
 #include <QPaintEvent>
@@ -262,6 +263,24 @@ private Q_SLOTS:
             QCOMPARE(studio.doc().fingerprint(), print);
             QVERIFY(studio.doc().undoDepth() == 0 && studio.doc().canRedo() == undo);
         }
+    }
+
+    void aFailureInTheMiddleOfAPointTakesTheStrokeBack() {
+        Studio studio;
+        const uint64_t print = studio.doc().fingerprint();
+        studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
+        studio.waitForPenEcho(); // the next point is told to the status bar
+        bool failed = false;
+        connect(&studio.model.status(), &CanvasStatus::changed, this, [&] {
+            if (!std::exchange(failed, true)) studio.model.takeBack("No memory");
+        });
+        for (const double x : {120.0, 220.0}) { // the first has its dabs already
+            studio.penEvent(QEvent::TabletMove, {x, 50}, 1);
+            QVERIFY(failed && !studio.canvas.isBusy());
+            QCOMPARE(studio.doc().fingerprint(), print);
+        }
+        studio.penEvent(QEvent::TabletRelease, {220, 50}, 0);
+        QCOMPARE(studio.doc().fingerprint(), print);
     }
 
     void shiftClickDrawsAStraightLine() {
