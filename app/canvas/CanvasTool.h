@@ -33,9 +33,8 @@ struct ToolPress {
     double logicalPoint() const;                      ///< One of them in canvas pixels.
 };
 
-/// A tool's gesture on the canvas, from the press that made it to its release. It alone has the state of its drag. One
-/// that never takes back what it does to the view; pixels that it changed and did not commit are put back by whoever drops
-/// it.
+/// A tool's gesture on the canvas, from the press that made it to its release. It alone has the state of its drag. Who drops
+/// it puts back the pixels that it changed and did not commit; the view stays as it is.
 class CanvasTool {
 public:
     explicit CanvasTool(const ToolPress& press) : press_(press) {}

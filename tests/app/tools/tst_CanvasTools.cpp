@@ -11,9 +11,12 @@
 
 #include <cmath>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QSignalSpy>
@@ -57,6 +60,48 @@ private Q_SLOTS:
                                  : studio.session().view.pan != view.pan   ? "pans"
                                                                            : "nothing";
             QCOMPARE(does, done[static_cast<std::size_t>(row.tool)]);
+        }
+    }
+
+    void keysAndButtonsLendTheHandAndZoom() {
+        constexpr auto kPress = QEvent::MouseButtonPress, kDouble = QEvent::MouseButtonDblClick;
+        constexpr auto kCommand = Qt::ControlModifier, kOption = Qt::AltModifier;
+        const double zoomed = std::pow(1.01, 60); // for each point to the right
+        const struct {
+            Tool tool;
+            bool space;
+            Qt::KeyboardModifiers keys;
+            QEvent::Type press;
+            Qt::MouseButton button;
+            double zoom;
+            Qt::CursorShape cursor; // during the drag
+        } cases[] = {
+            {Tool::hand, false, {}, kPress, Qt::LeftButton, 1, Qt::ClosedHandCursor},
+            {Tool::hand, true, kCommand, kDouble, Qt::LeftButton, 1.8, Qt::OpenHandCursor}, // fits
+            {Tool::lasso, true, {}, kDouble, Qt::LeftButton, 1, Qt::ClosedHandCursor},
+            {Tool::text, false, {}, kPress, Qt::MiddleButton, 1, Qt::IBeamCursor},
+            {Tool::brush, true, kCommand, kPress, Qt::LeftButton, zoomed, Qt::OpenHandCursor},
+            {Tool::zoom, true, kCommand | kOption, kPress, Qt::LeftButton, zoomed, Qt::OpenHandCursor},
+            {Tool::zoom, false, kOption, kPress, Qt::LeftButton, 0.667, Qt::CrossCursor}}; // a step
+        for (const auto& [tool, space, keys, press, button, zoom, cursor] : cases) {
+            Studio studio;
+            studio.model.setTool(tool);
+            QKeyEvent down(QEvent::KeyPress, Qt::Key_Space, {}), up(QEvent::KeyRelease, Qt::Key_Space, {});
+            if (space) QApplication::sendEvent(&studio.canvas, &down);
+            const auto send = [&, keys = keys, button = button](QEvent::Type type, QPointF place) {
+                QMouseEvent event(type, place, place, button,
+                                  type == QEvent::MouseButtonRelease ? Qt::NoButton : button, keys);
+                QApplication::sendEvent(&studio.canvas, &event);
+            };
+            send(press, {300, 300});
+            send(QEvent::MouseMove, {360, 340});
+            QCOMPARE(studio.canvas.cursor().shape(), cursor);
+            send(QEvent::MouseButtonRelease, {360, 340});
+            send(QEvent::MouseMove, {500, 500});
+            QCOMPARE(studio.session().view.zoom, zoom);
+            if (zoom == 1) QCOMPARE(studio.session().view.pan, QPointF(60, -40));
+            QApplication::sendEvent(&studio.canvas, &up);
+            QCOMPARE(studio.canvas.cursor().shape(), rowOf(tool).cursor);
         }
     }
 
