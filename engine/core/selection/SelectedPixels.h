@@ -10,12 +10,18 @@ constexpr uint8_t selectedPart(uint32_t value, uint32_t coverage) {
 
 /// What a selection takes of a row of premultiplied pixels; `selected` has a byte a pixel.
 inline void takeSelected(const uint8_t* pixels, const uint8_t* selected, int64_t count, uint8_t* taken) {
-    for (int64_t i = 0; i < count * 4; ++i) taken[i] = selectedPart(pixels[i], selected[i / 4]);
+    for (int64_t x = 0; x < count; ++x, pixels += 4, taken += 4) {
+        const uint32_t share = selected[x];
+        for (int c = 0; c < 4; ++c) taken[c] = selectedPart(pixels[c], share);
+    }
 }
 
 /// Leaves of the row what the selection does not take.
 inline void removeSelected(uint8_t* pixels, const uint8_t* selected, int64_t count) {
-    for (int64_t i = 0; i < count * 4; ++i) pixels[i] = selectedPart(pixels[i], 255u - selected[i / 4]);
+    for (int64_t x = 0; x < count; ++x, pixels += 4) {
+        const uint32_t share = 255u - selected[x];
+        for (int c = 0; c < 4; ++c) pixels[c] = selectedPart(pixels[c], share);
+    }
 }
 
 } // namespace qirn
