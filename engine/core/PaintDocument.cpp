@@ -4,7 +4,6 @@
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace qirn {
 
@@ -78,8 +77,7 @@ void PaintDocument::fillLayer(Layer& layer, const PaintColor& color) {
     require(layer.grid() == grid_);
     const PixelBytes pixel = color.premultiplied();
     auto tile = std::make_shared<Tile>();
-    uint8_t* pixels = tile->writablePixels();
-    for (int i = 0; i < kTilePixels; ++i) std::memcpy(pixels + i * 4, pixel.data(), 4);
+    fillPixels(tile->writablePixels(), {0, 0, kTileSize, kTileSize}, pixel);
     // Every slot would hold the same bytes, so all share one frozen tile until one of them is painted on.
     tile->freeze();
     for (int64_t index = 0; index < grid_.count(); ++index) layer.setTile(index, tile);

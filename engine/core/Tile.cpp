@@ -2,6 +2,7 @@
 
 #include "core/StoredForm.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 
 #include <cstring>
 #include <utility>
@@ -13,6 +14,14 @@ bool hasAlpha(const uint8_t* pixels, int64_t count) {
         if (pixels[i * 4 + 3] != 0) return true;
     }
     return false;
+}
+
+void fillPixels(uint8_t* tilePixels, const IRect& part, const PixelBytes& pixel) {
+    if (part.isEmpty()) return;
+    uint8_t* const first = tilePixels + placeInTile(part.x, part.y);
+    for (int64_t x = 0; x < part.w; ++x) std::memcpy(first + x * 4, pixel.data(), 4);
+    for (int64_t y = 1; y < part.h; ++y)
+        std::memcpy(first + y * kTileRowBytes, first, checkedSize(part.w) * 4);
 }
 
 Tile::Tile() : pixels_(BlockPool::take()) {

@@ -1,4 +1,5 @@
 #pragma once
+#include "core/IRect.h"
 #include "core/PaintColor.h"
 #include "platform/BlockPool.h"
 #include "platform/Require.h"
@@ -24,6 +25,8 @@ constexpr int64_t placeInTile(int64_t x, int64_t y) {
 
 /// Whether any of neighboring pixels has an alpha other than 0.
 bool hasAlpha(const uint8_t* pixels, int64_t count);
+/// Gives every pixel in a part of a tile one value; `part` is in the tile's own pixels.
+void fillPixels(uint8_t* tilePixels, const IRect& part, const PixelBytes& pixel);
 
 class StoredForm;
 
@@ -41,8 +44,8 @@ public:
     ~Tile();
 
     bool isEmpty() const; ///< Every alpha is 0; color bytes are not looked at.
-    std::optional<PixelBytes>
-    onlyPixel() const; ///< The pixel that all pixels equal; nothing where they differ.
+    /// The pixel that all pixels equal; nothing where they differ.
+    std::optional<PixelBytes> onlyPixel() const;
     bool isFrozen() const { return frozen_; }
     const uint8_t* pixels() const { return pixels_.get(); }
     const uint8_t* row(int64_t y) const { return pixels() + y * kTileRowBytes; }

@@ -69,13 +69,13 @@ private:
     std::unordered_map<const Tile*, std::optional<PixelBytes>> known_;
 };
 
-struct Under {
+struct SourceTiles {
     bool any = false;                ///< Some tile is there.
     std::optional<PixelBytes> color; ///< All are there and have this one.
 };
 
-Under lookUnder(const Layer& layer, const IRect& rect, OneColorTiles& oneColor) {
-    Under under;
+SourceTiles sourceTilesIn(const Layer& layer, const IRect& rect, OneColorTiles& oneColor) {
+    SourceTiles under;
     bool alike = true;
     for (int64_t index : layer.grid().tilesIn(rect)) {
         const Tile* tile = layer.tile(index);
@@ -85,12 +85,6 @@ Under lookUnder(const Layer& layer, const IRect& rect, OneColorTiles& oneColor) 
         under.color = alike ? color : std::nullopt;
     }
     return under;
-}
-
-void fill(uint8_t* pixels, const IRect& part, const PixelBytes& color) {
-    for (int64_t y = 0; y < part.h; ++y) {
-        for (int64_t x = 0; x < part.w; ++x) std::memcpy(pixels + placeInTile(x, y), color.data(), 4);
-    }
 }
 
 } // namespace
@@ -108,7 +102,8 @@ void scaleTiles(Layer& from, Layer& to) {
     for (int64_t slot = 0; slot < grid.count(); ++slot) {
         const auto& span = columns[checkedSize(slot % grid.cols)];
         const auto& lines = rows[checkedSize(slot / grid.cols)];
-        const Under under = lookUnder(from, {span.first, lines.first, span.count, lines.count}, oneColor);
+        const SourceTiles under =
+            sourceTilesIn(from, {span.first, lines.first, span.count, lines.count}, oneColor);
         if (!under.any) continue;
         const IRect part = grid.rectOf(slot);
         if (under.color) colors.emplace(slot, *under.color);
@@ -118,7 +113,7 @@ void scaleTiles(Layer& from, Layer& to) {
     jobs.run(to, [&](const TileJob& job, uint8_t* pixels) {
         const IRect part = grid.rectOf(job.first);
         if (const auto color = colors.find(job.first); color != colors.end())
-            return fill(pixels, part, color->second);
+            return fillPixels(pixels, {0, 0, part.w, part.h}, color->second);
         concurrentPerform((part.h + kBandRows - 1) / kBandRows, [&](int64_t band) {
             const int64_t top = band * kBandRows;
             scaleBlock(source, across, down,

@@ -35,14 +35,14 @@ class UndoHistory {
 public:
     struct Limits {
         int64_t steps;
-        int64_t
-            bytes; ///< Of tile memory, selections included; a history of 20 steps is never cut for its sake.
+        /// Of tile memory, selections included; a history of 20 steps is never cut for its sake.
+        int64_t bytes;
     };
     /// Appends a state behind the current one, if there is one, and makes it current; undone states go, and the oldest
     /// beyond the limits. Where memory runs out it throws and leaves the history as it was.
     void add(HistoryEntry entry, const Limits& limits);
-    const DocumentState&
-    state(int64_t steps) const;                    ///< So many steps after the current one; it must be there.
+    /// So many steps after the current one; it must be there.
+    const DocumentState& state(int64_t steps) const;
     void move(int64_t steps) { cursor_ += steps; } ///< Makes that state the current one.
 
     bool canUndo() const { return cursor_ > 0; }

@@ -49,8 +49,8 @@ uint8_t combined(SelectionOp op, unsigned fresh, unsigned kept) {
 }
 
 /// Combines two tiles of which one is empty or whole; nothing where both have partial coverage.
-std::optional<MaskTiles::Ref> plainly(SelectionOp op, const MaskTiles::Ref& fresh,
-                                      const MaskTiles::Ref& kept) {
+std::optional<MaskTiles::Ref> combinedTrivially(SelectionOp op, const MaskTiles::Ref& fresh,
+                                                const MaskTiles::Ref& kept) {
     const bool isAllFresh = fresh == MaskTiles::whole(), isAllKept = kept == MaskTiles::whole();
     switch (op) {
     case SelectionOp::add:
@@ -73,7 +73,7 @@ std::optional<MaskTiles::Ref> plainly(SelectionOp op, const MaskTiles::Ref& fres
 void combine(MaskTiles& fresh, SelectionOp op, const MaskTiles& kept) {
     std::vector<int64_t> edges;
     for (int64_t index = 0; index < fresh.grid().count(); ++index) {
-        if (auto tile = plainly(op, fresh.share(index), kept.share(index)))
+        if (auto tile = combinedTrivially(op, fresh.share(index), kept.share(index)))
             fresh.set(index, std::move(*tile));
         else
             edges.push_back(index);
