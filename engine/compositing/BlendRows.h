@@ -19,8 +19,8 @@ struct PixelRun {
     alignas(64) float g[kRunPixels];
     alignas(64) float b[kRunPixels];
     alignas(64) float a[kRunPixels];
-    bool
-        opaque; ///< Every alpha is 1 and plane `a` is not filled: the usual case, as most pictures have paper at the bottom.
+    /// Every alpha is 1 and plane `a` is not filled: the usual case, as most pictures have paper at the bottom.
+    bool opaque;
 };
 
 /// The pixels of a run: a block of a tile, row by row. Width is a multiple of kRunStep.
@@ -60,7 +60,7 @@ void storeBytes(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape sh
 /// Ordinary stores, for pixels that are read soon; or non-temporal ones, which spare reading the memory that is
 /// overwritten.
 enum class Through { caches, memory };
-/// The same rounded pixels over opaque gray, as words 0xFFRRGGBB; `greys` points to a word a pixel for each row. With
+/// The same rounded pixels over opaque gray, as words 0xFFRRGGBB; `grays` points to a word a pixel for each row. With
 /// Through::memory `out` and `rowBytes` are multiples of 64, and the thread calls endStreaming() after the last
 /// store.
 void storeOnBoard(uint8_t* out, int64_t rowBytes, const PixelRun& run, RunShape shape,

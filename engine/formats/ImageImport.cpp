@@ -45,14 +45,14 @@ ImageImport::Imported ImageImport::imported(Bytes file) {
     if (PaintFile::infoOf(file)) return {PaintFile::decode(file), {}};
     Imported result;
     if (isPhotoshopFile(file)) {
-        // Whatever its layers lack, the finished picture beside them may still be shown as one.
+        // If the layers cannot be read, the merged picture beside them may still open as a single layer.
         try {
             result.document = PSDFile::read(file, &result.remarks);
             return result;
         } catch (const PSDFile::PSDError& error) {
             result.remarks = MergedReader::remarks(file, error.feature());
         } catch (const std::bad_alloc&) {
-            throw; // the finished picture would open in place of the layers
+            throw; // otherwise the merged picture would open in place of the layers
         } catch (const std::exception&) {
             result.remarks = MergedReader::remarks(file, {});
         }

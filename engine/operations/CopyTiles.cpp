@@ -13,7 +13,7 @@ void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
     const TileGrid &old = from.grid(), &grid = to.grid();
     const PixelMap back = map.inverse();
     const bool tilesOnTiles = map.isMove() && map.x0 % kTileSize == 0 && map.y0 % kTileSize == 0;
-    // Where the pixels come from within up to four tiles, and where they go within the new one.
+    // Up to four source tiles, the rectangle that is read from them, and its place in the new tile.
     using Key = std::tuple<std::array<const Tile*, 4>, std::array<int64_t, 6>>;
     TileJobs<Key> jobs;
     for (int64_t slot : grid.tilesIn(mapped(back, old.bounds()))) {

@@ -14,8 +14,8 @@ namespace qirn {
 /// shared with the layer. Pixels outside of `origin` are ignored.
 struct Floating {
     const LayerRef pixels; ///< A layer of the canvas's grid, never written.
-    const IRect
-        origin; ///< Where they were, in canvas pixels; with its corner at (0, 0) the box that is transformed.
+    /// Where they were, in canvas pixels; with its corner at (0, 0) the box that is transformed.
+    const IRect origin;
     const QUuid layerID;
 
     bool hasAlpha() const;

@@ -43,7 +43,7 @@ IRect gradientFill(PaintDocument& doc, const QPointF& from, const QPointF& to, G
         const IRect part = doc.grid().rectOf(index).intersection(area);
         const Extent extent = extentOf(selection, index, part);
         if (extent == Extent::nothing) continue;
-        parts.take(index, part, ramp.hides() && extent == Extent::everything ? Old::hidden : Old::seen);
+        parts.add(index, part, ramp.hides() && extent == Extent::everything ? Old::hidden : Old::seen);
     }
     parts.run([&](const TilePart& part, int64_t y) {
         paintRow(drag, ramp, part.tile.x, y, coverageOf(selection, part, y), part.row(y));

@@ -12,10 +12,10 @@
 
 namespace qirn {
 
-/// What a file brings. Keys are sorted, so that a hostile object with a million keys does
-/// not cost a quadratic search; of two equal keys the last wins.
+/// A value read from a file. Keys are sorted, so that a hostile object with a million keys does not cost a quadratic
+/// search; of two equal keys the last wins.
 using Json = nlohmann::json;
-/// What we write: keys stay in the order in which they were added.
+/// A value to be written: keys stay in the order in which they were added.
 using OrderedJson = nlohmann::ordered_json;
 
 inline constexpr int kJsonMaxDepth = 32;

@@ -20,21 +20,21 @@ namespace qirn {
 
 namespace {
 
-/// Everything before `told` in one thread happens before everything after `heard` in another. The library guarantees
+/// Everything before `release` in one thread happens before everything after `acquire` in another. The library guarantees
 /// this order, but the thread sanitizer does not see it; this file is compiled without the sanitizer for the same
 /// reason.
-struct Order {
+struct SanitizerFence {
 #ifdef QIRN_THREAD_SANITIZER
-    void told() {
+    void release() {
         __tsan_release(this);
     }
-    void heard() {
+    void acquire() {
         __tsan_acquire(this);
     }
     char place = 0;
 #else
-    void told() {}
-    void heard() {}
+    void release() {}
+    void acquire() {}
 #endif
 };
 
@@ -58,20 +58,20 @@ template <class Partitioner>
 void perform(int64_t first, int64_t count, const std::function<void(int64_t)>& body) {
     if (count <= first) return;
     if (count == first + 1) return body(first);
-    Order begun, done;
+    SanitizerFence begun, done;
     const auto loop = [&] {
         tbb::parallel_for(
             tbb::blocked_range<int64_t>(first, count, 1),
             [&](const tbb::blocked_range<int64_t>& range) {
-                begun.heard();
+                begun.acquire();
                 for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
-                done.told();
+                done.release();
             },
             Partitioner());
     };
-    begun.told();
+    begun.release();
     limit() ? limit()->arena.execute(loop) : loop();
-    done.heard();
+    done.acquire();
 }
 
 } // namespace

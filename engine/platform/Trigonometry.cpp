@@ -41,7 +41,7 @@ double cosineNearZero(double x, double low) {
     p = p * x2 + 1.0 / 24.0;
     const double half = 0.5 * x2;
     const double head = 1.0 - half;
-    // What rounding took from 1 - half comes back before the small terms are added.
+    // The rounding error of 1 - half is added back before the small terms.
     return head + (((1.0 - head) - half) + (x2 * x2 * p - x * low));
 }
 

@@ -52,8 +52,8 @@ private:
 
     PixelLayout layout_;
     std::shared_ptr<void> transform_; // of the color library; null: plain formulas are used
-    std::shared_ptr<const WideColorTables>
-        tables_; // its results for 16 bits as tables; null: the transform is used
+    // its results for 16 bits as tables; null: the transform is used
+    std::shared_ptr<const WideColorTables> tables_;
 };
 
 } // namespace qirn

@@ -19,8 +19,8 @@ private:
 /// A picture that could not be turned into a file's bytes, or bytes that are no picture.
 class ExportError : public DescribedError {
 public:
-    static ExportError
-    cannotEncode(const QString& formatName); ///< As the user reads it in the list of formats.
+    /// As the user reads it in the list of formats.
+    static ExportError cannotEncode(const QString& formatName);
     static ExportError cannotRead();
 
 private:

@@ -25,8 +25,8 @@ struct StoredTile {
     std::span<const uint8_t> bytes;
     int64_t coding;
     int64_t firstSlot; // of the first entry, by which damage is reported
-    bool
-        isPlaced; // used by the picture; otherwise a later entry of the same slot replaces each of its entries
+    // used by the picture; otherwise a later entry of the same slot replaces each of its entries
+    bool isPlaced;
     bool isDamaged; // once decoded
     TileRef tile;   // null until decoded, and where it is not placed
 };

@@ -38,7 +38,7 @@ public:
         return value;
     }
     void skip(std::size_t count) { pos_ += count; }
-    /// As many zeros as bits follow the next one; 0 for a number of more than 31 bits.
+    /// Exponential Golomb code: as many zeros as bits follow the first 1. 0 for a number of more than 31 bits.
     uint32_t expGolomb() {
         int zeros = 0;
         while (zeros < 32 && bits(1) == 0) ++zeros;

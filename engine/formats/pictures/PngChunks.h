@@ -10,8 +10,8 @@ namespace qirn {
 /// text: before the pixels only chunks that affect them, each of them complete.
 struct PngChunks {
     std::vector<uint8_t> head; ///< Signature and chunks.
-    std::span<const uint8_t>
-        rest; ///< From the first chunk of pixels to the end of the file, which may come early.
+    /// From the first chunk of pixels to the end of the file, which may come early.
+    std::span<const uint8_t> rest;
 };
 
 /// Nothing where a chunk before the pixels claims more bytes than there are, or there are no pixels.

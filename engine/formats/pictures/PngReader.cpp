@@ -125,8 +125,8 @@ private:
     int64_t width_;
     std::size_t pixelBytes_;
     std::vector<uint8_t> line_;
-    std::array<std::unique_ptr<Decoder>, PNG_INTERLACE_ADAM7_PASSES>
-        decoders_; // null where nothing is left to read
+    // null where nothing is left to read
+    std::array<std::unique_ptr<Decoder>, PNG_INTERLACE_ADAM7_PASSES> decoders_;
 };
 
 PixelLayout layoutOf(const Decoder& decoder) {

@@ -49,12 +49,12 @@ struct FloodTile {
     enum class State : uint8_t { unseen, closed, open, filled, mixed };
     State state = State::unseen;
     bool isWaiting = false;
-    std::unique_ptr<TileFlood>
-        flood;         // of a tile with both kinds of pixels; those beyond the canvas edge do not match
+    // of a tile with both kinds of pixels; those beyond the canvas edge do not match
+    std::unique_ptr<TileFlood> flood;
     TileEdges entries; // edge pixels at which the fill enters
     TileEdges reached; // edge pixels at which it leaves
 
-    void look(const Source& source, const PixelMatcher& matcher, const TileGrid& grid, int64_t index) {
+    void classify(const Source& source, const PixelMatcher& matcher, const TileGrid& grid, int64_t index) {
         if (state != State::unseen) return;
         source.withTile(index, [&](const uint8_t* pixels) {
             if (pixels)
@@ -105,17 +105,17 @@ public:
     void fillFrom(int64_t x, int64_t y) {
         const int64_t index = grid_.indexAt(x, y);
         FloodTile& first = tileAt(index);
-        first.look(source_, matcher_, grid_, index);
+        first.classify(source_, matcher_, grid_, index);
         if (first.flood) first.flood->enter(static_cast<int>(x % kTileSize), static_cast<int>(y % kTileSize));
         std::vector<int64_t> wave{index};
         while (!wave.empty()) {
             concurrentPerform(static_cast<int64_t>(wave.size()), [&](int64_t i) {
                 const int64_t tile = wave[checkedSize(i)];
-                tileAt(tile).look(source_, matcher_, grid_, tile);
+                tileAt(tile).classify(source_, matcher_, grid_, tile);
                 tileAt(tile).fill();
             });
             std::vector<int64_t> next;
-            for (int64_t tile : wave) leave(tile, next);
+            for (int64_t tile : wave) enterNeighbors(tile, next);
             wave = std::move(next);
         }
     }
@@ -123,7 +123,7 @@ public:
     void fillEverywhere() {
         concurrentPerform(grid_.count(), [&](int64_t index) {
             FloodTile& tile = tileAt(index);
-            tile.look(source_, matcher_, grid_, index);
+            tile.classify(source_, matcher_, grid_, index);
             if (tile.state == FloodTile::State::open) tile.state = FloodTile::State::filled;
             if (tile.flood) tile.flood->fillAll();
         });
@@ -143,7 +143,7 @@ private:
     FloodTile& tileAt(int64_t index) { return tiles_[checkedSize(index)]; }
 
     /// Into the tiles beside a tile, through the edges that the fill reached there.
-    void leave(int64_t index, std::vector<int64_t>& wave) {
+    void enterNeighbors(int64_t index, std::vector<int64_t>& wave) {
         const TileEdges reached = std::exchange(tileAt(index).reached, {});
         const int64_t column = index % grid_.cols;
         const auto enter = [&](int64_t to, BitRow TileEdges::*edge, const BitRow& pixels) {

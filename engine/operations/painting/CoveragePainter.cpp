@@ -66,7 +66,7 @@ IRect paintThrough(PaintDocument& doc, const IRect& rect, Layer& layer, const Co
             if (!solid) solid = paint.solidTile();
             layer.setTile(index, solid);
         } else {
-            parts.take(index, part, Old::seen);
+            parts.add(index, part, Old::seen);
         }
     }
     parts.run([&](const TilePart& part, int64_t y) { paint.paint(part, y); });

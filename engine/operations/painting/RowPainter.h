@@ -6,10 +6,8 @@
 
 namespace qirn {
 
-enum class AlphaLock {
-    no,
-    yes
-}; ///< With `yes` a pixel keeps its alpha, and one without alpha stays as it is.
+/// With `yes` a pixel keeps its alpha, and one without alpha stays as it is.
+enum class AlphaLock { no, yes };
 
 /// How far each pixel of a tile's row is covered, 0 to 255.
 using CoverageRow = std::array<uint8_t, kTileSize>;

@@ -34,7 +34,7 @@ CoverageRow coverageOf(const Selection* selection, const TilePart& painted, int6
     return coverage;
 }
 
-void TileParts::take(int64_t index, const IRect& part, Old old) {
+void TileParts::add(int64_t index, const IRect& part, Old old) {
     if (layer_.alphaLocked && !layer_.tile(index)) return;
     // A tile keeps its pixels beyond the canvas edge.
     const bool isWhole = part.w * part.h == kTilePixels;

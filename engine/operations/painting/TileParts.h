@@ -39,7 +39,7 @@ public:
     explicit TileParts(Layer& layer) : layer_(layer) {}
 
     /// Adds a part, unless alpha lock keeps its tile from changing.
-    void take(int64_t index, const IRect& part, Old old);
+    void add(int64_t index, const IRect& part, Old old);
     /// `paint(part, y)` for every row of every part, the parts in parallel. Makes their tiles, or copies them where needed.
     void run(const std::function<void(const TilePart& part, int64_t y)>& paint);
 

@@ -17,9 +17,9 @@ struct PixelMap {
     int64_t x0 = 0;
     int64_t y0 = 0;
 
-    /// Of a transform from source to target coordinates, in which pixels are unit squares; nothing when it would mix
-    /// pixels. A quarter turn about the center of an odd by an even number of pixels would land between pixels: it is
-    /// moved by half a pixel, so that it stays a copy.
+    /// The map of a transform from source to target coordinates, in which pixels are unit squares; nothing when the
+    /// transform would mix pixels. A quarter turn about the center of an odd by an even number of pixels would land
+    /// between pixels: it is moved by half a pixel, so that it stays a copy.
     static std::optional<PixelMap> fromTransform(const QTransform& toTarget);
     static PixelMap moved(int64_t dx, int64_t dy) { return {1, 0, 0, 1, -dx, -dy}; }
 

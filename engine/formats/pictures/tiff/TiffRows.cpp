@@ -62,7 +62,7 @@ public:
     }
 
     bool isSound() const { return isSound_; } ///< Or the file contradicts itself.
-    /// What has to be there at once.
+    /// Bytes that must be held at once.
     uint64_t workingBytes() const {
         const uint64_t band = static_cast<uint64_t>(std::min<int64_t>(tileHeight_, shape_.height)) *
                               static_cast<uint64_t>(rowBytes_);
@@ -142,7 +142,7 @@ void readSamples(std::span<const uint8_t> file, TIFF* opened, const TiffShape& s
     }
 }
 
-/// What the library gives is premultiplied, four bytes packed in a number, red lowest.
+/// Pixels of the library: premultiplied, four bytes packed into a number, red lowest.
 void putPacked(const uint32_t* pixels, int64_t width, PictureBuilder& builder) {
     auto* out = static_cast<uint8_t*>(builder.row());
     for (int64_t x = 0; x < width; ++x, out += 4) {

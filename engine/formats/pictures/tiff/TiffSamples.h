@@ -21,8 +21,8 @@ private:
 
     TiffShape shape_;
     static constexpr std::size_t kMostInByte = 8;
-    std::array<std::array<uint8_t, 3 * kMostInByte>, 256>
-        colorsOfByte_{}; // of an indexed picture: all in a byte
+    // of an indexed picture: all in a byte
+    std::array<std::array<uint8_t, 3 * kMostInByte>, 256> colorsOfByte_{};
 };
 
 } // namespace qirn

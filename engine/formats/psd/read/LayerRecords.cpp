@@ -33,7 +33,7 @@ bool isKnownMode(std::string_view key) {
                        [&](const BlendModeRow& row) { return row.psdKey == key; });
 }
 
-/// Of a group's own record, not of the one that ends it. Its layers show as if it were not there.
+/// The losses of a group's own record, not of the one that ends it. The layers inside show as if there were no group.
 Losses lossesOfGroup(const Rec& rec, std::span<const uint8_t> data) {
     constexpr uint32_t kOpen = 1, kClosed = 2;
     Losses losses;

@@ -14,8 +14,8 @@ namespace qirn::PSDFile {
 
 /// One channel as it lies in a file: rows as they are, or packed.
 struct StoredPlane {
-    std::span<const uint8_t>
-        counts; ///< Packed bytes of each row, two bytes a count; empty for rows as they are.
+    /// Packed bytes of each row, two bytes a count; empty for rows as they are.
+    std::span<const uint8_t> counts;
     std::span<const uint8_t> rows; ///< All of them and no more.
     int64_t w = 0;                 ///< Pixels of a row, at least 1.
 };
@@ -23,8 +23,8 @@ struct StoredPlane {
 /// A rectangle of pixels anywhere inside or outside of the canvas, of any size that 32 bits can express.
 struct StoredPicture {
     IRect rect; ///< Not empty.
-    std::array<std::optional<StoredPlane>, 4>
-        planes; ///< Straight red, green, blue; alpha, opaque without it.
+    /// Straight red, green, blue; alpha, opaque without it.
+    std::array<std::optional<StoredPlane>, 4> planes;
 };
 
 using PlacedTile = std::pair<int64_t, TileRef>; // slot and tile

@@ -166,19 +166,6 @@ LayerRef readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid
 
 } // namespace
 
-PSDFile::PSDError PSDFile::PSDError::unsupported(const QString& feature) {
-    PSDError error(
-        QStringLiteral("This Photoshop file uses a feature Qirn Paint can't read (%1).").arg(feature));
-    error.feature_ = feature;
-    return error;
-}
-
-PSDFile::PSDError PSDFile::PSDError::noMergedPicture() {
-    return PSDError(QStringLiteral(
-        "This Photoshop file was saved without a flattened picture, and its layers use a feature "
-        "Qirn Paint can't read. Save it again with \"Maximize compatibility\" on."));
-}
-
 std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
     BEReader in(file);
     const PSDHeader head = readHeader(in);

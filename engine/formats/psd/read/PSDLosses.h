@@ -25,8 +25,8 @@ using Losses = std::set<Loss>;
 
 ImportRemarks remarksOf(const Losses& losses);
 
-/// By the data of a layer's mask, of its blending ranges, and of a block behind its name; by the profile of a file. Data
-/// that change nothing of the picture are no loss, nor is what ends too early.
+/// The losses that follow from the data of a layer's mask, of its blending ranges, of a block behind its name, and
+/// from the profile of a file. Data that do not change the picture are no loss, nor are data that end too early.
 Losses lossesOfMask(std::span<const uint8_t> data);
 Losses lossesOfRanges(std::span<const uint8_t> data);
 Losses lossesOfBlock(std::string_view key, std::span<const uint8_t> data);

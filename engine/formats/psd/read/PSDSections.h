@@ -11,8 +11,8 @@ namespace qirn {
 /// plain and the large (PSB) layout. The spans borrow the file's bytes.
 struct PSDSections {
     PSDHeader header;
-    std::span<const uint8_t> colorTable =
-        {}; ///< Indexed: 256 reds, then greens, then blues; otherwise of no use here.
+    /// Indexed: 256 reds, then greens, then blues; otherwise of no use here.
+    std::span<const uint8_t> colorTable = {};
     PSDResources resources = {};
 
     bool hasLayers = false;

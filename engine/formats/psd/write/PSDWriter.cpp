@@ -1,6 +1,5 @@
 #include "core/PaintDocument.h"
 #include "formats/common/ByteReader.h"
-#include "formats/common/StraightPixels.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDHeader.h"
 #include "formats/psd/write/PlanePacker.h"
@@ -208,7 +207,7 @@ QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
     else
         out.u32(0);
 
-    // With layers others take white off the colors, as the program does that made the format.
+    // In files with layers readers remove white from the colors of the merged picture, as Photoshop does.
     const PackedPlanes finished =
         packer.finishedPicture(layered == Layered::yes ? Matte::white : Matte::none);
     Blocks blocks;
@@ -217,20 +216,6 @@ QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
     for (int plane = 0; plane < kPlanes; ++plane) blocks.addRows(finished, plane);
     blocks.appendTo(out);
     return out.take();
-}
-
-std::array<std::vector<uint8_t>, 4> PSDFile::planes(const RGBABuffer& buffer, const IRect& rect) {
-    require(rect.isEmpty() || rect.intersection({0, 0, buffer.width(), buffer.height()}) == rect);
-    std::array<std::vector<uint8_t>, 4> planes;
-    for (int64_t y = rect.y; y < rect.maxY(); ++y) {
-        for (int64_t x = rect.x; x < rect.maxX(); ++x) {
-            const PixelBytes pixel = buffer.pixel(x, y);
-            for (std::size_t channel = 0; channel < 3; ++channel)
-                planes[channel].push_back(straight(pixel[channel], pixel[3]));
-            planes[3].push_back(pixel[3]);
-        }
-    }
-    return planes;
 }
 
 } // namespace qirn

@@ -28,7 +28,7 @@ int64_t bandOf(int64_t y) {
     return y / kBandRows;
 }
 
-/// What a plane holds where nothing is.
+/// Value of a plane where the picture is transparent.
 uint8_t blankOf(std::size_t plane, Matte matte) {
     return matte == Matte::white && plane != kAlpha ? 255 : 0;
 }

@@ -35,17 +35,19 @@ class PlanePacker {
 public:
     explicit PlanePacker(const PaintDocument& doc); ///< Borrows the document.
 
-    // What either returns is good until the next call.
+    // The result of either is valid until the next call.
     PackedPlanes layer(const Layer& layer, const IRect& rect); ///< Straight.
-    PackedPlanes
-    finishedPicture(Matte matte); ///< The whole canvas, composited a few rows of tiles at a time.
+    /// The whole canvas, composited a few rows of tiles at a time.
+    PackedPlanes finishedPicture(Matte matte);
 
 private:
-    /// Where packed rows go, one behind the other.
+    /// Memory for packed rows, one behind the other.
     class Room {
+        /// Contiguous room for so many bytes, to be written before the next call.
     public:
-        uint8_t* atLeast(std::size_t count);               ///< So many bytes in one piece, to be written now.
-        std::span<const uint8_t> keep(const uint8_t* end); ///< What was written up to there stays.
+        uint8_t* atLeast(std::size_t count);
+        std::span<const uint8_t>
+        keep(const uint8_t* end); ///< Keeps the bytes that were written up to there and returns them.
         void clear();
 
     private:
