@@ -93,8 +93,8 @@ QString misplaced(const QWidget& parent) {
         if (!parent.rect().contains(child->geometry())) return nameOf(*child) + " leaves " + nameOf(parent);
         for (const QWidget* other : children) {
             if (other == child) break;
-            const bool wells = qobject_cast<const ColorSquare*>(child); // one is behind the other
-            if (other->isVisible() && !other->isWindow() && !wells &&
+            const bool above = qobject_cast<const ColorSquare*>(child) || child->objectName() == "sheetHost";
+            if (other->isVisible() && !other->isWindow() && !above &&
                 other->geometry().intersects(child->geometry()))
                 return nameOf(*child) + " covers " + nameOf(*other);
         }
@@ -157,38 +157,47 @@ private Q_SLOTS:
     void everySizeFollowsTheZoomAndEveryColourTheTheme() {
         Window w;
         const char* themes[] = {"cobalt-gunmetal", "rose-gold"};
-        const auto choose = [&w](int i) { // the tools, then lifted pixels
+        const auto choose = [&w](int i) { // the tools, lifted pixels, the sheets
+            w.model.closeSheet();
             w.model.transform().cancelTransform();
-            i < int(kToolCount) ? w.model.setTool(kTools[i].tool) : w.model.transform().beginTransform();
+            const int more = i - static_cast<int>(kToolCount);
+            if (more < 0) w.model.setTool(kTools[i].tool);
+            if (more == 0) w.model.transform().beginTransform();
+            if (more > 0) w.model.showSheet({static_cast<PaintSheet::Kind>(more - 1)});
         };
         w.fill({10, 10, 300, 200});
         w.model.messages().shownFor = 600'000;
         w.model.messages().flash("Undo Brush Stroke");
         w.model.status().setCursor({399, 299, true, 0.5});
-        std::vector<std::unique_ptr<Recorder>> before;
-        std::vector<std::map<const QWidget*, QSize>> sizes(kToolCount + 1);
-        for (const double zoom : {1.0, 0.85, 1.3, 2.0}) {
-            for (int i = 0; i <= int(kToolCount); ++i) {
-                choose(i);
-                show(w, zoom, themes[i % 2]);
-                const QString place = QStringLiteral("%1, tool %2: ").arg(zoom).arg(i);
+        const int states = static_cast<int>(kToolCount) + 2 + static_cast<int>(PaintSheet::Kind::recovery);
+        for (int i = 0; i < states; ++i) {
+            choose(i);
+            std::unique_ptr<Recorder> before;
+            std::map<const QWidget*, QSize> sizes;
+            for (const double zoom : {1.0, 0.85, 1.3, 2.0}) {
+                const bool first = zoom == 1 || zoom == 1.3;
+                const char* theme = themes[first ? 0 : 1];
+                show(w, zoom, theme);
+                const QString place = QStringLiteral("%1, state %2: ").arg(zoom).arg(i);
                 QCOMPARE(place + misplaced(w.view), place);
                 auto now = std::make_unique<Recorder>(w.view);
                 for (const QWidget* widget : w.view.findChildren<QWidget*>()) {
                     if (!widget->isVisible()) continue;
-                    if (zoom == 1) sizes[i][widget] = widget->size();
-                    const QSize size = sizes[i][widget];
+                    if (zoom == 1) sizes[widget] = widget->size();
+                    const QSize size = sizes[widget];
                     QVERIFY2(isNear(widget->width(), size.width(), zoom) &&
                                  isNear(widget->height(), size.height(), zoom),
                              qPrintable(place + nameOf(*widget)));
                 }
-                const QSet<QRgb> old = colorsOf(themes[1 - i % 2]);
-                QVERIFY2(inksOf(themes[i % 2]).contains(now->engine.inks), qPrintable(place));
+                QVERIFY2(inksOf(theme).contains(now->engine.inks), qPrintable(place));
                 if (i < 2)
-                    QVERIFY2(pixelsOf(colorsOf(themes[i]), w) > 10'000 && pixelsOf(old, w) == 0,
+                    QVERIFY2(pixelsOf(colorsOf(theme), w) > 10'000 &&
+                                 pixelsOf(colorsOf(themes[first ? 1 : 0]), w) == 0,
                              qPrintable(place));
-                if (zoom != 1) QCOMPARE(place + changed(before[i]->engine, now->engine, zoom), place);
-                if (zoom == 1) before.push_back(std::move(now));
+                if (zoom == 1)
+                    before = std::move(now);
+                else
+                    QCOMPARE(place + changed(before->engine, now->engine, zoom), place);
             }
         }
         w.view.resize(1480, 920); // smaller than the content at twice its size: it scrolls
