@@ -1,5 +1,7 @@
 #include "app/desktop/Failures.h"
 
+#include "app/desktop/HostWords.h"
+#include "formats/common/FormatErrors.h"
 #include "platform/DescribedError.h"
 
 #include <new>
@@ -9,6 +11,9 @@
 namespace qirn {
 
 QString failureText(const std::exception& error) {
+    // It names the system, and nothing that the user named.
+    if (const auto* picture = dynamic_cast<const ExportError*>(&error))
+        return hostWords(picture->description());
     if (const auto* described = dynamic_cast<const DescribedError*>(&error)) return described->description();
     if (dynamic_cast<const std::bad_alloc*>(&error))
         return QCoreApplication::translate("Guarded",
