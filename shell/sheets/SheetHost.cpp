@@ -93,7 +93,10 @@ void SheetHost::takeDown() {
     covered_->setEnabled(true);
     if (focusBefore_) focusBefore_->setFocus(Qt::PopupFocusReason);
     hide();
-    takeWidget()->deleteLater(); // one of its buttons may be telling us
+    QWidget* const shade = takeWidget();
+    shade->hide();
+    shade->setParent(this); // it goes with the window where no event loop comes first
+    shade->deleteLater();   // later: one of its buttons may be telling us
 }
 
 bool SheetHost::eventFilter(QObject* watched, QEvent* event) {
