@@ -52,6 +52,7 @@ private Q_SLOTS:
             BackgroundQueue::previews().run([&] {
                 priority = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
                 const auto body = [&](int64_t) {
+                    // Work that leaves the others time to take a share; with less they may come too late.
                     std::this_thread::sleep_for(std::chrono::milliseconds(1));
                     const std::lock_guard lock(mutex);
                     threads[isWaiting].insert(std::this_thread::get_id());
@@ -62,6 +63,7 @@ private Q_SLOTS:
                 else
                     concurrentPerform(100, body);
             });
+            // For the job, however long so low a priority takes: no limit but the test program's own.
             while (done <= 10) std::this_thread::sleep_for(std::chrono::milliseconds(1));
             isWaiting = true;
             BackgroundQueue::previews().finish();
@@ -90,7 +92,9 @@ private Q_SLOTS:
                     begun.fetch_add(1, std::memory_order_relaxed);
                     copy = PaintFile::encode(kept, PaintFile::kPreviewSide);
                 });
-            while (begun.load(std::memory_order_relaxed) <= i) std::this_thread::sleep_for(std::chrono::microseconds(100));
+            // For the copy to begin; a condition variable would put the two threads into an order and hide a race.
+            while (begun.load(std::memory_order_relaxed) <= i)
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
         }
         BackgroundQueue::files().finish();
         for (std::size_t i = 0; i < copies.size(); ++i)
