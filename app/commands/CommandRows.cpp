@@ -23,7 +23,7 @@ namespace qirn {
 
 namespace {
 
-constexpr int Command = Qt::CTRL, Shift = Qt::SHIFT, Option = Qt::ALT;
+constexpr int Command = Qt::CTRL, Shift = Qt::SHIFT, Option = Qt::ALT, Control = Qt::META;
 
 QString undoTitle(const PaintModel& model) {
     const auto name = model.current() ? model.current()->doc().undoName() : std::nullopt;
@@ -81,8 +81,8 @@ void saveAs(PaintModel& model) {
 
 // The menu bar, in order.
 const CommandRow kCommands[] = {
-    {"File", "newCanvas", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Canvas"), Command | Qt::Key_N,
-     call<&PaintModel::pictures, &OpenPictures::newCanvas>},
+    {"File", "newCanvas", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Canvas…"), Command | Qt::Key_N,
+     sheet<PaintSheet::Kind::newDocument>},
     {"File", "open", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open…"), Command | Qt::Key_O,
      call<&PaintModel::pictures, &OpenPictures::openPanel>},
     {.menu = "File",
@@ -191,6 +191,11 @@ const CommandRow kCommands[] = {
     {"Select", "crop", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Crop to Selection"), 0,
      CanvasEdits::cropToSelection},
 
+    {"Image", "imageSize", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Image Size…"),
+     Command | Control | Qt::Key_I, sheet<PaintSheet::Kind::imageSize>},
+    {"Image", "canvasSize", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas Size…"),
+     Command | Control | Qt::Key_C, sheet<PaintSheet::Kind::canvasSize>},
+    {"Image", nullptr},
     {"Image", "rotateClockwise", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Clockwise"), 0,
      [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 1); }},
     {"Image", "rotateCounterClockwise",

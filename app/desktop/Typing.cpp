@@ -45,8 +45,8 @@ template <class Field> bool actIn(QWidget* widget, Typing::TextAction action) {
     return true;
 }
 
-bool endsTyping(int key) {
-    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+bool isReturn(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
 bool edits(int key) {
@@ -77,12 +77,15 @@ bool Typing::takes(const QKeyEvent& event) {
     if (!canBeWritten<QLineEdit>(text) && !canBeWritten<QPlainTextEdit>(text) &&
         !canBeWritten<QTextEdit>(text))
         return false;
-    if (edits(event.key()) || endsTyping(event.key())) return true;
+    if (edits(event.key()) || isReturn(event.key()) || event.key() == Qt::Key_Escape) return true;
     if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
     return !event.text().isEmpty() && event.text().front().isPrint();
 }
 
-TypingKeys::TypingKeys(QWidget& window, QWidget& next) : QObject(&window), next_(next) {
+TypingKeys::TypingKeys(QWidget& window, QWidget& next, Return meaning)
+    : QObject(&window),
+      next_(next),
+      return_(meaning) {
     window.installEventFilter(this);
 }
 
@@ -90,9 +93,10 @@ bool TypingKeys::eventFilter(QObject*, QEvent* event) {
     const bool press = event->type() == QEvent::KeyPress;
     if (!press && event->type() != QEvent::ShortcutOverride) return false;
     const auto* key = static_cast<QKeyEvent*>(event);
-    if (!Typing::takes(*key)) return false;
+    const bool goesOn = isReturn(key->key()) && return_ == Return::isForTheWindow;
+    if (goesOn || !Typing::takes(*key)) return false;
     event->accept();
-    if (press && endsTyping(key->key())) next_.setFocus(Qt::OtherFocusReason);
+    if (press && (isReturn(key->key()) || key->key() == Qt::Key_Escape)) next_.setFocus(Qt::OtherFocusReason);
     return true;
 }
 

@@ -23,18 +23,20 @@ bool act(TextAction action);
 } // namespace Typing
 
 /// Keeps the keys of whoever types from a window's commands: what the text field itself has no use for ends here.
-/// Return and Escape end the typing.
+/// Escape ends the typing, and so does Return where it means nothing else to the window.
 class TypingKeys : public QObject {
     Q_OBJECT
 public:
+    enum class Return { endsTyping, isForTheWindow };
     /// Belongs to the window; `next` is a part of it that has the keyboard once the typing has ended.
-    TypingKeys(QWidget& window, QWidget& next);
+    TypingKeys(QWidget& window, QWidget& next, Return meaning = Return::endsTyping);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget& next_;
+    Return return_;
 };
 
 } // namespace qirn

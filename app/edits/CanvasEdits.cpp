@@ -3,12 +3,15 @@
 #include "app/files/DocSession.h"
 #include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
+#include "app/sizes/CanvasLimits.h"
 #include "app/text/TextRenderer.h"
 #include "operations/Fill.h"
 #include "operations/LayerOperations.h"
 #include "operations/Reshape.h"
 #include "operations/SelectionOperations.h"
 #include "operations/Stamp.h"
+
+#include <algorithm>
 
 #include <QCoreApplication>
 
@@ -18,6 +21,10 @@ namespace {
 
 QString tr(const char* text) {
     return QCoreApplication::translate("qirn::CanvasEdits", text);
+}
+
+void refuseSize(PaintModel& model) {
+    model.messages().flash(tr("Size must be 1 to 30,000 pixels"));
 }
 
 } // namespace
@@ -54,6 +61,30 @@ void cropToSelection(PaintModel& model) {
     model.finishGesture();
     if (!session->doc().selection) return model.messages().flash(tr("Make a selection first"));
     model.edit(tr("Crop"), [](PaintDocument& doc) { cropTo(doc, doc.selection->bounds()); });
+}
+
+void resizeImage(PaintModel& model, int64_t width, int64_t height, double dpi) {
+    const DocSession* session = model.current();
+    if (!session) return;
+    if (!CanvasLimits::allow(width, height)) return refuseSize(model);
+    const PaintDocument& old = session->doc();
+    const bool scales = width != old.grid().width || height != old.grid().height;
+    dpi = std::max(dpi, 1.0);
+    if (!scales && dpi == old.dpi) return;
+    model.edit(tr("Image Size"), [&](PaintDocument& doc) {
+        if (scales) qirn::resizeImage(doc, width, height);
+        doc.dpi = dpi;
+    });
+}
+
+void resizeCanvas(PaintModel& model, int64_t width, int64_t height, double anchorX, double anchorY) {
+    const DocSession* session = model.current();
+    if (!session) return;
+    if (!CanvasLimits::allow(width, height)) return refuseSize(model);
+    const TileGrid& old = session->doc().grid();
+    if (width == old.width && height == old.height) return;
+    model.edit(tr("Canvas Size"),
+               [&](PaintDocument& doc) { qirn::resizeCanvas(doc, width, height, anchorX, anchorY); });
 }
 
 void rotateCanvas(PaintModel& model, int quarterTurns) {

@@ -80,13 +80,10 @@ void OpenPictures::newDocument(int64_t width, int64_t height, double dpi,
     add(std::make_shared<DocSession>(std::move(doc), name.isEmpty() ? tr("Untitled") : name));
 }
 
-void OpenPictures::newCanvas() {
+void OpenPictures::ensureDocument() {
+    if (!sessions_.empty()) return;
     const auto paper = model_.prefs().newDocTransparent ? std::nullopt : std::optional(PaintColor::white());
     newDocument(kStarterWidth, kStarterHeight, kStarterDpi, paper, {});
-}
-
-void OpenPictures::ensureDocument() {
-    if (sessions_.empty()) newCanvas();
 }
 
 bool OpenPictures::isUntouchedStarter(const DocSession& session) const {

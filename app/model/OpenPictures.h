@@ -29,7 +29,7 @@ public:
 
     void newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
                      const QString& name);
-    void newCanvas(); ///< 1920 x 1080 on white, or transparent where the preferences say so.
+    /// Where there is no picture: 1920 x 1080 on white, or transparent where the preferences say so.
     void ensureDocument();
     void add(SessionRef session);
     void addRecovered(SessionRef session); ///< In place of an untouched starter.

@@ -25,6 +25,7 @@ public:
     double value() const { return value_; }
     void setValue(double value);                ///< Emits nothing.
     void setFormat(const NumberFormat& format); ///< The number stays.
+    void setStep(double step) { range_.step = step; }
 
     QSize sizeHint() const override;
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QRegularExpression>
+
 namespace qirn {
 
 namespace {
@@ -17,7 +19,12 @@ QString NumberFormat::text(double value) const {
 QString NumberFormat::number(double value) const {
     double shown = value * scale;
     if (std::abs(shown) * std::pow(10, decimals) < 0.5) shown = 0; // never "-0"
-    return QString::number(shown, 'f', decimals);
+    QString text = QString::number(shown, 'f', decimals);
+    if (trimmed && decimals > 0) {
+        while (text.endsWith(u'0')) text.chop(1);
+        if (text.endsWith(u'.')) text.chop(1);
+    }
+    return text;
 }
 
 std::optional<double> NumberFormat::value(const QString& text) const {
@@ -25,8 +32,12 @@ std::optional<double> NumberFormat::value(const QString& text) const {
     if (const QString unit = QString::fromUtf8(suffix).trimmed();
         !unit.isEmpty() && digits.endsWith(unit, Qt::CaseInsensitive))
         digits.chop(unit.size());
+    digits = digits.trimmed();
+    static const QRegularExpression grouped(QStringLiteral("^-?[1-9]\\d{0,2}([,.\\s]\\d{3})+$"));
+    static const QRegularExpression separators(QStringLiteral("[,.\\s]"));
+    if (groups && grouped.match(digits).hasMatch()) digits.remove(separators);
     bool ok = false;
-    const double shown = digits.trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
+    const double shown = digits.replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
     if (!ok || !std::isfinite(shown)) return {};
     return shown / scale;
 }

@@ -11,11 +11,18 @@ struct NumberFormat {
     double scale = 1;
     int decimals = 0;
     const char* suffix = "";
+    bool groups =
+        false; ///< A comma, point or blank before exactly three digits groups them: "1,920" is 1920.
+    bool trimmed = false; ///< No zeros at the end of the places.
 
     static constexpr NumberFormat plain(int decimals = 0) { return {1, decimals, ""}; }
     static constexpr NumberFormat percent() { return {100, 0, "%"}; } ///< A value of 0 to 1.
-    static constexpr NumberFormat pixels() { return {1, 0, " px"}; }
+    static constexpr NumberFormat pixels() { return {1, 0, " px", true}; }
     static constexpr NumberFormat degrees() { return {1, 0, "°"}; }
+    /// As many places as it takes, up to `decimals`.
+    static constexpr NumberFormat upTo(int decimals, const char* suffix = "") {
+        return {1, decimals, suffix, decimals == 0, true};
+    }
 
     QString number(double value) const; ///< Without the suffix.
     QString text(double value) const;

@@ -30,13 +30,6 @@ ExportFormat formatNamed(const QString& id) {
     return ExportFormat::png;
 }
 
-/// Text of several lines in a fixed width.
-QLabel* paragraph(const QString& text, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    label->setWordWrap(true);
-    return label;
-}
-
 } // namespace
 
 ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
@@ -44,7 +37,7 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
             tr("Save a copy for sharing, printing or other apps. Your Qirn Paint document is not changed."),
             parent),
       formats_(new QListWidget(this)),
-      explanation_(paragraph({}, this)),
+      explanation_(paragraph()),
       jpegOptions_(new QWidget(this)),
       quality_(
           new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, NumberFormat::percent(), jpegOptions_)),

@@ -47,6 +47,12 @@ Sheet::Sheet(PaintModel& model, const QString& title, const QString& subtitle, Q
     });
 }
 
+QLabel* Sheet::paragraph(const QString& text) {
+    auto* label = new QLabel(text, this);
+    label->setWordWrap(true);
+    return label;
+}
+
 QPushButton* Sheet::addButton(const QString& text, Role role) {
     auto* button = new QPushButton(text, this);
     if (role == Role::other)
@@ -57,7 +63,7 @@ QPushButton* Sheet::addButton(const QString& text, Role role) {
     if (role == Role::standard) {
         default_ = button;
         button->setDefault(true);
-        new TypingKeys(*this, *button);
+        new TypingKeys(*this, *button, TypingKeys::Return::isForTheWindow);
     }
     return button;
 }

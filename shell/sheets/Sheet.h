@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class QHBoxLayout;
+class QLabel;
 class QPushButton;
 class QVBoxLayout;
 
@@ -24,6 +25,8 @@ public:
 protected:
     PaintModel& model() const { return model_; }
     QVBoxLayout& fields() const { return *fields_; }
+
+    QLabel* paragraph(const QString& text = {}); ///< Text of several lines.
 
     enum class Role { other, cancel, standard };
     /// At the foot from left to right; `other` stands at the left edge. `cancel` closes the sheet, `standard` is the

@@ -3,7 +3,10 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
+#include "shell/sheets/CanvasSizeSheet.h"
 #include "shell/sheets/ExportSheet.h"
+#include "shell/sheets/ImageSizeSheet.h"
+#include "shell/sheets/NewDocumentSheet.h"
 #include "shell/sheets/RecoverySheet.h"
 #include "shell/sheets/TextSheet.h"
 
@@ -31,7 +34,10 @@ constexpr SheetRow kSheets[] = {
      [](PaintModel& model, const PaintSheet& sheet, QWidget* parent) -> Sheet* {
          return new TextSheet(model, sheet.textRequest, parent);
      }},
+    {PaintSheet::Kind::newDocument, make<NewDocumentSheet>},
     {PaintSheet::Kind::exportPicture, make<ExportSheet>},
+    {PaintSheet::Kind::imageSize, make<ImageSizeSheet>},
+    {PaintSheet::Kind::canvasSize, make<CanvasSizeSheet>},
     {PaintSheet::Kind::recovery, make<RecoverySheet>},
 };
 

@@ -172,6 +172,17 @@ constexpr Command kCommands[] = {
     {"move", [](Work& work) { work.move(false); }},
     {"turn", [](Work& work) { work.move(true); }},
     {"text", [](Work& work) { work.place("Words"); }},
+    {"new canvas",
+     [](Work& work) {
+         guarded(work.model,
+                 [&] { work.model.pictures().newDocument(600, 400, 72, PaintColor::white(), "New"); });
+     }},
+    {"image size",
+     [](Work& work) { guarded(work.model, [&] { CanvasEdits::resizeImage(work.model, 500, 333, 72); }); }},
+    {"canvas size",
+     [](Work& work) {
+         guarded(work.model, [&] { CanvasEdits::resizeCanvas(work.model, 901, 702, 0.5, 0.5); });
+     }},
     {"zoom", [](Work& work) { work.canvas.setZoom(work.session().view.zoom > 0.5 ? 0.3 : 1); }},
     {"save", [](Work& work) { work.save(work.path("saved")); }},
     {"PNG", [](Work& work) { work.exportAs(ExportFormat::png); }},
@@ -189,9 +200,8 @@ constexpr Command kCommands[] = {
 };
 
 const QByteArrayList kMenuCommands =
-    QByteArray(
-        "undo redo newLayer duplicateLayer deleteLayer mergeDown mergeVisible flatten clear selectAll "
-        "invertSelection fillPrimary crop rotateClockwise flipHorizontal copy copyMerged cut paste newCanvas")
+    QByteArray("undo redo newLayer duplicateLayer deleteLayer mergeDown mergeVisible flatten clear selectAll "
+               "invertSelection fillPrimary crop rotateClockwise flipHorizontal copy copyMerged cut paste")
         .split(' ');
 
 /// What a failure must leave as it was.

@@ -156,7 +156,7 @@ private Q_SLOTS:
         QCOMPARE(world.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(world.session().name, "a");
         DocSession* opened = world.model.current();
-        world.model.pictures().newCanvas();
+        world.model.pictures().newDocument(60, 40, 72, std::nullopt, {});
         QCOMPARE(world.model.pictures().sessions().size(), std::size_t{2});
         world.model.pictures().open(world.path("a.qirnpaint"));
         QCOMPARE(world.model.current(), opened);
@@ -372,7 +372,8 @@ private Q_SLOTS:
             {"another layer", [](Studio& s) { LayerEdits::setActiveLayer(s.model, 0); }},
             {"another layer's opacity", [](Studio& s) { s.model.opacity().show(0, 0.5); }},
             {"a command", [](Studio& s) { LayerEdits::addLayer(s.model); }},
-            {"another picture", [](Studio& s) { s.model.pictures().newCanvas(); }},
+            {"another picture",
+             [](Studio& s) { s.model.pictures().newDocument(60, 40, 72, std::nullopt, {}); }},
         };
         for (const auto& [name, next] : nexts) {
             Studio studio;

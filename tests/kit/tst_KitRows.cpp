@@ -127,6 +127,16 @@ private Q_SLOTS:
             QCOMPARE(field.value(), value);
             QCOMPARE(field.text(), NumberFormat::plain(2).text(value));
         }
+        for (const auto& [typed, value] : {std::pair{"1,920", 1920.0},
+                                           {"30 000 px", 30'000.0},
+                                           {"1.000.000", 1e6},
+                                           {"1,5", 1.5},
+                                           {"1,50", 1.5},
+                                           {"0.500", 0.5},
+                                           {"12,3456", 12.3456}})
+            QCOMPARE(NumberFormat::pixels().value(typed), std::optional(value));
+        QVERIFY(!NumberFormat::pixels().value("1,92,0") && NumberFormat::plain().value("1,920") == 1.92);
+        QVERIFY(NumberFormat::upTo(2).text(10.5) == "10.5" && NumberFormat::upTo(2).text(100) == "100");
         field.setValue(4.0 / 3);
         changed.clear();
         QTest::keyClick(&field, Qt::Key_Return);

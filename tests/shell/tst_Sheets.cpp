@@ -9,6 +9,7 @@
 #include "formats/ImageExport.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
+#include "kit/controls/NumberField.h"
 #include "shell/sheets/SheetHost.h"
 #include "support/Window.h"
 
@@ -21,6 +22,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTreeWidget>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -29,6 +31,27 @@ namespace {
 
 struct SheetWindow : Window {
     Sheet& sheet() { return *find<SheetHost>().sheet(); }
+    template <class Control> Control& control(const char* name) {
+        for (Control* control : sheet().findChildren<Control*>())
+            if (control->accessibleName() == name || control->property("text") == name) return *control;
+        qFatal("The sheet has no %s.", name);
+    }
+    void type(const char* field, const QString& text) {
+        auto& line = control<QLineEdit>(field);
+        line.setFocus();
+        line.selectAll();
+        QTest::keyClicks(&line, text);
+    }
+    void press(const char* button) { QTest::mouseClick(&control<QPushButton>(button), Qt::LeftButton); }
+    bool says(const QString& text) {
+        const auto labels = sheet().findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel* label) { return label->text() == text; });
+    }
+    void answer(Qt::Key key) { // the work follows on the next turn
+        QTest::keyClick(QApplication::focusWidget(), key);
+        QCoreApplication::processEvents();
+    }
 };
 
 } // namespace
@@ -39,8 +62,9 @@ class tst_Sheets : public QObject {
 private Q_SLOTS:
     void underASheetNothingElseIsInReach() {
         for (const PaintSheet& which :
-             {PaintSheet{PaintSheet::Kind::text, {10, 20}}, PaintSheet{PaintSheet::Kind::exportPicture},
-              PaintSheet{PaintSheet::Kind::recovery}}) {
+             {PaintSheet{PaintSheet::Kind::text, {10, 20}}, PaintSheet{PaintSheet::Kind::newDocument},
+              PaintSheet{PaintSheet::Kind::exportPicture}, PaintSheet{PaintSheet::Kind::imageSize},
+              PaintSheet{PaintSheet::Kind::canvasSize}, PaintSheet{PaintSheet::Kind::recovery}}) {
             SheetWindow w;
             w.paint();
             const QString step = w.lastStep();
@@ -113,6 +137,103 @@ private Q_SLOTS:
         }
     }
 
+    void aNewCanvasIsWhatTheSheetSays() {
+        SheetWindow w;
+        w.set(&PaintPrefs::newDocTransparent, true);
+        w.click("headerNew");
+        QVERIFY(w.control<QLineEdit>("Name").hasFocus());
+        auto& presets = *w.sheet().findChild<QTreeWidget*>();
+        presets.setCurrentItem(presets.topLevelItem(2)->child(4)); // A4
+        auto& width = w.control<NumberField>("Width");
+        QVERIFY(w.control<QLineEdit>("Name").text() == "A4" && width.text() == "8.267 in");
+        w.type("Name", "Cat");
+        auto& units = w.control<QComboBox>("Units");
+        units.setFocus();
+        QTest::keyClick(&units, Qt::Key_Home);
+        QVERIFY(width.text() == "2480 px" && w.control<NumberField>("Height").text() == "3508 px");
+        w.press("Swap width ↔ height");
+        QVERIFY(w.says("3508 × 2480 pixels · 8.7 megapixels") && presets.selectedItems().isEmpty());
+        w.type("Width", "30,001");
+        QVERIFY(w.says("Width and height must be 1 to 30,000 pixels."));
+        QVERIFY(!w.control<QPushButton>("Create").isEnabled());
+        QTest::keyClick(&width, Qt::Key_Return); // presses nothing
+        QVERIFY(w.model.sheet());
+        w.type("Width", "30.000");
+        QVERIFY(w.says("This is a very large canvas. Each layer uses about 297 MB of memory."));
+        w.type("Width", "1 200");
+        w.type("DPI", "0");
+        QVERIFY(!w.control<QPushButton>("Create").isEnabled());
+        w.type("DPI", "150,5");
+        w.answer(Qt::Key_Return);
+        QVERIFY(!w.model.sheet() && w.session().name == "Cat" && !w.session().isDirty());
+        QVERIFY(w.doc().grid() == TileGrid(1200, 2480) && w.doc().dpi == 150.5);
+        QVERIFY(w.layer().isEmpty()); // as the preferences have it
+        QCOMPARE(w.model.pictures().sessions().size(), std::size_t{2});
+    }
+
+    void imageSizeIsOneStepAndNoneWhereNothingChanges() {
+        SheetWindow w;
+        const uint64_t before = w.doc().fingerprint();
+        const auto resize = [&w](const char* field, const QString& text) {
+            w.find<QAction>("imageSize").trigger();
+            if (*field) w.type(field, text);
+            w.answer(Qt::Key_Return);
+        };
+        resize("", {});
+        resize("Width", "400,0");
+        QCOMPARE(w.doc().undoDepth(), int64_t{0});
+        resize("DPI", "300"); // the pixels stay, their tiles too
+        QVERIFY(w.lastStep() == "1 Image Size" && w.doc().dpi == 300 && w.session().isDirty());
+        QCOMPARE(w.doc().fingerprint(), before);
+        resize("Width", "800");
+        QVERIFY(w.lastStep() == "2 Image Size" && w.doc().grid() == TileGrid(800, 600));
+        w.model.undo();
+        QVERIFY(w.doc().grid() == TileGrid(400, 300) && w.doc().dpi == 300);
+        w.model.undo();
+        QVERIFY(w.doc().fingerprint() == before && w.doc().dpi == 72);
+        w.find<QAction>("imageSize").trigger();
+        w.press("25%");
+        w.type("Height", "60");
+        QCOMPARE(w.control<NumberField>("Width").text(), "80 px");
+        QTest::mouseClick(&w.control<QCheckBox>("Keep proportions"), Qt::LeftButton);
+        w.type("Height", "1");
+        QCOMPARE(w.control<NumberField>("Width").text(), "80 px");
+        w.type("Height", "0.9");
+        w.answer(Qt::Key_Return);
+        QVERIFY(w.model.messages().hud() == "Size must be 1 to 30,000 pixels" && w.doc().undoDepth() == 0);
+        w.find<QAction>("imageSize").trigger();
+        QTest::mouseClick(&w.control<QCheckBox>("Keep proportions"), Qt::LeftButton);
+        w.type("Width", "30000");
+        w.type("Height", "20000");
+        QVERIFY(w.says("This is a very large canvas. Each layer uses about 2400 MB of memory. "
+                       "All 2 layers: up to 4800 MB."));
+    }
+
+    void theCanvasGrowsRoundItsAnchor() {
+        SheetWindow w;
+        w.fill({0, 0, 200, 10});
+        const struct {
+            const char* anchor;
+            const char* width;
+            IRect content;
+        } cases[] = {{"Center", "403", {2, 0, 200, 10}},
+                     {"Right", "500", {100, 0, 200, 10}},
+                     {"Bottom left", "100", {0, 0, 100, 10}}};
+        for (const auto& [anchor, width, content] : cases) {
+            w.find<QAction>("canvasSize").trigger();
+            w.press(anchor);
+            w.type("Width", width);
+            w.answer(Qt::Key_Return);
+            QVERIFY2(w.lastStep() == "2 Canvas Size" && w.layer().contentBounds() == content, anchor);
+            w.model.undo();
+        }
+        w.find<QAction>("canvasSize").trigger();
+        w.type("Width", "30001");
+        w.answer(Qt::Key_Return);
+        QCOMPARE(w.model.messages().hud(), "Size must be 1 to 30,000 pixels");
+        QCOMPARE(w.lastStep(), "1 Dot");
+    }
+
     void theTextSheetPlacesWhatItsControlsSay() {
         SheetWindow w;
         w.canvas().setFocus();
@@ -141,7 +262,7 @@ private Q_SLOTS:
         boxes[0]->setChecked(spec.bold);
         boxes[1]->setChecked(spec.italic);
         boxes[2]->setChecked(spec.outline);
-        // Escape and Return end the typing before they mean the sheet.
+        // Escape ends the typing before it means the sheet, and Return breaks the line of a text.
         auto* words = sheet.findChild<QPlainTextEdit*>();
         QTest::keyClicks(words, "Ab");
         QTest::keyClick(words, Qt::Key_Return);
@@ -151,8 +272,6 @@ private Q_SLOTS:
         numbers[0]->selectAll();
         QTest::keyClicks(numbers[0], "44");
         QTest::keyClick(numbers[0], Qt::Key_Return);
-        QVERIFY(sheet.isVisible() && numbers[0]->value() == 44);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QVERIFY(!w.model.sheet() && w.lastStep() == "1 Select All"); // the sheet goes first
         QTRY_COMPARE(w.layer().name, "Text: Ab Abc");
         QCOMPARE(w.lastStep(), "2 Text");
