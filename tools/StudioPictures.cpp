@@ -1,5 +1,6 @@
-// Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves a picture of it:
-//     studio_picture FILE.png
+// Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves pictures of it, of
+// every menu and of every sheet, at the display's scale:
+//     studio_pictures FOLDER
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
 #include "app/model/Brushes.h"
@@ -10,6 +11,11 @@
 #include "support/Window.h"
 
 #include <cstdio>
+
+#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -50,15 +56,48 @@ void paintTenPresets(Window& window) {
     }
 }
 
+/// The window, and what stands open on it.
+QPixmap pictureOf(Window& window, QMenu* open = nullptr) {
+    QCoreApplication::processEvents();
+    QPixmap picture = window.view.grab();
+    if (!open) return picture;
+    const QAction* title = open->menuAction();
+    open->popup(window.view.menuBar()->mapToGlobal(
+        window.view.menuBar()->actionGeometry(const_cast<QAction*>(title)).bottomLeft()));
+    QCoreApplication::processEvents();
+    QPainter painter(&picture);
+    painter.drawPixmap(window.view.mapFromGlobal(open->pos()), open->grab());
+    open->close();
+    return picture;
+}
+
+struct NamedSheet {
+    const char* name;
+    PaintSheet sheet;
+};
+const NamedSheet kSheets[] = {
+    {"sheet-text", {PaintSheet::Kind::text, {300, 200}}},
+    {"sheet-new-canvas", {PaintSheet::Kind::newDocument}},
+    {"sheet-export", {PaintSheet::Kind::exportPicture}},
+    {"sheet-image-size", {PaintSheet::Kind::imageSize}},
+    {"sheet-canvas-size", {PaintSheet::Kind::canvasSize}},
+    {"sheet-recovery", {PaintSheet::Kind::recovery}},
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication app(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "Which file is the picture to go to?\n");
+        std::fprintf(stderr, "Which folder are the pictures to go to?\n");
         return 1;
     }
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    bool saved = folder.mkpath(QStringLiteral("."));
+    const auto save = [&](const QString& name, const QPixmap& picture) {
+        saved = picture.save(folder.filePath(name + QStringLiteral(".png"))) && saved;
+    };
     QirnKit::install("Qirn Paint");
     Window window;
     window.set(&PaintPrefs::showPerformance, true);
@@ -66,6 +105,14 @@ int main(int argc, char** argv) {
     window.model.pictures().close(*window.model.pictures().sessions().front());
     QCoreApplication::processEvents();
     paintTenPresets(window);
-    QCoreApplication::processEvents();
-    return window.view.grab().save(QString::fromLocal8Bit(argv[1])) ? 0 : 1;
+    save("studio", pictureOf(window));
+    for (QAction* title : window.view.menuBar()->actions())
+        save("menu-" + title->text().remove(u'&').toLower(), pictureOf(window, title->menu()));
+    for (const NamedSheet& named : kSheets) {
+        window.model.showSheet(named.sheet);
+        QCoreApplication::processEvents();
+        save(QLatin1String(named.name), pictureOf(window));
+        window.model.closeSheet();
+    }
+    return saved ? 0 : 1;
 }
