@@ -1,8 +1,8 @@
 #include "app/files/PictureExchange.h"
 
 #include "app/desktop/Failures.h"
+#include "formats/ImageExport.h"
 #include "formats/ImageImport.h"
-#include "formats/pictures/PngWriter.h"
 #include "formats/pictures/tiff/TiffWriter.h"
 #include "platform/Bytes.h"
 #include "platform/QtImages.h"
@@ -22,7 +22,8 @@ namespace {
 const QString kPng = QStringLiteral("image/png");
 const QString kTiff = QStringLiteral("image/tiff");
 
-/// Holds the pixels themselves, so that copying waits for no encoder and pasting here for no decoder.
+/// Holds the pixels and encodes them when asked, so that a copy waits for no encoder and a paste in this program for no
+/// decoder.
 class CopiedPicture final : public QMimeData {
 public:
     CopiedPicture(std::shared_ptr<const RGBABuffer> pixels, double dpi)
@@ -57,7 +58,7 @@ private:
 
     std::shared_ptr<const RGBABuffer> pixels_;
     double dpi_;
-    mutable QByteArray png_; // made once: clipboard programs ask again and again
+    mutable QByteArray png_; // cached: clipboard managers ask repeatedly
     mutable QByteArray tiff_;
 };
 
@@ -83,8 +84,8 @@ bool isPictureType(const QString& type) {
     return type.startsWith(QStringLiteral("image/"));
 }
 
-/// Asks another program for one form after the other. The toolkit waits a second or five for each, then says that it
-/// is empty, and says so again at once whenever it is asked; nothing more is asked of a program that keeps it waiting.
+/// Asks another program for one form after the other. Qt blocks for one to five seconds on each that does not come, and
+/// then gives an empty one: after the first such answer nothing more is asked.
 class Asked {
 public:
     explicit Asked(const QMimeData& offer)
@@ -127,7 +128,7 @@ private:
         return decoded(bytes);
     }
 
-    /// What `ask` gets; nothing, without asking, once an empty answer took too long.
+    /// The answer to `ask`; nothing, without asking, once an empty answer took too long.
     template <class Ask> auto inTime(Ask ask) -> decltype(ask()) {
         if (gaveUp_) return {};
         const QDeadlineTimer patience(std::chrono::milliseconds(500));

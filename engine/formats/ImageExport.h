@@ -2,11 +2,13 @@
 #include "core/RGBABuffer.h"
 #include "formats/ExportFormat.h"
 #include "formats/common/FormatErrors.h"
-#include "formats/common/ScaledImage.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 #include <QByteArray>
+#include <QImage>
 
 namespace qirn {
 
@@ -23,6 +25,13 @@ QByteArray data(const PaintDocument& doc, ExportFormat format, double jpegQualit
 
 /// The picture laid over an opaque color, whose own alpha is not looked at.
 std::shared_ptr<RGBABuffer> onBackground(const RGBABuffer& picture, const PaintColor& background);
+
+/// A PNG with its resolution noted; nothing for a null image.
+std::optional<QByteArray> pngData(const QImage& image, double dpi);
+
+/// The picture reduced so that its larger side is at most `maxSide`, each pixel the exact average of the area that it
+/// stands for; the image itself where it is not larger.
+QImage scaled(const QImage& image, int64_t maxSide);
 
 } // namespace ImageExport
 

@@ -2,6 +2,7 @@
 #include "core/IRect.h"
 #include "core/PaintColor.h"
 #include "core/PaintDocument.h"
+#include "platform/RowOrder.h"
 
 #include <array>
 #include <cstdint>
@@ -22,6 +23,7 @@ inline constexpr std::array<GradientKindRow, 3> kGradientKinds{{
     {GradientKind::radial, "radial", "Radial"},
     {GradientKind::reflected, "reflected", "Reflected"},
 }};
+static_assert(isInOrder(kGradientKinds, &GradientKindRow::kind));
 
 /// Paints a blend of two colors over the selection, or over the whole canvas, of the active layer: `start` at
 /// `from`, `end` at `to` and beyond (both in canvas pixels). Keeps the alpha lock. Returns the rectangle, marked

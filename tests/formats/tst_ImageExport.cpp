@@ -54,7 +54,7 @@ private Q_SLOTS:
                                                                   {{30000, 1}, 320, {320, 1}},
                                                                   {{320, 7}, 320, {320, 7}},
                                                                   {{50, 40}, 0, {1, 1}}})
-            QCOMPARE(ImageExport::scaledSize(size.width(), size.height(), maxSide), expected);
+            QCOMPARE(reducedSize(size.width(), size.height(), maxSide), expected);
     }
 
     void aReducedPictureIsTheAverage() {

@@ -108,4 +108,11 @@ std::shared_ptr<RGBABuffer> AreaReducer::result() const {
     return buffer;
 }
 
+QSize reducedSize(int64_t width, int64_t height, int64_t maxSide) {
+    const double ratio = static_cast<double>(maxSide) / static_cast<double>(std::max(width, height));
+    if (ratio >= 1) return {static_cast<int>(width), static_cast<int>(height)};
+    return {std::max(1, static_cast<int>(ratio * static_cast<double>(width))),
+            std::max(1, static_cast<int>(ratio * static_cast<double>(height)))};
+}
+
 } // namespace qirn

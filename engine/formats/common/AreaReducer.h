@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include <QSize>
+
 namespace qirn {
 
 /// Reduces a picture to a smaller one by the exact average of the area that each target pixel covers, without
@@ -64,5 +66,9 @@ private:
     IRect window_;
     std::vector<uint64_t> sums_;
 };
+
+/// The sides of a picture reduced so that the larger one is at most `maxSide`: cut to whole pixels, at least 1, never
+/// enlarged.
+QSize reducedSize(int64_t width, int64_t height, int64_t maxSide);
 
 } // namespace qirn

@@ -1,17 +1,116 @@
-// The parts that writer and reader share, and reading without tiles; see PaintFileWriter.cpp and PaintFileReader.cpp.
 #include "formats/native/PaintFile.h"
 
 #include "core/PaintDocument.h"
+#include "core/PaintEngine.h"
+#include "core/StoredForm.h"
+#include "formats/native/IncomingTiles.h"
+#include "formats/native/PaintPreview.h"
+#include "formats/native/StoredTiles.h"
 #include "formats/pictures/PngReader.h"
+#include "formats/pictures/PngWriter.h"
+#include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
+#include <limits>
+#include <unordered_map>
+#include <utility>
 
 namespace qirn {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = PaintFile::magic.size() + 4;
+using namespace PaintFile;
+
+constexpr std::size_t kHeaderBytes = magic.size() + 4;
+constexpr double kPreviewDpi = 72;
+
+/// The part of the file behind the manifest, as pieces that are not copied until the file is assembled.
+class Blob {
+public:
+    TileEntry add(int64_t slot, std::span<const uint8_t> bytes, int64_t coding) {
+        const TileEntry entry{slot, length_, static_cast<int64_t>(bytes.size()), coding};
+        pieces_.push_back(bytes);
+        length_ += entry.n;
+        return entry;
+    }
+    int64_t length() const { return length_; }
+    const std::vector<std::span<const uint8_t>>& pieces() const { return pieces_; }
+
+private:
+    std::vector<std::span<const uint8_t>> pieces_;
+    int64_t length_ = 0;
+};
+
+LayerEntry entryOf(const LayerState& layer, const StoredTiles& stored, Blob& blob) {
+    LayerEntry entry{.id = layer.id,
+                     .name = layer.name,
+                     .opacity = layer.opacity,
+                     .blend = QString::fromLatin1(rowOf(layer.blendMode).id),
+                     .visible = layer.isVisible,
+                     .locked = layer.isLocked,
+                     .alphaLocked = layer.alphaLocked,
+                     .clipping = layer.isClipping,
+                     .tiles = {}};
+    layer.tiles.forEachTile([&](int64_t index, const Tile& tile) {
+        const StoredForm& form = stored[tile];
+        if (form.coding == StoredForm::Coding::lzfse)
+            entry.tiles.push_back(blob.add(index, form.bytes, kCodingLzfse));
+        else if (form.coding == StoredForm::Coding::raw)
+            entry.tiles.push_back(blob.add(index, tile.bytes(), kCodingRaw));
+    });
+    return entry;
+}
+
+void append(QByteArray& file, std::span<const uint8_t> bytes) {
+    file.append(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
+}
+
+QByteArray assembled(const std::string& manifest, const Blob& blob) {
+    if (manifest.size() > std::numeric_limits<uint32_t>::max()) throw PaintFileError::tooLarge();
+    const auto length = static_cast<uint32_t>(manifest.size());
+    QByteArray file;
+    file.reserve(static_cast<qsizetype>(kHeaderBytes + manifest.size()) + blob.length());
+    append(file, magic);
+    for (int shift = 0; shift < 32; shift += 8) file.append(static_cast<char>(length >> shift & 255));
+    file.append(manifest.data(), static_cast<qsizetype>(manifest.size()));
+    for (std::span<const uint8_t> piece : blob.pieces()) append(file, piece);
+    return file;
+}
+
+struct Placement {
+    std::size_t layer;
+    int64_t slot;
+    std::size_t tile; // in IncomingTiles
+};
+
+/// The tile of each slot, up to the first invalid entry; of two entries of one slot the later one.
+std::vector<Placement> placementsOf(const std::vector<LayerEntry>& layers, IncomingTiles& tiles) {
+    std::vector<Placement> placements;
+    std::unordered_map<int64_t, std::size_t> placed; // in this layer, by slot
+    for (std::size_t l = 0; l < layers.size(); ++l) {
+        placed.clear();
+        for (const TileEntry& entry : layers[l].tiles) {
+            const auto tile = tiles.add(entry);
+            if (!tile) return placements;
+            const auto [found, isNew] = placed.try_emplace(entry.i, placements.size());
+            if (isNew) placements.push_back({l, entry.i, *tile});
+            placements[found->second].tile = *tile;
+        }
+    }
+    return placements;
+}
+
+LayerRef emptyLayer(const LayerEntry& entry, const TileGrid& grid) {
+    auto layer = std::make_shared<Layer>(entry.name, grid, entry.id);
+    layer->opacity = std::clamp(entry.opacity, 0.0, 1.0);
+    layer->blendMode = blendModeWithId(entry.blend.toStdString()).value_or(BlendMode::normal);
+    layer->isVisible = entry.visible;
+    layer->isLocked = entry.locked;
+    layer->alphaLocked = entry.alphaLocked;
+    layer->isClipping = entry.clipping;
+    return layer;
+}
 
 } // namespace
 
@@ -59,6 +158,54 @@ std::optional<PaintFile::Info> PaintFile::infoOf(std::span<const uint8_t> file) 
     } catch (const PaintFileError&) {
         return std::nullopt;
     }
+}
+
+QByteArray PaintFile::encode(const DocumentSnapshot& snapshot, int64_t maxSide,
+                             std::optional<QDateTime> saved) {
+    const StoredTiles stored(snapshot);
+    Blob blob;
+    Manifest manifest;
+    manifest.width = snapshot.grid.width;
+    manifest.height = snapshot.grid.height;
+    manifest.dpi = snapshot.dpi;
+    manifest.active = snapshot.active;
+    for (const LayerState& layer : snapshot.layers) manifest.layers.push_back(entryOf(layer, stored, blob));
+    manifest.onion = snapshot.onion;
+    manifest.saved = saved.value_or(QDateTime::currentDateTimeUtc());
+    // A preview that cannot be made is never a reason not to save.
+    const QImage preview = previewOf(snapshot, maxSide);
+    const QByteArray png = preview.isNull() ? QByteArray() : pngBytes(preview, kPreviewDpi);
+    if (!png.isEmpty()) manifest.thumbnail = blob.add(-1, bytesOf(png), kCodingPng);
+    return assembled(manifestText(manifest), blob);
+}
+
+QByteArray PaintFile::encode(PaintDocument& doc, std::optional<QDateTime> saved) {
+    return encode(snapshot(doc), kPreviewSide, std::move(saved));
+}
+
+std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file) {
+    const auto [manifest, blobOffset] = manifestOf(file);
+    if (manifest.width < 1 || manifest.height < 1)
+        throw PaintFileError::damaged(QStringLiteral("canvas size"));
+    if (std::max(manifest.width, manifest.height) > PaintEngine::maxCanvasSide)
+        throw PaintFileError::tooLarge();
+    const TileGrid grid(manifest.width, manifest.height);
+
+    IncomingTiles tiles(file.subspan(checkedSize(blobOffset)), grid.count());
+    const std::vector<Placement> placements = placementsOf(manifest.layers, tiles);
+    for (const Placement& place : placements) tiles.place(place.tile);
+    tiles.decode();
+
+    std::vector<LayerRef> layers;
+    for (const LayerEntry& entry : manifest.layers) layers.push_back(emptyLayer(entry, grid));
+    for (const Placement& place : placements) layers[place.layer]->setTile(place.slot, tiles[place.tile]);
+
+    const int64_t top = std::max<int64_t>(static_cast<int64_t>(layers.size()) - 1, 0);
+    auto document = std::make_unique<PaintDocument>(manifest.width, manifest.height,
+                                                    manifest.dpi > 0 ? manifest.dpi : 72, std::move(layers),
+                                                    std::min(top, std::max<int64_t>(manifest.active, 0)));
+    if (manifest.onion) document->onion = *manifest.onion;
+    return document;
 }
 
 } // namespace qirn

@@ -2,7 +2,6 @@
 
 #include "compositing/CompositeInputs.h"
 #include "formats/common/AreaReducer.h"
-#include "formats/common/ScaledImage.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
@@ -42,7 +41,7 @@ std::vector<Group> groupsOf(const DocumentSnapshot& snapshot) {
 
 QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
     const TileGrid& grid = snapshot.grid;
-    const QSize size = ImageExport::scaledSize(grid.width, grid.height, maxSide);
+    const QSize size = reducedSize(grid.width, grid.height, maxSide);
     AreaReducer reducer(grid.width, grid.height, size.width(), size.height());
     const std::vector<CompositeInput> inputs = compositeInputs(snapshot.layers);
     const std::vector<Group> groups = groupsOf(snapshot);

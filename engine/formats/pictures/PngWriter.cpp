@@ -231,10 +231,4 @@ QByteArray pngBytes(const QImage& picture, double dpi) {
     return out.take();
 }
 
-std::optional<QByteArray> ImageExport::pngData(const QImage& image, double dpi) {
-    const QImage picture = image.isNull() ? image : inPixelFormat(image);
-    if (picture.isNull()) return std::nullopt;
-    return pngBytes(picture, dpi);
-}
-
 } // namespace qirn

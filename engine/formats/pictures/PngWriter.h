@@ -1,6 +1,4 @@
 #pragma once
-#include <optional>
-
 #include <QByteArray>
 #include <QImage>
 
@@ -10,12 +8,5 @@ namespace qirn {
 /// resolution and no other mark. A resolution that PNG cannot hold is left out. The bytes do not depend on the number of
 /// threads.
 QByteArray pngBytes(const QImage& picture, double dpi);
-
-namespace ImageExport {
-
-/// A PNG with its resolution noted; nothing for a null image.
-std::optional<QByteArray> pngData(const QImage& image, double dpi);
-
-} // namespace ImageExport
 
 } // namespace qirn

@@ -1,7 +1,13 @@
 #include "formats/psd/PSDFile.h"
 
+#include "core/PaintDocument.h"
 #include "formats/common/StraightPixels.h"
+#include "formats/psd/read/LayeredReader.h"
+#include "formats/psd/write/PSDWriter.h"
 #include "platform/Require.h"
+
+#include <cstdlib>
+#include <utility>
 
 namespace qirn {
 
@@ -30,6 +36,43 @@ std::array<std::vector<uint8_t>, 4> PSDFile::planes(const RGBABuffer& buffer, co
         }
     }
     return planes;
+}
+
+QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
+    const bool hasLayers = layered == Layered::yes;
+    BEWriter out;
+    writeHead(out, doc);
+    PlanePacker packer(doc);
+    if (hasLayers)
+        writeLayers(out, doc, packer);
+    else
+        out.u32(0);
+    // In files with layers readers remove white from the colors of the merged picture, as Photoshop does.
+    writeFinishedPicture(out, packer, hasLayers ? Matte::white : Matte::none);
+    return out.take();
+}
+
+std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
+    BEReader in(file);
+    const PSDHeader head = readLayeredHeader(in);
+    const PSDResources resources = readPSDResources(in);
+    Losses losses = lossesOfProfile(resources.profile);
+    const TileGrid grid(head.width, head.height);
+
+    std::vector<LayerRef> layers;
+    const int64_t length = in.u32();
+    const int64_t end = in.pos() + length;
+    if (length >= 5 && in.u32() != 0) {
+        const int64_t count = in.i16(); // negative where the finished picture has its own transparency
+        layers = readLayers(in, std::abs(count), grid, losses);
+    }
+    if (layers.empty()) {
+        in.moveTo(end);
+        layers.push_back(readFinishedPicture(in, head, grid));
+    }
+    if (remarks) *remarks = remarksOf(losses);
+    const auto top = static_cast<int64_t>(layers.size()) - 1;
+    return std::make_unique<PaintDocument>(head.width, head.height, resources.dpi, std::move(layers), top);
 }
 
 } // namespace qirn

@@ -1,41 +1,24 @@
-#include "core/PaintDocument.h"
+#include "formats/psd/read/LayeredReader.h"
+
 #include "core/PaintEngine.h"
-#include "formats/common/ByteReader.h"
 #include "formats/common/FormatErrors.h"
 #include "formats/psd/PSDFile.h"
-#include "formats/psd/PSDHeader.h"
 #include "formats/psd/read/LayerRecords.h"
 #include "formats/psd/read/LayerTiles.h"
 #include "platform/CheckedMath.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <utility>
-#include <vector>
 
 namespace qirn {
 
-namespace {
-
 using namespace PSDFile;
 
-constexpr int kAlpha = -1; // a layer channel's identifier
+namespace {
 
-/// The header of a file that is read with its layers, up to the image resources.
-PSDHeader readHeader(BEReader& in) {
-    const auto header = readPSDHeader(in);
-    if (!header || header->isLarge) throw PaintFileError::notPaintFile();
-    if (header->depth != 8) throw PSDError::unsupported(QStringLiteral("%1-bit color").arg(header->depth));
-    if (header->mode != PSDColorMode::rgb)
-        throw PSDError::unsupported(
-            QStringLiteral("color mode %1; only RGB").arg(static_cast<int>(header->mode)));
-    const auto [least, most] = std::minmax(header->width, header->height);
-    if (least < 1 || most > PaintEngine::maxCanvasSide) throw PaintFileError::tooLarge();
-    in.skip(in.u32()); // color mode data
-    return *header;
-}
+constexpr int kAlpha = -1; // a layer channel's identifier
 
 std::span<const uint8_t> rawRows(BEReader& in, int64_t w, int64_t h) {
     if (h > in.remaining() / w) throw BEReader::Short(); // the product may not fit 64 bits
@@ -115,7 +98,22 @@ LayerRef emptyLayer(const Rec& rec, std::size_t position, const TileGrid& grid) 
     return layer;
 }
 
-std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses) {
+} // namespace
+
+PSDHeader PSDFile::readLayeredHeader(BEReader& in) {
+    const auto header = readPSDHeader(in);
+    if (!header || header->isLarge) throw PaintFileError::notPaintFile();
+    if (header->depth != 8) throw PSDError::unsupported(QStringLiteral("%1-bit color").arg(header->depth));
+    if (header->mode != PSDColorMode::rgb)
+        throw PSDError::unsupported(
+            QStringLiteral("color mode %1; only RGB").arg(static_cast<int>(header->mode)));
+    const auto [least, most] = std::minmax(header->width, header->height);
+    if (least < 1 || most > PaintEngine::maxCanvasSide) throw PaintFileError::tooLarge();
+    in.skip(in.u32()); // color mode data
+    return *header;
+}
+
+std::vector<LayerRef> PSDFile::readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses) {
     std::vector<Rec> recs;
     for (int64_t i = 0; i < count; ++i) {
         recs.push_back(readRecord(in));
@@ -141,7 +139,7 @@ std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& gri
     return layers;
 }
 
-LayerRef readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid) {
+LayerRef PSDFile::readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid) {
     std::vector<StoredPlane> planes(checkedSize(head.channels), {{}, {}, head.width});
     switch (in.u16()) {
     case 0:
@@ -162,31 +160,6 @@ LayerRef readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid
     auto layer = std::make_shared<Layer>(QStringLiteral("Background"), grid);
     for (const auto& [slot, tile] : tiles[0]) layer->setTile(slot, tile);
     return layer;
-}
-
-} // namespace
-
-std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
-    BEReader in(file);
-    const PSDHeader head = readHeader(in);
-    const PSDResources resources = readPSDResources(in);
-    Losses losses = lossesOfProfile(resources.profile);
-    const TileGrid grid(head.width, head.height);
-
-    std::vector<LayerRef> layers;
-    const int64_t length = in.u32();
-    const int64_t end = in.pos() + length;
-    if (length >= 5 && in.u32() != 0) {
-        const int64_t count = in.i16(); // negative where the finished picture has its own transparency
-        layers = readLayers(in, std::abs(count), grid, losses);
-    }
-    if (layers.empty()) {
-        in.moveTo(end);
-        layers.push_back(readFinishedPicture(in, head, grid));
-    }
-    if (remarks) *remarks = remarksOf(losses);
-    const auto top = static_cast<int64_t>(layers.size()) - 1;
-    return std::make_unique<PaintDocument>(head.width, head.height, resources.dpi, std::move(layers), top);
 }
 
 } // namespace qirn

@@ -46,7 +46,7 @@ float toSample(double value, float) {
     return static_cast<float>(value);
 }
 
-/// Photoshop's 16 bits put "no colour" at 32,768, profiles at 32,896: both go from -128 to 127, in steps of 1/256
+/// Photoshop's 16 bits put "no color" at 32,768, profiles at 32,896: both go from -128 to 127, in steps of 1/256
 /// and of 1/257.
 uint16_t inProfileCoding(uint16_t value) {
     return static_cast<uint16_t>(std::min(65535, (value * 257 + 128) / 256));

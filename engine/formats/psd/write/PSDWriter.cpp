@@ -1,8 +1,8 @@
+#include "formats/psd/write/PSDWriter.h"
+
 #include "core/PaintDocument.h"
-#include "formats/common/ByteReader.h"
 #include "formats/psd/PSDFile.h"
 #include "formats/psd/PSDHeader.h"
-#include "formats/psd/write/PlanePacker.h"
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
@@ -14,9 +14,9 @@
 
 namespace qirn {
 
-namespace {
-
 using namespace PSDFile;
+
+namespace {
 
 constexpr uint16_t kRunLengths = 1; // the compression code of packed rows
 constexpr int64_t kMostLayers = 32768;
@@ -41,31 +41,6 @@ void padToFour(BEWriter& out, int64_t length) {
 uint32_t fixedPoint(double dpi) {
     const double most = std::numeric_limits<uint32_t>::max();
     return static_cast<uint32_t>(std::min(std::max(1.0, dpi) * 65536, most));
-}
-
-void writeHead(BEWriter& out, const PaintDocument& doc) {
-    tag(out, "8BPS");
-    out.u16(1); // version
-    out.zeros(6);
-    out.u16(kPlanes);
-    out.u32(static_cast<uint32_t>(doc.grid().height));
-    out.u32(static_cast<uint32_t>(doc.grid().width));
-    out.u16(8); // bits
-    out.u16(3); // RGB
-    out.u32(0); // color mode data
-
-    BEWriter resources;
-    tag(resources, "8BIM");
-    resources.u16(PSDResources::kResolution);
-    resources.zeros(2); // no name
-    resources.u32(16);
-    for (int direction = 0; direction < 2; ++direction) {
-        resources.u32(fixedPoint(doc.dpi));
-        resources.u16(1); // pixels per inch
-        resources.u16(1); // sizes in inches
-    }
-    out.u32(static_cast<uint32_t>(resources.size()));
-    out.bytes(resources.data());
 }
 
 void writeName(BEWriter& out, const QString& name) {
@@ -174,7 +149,34 @@ void writeChannels(BEWriter& out, const PackedPlanes& planes, int64_t channelsAt
     blocks.appendTo(out);
 }
 
-void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
+} // namespace
+
+void PSDFile::writeHead(BEWriter& out, const PaintDocument& doc) {
+    tag(out, "8BPS");
+    out.u16(1); // version
+    out.zeros(6);
+    out.u16(kPlanes);
+    out.u32(static_cast<uint32_t>(doc.grid().height));
+    out.u32(static_cast<uint32_t>(doc.grid().width));
+    out.u16(8); // bits
+    out.u16(3); // RGB
+    out.u32(0); // color mode data
+
+    BEWriter resources;
+    tag(resources, "8BIM");
+    resources.u16(PSDResources::kResolution);
+    resources.zeros(2); // no name
+    resources.u32(16);
+    for (int direction = 0; direction < 2; ++direction) {
+        resources.u32(fixedPoint(doc.dpi));
+        resources.u16(1); // pixels per inch
+        resources.u16(1); // sizes in inches
+    }
+    out.u32(static_cast<uint32_t>(resources.size()));
+    out.bytes(resources.data());
+}
+
+void PSDFile::writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
     if (doc.layerCount() > kMostLayers) throw TooLarge();
     const int64_t sectionAt = out.size();
     out.u32(0);
@@ -196,26 +198,13 @@ void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
     out.patchU32(sectionAt, static_cast<uint32_t>(section));
 }
 
-} // namespace
-
-QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
-    BEWriter out;
-    writeHead(out, doc);
-    PlanePacker packer(doc);
-    if (layered == Layered::yes)
-        writeLayers(out, doc, packer);
-    else
-        out.u32(0);
-
-    // In files with layers readers remove white from the colors of the merged picture, as Photoshop does.
-    const PackedPlanes finished =
-        packer.finishedPicture(layered == Layered::yes ? Matte::white : Matte::none);
+void PSDFile::writeFinishedPicture(BEWriter& out, PlanePacker& packer, Matte matte) {
+    const PackedPlanes finished = packer.finishedPicture(matte);
     Blocks blocks;
     blocks.add(kRunLengths);
     for (int plane = 0; plane < kPlanes; ++plane) blocks.addCounts(finished, plane);
     for (int plane = 0; plane < kPlanes; ++plane) blocks.addRows(finished, plane);
     blocks.appendTo(out);
-    return out.take();
 }
 
 } // namespace qirn
