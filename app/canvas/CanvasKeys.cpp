@@ -144,7 +144,7 @@ bool CanvasView::nudge(int key, int step) {
 bool CanvasView::handleCharacter(QKeyEvent* event) {
     if (event->text().size() != 1) return false;
     const QChar character = event->text()[0].toLower();
-    // D alone picks a tool; with Shift it is the default colours.
+    // D alone picks a tool; with Shift it is the default colors.
     if (character == u'd' && event->modifiers().testFlag(Qt::ShiftModifier)) {
         model_.colors().defaultColors();
         return true;

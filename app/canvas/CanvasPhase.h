@@ -11,7 +11,7 @@ public:
     bool isIdle() const { return !gesture_; }
     bool isGestureOf(Tool tool) const { return gesture_ && tool_ == tool; }
     /// A stroke, whose pixels are in no undo step yet.
-    bool isPainting() const { return gesture_ && rowOf(tool_).usesBrush; }
+    bool isPainting() const { return gesture_ && rowOf(tool_).usesBrush(); }
     const PenSample& latest() const { return latest_; } ///< Of the gesture.
 
     void begin(Tool tool, std::unique_ptr<CanvasTool> gesture, const PenSample& press); ///< Null: stays idle.

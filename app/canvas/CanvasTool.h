@@ -1,6 +1,6 @@
 #pragma once
 #include "app/canvas/PenInput.h"
-#include "app/model/Tool.h"
+#include "app/model/choices/Tool.h"
 
 #include <array>
 #include <memory>

@@ -25,7 +25,7 @@ namespace qirn {
 namespace {
 
 constexpr int kMostRepaintRects = 24; // more are painted as their box
-constexpr int kBackgroundGrey = 31;   // white 0.12
+constexpr int kBackgroundGray = 31;   // white 0.12
 constexpr double kSecondsBetweenReports = 0.05;
 constexpr std::chrono::milliseconds kRestAfter(150); // of no turn or zoom
 
@@ -181,7 +181,7 @@ void CanvasView::paintEvent(QPaintEvent* event) {
     const QRectF exposed(QPointF(box.topLeft()) * pixelRatio() - deviceOffset(),
                          QSizeF(box.size()) * pixelRatio());
     painter.fillRect(exposed.adjusted(-1, -1, 1, 1),
-                     QColor(kBackgroundGrey, kBackgroundGrey, kBackgroundGrey));
+                     QColor(kBackgroundGray, kBackgroundGray, kBackgroundGray));
     if (!session_) return;
     // What there is no memory for is left out of this paint and tried again at the next: the picture itself is whole.
     bool whole = contained([&] { presentation_.prepare(transform_, session_->view.zoom); });
@@ -208,7 +208,7 @@ void CanvasView::choicesChanged() {
 
 void CanvasView::updateCursor(std::optional<QPointF> viewPoint) {
     std::optional<CanvasOverlay::Ring> ring;
-    const bool brush = rowOf(model_.tool()).usesBrush || model_.penIsEraser;
+    const bool brush = rowOf(model_.tool()).usesBrush() || model_.penIsEraser;
     if (viewPoint && session_ && brush && model_.prefs().showBrushOutline && !spaceDown_) {
         const double diameter =
             std::max(model_.brushes().activeBrush().size * session_->view.zoom, 2 * pixelRatio());

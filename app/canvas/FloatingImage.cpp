@@ -69,7 +69,7 @@ void FloatingImage::paint(QPainter& painter, const Floating& floating, const QTr
             box.intersected(QRectF(0, 0, static_cast<double>(origin.w), static_cast<double>(origin.h)));
         return IRect::covering(part.translated(static_cast<double>(origin.x), static_cast<double>(origin.y)));
     };
-    const IRect needed = partWithin(seen.adjusted(-1, -1, 1, 1)); // neighbours that smoothing looks at
+    const IRect needed = partWithin(seen.adjusted(-1, -1, 1, 1)); // neighbors that smoothing looks at
     if (needed.isEmpty()) return;
     const int level = levelFor(toDevice);
     if (image_.isNull() || level != level_ || !(part_.united(needed) == part_)) {

@@ -9,8 +9,8 @@
 #include "app/model/PaintModel.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
-#include "platform/files/AtomicFile.h"
 #include "platform/Bytes.h"
+#include "platform/files/AtomicFile.h"
 #include "platform/files/ReadFile.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ std::optional<std::map<Tool, BrushSettings>> decodeToolBrushes(const Json& recor
         for (const auto& [id, brush] : record.items()) {
             const std::optional<Tool> tool = toolWithId(QString::fromStdString(id));
             const BrushSettings decoded = BrushSettings::fromJson(brush);
-            if (tool && rowOf(*tool).usesBrush) brushes.insert_or_assign(*tool, decoded);
+            if (tool && rowOf(*tool).usesBrush()) brushes.insert_or_assign(*tool, decoded);
         }
     } catch (const JsonTypeError&) {
         return std::nullopt;
@@ -39,7 +39,7 @@ std::optional<std::map<Tool, BrushSettings>> decodeToolBrushes(const Json& recor
 
 Tool toolOf(BrushKind kind) {
     for (const ToolRow& row : kTools) {
-        if (row.usesBrush && row.brushKind == kind) return row.tool;
+        if (row.usesBrush() && row.brushKind == kind) return row.tool;
     }
     return Tool::brush;
 }
@@ -53,7 +53,7 @@ BrushSettings sanitized(BrushSettings brush) {
 
 Brushes::Brushes(PaintModel& model) : model_(model), file_(AppFolders::brushesFile()) {
     for (const ToolRow& row : kTools) {
-        if (row.usesBrush) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
+        if (row.usesBrush()) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
     }
 }
 
@@ -72,7 +72,7 @@ void Brushes::save(Store& store) const {
 }
 
 Tool Brushes::brushTool() const {
-    return rowOf(model_.tool()).usesBrush ? model_.tool() : Tool::brush;
+    return rowOf(model_.tool()).usesBrush() ? model_.tool() : Tool::brush;
 }
 
 BrushSettings Brushes::defaultBrush(Tool tool) {
@@ -179,7 +179,7 @@ void Brushes::importBrushes() {
     try {
         brushes = brushesToImport(bytesOf(readFile(paths.front())));
     } catch (const ReadError&) {
-        // Told below: to the user it is no brush file either.
+        // Falls through to the alert below: unreadable and no brush file are the same to the user.
     }
     if (!brushes)
         return model_.messages().alert(tr("Couldn't import brushes"),

@@ -1,6 +1,6 @@
 #pragma once
 #include "app/files/UserBrushes.h"
-#include "app/model/Tool.h"
+#include "app/model/choices/Tool.h"
 #include "brush/BrushSettings.h"
 
 #include <map>
@@ -15,13 +15,13 @@ namespace qirn {
 class PaintModel;
 class Store;
 
-/// A brush for each tool that paints with one, and the presets: built-in ones, which stay as they are, and the user's own.
+/// The active brush of each brush tool, and the presets: the built-in ones, which never change, and the user's own.
 class Brushes {
     Q_DECLARE_TR_FUNCTIONS(qirn::Brushes)
 public:
     explicit Brushes(PaintModel& model); ///< Borrowed for its life. Every tool has its built-in brush.
 
-    Tool brushTool() const; ///< Tools without a brush edit the Brush tool's.
+    Tool brushTool() const; ///< The current tool, or Brush where that has no brush of its own.
     const BrushSettings& activeBrush() const;
     void setActiveBrush(const BrushSettings& brush); ///< Sanitised; written to the store later.
     static BrushSettings defaultBrush(Tool tool);
@@ -37,11 +37,11 @@ public:
     void updateUserBrush();
     void deleteUserBrush(const BrushSettings& preset); ///< Asks first.
 
-    void exportBrushes(); ///< The user's presets; without any, the active brush.
+    void exportBrushes(); ///< Writes the user's presets, or the active brush where there are none.
     void importBrushes();
 
     void load(const Store& store); ///< The tools' brushes, and the file of the user's presets.
-    void save(Store& store) const; ///< The tools' brushes; presets are in their file already.
+    void save(Store& store) const; ///< The tools' brushes. Presets are written to their file at each change.
 
 private:
     void setToolBrush(Tool tool, const BrushSettings& brush);

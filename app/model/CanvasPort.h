@@ -4,7 +4,7 @@ namespace qirn {
 
 class DocSession;
 
-/// What the model asks of the canvas that shows its pictures. One without a canvas asks this, which does nothing.
+/// The canvas as the model knows it. This class itself is the null object, for a model without a canvas.
 class CanvasPort {
 public:
     enum class AllTiles { no, yes };
@@ -17,8 +17,8 @@ public:
     virtual void choicesChanged() {}              ///< The tool, its brush or the preferences.
     virtual bool isBusy() const { return false; } ///< A stroke is in progress.
     virtual void endStroke() {}                   ///< Ends and commits the stroke in progress, if any.
-    virtual void endGesture() {} ///< Whatever drag is in progress, as if it were let go where it last was.
-    /// After a failure: any gesture goes, and all is drawn anew. The picture is the model's to put back.
+    virtual void endGesture() {} ///< Ends any drag in progress as if it were released where it last was.
+    /// After a failure: drops any gesture without committing it and redraws everything. The model restores the document.
     virtual void dropUncommitted() {}
 };
 

@@ -7,8 +7,8 @@
 
 namespace qirn {
 
-/// What the status bar shows of the canvas at the rate of input, apart from the model so that moving the pen
-/// refreshes nothing else.
+/// What the status bar shows of the canvas. It changes at the rate of pen events, so it has a notifier of its own: moving
+/// the pen refreshes nothing else.
 class CanvasStatus : public QObject {
     Q_OBJECT
 public:

@@ -85,7 +85,7 @@ std::optional<QPoint> Clipboard::placeOfCopy(const RGBABuffer& buffer) const {
     if (!lastCopyOrigin_ || !model_.current()) return std::nullopt;
     const IRect& place = *lastCopyOrigin_;
     const bool same = place.w == buffer.width() && place.h == buffer.height();
-    // On another, smaller picture the place can lie outside, where nothing would show.
+    // On a smaller picture the old place can lie outside the canvas, where nothing would show.
     const bool inside = !place.intersection(model_.current()->doc().grid().bounds()).isEmpty();
     if (!same || !inside) return std::nullopt;
     return QPoint(static_cast<int>(place.x), static_cast<int>(place.y));
@@ -117,7 +117,7 @@ void Clipboard::importImage(const QString& path) {
     try {
         picture = ImageImport::decode(bytesOf(readFile(path)));
     } catch (const DescribedError&) {
-        // Told below, as whatever else is no picture.
+        // Falls through to the message below.
     }
     if (!picture)
         return model_.messages().alert(tr("Couldn't import"), tr("This picture could not be read."));
@@ -126,7 +126,7 @@ void Clipboard::importImage(const QString& path) {
 
 bool Clipboard::drop(const QMimeData& offer) {
     if (const auto path = PictureExchange::firstFile(offer)) {
-        // Later: the program that the drag came from waits for this call, and a box may come up.
+        // Queued: the program that the drag came from waits for this call, and an alert may come up.
         const auto take = [this, path = *path] {
             if (FileTypes::isNative(path))
                 model_.pictures().open(path);

@@ -15,20 +15,21 @@ namespace qirn {
 
 class PaintModel;
 
-/// Pictures that go out and come in beside whole documents: the clipboard, drags and imported layers.
+/// Copy and paste, drops on the canvas, and pictures imported as layers.
 class Clipboard {
     Q_DECLARE_TR_FUNCTIONS(qirn::Clipboard)
 public:
     explicit Clipboard(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
 
-    void copy(Merged merged); ///< Lifted pixels stay where they are and are not copied.
+    void copy(Merged merged); ///< Floating pixels are not copied.
     void cut();
     void paste();
-    /// As a new layer, never cut by the selection; centred where no place of the top left pixel is given.
+    /// Adds the pixels as a new layer, whatever is selected; centerd where no place of the top left pixel is given.
     void pasteBuffer(const RGBABuffer& buffer, const QString& name, std::optional<QPoint> topLeft);
     void importImageAsLayer();
     void importImage(const QString& path);
-    bool drop(const QMimeData& offer); ///< False when nothing in it is of use; files are read after the call.
+    bool drop(const QMimeData&
+                  offer); ///< False when it holds no picture. Files are read after the call has returned.
 
 private:
     bool copyPicture(Merged merged);

@@ -11,10 +11,10 @@ class Store;
 
 inline constexpr std::size_t kRecentColors = 18;
 
-/// The colour at the front, no two of the same red, green and blue, at most `kRecentColors`.
+/// The list with the color at its front: no two of the same red, green and blue, at most `kRecentColors`.
 std::vector<PaintColor> withRecent(const std::vector<PaintColor>& recent, const PaintColor& color);
 
-/// The two colours that everything paints with, and those that were used before. All are opaque.
+/// The paint color, the second color and the recent ones. All are opaque.
 class Colors {
 public:
     explicit Colors(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
@@ -23,7 +23,8 @@ public:
     const PaintColor& secondary() const { return secondary_; }
     const std::vector<PaintColor>& recent() const { return recent_; } ///< Newest first.
 
-    void setPrimary(const PaintColor& color); ///< As a drag in a colour chooser does: nothing becomes recent.
+    void
+    setPrimary(const PaintColor& color); ///< Without adding to the recent ones, as while a slider is dragged.
     enum class AddRecent { no, yes };
     void pick(const PaintColor& color, AddRecent addRecent);
     void pushRecent(const PaintColor& color);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kReserveBytes = 4 * 1024 * 1024;
 
-/// Memory for the way back and the message: many small pieces, for which there may be nothing else.
+/// A reserve that is freed after std::bad_alloc, so that reverting and the message find memory.
 std::unique_ptr<std::byte[]>& reserve() {
     static std::unique_ptr<std::byte[]> bytes;
     return bytes;

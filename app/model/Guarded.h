@@ -8,13 +8,13 @@ namespace qirn {
 
 class PaintModel;
 
-/// Puts the picture back to its last commit after the exception in flight, and says so. Memory kept for this moment is
-/// let go first.
+/// Called in a catch block: frees the reserve of memory, reverts the picture to its last commit, and tells the user what
+/// the exception says.
 void takeBackAfterFailure(PaintModel& model) noexcept;
 
-/// Whatever Qt calls and that touches pictures runs in here: an exception that passed Qt's Gui or Widgets would leave
-/// them broken, and one that nobody takes ends the program with every picture. A failure, which is nearly always
-/// memory that is out, costs what was not committed: a stroke goes as by Esc. True when `body` ran to its end.
+/// Runs `body` and catches what it throws. Everything that Qt calls and that touches pictures runs in here: an exception
+/// must not pass Qt's Gui or Widgets, and an uncaught one would end the program with every picture. A failure, nearly
+/// always std::bad_alloc, costs only what was not committed. True when `body` ran to its end.
 template <class Body> bool guarded(PaintModel& model, Body&& body) noexcept {
     try {
         std::forward<Body>(body)();
@@ -25,7 +25,7 @@ template <class Body> bool guarded(PaintModel& model, Body&& body) noexcept {
     }
 }
 
-/// Calls `body` with `arguments` where it takes them, without where it takes none.
+/// Calls `body` with `arguments`, or without any where it takes none.
 template <class Body, class... Arguments>
 void callWithWhatItTakes(const Body& body, Arguments&&... arguments) {
     if constexpr (std::is_invocable_v<const Body&, Arguments...>)
@@ -34,7 +34,7 @@ void callWithWhatItTakes(const Body& body, Arguments&&... arguments) {
         body();
 }
 
-/// The same as a slot, which may leave out the arguments that its signal brings.
+/// A slot that runs `body` guarded. It may take fewer arguments than its signal has.
 template <class Body> auto guarding(PaintModel& model, Body body) {
     return [&model, body = std::move(body)](auto&&... arguments) -> void {
         guarded(model, [&] { callWithWhatItTakes(body, std::forward<decltype(arguments)>(arguments)...); });

@@ -9,7 +9,7 @@ namespace qirn {
 
 class PaintModel;
 
-/// A layer's opacity while a slider moves: shown, and in no step before `commit` or whatever else comes next.
+/// A layer's opacity while its slider moves: shown at once, committed as one undo step by `commit` or by the next edit.
 class OpacityPreview {
     Q_DECLARE_TR_FUNCTIONS(qirn::OpacityPreview)
 public:
@@ -18,7 +18,7 @@ public:
     bool isPending() const { return pending_.has_value(); }
     void show(int64_t layerIndex, double opacity); ///< Of the current picture's layer; 0 to 1.
     void commit();                    ///< The one undo step of what was shown; none where nothing was.
-    void drop() { pending_.reset(); } ///< After a failure, when the picture has been put back without it.
+    void drop() { pending_.reset(); } ///< After a failure: the document has been reverted already.
 
 private:
     struct Pending {

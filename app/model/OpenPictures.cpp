@@ -41,7 +41,7 @@ QString standardized(const QString& path) {
     return real.isEmpty() ? QDir::cleanPath(QFileInfo(path).absoluteFilePath()) : real;
 }
 
-/// As they were noted: some may be gone.
+/// As stored: some of the files may no longer exist.
 QStringList storedRecentFiles(const Store& store) {
     QStringList paths;
     const Json* list = store.json(kRecentFilesKey);

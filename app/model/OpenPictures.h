@@ -32,13 +32,13 @@ public:
     /// Where there is no picture: 1920 x 1080 on white, or transparent where the preferences say so.
     void ensureDocument();
     void add(SessionRef session);
-    void addRecovered(SessionRef session); ///< In place of an untouched starter.
+    void addRecovered(SessionRef session); ///< Replaces an untouched starter picture.
     void select(DocSession& session);
 
     void openPanel();
     void open(const QString& path);
     enum class SaveAs { no, yes };
-    bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when not saved.
+    bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when cancelled or failed.
     /// Writes a copy in another format; the picture stays as dirty as it was.
     void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
 
@@ -53,7 +53,7 @@ private:
     void noteRecentFile(const QString& path);
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);
-    /// Unsaved work goes to the Trash. False where it cannot and the user would rather keep the picture open.
+    /// Moves the unsaved work to the Trash. False where that failed and the user keeps the picture open.
     bool leaveInTrash(DocSession& session);
 
     PaintModel& model_;

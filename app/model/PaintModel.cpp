@@ -144,7 +144,7 @@ void PaintModel::redo() {
     opacity_->commit();
     const std::optional<QString> name = session ? session->doc().redoName() : std::nullopt;
     if (!name) return desktop_.beep();
-    // A step put back under floating pixels would have them on the picture twice.
+    // Redo with pixels floating would restore a state that holds them already.
     if (transform_->isPending()) return transform_->cancelTransform();
     session->doc().redo();
     afterChange(*session);

@@ -1,9 +1,9 @@
 #pragma once
 #include "app/model/CanvasPort.h"
-#include "app/model/PaintPrefs.h"
 #include "app/model/PaintSheet.h"
-#include "app/model/Tool.h"
-#include "app/model/ToolOptions.h"
+#include "app/model/choices/PaintPrefs.h"
+#include "app/model/choices/Tool.h"
+#include "app/model/choices/ToolOptions.h"
 
 #include <functional>
 #include <memory>
@@ -64,7 +64,7 @@ public:
     const PaintPrefs& prefs() const { return prefs_; }
     void setPrefs(const PaintPrefs& prefs);
     const std::optional<PaintSheet>& sheet() const { return sheet_; } ///< The one that is up.
-    void showSheet(const PaintSheet& sheet);                          ///< In place of another one.
+    void showSheet(const PaintSheet& sheet);                          ///< Replaces one that is up.
     void closeSheet();
     bool penIsEraser = false; ///< The eraser end of the pen is down or near.
 
@@ -72,25 +72,25 @@ public:
     enum class NeedsUnlockedLayer { no, yes };
     void edit(const QString& name, const std::function<void(PaintDocument&)>& body,
               NeedsUnlockedLayer needs = NeedsUnlockedLayer::no);
-    /// Makes steps of whatever is on the picture and in none yet, be it the gesture of a pen, a previewed opacity or
-    /// floating pixels: no command runs in the middle of them.
+    /// Ends and commits whatever is uncommitted: the gesture in progress, a previewed opacity, floating pixels. Every
+    /// command calls it first.
     void finishGesture();
-    void afterChange(DocSession& session); ///< Shows what was committed.
+    void afterChange(DocSession& session); ///< After a commit: redraws and announces.
     void undo();
     void redo();
     bool canUndo() const; ///< Undo would take something back: floating pixels, a previewed opacity or a step.
     bool canRedo() const;
-    /// After a failure: the picture is what it was at its last commit, nothing is in progress, and `why` is said.
+    /// After a failure: reverts the picture to its last commit, drops what is in progress and flashes `why`.
     void takeBack(const QString& why);
 
-    // --- What it stands on
+    // --- Services and the canvas
     Desktop& desktop() const { return desktop_; }
     Store& store() const { return store_; }
     CanvasPort& canvas() const { return *canvas_; }
     void setCanvas(CanvasPort* canvas); ///< Borrowed until another one is set; null for none.
 
     void announce() { Q_EMIT changed(); }
-    void choiceChanged(); ///< Announced, and stored a little later.
+    void choiceChanged(); ///< Announces, and saves the choices when control returns to the event loop.
     void saveState();     ///< Puts the choices into the store.
 
 Q_SIGNALS:

@@ -101,7 +101,7 @@ void Palettes::addToPalette(const PaintColor& color) {
 }
 
 void Palettes::removeFromPalette(std::size_t index) {
-    if (index >= currentPalette().colors.size()) return; // before a copy is made for nothing
+    if (index >= currentPalette().colors.size()) return; // before an edit copies a built-in palette
     auto& colors = userPalettes_[editablePaletteIndex()].colors;
     colors.erase(colors.begin() + static_cast<std::ptrdiff_t>(index));
     savePalettes();

@@ -15,8 +15,8 @@ namespace qirn {
 class PaintModel;
 class Store;
 
-/// The palettes: built-in ones, which stay as they are, and the user's own. An edit of a built-in one goes to the user's
-/// own copy of it, which becomes the current one.
+/// The built-in palettes, which never change, and the user's own. An edit of a built-in palette copies it first; the copy
+/// becomes current.
 class Palettes {
     Q_DECLARE_TR_FUNCTIONS(qirn::Palettes)
 public:
@@ -30,7 +30,8 @@ public:
     enum class FromRecent { no, yes };
     void newPalette(const QString& name,
                     FromRecent fromRecent); ///< Of the paint color, or of the recent ones.
-    std::size_t editablePaletteIndex(); ///< Among the user's own, where the copy is made that an edit needs.
+    std::size_t
+    editablePaletteIndex(); ///< Index among the user's own; copies the current palette where it is built in.
     void addToPalette(const PaintColor& color);
     void removeFromPalette(std::size_t index);
     void renamePalette(const QString& name);

@@ -20,7 +20,7 @@ void PendingTransform::beginTransform() {
         if (floating) doc.revertToLastCommit();
         return model_.messages().flash(tr("Nothing to move on this layer"));
     }
-    // Alpha lock would bring nothing back where the layer has become empty.
+    // Under alpha lock nothing could be placed on the pixels that the lift has left empty.
     lockedAlpha_ = layer.alphaLocked;
     layer.alphaLocked = false;
     state_.emplace(std::move(floating));
@@ -46,8 +46,8 @@ void PendingTransform::applyTransform() {
     placeFloating(doc, *state.floating, state.matrix());
     if (const auto index = doc.indexOf(state.floating->layerID)) doc.layer(*index).alphaLocked = lockedAlpha_;
     if (doc.selection) {
-        // Moved pixels keep their selection; a mask cannot follow a scale or a turn.
-        const auto [dx, dy] = state.wholeWay();
+        // The selection follows a translation; it cannot follow a scale or a turn.
+        const auto [dx, dy] = state.wholeOffset();
         doc.selection = state.isTranslation() ? doc.selection->offsetBy(dx, dy) : nullptr;
     }
     doc.commit(tr("Transform"));

@@ -10,7 +10,7 @@ namespace qirn {
 
 class PaintModel;
 
-/// Pixels lifted off the active layer, until they are put down or put back.
+/// The floating pixels of the Move tool, from the lift off the active layer until they are placed or cancelled.
 class PendingTransform {
     Q_DECLARE_TR_FUNCTIONS(qirn::PendingTransform)
 public:
@@ -23,7 +23,7 @@ public:
     void updateTransform(const std::function<void(TransformState&)>& change);
     void applyTransform();
     void cancelTransform();
-    void drop() { state_.reset(); } ///< After a failure, when the picture has been put back without it.
+    void drop() { state_.reset(); } ///< After a failure: the document has been reverted already.
 
 private:
     PaintModel& model_;

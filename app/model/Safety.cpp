@@ -37,7 +37,7 @@ void Safety::autosaveTick() {
         if (changes == session->savedChange || changes == session->autosavedChange) continue;
         const bool recent = session->lastAutosave.isValid() &&
                             static_cast<double>(session->lastAutosave.msecsTo(now)) < interval * 1000;
-        // Lifted pixels are in no layer: a copy of such a moment would lack them.
+        // Floating pixels are in no layer, so a copy made now would lack them.
         const bool floating = model_.transform().isPending() && session.get() == model_.current();
         if (recent || floating || model_.canvas().isBusy()) continue;
         Recovery::write(*session, Recovery::Synchronously::no);
@@ -48,7 +48,7 @@ void Safety::autosaveTick() {
 
 void Safety::keepWork() {
     model_.saveState();
-    model_.store().write(); // first, since it is done at once
+    model_.store().write(); // first, since it is quick
     for (const SessionRef& session : model_.pictures().sessions()) {
         if (session->isDirty() && !Recovery::isUpToDate(*session))
             Recovery::write(*session, Recovery::Synchronously::no);

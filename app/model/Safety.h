@@ -9,7 +9,7 @@ namespace qirn {
 
 class PaintModel;
 
-/// Copies of unsaved work, from time to time and when the process is made to end.
+/// Safety copies of unsaved work: on a timer, and when the process is made to end.
 class Safety : public QObject {
     Q_OBJECT
 public:
@@ -18,8 +18,8 @@ public:
     void startAutosave();
     void autosaveTick();
     const std::optional<QString>& lastAutosaveText() const { return lastAutosaveText_; }
-    /// Copies of all unsaved work, as it was last committed and whatever the preferences say, and the store: what remains
-    /// to be done when the process is made to end. Waits for it.
+    /// Writes the store and a copy of every picture with unsaved work, as last committed, whatever the preferences say, and
+    /// waits for the writes: the process is about to end.
     void keepWork();
 
 private:

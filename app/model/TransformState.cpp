@@ -54,14 +54,14 @@ QPointF TransformState::rotateHandle(double distance) const {
     return topMiddle() + arm / divisor * distance;
 }
 
-TransformState::WholeWay TransformState::wholeWay() const {
+TransformState::Offset TransformState::wholeOffset() const {
     const QPointF way = center - floating->origin.rectF().center();
     return {std::llround(way.x()), std::llround(way.y())};
 }
 
 QPointF TransformState::shownCenter() const {
     if (!isTranslation()) return center;
-    const auto [dx, dy] = wholeWay();
+    const auto [dx, dy] = wholeOffset();
     return floating->origin.rectF().center() + QPointF(static_cast<double>(dx), static_cast<double>(dy));
 }
 

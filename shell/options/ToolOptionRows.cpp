@@ -33,24 +33,16 @@ QStringList shapes(const PaintModel&) {
     return titles;
 }
 
-bool isBrushTool(const PaintModel& model) {
-    return rowOf(model.tool()).usesBrush;
+template <OptionGroup kGroup> bool has(const PaintModel& model) {
+    return rowOf(model.tool()).options == kGroup;
 }
-bool isSelectTool(const PaintModel& model) {
-    const Tool tool = model.tool();
-    return tool == Tool::selectRect || tool == Tool::selectEllipse || tool == Tool::lasso;
-}
-bool laysPaint(const PaintModel& model) {
-    return model.tool() == Tool::brush || model.tool() == Tool::eraser;
-}
-bool movesPaint(const PaintModel& model) {
-    return model.tool() == Tool::smudge || model.tool() == Tool::blur;
-}
-template <Tool kTool> bool is(const PaintModel& model) {
-    return model.tool() == kTool;
+/// Of the tools with a brush, those whose brush is of one of these kinds.
+template <BrushKind... kKinds> bool brushOf(const PaintModel& model) {
+    const ToolRow& row = rowOf(model.tool());
+    return row.usesBrush() && ((row.brushKind == kKinds) || ...);
 }
 bool canLift(const PaintModel& model) {
-    return model.tool() == Tool::move && !model.transform().isPending();
+    return has<OptionGroup::transform>(model) && !model.transform().isPending();
 }
 bool hasLifted(const PaintModel& model) {
     return model.transform().isPending();
@@ -133,60 +125,65 @@ template <auto kSubject, auto kMethod> void call(PaintModel& model) {
 #define TEXT(text) QT_TRANSLATE_NOOP("qirn::ToolOptionsBar", text)
 
 constexpr Row kRows[] = {
-    {isBrushTool, Custom{presetMenu}},
-    {isBrushTool, brushSlider<&BrushSettings::size>(TEXT("Size"), {1, 400, 1, true}, NumberFormat::pixels(),
-                                                    TEXT("Brush size in pixels ( [ and ] keys)"))},
-    {laysPaint, brushSlider<&BrushSettings::opacity>(TEXT("Opacity"), {0, 1, 0.01}, NumberFormat::percent())},
-    {laysPaint, brushSlider<&BrushSettings::flow>(TEXT("Flow"), {0.01, 1, 0.01}, NumberFormat::percent())},
-    {movesPaint,
+    {has<OptionGroup::brush>, Custom{presetMenu}},
+    {has<OptionGroup::brush>,
+     brushSlider<&BrushSettings::size>(TEXT("Size"), {1, 400, 1, true}, NumberFormat::pixels(),
+                                       TEXT("Brush size in pixels ( [ and ] keys)"))},
+    {brushOf<BrushKind::paint, BrushKind::erase>,
+     brushSlider<&BrushSettings::opacity>(TEXT("Opacity"), {0, 1, 0.01}, NumberFormat::percent())},
+    {brushOf<BrushKind::paint, BrushKind::erase>,
+     brushSlider<&BrushSettings::flow>(TEXT("Flow"), {0.01, 1, 0.01}, NumberFormat::percent())},
+    {brushOf<BrushKind::smudge, BrushKind::blur>,
      brushSlider<&BrushSettings::strength>(TEXT("Strength"), {0, 1, 0.01}, NumberFormat::percent())},
-    {isBrushTool, brushSlider<&BrushSettings::stabilizer>(
-                      TEXT("Stabilizer"), {0, 100, 1}, NumberFormat::plain(), TEXT("Smooths shaky lines"))},
-    {is<Tool::brush>, Note{TEXT("Tip: hold ⌥ Option with the brush to pick a color")}},
-    {is<Tool::bucket>, Slider{TEXT("Tolerance"),
-                              {0, 255, 1},
-                              NumberFormat::plain(),
-                              TEXT("How different a color can be and still get filled"),
-                              fillNumber<&FillOptions::tolerance>,
-                              setFill<&FillOptions::tolerance>}},
-    {is<Tool::bucket>,
+    {has<OptionGroup::brush>,
+     brushSlider<&BrushSettings::stabilizer>(TEXT("Stabilizer"), {0, 100, 1}, NumberFormat::plain(),
+                                             TEXT("Smooths shaky lines"))},
+    {brushOf<BrushKind::paint>, Note{TEXT("Tip: hold ⌥ Option with the brush to pick a color")}},
+    {has<OptionGroup::fill>, Slider{TEXT("Tolerance"),
+                                    {0, 255, 1},
+                                    NumberFormat::plain(),
+                                    TEXT("How different a color can be and still get filled"),
+                                    fillNumber<&FillOptions::tolerance>,
+                                    setFill<&FillOptions::tolerance>}},
+    {has<OptionGroup::fill>,
      Toggle{TEXT("Contiguous"), TEXT("On: only the connected area. Off: every matching pixel."),
             fillFlag<&FillOptions::contiguous>, setFill<&FillOptions::contiguous>}},
-    {is<Tool::bucket>,
+    {has<OptionGroup::fill>,
      Toggle{TEXT("Sample all layers"),
             TEXT("Find edges in the finished picture (fill under line art on its own layer)"),
             fillFlag<&FillOptions::sampleAllLayers>, setFill<&FillOptions::sampleAllLayers>}},
-    {is<Tool::bucket>, Stepper{TEXT("Grow"), TEXT("Grow %1 px"), 0, 4, 1,
-                               TEXT("Grows the fill under soft line edges so no white halo is left"),
-                               fillSteps<&FillOptions::expand>, setFill<&FillOptions::expand>}},
-    {is<Tool::gradient>, Segments{TEXT("Type"),
-                                  {TEXT("Linear"), TEXT("Radial"), TEXT("Reflected"), nullptr},
-                                  nullptr,
-                                  position<&ToolOptions::gradientKind>,
-                                  setOption<&ToolOptions::gradientKind>}},
-    {is<Tool::gradient>,
+    {has<OptionGroup::fill>, Stepper{TEXT("Grow"), TEXT("Grow %1 px"), 0, 4, 1,
+                                     TEXT("Grows the fill under soft line edges so no white halo is left"),
+                                     fillSteps<&FillOptions::expand>, setFill<&FillOptions::expand>}},
+    {has<OptionGroup::gradient>, Segments{TEXT("Type"),
+                                          {TEXT("Linear"), TEXT("Radial"), TEXT("Reflected"), nullptr},
+                                          nullptr,
+                                          position<&ToolOptions::gradientKind>,
+                                          setOption<&ToolOptions::gradientKind>}},
+    {has<OptionGroup::gradient>,
      Toggle{TEXT("Color → transparent"), TEXT("Off: paint color to second color"),
             option<&ToolOptions::gradientToTransparent>, setOption<&ToolOptions::gradientToTransparent>}},
-    {is<Tool::gradient>, Slider{TEXT("Opacity"),
-                                {0, 1, 0.01},
-                                NumberFormat::percent(),
-                                nullptr,
-                                number<&ToolOptions::gradientOpacity>,
-                                setOption<&ToolOptions::gradientOpacity>}},
-    {is<Tool::gradient>, Note{TEXT("Drag across the canvas")}},
-    {is<Tool::shape>, Picker{TEXT("Shape"), shapes, nullptr, position<&ToolOptions::shapeKind>,
-                             setOption<&ToolOptions::shapeKind>}},
-    {is<Tool::shape>,
+    {has<OptionGroup::gradient>, Slider{TEXT("Opacity"),
+                                        {0, 1, 0.01},
+                                        NumberFormat::percent(),
+                                        nullptr,
+                                        number<&ToolOptions::gradientOpacity>,
+                                        setOption<&ToolOptions::gradientOpacity>}},
+    {has<OptionGroup::gradient>, Note{TEXT("Drag across the canvas")}},
+    {has<OptionGroup::shape>, Picker{TEXT("Shape"), shapes, nullptr, position<&ToolOptions::shapeKind>,
+                                     setOption<&ToolOptions::shapeKind>}},
+    {has<OptionGroup::shape>,
      Toggle{TEXT("Fill"), nullptr, option<&ToolOptions::shapeFill>, setOption<&ToolOptions::shapeFill>}},
-    {is<Tool::shape>, Toggle{TEXT("Outline"), TEXT("Outline uses the second color when Fill is on"),
-                             option<&ToolOptions::shapeOutline>, setOption<&ToolOptions::shapeOutline>}},
-    {is<Tool::shape>, Slider{TEXT("Line width"),
-                             {1, 100, 1},
-                             NumberFormat::pixels(),
-                             nullptr,
-                             number<&ToolOptions::shapeLineWidth>,
-                             setOption<&ToolOptions::shapeLineWidth>}},
-    {is<Tool::shape>, Note{TEXT("Shift = square / circle / 45°")}},
+    {has<OptionGroup::shape>,
+     Toggle{TEXT("Outline"), TEXT("Outline uses the second color when Fill is on"),
+            option<&ToolOptions::shapeOutline>, setOption<&ToolOptions::shapeOutline>}},
+    {has<OptionGroup::shape>, Slider{TEXT("Line width"),
+                                     {1, 100, 1},
+                                     NumberFormat::pixels(),
+                                     nullptr,
+                                     number<&ToolOptions::shapeLineWidth>,
+                                     setOption<&ToolOptions::shapeLineWidth>}},
+    {has<OptionGroup::shape>, Note{TEXT("Shift = square / circle / 45°")}},
     {canLift, Button{TEXT("Transform"), call<&PaintModel::transform, &PendingTransform::beginTransform>}},
     {hasLifted, Slider{TEXT("Scale"),
                        {0.01, 4, 0.01},
@@ -207,20 +204,22 @@ constexpr Row kRows[] = {
     {hasLifted,
      Button{TEXT("Cancel (Esc)"), call<&PaintModel::transform, &PendingTransform::cancelTransform>}},
     {hasLifted, Note{TEXT("Drag on the canvas to move the selection (or the whole layer)")}},
-    {is<Tool::text>,
+    {has<OptionGroup::text>,
      Note{TEXT("Click on the canvas where the text should go. Each text becomes its own layer.")}},
-    {is<Tool::eyedropper>, Toggle{TEXT("Sample all layers"), TEXT("Off: pick from the current layer only"),
-                                  pickFromAll, setPickFromAll}},
-    {isSelectTool, Segments{TEXT("Selection mode"),
-                            {TEXT("New"), TEXT("Add"), TEXT("Subtract"), TEXT("Intersect")},
-                            TEXT("Or hold ⌘ to add, ⌥ to subtract, ⌘⌥ to intersect"),
-                            position<&ToolOptions::selectionMode>,
-                            setOption<&ToolOptions::selectionMode>}},
-    {isSelectTool, Toggle{TEXT("Smooth edges"), nullptr, option<&ToolOptions::selectionAntialias>,
-                          setOption<&ToolOptions::selectionAntialias>}},
-    {isSelectTool, Button{TEXT("All"), CanvasEdits::selectAll}},
-    {isSelectTool, Button{TEXT("None"), CanvasEdits::deselect}},
-    {isSelectTool, Button{TEXT("Invert"), CanvasEdits::invertSelection}},
+    {has<OptionGroup::picking>,
+     Toggle{TEXT("Sample all layers"), TEXT("Off: pick from the current layer only"), pickFromAll,
+            setPickFromAll}},
+    {has<OptionGroup::selection>, Segments{TEXT("Selection mode"),
+                                           {TEXT("New"), TEXT("Add"), TEXT("Subtract"), TEXT("Intersect")},
+                                           TEXT("Or hold ⌘ to add, ⌥ to subtract, ⌘⌥ to intersect"),
+                                           position<&ToolOptions::selectionMode>,
+                                           setOption<&ToolOptions::selectionMode>}},
+    {has<OptionGroup::selection>,
+     Toggle{TEXT("Smooth edges"), nullptr, option<&ToolOptions::selectionAntialias>,
+            setOption<&ToolOptions::selectionAntialias>}},
+    {has<OptionGroup::selection>, Button{TEXT("All"), CanvasEdits::selectAll}},
+    {has<OptionGroup::selection>, Button{TEXT("None"), CanvasEdits::deselect}},
+    {has<OptionGroup::selection>, Button{TEXT("Invert"), CanvasEdits::invertSelection}},
 };
 
 #undef TEXT

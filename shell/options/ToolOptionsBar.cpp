@@ -49,7 +49,7 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* par
 
 void ToolOptionsBar::refresh() {
     title_->setText(toolTitle(model_.tool()));
-    const bool movesView = model_.tool() == Tool::hand || model_.tool() == Tool::zoom;
+    const bool movesView = rowOf(model_.tool()).options == OptionGroup::view;
     options_->setVisible(!movesView);
     viewOptions_->setVisible(movesView);
     options_->refresh();

@@ -1,4 +1,4 @@
-#include "app/model/PaintPrefs.h"
+#include "app/model/choices/PaintPrefs.h"
 
 #include "app/desktop/Store.h"
 

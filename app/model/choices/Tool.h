@@ -31,6 +31,9 @@ enum class Tool : uint8_t {
 };
 inline constexpr int kToolCount = static_cast<int>(Tool::zoom) + 1;
 
+/// A group of options that tools share: the options bar shows the rows of the current tool's group.
+enum class OptionGroup : uint8_t { brush, fill, gradient, picking, selection, transform, shape, text, view };
+
 /// All that is to be known of a tool beside its gesture (app/tools/) and the rows of its options.
 struct ToolRow {
     Tool tool;
@@ -39,15 +42,17 @@ struct ToolRow {
     char key;          ///< The plain letter that picks the tool on the canvas.
     Icon icon;
     const char* helpTopic;
-    bool edits = false; ///< Changes pixels.
-    const char* undoName =
-        nullptr; ///< English source text of its step; null where that is not always the same.
-    bool picksWithOption = false; ///< A press with Option held is one of the Eyedropper.
-    bool usesBrush = false;       ///< Paints strokes with a brush of its own; others edit the Brush tool's.
-    BrushKind brushKind{};        ///< Of the presets that it offers.
+    OptionGroup options;
+    bool edits = false;                ///< Changes pixels.
+    const char* undoName = nullptr;    ///< English source text; null where its steps have several names.
+    bool picksWithOption = false;      ///< Option held at the press picks a color, as the Eyedropper does.
+    BrushKind brushKind{};             ///< Of the presets that it offers.
     const char* preset = "Studio Pen"; ///< Its brush at first.
     Qt::CursorShape cursor = Qt::CrossCursor;
     Qt::CursorShape dragCursor = cursor; ///< While its gesture is in progress.
+
+    /// Paints strokes with a brush of its own; others edit the Brush tool's.
+    bool usesBrush() const { return options == OptionGroup::brush; }
 };
 
 extern const std::array<ToolRow, kToolCount> kTools; ///< In the order of `Tool`.

@@ -10,7 +10,7 @@ namespace qirn {
 struct ToolOptions {
     FillOptions fill;
     GradientKind gradientKind = GradientKind::linear;
-    bool gradientToTransparent = false; ///< From the paint colour to nothing, otherwise to the second colour.
+    bool gradientToTransparent = false; ///< From the paint color to nothing, otherwise to the second color.
     double gradientOpacity = 1;
     ShapeKind shapeKind = ShapeKind::rectangle;
     bool shapeFill = true;
