@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kReadable = 4.5;       // WCAG AA for text
 constexpr double kVisible = 3;          // WCAG AA for marks
-constexpr double kStep = 0.02;          // how far a colour moves at a time towards being readable
+constexpr double kStep = 0.02;          // how far a color moves at a time towards being readable
 constexpr double kMostDarkening = 0.15; // an accent moved further would no longer look like itself
 
 double contrast(const QColor& a, const QColor& b) {
@@ -44,7 +44,7 @@ QColor readableOn(const QColor& color, const QColor& towards, std::initializer_l
     });
 }
 
-/// Moves a surface towards another colour until its text can be read on it.
+/// Moves a surface towards another color until its text can be read on it.
 QColor surfaceUnder(const QColor& surface, const QColor& text, const QColor& towards) {
     return moved(surface, towards,
                  [&](const QColor& candidate) { return contrast(candidate, text) >= kReadable; });

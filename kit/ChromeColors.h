@@ -6,7 +6,7 @@
 
 namespace qirn {
 
-/// Every colour that the chrome draws with, derived from the seven of a theme. Text colours are moved, where a
+/// Every color that the chrome draws with, derived from the seven of a theme. Text colors are moved, where a
 /// theme needs it, until they can be read on each surface that they stand on (contrast 4.5 or more).
 struct ChromeColors {
     // Surfaces, opaque.

@@ -33,7 +33,7 @@ void followMetrics(QWidget* widget, std::function<void(const Metrics&)> apply);
 namespace qirn::QirnKitHost {
 
 const QrKitTheme& theme();    ///< The theme last applied; the default one before that.
-const ChromeColors& colors(); ///< Its derived colours.
+const ChromeColors& colors(); ///< Its derived colors.
 const Metrics& metrics();     ///< The sizes at the zoom last applied.
 
 } // namespace qirn::QirnKitHost

@@ -6,7 +6,7 @@
 
 namespace qirn {
 
-/// The colours that views read, in sRGB. All are opaque but `rim`, which is laid over a surface as an edge.
+/// The colors that views read, in sRGB. All are opaque but `rim`, which is laid over a surface as an edge.
 struct QrKitTheme {
     QColor bg; ///< Behind everything: the surround of the canvas and the wells of fields.
     QColor text;
@@ -19,7 +19,7 @@ struct QrKitTheme {
     bool operator==(const QrKitTheme&) const = default;
 };
 
-/// One colour theme of the whole interface, as stored and registered.
+/// One color theme of the whole interface, as stored and registered.
 struct QirnTheme {
     /// Straight sRGB, each from 0 to 1.
     struct RGB {

@@ -92,8 +92,8 @@ void persistence(const SelfTestWorld& world) {
     world.check("The tool and its brush come back after a restart",
                 model.tool() == Tool::smudge &&
                     model.brushes().activeBrush().name == QStringLiteral("Self-test brush"));
-    world.check("The colours come back", model.colors().primary() == PaintColor(0.25, 0.5, 0.75) &&
-                                             model.colors().recent().size() == 1);
+    world.check("The colors come back", model.colors().primary() == PaintColor(0.25, 0.5, 0.75) &&
+                                            model.colors().recent().size() == 1);
     world.check("The preferences come back", model.prefs().undoSteps == 60);
     world.check("The user's presets come back", model.brushes().userBrushes().size() == 1);
     world.check("An edit of a built-in palette went to a copy, which comes back",

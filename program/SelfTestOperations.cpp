@@ -93,7 +93,7 @@ void SelfTestEngine::canvasOps(SelfTestReport& report) {
     cropTo(*doc, {51, 0, kSide, kSide});
     report.check(QStringLiteral("A crop takes the rest away"), pixels(*doc) == before);
     resizeImage(*doc, kSide / 2, kSide / 2);
-    report.check(QStringLiteral("A smaller picture keeps its colours"),
+    report.check(QStringLiteral("A smaller picture keeps its colors"),
                  doc->activeLayer().pixel(100, 100) == PixelBytes{0, 0, 0, 255} &&
                      doc->activeLayer().pixel(30, 25)[3] == 0);
     const auto moved = framed({20, 30, 100, 50});

@@ -28,7 +28,7 @@ void ColorSquare::paintEvent(QPaintEvent*) {
     const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
-    // A gap of the panel's colour keeps any colour apart from its ring and from the square behind.
+    // A gap of the panel's color keeps any color apart from its ring and from the square behind.
     ChromePaint::box(painter, rect(), m.radius, c.panel, underMouse() && isEnabled() ? c.text : c.edgeHover);
     ChromePaint::box(painter, QRectF(rect()).adjusted(m.inset, m.inset, -m.inset, -m.inset), m.smallRadius,
                      color_);

@@ -7,7 +7,7 @@ namespace qirn {
 class IconButton;
 class PaintModel;
 
-/// A square of one colour that can be clicked.
+/// A square of one color that can be clicked.
 class ColorSquare : public QAbstractButton {
     Q_OBJECT
 public:
@@ -23,7 +23,7 @@ private:
     QColor color_;
 };
 
-/// The paint colour before the second colour, and the buttons that exchange and reset them.
+/// The paint color before the second color, and the buttons that exchange and reset them.
 class ColorWells : public QWidget {
     Q_OBJECT
 public:

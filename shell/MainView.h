@@ -8,7 +8,7 @@ class HudBubble;
 class PaintCommands;
 class PaintModel;
 
-/// The one main window: menus and header on top, then the options of the tool, the tools with the colours, the
+/// The one main window: menus and header on top, then the options of the tool, the tools with the colors, the
 /// canvas and the panels, and the status bar. Everything in it reads and sets the model, which it borrows. On a
 /// screen that is smaller than the content, the content scrolls.
 class MainView : public QMainWindow {

@@ -5,7 +5,7 @@
 
 namespace qirn {
 
-/// An opaque paint colour as the window shows it.
+/// An opaque paint color as the window shows it.
 inline QColor shownColor(const PaintColor& color) {
     return QColor(color.r8(), color.g8(), color.b8());
 }

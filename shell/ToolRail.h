@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-#include "app/model/Tool.h"
+#include "app/model/choices/Tool.h"
 
 namespace qirn {
 

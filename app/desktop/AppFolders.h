@@ -6,12 +6,11 @@ namespace qirn {
 /// Where the application keeps its own files.
 namespace AppFolders {
 
-/// Puts another folder in place of the user's, so that tests and the self-test keep away from real work; empty
-/// ends that.
+/// Uses another folder instead of the user's, for tests and the self-test; empty: the user's again.
 void setBaseOverride(const QString& folder);
 
-QString base();      ///< "Qirn Paint" in the user's data folder; made where missing, a failure being ignored.
-QString autosave();  ///< The safety copies; made likewise.
+QString base();      ///< "Qirn Paint" in the user's data folder; created where missing, failures are ignored.
+QString autosave();  ///< The safety copies; created likewise.
 QString storeFile(); ///< The small values (Store.h).
 QString olderStoreFile(); ///< Where versions before the first Store kept them: an INI file.
 QString brushesFile();    ///< The user's presets.

@@ -35,7 +35,7 @@ BackgroundQueue::~BackgroundQueue() {
 }
 
 std::shared_future<void> BackgroundQueue::run(std::function<void()> job) {
-    // No packaged_task, whose result would keep the job, and the picture in it, for as long as itself.
+    // Not a packaged_task: its future would keep the job, and the picture in it, alive.
     const auto result = std::make_shared<std::promise<void>>();
     std::shared_future<void> future = result->get_future().share();
     const std::lock_guard lock(mutex_);
@@ -55,7 +55,7 @@ std::shared_future<void> BackgroundQueue::run(std::function<void()> job) {
 void BackgroundQueue::finish() {
     const BackgroundHurry hurry;
     std::unique_lock lock(mutex_);
-    // The thread has the one job that it is at; what waits behind it needs not wait for so low a priority.
+    // The job that the thread has begun is its own; those behind it run here, at normal priority.
     changed_.wait(lock, [this] { return !isWorking_; });
     while (!tasks_.empty()) runFirst(lock);
 }

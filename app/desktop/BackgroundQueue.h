@@ -8,13 +8,13 @@
 
 namespace qirn {
 
-/// A thread of work behind the main thread's back, at the lowest priority: what is handed to it runs in that order. Used
-/// from the main thread. The application object waits for what was handed over before it goes.
+/// A serial queue with a thread of its own at the lowest priority: jobs run in the order in which they were added. Used
+/// from the main thread. The application object waits for all jobs before it is destroyed.
 class BackgroundQueue {
 public:
-    /// What goes to disk: of two writes of a file the later one is what stays.
+    /// Writes to disk: in order, so that of two writes of a file the later one stays.
     static BackgroundQueue& files();
-    /// Previews and thumbnails, which wait for no file.
+    /// Previews and thumbnails, which must not wait behind a file.
     static BackgroundQueue& previews();
 
     BackgroundQueue() = default;
@@ -22,10 +22,10 @@ public:
     BackgroundQueue(const BackgroundQueue&) = delete;
     BackgroundQueue& operator=(const BackgroundQueue&) = delete;
 
-    /// Hands over a job; the result is ready when it has run, and rethrows what it threw.
+    /// Adds a job. The future is ready when it has run, and rethrows what it threw.
     std::shared_future<void> run(std::function<void()> job);
     void
-    finish(); ///< Returns when everything handed over has run; jobs that have not begun run here, on all processors.
+    finish(); ///< Returns when all jobs have run; those that have not begun run on the calling thread, on all processors.
 
 private:
     void work();

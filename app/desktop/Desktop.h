@@ -14,8 +14,8 @@ struct FileType {
     QStringList extensions; ///< Without the dot.
 };
 
-/// What the application asks of the desktop, so that tests can answer in a person's place. Panels and boxes are
-/// modal; all of it is on the main thread.
+/// What the application needs of the desktop, as an interface that tests can script. Panels and boxes are modal; main
+/// thread only.
 class Desktop {
 public:
     virtual ~Desktop() = default;

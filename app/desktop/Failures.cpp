@@ -11,7 +11,7 @@
 namespace qirn {
 
 QString failureText(const std::exception& error) {
-    // It names the system, and nothing that the user named.
+    // Its words are the program's own: hostWords may put the host's in.
     if (const auto* picture = dynamic_cast<const ExportError*>(&error))
         return hostWords(picture->description());
     if (const auto* described = dynamic_cast<const DescribedError*>(&error)) return described->description();

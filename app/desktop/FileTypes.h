@@ -20,10 +20,10 @@ FileType exported(ExportFormat format);
 
 bool isNative(const QString& path); ///< By its extension, in any case.
 
-/// A name for the user's own word, fit to be proposed: what would lead into another folder is replaced.
+/// A file name to propose for a picture's name: characters that would lead into another folder are replaced.
 QString fileName(const QString& name, const QString& extension);
 
-/// The path, with the type's first extension added where it ends in none of them: a file's name tells what it is.
+/// The path, with the type's first extension added where it ends in none of them.
 QString withExtension(const QString& path, const FileType& type);
 
 } // namespace FileTypes

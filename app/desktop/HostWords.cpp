@@ -30,7 +30,7 @@ const KeySign* signOf(QChar c) {
 QString hostWords(const QString& text) {
     QString source = text;
     source.replace(QStringLiteral("macOS"), QStringLiteral("this system"));
-    // "⌥ Option" names the key twice; the canvas picks a colour with Ctrl here, since Alt moves windows.
+    // "⌥ Option" names the key twice; the canvas picks a color with Ctrl here, since Alt moves windows.
     source.replace(QStringLiteral("⌥ Option"), QStringLiteral("Ctrl"));
     QString result;
     for (qsizetype i = 0; i < source.size();) {

@@ -28,7 +28,7 @@ QString filtersOf(const QList<FileType>& types) {
     return filters.join(QStringLiteral(";;"));
 }
 
-/// All kinds at once first, and last every file: what a file is shows in its content.
+/// The filter for all types first, and one for every file last: files are told apart by content.
 QString filtersToOpen(const QList<FileType>& types) {
     QStringList all;
     for (const FileType& type : types) all << type.extensions;

@@ -23,7 +23,7 @@ Json olderValues(const QString& path) {
     Json values = Json::object();
     const QFileInfo file(path);
     if (!file.isFile() || file.size() > kLargestOlderFile)
-        return values; // nor a pipe, which would be waited for
+        return values; // nor a pipe, on which reading would block
     const QSettings settings(path, QSettings::IniFormat);
     for (const QString& key : settings.allKeys()) {
         const QByteArray text = settings.value(key).toByteArray();
@@ -37,10 +37,10 @@ Json olderValues(const QString& path) {
 
 } // namespace
 
-/// What a write in the background shares with the store.
+/// Shared by the store and its writes in the background.
 struct Store::Target {
     explicit Target(const QString& path) : file(path) {}
-    UserFile file; // after loading only of the background
+    UserFile file; // after loading used by the background thread alone
     std::atomic<bool> hasFailed = false;
 };
 
@@ -48,7 +48,7 @@ Store::Store(const QString& file, const QString& older, Delays delays)
     : delays_(delays),
       target_(std::make_shared<Target>(file)) {
     timer_.setSingleShot(true);
-    // Without memory for a write the next one tries again.
+    // Out of memory: the next write tries again.
     const auto tryToWrite = [this] { contained([this] { write(); }); };
     connect(&timer_, &QTimer::timeout, this, tryToWrite);
     if (qGuiApp) {

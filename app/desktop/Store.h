@@ -11,8 +11,8 @@
 
 namespace qirn {
 
-/// The user's small values that outlast a run, such as preferences and colours: a JSON object with a member a key,
-/// held in memory. Half a second after the last change, and at the latest five after the first, it is written whole and
+/// The user's small persistent values, such as preferences and colors: a JSON object with a member for each key, held in
+/// memory. Half a second after the last change, and at the latest five after the first, it is written whole and
 /// in the background; at once when another program's window comes forward. Main thread only.
 ///
 /// A file that is there but cannot be read is moved aside under a telling name before the first write. A failure to write

@@ -25,7 +25,7 @@ int signalPipe = -1; // the end to write to
 std::atomic<SuddenEnd*> watching = nullptr;
 QtMessageHandler messagesBefore = nullptr;
 
-/// Runs at any moment, in the middle of anything: it only tells the main thread.
+/// The signal handler: async-signal-safe, so it only writes to the pipe.
 void noteSignal(int number) {
     const int before = errno;
     const auto byte = static_cast<unsigned char>(number);
@@ -41,7 +41,7 @@ void setAction(int number, void (*action)(int)) {
     ::sigaction(number, &chosen, nullptr);
 }
 
-/// What the process was started to ignore, as by nohup, it goes on ignoring.
+/// A signal that the process was started to ignore, as by nohup, stays ignored.
 bool isIgnored(int number) {
     struct sigaction current {};
     return ::sigaction(number, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
@@ -49,15 +49,15 @@ bool isIgnored(int number) {
 
 } // namespace
 
-/// The ways in which a lost display shows.
+/// How the loss of the display is noticed.
 struct SuddenEnd::Watch {
     static bool isOnItsThread() { return QThread::currentThread() == watching.load()->thread(); }
-    /// X11: Qt finds the connection broken in the event loop, and exits there and then.
+    /// X11: Qt finds the connection broken in the event loop and calls exit.
     static void atExit() {
         if (watching && isOnItsThread()) watching.load()->keepWorkOnce();
     }
-    /// Wayland: it leaves without exit handlers, and all that comes before is this warning. Each of its threads gives it
-    /// for itself; those beside ours leave the end to ours, unless it should be waiting for them.
+    /// Wayland: Qt calls _exit, without exit handlers, right after this warning. Each of its threads prints the warning;
+    /// only that of the main thread counts, unless the main thread waits for another one.
     static void readMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
         if (watching && message.startsWith(QLatin1String("The Wayland connection"))) {
             if (isOnItsThread()) {
@@ -73,7 +73,7 @@ struct SuddenEnd::Watch {
 
 SuddenEnd::SuddenEnd(std::function<void()> keepWork) : keepWork_(std::move(keepWork)) {
     watching = this;
-    FileCalls::ofSystem(); // made before the exit handler, it goes after it
+    FileCalls::ofSystem(); // constructed before the exit handler is set, so destroyed after it ran
     static const bool atExit = std::atexit(Watch::atExit) == 0;
     Q_UNUSED(atExit)
     messagesBefore = qInstallMessageHandler(Watch::readMessage);
@@ -102,7 +102,7 @@ void SuddenEnd::endBySignal() {
     if (::read(signals_[0], &number, 1) != 1) return;
     keepWorkOnce();
     setAction(number, SIG_DFL);
-    ::raise(number); // whoever sent it sees that it was heeded
+    ::raise(number); // so that the exit status tells of the signal
 }
 
 void SuddenEnd::keepWorkOnce() {

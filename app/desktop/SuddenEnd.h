@@ -5,9 +5,9 @@
 
 namespace qirn {
 
-/// The end of the process from outside: SIGTERM, SIGHUP or SIGINT, and the loss of the display. Before it `keepWork` runs
-/// once, on the main thread and between two events; then the process ends as it would have. One at a time, made and let
-/// go on the main thread, and made last, so that all that `keepWork` uses is there until the very end.
+/// Runs `keepWork` before the process is ended from outside: by SIGTERM, SIGHUP or SIGINT, or with the display. It runs
+/// once, on the main thread and between two events; then the process ends as it would have. At most one exists, created
+/// and destroyed on the main thread, and last, so that it goes before everything that `keepWork` uses.
 class SuddenEnd : public QObject {
 public:
     explicit SuddenEnd(std::function<void()> keepWork);

@@ -41,7 +41,7 @@ void makeFolder(const std::string& path, const FileCalls& calls) {
     if (calls.mkdir(path.c_str(), 0700) < 0 && errno != EEXIST) throw FileError(errno);
 }
 
-/// Whether a real folder, and no link planted by another, bears the name.
+/// Whether the path is a folder and not a symbolic link, which somebody else may have put there.
 bool isFolder(const std::string& path, const FileCalls& calls, struct stat& facts) {
     return calls.lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
 }
@@ -62,7 +62,7 @@ TrashFolder trashOfDisk(const std::string& folder, const FileCalls& calls) {
     const std::string inTop = top == "/" ? top : top + '/';
     struct stat facts {};
     const std::string common = inTop + ".Trash";
-    // One for all users is safe only where none can take away what is another's.
+    // A shared Trash is safe only with the sticky bit, by which no user can remove what is another's.
     if (isFolder(common, calls, facts) && (facts.st_mode & S_ISVTX)) {
         const std::string own = common + '/' + user;
         if ((calls.mkdir(own.c_str(), 0700) == 0 || errno == EEXIST) && isFolder(own, calls, facts) &&
@@ -84,7 +84,7 @@ TrashFolder trashFor(const std::string& folder, const FileCalls& calls) {
     return trashOfDisk(folder, calls);
 }
 
-/// The name with a number above 1 put in, shortened in front of both.
+/// The name with its number, where that is above 1, before the extension; shortened to fit.
 QString fittingName(const QString& name, int number) {
     const QFileInfo parts(name);
     const QString end = (number > 1 ? QStringLiteral(" %1").arg(number) : QString()) + u'.' + parts.suffix();
@@ -96,15 +96,15 @@ QString fittingName(const QString& name, int number) {
 }
 
 QByteArray infoText(const std::string& origin, const TrashFolder& trash) {
-    // On another disk as from its top folder, since that may be found elsewhere the next time.
+    // On another disk relative to its top folder: it may be mounted elsewhere the next time.
     const bool isRelative = !trash.top.empty() && origin.starts_with(trash.top);
     const QByteArray path = QByteArray::fromStdString(isRelative ? origin.substr(trash.top.size()) : origin);
     return "[Trash Info]\nPath=" + path.toPercentEncoding("/") + "\nDeletionDate=" +
            QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")).toLatin1() + '\n';
 }
 
-/// The record of a file in the Trash: made first, and by one program only, it reserves the file's name. Gone again unless
-/// the file follows.
+/// The .trashinfo record of a file in the Trash. Created first and exclusively, it reserves the file's name; removed again
+/// unless the file follows.
 class TrashInfo {
 public:
     TrashInfo(std::string path, const FileCalls& calls) : path_(std::move(path)), calls_(calls) {
@@ -143,7 +143,7 @@ void moveToTrash(const QString& path, const QString& name, const QString& folder
         const std::string infoPath = infos + taken + kInfoSuffix, filePath = files + taken;
         TrashInfo info(infoPath, calls);
         struct stat facts {};
-        // A file that is there without a record is not to be replaced either.
+        // A file that has no record must not be replaced either.
         if (!info.isOurs() || calls.lstat(filePath.c_str(), &facts) == 0) continue;
         if (errno != ENOENT) throw FileError(errno);
         const QByteArray text = infoText(encoded(QDir(folder).filePath(fittingName(name, 1))), trash);

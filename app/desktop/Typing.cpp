@@ -17,7 +17,7 @@ template <class Field> bool canBeWritten(QWidget* widget) {
     return field && !field->isReadOnly();
 }
 
-/// The text fields differ in type only.
+/// The same for each class of text field, which have these functions in common and no base class for them.
 template <class Field> bool actIn(QWidget* widget, Typing::TextAction action) {
     auto* field = qobject_cast<Field*>(widget);
     const bool changes = action != Typing::TextAction::copy && action != Typing::TextAction::selectAll;
@@ -58,7 +58,7 @@ bool edits(int key) {
 
 QWidget* Typing::field() {
     QWidget* focus = QApplication::focusWidget();
-    // These have the keyboard for a field inside them.
+    // These have the focus on behalf of a field inside them.
     if (qobject_cast<QAbstractSpinBox*>(focus)) return focus->findChild<QLineEdit*>();
     if (const auto* list = qobject_cast<QComboBox*>(focus)) return list->lineEdit();
     const bool isField = qobject_cast<QLineEdit*>(focus) || qobject_cast<QPlainTextEdit*>(focus) ||

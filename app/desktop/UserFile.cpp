@@ -40,7 +40,7 @@ bool UserFile::save(const QByteArray& bytes) {
         writeAtomically(path_, bytesOf(bytes));
         return true;
     } catch (const FileError&) {
-        return false; // what was to be kept stays in use; the next change tries again
+        return false; // the values stay in use, and the next change tries again
     }
 }
 

@@ -8,8 +8,8 @@
 
 namespace qirn {
 
-/// One file of the user's own, such as the presets. A file that is there but cannot be read is never overwritten:
-/// the first save moves it aside under a name that tells so.
+/// A file of the user's own, such as the presets. One that exists but cannot be read is never overwritten: the first save
+/// moves it aside under a telling name.
 class UserFile {
 public:
     explicit UserFile(QString path) : path_(std::move(path)) {}

@@ -34,13 +34,13 @@ std::shared_ptr<CopyLock> CopyLock::take(const QString& path) {
             return isElsewhere ? nullptr : std::make_shared<CopyLock>(name, -1);
         }
         if (isFileAt(name, file)) return std::make_shared<CopyLock>(name, file);
-        ::close(file); // its holder has let go, and removed it, in between
+        ::close(file); // its holder released and removed it between open and lock
     }
 }
 
 CopyLock::~CopyLock() {
     if (file_ < 0) return;
-    // While it is locked, so that nobody can have taken the file that goes.
+    // Removed before the lock is released, so that nobody can hold a lock on a removed file.
     if (isFileAt(path_, file_)) ::unlink(path_.constData());
     ::close(file_);
 }

@@ -6,12 +6,12 @@
 
 namespace qirn {
 
-/// A lock of the kernel's on a file beside a safety copy: whoever holds it has the picture open. It goes with its
-/// process, however that ends; the file goes when the holder lets go.
+/// A kernel lock on a file beside a safety copy: its holder has the picture open. The kernel releases it when the process
+/// ends, however that happens; the holder removes the file when it releases the lock.
 class CopyLock {
 public:
-    /// Null while another holds the lock at this path, be it in this program. Where the file system has no locks, or no
-    /// room for the file, the lock that comes back keeps nobody away.
+    /// Null while somebody else holds the lock at this path, in this process or another. Where the file system has no locks
+    /// or no room for the file, the result is a lock that excludes nobody.
     static std::shared_ptr<CopyLock> take(const QString& path);
 
     CopyLock(QByteArray path, int file) : path_(std::move(path)), file_(file) {} ///< Owns `file`; see `take`.
@@ -19,7 +19,7 @@ public:
     CopyLock& operator=(const CopyLock&) = delete;
     ~CopyLock();
 
-    bool isHeld() const { return file_ >= 0; } ///< It keeps others away.
+    bool isHeld() const { return file_ >= 0; } ///< False for one that excludes nobody.
 
 private:
     QByteArray path_;

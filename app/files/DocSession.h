@@ -16,8 +16,8 @@ namespace qirn {
 
 class CopyLock;
 
-/// One open picture: its document, where it is kept, and its own view. It owns the document and never changes it
-/// for another; sessions are told apart by identity.
+/// One open picture: its document, its file and its view. It owns its document, which stays the same for its life;
+/// sessions are compared by identity.
 class DocSession : public QObject {
     Q_OBJECT
 public:
@@ -37,12 +37,12 @@ public:
     int64_t autosavedChange;
     QDateTime lastAutosave; ///< Null: never.
     std::shared_future<void>
-        copy; ///< Of `autosavedChange`: ready when it is on disk, or with the error. Not valid: none.
-    std::shared_ptr<CopyLock> copyLock; ///< Of the safety copy, from the first one on; null before.
-    QString remark; ///< What the picture lacks of the file that it was opened from, until it is saved.
+        copy; ///< Of the copy of `autosavedChange`: ready when it is on disk, or has failed. Not valid: none.
+    std::shared_ptr<CopyLock> copyLock; ///< Held from the first safety copy on; null before.
+    QString remark; ///< What the import left out of the file, in words; empty once the picture is saved.
     ViewState view;
-    /// The view is to be fitted: not shown yet, or still as the fit at its showing left it, so that the picture
-    /// follows a window that is still finding its size. Whoever changes the view or works in it ends that.
+    /// The view is fitted at each resize: the picture has not been shown yet, or only in a window that is still being laid
+    /// out. The first change of the view, or press in it, ends that.
     bool needsFit = true;
 
     bool isDirty() const { return document_->changeCount() != savedChange; }

@@ -79,7 +79,7 @@ Recovery::Info madeUpInfo(const QFileInfo& file) {
             0};
 }
 
-/// What a copy is made of, to be written in the background.
+/// Everything that the background thread needs to write a copy.
 struct CopyJob {
     DocumentSnapshot picture;
     Recovery::Info info;
@@ -105,7 +105,7 @@ Recovery::Info infoOf(const DocSession& session, const TileGrid& grid, std::size
     return info;
 }
 
-/// The document alone: its record means nothing to the user.
+/// Of the document alone: its record means nothing to the user.
 void trashCopy(const QUuid& id, const Recovery::Info& info) {
     const QString time = QLocale().toString(info.date.toLocalTime(), QStringLiteral("d MMM hh.mm"));
     const QString name =
@@ -190,7 +190,7 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
             continue; // open in another program, or just saved there
         items.push_back({id, infoFromFile(infoURL(id)).value_or(madeUpInfo(file)), file.filePath(), lock});
     }
-    // Those of programs that ended without a copy go as they are let go.
+    // Locks of programs that ended without a copy: releasing them removes their files.
     for (const QFileInfo& lock : folder.entryInfoList({QStringLiteral("*.lock")}, QDir::Files | QDir::Hidden))
         CopyLock::take(lock.filePath());
     std::stable_sort(items.begin(), items.end(),

@@ -32,7 +32,7 @@ struct Item {
     QUuid id;
     Info info;
     QString file;
-    std::shared_ptr<CopyLock> lock; ///< Taken before the copy was read; nobody else is offered it.
+    std::shared_ptr<CopyLock> lock; ///< Taken before the copy was read, so that no other program offers it.
 
     QImage thumbnail() const; ///< The copy's preview; null when it cannot be read.
 };
@@ -51,12 +51,12 @@ bool isUpToDate(const DocSession& session);
 /// Removes a copy, after any write of it that is still waiting.
 void discard(const QUuid& id);
 
-/// Moves the copy to the Trash, under the picture's name and the time of the copy, from where it goes back to the
-/// picture's folder; a session's is brought up to date first. Throws what hindered it, with the copy where it was.
+/// Moves the copy to the Trash under the picture's name and the time of the copy; restored from there it goes to the
+/// picture's folder. That of a session is brought up to date first. Throws what went wrong, with the copy where it was.
 void moveToTrash(DocSession& session);
 void moveToTrash(const Item& item);
 
-/// The copies that neither an open session nor another program has, newest first.
+/// The copies that belong to neither an open session nor another running program, newest first.
 std::vector<Item> pending(const std::set<QUuid>& excluding);
 
 /// The picture as an unsaved session that keeps the copy's id, so that later copies go on replacing it. Throws a

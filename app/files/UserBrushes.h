@@ -22,8 +22,8 @@ private:
     UserFile file_;
 };
 
-/// What a brush file holds, as presets of the user's own: each with a fresh identity, so that no import meets a
-/// preset that is there. Nothing when the file as a whole cannot be read.
+/// The presets of a brush file, as the user's own: each with a fresh id, so that none equals a preset that is there.
+/// Nothing when the file as a whole cannot be read.
 std::optional<std::vector<BrushSettings>> brushesToImport(std::span<const uint8_t> text);
 
 } // namespace qirn

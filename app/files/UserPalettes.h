@@ -20,7 +20,7 @@ private:
     UserFile file_;
 };
 
-/// The user's own copy of a palette that must not be changed.
+/// A copy of a built-in palette as the user's own.
 Palette ownCopyOf(const Palette& palette);
 
 } // namespace qirn

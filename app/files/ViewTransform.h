@@ -34,8 +34,8 @@ public:
     QPointF flippedVertically(QPointF point) const { return {point.x(), viewSize_.height() - point.y()}; }
     QSizeF viewSize() const { return viewSize_; }
 
-    /// The state after zooming to `zoom` (clamped), the canvas point under `around` staying there; without one,
-    /// the view's centre.
+    /// The state after zooming to `zoom` (clamped). The canvas point under `around` stays where it is; by default that
+    /// of the view's center.
     ViewState zoomedTo(double zoom, std::optional<QPointF> around) const;
     /// The whole picture in the view, upright, with `margin` view points free in both directions together.
     ViewState fitted(double margin) const;

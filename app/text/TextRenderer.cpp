@@ -93,7 +93,7 @@ QFont TextRenderer::font(const TextSpec& spec) {
     font.setPixelSize(static_cast<int>(std::lround(std::clamp(spec.size, kSmallest, kLargest))));
     font.setBold(spec.bold);
     font.setItalic(spec.italic);
-    // The same shapes at every size, and no colour fringes on transparency.
+    // The same shapes at every size, and no color fringes on transparency.
     font.setHintingPreference(QFont::PreferNoHinting);
     font.setStyleStrategy(QFont::StyleStrategy(QFont::PreferAntialias | QFont::NoSubpixelAntialias));
     return font;

@@ -12,7 +12,7 @@ struct TextSpec {
     double size = 72; ///< Canvas pixels.
     bool bold = true;
     bool italic = false;
-    int alignment = 0; ///< 0 left, 1 centre, 2 right, within the widest line.
+    int alignment = 0; ///< 0 left, 1 center, 2 right, within the widest line.
     PaintColor color = PaintColor::black();
     bool outline = false;
     PaintColor outlineColor = PaintColor::white();

@@ -85,7 +85,7 @@ const char* name(Icon icon) {
     return kRows[static_cast<size_t>(icon)].file;
 }
 
-/// A square of device pixels, ratio 1. The outline files say "currentColor" where the colour goes.
+/// A square of device pixels, ratio 1. The outline files say "currentColor" where the color goes.
 QPixmap rendered(Icon icon, int pixels, const QColor& color) {
     const QString key =
         QStringLiteral("qirn-icon %1 %2 %3")

@@ -67,10 +67,10 @@ inline constexpr Icon kLastIcon = Icon::list;
 /// One set of outline icons, drawn from vectors at the exact pixels asked for.
 namespace qirn::Icons {
 
-/// Follows the theme and its button: dim when disabled, the accent's text colour when on.
+/// Follows the theme and its button: dim when disabled, the accent's text color when on.
 QIcon themed(Icon icon);
 
-/// A square of `size` logical pixels at `ratio` device pixels each, in one colour. Cached.
+/// A square of `size` logical pixels at `ratio` device pixels each, in one color. Cached.
 QPixmap pixmap(Icon icon, int size, double ratio, const QColor& color);
 
 QString file(Icon icon); ///< The path among the resources.

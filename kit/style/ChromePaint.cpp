@@ -10,7 +10,7 @@ namespace qirn::ChromePaint {
 
 namespace {
 
-/// Centres a pixmap, which has the painter's device ratio, on whole device pixels.
+/// Centers a pixmap, which has the painter's device ratio, on whole device pixels.
 void place(QPainter& painter, const QRectF& within, const QPixmap& pixmap) {
     const QSizeF size = pixmap.deviceIndependentSize();
     const QPointF corner(within.center().x() - size.width() / 2, within.center().y() - size.height() / 2);

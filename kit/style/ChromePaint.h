@@ -14,7 +14,7 @@ double deviceRatio(const QPainter& painter);
 double hairline(const QPainter& painter);
 QRectF snapped(const QPainter& painter, const QRectF& rect);
 
-/// A filled box with an edge drawn inside it; either colour may be left out.
+/// A filled box with an edge drawn inside it; either color may be left out.
 void box(QPainter& painter, const QRectF& rect, double radius, const QColor& fill, const QColor& edge = {});
 void focusRing(QPainter& painter, const QRectF& rect, double radius);
 enum class Side { left, top, right, bottom };

@@ -13,7 +13,7 @@ class QStyleOptionToolButton;
 
 namespace qirn {
 
-/// Draws every control of the program from the theme's colours and the grid of `Metrics`. Geometry that it does
+/// Draws every control of the program from the theme's colors and the grid of `Metrics`. Geometry that it does
 /// not give comes from Fusion.
 ///
 /// A focus ring is drawn where the focus came by the keyboard, and always round text fields.

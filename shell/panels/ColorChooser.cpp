@@ -64,7 +64,7 @@ void ColorChooser::refresh() {
     if (!hex_->hasFocus() || hex != lastSet_) hex_->setText(hex);
     if (hex == lastSet_) return;
     lastSet_ = hex;
-    // A grey has no hue and black no saturation: the plane keeps the ones it had.
+    // A gray has no hue and black no saturation: the plane keeps the ones it had.
     const PaintColor::HSB read = model_.colors().primary().hsb();
     HueColor shown = plane_->color();
     shown.v = read.b;

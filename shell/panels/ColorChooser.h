@@ -8,7 +8,7 @@ namespace qirn {
 class ColorPlane;
 class PaintModel;
 
-/// Chooses the paint colour by hue, saturation and brightness, or by its hexadecimal name.
+/// Chooses the paint color by hue, saturation and brightness, or by its hexadecimal name.
 class ColorChooser : public QWidget {
     Q_OBJECT
 public:
@@ -16,13 +16,13 @@ public:
 
 private:
     void refresh();
-    void push(); ///< The plane's colour into the model.
+    void push(); ///< The plane's color into the model.
     void takeHex();
 
     PaintModel& model_;
     ColorPlane* plane_;
     QLineEdit* hex_;
-    QString lastSet_; // hex of the plane's own last colour: what comes back of it keeps its hue
+    QString lastSet_; // hex of the plane's own last color: what comes back of it keeps its hue
 };
 
 } // namespace qirn

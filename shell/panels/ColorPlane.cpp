@@ -33,14 +33,13 @@ double fraction(double position, double start, double length) {
     return std::clamp((position - start) / std::max(1.0, length), 0.0, 1.0);
 }
 
-void drawMark(QPainter& painter, QPointF centre, const QColor& inside) {
+void drawMark(QPainter& painter, QPointF center, const QColor& inside) {
     const double zoom = QirnKitHost::metrics().zoom;
     QRectF mark(0, 0, markSide(), markSide());
-    mark.moveCenter(centre);
+    mark.moveCenter(center);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(inside);
-    painter.setPen(
-        QPen(QColor(0, 0, 0, 140), 3.5 * zoom)); // a white ring on a dark one shows on every colour
+    painter.setPen(QPen(QColor(0, 0, 0, 140), 3.5 * zoom)); // a white ring on a dark one shows on every color
     painter.drawEllipse(mark);
     painter.setPen(QPen(Qt::white, 2 * zoom));
     painter.drawEllipse(mark);

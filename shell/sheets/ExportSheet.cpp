@@ -22,7 +22,7 @@ const QString kFormatKey = QStringLiteral("qirn.pt.exportFormat");
 const QString kQualityKey = QStringLiteral("qirn.pt.jpegQuality");
 constexpr double kLeastQuality = 0.3, kUsualQuality = 0.9;
 
-/// The format that is stored under a name; PNG for a name that is none.
+/// The format of a stored name; PNG for an unknown one.
 ExportFormat formatNamed(const QString& id) {
     for (const ExportFormatRow& row : kExportFormats) {
         if (id == QLatin1String(row.id)) return row.format;
@@ -78,7 +78,7 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     QirnKit::followMetrics(this, [=, this](const Metrics& m) {
         formats_->setFixedHeight(formats_->sizeHintForRow(0) * formats_->count() +
                                  2 * formats_->frameWidth());
-        // Room for the longest of them: the sheet keeps its size while the choice moves along the list.
+        // As high as the longest text needs, so that the sheet keeps its size whichever format is chosen.
         const int line = explanation_->fontMetrics().lineSpacing();
         details->setFixedHeight(std::max(4 * line, 2 * line + m.groupGap + m.controlHeight));
         for (QLayout* rows : std::initializer_list<QLayout*>{jpeg, detailRows}) rows->setSpacing(m.groupGap);

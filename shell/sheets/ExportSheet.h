@@ -12,8 +12,8 @@ class ChromeSegments;
 class ChromeSlider;
 class PaintModel;
 
-/// Asks for the format in which a copy of the picture goes out, and for what JPEG needs besides. Format and
-/// quality are kept for the next time.
+/// Asks for the format of an export, and for quality and background where JPEG needs them. Format and quality are kept for
+/// the next time.
 class ExportSheet : public Sheet {
     Q_OBJECT
 public:

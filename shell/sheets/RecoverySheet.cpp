@@ -67,12 +67,12 @@ RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent)
         list_->setMinimumHeight(m.px(280));
         list_->setIconSize(previewSize());
         list_->setSpacing(m.inset);
-        reload(); // draws the previews in their size
+        reload(); // draws the previews at their new size
     });
 }
 
 void RecoverySheet::reload() {
-    items_.clear(); // lets go of the locks, which would keep us away as well
+    items_.clear(); // releases the locks, which would exclude this program too
     items_ = Recovery::pending(model().pictures().ids());
     list_->clear();
     for (const Recovery::Item& item : items_) {

@@ -13,7 +13,7 @@ namespace qirn {
 class PaintModel;
 
 /// A sheet's content: the header that all have, its fields below, its buttons at the foot. `SheetHost` lays it over the
-/// window and destroys it when the model's sheet is another one.
+/// window and destroys it when the model's sheet changes.
 class Sheet : public QWidget {
     Q_OBJECT
 public:
@@ -32,7 +32,7 @@ protected:
     /// At the foot from left to right; `other` stands at the left edge. `cancel` closes the sheet, `standard` is the
     /// default button.
     QPushButton* addButton(const QString& text, Role role);
-    /// Closes the sheet; `work` follows when it is gone, on the next turn of the main loop, and must not refer to it.
+    /// Closes the sheet and queues `work`, which runs when the sheet is destroyed and must not refer to it.
     void closeAnd(std::function<void()> work);
 
     void paintEvent(QPaintEvent* event) override;

@@ -41,7 +41,7 @@ constexpr SheetRow kSheets[] = {
     {PaintSheet::Kind::recovery, make<RecoverySheet>},
 };
 
-/// What shows round the sheet: the window, darkened.
+/// Darkens the window round the sheet.
 class Shade final : public QWidget {
 public:
     using QWidget::QWidget;
@@ -101,8 +101,8 @@ void SheetHost::takeDown() {
     hide();
     QWidget* const shade = takeWidget();
     shade->hide();
-    shade->setParent(this); // it goes with the window where no event loop comes first
-    shade->deleteLater();   // later: one of its buttons may be telling us
+    shade->setParent(this); // destroyed with the window if no event loop runs before that
+    shade->deleteLater();   // the click of one of its buttons may be on the stack
 }
 
 bool SheetHost::eventFilter(QObject* watched, QEvent* event) {

@@ -11,9 +11,9 @@ namespace qirn {
 
 class PaintModel;
 
-/// Lays the model's sheet over what it covers, which is out of reach meanwhile: disabled, so that neither pointer nor
-/// Tab nor a screen reader gets there. Escape closes the sheet, Return presses its default button, and no key passes to
-/// the window. A sheet that is larger than the window scrolls.
+/// Shows the model's sheet over `covered`, which is disabled meanwhile: neither pointer nor Tab nor a screen reader
+/// reaches it. Escape closes the sheet, Return presses its default button, and no key passes on to the window. A sheet
+/// that is larger than the window scrolls.
 class SheetHost : public QScrollArea {
     Q_OBJECT
 public:
@@ -36,7 +36,7 @@ private:
     QWidget* covered_;
     std::optional<PaintSheet> shown_;
     QPointer<Sheet> sheet_;
-    QPointer<QWidget> focusBefore_; // has the keyboard again afterwards
+    QPointer<QWidget> focusBefore_; // gets the focus back
 };
 
 } // namespace qirn

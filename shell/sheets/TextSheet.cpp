@@ -121,7 +121,7 @@ void TextSheet::loadLook() {
     look.outline = stored.flag(QStringLiteral("qirn.pt.textOutline")).value_or(look.outline);
     look.outlineWidth = number("qirn.pt.textOutlineWidth", look.outlineWidth, outlineWidth_->minimum(),
                                outlineWidth_->maximum());
-    // A family that the machine lacks shows as the one that stands in for it.
+    // Where the stored family is not installed, the list shows the font that is used instead.
     family_->setCurrentText(TextRenderer::font(look).family());
     size_->setValue(look.size);
     bold_->setChecked(look.bold);

@@ -24,7 +24,7 @@ using namespace qirn::test;
 
 namespace {
 
-/// A picture of 6 x 4 in one colour.
+/// A picture of 6 x 4 in one color.
 QByteArray plain(Qt::GlobalColor color, const char* format) {
     QImage image(6, 4, QImage::Format_RGB32);
     image.fill(color);

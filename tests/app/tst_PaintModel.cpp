@@ -41,7 +41,7 @@ class tst_PaintModel : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     // Choices
-    void recentColoursAreFewAndDistinct() {
+    void recentColorsAreFewAndDistinct() {
         std::vector<PaintColor> recent;
         for (int i = 0; i < 40; ++i)
             recent = withRecent(recent, PaintColor::fromBytes(static_cast<uint8_t>(i % 25), 0, 0));

@@ -1,7 +1,7 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Store.h"
-#include "app/model/PaintPrefs.h"
+#include "app/model/choices/PaintPrefs.h"
 #include "platform/Json.h"
 #include "support/Files.h"
 #include "support/FullDisk.h"

@@ -34,7 +34,7 @@ QRect inkOf(const RGBABuffer& buffer, int64_t fromRow, int64_t toRow) {
 class tst_Text : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void wordsStandUprightInTheirColour() {
+    void wordsStandUprightInTheirColor() {
         const auto t = TextRenderer::render(words("T"));
         QCOMPARE(t->x, int64_t{-4});
         QCOMPARE(t->y, int64_t{-4});
@@ -70,7 +70,7 @@ private Q_SLOTS:
         QVERIFY(two->buffer->height() - 8 >= 2 * (one->buffer->height() - 8) - 2);
     }
 
-    void anOutlineIsInTheSecondColour() {
+    void anOutlineIsInTheSecondColor() {
         TextSpec spec = words("I");
         spec.size = 200;
         spec.outline = true;

@@ -28,7 +28,7 @@ int halfTones(const QImage& image, int y) {
     return count;
 }
 
-/// Opaque pixels of one colour only, whatever their coverage.
+/// Opaque pixels of one color only, whatever their coverage.
 bool isTinted(const QImage& image, const QColor& color) {
     bool any = false;
     for (int y = 0; y < image.height(); ++y) {

@@ -23,7 +23,7 @@ std::shared_ptr<RGBABuffer> drawn(const RGBABuffer& source, const QTransform& t,
     return out;
 }
 
-/// About the middle of a picture, which comes to lie at `centre`.
+/// About the middle of a picture, which comes to lie at `center`.
 QTransform turned(const RGBABuffer& source, QPointF center, double degrees, double scaleX, double scaleY) {
     QTransform t;
     t.translate(center.x(), center.y());

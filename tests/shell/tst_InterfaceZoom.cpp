@@ -114,7 +114,7 @@ QSet<QRgb> inksOf(const QString& theme) {
     return {c.text.rgb(), c.dim.rgb(), c.faint.rgb(), c.onAccent.rgb()};
 }
 
-/// The pixels of some colours in a window but for what shows colours of the picture.
+/// The pixels of some colors in a window but for what shows colors of the picture.
 int pixelsOf(const QSet<QRgb>& colors, Window& w) {
     QImage image = w.view.grab().toImage();
     QPainter painter(&image);
@@ -154,7 +154,7 @@ private Q_SLOTS:
         QirnKit::applyTheme();
     }
 
-    void everySizeFollowsTheZoomAndEveryColourTheTheme() {
+    void everySizeFollowsTheZoomAndEveryColorTheTheme() {
         Window w;
         const char* themes[] = {"cobalt-gunmetal", "rose-gold"};
         const auto choose = [&w](int i) { // the tools, lifted pixels, the sheets

@@ -207,12 +207,12 @@ private Q_SLOTS:
         QCOMPARE(marks(), "Clip · Lock · α · 50%");
     }
 
-    void wellsShowSwapAndResetTheColours() {
+    void wellsShowSwapAndResetTheColors() {
         Window w;
         w.model.colors().pick(PaintColor::fromBytes(10, 20, 30), Colors::AddRecent::no);
         auto& primary = w.find<ColorSquare>("primaryColor");
         QCOMPARE(primary.color(), QColor(10, 20, 30));
-        // The part of the second colour that stands out behind the first.
+        // The part of the second color that stands out behind the first.
         auto& second = w.find<ColorSquare>("secondaryColor");
         QTest::mouseClick(&second, Qt::LeftButton, {}, {second.width() - 3, second.height() - 3});
         QCOMPARE(primary.color(), QColor(Qt::white));
@@ -223,7 +223,7 @@ private Q_SLOTS:
         QCOMPARE(second.color(), QColor(Qt::white));
     }
 
-    void aDragInThePlaneStaysWithItsPartAndGreyKeepsTheHue() {
+    void aDragInThePlaneStaysWithItsPartAndGrayKeepsTheHue() {
         Window w;
         auto& plane = w.find<ColorPlane>();
         dragOver(plane, {0.5, 0.98}, {0.0, 0.0}); // from the strip of hues up across the square

@@ -322,7 +322,7 @@ private Q_SLOTS:
         QTRY_VERIFY(QFile::exists(w.path("out.jpg")));
         QCOMPARE(w.store.text("qirn.pt.exportFormat"), "jpeg");
         QCOMPARE(w.store.number("qirn.pt.jpegQuality"), std::optional(0.3));
-        // The second colour shows where the picture is transparent.
+        // The second color shows where the picture is transparent.
         QCOMPARE(bytesAt(w.path("out.jpg")),
                  ImageExport::data(w.doc(), ExportFormat::jpeg, 0.3, PaintColor(0, 1, 0)));
         w.model.showSheet({PaintSheet::Kind::exportPicture});

@@ -18,7 +18,7 @@ QByteArray written(const QImage& image, const char* format);
 /// With one more chunk right behind the header.
 QByteArray withPngChunk(const QByteArray& png, const char* type, const QByteArray& body);
 QByteArray iccpBody(const QByteArray& profile);
-/// A PNG of rows with their filter bytes. The kind: depth, colour type, 0, 0, interlacing.
+/// A PNG of rows with their filter bytes. The kind: depth, color type, 0, 0, interlacing.
 QByteArray pngFile(uint32_t width, uint32_t height, const QByteArray& kind, const QByteArray& rows);
 /// 57 bytes with a chunk that claims a gigabyte.
 QByteArray claimingPng(const char* type);

@@ -36,7 +36,7 @@ cmsInt32Number inkToLab(const cmsUInt16Number in[], cmsUInt16Number out[], void*
 } // namespace
 
 QByteArray srgbProfile() {
-    // As files have it: the curve as a table, a primary rounded. Some colours come out a step off.
+    // As files have it: the curve as a table, a primary rounded. Some colors come out a step off.
     constexpr cmsUInt32Number kEntries = 1024;
     const double parameters[5] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
     cmsToneCurve* const formula = cmsBuildParametricToneCurve(nullptr, 4, parameters);

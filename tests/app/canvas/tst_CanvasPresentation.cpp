@@ -35,7 +35,7 @@ QImage shownAfresh(PaintDocument& doc, const ViewState& state) {
     return shown(presentation, doc, state);
 }
 
-/// How many colours a row of 60 pixels in the middle of the canvas has.
+/// How many colors a row of 60 pixels in the middle of the canvas has.
 std::size_t colorsOf(Studio& studio) {
     const QImage image = studio.canvas.grab().toImage();
     std::set<QRgb> found;
@@ -102,13 +102,13 @@ private Q_SLOTS:
             }
             QCOMPARE(screens[0], screens[1]);
             if (zoom != 1) continue;
-            // Squares of 12 canvas pixels, the first of the darker grey.
+            // Squares of 12 canvas pixels, the first of the darker gray.
             const ViewTransform view(screens[0].size(), {1100, 700}, {1, {3.5, -2}, 0, false});
             for (int y = 0; y < 500; ++y) {
                 for (int x = 0; x < 600; ++x) {
                     const QPointF at = view.canvasPoint(view.flippedVertically({x + 0.5, y + 0.5}));
-                    const int grey = (int(at.x() / 12) + int(at.y() / 12)) % 2 ? 219 : 179;
-                    QCOMPARE(screens[0].pixel(x, y), qRgb(grey, grey, grey));
+                    const int gray = (int(at.x() / 12) + int(at.y() / 12)) % 2 ? 219 : 179;
+                    QCOMPARE(screens[0].pixel(x, y), qRgb(gray, gray, gray));
                 }
             }
         }

@@ -97,7 +97,7 @@ private Q_SLOTS:
             studio.canvas.actualPixels();
             PaintDocument direct(600, 400, 72, PaintColor::white());
             for (PaintDocument* doc : {&studio.doc(), &direct})
-                doc->activeLayer().load(*noise(600, 400, 4)); // for what takes up colour
+                doc->activeLayer().load(*noise(600, 400, 4)); // for what takes up color
             studio.model.brushes().choose(*BrushLibrary::named(brush));
             // A spray burst between two events comes from a timer; the engine's strokes have none.
             studio.set(&BrushSettings::airbrush, false);

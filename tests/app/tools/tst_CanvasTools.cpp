@@ -205,7 +205,7 @@ private Q_SLOTS:
              {std::pair{1.0, QPointF(9, 6)}, {1.37, QPointF(8.73, 5.61)}, {2.0, QPointF(0.5, -1.5)}}) {
             Studio studio;
             studio.layer().load(*noise(400, 300, 9));
-            for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbours
+            for (uint8_t y = 0; y < 30; ++y) { // opaque, each pixel unlike its neighbors
                 for (uint8_t x = 0; x < 40; ++x)
                     paintRect(studio.doc(), studio.layer(), {100 + x, 80 + y, 1, 1},
                               {static_cast<uint8_t>(x * 97), static_cast<uint8_t>(y * 61), 9, 255});
