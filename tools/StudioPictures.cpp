@@ -1,8 +1,10 @@
 // Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves pictures of it, of
 // every menu and of every sheet, at the display's scale:
 //     studio_pictures FOLDER
+#include "app/desktop/BackgroundQueue.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
+#include "app/files/Recovery.h"
 #include "app/model/Brushes.h"
 #include "app/model/Colors.h"
 #include "app/model/OpenPictures.h"
@@ -16,6 +18,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
+#include <QPlainTextEdit>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -108,9 +111,18 @@ int main(int argc, char** argv) {
     save("studio", pictureOf(window));
     for (QAction* title : window.view.menuBar()->actions())
         save("menu-" + title->text().remove(u'&').toLower(), pictureOf(window, title->menu()));
+    for (const char* name : {"Sea at dawn", "A name that is longer than the place for it in the list"}) {
+        DocSession lost(std::make_unique<PaintDocument>(1600, 900, 72, PaintColor(0.2, 0.4, 0.6)), name, {},
+                        QUuid::createUuid(), DocSession::Dirty::yes);
+        Recovery::write(lost, Recovery::Synchronously::yes);
+        lost.copyLock.reset();
+    }
     for (const NamedSheet& named : kSheets) {
         window.model.showSheet(named.sheet);
+        if (auto* words = window.view.findChild<QPlainTextEdit*>())
+            words->setPlainText("Ten brushes\nand a text");
         QCoreApplication::processEvents();
+        BackgroundQueue::previews().finish();
         save(QLatin1String(named.name), pictureOf(window));
         window.model.closeSheet();
     }

@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include <QCoreApplication>
+#include <QTextBoundaryFinder>
 
 namespace qirn::CanvasEdits {
 
@@ -21,6 +22,13 @@ namespace {
 
 QString tr(const char* text) {
     return QCoreApplication::translate("qirn::CanvasEdits", text);
+}
+
+/// As a person counts them: a letter with its accents, or an emoji of several signs, is one.
+QString firstCharacters(const QString& text, int count) {
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    for (int i = 0; i < count && finder.position() < text.size(); ++i) finder.toNextBoundary();
+    return text.left(finder.position());
 }
 
 void refuseSize(PaintModel& model) {
@@ -104,14 +112,15 @@ void flipCanvasVertical(PaintModel& model) {
 }
 
 void placeText(PaintModel& model, const TextSpec& spec, QPointF topLeft) {
+    if (!model.current()) return;
     const auto rendered = TextRenderer::render(spec);
     if (!rendered) return model.messages().flash(tr("Type some text first"));
     model.edit(tr("Text"), [&](PaintDocument& doc) {
-        QString words = spec.text.left(24);
+        QString words = firstCharacters(spec.text, 24);
         words.replace(u'\n', u' ');
         qirn::addLayer(doc, tr("Text: %1").arg(words));
-        stamp(doc, *rendered->buffer, static_cast<int64_t>(topLeft.x() + rendered->x),
-              static_cast<int64_t>(topLeft.y() + rendered->y), doc.activeLayer(), 1, UseSelection::no);
+        stamp(doc, *rendered->buffer, static_cast<int64_t>(topLeft.x()) + rendered->x,
+              static_cast<int64_t>(topLeft.y()) + rendered->y, doc.activeLayer(), 1, UseSelection::no);
     });
 }
 

@@ -34,7 +34,7 @@ struct Item {
     QString file;
     std::shared_ptr<CopyLock> lock; ///< Taken before the copy was read, so that no other program offers it.
 
-    QImage thumbnail() const; ///< The copy's preview; null when it cannot be read.
+    QImage thumbnail() const; ///< The preview in the file; null where it cannot be read. On any thread.
 };
 
 QString fileURL(const QUuid& id);

@@ -27,7 +27,7 @@ QColor colorOf(const PaintColor& c) {
 /// The paragraphs, one under the other, each line aligned within the widest.
 class LaidOutText {
 public:
-    explicit LaidOutText(const TextSpec& spec) {
+    explicit LaidOutText(const TextSpec& spec) : spec_(spec) {
         const QFont font = TextRenderer::font(spec);
         double y = 0;
         for (const QString& paragraph : spec.text.split(u'\n')) {
@@ -52,9 +52,23 @@ public:
         }
     }
 
-    double width() const { return width_; }
-    double height() const { return height_; }
+    std::optional<IRect> bounds() const {
+        const auto pad = static_cast<int64_t>(spec_.outline ? std::ceil(spec_.outlineWidth) : 0) + kMargin;
+        const IRect bounds{-pad, -pad, static_cast<int64_t>(std::ceil(width_)) + 2 * pad,
+                           static_cast<int64_t>(std::ceil(height_)) + 2 * pad};
+        if (bounds.w > kLongestSide || bounds.h > kLongestSide) return std::nullopt;
+        return bounds;
+    }
 
+    void draw(QPainter& painter) const {
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+        fill(painter, colorOf(spec_.color));
+        if (!spec_.outline) return;
+        stroke(painter, QPen(colorOf(spec_.outlineColor), 2 * spec_.outlineWidth, Qt::SolidLine, Qt::RoundCap,
+                             Qt::RoundJoin));
+    }
+
+private:
     void fill(QPainter& painter, const QColor& color) const {
         painter.setPen(color);
         for (const auto& layout : layouts_) layout->draw(&painter, {});
@@ -73,7 +87,7 @@ public:
         }
     }
 
-private:
+    const TextSpec& spec_;
     std::vector<std::unique_ptr<QTextLayout>> layouts_;
     double width_ = 0;
     double height_ = 0;
@@ -81,12 +95,16 @@ private:
 
 } // namespace
 
+const QStringList& TextRenderer::families() {
+    static const QStringList families = QFontDatabase::families();
+    return families;
+}
+
 QFont TextRenderer::font(const TextSpec& spec) {
-    const QStringList families = QFontDatabase::families();
     QFont font;
-    if (families.contains(spec.fontFamily, Qt::CaseInsensitive))
+    if (families().contains(spec.fontFamily, Qt::CaseInsensitive))
         font.setFamily(spec.fontFamily);
-    else if (families.contains(QStringLiteral("Inter")))
+    else if (families().contains(QStringLiteral("Inter")))
         font.setFamily(QStringLiteral("Inter"));
     else
         font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
@@ -99,25 +117,27 @@ QFont TextRenderer::font(const TextSpec& spec) {
     return font;
 }
 
+std::optional<IRect> TextRenderer::bounds(const TextSpec& spec) {
+    if (spec.text.trimmed().isEmpty()) return std::nullopt;
+    return LaidOutText(spec).bounds();
+}
+
+void TextRenderer::draw(QPainter& painter, const TextSpec& spec) {
+    LaidOutText(spec).draw(painter);
+}
+
 std::optional<TextRenderer::Rendered> TextRenderer::render(const TextSpec& spec) {
     if (spec.text.trimmed().isEmpty()) return std::nullopt;
     const LaidOutText text(spec);
-    const auto pad = static_cast<int64_t>(spec.outline ? std::ceil(spec.outlineWidth) : 0) + kMargin;
-    const int64_t width = static_cast<int64_t>(std::ceil(text.width())) + 2 * pad;
-    const int64_t height = static_cast<int64_t>(std::ceil(text.height())) + 2 * pad;
-    if (width < 1 || height < 1 || width > kLongestSide || height > kLongestSide) return std::nullopt;
-    auto buffer = std::make_shared<RGBABuffer>(width, height);
+    const auto bounds = text.bounds();
+    if (!bounds) return std::nullopt;
+    auto buffer = std::make_shared<RGBABuffer>(bounds->w, bounds->h);
     QImage image = buffer->imageOverBytes();
     QPainter painter(&image);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-    painter.translate(static_cast<double>(pad), static_cast<double>(pad));
-    text.fill(painter, colorOf(spec.color));
-    if (spec.outline) {
-        text.stroke(painter, QPen(colorOf(spec.outlineColor), 2 * spec.outlineWidth, Qt::SolidLine,
-                                  Qt::RoundCap, Qt::RoundJoin));
-    }
+    painter.translate(static_cast<double>(-bounds->x), static_cast<double>(-bounds->y));
+    text.draw(painter);
     painter.end();
-    return Rendered{std::move(buffer), -pad, -pad};
+    return Rendered{std::move(buffer), bounds->x, bounds->y};
 }
 
 } // namespace qirn

@@ -88,7 +88,12 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     formats_->setCurrentRow(static_cast<int>(last));
     quality_->setValue(model.store().number(kQualityKey).value_or(kUsualQuality));
     background_->setChosen(0);
-    connect(formats_, &QListWidget::currentRowChanged, this, &ExportSheet::refresh);
+    connect(formats_, &QListWidget::currentRowChanged, this, [this] {
+        this->model().store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
+        refresh();
+    });
+    connect(quality_, &ChromeSlider::valueChanged, this,
+            [this](double quality) { this->model().store().set(kQualityKey, quality); });
     connect(formats_, &QListWidget::itemDoubleClicked, this, &ExportSheet::exportPicture);
     connect(go, &QPushButton::clicked, this, &ExportSheet::exportPicture);
     refresh();
@@ -116,8 +121,6 @@ void ExportSheet::refresh() {
 }
 
 void ExportSheet::exportPicture() {
-    model().store().setText(kFormatKey, QLatin1String(rowOf(format()).id));
-    model().store().set(kQualityKey, quality_->value());
     closeAnd([&model = model(), format = format(), quality = quality_->value(), color = background()] {
         model.pictures().exportPicture(format, quality, color);
     });

@@ -13,7 +13,7 @@ class ChromeSlider;
 class PaintModel;
 
 /// Asks for the format of an export, and for quality and background where JPEG needs them. Format and quality are kept for
-/// the next time.
+/// the next time as soon as they are chosen.
 class ExportSheet : public Sheet {
     Q_OBJECT
 public:

@@ -71,8 +71,8 @@ NewDocumentSheet::NewDocumentSheet(PaintModel& model, QWidget* parent)
     fields().addLayout(across);
     addButton(tr("Cancel"), Role::cancel);
     create_ = addButton(tr("Create"), Role::standard);
+    setLeastWidth(720);
     QirnKit::followMetrics(this, [=, this](const Metrics& m) {
-        setMinimumWidth(m.px(720));
         across->setSpacing(m.margin);
         presets_->setMinimumHeight(m.px(330));
         for (int group = 0; group < presets_->topLevelItemCount(); ++group)
@@ -103,7 +103,6 @@ void NewDocumentSheet::listPresets() {
             heading = new QTreeWidgetItem(presets_, {presetText(all[i].group)});
             heading->setFlags(Qt::ItemIsEnabled);
             heading->setFirstColumnSpanned(true);
-            heading->setForeground(0, palette().placeholderText());
         }
         auto* item = new QTreeWidgetItem(
             heading, {presetText(all[i].name), QStringLiteral("%1 × %2").arg(all[i].w).arg(all[i].h)});

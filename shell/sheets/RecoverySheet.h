@@ -4,33 +4,31 @@
 
 #include <vector>
 
-class QListWidget;
 class QPushButton;
+class QScrollArea;
 
 namespace qirn {
 
 class PaintModel;
 
-/// The list of safety copies that a crash, power cut or forced quit left behind, each to be recovered or moved to
-/// the Trash. Closing it keeps them.
+/// The list of safety copies that a crash, power cut or forced quit left behind, each to be recovered or moved to the
+/// Trash. Closing it keeps them.
 class RecoverySheet : public Sheet {
     Q_OBJECT
 public:
     RecoverySheet(PaintModel& model, QWidget* parent);
 
     void recoverAll();
-    void recover(int row);
-    void moveToTrash(int row);
+    void recover(std::size_t row);
+    void moveToTrash(std::size_t row);
 
 private:
     void reload();
-    void refreshButtons();
     bool restore(const Recovery::Item& item);
 
     std::vector<Recovery::Item> items_; // newest first, a row each
-    QListWidget* list_;
-    QPushButton* recover_;
-    QPushButton* trash_;
+    QScrollArea* list_;
+    QPushButton* later_;
     QPushButton* recoverAll_;
 };
 

@@ -20,17 +20,17 @@ namespace qirn {
 Sheet::Sheet(PaintModel& model, const QString& title, const QString& subtitle, QWidget* parent)
     : QWidget(parent),
       model_(model),
+      subtitle_(new QLabel(subtitle, this)),
       fields_(new QVBoxLayout),
       foot_(new QHBoxLayout) {
     setAccessibleName(title);
     auto* heading = new QLabel(title, this);
     heading->setObjectName(QStringLiteral("sheetTitle"));
-    auto* text = new QLabel(subtitle, this);
-    text->setWordWrap(true);
-    text->setForegroundRole(QPalette::PlaceholderText);
+    subtitle_->setWordWrap(true);
+    subtitle_->setForegroundRole(QPalette::PlaceholderText);
     auto* header = new QVBoxLayout;
     header->addWidget(heading);
-    header->addWidget(text);
+    header->addWidget(subtitle_);
     foot_->addStretch();
     auto* column = new QVBoxLayout(this);
     column->addLayout(header);
@@ -43,8 +43,17 @@ Sheet::Sheet(PaintModel& model, const QString& title, const QString& subtitle, Q
         foot_->setSpacing(m.gap);
         column->setSpacing(m.margin);
         column->setContentsMargins(m.margin, m.margin, m.margin, m.margin);
-        setMinimumWidth(m.px(560));
+        setMinimumWidth(m.px(leastWidth_));
     });
+}
+
+void Sheet::setLeastWidth(double width) {
+    leastWidth_ = width;
+    setMinimumWidth(QirnKitHost::metrics().px(width));
+}
+
+void Sheet::setSubtitle(const QString& subtitle) {
+    subtitle_->setText(subtitle);
 }
 
 QLabel* Sheet::paragraph(const QString& text) {

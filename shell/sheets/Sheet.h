@@ -26,6 +26,8 @@ protected:
     PaintModel& model() const { return model_; }
     QVBoxLayout& fields() const { return *fields_; }
 
+    void setLeastWidth(double width); ///< On the grid at zoom 1.
+    void setSubtitle(const QString& subtitle);
     QLabel* paragraph(const QString& text = {}); ///< Text of several lines.
 
     enum class Role { other, cancel, standard };
@@ -39,6 +41,8 @@ protected:
 
 private:
     PaintModel& model_;
+    double leastWidth_ = 560;
+    QLabel* subtitle_;
     QVBoxLayout* fields_;
     QHBoxLayout* foot_;
     QPushButton* default_ = nullptr;

@@ -1,19 +1,18 @@
 #include "shell/sheets/TextSheet.h"
 
-#include "app/desktop/Failures.h"
 #include "app/desktop/Store.h"
 #include "app/edits/CanvasEdits.h"
+#include "app/files/DocSession.h"
 #include "app/model/Colors.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "app/text/TextRenderer.h"
 #include "kit/QirnKit.h"
+#include "shell/sheets/TextPreview.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QFontDatabase>
-#include <QFormLayout>
+#include <algorithm>
+
+#include <QFontComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -24,146 +23,149 @@ namespace qirn {
 
 namespace {
 
-QDoubleSpinBox* pixelBox(double lower, double upper, const QString& name, QWidget* parent) {
-    auto* box = new QDoubleSpinBox(parent);
-    box->setRange(lower, upper);
-    box->setDecimals(0);
-    box->setSuffix(QStringLiteral(" px"));
-    box->setAccessibleName(name);
-    return box;
+using Row = ControlRow<TextLook>;
+
+constexpr SliderScale kSizes{6, 600, 1, true};
+constexpr SliderScale kWidths{1, 40, 1};
+
+/// Where each part of the look is stored.
+constexpr const char* kFont = "qirn.pt.textFont";
+constexpr const char* kSize = "qirn.pt.textSize";
+constexpr const char* kBold = "qirn.pt.textBold";
+constexpr const char* kItalic = "qirn.pt.textItalic";
+constexpr const char* kAlign = "qirn.pt.textAlign";
+constexpr const char* kOutline = "qirn.pt.textOutline";
+constexpr const char* kOutlineWidth = "qirn.pt.textOutlineWidth";
+
+/// All families of the machine, each in its own face.
+QWidget* fontMenu(TextLook& look, QWidget* parent) {
+    auto* whole = new QWidget(parent);
+    auto* menu = new QFontComboBox(whole);
+    menu->setAccessibleName(TextSheet::tr("Font"));
+    menu->setEditable(false);
+    menu->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    // A family that the machine lacks shows as the one that stands in for it.
+    menu->setCurrentText(TextRenderer::font(look.spec).family());
+    auto* label = new QLabel(TextSheet::tr("Font"), whole);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    auto* across = new QHBoxLayout(whole);
+    across->setContentsMargins(0, 0, 0, 0);
+    across->addWidget(label);
+    across->addWidget(menu, 1);
+    QObject::connect(menu, &QFontComboBox::activated, menu, [&look, menu] {
+        look.spec.fontFamily = menu->currentText();
+        look.store.setText(QLatin1String(kFont), look.spec.fontFamily);
+    });
+    return whole;
 }
 
+/// A part of the look and the key under which it is kept.
+template <auto kPart, const auto& kKey, class Value> void keep(TextLook& look, Value value) {
+    look.spec.*kPart = value;
+    look.store.set(QLatin1String(kKey), value);
+}
+template <auto kPart, class Value> Value part(const TextLook& look) {
+    return look.spec.*kPart;
+}
+
+constexpr Row kRows[] = {
+    {nullptr, Row::Custom{fontMenu}},
+    {nullptr, Row::Slider{QT_TRANSLATE_NOOP("qirn::TextSheet", "Size"), kSizes, NumberFormat::pixels(),
+                          nullptr, part<&TextSpec::size>, keep<&TextSpec::size, kSize>}},
+    {nullptr, Row::Toggle{QT_TRANSLATE_NOOP("qirn::TextSheet", "Bold"), nullptr, part<&TextSpec::bold>,
+                          keep<&TextSpec::bold, kBold>}},
+    {nullptr, Row::Toggle{QT_TRANSLATE_NOOP("qirn::TextSheet", "Italic"), nullptr, part<&TextSpec::italic>,
+                          keep<&TextSpec::italic, kItalic>}},
+    {nullptr, Row::Segments{QT_TRANSLATE_NOOP("qirn::TextSheet", "Alignment"),
+                            {QT_TRANSLATE_NOOP("qirn::TextSheet", "Left"),
+                             QT_TRANSLATE_NOOP("qirn::TextSheet", "Center"),
+                             QT_TRANSLATE_NOOP("qirn::TextSheet", "Right")},
+                            nullptr,
+                            part<&TextSpec::alignment>,
+                            keep<&TextSpec::alignment, kAlign>}},
+    {nullptr, Row::Toggle{QT_TRANSLATE_NOOP("qirn::TextSheet", "Outline (second color)"), nullptr,
+                          part<&TextSpec::outline>, keep<&TextSpec::outline, kOutline>}},
+    {[](const TextLook& look) { return look.spec.outline; },
+     Row::Slider{QT_TRANSLATE_NOOP("qirn::TextSheet", "Width"), kWidths, NumberFormat::pixels(), nullptr,
+                 part<&TextSpec::outlineWidth>, keep<&TextSpec::outlineWidth, kOutlineWidth>}},
+};
+
 } // namespace
+
+TextLook::TextLook(Store& stored) : store(stored) {
+    const auto number = [&](const char* key, double usual, double lower, double upper) {
+        return std::clamp(stored.number(QLatin1String(key)).value_or(usual), lower, upper);
+    };
+    const auto flag = [&](const char* key, bool usual) {
+        return stored.flag(QLatin1String(key)).value_or(usual);
+    };
+    spec.fontFamily = stored.text(QLatin1String(kFont)).value_or(spec.fontFamily);
+    spec.size = number(kSize, spec.size, kSizes.lower, kSizes.upper);
+    spec.bold = flag(kBold, spec.bold);
+    spec.italic = flag(kItalic, spec.italic);
+    spec.alignment = static_cast<int>(number(kAlign, spec.alignment, 0, 2));
+    spec.outline = flag(kOutline, spec.outline);
+    spec.outlineWidth = number(kOutlineWidth, spec.outlineWidth, kWidths.lower, kWidths.upper);
+}
 
 TextSheet::TextSheet(PaintModel& model, QPointF topLeft, QWidget* parent)
     : Sheet(model, tr("Add Text"),
             tr("Text goes on its own new layer in the paint color. Use Move (V) afterwards to place it "
                "exactly."),
             parent),
-      topLeft_(topLeft) {
-    words_ = new QPlainTextEdit(this);
+      topLeft_(topLeft),
+      look_(model.store()),
+      words_(new QPlainTextEdit(this)) {
+    look_.spec.color = model.colors().primary();
+    look_.spec.outlineColor = model.colors().secondary();
     words_->setAccessibleName(tr("Text"));
-    family_ = new QComboBox(this);
-    family_->addItems(QFontDatabase::families());
-    size_ = pixelBox(6, 600, tr("Size"), this);
-    bold_ = new QCheckBox(tr("Bold"), this);
-    italic_ = new QCheckBox(tr("Italic"), this);
-    alignment_ = new QComboBox(this);
-    alignment_->addItems({tr("Left"), tr("Center"), tr("Right")});
-    alignment_->setAccessibleName(tr("Alignment"));
-    outline_ = new QCheckBox(tr("Outline (second color)"), this);
-    outlineWidth_ = pixelBox(1, 40, tr("Width"), this);
-    preview_ = new QLabel(this);
-    preview_->setAlignment(Qt::AlignCenter);
+    words_->setTabChangesFocus(true);
+    rows_ = new ControlRows<TextLook>(look_, kRows, RowBox::Form::column,
+                                      {[](const char* source) { return tr(source); },
+                                       [this](const std::function<void()>& change) {
+                                           change();
+                                           refresh();
+                                       }},
+                                      this);
+    preview_ = new TextPreview(model.current()->doc(),
+                               {static_cast<int>(topLeft.x()), static_cast<int>(topLeft.y())}, this);
     preview_->setAccessibleName(tr("Preview"));
+    auto* note = new QLabel(tr("Color: paint color"), this);
+    note->setForegroundRole(QPalette::PlaceholderText);
 
-    auto* form = new QFormLayout;
-    form->addRow(tr("Font"), family_);
     auto* look = new QHBoxLayout;
-    for (QWidget* control : std::initializer_list<QWidget*>{size_, bold_, italic_, alignment_})
-        look->addWidget(control);
-    look->addStretch();
-    form->addRow(tr("Size"), look);
-    auto* edge = new QHBoxLayout;
-    edge->addWidget(outline_);
-    edge->addWidget(outlineWidth_);
-    edge->addStretch();
-    form->addRow(QString(), edge);
+    auto* shown = new QVBoxLayout;
+    shown->addWidget(preview_, 1);
+    shown->addWidget(note);
+    look->addWidget(rows_);
+    look->addLayout(shown, 1);
+    fields().addWidget(words_);
+    fields().addLayout(look, 1);
     addButton(tr("Cancel"), Role::cancel);
     QPushButton* place = addButton(tr("Place Text"), Role::standard);
-    fields().addWidget(words_);
-    fields().addLayout(form);
-    fields().addWidget(preview_);
-
-    loadLook();
-    connect(words_, &QPlainTextEdit::textChanged, this, &TextSheet::refreshPreview);
-    for (QComboBox* box : {family_, alignment_})
-        connect(box, &QComboBox::currentIndexChanged, this, &TextSheet::refreshPreview);
-    for (QDoubleSpinBox* box : {size_, outlineWidth_})
-        connect(box, &QDoubleSpinBox::valueChanged, this, &TextSheet::refreshPreview);
-    for (QCheckBox* box : {bold_, italic_, outline_})
-        connect(box, &QCheckBox::toggled, this, &TextSheet::refreshPreview);
-    connect(place, &QPushButton::clicked, this, guarding(model, [this] { placeText(); }));
-    QirnKit::followMetrics(this, [this](const Metrics& m) {
+    setLeastWidth(720);
+    QirnKit::followMetrics(this, [=, this](const Metrics& m) {
+        look->setSpacing(m.margin);
+        shown->setSpacing(m.gap);
         words_->setFixedHeight(m.px(96));
-        preview_->setFixedHeight(m.px(140));
-        refreshPreview();
+        rows_->setFixedWidth(m.px(280));
+        preview_->setMinimumHeight(m.px(240));
     });
+    connect(words_, &QPlainTextEdit::textChanged, this, &TextSheet::refresh);
+    connect(rows_->findChild<QFontComboBox*>(), &QComboBox::activated, this, &TextSheet::refresh);
+    connect(place, &QPushButton::clicked, this, &TextSheet::placeText);
+    refresh();
     firstField = words_;
 }
 
-TextSpec TextSheet::spec() const {
-    TextSpec spec;
-    spec.text = words_->toPlainText();
-    spec.fontFamily = family_->currentText();
-    spec.size = size_->value();
-    spec.bold = bold_->isChecked();
-    spec.italic = italic_->isChecked();
-    spec.alignment = alignment_->currentIndex();
-    spec.color = model().colors().primary();
-    spec.outline = outline_->isChecked();
-    spec.outlineColor = model().colors().secondary();
-    spec.outlineWidth = outlineWidth_->value();
-    return spec;
-}
-
-void TextSheet::loadLook() {
-    const Store& stored = model().store();
-    TextSpec look;
-    look.fontFamily = stored.text(QStringLiteral("qirn.pt.textFont")).value_or(look.fontFamily);
-    const auto number = [&](const char* key, double usual, double least, double most) {
-        return std::clamp(stored.number(QLatin1String(key)).value_or(usual), least, most);
-    };
-    look.size = number("qirn.pt.textSize", look.size, size_->minimum(), size_->maximum());
-    look.bold = stored.flag(QStringLiteral("qirn.pt.textBold")).value_or(look.bold);
-    look.italic = stored.flag(QStringLiteral("qirn.pt.textItalic")).value_or(look.italic);
-    look.alignment = static_cast<int>(number("qirn.pt.textAlign", look.alignment, 0, 2));
-    look.outline = stored.flag(QStringLiteral("qirn.pt.textOutline")).value_or(look.outline);
-    look.outlineWidth = number("qirn.pt.textOutlineWidth", look.outlineWidth, outlineWidth_->minimum(),
-                               outlineWidth_->maximum());
-    // Where the stored family is not installed, the list shows the font that is used instead.
-    family_->setCurrentText(TextRenderer::font(look).family());
-    size_->setValue(look.size);
-    bold_->setChecked(look.bold);
-    italic_->setChecked(look.italic);
-    alignment_->setCurrentIndex(look.alignment);
-    outline_->setChecked(look.outline);
-    outlineWidth_->setValue(look.outlineWidth);
-}
-
-void TextSheet::saveLook() const {
-    Store& store = model().store();
-    const TextSpec look = spec();
-    store.setText(QStringLiteral("qirn.pt.textFont"), look.fontFamily);
-    store.set(QStringLiteral("qirn.pt.textSize"), look.size);
-    store.set(QStringLiteral("qirn.pt.textBold"), look.bold);
-    store.set(QStringLiteral("qirn.pt.textItalic"), look.italic);
-    store.set(QStringLiteral("qirn.pt.textAlign"), look.alignment);
-    store.set(QStringLiteral("qirn.pt.textOutline"), look.outline);
-    store.set(QStringLiteral("qirn.pt.textOutlineWidth"), look.outlineWidth);
-}
-
-void TextSheet::refreshPreview() {
-    outlineWidth_->setEnabled(outline_->isChecked());
-    if (!contained([this] { showPreview(); })) preview_->clear();
-}
-
-void TextSheet::showPreview() {
-    const auto rendered = TextRenderer::render(spec());
-    if (!rendered) return preview_->clear();
-    const double ratio = devicePixelRatioF();
-    QImage image = rendered->buffer->makeImage();
-    const QSize room = preview_->size() * ratio;
-    if (image.width() > room.width() || image.height() > room.height()) {
-        image = image.scaled(room, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    }
-    image.setDevicePixelRatio(ratio);
-    preview_->setPixmap(QPixmap::fromImage(image));
+void TextSheet::refresh() {
+    look_.spec.text = words_->toPlainText();
+    rows_->refresh();
+    preview_->setText(look_.spec);
 }
 
 void TextSheet::placeText() {
-    saveLook();
-    closeAnd([&model = model(), spec = spec(), topLeft = topLeft_] {
+    closeAnd([&model = model(), spec = look_.spec, topLeft = topLeft_] {
         CanvasEdits::placeText(model, spec, topLeft);
     });
 }

@@ -1,21 +1,27 @@
 #pragma once
 #include "app/text/TextSpec.h"
+#include "kit/rows/ControlRows.h"
 #include "shell/sheets/Sheet.h"
 
 #include <QPointF>
 
-class QButtonGroup;
-class QCheckBox;
-class QComboBox;
-class QDoubleSpinBox;
-class QLabel;
 class QPlainTextEdit;
 
 namespace qirn {
 
 class PaintModel;
+class Store;
+class TextPreview;
 
-/// Asks for words and their look and places them as a layer of their own. The look is kept for the next time.
+/// The look of the words to be placed; what is chosen is kept for the next time at once.
+struct TextLook {
+    explicit TextLook(Store& stored); ///< Borrowed; as it was the last time.
+
+    Store& store;
+    TextSpec spec;
+};
+
+/// Asks for words and their look and places them as a layer of their own.
 class TextSheet : public Sheet {
     Q_OBJECT
 public:
@@ -25,22 +31,13 @@ public:
     void placeText();
 
 private:
-    TextSpec spec() const;
-    void loadLook();
-    void saveLook() const;
-    void refreshPreview();
-    void showPreview();
+    void refresh();
 
     QPointF topLeft_; // canvas
+    TextLook look_;
     QPlainTextEdit* words_;
-    QComboBox* family_;
-    QDoubleSpinBox* size_;
-    QCheckBox* bold_;
-    QCheckBox* italic_;
-    QComboBox* alignment_;
-    QCheckBox* outline_;
-    QDoubleSpinBox* outlineWidth_;
-    QLabel* preview_;
+    ControlRows<TextLook>* rows_;
+    TextPreview* preview_;
 };
 
 } // namespace qirn

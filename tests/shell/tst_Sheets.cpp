@@ -5,18 +5,21 @@
 #include "app/edits/LayerEdits.h"
 #include "app/model/Colors.h"
 #include "app/model/Messages.h"
-#include "app/text/TextSpec.h"
+#include "app/text/TextRenderer.h"
+#include "compositing/CompositeInputs.h"
 #include "formats/ImageExport.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/NumberField.h"
+#include "shell/sheets/RecoveryRow.h"
 #include "shell/sheets/SheetHost.h"
+#include "shell/sheets/TextPreview.h"
 #include "support/Window.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDoubleSpinBox>
+#include <QFontComboBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
@@ -77,12 +80,11 @@ private Q_SLOTS:
             QSet<QWidget*> reached;
             for (int i = 0; i < 60; ++i) {
                 QTest::keyClick(QApplication::focusWidget(), i < 30 ? Qt::Key_Tab : Qt::Key_Backtab);
-                if (qobject_cast<QPlainTextEdit*>(QApplication::focusWidget())) // which takes Tab itself
-                    w.sheet().defaultButton()->setFocus();
                 QVERIFY(w.sheet().isAncestorOf(QApplication::focusWidget()));
                 reached << QApplication::focusWidget();
             }
-            QVERIFY2(reached.size() >= 2, qPrintable(QString::number(reached.size())));
+            QVERIFY2(reached.size() >= (which.kind == PaintSheet::Kind::recovery ? 1 : 2),
+                     qPrintable(QString::number(reached.size())));
             // Neither keys nor commands nor the pointer reach the picture.
             w.sheet().setFocus();
             for (const auto key : {Qt::Key_E, Qt::Key_Delete, Qt::Key_X, Qt::Key_BracketLeft, Qt::Key_Up})
@@ -251,34 +253,51 @@ private Q_SLOTS:
         spec.outline = true;
         spec.outlineColor = w.model.colors().secondary();
         spec.outlineWidth = 3;
-        w.model.showSheet({PaintSheet::Kind::text, {50, 40}});
-        QWidget& sheet = w.sheet();
-        const auto choices = sheet.findChildren<QComboBox*>();
-        choices[0]->setCurrentText(spec.fontFamily);
-        choices[1]->setCurrentIndex(spec.alignment);
-        const auto numbers = sheet.findChildren<QDoubleSpinBox*>();
-        numbers[1]->setValue(spec.outlineWidth);
-        const auto boxes = sheet.findChildren<QCheckBox*>();
-        boxes[0]->setChecked(spec.bold);
-        boxes[1]->setChecked(spec.italic);
-        boxes[2]->setChecked(spec.outline);
-        // Escape ends the typing before it means the sheet, and Return breaks the line of a text.
-        auto* words = sheet.findChild<QPlainTextEdit*>();
+        w.model.showSheet({PaintSheet::Kind::text, {50.9, 40.9}});
+        w.control<QFontComboBox>("Font").setCurrentText(spec.fontFamily);
+        Q_EMIT w.control<QFontComboBox>("Font").activated(0);
+        QTest::mouseClick(&w.control<QCheckBox>("Bold"), Qt::LeftButton);
+        QTest::mouseClick(&w.control<QCheckBox>("Italic"), Qt::LeftButton);
+        QTest::mouseClick(w.control<ChromeSegments>("Alignment").findChildren<QAbstractButton*>()[2],
+                          Qt::LeftButton);
+        QVERIFY(!w.control<ChromeSlider>("Width").isVisible());
+        QTest::mouseClick(&w.control<QCheckBox>("Outline (second color)"), Qt::LeftButton);
+        w.control<ChromeSlider>("Width").enter(spec.outlineWidth);
+        w.control<ChromeSlider>("Size").enter(spec.size);
+        w.answer(Qt::Key_Escape); // out of the words
+        w.answer(Qt::Key_Escape);
+        QVERIFY(!w.model.sheet());
+
+        w.model.showSheet({PaintSheet::Kind::text, {50.9, 40.9}}); // what was chosen is kept
+        auto* words = w.sheet().findChild<QPlainTextEdit*>();
         QTest::keyClicks(words, "Ab");
-        QTest::keyClick(words, Qt::Key_Return);
+        QTest::keyClick(words, Qt::Key_Return); // breaks the line
         QTest::keyClicks(words, "Abc");
-        QTest::keyClick(words, Qt::Key_Escape);
-        numbers[0]->setFocus();
-        numbers[0]->selectAll();
-        QTest::keyClicks(numbers[0], "44");
-        QTest::keyClick(numbers[0], Qt::Key_Return);
+        QCoreApplication::processEvents();
+        auto& preview = *w.sheet().findChild<TextPreview*>();
+        const QImage shown = preview.grab().toImage().convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+        QTest::keyClick(words, Qt::Key_Return, Qt::ControlModifier);
         QVERIFY(!w.model.sheet() && w.lastStep() == "1 Select All"); // the sheet goes first
         QTRY_COMPARE(w.layer().name, "Text: Ab Abc");
         QCOMPARE(w.lastStep(), "2 Text");
         QCOMPARE(w.doc().selection, selection);
         const auto placed = w.layer().toBuffer();
+        // The preview shows the picture as it is afterwards, with the words in the middle.
+        const IRect words44 = *TextRenderer::bounds(spec);
+        const QPointF corner(50 + words44.x - (shown.width() - words44.w) / 2.0,
+                             40 + words44.y - (shown.height() - words44.h) / 2.0);
+        for (int y = 2; y < shown.height() - 2; ++y) {
+            for (int x = 2; x < shown.width() - 2; ++x) {
+                const PixelBytes is =
+                    compositePixel(w.doc(), x + std::lround(corner.x()), y + std::lround(corner.y()));
+                const QRgb seen = shown.pixel(x, y);
+                if (is[3] == 255)
+                    QVERIFY2(std::abs(qRed(seen) - is[0]) <= 2 && std::abs(qBlue(seen) - is[2]) <= 2,
+                             qPrintable(QStringLiteral("%1 %2").arg(x).arg(y)));
+            }
+        }
         w.model.undo();
-        CanvasEdits::placeText(w.model, spec, {50, 40});
+        CanvasEdits::placeText(w.model, spec, {50.9, 40.9});
         const IRect bounds = *w.layer().contentBounds();
         QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
                  qPrintable(bounds.description()));
@@ -286,10 +305,49 @@ private Q_SLOTS:
         spec.text = " \n\t ";
         CanvasEdits::placeText(w.model, spec, {50, 40});
         QCOMPARE(w.model.messages().hud(), "Type some text first");
-        spec.text = "More than twenty-four letters in words";
+        spec.text = QString::fromUtf8("More than twenty👩‍🎨four létters in words");
         CanvasEdits::placeText(w.model, spec, {50, 40});
-        QCOMPARE(w.layer().name, "Text: More than twenty-four le");
+        QCOMPARE(w.layer().name, QString::fromUtf8("Text: More than twenty👩‍🎨four lé"));
         QCOMPARE(w.doc().layerCount(), int64_t{4});
+    }
+
+    void theRecoverySheetBringsPicturesBackOneByOne() {
+        SheetWindow w;
+        w.model.showSheet({PaintSheet::Kind::recovery});
+        QVERIFY(w.says("Nothing to recover.") && !w.control<QPushButton>("Recover All").isEnabled());
+        w.model.closeSheet();
+        QString copyOfFour;
+        for (const char* name : {"One", "Two", "Three", "Four"}) {
+            DocSession lost(std::make_unique<PaintDocument>(300, 200, 72, PaintColor(0, 0, 1)), name, {},
+                            QUuid::createUuid(), DocSession::Dirty::yes);
+            Recovery::write(lost, Recovery::Synchronously::yes);
+            lost.copyLock.reset();
+            copyOfFour = Recovery::fileURL(lost.id);
+        }
+        const auto names = [&w] {
+            QStringList open;
+            for (const SessionRef& session : w.model.pictures().sessions()) open << session->name;
+            return open.join(u' ');
+        };
+        w.model.showSheet({PaintSheet::Kind::recovery});
+        QVERIFY(w.says("Two") && w.says("300 × 200 px · 2 layer(s)"));
+        QVERIFY(w.control<QPushButton>("Recover All").hasFocus());
+        auto& row = *w.sheet().findChild<RecoveryRow*>();
+        QTRY_COMPARE(row.grab().toImage().pixelColor(68, 48), QColor(Qt::blue)); // its preview
+        const auto choose = [&w](const char* button) {
+            w.press(button);
+            QCoreApplication::processEvents();
+        };
+        choose("Recover Two");
+        QVERIFY(!w.says("Two") && names() == "Two (recovered)" &&
+                w.session().isDirty()); // in place of the starter
+        choose("Move Three to Trash");
+        QVERIFY(!w.says("Three") && w.says("One") && w.says("Four"));
+        QFile::resize(copyOfFour, 100);
+        choose("Recover All");
+        QVERIFY(!w.model.sheet() && w.desktop.asked.size() == 1);
+        QCOMPARE(w.desktop.asked[0].title, "Couldn't recover Four");
+        QCOMPARE(names(), "Two (recovered) One (recovered)");
     }
 
     void theExportSheetAsksAndRemembers() {
