@@ -76,7 +76,14 @@ void perform(int64_t first, int64_t count, const std::function<void(int64_t)>& b
 
 } // namespace
 
-void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) {
+void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body, const Progress& progress) {
+    if (progress.isWatched()) {
+        ProgressCount counted(progress, count);
+        return concurrentPerform(count, [&](int64_t i) {
+            body(i);
+            counted.oneDone();
+        });
+    }
     int64_t first = 0; // what a background thread leaves to all when somebody begins to wait for it
     for (; first < count && keepsToItself(); ++first) body(first);
     // A tile is large enough for a task of its own, and tiles of uneven cost are balanced best that way.
@@ -84,11 +91,16 @@ void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body) 
 }
 
 void concurrentPerformByWorkers(int64_t workers, int64_t count,
-                                const std::function<void(std::size_t worker, int64_t index)>& body) {
+                                const std::function<void(std::size_t worker, int64_t index)>& body,
+                                const Progress& progress) {
+    ProgressCount counted(progress, count);
     std::atomic<int64_t> next = 0;
     const auto work = [&](int64_t worker) {
         const bool isAlone = keepsToItself();
-        for (int64_t i; isAlone == keepsToItself() && (i = next++) < count;) body(checkedSize(worker), i);
+        for (int64_t i; isAlone == keepsToItself() && (i = next++) < count;) {
+            body(checkedSize(worker), i);
+            counted.oneDone();
+        }
     };
     // Again where somebody began to wait for a background thread, or waits no more.
     while (next < count) concurrentPerform(std::min(workers, count), work);

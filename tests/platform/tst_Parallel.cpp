@@ -1,5 +1,6 @@
 #include "platform/Parallel.h"
 #include "support/TestMain.h"
+#include "support/Watched.h"
 
 #include <array>
 #include <atomic>
@@ -46,6 +47,30 @@ private Q_SLOTS:
             QCOMPARE(sums[0] + sums[1] + sums[2], static_cast<int>(std::max<int64_t>(count, 0)));
             for (int64_t i = 0; i < std::ssize(runs); ++i)
                 QCOMPARE(runs[static_cast<std::size_t>(i)], i < count ? 1 : 0);
+        }
+    }
+
+    void aLoopTellsHowFarItIsAndEndsWhereItIsStopped() {
+        const auto loop = [](bool byWorkers, const Progress& progress) {
+            std::atomic<int64_t> runs = 0;
+            const auto body = [&](auto&&...) { ++runs; };
+            try {
+                if (byWorkers)
+                    concurrentPerformByWorkers(3, 1000, body, progress);
+                else
+                    concurrentPerform(1000, body, progress);
+            } catch (const Cancelled&) {
+                return -runs.load();
+            }
+            return runs.load();
+        };
+        for (const bool byWorkers : {false, true}) {
+            Watched willing, tired(10);
+            QCOMPARE(loop(byWorkers, Progress(willing).part(0.25, 0.75)), 1000);
+            QCOMPARE(willing.largest(), 0.75);
+            QCOMPARE(willing.asked(), 1000);
+            const int64_t runs = -loop(byWorkers, Progress(tired));
+            QVERIFY2(runs > 10 && runs < 10 + 2 * concurrency() + 2, qPrintable(QString::number(runs)));
         }
     }
 
