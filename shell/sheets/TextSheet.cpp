@@ -8,11 +8,11 @@
 #include "app/model/PaintModel.h"
 #include "app/text/TextRenderer.h"
 #include "kit/QirnKit.h"
+#include "shell/sheets/FontMenu.h"
 #include "shell/sheets/TextPreview.h"
 
 #include <algorithm>
 
-#include <QFontComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -37,22 +37,18 @@ constexpr const char* kAlign = "qirn.pt.textAlign";
 constexpr const char* kOutline = "qirn.pt.textOutline";
 constexpr const char* kOutlineWidth = "qirn.pt.textOutlineWidth";
 
-/// All families of the machine, each in its own face.
 QWidget* fontMenu(TextLook& look, QWidget* parent) {
     auto* whole = new QWidget(parent);
-    auto* menu = new QFontComboBox(whole);
-    menu->setAccessibleName(TextSheet::tr("Font"));
-    menu->setEditable(false);
-    menu->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    auto* menu = new FontMenu(whole);
     // A family that the machine lacks shows as the one that stands in for it.
     menu->setCurrentText(TextRenderer::font(look.spec).family());
-    auto* label = new QLabel(TextSheet::tr("Font"), whole);
+    auto* label = new QLabel(menu->accessibleName(), whole);
     label->setForegroundRole(QPalette::PlaceholderText);
     auto* across = new QHBoxLayout(whole);
     across->setContentsMargins(0, 0, 0, 0);
     across->addWidget(label);
     across->addWidget(menu, 1);
-    QObject::connect(menu, &QFontComboBox::activated, menu, [&look, menu] {
+    QObject::connect(menu, &QComboBox::activated, menu, [&look, menu] {
         look.spec.fontFamily = menu->currentText();
         look.store.setText(QLatin1String(kFont), look.spec.fontFamily);
     });
@@ -152,7 +148,7 @@ TextSheet::TextSheet(PaintModel& model, QPointF topLeft, QWidget* parent)
         preview_->setMinimumHeight(m.px(240));
     });
     connect(words_, &QPlainTextEdit::textChanged, this, &TextSheet::refresh);
-    connect(rows_->findChild<QFontComboBox*>(), &QComboBox::activated, this, &TextSheet::refresh);
+    connect(rows_->findChild<FontMenu*>(), &QComboBox::activated, this, &TextSheet::refresh);
     connect(place, &QPushButton::clicked, this, &TextSheet::placeText);
     refresh();
     firstField = words_;

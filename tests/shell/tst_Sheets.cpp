@@ -11,6 +11,7 @@
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/NumberField.h"
+#include "shell/sheets/FontMenu.h"
 #include "shell/sheets/RecoveryRow.h"
 #include "shell/sheets/SheetHost.h"
 #include "shell/sheets/TextPreview.h"
@@ -19,7 +20,6 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFontComboBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
@@ -254,8 +254,8 @@ private Q_SLOTS:
         spec.outlineColor = w.model.colors().secondary();
         spec.outlineWidth = 3;
         w.model.showSheet({PaintSheet::Kind::text, {50.9, 40.9}});
-        w.control<QFontComboBox>("Font").setCurrentText(spec.fontFamily);
-        Q_EMIT w.control<QFontComboBox>("Font").activated(0);
+        w.control<FontMenu>("Font").setCurrentText(spec.fontFamily);
+        Q_EMIT w.control<FontMenu>("Font").activated(0);
         QTest::mouseClick(&w.control<QCheckBox>("Bold"), Qt::LeftButton);
         QTest::mouseClick(&w.control<QCheckBox>("Italic"), Qt::LeftButton);
         QTest::mouseClick(w.control<ChromeSegments>("Alignment").findChildren<QAbstractButton*>()[2],

@@ -50,7 +50,7 @@ private:
         int64_t firstSlot; // of the first entry, by which damage is reported
         bool isPlaced = false;
         bool isDamaged = false; // once decoded
-        TileRef tile;           // null until decoded, and where it is not placed
+        TileRef tile{};         // null until decoded, and where it is not placed
     };
 
     static void decodeOne(Incoming& incoming, TileDecoder& decoder);
