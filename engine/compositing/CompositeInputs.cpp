@@ -65,8 +65,8 @@ std::vector<CompositeInput> compositeInputs(std::span<const LayerState> layers) 
     return inputs;
 }
 
-std::shared_ptr<RGBABuffer> flattened(const PaintDocument& doc) {
-    return Compositor::flatten(compositeInputs(doc, ForDisplay::no), doc.grid());
+std::shared_ptr<RGBABuffer> flattened(const PaintDocument& doc, const Progress& progress) {
+    return Compositor::flatten(compositeInputs(doc, ForDisplay::no), doc.grid(), progress);
 }
 
 QImage flattenedImage(const PaintDocument& doc) {

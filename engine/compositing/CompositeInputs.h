@@ -21,7 +21,7 @@ std::vector<CompositeInput> compositeInputs(const PaintDocument& doc, ForDisplay
 std::vector<CompositeInput> compositeInputs(std::span<const LayerState> layers);
 
 /// The finished picture of the whole canvas.
-std::shared_ptr<RGBABuffer> flattened(const PaintDocument& doc);
+std::shared_ptr<RGBABuffer> flattened(const PaintDocument& doc, const Progress& progress = {});
 QImage flattenedImage(const PaintDocument& doc);
 /// What the screen shows of some tiles; a tile without any contribution has no entry.
 std::map<int64_t, QImage> displayImages(const PaintDocument& doc, std::span<const int64_t> tiles);

@@ -78,10 +78,10 @@ std::map<int64_t, QImage> Compositor::compositeImages(std::span<const int64_t> t
     return result;
 }
 
-std::shared_ptr<RGBABuffer> Compositor::flatten(std::span<const CompositeInput> layers,
-                                                const TileGrid& grid) {
+std::shared_ptr<RGBABuffer> Compositor::flatten(std::span<const CompositeInput> layers, const TileGrid& grid,
+                                                const Progress& progress) {
     auto buffer = std::make_shared<RGBABuffer>(grid.width, grid.height);
-    concurrentPerform(grid.count(), [&](int64_t index) {
+    const auto putTile = [&](int64_t index) {
         const auto tile = std::make_unique_for_overwrite<uint8_t[]>(kTileBytes);
         if (!compositeTile(index, layers, tile.get())) return;
         const IRect part = grid.rectOf(index);
@@ -89,7 +89,8 @@ std::shared_ptr<RGBABuffer> Compositor::flatten(std::span<const CompositeInput> 
             std::memcpy(buffer->pixels(part.x, part.y + y), tile.get() + placeInTile(0, y),
                         checkedSize(part.w) * 4);
         }
-    });
+    };
+    concurrentPerform(grid.count(), putTile, progress);
     return buffer;
 }
 

@@ -4,6 +4,7 @@
 #include "core/RGBABuffer.h"
 #include "core/TileArray.h"
 #include "core/TileGrid.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <map>
@@ -46,7 +47,8 @@ std::map<int64_t, QImage> compositeImages(std::span<const int64_t> tiles,
                                           std::span<const CompositeInput> layers, const TileGrid& grid);
 
 /// The finished picture of the whole canvas; in parallel.
-std::shared_ptr<RGBABuffer> flatten(std::span<const CompositeInput> layers, const TileGrid& grid);
+std::shared_ptr<RGBABuffer> flatten(std::span<const CompositeInput> layers, const TileGrid& grid,
+                                    const Progress& progress = {});
 
 /// One premultiplied source color (r, g, b, a) onto one accumulator pixel of four floats: the reference for
 /// every faster loop.

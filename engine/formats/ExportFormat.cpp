@@ -13,9 +13,11 @@ namespace qirn {
 
 namespace {
 
-std::optional<QByteArray> psd(const PaintDocument& doc, PSDFile::Layered layered) {
+constexpr double kFlattened = 0.2; // of the work, about
+
+std::optional<QByteArray> psd(const PaintDocument& doc, PSDFile::Layered layered, const Progress& progress) {
     try {
-        return PSDFile::write(doc, layered);
+        return PSDFile::write(doc, layered, progress);
     } catch (const PSDFile::TooLarge&) {
         return std::nullopt;
     }
@@ -23,24 +25,32 @@ std::optional<QByteArray> psd(const PaintDocument& doc, PSDFile::Layered layered
 
 } // namespace
 
-std::optional<QByteArray> ExportEncoders::png(const PaintDocument& doc, const JpegOptions&) {
-    return pngBytes(flattened(doc)->imageOverBytes(), doc.dpi);
+std::optional<QByteArray> ExportEncoders::png(const PaintDocument& doc, const JpegOptions&,
+                                              const Progress& progress) {
+    return pngBytes(flattened(doc, progress.part(0, kFlattened))->imageOverBytes(), doc.dpi,
+                    progress.part(kFlattened, 1));
 }
 
-std::optional<QByteArray> ExportEncoders::jpeg(const PaintDocument& doc, const JpegOptions& jpeg) {
-    return jpegBytes(*ImageExport::onBackground(*flattened(doc), jpeg.background), jpeg.quality, doc.dpi);
+std::optional<QByteArray> ExportEncoders::jpeg(const PaintDocument& doc, const JpegOptions& jpeg,
+                                               const Progress& progress) {
+    const auto picture = flattened(doc, progress.part(0, kFlattened));
+    return jpegBytes(*ImageExport::onBackground(*picture, jpeg.background), jpeg.quality, doc.dpi,
+                     progress.part(kFlattened, 1));
 }
 
-std::optional<QByteArray> ExportEncoders::tiff(const PaintDocument& doc, const JpegOptions&) {
-    return tiffBytes(*flattened(doc), doc.dpi);
+std::optional<QByteArray> ExportEncoders::tiff(const PaintDocument& doc, const JpegOptions&,
+                                               const Progress& progress) {
+    return tiffBytes(*flattened(doc, progress.part(0, kFlattened)), doc.dpi, progress.part(kFlattened, 1));
 }
 
-std::optional<QByteArray> ExportEncoders::psdLayered(const PaintDocument& doc, const JpegOptions&) {
-    return psd(doc, PSDFile::Layered::yes);
+std::optional<QByteArray> ExportEncoders::psdLayered(const PaintDocument& doc, const JpegOptions&,
+                                                     const Progress& progress) {
+    return psd(doc, PSDFile::Layered::yes, progress);
 }
 
-std::optional<QByteArray> ExportEncoders::psdFlat(const PaintDocument& doc, const JpegOptions&) {
-    return psd(doc, PSDFile::Layered::no);
+std::optional<QByteArray> ExportEncoders::psdFlat(const PaintDocument& doc, const JpegOptions&,
+                                                  const Progress& progress) {
+    return psd(doc, PSDFile::Layered::no, progress);
 }
 
 QString displayName(ExportFormat format) {

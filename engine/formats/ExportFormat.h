@@ -1,4 +1,5 @@
 #pragma once
+#include "platform/Progress.h"
 #include "platform/RowOrder.h"
 
 #include <array>
@@ -23,13 +24,16 @@ struct JpegOptions {
 };
 
 /// The whole file of a document's finished picture; nothing where the format or the memory does not hold it.
-using ExportEncoder = std::optional<QByteArray> (*)(const PaintDocument& doc, const JpegOptions& jpeg);
+using ExportEncoder = std::optional<QByteArray> (*)(const PaintDocument& doc, const JpegOptions& jpeg,
+                                                    const Progress& progress);
 namespace ExportEncoders {
-std::optional<QByteArray> png(const PaintDocument& doc, const JpegOptions& jpeg);
-std::optional<QByteArray> jpeg(const PaintDocument& doc, const JpegOptions& jpeg);
-std::optional<QByteArray> tiff(const PaintDocument& doc, const JpegOptions& jpeg);
-std::optional<QByteArray> psdLayered(const PaintDocument& doc, const JpegOptions& jpeg);
-std::optional<QByteArray> psdFlat(const PaintDocument& doc, const JpegOptions& jpeg);
+std::optional<QByteArray> png(const PaintDocument& doc, const JpegOptions& jpeg, const Progress& progress);
+std::optional<QByteArray> jpeg(const PaintDocument& doc, const JpegOptions& jpeg, const Progress& progress);
+std::optional<QByteArray> tiff(const PaintDocument& doc, const JpegOptions& jpeg, const Progress& progress);
+std::optional<QByteArray> psdLayered(const PaintDocument& doc, const JpegOptions& jpeg,
+                                     const Progress& progress);
+std::optional<QByteArray> psdFlat(const PaintDocument& doc, const JpegOptions& jpeg,
+                                  const Progress& progress);
 } // namespace ExportEncoders
 
 struct ExportFormatRow {

@@ -19,8 +19,8 @@ constexpr int kBandRows = 16; // of a reduced picture
 } // namespace
 
 QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
-                             const PaintColor& jpegBackground) {
-    std::optional<QByteArray> bytes = rowOf(format).encode(doc, {jpegQuality, jpegBackground});
+                             const PaintColor& jpegBackground, const Progress& progress) {
+    std::optional<QByteArray> bytes = rowOf(format).encode(doc, {jpegQuality, jpegBackground}, progress);
     if (!bytes) throw ExportError::cannotEncode(displayName(format));
     return *std::move(bytes);
 }

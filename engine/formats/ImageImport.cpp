@@ -26,7 +26,7 @@ using Bytes = std::span<const uint8_t>;
 /// The formats, told apart by their first bytes.
 struct Reader {
     bool (*isOne)(Bytes);
-    std::optional<DecodedPicture> (*read)(Bytes);
+    std::optional<DecodedPicture> (*read)(Bytes, const Progress&);
 };
 constexpr Reader kReaders[] = {
     {isPng, readPng},
@@ -41,13 +41,13 @@ constexpr Reader kReaders[] = {
 
 } // namespace
 
-ImageImport::Imported ImageImport::imported(Bytes file) {
-    if (PaintFile::infoOf(file)) return {PaintFile::decode(file), {}};
+ImageImport::Imported ImageImport::imported(Bytes file, const Progress& progress) {
+    if (PaintFile::infoOf(file)) return {PaintFile::decode(file, progress), {}};
     Imported result;
     if (isPhotoshopFile(file)) {
         // If the layers cannot be read, the merged picture beside them may still open as a single layer.
         try {
-            result.document = PSDFile::read(file, &result.remarks);
+            result.document = PSDFile::read(file, &result.remarks, progress);
             return result;
         } catch (const PSDFile::PSDError& error) {
             result.remarks = MergedReader::remarks(file, error.feature());
@@ -57,7 +57,7 @@ ImageImport::Imported ImageImport::imported(Bytes file) {
             result.remarks = MergedReader::remarks(file, {});
         }
     }
-    auto picture = decode(file);
+    auto picture = decode(file, progress);
     if (!picture) throw ExportError::cannotRead();
     const TileGrid grid = picture->layer->grid();
     result.document = std::make_unique<PaintDocument>(grid.width, grid.height, picture->dpi,
@@ -69,9 +69,9 @@ std::unique_ptr<PaintDocument> ImageImport::document(Bytes file, const QString&)
     return imported(file).document;
 }
 
-std::optional<DecodedPicture> ImageImport::decode(Bytes file) {
+std::optional<DecodedPicture> ImageImport::decode(Bytes file, const Progress& progress) {
     for (const Reader& reader : kReaders) {
-        if (reader.isOne(file)) return reader.read(file);
+        if (reader.isOne(file)) return reader.read(file, progress);
     }
     return std::nullopt;
 }

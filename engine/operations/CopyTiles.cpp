@@ -9,7 +9,7 @@
 
 namespace qirn {
 
-void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
+void copyTiles(Layer& from, Layer& to, const PixelMap& map, const Progress& progress) {
     const TileGrid &old = from.grid(), &grid = to.grid();
     const PixelMap back = map.inverse();
     const bool tilesOnTiles = map.isMove() && map.x0 % kTileSize == 0 && map.y0 % kTileSize == 0;
@@ -39,7 +39,7 @@ void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
                    target.y % kTileSize}},
                  slot, all ? TileJobs<Key>::DrawsAll::yes : TileJobs<Key>::DrawsAll::no);
     }
-    jobs.run(to, [&](const TileJob& job, uint8_t* pixels) {
+    const auto draw = [&](const TileJob& job, uint8_t* pixels) {
         const IRect slot = grid.rectOf(job.first);
         for (int64_t index : old.tilesIn(mapped(map, slot))) {
             const Tile* tile = from.tile(index);
@@ -51,7 +51,8 @@ void copyTiles(Layer& from, Layer& to, const PixelMap& map) {
             map.copy(tile->pixels() + placeInTile(sx, sy), kTileRowBytes,
                      pixels + placeInTile(target.x, target.y), kTileRowBytes, target.w, target.h);
         }
-    });
+    };
+    jobs.run(to, draw, progress);
 }
 
 } // namespace qirn

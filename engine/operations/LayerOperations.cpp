@@ -35,7 +35,7 @@ void clearBeyond(const IRect& part, uint8_t* pixels) {
 }
 
 /// Slots in which all layers have the same tiles, as over flat paper, share one finished tile.
-LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name) {
+LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name, const Progress& progress) {
     const TileGrid& grid = doc.grid();
     const std::vector<CompositeInput> inputs = compositeInputs(doc, ForDisplay::no);
     // The tiles of all layers in one slot, and the size of its part of the canvas.
@@ -51,9 +51,10 @@ LayerRef finishedPictureAsLayer(const PaintDocument& doc, const QString& name) {
         jobs.add({seen, {part.w, part.h}}, slot);
     }
     auto layer = std::make_shared<Layer>(name, grid);
-    jobs.run(*layer, [&](const TileJob& job, uint8_t* pixels) {
+    const auto draw = [&](const TileJob& job, uint8_t* pixels) {
         if (Compositor::compositeTile(job.first, inputs, pixels)) clearBeyond(grid.rectOf(job.first), pixels);
-    });
+    };
+    jobs.run(*layer, draw, progress);
     return layer;
 }
 
@@ -112,7 +113,7 @@ void moveLayer(PaintDocument& doc, int64_t from, int64_t to) {
     doc.setActiveIndex(doc.indexOf(active).value_or(0));
 }
 
-void mergeDown(PaintDocument& doc, int64_t index) {
+void mergeDown(PaintDocument& doc, int64_t index, const Progress& progress) {
     if (index < 1 || index >= doc.layerCount()) return;
     const Layer& upper = doc.layer(index);
     Layer& lower = doc.layer(index - 1);
@@ -129,20 +130,21 @@ void mergeDown(PaintDocument& doc, int64_t index) {
         jobs.add({lower.tile(slot), &tile}, slot);
     });
     // Coverage only grows: where the result is blank, the old tile is too.
-    jobs.run(lower, [&](const TileJob& job, uint8_t* pixels) {
+    const auto draw = [&](const TileJob& job, uint8_t* pixels) {
         Compositor::compositeTile(job.first, inputs, pixels);
-    });
+    };
+    jobs.run(lower, draw, progress);
     std::vector<LayerRef> layers = doc.layers();
     layers.erase(layers.begin() + index);
     doc.replaceLayers(std::move(layers), index - 1);
 }
 
-void mergeVisible(PaintDocument& doc) {
+void mergeVisible(PaintDocument& doc, const Progress& progress) {
     const std::vector<LayerRef>& layers = doc.layers();
     const auto visible = [](const LayerRef& layer) { return layer->isVisible; };
     if (std::count_if(layers.begin(), layers.end(), visible) < 2) return;
     const LayerRef topmost = *std::find_if(layers.rbegin(), layers.rend(), visible);
-    const LayerRef merged = finishedPictureAsLayer(doc, QStringLiteral("Merged"));
+    const LayerRef merged = finishedPictureAsLayer(doc, QStringLiteral("Merged"), progress);
     std::vector<LayerRef> stack;
     int64_t active = 0;
     for (const LayerRef& layer : layers) {
@@ -156,8 +158,8 @@ void mergeVisible(PaintDocument& doc) {
     doc.replaceLayers(std::move(stack), active);
 }
 
-void flattenImage(PaintDocument& doc) {
-    doc.replaceLayers({finishedPictureAsLayer(doc, QStringLiteral("Background"))}, 0);
+void flattenImage(PaintDocument& doc, const Progress& progress) {
+    doc.replaceLayers({finishedPictureAsLayer(doc, QStringLiteral("Background"), progress)}, 0);
 }
 
 void clearLayer(PaintDocument& doc, Layer& layer) {

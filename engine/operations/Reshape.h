@@ -1,12 +1,14 @@
 #pragma once
 #include "core/PaintDocument.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 
 namespace qirn {
 
 // Changes of the canvas: every layer is redrawn into a new grid and keeps its identity and settings. The selection
-// is dropped, `onGridChange` is told and everything counts as dirty. None commits. Sizes below 1 count as 1.
+// is dropped, `onGridChange` is told and everything counts as dirty. None commits; one that is cancelled has changed
+// nothing. Sizes below 1 count as 1.
 
 enum class FlipAxis { horizontal, vertical };
 
@@ -16,9 +18,10 @@ void resizeImage(PaintDocument& doc, int64_t width, int64_t height);
 /// edge, 1 at the right or bottom, 0.5 in the middle; halves of pixels round away from zero.
 void resizeCanvas(PaintDocument& doc, int64_t width, int64_t height, double anchorX, double anchorY);
 /// Keeps a rectangle, or what of it lies on the canvas; does nothing at all for one outside.
-void cropTo(PaintDocument& doc, const IRect& rect);
+void cropTo(PaintDocument& doc, const IRect& rect, const Progress& progress = {});
 /// Clockwise, or the other way for a negative count; exact. Full circles do nothing at all.
-void rotate(PaintDocument& doc, int64_t quarterTurns);
-void flipCanvas(PaintDocument& doc, FlipAxis axis); ///< Exact; horizontal swaps left and right.
+void rotate(PaintDocument& doc, int64_t quarterTurns, const Progress& progress = {});
+/// Exact; horizontal swaps left and right.
+void flipCanvas(PaintDocument& doc, FlipAxis axis, const Progress& progress = {});
 
 } // namespace qirn

@@ -29,14 +29,15 @@ public:
         jobs_[place->second].slots.push_back(slot);
     }
 
-    /// Runs `draw(job, pixels)` for all in parallel and puts what has alpha into the layer.
-    template <class Draw> void run(Layer& to, Draw draw) {
-        concurrentPerform(static_cast<int64_t>(jobs_.size()), [&](int64_t i) {
+    /// Runs `draw(job, pixels)` for all in parallel, and then puts what has alpha into the layer.
+    template <class Draw> void run(Layer& to, Draw draw, const Progress& progress = {}) {
+        const auto drawOne = [&](int64_t i) {
             TileJob& job = jobs_[checkedSize(i)];
             auto tile = job.drawsAll ? std::make_shared<Tile>(BlockPool::take()) : std::make_shared<Tile>();
             draw(job, tile->writablePixels());
             if (!tile->isEmpty()) job.tile = std::move(tile);
-        });
+        };
+        concurrentPerform(static_cast<int64_t>(jobs_.size()), drawOne, progress);
         for (TileJob& job : jobs_) {
             if (!job.tile) continue;
             if (job.slots.size() > 1) job.tile->freeze();

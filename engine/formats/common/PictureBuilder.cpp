@@ -57,14 +57,16 @@ PixelMap Orientation::toStored(int64_t storedWidth, int64_t storedHeight) const 
     return {xx, xy, yx, yy, xx + xy < 0 ? storedWidth - 1 : 0, yx + yy < 0 ? storedHeight - 1 : 0};
 }
 
-PictureBuilder::PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation)
+PictureBuilder::PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation,
+                               const Progress& progress)
     : width_(width),
       height_(height),
       profile_(std::move(profile)),
       toStored_(orientation.toStored(width, height)),
       toUpright_(toStored_.inverse()),
       grid_(orientation.swapsSides() ? TileGrid(height, width) : TileGrid(width, height)),
-      growing_(checkedSize(grid_.count())) {
+      growing_(checkedSize(grid_.count())),
+      progress_(progress) {
     require(isReadableSize(width, height));
     rowBytes_ = (width * profile_.layout().pixelBytes() + 7) / 8 * 8;
     rowsAtOnce_ = std::clamp<int64_t>(kBlockBytes / rowBytes_, 1, height);

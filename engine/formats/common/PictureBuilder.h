@@ -1,6 +1,7 @@
 #pragma once
 #include "core/Layer.h"
 #include "formats/common/ColorProfile.h"
+#include "platform/Progress.h"
 #include "platform/resample/PixelMap.h"
 
 #include <cstdint>
@@ -35,15 +36,16 @@ private:
 /// convert.
 ///
 /// Rows are written straight to tiles. A tile is allocated when a second color is found in it; tiles of one color are
-/// shared, so that a blank picture takes next to no memory, whatever its size.
+/// shared, so that a blank picture takes next to no memory, whatever its size. The progress counts the rows.
 class PictureBuilder {
 public:
-    PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation = {});
+    PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation = {},
+                   const Progress& progress = {});
 
     /// Memory for the next stored row in the profile's layout; it counts once `rowDone` is called. Not to be asked for
     /// after the last row.
     void* row();
-    void rowDone() { ++rowsGiven_; }
+    void rowDone() { progress_.done(++rowsGiven_, height_); } ///< Throws Cancelled.
     /// The picture as a layer "Background"; rows that were not given are transparent. Null when there was none at all.
     LayerRef finish();
 
@@ -70,6 +72,7 @@ private:
     int64_t rowBytes_;
     int64_t rowsAtOnce_;
     std::vector<uint64_t> block_; // rows not converted yet, each aligned for every type of sample
+    Progress progress_;
     int64_t rowsGiven_ = 0;
     int64_t rowsDone_ = 0;
 };

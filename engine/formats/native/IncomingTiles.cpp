@@ -61,19 +61,18 @@ std::optional<std::size_t> IncomingTiles::add(const TileEntry& entry) {
     return found->second;
 }
 
-void IncomingTiles::decode() {
+void IncomingTiles::decode(const Progress& progress) {
     std::vector<TileDecoder> decoders(checkedSize(concurrency()));
     std::atomic<std::size_t> firstDamaged = tiles_.size();
-    concurrentPerformByWorkers(std::ssize(decoders), std::ssize(tiles_),
-                               [this, &decoders, &firstDamaged](std::size_t worker, int64_t index) {
-                                   const auto i = checkedSize(index);
-                                   if (i > firstDamaged.load(std::memory_order_relaxed))
-                                       return; // an earlier one is reported
-                                   decodeOne(tiles_[i], decoders[worker]);
-                                   if (!tiles_[i].isDamaged) return;
-                                   std::size_t before = firstDamaged;
-                                   while (i < before && !firstDamaged.compare_exchange_weak(before, i)) {}
-                               });
+    const auto decodeUnlessDamaged = [this, &decoders, &firstDamaged](std::size_t worker, int64_t index) {
+        const auto i = checkedSize(index);
+        if (i > firstDamaged.load(std::memory_order_relaxed)) return; // an earlier one is reported
+        decodeOne(tiles_[i], decoders[worker]);
+        if (!tiles_[i].isDamaged) return;
+        std::size_t before = firstDamaged;
+        while (i < before && !firstDamaged.compare_exchange_weak(before, i)) {}
+    };
+    concurrentPerformByWorkers(std::ssize(decoders), std::ssize(tiles_), decodeUnlessDamaged, progress);
     if (firstDamaged < tiles_.size()) throw damagedTile(tiles_[firstDamaged].firstSlot, " data");
     if (refusal_) throw *refusal_;
 }

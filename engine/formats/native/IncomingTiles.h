@@ -2,6 +2,7 @@
 #include "core/Tile.h"
 #include "formats/common/FormatErrors.h"
 #include "formats/native/PaintFileManifest.h"
+#include "platform/Progress.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,7 +29,7 @@ public:
     /// entries, is only checked: a slot that a file fills a thousand times holds one tile.
     void place(std::size_t which) { tiles_[which].isPlaced = true; }
     /// Throws PaintFileError for the first damaged entry of all that were added.
-    void decode();
+    void decode(const Progress& progress);
 
     const TileRef& operator[](std::size_t which) const { return tiles_[which].tile; }
 

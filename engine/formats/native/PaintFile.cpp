@@ -24,6 +24,7 @@ using namespace PaintFile;
 
 constexpr std::size_t kHeaderBytes = magic.size() + 4;
 constexpr double kPreviewDpi = 72;
+constexpr double kTilesEncoded = 0.8, kPreviewMade = 0.95; // of the work of writing, about
 
 /// The part of the file behind the manifest, as pieces that are not copied until the file is assembled.
 class Blob {
@@ -66,7 +67,7 @@ void append(QByteArray& file, std::span<const uint8_t> bytes) {
     file.append(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
 }
 
-QByteArray assembled(const std::string& manifest, const Blob& blob) {
+QByteArray assembled(const std::string& manifest, const Blob& blob, const Progress& progress) {
     if (manifest.size() > std::numeric_limits<uint32_t>::max()) throw PaintFileError::tooLarge();
     const auto length = static_cast<uint32_t>(manifest.size());
     QByteArray file;
@@ -74,7 +75,11 @@ QByteArray assembled(const std::string& manifest, const Blob& blob) {
     append(file, magic);
     for (int shift = 0; shift < 32; shift += 8) file.append(static_cast<char>(length >> shift & 255));
     file.append(manifest.data(), static_cast<qsizetype>(manifest.size()));
-    for (std::span<const uint8_t> piece : blob.pieces()) append(file, piece);
+    ProgressCount appended(progress, std::ssize(blob.pieces()));
+    for (std::span<const uint8_t> piece : blob.pieces()) {
+        append(file, piece);
+        appended.oneDone();
+    }
     return file;
 }
 
@@ -161,8 +166,8 @@ std::optional<PaintFile::Info> PaintFile::infoOf(std::span<const uint8_t> file) 
 }
 
 QByteArray PaintFile::encode(const DocumentSnapshot& snapshot, int64_t maxSide,
-                             std::optional<QDateTime> saved) {
-    const StoredTiles stored(snapshot);
+                             std::optional<QDateTime> saved, const Progress& progress) {
+    const StoredTiles stored(snapshot, progress.part(0, kTilesEncoded));
     Blob blob;
     Manifest manifest;
     manifest.width = snapshot.grid.width;
@@ -173,17 +178,17 @@ QByteArray PaintFile::encode(const DocumentSnapshot& snapshot, int64_t maxSide,
     manifest.onion = snapshot.onion;
     manifest.saved = saved.value_or(QDateTime::currentDateTimeUtc());
     // A preview that cannot be made is never a reason not to save.
-    const QImage preview = previewOf(snapshot, maxSide);
+    const QImage preview = previewOf(snapshot, maxSide, progress.part(kTilesEncoded, kPreviewMade));
     const QByteArray png = preview.isNull() ? QByteArray() : pngBytes(preview, kPreviewDpi);
     if (!png.isEmpty()) manifest.thumbnail = blob.add(-1, bytesOf(png), kCodingPng);
-    return assembled(manifestText(manifest), blob);
+    return assembled(manifestText(manifest), blob, progress.part(kPreviewMade, 1));
 }
 
 QByteArray PaintFile::encode(PaintDocument& doc, std::optional<QDateTime> saved) {
     return encode(snapshot(doc), kPreviewSide, std::move(saved));
 }
 
-std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file) {
+std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file, const Progress& progress) {
     const auto [manifest, blobOffset] = manifestOf(file);
     if (manifest.width < 1 || manifest.height < 1)
         throw PaintFileError::damaged(QStringLiteral("canvas size"));
@@ -194,7 +199,7 @@ std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file) 
     IncomingTiles tiles(file.subspan(checkedSize(blobOffset)), grid.count());
     const std::vector<Placement> placements = placementsOf(manifest.layers, tiles);
     for (const Placement& place : placements) tiles.place(place.tile);
-    tiles.decode();
+    tiles.decode(progress);
 
     std::vector<LayerRef> layers;
     for (const LayerEntry& entry : manifest.layers) layers.push_back(emptyLayer(entry, grid));

@@ -4,6 +4,7 @@
 #include "core/TileGrid.h"
 #include "formats/common/FormatErrors.h"
 #include "formats/native/PaintFileManifest.h"
+#include "platform/Progress.h"
 
 #include <array>
 #include <cstdint>
@@ -54,11 +55,11 @@ inline constexpr int64_t kPreviewSide = 320; ///< Pixels on the larger side of a
 /// The whole file. `saved` is the moment that it notes, now if none is given: equal pictures with an equal moment
 /// give equal bytes, on any number of threads.
 QByteArray encode(const DocumentSnapshot& snapshot, int64_t thumbnailSide,
-                  std::optional<QDateTime> saved = {});
+                  std::optional<QDateTime> saved = {}, const Progress& progress = {});
 QByteArray encode(PaintDocument& doc, std::optional<QDateTime> saved = {});
 
 /// The document with a fresh history; throws PaintFileError.
-std::unique_ptr<PaintDocument> decode(std::span<const uint8_t> file);
+std::unique_ptr<PaintDocument> decode(std::span<const uint8_t> file, const Progress& progress = {});
 
 struct LocatedManifest {
     Manifest manifest;

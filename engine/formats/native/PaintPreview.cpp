@@ -39,7 +39,7 @@ std::vector<Group> groupsOf(const DocumentSnapshot& snapshot) {
 
 } // namespace
 
-QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
+QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide, const Progress& progress) {
     const TileGrid& grid = snapshot.grid;
     const QSize size = reducedSize(grid.width, grid.height, maxSide);
     AreaReducer reducer(grid.width, grid.height, size.width(), size.height());
@@ -64,6 +64,7 @@ QImage previewOf(const DocumentSnapshot& snapshot, int64_t maxSide) {
         for (const auto& ofGroup : patches) {
             for (const AreaReducer::Patch& patch : ofGroup) reducer.add(patch);
         }
+        progress.done(static_cast<int64_t>(start + count), std::ssize(groups));
     }
     return reducer.result()->makeImage();
 }

@@ -55,7 +55,7 @@ bool isBacked(Bytes file, const Header& header) {
            backs(file.size(), header.pixelsAByte, header.width, header.height);
 }
 
-std::optional<DecodedPicture> decodedByQt(Bytes file, const Header& header) {
+std::optional<DecodedPicture> decodedByQt(Bytes file, const Header& header, const Progress& progress) {
     if (!isBacked(file, header)) return std::nullopt;
     // Sizes are checked already, so Qt's own limit is set to let every picture through that may be opened.
     constexpr int64_t kSide = PaintEngine::maxCanvasSide;
@@ -72,7 +72,8 @@ std::optional<DecodedPicture> decodedByQt(Bytes file, const Header& header) {
 
     const PixelLayout layout{ColorModel::rgb, SampleType::u8, true, false};
     const auto profile = ColorProfile::embedded(header.icc, layout);
-    PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout));
+    PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout),
+                           {}, progress);
     for (int y = 0; y < image.height(); ++y) {
         QImage line(image.constScanLine(y), image.width(), 1, image.bytesPerLine(), image.format());
         line.setColorTable(image.colorTable());
@@ -120,7 +121,7 @@ uint8_t maskedByte(uint32_t pixel, uint32_t mask) {
 }
 
 /// Two bytes a pixel, by masks or 5 bits a channel. Qt is not used here, because it turns white, 31, into 248.
-std::optional<DecodedPicture> readWords(Bytes file, const Header& header) {
+std::optional<DecodedPicture> readWords(Bytes file, const Header& header, const Progress& progress) {
     constexpr uint32_t kMasksAt = kInfoAt + 40, kFifteenBits[] = {0x7C00, 0x03E0, 0x001F, 0};
     const uint32_t infoBytes = littleEndian(file, kInfoAt, 4);
     std::array<uint32_t, 4> masks{};
@@ -137,7 +138,7 @@ std::optional<DecodedPicture> readWords(Bytes file, const Header& header) {
     const bool isFromTop = static_cast<int32_t>(littleEndian(file, kInfoAt + 8, 4)) < 0;
     constexpr int kUpsideDown = 4;
     PictureBuilder builder(header.width, header.height, profile ? *profile : ColorProfile::standard(layout),
-                           Orientation(isFromTop ? 1 : kUpsideDown));
+                           Orientation(isFromTop ? 1 : kUpsideDown), progress);
     for (int64_t y = 0; y < header.height && (y + 1) * rowBytes <= std::ssize(rows); ++y) {
         auto* out = static_cast<uint8_t*>(builder.row());
         for (int64_t x = 0; x < header.width; ++x) {
@@ -157,14 +158,14 @@ bool isBmp(Bytes file) {
     return holds(file, 0, "BM");
 }
 
-std::optional<DecodedPicture> readBmp(Bytes file) {
+std::optional<DecodedPicture> readBmp(Bytes file, const Progress& progress) {
     const Header header = headerOf(file);
     const uint32_t infoBytes = littleEndian(file, kInfoAt, 4),
                    compression = littleEndian(file, kInfoAt + 16, 4);
     const bool isOfWords = infoBytes >= kInfoBytes && littleEndian(file, kInfoAt + 14, 2) == 16 &&
                            (compression == 0 || compression == 3);
-    if (!isOfWords) return decodedByQt(file, header);
-    return isBacked(file, header) ? readWords(file, header) : std::nullopt;
+    if (!isOfWords) return decodedByQt(file, header, progress);
+    return isBacked(file, header) ? readWords(file, header, progress) : std::nullopt;
 }
 
 } // namespace qirn

@@ -1,5 +1,6 @@
 #pragma once
 #include "formats/common/DecodedPicture.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,6 @@ namespace qirn {
 bool isBmp(std::span<const uint8_t> file);
 /// Its picture, which Qt decodes but for that of 16 bits a pixel. What Qt does not tell (size before decoding, resolution,
 /// profile) is read from the headers first.
-std::optional<DecodedPicture> readBmp(std::span<const uint8_t> file);
+std::optional<DecodedPicture> readBmp(std::span<const uint8_t> file, const Progress& progress = {});
 
 } // namespace qirn

@@ -23,6 +23,7 @@ using Pixel = FrameRows::Pixel;
 
 // How many pixels a byte can stand for: at best each code of 12 bits is a run longer than the one before.
 constexpr double kPixelsAByte = 2800;
+constexpr double kPassesBegun = 0.6; // of the work for an interlaced picture
 
 /// Reads a file from the start to its first picture, then that picture's rows as they are stored.
 class Decoder {
@@ -95,7 +96,7 @@ private:
 /// between; a decoder for each of the four passes stands where its pass begins, so that no picture has to be held.
 class Frame {
 public:
-    explicit Frame(Bytes file) {
+    Frame(Bytes file, const Progress& progress) {
         passes_.push_back(std::make_unique<Decoder>(file));
         const Decoder& first = *passes_[0];
         if (!first.isSound()) return;
@@ -104,7 +105,8 @@ public:
         for (std::size_t pass = 1, above = 0; pass < kPasses.size(); ++pass) {
             above += rowsOf(kPasses[pass - 1]);
             passes_.push_back(std::make_unique<Decoder>(file));
-            for (std::size_t row = 0; row < above && passes_[pass]->readRow(numbers_.data()); ++row) {}
+            for (std::size_t row = 0; row < above && passes_[pass]->readRow(numbers_.data()); ++row)
+                progress.done(static_cast<int64_t>(pass), std::ssize(kPasses));
         }
     }
 
@@ -160,8 +162,8 @@ bool isGif(Bytes file) {
            (std::memcmp(file.data(), "GIF87a", 6) == 0 || std::memcmp(file.data(), "GIF89a", 6) == 0);
 }
 
-std::optional<DecodedPicture> readGif(Bytes file) {
-    Frame frame(file);
+std::optional<DecodedPicture> readGif(Bytes file, const Progress& progress) {
+    Frame frame(file, progress.part(0, kPassesBegun));
     const Decoder& head = frame.head();
     if (!head.isSound()) return std::nullopt;
     const int64_t width = head.screen().SWidth, height = head.screen().SHeight;
@@ -175,7 +177,8 @@ std::optional<DecodedPicture> readGif(Bytes file) {
             colorOf(place.ColorMap ? place.ColorMap : head.screen().SColorMap, number);
     if (head.transparent() != NO_TRANSPARENT_COLOR) colors[checkedSize(head.transparent())] = {};
 
-    PictureBuilder builder(width, height, ColorProfile::standard({ColorModel::rgb, SampleType::u8, true}));
+    PictureBuilder builder(width, height, ColorProfile::standard({ColorModel::rgb, SampleType::u8, true}), {},
+                           place.Interlace ? progress.part(kPassesBegun, 1) : progress);
     FrameRows rows(builder, width, height, {place.Left, place.Top, place.Width, place.Height},
                    colorAround(head));
     std::vector<uint8_t> numbers;

@@ -22,6 +22,7 @@ namespace {
 constexpr double kPixelsAByte = 1 << 15;
 // Pixels on a side of the largest block that pictures are coded in.
 constexpr int64_t kCodedBlock = 64;
+constexpr double kDecoded = 0.8; // of the work, at which the library cannot be stopped
 
 template <auto release> struct Releaser {
     template <class T> void operator()(T* object) const { release(object); }
@@ -78,7 +79,8 @@ void widen(uint16_t* samples, int64_t count, int bits) {
             static_cast<uint16_t>((std::min<uint32_t>(samples[i], largest) * 65535u + largest / 2) / largest);
 }
 
-LayerRef converted(const heif_image* image, const heif_image_handle* handle, SampleType sample) {
+LayerRef converted(const heif_image* image, const heif_image_handle* handle, SampleType sample,
+                   const Progress& progress) {
     const int64_t width = heif_image_get_width(image, heif_channel_interleaved);
     const int64_t height = heif_image_get_height(image, heif_channel_interleaved);
     int stride = 0;
@@ -86,7 +88,8 @@ LayerRef converted(const heif_image* image, const heif_image_handle* handle, Sam
     const PixelLayout layout{ColorModel::rgb, sample, true, false};
     if (!isReadableSize(width, height) || !plane || stride < width * layout.pixelBytes()) return nullptr;
     const int bits = heif_image_get_bits_per_pixel_range(image, heif_channel_interleaved);
-    PictureBuilder builder(width, height, profileOf(handle, layout)); // the decoder has already rotated it
+    PictureBuilder builder(width, height, profileOf(handle, layout), {}, // the decoder has already rotated it
+                           progress);
     for (int64_t y = 0; y < height; ++y) {
         void* row = builder.row();
         std::memcpy(row, plane + y * stride, checkedSize(width * layout.pixelBytes()));
@@ -102,7 +105,7 @@ bool isHeif(std::span<const uint8_t> file) {
     return file.size() >= 12 && std::memcmp(file.data() + 4, "ftyp", 4) == 0;
 }
 
-std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
+std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file, const Progress& progress) {
     const Context context(heif_context_alloc());
     if (!context) return std::nullopt;
     // One more, because the library refuses a side equal to its limit.
@@ -132,7 +135,8 @@ std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file) {
         isDeep ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RGBA, nullptr));
     const Image image(decoded);
     if (!isDecoded) return std::nullopt;
-    auto layer = converted(image.get(), handle.get(), isDeep ? SampleType::u16 : SampleType::u8);
+    auto layer = converted(image.get(), handle.get(), isDeep ? SampleType::u16 : SampleType::u8,
+                           progress.part(kDecoded, 1));
     if (!layer) return std::nullopt;
     return DecodedPicture{std::move(layer), dpiOf(handle.get())};
 }

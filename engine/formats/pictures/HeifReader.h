@@ -1,5 +1,6 @@
 #pragma once
 #include "formats/common/DecodedPicture.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -9,6 +10,6 @@ namespace qirn {
 
 bool isHeif(std::span<const uint8_t> file);
 /// The main picture of a HEIC file, with its profile, upright.
-std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file);
+std::optional<DecodedPicture> readHeif(std::span<const uint8_t> file, const Progress& progress = {});
 
 } // namespace qirn

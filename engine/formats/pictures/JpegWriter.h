@@ -1,5 +1,6 @@
 #pragma once
 #include "core/RGBABuffer.h"
+#include "platform/Progress.h"
 
 #include <optional>
 
@@ -9,6 +10,7 @@ namespace qirn {
 
 /// A JPEG of an opaque picture: its size, its resolution and its pixels, no other mark. Quality from 0.05 to 1, brought
 /// into that range. The resolution is stored in whole dots per inch. Nothing when memory fails.
-std::optional<QByteArray> jpegBytes(const RGBABuffer& picture, double quality, double dpi);
+std::optional<QByteArray> jpegBytes(const RGBABuffer& picture, double quality, double dpi,
+                                    const Progress& progress = {});
 
 } // namespace qirn

@@ -23,6 +23,8 @@ namespace {
 constexpr double kLargestInflation = 1040;             // Deflate turns one byte into at most 1,032.
 constexpr png_alloc_size_t kLargestProfile = 16 << 20; // unpacked
 constexpr double kSrgbGamma = 0.45455;
+constexpr double kPasses = PNG_INTERLACE_ADAM7_PASSES;
+constexpr double kPassesBegun = 0.6; // of the work for an interlaced picture
 
 [[noreturn]] void stopAtError(png_structp png, png_const_charp) {
     png_longjmp(png, 1);
@@ -86,7 +88,8 @@ bool readRow(Decoder& decoder, void* row) {
 /// own that has skipped the passes before it, so that only one row of each is held.
 class Passes {
 public:
-    Passes(const PngChunks& chunks, int64_t width, int64_t height, int64_t pixelBytes)
+    Passes(const PngChunks& chunks, int64_t width, int64_t height, int64_t pixelBytes,
+           const Progress& progress)
         : width_(width),
           pixelBytes_(checkedSize(pixelBytes)),
           line_(checkedSize(width * pixelBytes)) {
@@ -96,8 +99,10 @@ public:
             if (PNG_PASS_COLS(width, pass) == 0 || rows == 0) continue;
             auto decoder = std::make_unique<Decoder>(chunks);
             bool isThere = readHeader(*decoder) && chooseFormat(*decoder);
-            for (int64_t row = 0; isThere && row < rowsBefore; ++row)
+            for (int64_t row = 0; isThere && row < rowsBefore; ++row) {
                 isThere = readRow(*decoder, line_.data());
+                progress.part(pass / kPasses, (pass + 1) / kPasses).done(row, rowsBefore);
+            }
             if (isThere) decoders_[checkedSize(pass)] = std::move(decoder);
             rowsBefore += rows;
         }
@@ -192,7 +197,7 @@ bool isPng(std::span<const uint8_t> file) {
     return file.size() >= 8 && png_sig_cmp(file.data(), 0, 8) == 0;
 }
 
-std::optional<DecodedPicture> readPng(std::span<const uint8_t> file) {
+std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progress& progress) {
     const auto chunks = pngChunks(file);
     if (!chunks) return std::nullopt;
     Decoder decoder(*chunks);
@@ -209,11 +214,13 @@ std::optional<DecodedPicture> readPng(std::span<const uint8_t> file) {
     const PixelLayout layout = layoutOf(decoder);
     const std::size_t rowBytes = png_get_rowbytes(decoder.png, decoder.info);
     if (rowBytes != checkedSize(width * layout.pixelBytes())) return std::nullopt;
-    PictureBuilder builder(width, height, profileOf(decoder, layout), orientation);
-    if (png_get_interlace_type(decoder.png, decoder.info) == PNG_INTERLACE_NONE) {
+    const bool isInterlaced = png_get_interlace_type(decoder.png, decoder.info) != PNG_INTERLACE_NONE;
+    PictureBuilder builder(width, height, profileOf(decoder, layout), orientation,
+                           isInterlaced ? progress.part(kPassesBegun, 1) : progress);
+    if (!isInterlaced) {
         for (int64_t y = 0; y < height && readRow(decoder, builder.row()); ++y) builder.rowDone();
     } else {
-        Passes passes(*chunks, width, height, layout.pixelBytes());
+        Passes passes(*chunks, width, height, layout.pixelBytes(), progress.part(0, kPassesBegun));
         for (int64_t y = 0; y < height; ++y) {
             passes.read(y, static_cast<uint8_t*>(builder.row()));
             builder.rowDone();

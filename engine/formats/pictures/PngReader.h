@@ -1,5 +1,6 @@
 #pragma once
 #include "formats/common/DecodedPicture.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +12,7 @@ namespace qirn {
 
 bool isPng(std::span<const uint8_t> file);
 /// Every kind of PNG, with its profile or gamma, upright. A file that ends early gives the rows that it holds.
-std::optional<DecodedPicture> readPng(std::span<const uint8_t> file);
+std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progress& progress = {});
 
 /// A small picture, as previews are, of a PNG; nothing when it is damaged, claims a size that its bytes cannot hold, or
 /// has a side of more than 4096 pixels.

@@ -202,17 +202,18 @@ void addHeader(BEWriter& out, const QImage& picture, int channels, double dpi) {
 
 } // namespace
 
-QByteArray pngBytes(const QImage& picture, double dpi) {
+QByteArray pngBytes(const QImage& picture, double dpi, const Progress& progress) {
     require(picture.format() == PaintEngine::imageFormat && !picture.isNull());
     const StraightRows rows(picture);
     const int64_t height = picture.height();
     const int64_t bandRows = std::clamp<int64_t>(kBandBytes / rows.rowBytes(), 1, height);
     std::vector<Band> bands(checkedSize((height + bandRows - 1) / bandRows));
-    concurrentPerform(static_cast<int64_t>(bands.size()), [&](int64_t i) {
+    const auto pack = [&](int64_t i) {
         const int64_t top = i * bandRows;
         const Bytes raw = filtered(rows, top, std::min(bandRows, height - top));
         bands[checkedSize(i)] = compressed(raw, top + bandRows >= height);
-    });
+    };
+    concurrentPerform(static_cast<int64_t>(bands.size()), pack, progress);
 
     BEWriter out;
     addHeader(out, picture, rows.channels(), dpi);

@@ -1,5 +1,6 @@
 #pragma once
 #include "formats/common/DecodedPicture.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,6 @@ namespace qirn {
 bool isWebP(std::span<const uint8_t> file);
 /// Its first picture, on the canvas that the file tells. One that is damaged further on keeps the rows that came; nothing
 /// when not one row came.
-std::optional<DecodedPicture> readWebP(std::span<const uint8_t> file);
+std::optional<DecodedPicture> readWebP(std::span<const uint8_t> file, const Progress& progress = {});
 
 } // namespace qirn

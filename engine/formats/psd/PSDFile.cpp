@@ -38,21 +38,25 @@ std::array<std::vector<uint8_t>, 4> PSDFile::planes(const RGBABuffer& buffer, co
     return planes;
 }
 
-QByteArray PSDFile::write(const PaintDocument& doc, Layered layered) {
+QByteArray PSDFile::write(const PaintDocument& doc, Layered layered, const Progress& progress) {
     const bool hasLayers = layered == Layered::yes;
     BEWriter out;
     writeHead(out, doc);
     PlanePacker packer(doc);
+    // As if the finished picture were one more layer.
+    const auto layers = static_cast<double>(hasLayers ? doc.layerCount() : 0);
+    const double layersDone = layers / (layers + 1);
     if (hasLayers)
-        writeLayers(out, doc, packer);
+        writeLayers(out, doc, packer, progress.part(0, layersDone));
     else
         out.u32(0);
     // In files with layers readers remove white from the colors of the merged picture, as Photoshop does.
-    writeFinishedPicture(out, packer, hasLayers ? Matte::white : Matte::none);
+    writeFinishedPicture(out, packer, hasLayers ? Matte::white : Matte::none, progress.part(layersDone, 1));
     return out.take();
 }
 
-std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks) {
+std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, ImportRemarks* remarks,
+                                             const Progress& progress) {
     BEReader in(file);
     const PSDHeader head = readLayeredHeader(in);
     const PSDResources resources = readPSDResources(in);
@@ -64,11 +68,11 @@ std::unique_ptr<PaintDocument> PSDFile::read(std::span<const uint8_t> file, Impo
     const int64_t end = in.pos() + length;
     if (length >= 5 && in.u32() != 0) {
         const int64_t count = in.i16(); // negative where the finished picture has its own transparency
-        layers = readLayers(in, std::abs(count), grid, losses);
+        layers = readLayers(in, std::abs(count), grid, losses, progress);
     }
     if (layers.empty()) {
         in.moveTo(end);
-        layers.push_back(readFinishedPicture(in, head, grid));
+        layers.push_back(readFinishedPicture(in, head, grid, progress));
     }
     if (remarks) *remarks = remarksOf(losses);
     const auto top = static_cast<int64_t>(layers.size()) - 1;

@@ -4,6 +4,7 @@
 #include "formats/common/ImportRemarks.h"
 #include "formats/psd/PackBits.h"
 #include "platform/DescribedError.h"
+#include "platform/Progress.h"
 
 #include <array>
 #include <cstdint>
@@ -54,12 +55,13 @@ enum class Layered { no, yes };
 /// The whole file; the same bytes on any number of threads. With `yes` each layer is kept, hidden ones too; the
 /// finished picture is in both kinds. A layered file counts its bytes in 32 bits and its layers in 16, or
 /// throws TooLarge.
-QByteArray write(const PaintDocument& doc, Layered layered);
+QByteArray write(const PaintDocument& doc, Layered layered, const Progress& progress = {});
 
 /// The document with its top layer active and a fresh history. A file without layers gives one, "Background".
 /// Throws PSDError, PaintFileError, or BEReader::Short for a file that ends too early. `remarks`, if given, becomes what
 /// does not show as it was made.
-std::unique_ptr<PaintDocument> read(std::span<const uint8_t> file, ImportRemarks* remarks = nullptr);
+std::unique_ptr<PaintDocument> read(std::span<const uint8_t> file, ImportRemarks* remarks = nullptr,
+                                    const Progress& progress = {});
 
 /// Straight red, green, blue and alpha of a rectangle within the buffer. Multiplying by alpha again gives back every
 /// pixel whose color does not exceed its alpha.

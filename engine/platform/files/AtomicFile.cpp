@@ -18,7 +18,9 @@ namespace qirn {
 
 namespace {
 
-constexpr int kMostLinks = 40; // as the system itself allows
+constexpr int kMostLinks = 40;               // as the system itself allows
+constexpr std::size_t kPieceBytes = 1 << 20; // of one call: slow disks take a tenth of a second for them
+constexpr double kWritten = 0.8;             // of the work, where the disk still has to flush
 constexpr int kNameAttempts = 16;
 
 struct Reason {
@@ -98,12 +100,14 @@ public:
     }
 
     int descriptor() const { return descriptor_; }
-    void write(std::span<const uint8_t> bytes) const {
-        while (!bytes.empty()) {
+    void write(std::span<const uint8_t> bytes, const Progress& progress) const {
+        for (std::size_t written = 0; written < bytes.size();) {
+            const auto piece = bytes.subspan(written).first(std::min(bytes.size() - written, kPieceBytes));
             const ssize_t count =
-                checked([&] { return calls_.write(descriptor_, bytes.data(), bytes.size()); });
+                checked([&] { return calls_.write(descriptor_, piece.data(), piece.size()); });
             if (count == 0) throw FileError(ENOSPC); // a full disk may answer so
-            bytes = bytes.subspan(checkedSize(count));
+            written += checkedSize(count);
+            progress.done(static_cast<int64_t>(written), std::ssize(bytes));
         }
     }
     void flush() const {
@@ -159,12 +163,14 @@ struct Replacement {
     std::string folder; // of the target
     std::optional<mode_t> mode;
     std::span<const uint8_t> bytes;
+    Progress progress;
 
     mode_t firstMode() const { return mode ? 0600 : 0666; } // readable by nobody else until the mode is set
     void fill(const OpenFile& file, const FileCalls& calls) const {
         if (mode) checked([&] { return calls.fchmod(file.descriptor(), *mode); });
-        file.write(bytes);
+        file.write(bytes, progress.part(0, kWritten));
         file.flush();
+        progress.done(1, 1);
     }
 };
 
@@ -266,9 +272,10 @@ const FileCalls& FileCalls::ofSystem() {
     return calls;
 }
 
-void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const FileCalls& calls) {
+void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const FileCalls& calls,
+                     const Progress& progress) {
     const std::string target = followLinks(bytesOfPath(path).toStdString(), calls);
-    const Replacement replacement{target, folderOf(target), modeToKeep(target, calls), bytes};
+    const Replacement replacement{target, folderOf(target), modeToKeep(target, calls), bytes, progress};
     const OpenFile folder(openFolder(replacement.folder, calls), calls);
     if (!replaceWithoutName(replacement, calls)) replaceByName(replacement, calls);
     flushFolder(folder);

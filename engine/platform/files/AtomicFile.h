@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/DescribedError.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <functional>
@@ -48,11 +49,12 @@ struct FileCalls {
 ///
 /// A symbolic link stays and the file that it names is replaced. A file that is replaced keeps its mode; one that
 /// is write-protected is refused. Only when the disk fails at the very end, at flushing the new name, is the new file
-/// in place already: the error then says that it may not outlast a power cut.
+/// in place already: the error then says that it may not outlast a power cut. A cancel, which is asked for up to the
+/// moment before the new file takes its place, leaves the old one as well.
 ///
 /// The bytes are written to an unnamed file, which vanishes with a process that is killed; where the file system has
 /// none, to a hidden file `.qirn-` and 12 hexadecimal digits beside the target.
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes,
-                     const FileCalls& calls = FileCalls::ofSystem());
+                     const FileCalls& calls = FileCalls::ofSystem(), const Progress& progress = {});
 
 } // namespace qirn

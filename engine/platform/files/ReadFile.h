@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/DescribedError.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <limits>
@@ -24,6 +25,7 @@ private:
 
 /// The whole content of a file; throws ReadError. What is no file (a folder, a pipe, a device) is refused without
 /// waiting for it, and one longer than `mostBytes` or than the memory that is free before any of it is read.
-QByteArray readFile(const QString& path, int64_t mostBytes = std::numeric_limits<int64_t>::max());
+QByteArray readFile(const QString& path, int64_t mostBytes = std::numeric_limits<int64_t>::max(),
+                    const Progress& progress = {});
 
 } // namespace qirn

@@ -69,7 +69,7 @@ bool isTiff(std::span<const uint8_t> file) {
     return startsWith("II*\0") || startsWith("MM\0*") || startsWith("II+\0") || startsWith("MM\0+");
 }
 
-std::optional<DecodedPicture> readTiff(std::span<const uint8_t> file) {
+std::optional<DecodedPicture> readTiff(std::span<const uint8_t> file, const Progress& progress) {
     const TiffHandle tiff = openTiff(file, tiffWorkingMemory(file.size()));
     if (!tiff) return std::nullopt;
     const TiffShape shape = shapeOf(tiff.get());
@@ -78,7 +78,8 @@ std::optional<DecodedPicture> readTiff(std::span<const uint8_t> file) {
     if (!backs(file.size(), inflation * 8 / static_cast<double>(shape.bitsAPixel), shape.width, shape.height))
         return std::nullopt;
     const Orientation orientation = orientationOf(tiff.get()); // read before the rows, which may reset it
-    PictureBuilder builder(shape.width, shape.height, profileOf(tiff.get(), shape.layout), orientation);
+    PictureBuilder builder(shape.width, shape.height, profileOf(tiff.get(), shape.layout), orientation,
+                           progress);
     readTiffRows(file, tiff.get(), shape, builder);
     auto layer = builder.finish();
     if (!layer) return std::nullopt;

@@ -34,7 +34,7 @@ bool setTags(TIFF* tiff, const RGBABuffer& picture, double dpi) {
 
 } // namespace
 
-std::optional<QByteArray> tiffBytes(const RGBABuffer& picture, double dpi) {
+std::optional<QByteArray> tiffBytes(const RGBABuffer& picture, double dpi, const Progress& progress) {
     QByteArray file;
     const TiffHandle tiff =
         createTiff(file, picture.byteCount() > kLargestPlainPicture ? IsLarge::yes : IsLarge::no);
@@ -44,6 +44,7 @@ std::optional<QByteArray> tiffBytes(const RGBABuffer& picture, double dpi) {
     for (int64_t y = 0; y < picture.height(); ++y) {
         std::copy_n(picture.row(y), row.size(), row.data());
         if (TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y)) != 1) return std::nullopt;
+        progress.done(y + 1, picture.height());
     }
     if (!TIFFFlush(tiff.get())) return std::nullopt;
     return file;

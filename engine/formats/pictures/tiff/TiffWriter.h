@@ -1,5 +1,6 @@
 #pragma once
 #include "core/RGBABuffer.h"
+#include "platform/Progress.h"
 
 #include <optional>
 
@@ -9,6 +10,6 @@ namespace qirn {
 
 /// A TIFF of a picture, transparency kept, every pixel exact: LZW, the resolution in dots per inch, no tag that a reader
 /// does not need. Nothing when memory fails.
-std::optional<QByteArray> tiffBytes(const RGBABuffer& picture, double dpi);
+std::optional<QByteArray> tiffBytes(const RGBABuffer& picture, double dpi, const Progress& progress = {});
 
 } // namespace qirn

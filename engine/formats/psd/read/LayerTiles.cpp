@@ -250,15 +250,15 @@ struct Work {
 } // namespace
 
 std::vector<std::vector<PlacedTile>> decodePictures(std::span<const StoredPicture> pictures,
-                                                    std::span<const StoredPlane> unused,
-                                                    const TileGrid& grid) {
+                                                    std::span<const StoredPlane> unused, const TileGrid& grid,
+                                                    const Progress& progress) {
     Work work;
     for (const StoredPlane& plane : unused) work.add(plane);
     for (std::size_t i = 0; i < pictures.size(); ++i) work.add(i, pictures[i], grid);
 
     std::atomic<bool> endsEarly = false;
     const auto bandCount = static_cast<int64_t>(work.bands.size());
-    concurrentPerform(bandCount + static_cast<int64_t>(work.checks.size()), [&](int64_t i) {
+    const auto doTask = [&](int64_t i) {
         if (endsEarly) return;
         try {
             if (i < bandCount) {
@@ -270,7 +270,8 @@ std::vector<std::vector<PlacedTile>> decodePictures(std::span<const StoredPictur
         } catch (const BEReader::Short&) {
             endsEarly = true;
         }
-    });
+    };
+    concurrentPerform(bandCount + static_cast<int64_t>(work.checks.size()), doTask, progress);
     if (endsEarly) throw BEReader::Short();
 
     std::vector<std::vector<PlacedTile>> tiles(pictures.size());

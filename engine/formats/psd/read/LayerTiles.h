@@ -2,6 +2,7 @@
 #include "core/IRect.h"
 #include "core/Tile.h"
 #include "core/TileGrid.h"
+#include "platform/Progress.h"
 
 #include <array>
 #include <cstdint>
@@ -36,7 +37,7 @@ using PlacedTile = std::pair<int64_t, TileRef>; // slot and tile
 /// Pixels are written from the file's rows straight to tiles, and a tile is allocated only when a second color is
 /// found in it: however large a rectangle claims to be, memory is taken for the result only.
 std::vector<std::vector<PlacedTile>> decodePictures(std::span<const StoredPicture> pictures,
-                                                    std::span<const StoredPlane> unused,
-                                                    const TileGrid& grid);
+                                                    std::span<const StoredPlane> unused, const TileGrid& grid,
+                                                    const Progress& progress);
 
 } // namespace qirn::PSDFile

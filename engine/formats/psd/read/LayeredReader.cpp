@@ -113,7 +113,8 @@ PSDHeader PSDFile::readLayeredHeader(BEReader& in) {
     return *header;
 }
 
-std::vector<LayerRef> PSDFile::readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses) {
+std::vector<LayerRef> PSDFile::readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses,
+                                          const Progress& progress) {
     std::vector<Rec> recs;
     for (int64_t i = 0; i < count; ++i) {
         recs.push_back(readRecord(in));
@@ -132,14 +133,15 @@ std::vector<LayerRef> PSDFile::readLayers(BEReader in, int64_t count, const Tile
         pictures.push_back(*picture);
         painted.push_back(layers.back().get());
     }
-    const auto tiles = decodePictures(pictures, data.unused(), grid);
+    const auto tiles = decodePictures(pictures, data.unused(), grid, progress);
     for (std::size_t i = 0; i < tiles.size(); ++i) {
         for (const auto& [slot, tile] : tiles[i]) painted[i]->setTile(slot, tile);
     }
     return layers;
 }
 
-LayerRef PSDFile::readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid) {
+LayerRef PSDFile::readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid,
+                                      const Progress& progress) {
     std::vector<StoredPlane> planes(checkedSize(head.channels), {{}, {}, head.width});
     switch (in.u16()) {
     case 0:
@@ -156,7 +158,7 @@ LayerRef PSDFile::readFinishedPicture(BEReader& in, const PSDHeader& head, const
     if (planes.size() < 3) throw PaintFileError::damaged(QStringLiteral("channels"));
     const std::size_t used = std::min<std::size_t>(planes.size(), 4);
     std::copy_n(planes.begin(), used, picture.planes.begin());
-    const auto tiles = decodePictures({&picture, 1}, std::span(planes).subspan(used), grid);
+    const auto tiles = decodePictures({&picture, 1}, std::span(planes).subspan(used), grid, progress);
     auto layer = std::make_shared<Layer>(QStringLiteral("Background"), grid);
     for (const auto& [slot, tile] : tiles[0]) layer->setTile(slot, tile);
     return layer;

@@ -4,6 +4,7 @@
 #include "formats/common/ByteReader.h"
 #include "formats/psd/PSDHeader.h"
 #include "formats/psd/read/PSDLosses.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <vector>
@@ -16,9 +17,11 @@ namespace qirn::PSDFile {
 PSDHeader readLayeredHeader(BEReader& in);
 
 /// `count` records and then the pixels of each; groups and dividers are left out.
-std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses);
+std::vector<LayerRef> readLayers(BEReader in, int64_t count, const TileGrid& grid, Losses& losses,
+                                 const Progress& progress);
 
 /// The finished picture, which ends the file, as one layer, "Background".
-LayerRef readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid);
+LayerRef readFinishedPicture(BEReader& in, const PSDHeader& head, const TileGrid& grid,
+                             const Progress& progress);
 
 } // namespace qirn::PSDFile

@@ -24,7 +24,7 @@ constexpr int64_t kBandBytes = 12'000'000; // of unpacked rows; one row of every
 
 } // namespace
 
-MergedPlanes::MergedPlanes(const PSDSections& sections, int channels)
+MergedPlanes::MergedPlanes(const PSDSections& sections, int channels, const Progress& progress)
     : depth_(sections.header.depth),
       channels_(channels),
       height_(sections.header.height),
@@ -47,7 +47,7 @@ MergedPlanes::MergedPlanes(const PSDSections& sections, int channels)
     case Packing::deflated:
     case Packing::deflatedDifferences:
         if (planeBytes * channels > std::ssize(bytes) * kLargestInflation) throw BEReader::Short();
-        startStreams(bytes);
+        startStreams(bytes, progress);
         break;
     }
 }
@@ -71,11 +71,14 @@ void MergedPlanes::findRuns(const PSDSections& sections, std::span<const uint8_t
 }
 
 /// All channels are one stream. One pass over it leaves behind a stream at the start of each channel.
-void MergedPlanes::startStreams(std::span<const uint8_t> bytes) {
+void MergedPlanes::startStreams(std::span<const uint8_t> bytes, const Progress& progress) {
     streams_.emplace_back(bytes);
     for (int channel = 1; channel < channels_; ++channel) {
         streams_.emplace_back(InflateStream(streams_.back()));
-        streams_.back().skip(rowBytes_ * height_);
+        for (int64_t y = 0; y < height_; ++y) {
+            streams_.back().skip(rowBytes_);
+            progress.done(0, height_); // the rows are counted when they are converted
+        }
     }
     band_.resize(checkedSize(rowBytes_ * rowsAtOnce_ * channels_));
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include "formats/common/InflateStream.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <span>
@@ -14,8 +15,9 @@ struct PSDSections;
 /// first, without ever holding a whole channel.
 class MergedPlanes {
 public:
-    /// Borrows the file's bytes. Throws BEReader::Short where they cannot hold that many channels of that size.
-    MergedPlanes(const PSDSections& sections, int channels);
+    /// Borrows the file's bytes. Throws BEReader::Short where they cannot hold that many channels of that size. May take
+    /// long, and asks the progress whether to go on.
+    MergedPlanes(const PSDSections& sections, int channels, const Progress& progress);
 
     int64_t rowBytes() const { return rowBytes_; }
     int64_t rowsAtOnce() const { return rowsAtOnce_; }
@@ -29,7 +31,7 @@ private:
     enum class Packing : uint16_t { none = 0, runs = 1, deflated = 2, deflatedDifferences = 3 };
 
     void findRuns(const PSDSections& sections, std::span<const uint8_t> bytes);
-    void startStreams(std::span<const uint8_t> bytes);
+    void startStreams(std::span<const uint8_t> bytes, const Progress& progress);
     bool isDeflated() const { return packing_ >= Packing::deflated; }
     std::size_t bandOffset(int channel, int64_t rowInBand) const;
 

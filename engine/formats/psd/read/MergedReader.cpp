@@ -65,10 +65,10 @@ private:
 };
 
 /// Null if the colors cannot have been stored on this backdrop.
-LayerRef pictureOn(MergedPixels::Backdrop backdrop, const PSDSections& sections) {
+LayerRef pictureOn(MergedPixels::Backdrop backdrop, const PSDSections& sections, const Progress& progress) {
     const MergedPixels pixels(sections, backdrop);
-    MergedPlanes planes(sections,
-                        pixels.channels()); // checks the size against the bytes before memory is taken
+    MergedPlanes planes(sections, pixels.channels(),
+                        progress); // checks the size against the bytes before memory is taken
     auto picture = std::make_shared<Layer>(QStringLiteral("Background"),
                                            TileGrid(sections.header.width, sections.header.height));
     std::atomic<bool> fits = true;
@@ -89,28 +89,29 @@ LayerRef pictureOn(MergedPixels::Backdrop backdrop, const PSDSections& sections)
             }
         });
         tiles.finish();
+        progress.done(first + rows, sections.header.height);
     }
     return fits ? picture : nullptr;
 }
 
 /// Photoshop stores transparent pictures of layered files as they look on white, and other programs do so or not.
-LayerRef pictureOf(const PSDSections& sections) {
+LayerRef pictureOf(const PSDSections& sections, const Progress& progress) {
     if (sections.hasLayers && sections.hasAlpha) {
-        if (auto picture = pictureOn(MergedPixels::Backdrop::white, sections)) return picture;
+        if (auto picture = pictureOn(MergedPixels::Backdrop::white, sections, progress)) return picture;
     }
-    return pictureOn(MergedPixels::Backdrop::none, sections);
+    return pictureOn(MergedPixels::Backdrop::none, sections, progress);
 }
 
 } // namespace
 
-std::optional<DecodedPicture> MergedReader::decode(std::span<const uint8_t> file) {
+std::optional<DecodedPicture> MergedReader::decode(std::span<const uint8_t> file, const Progress& progress) {
     try {
         const auto sections = psdSectionsOf(file);
         if (!sections || !isOpenable(*sections)) return std::nullopt;
         const bool isThere = sections->resources.hasMergedPicture &&
                              std::ssize(sections->mergedPicture) > kCompressionCodeBytes;
         if (sections->hasLayers && !isThere) throw PSDFile::PSDError::noMergedPicture();
-        return DecodedPicture{pictureOf(*sections), sections->resources.dpi};
+        return DecodedPicture{pictureOf(*sections, progress), sections->resources.dpi};
     } catch (const BEReader::Short&) {
         return std::nullopt;
     }

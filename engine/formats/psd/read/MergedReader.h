@@ -1,6 +1,7 @@
 #pragma once
 #include "formats/common/DecodedPicture.h"
 #include "formats/common/ImportRemarks.h"
+#include "platform/Progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,7 +14,7 @@ namespace qirn::MergedReader {
 /// Nothing for what is no such file, for one wider or higher than 30,000 pixels, and for a damaged one: whatever is
 /// missing of the picture, none of it is given. Throws PSDFile::PSDError for a sound file that was saved without a
 /// merged picture.
-std::optional<DecodedPicture> decode(std::span<const uint8_t> file);
+std::optional<DecodedPicture> decode(std::span<const uint8_t> file, const Progress& progress = {});
 
 /// Why a file whose layers are not read opens as one. `feature` is what the reader of layers does not understand, empty for
 /// damage. None for a file that was made as one picture and comes as it is.

@@ -176,7 +176,8 @@ void PSDFile::writeHead(BEWriter& out, const PaintDocument& doc) {
     out.bytes(resources.data());
 }
 
-void PSDFile::writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer) {
+void PSDFile::writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer,
+                          const Progress& progress) {
     if (doc.layerCount() > kMostLayers) throw TooLarge();
     const int64_t sectionAt = out.size();
     out.u32(0);
@@ -188,8 +189,14 @@ void PSDFile::writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& 
     std::vector<int64_t> channelsAt;
     for (int64_t i = 0; i < doc.layerCount(); ++i)
         channelsAt.push_back(writeRecord(out, doc.layer(i), bounds[checkedSize(i)]));
-    for (std::size_t i = 0; i < bounds.size(); ++i)
-        writeChannels(out, packer.layer(doc.layer(static_cast<int64_t>(i)), bounds[i]), channelsAt[i]);
+    const auto behind = [&](std::size_t layers) {
+        return static_cast<double>(layers) / static_cast<double>(bounds.size());
+    };
+    for (std::size_t i = 0; i < bounds.size(); ++i) {
+        const Progress ofLayer = progress.part(behind(i), behind(i + 1));
+        writeChannels(out, packer.layer(doc.layer(static_cast<int64_t>(i)), bounds[i], ofLayer),
+                      channelsAt[i]);
+    }
     padToFour(out, out.size() - contentAt); // one common reader refuses what is merely even
     out.patchU32(sectionAt + 4, static_cast<uint32_t>(out.size() - contentAt));
     out.u32(0); // no masks
@@ -198,8 +205,9 @@ void PSDFile::writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& 
     out.patchU32(sectionAt, static_cast<uint32_t>(section));
 }
 
-void PSDFile::writeFinishedPicture(BEWriter& out, PlanePacker& packer, Matte matte) {
-    const PackedPlanes finished = packer.finishedPicture(matte);
+void PSDFile::writeFinishedPicture(BEWriter& out, PlanePacker& packer, Matte matte,
+                                   const Progress& progress) {
+    const PackedPlanes finished = packer.finishedPicture(matte, progress);
     Blocks blocks;
     blocks.add(kRunLengths);
     for (int plane = 0; plane < kPlanes; ++plane) blocks.addCounts(finished, plane);

@@ -10,8 +10,8 @@ namespace qirn::PSDFile {
 void writeHead(BEWriter& out, const PaintDocument& doc);
 
 /// The section of layers; throws TooLarge.
-void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer);
+void writeLayers(BEWriter& out, const PaintDocument& doc, PlanePacker& packer, const Progress& progress);
 
-void writeFinishedPicture(BEWriter& out, PlanePacker& packer, Matte matte);
+void writeFinishedPicture(BEWriter& out, PlanePacker& packer, Matte matte, const Progress& progress);
 
 } // namespace qirn::PSDFile

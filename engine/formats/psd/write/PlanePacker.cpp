@@ -140,23 +140,23 @@ void PlanePacker::packBand(PackedPlanes& planes, int64_t band, std::span<const u
     }
 }
 
-PackedPlanes PlanePacker::layer(const Layer& layer, const IRect& rect) {
+PackedPlanes PlanePacker::layer(const Layer& layer, const IRect& rect, const Progress& progress) {
     PackedPlanes planes = emptyPlanes(rect);
     const TileGrid& grid = doc_.grid();
-    concurrentPerformByWorkers(
-        std::ssize(workers_), std::ssize(planes.bands), [&](std::size_t worker, int64_t band) {
-            const int64_t firstIndex = bandRect(planes, band).y / kTileSize * grid.cols;
-            std::vector<const uint8_t*> tiles(checkedSize(grid.cols));
-            for (int64_t col = 0; col < grid.cols; ++col) {
-                const Tile* tile = layer.tile(firstIndex + col);
-                tiles[checkedSize(col)] = tile ? tile->pixels() : nullptr;
-            }
-            packBand(planes, band, tiles, Matte::none, workers_[worker]);
-        });
+    const auto pack = [&](std::size_t worker, int64_t band) {
+        const int64_t firstIndex = bandRect(planes, band).y / kTileSize * grid.cols;
+        std::vector<const uint8_t*> tiles(checkedSize(grid.cols));
+        for (int64_t col = 0; col < grid.cols; ++col) {
+            const Tile* tile = layer.tile(firstIndex + col);
+            tiles[checkedSize(col)] = tile ? tile->pixels() : nullptr;
+        }
+        packBand(planes, band, tiles, Matte::none, workers_[worker]);
+    };
+    concurrentPerformByWorkers(std::ssize(workers_), std::ssize(planes.bands), pack, progress);
     return planes;
 }
 
-PackedPlanes PlanePacker::finishedPicture(Matte matte) {
+PackedPlanes PlanePacker::finishedPicture(Matte matte, const Progress& progress) {
     const TileGrid& grid = doc_.grid();
     const std::vector<CompositeInput> inputs = compositeInputs(doc_, ForDisplay::no);
     PackedPlanes planes = emptyPlanes(grid.bounds());
@@ -167,19 +167,23 @@ PackedPlanes PlanePacker::finishedPicture(Matte matte) {
     std::vector<const uint8_t*> tiles(checkedSize(rowsAtOnce * grid.cols));
     for (int64_t top = 0; top < grid.rows; top += rowsAtOnce) {
         const int64_t rows = std::min(rowsAtOnce, grid.rows - top);
-        concurrentPerform(rows * grid.cols, [&](int64_t i) {
+        const Progress ofRows =
+            progress.part(static_cast<double>(top) / static_cast<double>(grid.rows),
+                          static_cast<double>(top + rows) / static_cast<double>(grid.rows));
+        const auto composite = [&](int64_t i) {
             uint8_t* const out = pixels.get() + i * kTileBytes;
             const bool shows = Compositor::compositeTile(top * grid.cols + i, inputs, out);
             tiles[checkedSize(i)] = shows ? out : nullptr;
-        });
+        };
+        concurrentPerform(rows * grid.cols, composite, ofRows.part(0, 0.5));
         const int64_t firstBand = top * kBandsInTile;
         const int64_t lastBand = std::min((top + rows) * kBandsInTile, std::ssize(planes.bands));
-        concurrentPerformByWorkers(std::ssize(workers_), lastBand - firstBand,
-                                   [&](std::size_t worker, int64_t i) {
-                                       const auto rowOfTiles = std::span<const uint8_t* const>(tiles).subspan(
-                                           checkedSize(i / kBandsInTile * grid.cols), checkedSize(grid.cols));
-                                       packBand(planes, firstBand + i, rowOfTiles, matte, workers_[worker]);
-                                   });
+        const auto pack = [&](std::size_t worker, int64_t i) {
+            const auto rowOfTiles = std::span<const uint8_t* const>(tiles).subspan(
+                checkedSize(i / kBandsInTile * grid.cols), checkedSize(grid.cols));
+            packBand(planes, firstBand + i, rowOfTiles, matte, workers_[worker]);
+        };
+        concurrentPerformByWorkers(std::ssize(workers_), lastBand - firstBand, pack, ofRows.part(0.5, 1));
     }
     return planes;
 }

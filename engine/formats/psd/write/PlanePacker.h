@@ -1,6 +1,7 @@
 #pragma once
 #include "core/IRect.h"
 #include "core/PaintDocument.h"
+#include "platform/Progress.h"
 
 #include <array>
 #include <cstdint>
@@ -36,9 +37,9 @@ public:
     explicit PlanePacker(const PaintDocument& doc); ///< Borrows the document.
 
     // The result of either is valid until the next call.
-    PackedPlanes layer(const Layer& layer, const IRect& rect); ///< Straight.
+    PackedPlanes layer(const Layer& layer, const IRect& rect, const Progress& progress); ///< Straight.
     /// The whole canvas, composited a few rows of tiles at a time.
-    PackedPlanes finishedPicture(Matte matte);
+    PackedPlanes finishedPicture(Matte matte, const Progress& progress);
 
 private:
     /// Memory for packed rows, one behind the other.
