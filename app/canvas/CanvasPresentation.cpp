@@ -2,6 +2,7 @@
 
 #include "app/canvas/CanvasShadow.h"
 #include "app/canvas/ReducedTile.h"
+#include "compositing/AlikeTiles.h"
 #include "compositing/CompositeInputs.h"
 #include "core/PaintDocument.h"
 #include "platform/CheckedMath.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include <QPainter>
 
@@ -18,8 +20,8 @@ namespace {
 
 constexpr double kNearestFromZoom = 2.0;
 constexpr int64_t kBandRows = 32; // of a tile, drawn by one thread
-// Two thousand tiles: eight 4K canvases. Beyond that, images of tiles out of view are freed, and composited again later.
-constexpr int64_t kMostTileImages = 512LL * 1024 * 1024 / kTileBytes;
+// Four 4K canvases: 160 MB. Tiles beyond that are composited again when they are seen again, or at another reduction.
+constexpr int64_t kMostTileImages = 640;
 
 /// The level of reduction at which the painter shrinks by at most a half.
 int levelFor(double zoom) {
@@ -161,56 +163,93 @@ void CanvasPresentation::drawIntoWindow(const std::vector<DirtyTile>& tiles) {
 
 void CanvasPresentation::drawTiles(const std::vector<DirtyTile>& tiles) {
     const std::vector<CompositeInput> layers = compositeInputs(*document_, ForDisplay::yes);
+    const TileGrid& grid = document_->grid();
+    std::optional<AlikeTiles> alike;
+    std::vector<CanvasWindowImage::Copy> copies;
+    std::vector<DirtyTile> drawn;
+    std::vector<Source> sources; // one for each of them
+    for (const DirtyTile& tile : tiles) {
+        const bool isWhole = tile.part == grid.rectOf(tile.index);
+        if (isWhole && tiles.size() > 1 && !hasImage(tile.index)) {
+            if (!alike) alike.emplace(grid, layers, board_);
+            const int64_t first = alike->firstLike(tile.index);
+            if (first != tile.index) {
+                copies.push_back({tile.index, first});
+                continue;
+            }
+        }
+        drawn.push_back(tile);
+        sources.push_back(sourceOf(tile, isWhole, layers));
+    }
+    drawParts(drawn, sources, layers);
+    window_.copy(copies);
+    for (const auto& [index, like] : copies) {
+        states_[checkedSize(index)] = states_[checkedSize(like)];
+        dropImage(index);
+    }
+    if (window_.level() > 0) return;
+    for (const DirtyTile& tile : drawn) dropImage(tile.index);
+}
+
+void CanvasPresentation::drawParts(const std::vector<DirtyTile>& tiles, const std::vector<Source>& sources,
+                                   std::span<const CompositeInput> layers) {
     const int level = window_.level();
+    const TileGrid& grid = document_->grid();
     // Few tiles are cut into bands, so that every core gets a share.
     const bool few = static_cast<int>(tiles.size()) < 2 * concurrency();
     const int64_t bandRows = few ? std::max<int64_t>(kBandRows, int64_t{1} << level) : kTileSize;
     std::vector<DirtyTile> parts;
-    std::vector<Source> sources; // one a part
-    for (const DirtyTile& tile : tiles) {
-        const Source source = sourceOf(tile, layers);
-        const IRect place = document_->grid().rectOf(tile.index);
+    std::vector<Source> partSources;
+    for (std::size_t i = 0; i < tiles.size(); ++i) {
+        const DirtyTile& tile = tiles[i];
+        const IRect place = grid.rectOf(tile.index);
         for (int64_t y = place.y; y < place.maxY(); y += bandRows) {
             const IRect band = tile.part.intersection({place.x, y, place.w, bandRows});
             if (band.isEmpty()) continue;
             parts.push_back({tile.index, band});
-            sources.push_back(source);
+            partSources.push_back(sources[i]);
         }
     }
     window_.put(parts, [&](std::size_t i, uint8_t* out, int64_t rowBytes) {
         const DirtyTile& part = parts[i];
-        const TileGrid& grid = document_->grid();
         const IRect place = grid.rectOf(part.index), blocks = blocksOf(part.part, place, level);
-        uint8_t* const image = images_[checkedSize(part.index)].get();
-        if (sources[i] == Source::board) {
+        out += (blocks.y >> level) * rowBytes;
+        if (partSources[i] == Source::board) {
             const IRect onCanvas{place.x + blocks.x, place.y + blocks.y, blocks.w, blocks.h};
-            uint8_t* const corner = out + (blocks.y >> level) * rowBytes + (blocks.x >> level) * 4;
-            return drawBoard(board_, onCanvas, level, corner, rowBytes);
+            drawBoard(board_, onCanvas, level, out + (blocks.x >> level) * 4, rowBytes);
+        } else if (partSources[i] == Source::image) {
+            const uint8_t* const image = images_[checkedSize(part.index)].get();
+            reduceTile(image + blocks.y * kTileRowBytes, blocks, level, out, rowBytes);
+        } else if (level == 0) {
+            drawForScreen(part, layers, grid, board_, out, rowBytes);
+        } else {
+            const auto draw = [&](const IRect& rows, uint8_t* pixels) {
+                const IRect onCanvas{place.x + rows.x, place.y + rows.y, rows.w, rows.h};
+                drawForScreen({part.index, onCanvas}, layers, grid, board_, pixels, kTileRowBytes);
+            };
+            drawReduced(blocks, level, draw, images_[checkedSize(part.index)].get(), out, rowBytes);
         }
-        if (sources[i] == Source::layers) {
-            if (level == 0) return drawForScreen(part, layers, grid, board_, out, rowBytes);
-            drawForScreen(part, layers, grid, board_, image, kTileRowBytes);
-        }
-        reduceTile(image, blocks, level, out, rowBytes);
     });
-    if (level > 0) return;
-    for (const DirtyTile& tile : tiles) dropImage(tile.index);
 }
 
-/// Chooses what a part of a tile is made from. At a reduced level a tile is composited into an image of its own first, for
-/// which this allocates.
-CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile,
+bool CanvasPresentation::hasImage(int64_t index) const {
+    return states_[checkedSize(index)] == TileState::ready && images_[checkedSize(index)];
+}
+
+/// Chooses what a part of a tile is made from. At a reduced level a tile is composited into an image of its own where few
+/// are in view, for which this allocates.
+CanvasPresentation::Source CanvasPresentation::sourceOf(const DirtyTile& tile, bool isWhole,
                                                         std::span<const CompositeInput> layers) {
-    TileState& state = states_[checkedSize(tile.index)];
-    const bool whole = tile.part == document_->grid().rectOf(tile.index);
-    if (whole && state == TileState::ready) return Source::image;
-    if (state == TileState::stale) ++tilesComposited_;
-    state = whole && !showsAnything(tile.index, layers) ? TileState::empty : TileState::ready;
-    if (state == TileState::empty) {
+    if (isWhole && hasImage(tile.index)) return Source::image;
+    const bool isEmpty = isWhole && !showsAnything(tile.index, layers);
+    states_[checkedSize(tile.index)] = isEmpty ? TileState::empty : TileState::ready;
+    if (isEmpty) {
         dropImage(tile.index);
         return Source::board;
     }
-    if (window_.level() > 0) ensureImage(tile.index);
+    if (isWhole) ++tilesComposited_;
+    const int64_t inView = (visible_.endCol - visible_.firstCol) * (visible_.endRow - visible_.firstRow);
+    if (isWhole && window_.level() > 0 && inView <= kMostTileImages) ensureImage(tile.index);
     return Source::layers;
 }
 
@@ -230,9 +269,7 @@ void CanvasPresentation::dropImage(int64_t index) {
 
 void CanvasPresentation::dropTilesOutOfView() {
     for (std::size_t place = 0; place < images_.size() && heldImages_ > kMostTileImages; ++place) {
-        if (!images_[place]) continue;
         dropImage(static_cast<int64_t>(place));
-        states_[place] = TileState::stale; // the window image keeps its reduced copy
     }
 }
 

@@ -35,7 +35,7 @@ public:
     /// Paints shadow and picture; painter and `exposed` are in device pixels, y down.
     void draw(QPainter& painter, const QRectF& exposed) const;
 
-    /// How many tiles were composited since `show`.
+    /// How many tiles were composited since `show`: of those that look the same, one; of blank ones, none.
     int64_t tilesComposited() const { return tilesComposited_; }
     /// Memory of the tiles' own images, beside the window image. An empty tile has none.
     int64_t tileImageBytes() const { return heldImages_ * kTileBytes; }
@@ -50,7 +50,10 @@ private:
     /// Brings these parts of tiles to the window image; from the layers where the tile is stale.
     void drawIntoWindow(const std::vector<DirtyTile>& tiles);
     void drawTiles(const std::vector<DirtyTile>& tiles);
-    Source sourceOf(const DirtyTile& tile, std::span<const CompositeInput> layers);
+    void drawParts(const std::vector<DirtyTile>& tiles, const std::vector<Source>& sources,
+                   std::span<const CompositeInput> layers);
+    Source sourceOf(const DirtyTile& tile, bool isWhole, std::span<const CompositeInput> layers);
+    bool hasImage(int64_t index) const;
     void ensureImage(int64_t index);
     void dropImage(int64_t index);
     bool isVisible(int64_t index) const;

@@ -98,6 +98,16 @@ void CanvasWindowImage::put(std::span<const DirtyTile> parts, const PartDrawer& 
     }
 }
 
+void CanvasWindowImage::copy(std::span<const Copy> tiles) {
+    concurrentPerform(std::ssize(tiles), [&](int64_t i) {
+        const auto [index, like] = tiles[checkedSize(i)];
+        const IRect tile = grid_.rectOf(index);
+        copyPixels(firstPixelOf(index), rowBytes_, firstPixelOf(like), rowBytes_,
+                   reducedLength(tile.w, level_), reducedLength(tile.h, level_));
+    });
+    for (const Copy& tile : tiles) held_[slotOf(tile.index)] = true;
+}
+
 void CanvasWindowImage::copyTo(int64_t index, uint8_t* tile) const {
     require(level_ == 0 && holds(index));
     const IRect place = grid_.rectOf(index);

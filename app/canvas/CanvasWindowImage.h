@@ -46,6 +46,11 @@ public:
     /// 2^level x 2^level pixels.
     using PartDrawer = std::function<void(std::size_t partIndex, uint8_t* tilePixels, int64_t rowBytes)>;
     void put(std::span<const DirtyTile> parts, const PartDrawer& draw);
+    /// Draws a tile of the block as another of the same size, which it holds.
+    struct Copy {
+        int64_t index, like;
+    };
+    void copy(std::span<const Copy> tiles);
     /// Copies a tile that it holds, at level 0, to a buffer of a whole tile.
     void copyTo(int64_t index, uint8_t* tile) const;
 

@@ -2,6 +2,7 @@
 #include "core/IRect.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace qirn {
 
@@ -18,8 +19,16 @@ void copyPixels(uint8_t* to, int64_t toRowBytes, const uint8_t* from, int64_t fr
 /// rectangles on the canvas, the result counts from the tile's corner.
 IRect blocksOf(const IRect& part, const IRect& tile, int level);
 
-/// Writes the mean of each block of 2^level x 2^level pixels in `blocks`, a result of blocksOf; at level 0 a copy. `tile` holds
-/// opaque words 0xFFRRGGBB in rows of kTileRowBytes; the tile's first block goes to `out`, whose rows lie `rowBytes` apart.
-void reduceTile(const uint8_t* tile, const IRect& blocks, int level, uint8_t* out, int64_t rowBytes);
+/// Writes the mean of each block of 2^level x 2^level pixels in `blocks`, a result of blocksOf; at level 0 a copy. Levels go
+/// up to 6. `pixels` are opaque words 0xFFRRGGBB: of the tile's left edge in the first row of `blocks`, and on in rows of
+/// kTileRowBytes. `out` is the tile's left edge in the row that the first blocks go to; its rows lie `rowBytes` apart.
+void reduceTile(const uint8_t* pixels, const IRect& blocks, int level, uint8_t* out, int64_t rowBytes);
+
+/// Has blocks of a tile drawn as reduceTile wants them, a few rows at a time, which it reduces while they are in the nearest
+/// cache. They go into `tile`, the image of the whole tile, or where it is null into nothing that lasts. `draw` gets its
+/// rows, counted from the tile's corner, and the tile's left edge in the first of them.
+void drawReduced(const IRect& blocks, int level,
+                 const std::function<void(const IRect& rows, uint8_t* pixels)>& draw, uint8_t* tile,
+                 uint8_t* out, int64_t rowBytes);
 
 } // namespace qirn

@@ -64,7 +64,8 @@ void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers
     const IRect place = grid.rectOf(tile.index);
     const int left = static_cast<int>(tile.part.x - place.x) / kRunStep * kRunStep;
     const int right = static_cast<int>(tile.part.maxX() - place.x);
-    const int bottom = static_cast<int>(tile.part.maxY() - place.y);
+    const int top = static_cast<int>(tile.part.y - place.y),
+              bottom = static_cast<int>(tile.part.maxY() - place.y);
     const int width = (right - left + kRunStep - 1) / kRunStep * kRunStep;
     const BoardRows rows(board, place.x, left, left + width);
     // Whole tiles come in numbers that exceed the caches, so they are stored past them.
@@ -74,12 +75,12 @@ void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers
         width == kTileSize && tile.part.h == kTileSize && aligned ? Through::memory : Through::caches;
     const uint32_t* grays[kRunPixels / kRunStep];
     PixelRun acc;
-    for (int y = static_cast<int>(tile.part.y - place.y); y < bottom;) {
+    for (int y = top; y < bottom;) {
         const RunShape shape{width, std::min(kRunPixels / width, bottom - y)};
         for (int row = 0; row < shape.rows; ++row)
             grays[row] = rows.grays[board.squareOf(place.y + y + row) % 2] + left;
         stack.blend(acc, left, y, shape);
-        storeOnBoard(out + y * rowBytes + left * 4, rowBytes, acc, shape, grays, through);
+        storeOnBoard(out + (y - top) * rowBytes + left * 4, rowBytes, acc, shape, grays, through);
         y += shape.rows;
     }
     if (through == Through::memory) endStreaming();

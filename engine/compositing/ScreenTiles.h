@@ -24,8 +24,9 @@ bool showsAnything(int64_t tile, std::span<const CompositeInput> layers);
 /// 2^level x 2^level pixels, the first at the part's corner; those that the part cuts are means of what is left.
 void drawBoard(const Checkerboard& board, const IRect& part, int level, uint8_t* out, int64_t rowBytes);
 
-/// Draws the part of a tile as the screen shows it: opaque words 0xFFRRGGBB over the checkerboard. `out` is the top
-/// left pixel of a whole tile; its rows lie `rowBytes` apart, and a few pixels beside the part may be drawn too.
+/// Draws the part of a tile as the screen shows it: opaque words 0xFFRRGGBB over the checkerboard. `out` is the pixel at
+/// the tile's left edge in the part's first row, with room for a whole tile across; rows lie `rowBytes` apart, and a few
+/// pixels beside the part may be drawn too.
 void drawForScreen(const DirtyTile& tile, std::span<const CompositeInput> layers, const TileGrid& grid,
                    const Checkerboard& board, uint8_t* out, int64_t rowBytes);
 

@@ -101,7 +101,7 @@ private Q_SLOTS:
             std::vector<uint32_t> uneven(kTilePixels + 1);
             auto* const screen = seed % 3 == 1 ? reinterpret_cast<uint32_t*>(even.get()) : uneven.data() + 1;
             drawForScreen({index, {part.x, part.y + top, part.w, part.h}}, stack, grid, {7.5},
-                          reinterpret_cast<uint8_t*>(screen), kTileRowBytes);
+                          reinterpret_cast<uint8_t*>(screen + part.y * kTileSize), kTileRowBytes);
             for (int64_t y = part.y; y < part.maxY(); ++y) {
                 for (int64_t x = part.x; x < part.maxX(); ++x) {
                     const uint8_t* p = pixels.data() + (y * kTileSize + x) * 4;
