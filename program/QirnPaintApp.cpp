@@ -14,14 +14,14 @@
 #include "platform/DescribedError.h"
 #include "platform/files/FilePath.h"
 #include "program/Benchmark.h"
+#include "program/CommandLine.h"
 #include "program/PaintSample.h"
 #include "program/SelfTest.h"
 #include "shell/MainView.h"
 
 #include <cstdio>
-#include <filesystem>
+#include <cstdlib>
 #include <span>
-#include <system_error>
 
 #include <QApplication>
 #include <QFileOpenEvent>
@@ -30,12 +30,6 @@
 namespace qirn {
 
 namespace {
-
-/// What follows the first "--make-sample"; empty when nothing does.
-QString samplePath(const QStringList& arguments) {
-    const qsizetype at = arguments.indexOf(QStringLiteral("--make-sample"), 1);
-    return at < 0 ? QString() : arguments.value(at + 1);
-}
 
 int makeSample(const QString& path) {
     int argc = 1;
@@ -52,23 +46,10 @@ int makeSample(const QString& path) {
     return 0;
 }
 
-} // namespace
-
-CommandModes::Mode CommandModes::modeOf(const QStringList& arguments) {
-    const QStringList given = arguments.mid(1);
-    if (given.contains(QStringLiteral("--selftest"))) return Mode::selfTest;
-    if (given.contains(QStringLiteral("--benchmark"))) return Mode::benchmark;
-    return samplePath(arguments).isEmpty() ? Mode::none : Mode::makeSample;
-}
-
-int CommandModes::run(Mode mode, const QStringList& arguments) {
-    if (mode == Mode::selfTest) return runSelfTest();
-    if (mode == Mode::makeSample) return makeSample(samplePath(arguments));
-    runBenchmark();
+int print(const QString& text) {
+    std::printf("%s\n", qPrintable(text));
     return 0;
 }
-
-namespace {
 
 /// What the desktop tells the application as a whole.
 class PaintAppDelegate : public QObject {
@@ -96,10 +77,8 @@ public:
         QMetaObject::invokeMethod(
             this,
             [paths] {
-                for (const QString& path : paths) {
-                    if (PaintModel* const model = PaintModel::shared)
-                        guarded(*model, [&] { model->pictures().open(path); });
-                }
+                if (PaintModel* const model = PaintModel::shared)
+                    guarded(*model, [&] { model->pictures().open(paths); });
             },
             Qt::QueuedConnection);
     }
@@ -120,26 +99,47 @@ protected:
     }
 };
 
-/// Arguments that name existing files; every other one is ignored.
+/// In place of what the window system's library would say before it ends the process.
+void sayThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const QString&) {
+    if (type != QtFatalMsg) return;
+    std::fputs("Qirn Paint found no display to open its window on; --help lists what it does without one.\n",
+               stderr);
+    std::_Exit(1);
+}
+
+/// What is left of the arguments when the window system has taken its own.
 QStringList filesIn(int argc, char** argv) {
-    QStringList files;
-    for (const char* argument : std::span(argv, checkedSize(argc)).subspan(1)) {
-        std::error_code none;
-        const bool named = !QByteArray(argument).startsWith("--");
-        if (named && std::filesystem::is_regular_file(argument, none))
-            files << absolutePath(pathFromBytes(argument));
-    }
-    return files;
+    QStringList arguments;
+    for (const char* argument : std::span(argv, checkedSize(argc))) arguments << pathFromBytes(argument);
+    return CommandLine::parsed(arguments).files;
 }
 
 } // namespace
+
+int runMode(const CommandLine& line) {
+    switch (line.mode) {
+    case CommandLine::Mode::selfTest:
+        return runSelfTest();
+    case CommandLine::Mode::benchmark:
+        runBenchmark();
+        return 0;
+    case CommandLine::Mode::makeSample:
+        return makeSample(line.samplePath);
+    case CommandLine::Mode::version:
+        return print(CommandLine::version());
+    default:
+        return print(CommandLine::help().trimmed());
+    }
+}
 
 int runStudio(int& argc, char** argv) {
     // Each pen point is painted; none is merged with the next.
     QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
     QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const QtMessageHandler usual = qInstallMessageHandler(sayThereIsNoDisplay);
     QApplication app(argc, argv);
+    qInstallMessageHandler(usual);
     app.setApplicationName(QStringLiteral("Qirn Paint"));
     app.setApplicationDisplayName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));

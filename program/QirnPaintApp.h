@@ -1,22 +1,14 @@
 #pragma once
-#include <optional>
-
-#include <QStringList>
 
 namespace qirn {
 
-/// The command-line modes, which open no window.
-namespace CommandModes {
+struct CommandLine;
 
-enum class Mode { none, selfTest, benchmark, makeSample };
-/// What the arguments (the program's name first) ask for; the self-test wins over the benchmark.
-Mode modeOf(const QStringList& arguments);
-/// Runs the mode with the same arguments and returns the process's exit code.
-int run(Mode mode, const QStringList& arguments);
+/// Runs one of the modes that open no window and returns the process's exit code.
+int runMode(const CommandLine& line);
 
-} // namespace CommandModes
-
-/// The program as a studio: creates the one model and the main window and runs until the last window closes.
+/// The program as a studio: creates the one model and the main window, opens the files that the arguments name, and runs
+/// until the last window closes. Where there is no display it says so in a sentence, and 1 is the exit code.
 int runStudio(int& argc, char** argv);
 
 } // namespace qirn

@@ -30,10 +30,9 @@ namespace {
 /// A desktop without a person: every question is cancelled.
 class SilentDesktop final : public Desktop {
 public:
-    std::optional<QString> saveFile(const QString&, const QList<FileType>&, const QString&) override {
-        return std::nullopt;
-    }
-    QStringList openFiles(const QList<FileType>&, Several) override { return {}; }
+    std::optional<SavePlace> saveFile(const SaveQuestion&) override { return std::nullopt; }
+    QStringList openFiles(const QString&, const QList<FileType>&, Several) override { return {}; }
+    void noteUsedFile(const QString&) override {}
     int ask(const QString&, const QString&, const QStringList&, int cancelButton) override {
         return cancelButton;
     }

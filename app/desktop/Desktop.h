@@ -14,18 +14,33 @@ struct FileType {
     QStringList extensions; ///< Without the dot.
 };
 
+/// What a save panel asks.
+struct SaveQuestion {
+    QString title;
+    QString proposedName;
+    QList<FileType> types;     ///< The file gets an extension of the first one.
+    QString message = {};      ///< Stands in the panel where it has a place.
+    bool offersExport = false; ///< For a name with a picture's extension: the user may want an export.
+};
+
+/// What it was answered.
+struct SavePlace {
+    QString path;
+    bool exportInstead = false; ///< There is no path: the user would rather export.
+};
+
 /// What the application needs of the desktop, as an interface that tests can script. Panels and boxes are modal; main
 /// thread only.
 class Desktop {
 public:
     virtual ~Desktop() = default;
 
-    /// A path to write to with an extension of the first type, or nothing when the user cancels. `message` stands
-    /// in the panel where it has a place.
-    virtual std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>& types,
-                                            const QString& message) = 0;
+    virtual std::optional<SavePlace> saveFile(const SaveQuestion& question) = 0; ///< Nothing: cancelled.
     enum class Several { no, yes };
-    virtual QStringList openFiles(const QList<FileType>& types, Several several) = 0; ///< Empty: cancelled.
+    /// Empty: cancelled.
+    virtual QStringList openFiles(const QString& title, const QList<FileType>& types, Several several) = 0;
+    /// A file of the user's was read or written: the next panel starts in its folder.
+    virtual void noteUsedFile(const QString& path) = 0;
     /// A message box; the index of the button that was pressed. The first button is the default one.
     virtual int ask(const QString& title, const QString& text, const QStringList& buttons,
                     int cancelButton) = 0;

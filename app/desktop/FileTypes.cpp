@@ -2,12 +2,17 @@
 
 #include "formats/native/PaintFile.h"
 
+#include <algorithm>
+
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QTextBoundaryFinder>
 
 namespace qirn {
 
 namespace {
+
+constexpr qsizetype kMostNameBytes = 255;
 
 struct TypeRow {
     const char* description;
@@ -76,11 +81,24 @@ bool FileTypes::isNative(const QString& path) {
            0;
 }
 
+bool FileTypes::isOtherPicture(const QString& name, const FileType& type) {
+    const QString suffix = QFileInfo(name).suffix().toLower();
+    const auto types = open();
+    return !type.extensions.contains(suffix) &&
+           std::any_of(types.begin(), types.end(),
+                       [&](const FileType& other) { return other.extensions.contains(suffix); });
+}
+
 QString FileTypes::fileName(const QString& name, const QString& extension) {
     QString safe = name;
-    safe.replace(u'/', u'-');
+    for (QChar& c : safe)
+        if (c == u'/' || c.category() == QChar::Other_Control) c = u'-';
     if (safe.startsWith(u'.')) safe.replace(0, 1, u'-'); // it would be hidden
-    return safe + u'.' + extension;
+    const qsizetype room = kMostNameBytes - extension.toUtf8().size() - 1;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, safe);
+    finder.toEnd();
+    while (safe.left(finder.position()).toUtf8().size() > room) finder.toPreviousBoundary();
+    return safe.left(finder.position()) + u'.' + extension;
 }
 
 QString FileTypes::withExtension(const QString& path, const FileType& type) {

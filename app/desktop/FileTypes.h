@@ -20,7 +20,11 @@ FileType exported(ExportFormat format);
 
 bool isNative(const QString& path); ///< By its extension, in any case.
 
-/// A file name to propose for a picture's name: characters that would lead into another folder are replaced.
+/// Whether a name ends like a picture or document of another kind than that.
+bool isOtherPicture(const QString& name, const FileType& type);
+
+/// A file name to propose for a picture's name, of at most 255 bytes: characters that no name has, or that would lead into
+/// another folder, are replaced.
 QString fileName(const QString& name, const QString& extension);
 
 /// The path, with the type's first extension added where it ends in none of them.

@@ -1,11 +1,12 @@
 #include "app/desktop/QtDesktop.h"
 
+#include "app/desktop/FilePanel.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/RecentFiles.h"
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileDialog>
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QMimeData>
@@ -38,48 +39,62 @@ QString filtersToOpen(const QList<FileType>& types) {
 }
 
 QString startFolder(const QString& last) {
-    if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
-    return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    for (const QString& folder : {last, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)})
+        if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
+    return QDir::homePath();
+}
+
+QString tr(const char* text) {
+    return QCoreApplication::translate("qirn::QtDesktop", text);
 }
 
 } // namespace
 
-std::optional<QString> QtDesktop::saveFile(const QString& proposedName, const QList<FileType>& types,
-                                           const QString& message) {
-    QFileDialog dialog(QApplication::activeWindow(), message, startFolder(folder_), filtersOf(types));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.selectFile(proposedName);
-    if (!types.isEmpty() && !types[0].extensions.isEmpty()) dialog.setDefaultSuffix(types[0].extensions[0]);
-    while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
-        const QString chosen = dialog.selectedFiles().constFirst();
-        const QString path = types.isEmpty() ? chosen : FileTypes::withExtension(chosen, types[0]);
-        // The panel has asked about the name as it was typed.
-        if (path == chosen || !QFileInfo::exists(path) || mayReplace(path)) {
-            folder_ = QFileInfo(path).absolutePath();
-            return path;
-        }
+std::optional<SavePlace> QtDesktop::saveFile(const SaveQuestion& question) {
+    FilePanel panel(question.title, question.message, startFolder(folder_), filtersOf(question.types));
+    panel.setAcceptMode(QFileDialog::AcceptSave);
+    panel.selectFile(question.proposedName);
+    while (panel.exec() == QDialog::Accepted && !panel.selectedFiles().isEmpty()) {
+        const QString typed = panel.selectedFiles().constFirst();
+        const auto place = placeFor(typed, question);
+        if (!place) continue;
+        // A panel of the desktop's own has asked about the name as it was typed.
+        const bool isAsked = place->exportInstead || (place->path == typed && !panel.isOurs());
+        if (isAsked || !QFileInfo::exists(place->path) || mayReplace(place->path)) return place;
     }
     return std::nullopt;
 }
 
-bool QtDesktop::mayReplace(const QString& path) {
-    const QString title =
-        QCoreApplication::translate("qirn::QtDesktop", "Replace \"%1\"?").arg(QFileInfo(path).fileName());
-    const QString text =
-        QCoreApplication::translate("qirn::QtDesktop", "A file of this name is there already.");
-    return ask(title, text,
-               {QCoreApplication::translate("qirn::QtDesktop", "Replace"),
-                QCoreApplication::translate("qirn::QtDesktop", "Cancel")},
-               1) == 0;
+std::optional<SavePlace> QtDesktop::placeFor(const QString& typed, const SaveQuestion& question) {
+    if (question.types.isEmpty()) return SavePlace{typed};
+    const FileType& type = question.types.front();
+    if (!FileTypes::isOtherPicture(typed, type)) return SavePlace{FileTypes::withExtension(typed, type)};
+    const QFileInfo info(typed);
+    const QString mended = info.dir().filePath(FileTypes::withExtension(info.completeBaseName(), type));
+    QStringList buttons{tr("Save as %1").arg(QFileInfo(mended).fileName())};
+    if (question.offersExport) buttons << tr("Export…");
+    buttons << tr("Cancel");
+    const auto cancel = static_cast<int>(buttons.size()) - 1;
+    const int answer = ask(tr("\"%1\" ends like another kind of file.").arg(info.fileName()),
+                           question.message, buttons, cancel);
+    if (answer == cancel) return std::nullopt;
+    return answer == 0 ? SavePlace{mended} : SavePlace{{}, true};
 }
 
-QStringList QtDesktop::openFiles(const QList<FileType>& types, Several several) {
-    QFileDialog dialog(QApplication::activeWindow(), {}, startFolder(folder_), filtersToOpen(types));
-    dialog.setFileMode(several == Several::yes ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
-    if (dialog.exec() != QDialog::Accepted) return {};
-    const QStringList paths = dialog.selectedFiles();
-    if (!paths.isEmpty()) folder_ = QFileInfo(paths.constFirst()).absolutePath();
-    return paths;
+bool QtDesktop::mayReplace(const QString& path) {
+    return ask(tr("Replace \"%1\"?").arg(QFileInfo(path).fileName()),
+               tr("A file of this name is there already."), {tr("Replace"), tr("Cancel")}, 1) == 0;
+}
+
+QStringList QtDesktop::openFiles(const QString& title, const QList<FileType>& types, Several several) {
+    FilePanel panel(title, {}, startFolder(folder_), filtersToOpen(types));
+    panel.setFileMode(several == Several::yes ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+    panel.showPreviews();
+    return panel.exec() == QDialog::Accepted ? panel.selectedFiles() : QStringList();
+}
+
+void QtDesktop::noteUsedFile(const QString& path) {
+    folder_ = QFileInfo(path).absolutePath();
 }
 
 const QMimeData& QtDesktop::clipboard() {

@@ -5,6 +5,7 @@
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Trash.h"
 #include "formats/native/PaintFile.h"
+#include "formats/native/StoredPreview.h"
 #include "platform/Bytes.h"
 #include "platform/Json.h"
 #include "platform/files/AtomicFile.h"
@@ -122,7 +123,7 @@ void trashCopy(const QUuid& id, const Recovery::Info& info) {
 
 QImage Recovery::Item::thumbnail() const {
     try {
-        return PaintFile::thumbnailOf(bytesOf(readFile(file))).value_or(QImage());
+        return storedPreview(file).value_or(QImage());
     } catch (const ReadError&) {
         return {};
     }

@@ -160,20 +160,23 @@ void Brushes::deleteUserBrush(const BrushSettings& preset) {
 
 void Brushes::exportBrushes() {
     const QList<FileType> types{FileTypes::brushes().front()};
-    const auto path = model_.desktop().saveFile(tr("My Qirn Paint Brushes.qirnbrushes"), types, {});
-    if (!path) return;
+    const auto place =
+        model_.desktop().saveFile({tr("Export"), tr("My Qirn Paint Brushes.qirnbrushes"), types});
+    if (!place) return;
     const std::vector<BrushSettings> brushes =
         userBrushes_.empty() ? std::vector<BrushSettings>{activeBrush()} : userBrushes_;
     try {
-        writeAtomically(*path, bytesOf(BrushFile::encode(brushes)));
+        writeAtomically(place->path, bytesOf(BrushFile::encode(brushes)));
     } catch (const DescribedError& error) {
         return model_.messages().alert(tr("Couldn't export brushes"), error.description());
     }
+    model_.desktop().noteUsedFile(place->path);
     model_.messages().flash(tr("Exported %1 brush(es)").arg(brushes.size()));
 }
 
 void Brushes::importBrushes() {
-    const QStringList paths = model_.desktop().openFiles(FileTypes::brushes(), Desktop::Several::no);
+    const QStringList paths =
+        model_.desktop().openFiles(tr("Import"), FileTypes::brushes(), Desktop::Several::no);
     if (paths.isEmpty()) return;
     std::optional<std::vector<BrushSettings>> brushes;
     try {
@@ -186,6 +189,7 @@ void Brushes::importBrushes() {
                                        tr("This file isn't an Qirn Paint brush file."));
     userBrushes_.insert(userBrushes_.end(), brushes->begin(), brushes->end());
     file_.save(userBrushes_);
+    model_.desktop().noteUsedFile(paths.front());
     model_.messages().flash(tr("Imported %1 brush(es)").arg(brushes->size()));
 }
 

@@ -108,7 +108,8 @@ void Clipboard::pasteBuffer(const RGBABuffer& buffer, const QString& name, std::
 
 void Clipboard::importImageAsLayer() {
     model_.finishGesture();
-    for (const QString& path : model_.desktop().openFiles(FileTypes::import(), Desktop::Several::no))
+    for (const QString& path :
+         model_.desktop().openFiles(tr("Import"), FileTypes::import(), Desktop::Several::no))
         importImage(path);
 }
 

@@ -30,6 +30,7 @@ namespace {
 constexpr int64_t kMostCanvasPixels = 900'000'000;
 const QString kRecentFilesKey = QStringLiteral("qirn.pt.recentFiles");
 constexpr qsizetype kRecentFiles = 10;
+constexpr qsizetype kReasonsShown = 10; // in one message
 constexpr int kStarterWidth = 1920, kStarterHeight = 1080, kStarterDpi = 72;
 
 QString extension() {
@@ -130,34 +131,65 @@ void OpenPictures::select(DocSession& session) {
 
 // --- Open and save
 
-void OpenPictures::openPanel() {
-    model_.finishGesture();
-    for (const QString& path : model_.desktop().openFiles(FileTypes::open(), Desktop::Several::yes))
-        open(path);
-}
-
-void OpenPictures::open(const QString& path) {
+DocSession* OpenPictures::sessionOf(const QString& path) const {
     const QString standard = standardized(path);
     for (const SessionRef& session : sessions_) {
         if (!session->fileURL.isEmpty() && standardized(session->fileURL.toLocalFile()) == standard)
-            return select(*session);
+            return session.get();
+    }
+    return nullptr;
+}
+
+void OpenPictures::openPanel() {
+    model_.finishGesture();
+    open(model_.desktop().openFiles(tr("Open"), FileTypes::open(), Desktop::Several::yes));
+}
+
+void OpenPictures::open(const QString& path) {
+    open(QStringList{path});
+}
+
+void OpenPictures::open(const QStringList& paths) {
+    QStringList names, reasons;
+    for (const QString& path : paths) {
+        if (const auto reason = whyNotOpened(path)) {
+            names << QFileInfo(path).fileName();
+            reasons << *reason;
+        }
+    }
+    if (names.isEmpty()) return;
+    if (names.size() == 1)
+        return model_.messages().alert(tr("Couldn't open %1").arg(names.front()), reasons.front());
+    QStringList lines;
+    for (qsizetype i = 0; i < std::min(names.size(), kReasonsShown); ++i)
+        lines << tr("%1: %2").arg(names[i], reasons[i]);
+    if (names.size() > kReasonsShown) lines << tr("And %1 more.").arg(names.size() - kReasonsShown);
+    model_.messages().alert(tr("Couldn't open %1 files").arg(names.size()), lines.join(u'\n'));
+}
+
+std::optional<QString> OpenPictures::whyNotOpened(const QString& path) {
+    if (DocSession* session = sessionOf(path)) {
+        select(*session);
+        return std::nullopt;
     }
     const QFileInfo info(path);
     ImageImport::Imported picture;
     try {
         picture = readPicture(path);
     } catch (const std::exception& error) {
-        return model_.messages().alert(tr("Couldn't open %1").arg(info.fileName()), failureText(error));
+        return failureText(error);
     }
     const bool native = FileTypes::isNative(path);
     const QString base = info.completeBaseName();
-    const QString name = native ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
+    const QString name =
+        native || info.suffix().isEmpty() ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
     const auto session = std::make_shared<DocSession>(
         std::move(picture.document), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
     session->remark = wordsOf(picture.remarks);
     add(session);
     if (!session->remark.isEmpty()) model_.messages().flash(session->remark);
     noteRecentFile(info.absoluteFilePath());
+    return std::nullopt;
 }
 
 bool OpenPictures::save(DocSession* session, SaveAs as) {
@@ -166,11 +198,23 @@ bool OpenPictures::save(DocSession* session, SaveAs as) {
     if (session == current()) model_.finishGesture();
     QString path = session->fileURL.toLocalFile();
     if (as == SaveAs::yes || session->fileURL.isEmpty()) {
-        const auto chosen = model_.desktop().saveFile(
-            FileTypes::fileName(session->name, extension()), {FileTypes::native()},
-            tr("Qirn Paint documents keep every layer. Use File → Export for PNG, JPEG, TIFF or PSD."));
-        if (!chosen) return false;
-        path = *chosen;
+        const auto place = model_.desktop().saveFile(
+            {tr("Save"),
+             FileTypes::fileName(session->name, extension()),
+             {FileTypes::native()},
+             tr("Qirn Paint documents keep every layer. Use File → Export for PNG, JPEG, TIFF or PSD."),
+             true});
+        if (!place) return false;
+        if (place->exportInstead) {
+            select(*session);
+            model_.showSheet({PaintSheet::Kind::exportPicture});
+            return false;
+        }
+        path = place->path;
+        if (const DocSession* other = sessionOf(path); other && other != session) {
+            model_.messages().flash(tr("\"%1\" is open in another tab.").arg(other->name));
+            return false;
+        }
     }
     try {
         writeAtomically(path, bytesOf(PaintFile::encode(session->doc())));
@@ -197,16 +241,17 @@ void OpenPictures::exportPicture(ExportFormat format, double jpegQuality, const 
     if (!session) return;
     model_.finishGesture();
     const FileType type = FileTypes::exported(format);
-    const auto path =
-        model_.desktop().saveFile(FileTypes::fileName(session->name, type.extensions.front()), {type}, {});
-    if (!path) return;
+    const auto place = model_.desktop().saveFile(
+        {tr("Export"), FileTypes::fileName(session->name, type.extensions.front()), {type}});
+    if (!place) return;
     try {
-        writeAtomically(*path,
+        writeAtomically(place->path,
                         bytesOf(ImageExport::data(session->doc(), format, jpegQuality, jpegBackground)));
     } catch (const std::exception& error) {
         return model_.messages().alert(tr("Couldn't export"), failureText(error));
     }
-    model_.messages().flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
+    model_.desktop().noteUsedFile(place->path);
+    model_.messages().flash(tr("Exported %1").arg(QFileInfo(place->path).fileName()));
 }
 
 // --- Recent files
@@ -226,6 +271,7 @@ void OpenPictures::noteRecentFile(const QString& path) {
         list.push_back(file.toStdString());
     model_.store().set(kRecentFilesKey, list);
     model_.desktop().noteRecentFile(path);
+    model_.desktop().noteUsedFile(path);
 }
 
 void OpenPictures::forgetRecentFiles() {
@@ -285,10 +331,16 @@ void OpenPictures::closeCurrent() {
 bool OpenPictures::shouldQuit() {
     model_.finishGesture();
     const std::vector<SessionRef> open = sessions_;
+    QStringList closed;
     for (const SessionRef& session : open) {
         if (!session->isDirty()) continue;
         select(*session);
-        if (!close(*session)) return false;
+        if (!close(*session)) {
+            if (!closed.isEmpty())
+                model_.messages().flash(tr("Closed: %1").arg(closed.join(QStringLiteral(", "))));
+            return false;
+        }
+        closed << session->name;
     }
     for (const SessionRef& session : sessions_) Recovery::discard(session->id);
     model_.saveState();

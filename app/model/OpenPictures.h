@@ -37,6 +37,7 @@ public:
 
     void openPanel();
     void open(const QString& path);
+    void open(const QStringList& paths); ///< In order; one message tells of all that could not be opened.
     enum class SaveAs { no, yes };
     bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when cancelled or failed.
     /// Writes a copy in another format; the picture stays as dirty as it was.
@@ -50,6 +51,9 @@ public:
     bool shouldQuit(); ///< Asks about each picture with unsaved work.
 
 private:
+    /// Why it could not be opened, in words; nothing when it was.
+    std::optional<QString> whyNotOpened(const QString& path);
+    DocSession* sessionOf(const QString& path) const; ///< The one whose file that is; null for none.
     void noteRecentFile(const QString& path);
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);

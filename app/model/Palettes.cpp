@@ -130,13 +130,15 @@ void Palettes::deletePalette() {
 // --- Files
 
 void Palettes::importPalette() {
-    for (const QString& path : model_.desktop().openFiles(FileTypes::palettes(), Desktop::Several::yes)) {
+    for (const QString& path :
+         model_.desktop().openFiles(tr("Import"), FileTypes::palettes(), Desktop::Several::yes)) {
         const QString file = QFileInfo(path).fileName();
         try {
             const QByteArray bytes = readFile(path);
             const std::size_t index = addOwnPalette(PaletteLibrary::read(bytesOf(bytes), file));
             savePalettes();
             const Palette& palette = userPalettes_[index];
+            model_.desktop().noteUsedFile(path);
             model_.messages().flash(
                 tr("Imported %1 colors from %2").arg(palette.colors.size()).arg(palette.name));
         } catch (const DescribedError& error) {
@@ -148,16 +150,18 @@ void Palettes::importPalette() {
 void Palettes::exportPalette(PaletteFile file) {
     const Palette palette = currentPalette();
     const FileType type = file == PaletteFile::aco ? FileTypes::aco() : FileTypes::gpl();
-    const auto path =
-        model_.desktop().saveFile(FileTypes::fileName(palette.name, type.extensions.front()), {type}, {});
-    if (!path) return;
+    const auto place = model_.desktop().saveFile(
+        {tr("Export"), FileTypes::fileName(palette.name, type.extensions.front()), {type}});
+    if (!place) return;
     try {
-        writeAtomically(*path, bytesOf(file == PaletteFile::aco ? PaletteLibrary::aco(palette)
-                                                                : PaletteLibrary::gpl(palette).toUtf8()));
+        writeAtomically(place->path,
+                        bytesOf(file == PaletteFile::aco ? PaletteLibrary::aco(palette)
+                                                         : PaletteLibrary::gpl(palette).toUtf8()));
     } catch (const DescribedError& error) {
         return model_.messages().alert(tr("Couldn't export the palette"), error.description());
     }
-    model_.messages().flash(tr("Exported %1").arg(QFileInfo(*path).fileName()));
+    model_.desktop().noteUsedFile(place->path);
+    model_.messages().flash(tr("Exported %1").arg(QFileInfo(place->path).fileName()));
 }
 
 } // namespace qirn

@@ -14,6 +14,8 @@
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
 #include "platform/Bytes.h"
+#include "platform/files/FilePath.h"
+#include "program/CommandLine.h"
 #include "support/FullDisk.h"
 #include "support/PSDFiles.h"
 #include "support/Studio.h"
@@ -49,7 +51,9 @@ private Q_SLOTS:
                                              {"/a.b/v1.2", "/a.b/v1.2.jpg"},
                                              {"/a.b/cat.png", "/a.b/cat.png.jpg"}})
             QCOMPARE(FileTypes::withExtension(typed, FileTypes::exported(ExportFormat::jpeg)), written);
-        QCOMPARE(FileTypes::fileName(".a/b", "png"), "-a-b.png"); // neither hidden nor in a folder
+        QCOMPARE(FileTypes::fileName(".a/b\n\x7f", "png"), "-a-b--.png"); // neither hidden nor in a folder
+        const QString longName = FileTypes::fileName(QStringLiteral("日").repeated(100), "qirnpaint");
+        QCOMPARE(longName, QStringLiteral("日").repeated(81) + ".qirnpaint"); // 243 bytes and 10
     }
 
     void picturesOpenUnderTheirNameAndAreNeverOverwritten() {
@@ -63,14 +67,82 @@ private Q_SLOTS:
         QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{3});
         QCOMPARE(studio.desktop.asked.size(), std::size_t{1});
         QCOMPARE(studio.desktop.asked[0].title, "Couldn't open missing.png");
+        QCOMPARE(studio.desktop.usedFile, dog);
+        studio.model.pictures().open(QStringList{"/no/a.png", studio.folder.path()});
+        QCOMPARE(studio.desktop.asked.back().title, "Couldn't open 2 files");
+        QVERIFY(studio.desktop.asked.back().text.startsWith("a.png: No such file") &&
+                studio.desktop.asked.back().text.endsWith(": This is a folder."));
+        QVERIFY(QFile::copy(cat, studio.path("plain")));
+        studio.model.pictures().open(studio.path("plain"));
+        QCOMPARE(studio.session().name, "plain");
+        studio.model.pictures().close(studio.session());
         QCOMPARE(studio.session().name, "dog.v2 (from JPG)");
         QCOMPARE(studio.model.pictures().sessions()[1]->name, "cat (from PNG)");
         QVERIFY(studio.session().fileURL.isEmpty() && !studio.session().isDirty());
-        QCOMPARE(studio.desktop.recentFiles, QStringList({cat, dog}));
+        QCOMPARE(studio.desktop.recentFiles, QStringList({cat, dog, studio.path("plain")}));
         const QByteArray before = bytesAt(dog);
         QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no)); // asks, and is cancelled
         QCOMPARE(studio.desktop.proposedNames.back(), "dog.v2 (from JPG).qirnpaint");
         QCOMPARE(bytesAt(dog), before);
+    }
+
+    void aFileBelongsToOneTabAndAnExportIsNoSave() {
+        Studio studio;
+        const QString path = studio.path("cat.qirnpaint");
+        studio.desktop.savePaths = {path, path, ""};
+        QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::yes));
+        const QByteArray cat = bytesAt(path);
+        studio.model.pictures().newDocument(30, 20, 72, PaintColor::black(), "Dog");
+        studio.fill({0, 0, 3, 3});
+        QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+        QCOMPARE(studio.model.messages().hud(), "\"cat\" is open in another tab.");
+        QVERIFY(bytesAt(path) == cat && studio.session().fileURL.isEmpty());
+        // Rather an export, asked while the picture is closed: it stays, and the sheet comes up for it.
+        DocSession& dog = studio.session();
+        studio.model.pictures().select(*studio.model.pictures().sessions().front());
+        studio.desktop.answers = {0};
+        QVERIFY(!studio.model.pictures().close(dog));
+        QVERIFY(studio.model.current() == &dog &&
+                studio.model.sheet() == PaintSheet{PaintSheet::Kind::exportPicture});
+    }
+
+    void aCancelledQuitTellsWhatItClosed() {
+        Studio studio;
+        for (const char* name : {"Two", "Three"}) {
+            studio.fill({0, 0, 9, 9});
+            studio.model.pictures().newDocument(30, 20, 72, std::nullopt, name);
+        }
+        studio.fill({0, 0, 9, 9});
+        studio.desktop.answers = {0, 2, 1}; // save, don't, cancel
+        studio.desktop.savePaths = {studio.path("One.qirnpaint")};
+        QVERIFY(!studio.model.pictures().shouldQuit());
+        QCOMPARE(studio.model.messages().hud(), "Closed: One, Two");
+        QCOMPARE(studio.session().name, "Three");
+        QCOMPARE(studio.model.pictures().recentFiles().front(), studio.path("One.qirnpaint"));
+    }
+
+    void argumentsNameFilesAndModes() {
+        using Mode = CommandLine::Mode;
+        const struct {
+            QStringList arguments;
+            Mode mode;
+            QStringList files;
+        } cases[] = {
+            {{"/a b.png", "-x", "--unknown", "file:///c%20d.png"}, Mode::none, {"/a b.png", "/c d.png"}},
+            {{"/a", "--", "-b", "--selftest", "--"},
+             Mode::none,
+             {"/a", absolutePath("-b"), absolutePath("--selftest"), absolutePath("--")}},
+            {{"--benchmark", "--selftest"}, Mode::selfTest, {}},
+            {{"--make-sample"}, Mode::none, {}},
+            {{"--version", "--help"}, Mode::help, {}},
+        };
+        for (const auto& [arguments, mode, files] : cases) {
+            const CommandLine line = CommandLine::parsed(QStringList("QirnPaint") + arguments);
+            QVERIFY2(line.mode == mode, qPrintable(arguments.join(u' ')));
+            if (mode == Mode::none) QCOMPARE(line.files, files);
+        }
+        QCOMPARE(CommandLine::parsed({"QirnPaint", "--make-sample", "/x"}).samplePath, "/x");
+        QVERIFY(CommandLine::parsed({}).files.isEmpty());
     }
 
     void aPictureIsImportedAsALayer() {

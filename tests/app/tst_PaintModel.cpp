@@ -344,7 +344,18 @@ private Q_SLOTS:
     void theRecentListKeepsWhatItHolds() {
         const QString once = recentListWith({}, "/a b/ä&.qirnpaint", "2026-01-02T03:04:05Z");
         QVERIFY(once.contains("href=\"file:///a%20b/%C3%A4&amp;.qirnpaint\""));
-        QCOMPARE(recentListWith(once, "/a b/ä&.qirnpaint", "later"), once);
+        QVERIFY(once.contains("type=\"image/x-qirnpaint\"") && !once.contains("count=\"2\""));
+        QVERIFY(recentListWith({}, "/b.JPG", {}).contains("type=\"image/jpeg\""));
+        // Used again: others' words in the entry stay.
+        QString others = once;
+        others.replace("<bookmark:applications>\n",
+                       "<bookmark:applications>\n<bookmark:application name=\"X\"/>\n");
+        const QString again = recentListWith(others, "/a b/ä&.qirnpaint", "2027-05-06T07:08:09Z");
+        QVERIFY(again.contains(
+            "added=\"2026-01-02T03:04:05Z\" modified=\"2027-05-06T07:08:09Z\" visited=\"2027"));
+        QVERIFY(again.contains("name=\"X\"") &&
+                again.contains("modified=\"2027-05-06T07:08:09Z\" count=\"2\""));
+        QVERIFY(again.count("<bookmark ") == 1 && again.count("name=\"Qirn Paint\"") == 1);
         const QString twice = recentListWith(once, "/c.qirnpaint", "2026-01-02T03:04:05Z");
         QVERIFY(twice.startsWith(once.chopped(8)));
         QCOMPARE(recentListWith("something else", "/c", {}), "something else");

@@ -1,15 +1,22 @@
+#include "app/desktop/BackgroundQueue.h"
+#include "app/desktop/FilePanel.h"
+#include "app/desktop/FilePreview.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/QtDesktop.h"
+#include "compositing/CompositeInputs.h"
+#include "formats/native/PaintFile.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <sys/stat.h>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -34,16 +41,103 @@ private Q_SLOTS:
                 } else if (auto* panel = qobject_cast<QDialog*>(window)) {
                     if (++shown > 1) return panel->reject();
                     panel->findChild<QLineEdit*>()->setText(folder.filePath("a.b"));
-                    panel->accept();
+                    static_cast<QDialog*>(panel)->accept();
                 }
             });
             person.start(1);
             const FileType png{"PNG", {"png"}};
-            const auto path = QtDesktop().saveFile("x", {png}, "Export");
+            const auto place = QtDesktop().saveFile({"Export", "x", {png}});
             QCOMPARE(asked, 1);
-            QCOMPARE(path.has_value(), replaces);
-            if (replaces) QCOMPARE(*path, folder.filePath("a.b.png"));
+            QCOMPARE(place.has_value(), replaces);
+            if (replaces) QCOMPARE(place->path, folder.filePath("a.b.png"));
         }
+    }
+
+    void aNameOfAnotherKindOfPictureIsAskedAbout() {
+        QTemporaryDir folder;
+        const struct {
+            const char* typed;
+            SaveQuestion question;
+            int button;
+            QStringList buttons;
+            std::optional<SavePlace> place;
+        } cases[] = {
+            {"foo.png",
+             {"Save", "x", {FileTypes::native()}, "Words", true},
+             0,
+             {"Save as foo.qirnpaint", "Export…", "Cancel"},
+             SavePlace{folder.filePath("foo.qirnpaint")}},
+            {"foo.PSD",
+             {"Save", "x", {FileTypes::native()}, "Words", true},
+             1,
+             {"Save as foo.qirnpaint", "Export…", "Cancel"},
+             SavePlace{{}, true}},
+            {"pic.v1.jpg",
+             {"Export", "x", {FileTypes::exported(ExportFormat::png)}},
+             0,
+             {"Save as pic.v1.png", "Cancel"},
+             SavePlace{folder.filePath("pic.v1.png")}},
+            {"pic.qirnpaint",
+             {"Export", "x", {FileTypes::exported(ExportFormat::png)}},
+             1,
+             {"Save as pic.png", "Cancel"},
+             std::nullopt},
+            {"pic.txt",
+             {"Export", "x", {FileTypes::exported(ExportFormat::png)}},
+             0,
+             {},
+             SavePlace{folder.filePath("pic.txt.png")}},
+        };
+        for (const auto& [typed, question, button, buttons, place] : cases) {
+            QSet<QString> seen;
+            int shown = 0;
+            QTimer person;
+            connect(&person, &QTimer::timeout, this, [&, name = typed, press = buttons.value(button)] {
+                QWidget* const window = QApplication::activeModalWidget();
+                if (auto* box = qobject_cast<QMessageBox*>(window)) {
+                    for (QAbstractButton* each : box->buttons()) seen.insert(each->text());
+                    for (QAbstractButton* each : box->buttons())
+                        if (each->text() == press) return each->click();
+                } else if (auto* panel = qobject_cast<QFileDialog*>(window)) {
+                    if (++shown > 1) return panel->reject();
+                    panel->findChild<QLineEdit*>()->setText(folder.filePath(name));
+                    static_cast<QDialog*>(panel)->accept();
+                }
+            });
+            person.start(1);
+            const auto found = QtDesktop().saveFile(question);
+            QVERIFY2(seen == QSet<QString>(buttons.begin(), buttons.end()) &&
+                         found.has_value() == place.has_value(),
+                     typed);
+            if (place)
+                QVERIFY2(found->path == place->path && found->exportInstead == place->exportInstead, typed);
+        }
+    }
+
+    void aPanelShowsWhatAFileHoldsAndWaitsForNone() {
+        QTemporaryDir folder;
+        PaintDocument doc(300, 200, 72, PaintColor(0, 0, 1));
+        writeFile(folder.filePath("a.qirnpaint"), PaintFile::encode(doc));
+        writeFile(folder.filePath("b.png"), *ImageExport::pngData(flattenedImage(doc), 72));
+        writeFile(folder.filePath("c.qirnpaint"), bytesAt(folder.filePath("a.qirnpaint")).chopped(20));
+        const QByteArray pipe = QFile::encodeName(folder.filePath("pipe.png"));
+        QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
+        FilePanel panel("Open", "A message", folder.path(), {});
+        QVERIFY(panel.isOurs());
+        panel.showPreviews();
+        panel.show();
+        auto& preview = *panel.findChild<FilePreview*>();
+        for (const auto& [name, shows] :
+             {std::pair{"a.qirnpaint", true}, {"c.qirnpaint", false}, {"b.png", true}, {"pipe.png", false}}) {
+            preview.setFile(folder.filePath(name));
+            BackgroundQueue::previews().finish();
+            QCoreApplication::processEvents();
+            QVERIFY2(preview.image().isNull() != shows, name);
+            if (shows) QCOMPARE(preview.image().pixelColor(10, 10), QColor(Qt::blue));
+        }
+        auto labels = panel.findChildren<QLabel*>();
+        QVERIFY(std::any_of(labels.begin(), labels.end(),
+                            [](QLabel* label) { return label->text() == "A message"; }));
     }
 };
 

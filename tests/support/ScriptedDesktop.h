@@ -19,25 +19,28 @@ public:
         QStringList buttons;
     };
 
-    std::deque<QString> savePaths; ///< Answers to the save panel, in order.
+    std::deque<QString> savePaths; ///< Answers to the save panel, in order; an empty one would rather export.
     std::deque<QStringList> openPaths;
     std::deque<int> answers; ///< Buttons to press.
 
     std::vector<Question> asked;
     QStringList proposedNames;
     QStringList recentFiles;
+    QString usedFile; ///< The last.
     int beeps = 0;
     std::unique_ptr<QMimeData> content = std::make_unique<QMimeData>(); ///< On the clipboard.
 
-    std::optional<QString> saveFile(const QString& proposedName, const QList<FileType>& types,
-                                    const QString&) override {
-        proposedNames << proposedName;
+    std::optional<SavePlace> saveFile(const SaveQuestion& question) override {
+        proposedNames << question.proposedName;
         const auto path = take(savePaths);
-        return path ? std::optional(FileTypes::withExtension(*path, types.front())) : std::nullopt;
+        if (!path) return std::nullopt;
+        if (path->isEmpty()) return SavePlace{{}, true};
+        return SavePlace{FileTypes::withExtension(*path, question.types.front())};
     }
-    QStringList openFiles(const QList<FileType>&, Several) override {
+    QStringList openFiles(const QString&, const QList<FileType>&, Several) override {
         return take(openPaths).value_or(QStringList());
     }
+    void noteUsedFile(const QString& path) override { usedFile = path; }
     int ask(const QString& title, const QString& text, const QStringList& buttons,
             int cancelButton) override {
         asked.push_back({title, text, buttons});

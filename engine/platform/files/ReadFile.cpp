@@ -68,15 +68,21 @@ int openAtOnce(const QString& path) {
     return descriptor;
 }
 
-} // namespace
-
-QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& progress) {
-    const Descriptor file(openAtOnce(path));
+/// What the descriptor is of; throws for what is no file.
+struct stat factsOfFile(const Descriptor& file) {
     struct stat facts {};
     if (file.number < 0 || ::fstat(file.number, &facts) < 0) fail(errno);
     if (S_ISDIR(facts.st_mode)) refuse(QT_TRANSLATE_NOOP("ReadError", "This is a folder."));
     if (!S_ISREG(facts.st_mode))
         refuse(QT_TRANSLATE_NOOP("ReadError", "This is a device or a pipe, not a file."));
+    return facts;
+}
+
+} // namespace
+
+QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& progress) {
+    const Descriptor file(openAtOnce(path));
+    const struct stat facts = factsOfFile(file);
     const int64_t most = std::min(mostBytes, freeMemory());
     QByteArray bytes;
     qsizetype length = 0;
@@ -93,6 +99,24 @@ QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& prog
         length += count;
         progress.done(length, room);
         if (length == room) room += kGrowth;
+    }
+    bytes.truncate(length);
+    return bytes;
+}
+
+QByteArray readFilePart(const QString& path, int64_t offset, int64_t count) {
+    const Descriptor file(openAtOnce(path));
+    const struct stat facts = factsOfFile(file);
+    const int64_t there = std::clamp<int64_t>(facts.st_size - offset, 0, count);
+    QByteArray bytes(static_cast<qsizetype>(there), Qt::Uninitialized);
+    qsizetype length = 0;
+    while (length < bytes.size()) {
+        const ssize_t got =
+            ::pread(file.number, bytes.data() + length, checkedSize(bytes.size() - length), offset + length);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) fail(errno);
+        if (got == 0) break; // it has become shorter
+        length += got;
     }
     bytes.truncate(length);
     return bytes;

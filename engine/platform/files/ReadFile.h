@@ -28,4 +28,7 @@ private:
 QByteArray readFile(const QString& path, int64_t mostBytes = std::numeric_limits<int64_t>::max(),
                     const Progress& progress = {});
 
+/// `count` bytes from `offset` on, fewer where the file ends. Throws as above.
+QByteArray readFilePart(const QString& path, int64_t offset, int64_t count);
+
 } // namespace qirn
