@@ -141,7 +141,7 @@ class tst_InterfaceZoom : public QObject {
         const Metrics& m = QirnKitHost::metrics();
         w.view.setMinimumSize(1, 1);
         w.view.resize(m.px(960), m.px(640) + w.view.menuBar()->sizeHint().height());
-        QCoreApplication::processEvents();
+        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents(); // layouts in layouts ask again
         w.canvas().actualPixels(); // whatever the room
         QTRY_COMPARE(w.find<StatusText>("zoom").text(), "Zoom 100%");
     }
