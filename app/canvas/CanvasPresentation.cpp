@@ -213,21 +213,21 @@ void CanvasPresentation::drawParts(const std::vector<DirtyTile>& tiles, const st
     window_.put(parts, [&](std::size_t i, uint8_t* out, int64_t rowBytes) {
         const DirtyTile& part = parts[i];
         const IRect place = grid.rectOf(part.index), blocks = blocksOf(part.part, place, level);
-        out += (blocks.y >> level) * rowBytes;
+        uint8_t* const first = out + (blocks.y >> level) * rowBytes + (blocks.x >> level) * 4;
         if (partSources[i] == Source::board) {
             const IRect onCanvas{place.x + blocks.x, place.y + blocks.y, blocks.w, blocks.h};
-            drawBoard(board_, onCanvas, level, out + (blocks.x >> level) * 4, rowBytes);
+            drawBoard(board_, onCanvas, level, first, rowBytes);
         } else if (partSources[i] == Source::image) {
             const uint8_t* const image = images_[checkedSize(part.index)].get();
-            reduceTile(image + blocks.y * kTileRowBytes, blocks, level, out, rowBytes);
+            reduceTile(image + blocks.y * kTileRowBytes, blocks, level, first, rowBytes);
         } else if (level == 0) {
-            drawForScreen(part, layers, grid, board_, out, rowBytes);
+            drawForScreen(part, layers, grid, board_, out + blocks.y * rowBytes, rowBytes);
         } else {
             const auto draw = [&](const IRect& rows, uint8_t* pixels) {
                 const IRect onCanvas{place.x + rows.x, place.y + rows.y, rows.w, rows.h};
                 drawForScreen({part.index, onCanvas}, layers, grid, board_, pixels, kTileRowBytes);
             };
-            drawReduced(blocks, level, draw, images_[checkedSize(part.index)].get(), out, rowBytes);
+            drawReduced(blocks, level, draw, images_[checkedSize(part.index)].get(), first, rowBytes);
         }
     });
 }

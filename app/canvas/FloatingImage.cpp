@@ -1,13 +1,18 @@
 #include "app/canvas/FloatingImage.h"
 
+#include "app/canvas/ReducedTile.h"
 #include "app/model/PendingTransform.h"
 #include "core/PaintEngine.h"
 #include "operations/Floating.h"
+#include "platform/BlockPool.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
+#include <vector>
 
 #include <QPainter>
 
@@ -16,7 +21,6 @@ namespace qirn {
 namespace {
 
 constexpr int kMostLevel = 5;
-constexpr int64_t kBandRows = 256; // of lifted pixels, reduced at a time; whole blocks of every level
 
 /// The highest level at which a pixel of the image is not larger than a device pixel.
 int levelFor(const QTransform& toDevice) {
@@ -27,34 +31,46 @@ int levelFor(const QTransform& toDevice) {
     return level;
 }
 
-/// The mean of each block of 2^level x 2^level pixels; a block at the band's edge is filled up with transparent ones.
-void reduce(const RGBABuffer& band, int level, int64_t firstRow, QImage& image) {
+/// A rectangle, rounded outward to blocks of 2^level x 2^level pixels of the canvas.
+IRect toBlocks(const IRect& rect, int level) {
     const int64_t side = int64_t{1} << level;
-    const uint32_t half = 1u << (2 * level) >> 1;
-    concurrentPerform((band.height() + side - 1) >> level, [&, bits = image.bits()](int64_t row) {
-        uint8_t* out = bits + (firstRow + row) * image.bytesPerLine();
-        for (int64_t x = 0; x < band.width(); x += side, out += 4) {
-            uint32_t sums[4] = {half, half, half, half};
-            for (int64_t y = row * side; y < std::min((row + 1) * side, band.height()); ++y) {
-                const uint8_t* pixel = band.row(y) + x * 4;
-                for (int64_t i = 0; i < std::min(side, band.width() - x) * 4; ++i) sums[i & 3] += pixel[i];
-            }
-            for (int c = 0; c < 4; ++c) out[c] = static_cast<uint8_t>(sums[c] >> (2 * level));
-        }
-    });
+    const int64_t x = rect.x / side * side, y = rect.y / side * side;
+    return {x, y, (rect.maxX() + side - 1) / side * side - x, (rect.maxY() + side - 1) / side * side - y};
+}
+
+/// The tile's pixels within `origin`, transparent beyond it.
+BlockPool::Block cutOut(const Tile& tile, const IRect& place, const IRect& origin) {
+    BlockPool::Block pixels = BlockPool::take();
+    std::memset(pixels.get(), 0, kTileBytes);
+    const IRect part = place.intersection(origin);
+    const int64_t first = placeInTile(part.x, part.y);
+    copyPixels(pixels.get() + first, kTileRowBytes, tile.pixels() + first, kTileRowBytes, part.w, part.h);
+    return pixels;
 }
 
 } // namespace
 
 void FloatingImage::render(const Floating& floating, const IRect& part, int level) {
-    const int64_t side = int64_t{1} << level;
-    QImage image(static_cast<int>((part.w + side - 1) >> level),
-                 static_cast<int>((part.h + side - 1) >> level), PaintEngine::imageFormat);
+    const TileGrid& grid = floating.pixels->grid();
+    QImage image(static_cast<int>(part.w >> level), static_cast<int>(part.h >> level),
+                 PaintEngine::imageFormat);
     if (image.isNull()) throw std::bad_alloc();
-    for (int64_t y = 0; y < part.h; y += kBandRows) {
-        const IRect band{part.x, part.y + y, part.w, std::min(kBandRows, part.h - y)};
-        reduce(*floating.picture(band), level, y >> level, image);
-    }
+    image.fill(0);
+    const std::vector<int64_t> tiles = grid.tilesIn(part);
+    concurrentPerform(std::ssize(tiles), [&, bits = image.bits()](int64_t i) {
+        const int64_t index = tiles[checkedSize(i)];
+        const Tile* tile = floating.pixels->tile(index);
+        if (!tile) return;
+        const int64_t x = index % grid.cols * kTileSize, y = index / grid.cols * kTileSize;
+        const IRect place{x, y, kTileSize, kTileSize}, seen = place.intersection(part);
+        const bool isWhole = floating.origin.united(place) == floating.origin;
+        const BlockPool::Block cut = isWhole ? nullptr : cutOut(*tile, place, floating.origin);
+        const IRect blocks{seen.x - x, seen.y - y, seen.w, seen.h};
+        uint8_t* const out =
+            bits + ((seen.y - part.y) >> level) * image.bytesPerLine() + ((seen.x - part.x) >> level) * 4;
+        reduceTile((cut ? cut.get() : tile->pixels()) + blocks.y * kTileRowBytes, blocks, level, out,
+                   image.bytesPerLine());
+    });
     image_ = std::move(image);
     part_ = part;
     level_ = level;
@@ -75,7 +91,7 @@ void FloatingImage::paint(QPainter& painter, const Floating& floating, const QTr
     if (image_.isNull() || level != level_ || !(part_.united(needed) == part_)) {
         // With a margin, so that not every step of a drag renders again.
         const double x = seen.width() / 4, y = seen.height() / 4;
-        render(floating, partWithin(seen.adjusted(-x, -y, x, y)).united(needed), level);
+        render(floating, toBlocks(partWithin(seen.adjusted(-x, -y, x, y)).united(needed), level), level);
     }
     const double side = 1 << level_;
     painter.setTransform(toDevice, true);

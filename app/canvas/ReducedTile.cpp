@@ -37,7 +37,7 @@ IRect blocksOf(const IRect& part, const IRect& tile, int level) {
 void reduceTile(const uint8_t* pixels, const IRect& blocks, int level, uint8_t* out, int64_t rowBytes) {
     const int64_t left = blocks.x, right = blocks.maxX(), side = int64_t{1} << level;
     if (level == 0) {
-        return copyPixels(out + left * 4, rowBytes, pixels + left * 4, kTileRowBytes, blocks.w, blocks.h);
+        return copyPixels(out, rowBytes, pixels + left * 4, kTileRowBytes, blocks.w, blocks.h);
     }
     require(level <= kMostLevel);
     for (int64_t top = 0; top < blocks.h; top += side, out += rowBytes) {
@@ -55,7 +55,7 @@ void reduceTile(const uint8_t* pixels, const IRect& blocks, int level, uint8_t* 
                 for (std::size_t c = 0; c < 4; ++c) sum[c] += sums[x * 4 + i + static_cast<int64_t>(c)];
             }
             const auto count = static_cast<uint32_t>(rows * columns);
-            uint8_t* const mean = out + (x >> level) * 4;
+            uint8_t* const mean = out + ((x - left) >> level) * 4;
             for (std::size_t c = 0; c < 4; ++c) mean[c] = static_cast<uint8_t>((sum[c] + count / 2) / count);
         }
     }

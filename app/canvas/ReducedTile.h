@@ -20,8 +20,8 @@ void copyPixels(uint8_t* to, int64_t toRowBytes, const uint8_t* from, int64_t fr
 IRect blocksOf(const IRect& part, const IRect& tile, int level);
 
 /// Writes the mean of each block of 2^level x 2^level pixels in `blocks`, a result of blocksOf; at level 0 a copy. Levels go
-/// up to 6. `pixels` are opaque words 0xFFRRGGBB: of the tile's left edge in the first row of `blocks`, and on in rows of
-/// kTileRowBytes. `out` is the tile's left edge in the row that the first blocks go to; its rows lie `rowBytes` apart.
+/// up to 6. `pixels` is the tile's left edge in the first row of `blocks`; four bytes are a pixel, and rows lie kTileRowBytes
+/// apart. The first block goes to `out`, whose rows lie `rowBytes` apart.
 void reduceTile(const uint8_t* pixels, const IRect& blocks, int level, uint8_t* out, int64_t rowBytes);
 
 /// Has blocks of a tile drawn as reduceTile wants them, a few rows at a time, which it reduces while they are in the nearest

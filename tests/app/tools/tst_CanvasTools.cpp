@@ -400,13 +400,14 @@ private Q_SLOTS:
                          painter.drawImage(0, 0, whole->makeImage());
                      }));
         }
-        // From afar a pixel is the mean of what it covers, in the corner of as much as there is.
-        const QImage far = drawn(
-            [&](QPainter& painter) { shown.paint(painter, floating, QTransform::fromScale(0.25, 0.25)); });
+        // From afar a pixel is the mean of 4 x 4 of the canvas, at the edges with nothing beyond them: the box begins in the
+        // middle of such a block.
+        const QTransform afar(0.25, 0, 0, 0.25, 0.5, 0);
+        const QImage far = drawn([&](QPainter& painter) { shown.paint(painter, floating, afar); });
         for (const QPoint at : {QPoint(0, 0), QPoint(100, 60), QPoint(127, 107)}) {
             int sums[4] = {8, 8, 8, 8};
             for (int i = 0; i < 64; ++i)
-                sums[i % 4] += whole->pixel(at.x() * 4 + i / 4 % 4,
+                sums[i % 4] += whole->pixel(at.x() * 4 - 2 + i / 4 % 4,
                                             at.y() * 4 + i / 16)[static_cast<std::size_t>(i % 4)];
             for (int c = 0; c < 4; ++c)
                 QCOMPARE(int(far.constScanLine(at.y())[at.x() * 4 + c]), sums[c] / 16);
