@@ -126,7 +126,8 @@ void timeActions(StudioWindow& studio, Table& table, bool copies) {
     PaintModel& model = studio.model();
     const auto time = [&](const char* name, const std::function<void()>& action) {
         const auto& copy = model.current()->copy;
-        const bool isBusy = copy.valid() && copy.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+        const bool isBusy =
+            copy.valid() && copy.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
         if (copies && !isBusy) Recovery::write(*model.current(), Recovery::Synchronously::no);
         table.time(name, action);
     };
@@ -174,6 +175,7 @@ int measureWaits(int argc, char** argv) {
     model.setOptions(options);
     for (const bool copies : {false, true}) {
         for (const bool fit : {true, false}) {
+            if (copies && !fit) continue; // closing waits for a long copy
             model.pictures().newDocument(kLongWidth, kLongHeight, 72, PaintColor::white(),
                                          QStringLiteral("Long"));
             Table table(studio);

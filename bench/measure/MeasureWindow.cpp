@@ -1,28 +1,20 @@
 #include "Measurements.h"
+#include "Pen.h"
 #include "PenRecording.h"
+#include "StudioWindow.h"
 
 #include "../PaintedPicture.h"
 #include "../PlainPass.h"
-#include "app/canvas/CanvasView.h"
-#include "app/desktop/QtDesktop.h"
-#include "app/desktop/Store.h"
 #include "app/model/Brushes.h"
 #include "app/model/OpenPictures.h"
-#include "app/model/PaintModel.h"
 #include "brush/BrushLibrary.h"
-#include "kit/QirnKit.h"
-#include "shell/MainView.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <utility>
 #include <vector>
 
-#include <QApplication>
-#include <QPointingDevice>
-#include <QTabletEvent>
-#include <QTimer>
+#include <QEvent>
 
 namespace qirn::bench {
 
@@ -47,48 +39,6 @@ private:
     bool painted_ = false;
 };
 
-/// Lets the desktop place the window, and the window draw itself.
-void pass(double seconds) {
-    QEventLoop loop;
-    QTimer::singleShot(static_cast<int>(seconds * 1000), Qt::PreciseTimer, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-class Pen {
-public:
-    explicit Pen(CanvasView& canvas) : canvas_(canvas) {}
-
-    /// The event, and whatever the window then has left to do.
-    void send(QEvent::Type type, const StrokePoint& point) {
-        const double ratio = canvas_.devicePixelRatioF();
-        const QPointF view = canvas_.viewPoint({point.x, point.y});
-        const QPointF at = QPointF(view.x(), canvas_.height() * ratio - view.y()) / ratio;
-        const bool up = type == QEvent::TabletRelease;
-        QTabletEvent event(type, &device_, at, canvas_.mapToGlobal(at), up ? 0 : point.pressure, 0, 0, 0, 0,
-                           0, {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
-                           up ? Qt::NoButton : Qt::LeftButton);
-        QApplication::sendEvent(&canvas_, &event);
-        QApplication::processEvents();
-    }
-
-private:
-    CanvasView& canvas_;
-    const QPointingDevice device_{QStringLiteral("pen"),
-                                  1,
-                                  QInputDevice::DeviceType::Stylus,
-                                  QPointingDevice::PointerType::Pen,
-                                  QInputDevice::Capability::Pressure,
-                                  1,
-                                  1};
-};
-
-/// Seconds that this thread has worked; a desktop that keeps it waiting takes none.
-double workedSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
 void printTimes(const char* what, std::vector<double>& milliseconds) {
     std::sort(milliseconds.begin(), milliseconds.end());
     const auto share = [&](double part) {
@@ -100,49 +50,44 @@ void printTimes(const char* what, std::vector<double>& milliseconds) {
 } // namespace
 
 int measureWindow(int argc, char** argv, const QString& recording) {
-    const QApplication app(argc, argv);
+    StudioWindow studio(argc, argv);
     const auto recorded = readPenRecording(recording);
     if (!recorded) {
         std::printf("No pen recording in %s\n", qPrintable(recording));
         return 1;
     }
-    QirnKit::install(QStringLiteral("Qirn Paint"));
-    QtDesktop desktop;
-    Store store;
-    PaintModel model(PaintModel::LoadStores::no, desktop, store);
-    MainView studio(model);
-    model.pictures().newDocument(kWidth, kHeight, 72, PaintColor::white(), QStringLiteral("4K"));
-    studio.resize(kWidth, kHeight);
-    studio.show();
-    pass(1);
+    studio.model().pictures().newDocument(kWidth, kHeight, 72, PaintColor::white(), QStringLiteral("4K"));
+    studio.show({kWidth, kHeight});
     studio.canvas().actualPixels();
     pass(0.5);
-    std::printf("A hand of 200 Hz in a window of %d x %d at scale %.2f\n", studio.width(), studio.height(),
-                studio.devicePixelRatioF());
+    CanvasView& canvas = studio.canvas();
+    const QWidget& window = *canvas.window();
+    std::printf("A hand of 200 Hz in a window of %d x %d at scale %.2f\n", window.width(), window.height(),
+                window.devicePixelRatioF());
     auto strokes = toSixtyFourths(*recorded, 1.5, 400, 300);
     strokes.resize(std::min<std::size_t>(strokes.size(), 8));
-    Pen pen(studio.canvas());
+    Pen pen(canvas);
     Repaints repaints;
     for (const char* name : {"Studio Pen", "Ink Brush", "Charcoal", "Soft Round"}) {
-        model.brushes().choose(*BrushLibrary::named(QLatin1String(name)));
+        studio.model().brushes().choose(*BrushLibrary::named(QLatin1String(name)));
         std::vector<double> times, work;
         int painted = 0;
         for (const PenStroke& stroke : strokes) {
             pen.send(QEvent::TabletPress, stroke.front());
             for (const StrokePoint& point : stroke) {
                 const Stopwatch watch;
-                const double worked = workedSeconds();
+                const double worked = threadSeconds();
                 const int before = repaints.count;
                 pen.send(QEvent::TabletMove, point);
                 times.push_back(watch.seconds() * 1000);
-                work.push_back((workedSeconds() - worked) * 1000);
+                work.push_back((threadSeconds() - worked) * 1000);
                 painted += repaints.count - before;
                 if (watch.seconds() < kPointSeconds) pass(kPointSeconds - watch.seconds());
             }
             pen.send(QEvent::TabletRelease, stroke.back());
         }
-        std::printf("%-12s %4.0f px, %.2f repaints a point;", name, model.brushes().activeBrush().size,
-                    painted / static_cast<double>(times.size()));
+        std::printf("%-12s %4.0f px, %.2f repaints a point;", name,
+                    studio.model().brushes().activeBrush().size, painted / static_cast<double>(times.size()));
         printTimes("time", times);
         printTimes("main thread's work", work);
         std::printf("\n");

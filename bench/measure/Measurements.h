@@ -16,6 +16,10 @@ int showFirstPaint(int argc, char** argv, const QString& window);
 /// What a hand costs in the real window of 4K, on the display it is started on: milliseconds and repaints a pen point.
 int measureWindow(int argc, char** argv, const QString& recording);
 
+/// A hand in its own time on a 4K picture of five layers in the real window, with a safety copy each second and with none in
+/// turn: milliseconds from when a point was due to when the display has it.
+int measureCopies(int argc, char** argv, const QString& recording);
+
 /// How long each action on a picture of 12,000 x 9,000 takes in the real window until the display shows it, and the first
 /// look at a flat paper of 30,000 x 30,000.
 int measureWaits(int argc, char** argv);
