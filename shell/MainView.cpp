@@ -15,6 +15,7 @@
 #include "shell/HudBubble.h"
 #include "shell/StatusBar.h"
 #include "shell/ToolRail.h"
+#include "shell/WindowFrame.h"
 #include "shell/options/ToolOptionsBar.h"
 #include "shell/panels/ColorChooser.h"
 #include "shell/panels/LayersPanel.h"
@@ -73,8 +74,10 @@ protected:
 
 } // namespace
 
-MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(model, kToolTable)) {
-    setWindowTitle(tr("Qirn Paint"));
+MainView::MainView(PaintModel& model)
+    : model_(model),
+      canvas_(new CanvasView(model, kToolTable)),
+      frame_(new WindowFrame(model, *this)) {
     new PaintCommands(model, *canvas_, *menuBar());
 
     setCentralWidget(new ContentScroller(content()));
@@ -82,7 +85,7 @@ MainView::MainView(PaintModel& model) : model_(model), canvas_(new CanvasView(mo
     new TypingKeys(*this, *canvas_);
     canvas_->setFocus();
     QirnKit::followMetrics(this, [this](const Metrics&) { keepToScreen(); });
-    resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
+    if (!frame_->restore()) resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
 }
 
 QWidget* MainView::content() {
@@ -154,6 +157,7 @@ void MainView::closeEvent(QCloseEvent* event) {
     bool quit = false;
     if (model_.sheet()) model_.closeSheet();
     guarded(model_, [&] { quit = model_.pictures().shouldQuit(); });
+    if (quit) frame_->keep();
     event->setAccepted(quit);
 }
 

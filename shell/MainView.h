@@ -7,6 +7,7 @@ class CanvasView;
 class HudBubble;
 class PaintCommands;
 class PaintModel;
+class WindowFrame;
 
 /// The one main window: menus and header on top, then the options of the tool, the tools with the colors, the
 /// canvas and the panels, and the status bar. Everything in it reads and sets the model, which it borrows. On a
@@ -32,6 +33,7 @@ private:
 
     PaintModel& model_;
     CanvasView* canvas_;
+    WindowFrame* frame_;
     bool shown_ = false;
 };
 

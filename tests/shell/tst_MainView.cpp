@@ -44,7 +44,6 @@ private Q_SLOTS:
 
     void theWindowHasItsSizeAndEveryControlAName() {
         Window w;
-        QCOMPARE(w.view.windowTitle(), "Qirn Paint");
         QCOMPARE(w.view.menuBar()->actions().size(), 6);
         auto& scroller = static_cast<QScrollArea&>(*w.view.centralWidget());
         const QSize room =
@@ -71,9 +70,28 @@ private Q_SLOTS:
         }
     }
 
+    void theFrameNamesThePictureAndComesBack() {
+        Window w;
+        QVERIFY(w.view.windowTitle() == "Test[*] — Qirn Paint" && !w.view.isWindowModified());
+        w.paint();
+        QVERIFY(w.view.isWindowModified());
+        w.model.pictures().newDocument(9, 9, 72, std::nullopt, "a[*]b");
+        QVERIFY(w.view.windowTitle() == "a[*][*]b[*] — Qirn Paint" && !w.view.isWindowModified());
+        w.view.setGeometry(30, 40, 1100, 760);
+        w.desktop.answers = {2};
+        QVERIFY(w.view.close());
+        MainView again(w.model);
+        QCOMPARE(again.size(), QSize(1100, 760));
+        again.showMaximized();
+        QVERIFY(again.close());
+        QVERIFY(MainView(w.model).isMaximized());
+        w.store.setText("qirn.pt.windowPlace", "nonsense");
+        QVERIFY(MainView(w.model).width() > 400);
+    }
+
     void aTabStandsForEachPictureAndSelectsIt() {
         Window w;
-        w.click("headerNew");
+        w.model.pictures().newDocument(1920, 1080, 72, PaintColor::white(), {});
         QCOMPARE(status(w, "size"), "1920 × 1080 px · 72 DPI");
         QTRY_COMPARE(tabs(w).size(), 2);
         QCOMPARE(tabs(w)[0]->text(), "Test");

@@ -1,0 +1,42 @@
+#include "shell/WindowFrame.h"
+
+#include "app/desktop/Store.h"
+#include "app/files/DocSession.h"
+#include "app/model/PaintModel.h"
+
+#include <QWidget>
+
+namespace qirn {
+
+namespace {
+
+const QString kPlaceKey = QStringLiteral("qirn.pt.windowPlace");
+
+} // namespace
+
+WindowFrame::WindowFrame(PaintModel& model, QWidget& window)
+    : QObject(&window),
+      model_(model),
+      window_(window) {
+    connect(&model, &PaintModel::changed, this, &WindowFrame::refresh);
+    refresh();
+}
+
+void WindowFrame::refresh() {
+    const DocSession* session = model_.current();
+    QString name = session ? session->name : QString();
+    name.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")); // is no mark there
+    window_.setWindowTitle(session ? tr("%1[*] — Qirn Paint").arg(name) : tr("Qirn Paint"));
+    window_.setWindowModified(session && session->isDirty());
+}
+
+bool WindowFrame::restore() {
+    const auto place = model_.store().text(kPlaceKey);
+    return place && window_.restoreGeometry(QByteArray::fromBase64(place->toLatin1()));
+}
+
+void WindowFrame::keep() const {
+    model_.store().setText(kPlaceKey, QString::fromLatin1(window_.saveGeometry().toBase64()));
+}
+
+} // namespace qirn

@@ -1,0 +1,29 @@
+#pragma once
+#include <QObject>
+
+class QWidget;
+
+namespace qirn {
+
+class PaintModel;
+
+/// What the desktop sees of the main window: its title, which names the current picture and marks unsaved work, and its
+/// place, size and maximised state, which are kept for the next start.
+class WindowFrame : public QObject {
+    Q_OBJECT
+public:
+    /// Both are borrowed for its life; it belongs to the window.
+    WindowFrame(PaintModel& model, QWidget& window);
+
+    /// As it was the last time, on a screen that is there; false where nothing is known. Before the window shows.
+    bool restore();
+    void keep() const;
+
+private:
+    void refresh();
+
+    PaintModel& model_;
+    QWidget& window_;
+};
+
+} // namespace qirn
