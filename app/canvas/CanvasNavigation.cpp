@@ -63,6 +63,7 @@ void CanvasView::fitIfNeeded() {
         size.height() <= kLeastSide)
         return;
     fit();
+    if (session_->atMostFullSize && session_->view.zoom > 1) actualPixels();
     session_->needsFit = true; // until a hand changes the view
 }
 
@@ -98,6 +99,7 @@ void CanvasView::applyViewTransform() {
     updateOverlay();
     updateCursor(lastMouseView_);
     model_.status().setView({session_->view.zoom, session_->view.rotation, session_->view.flipView});
+    if (lastMouseView_) reportCursor(*lastMouseView_, 0); // another pixel lies under it
     update();
 }
 
@@ -106,6 +108,15 @@ void CanvasView::fit() {
     const TileGrid& grid = session_->doc().grid();
     transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
     applyView(transform_.fitted(kFitMargin * pixelRatio()));
+}
+
+void CanvasView::followCanvas() {
+    const bool wasFitted = session_->view == transform_.fitted(kFitMargin * pixelRatio());
+    const bool untouched = session_->needsFit;
+    presentation_.show(&session_->doc());
+    if (wasFitted) fit();
+    session_->needsFit = untouched;
+    applyViewTransform();
 }
 
 void CanvasView::actualPixels() {
@@ -147,16 +158,12 @@ void CanvasView::rotateView(double degrees) {
 void CanvasView::setRotation(double degrees) {
     if (!session_) return;
     noteMotion();
-    ViewState state = session_->view;
-    state.rotation = degrees;
-    applyView(state);
+    applyView(transform_.turnedTo(degrees, session_->view.flipView));
 }
 
 void CanvasView::toggleFlipView() {
     if (!session_) return;
-    ViewState state = session_->view;
-    state.flipView = !state.flipView;
-    applyView(state);
+    applyView(transform_.turnedTo(session_->view.rotation, !session_->view.flipView));
 }
 
 } // namespace qirn

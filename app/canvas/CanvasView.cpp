@@ -57,6 +57,11 @@ CanvasView::CanvasView(PaintModel& model, const ToolTable& tools, QWidget* paren
         overlay_.advanceAnts(antsTimer_.interval() / 1000.0);
         update(toWidget(overlay_.antsRegion()));
     }));
+    reportTimer_.setSingleShot(true);
+    reportTimer_.setInterval(static_cast<int>(kSecondsBetweenReports * 1000) + 1);
+    connect(&reportTimer_, &QTimer::timeout, this, guarding(model_, [this] {
+        if (lastMouseView_ && !phase_.isPainting()) reportCursor(*lastMouseView_, 0);
+    }));
     restTimer_.setSingleShot(true);
     restTimer_.setInterval(kRestAfter);
     connect(&restTimer_, &QTimer::timeout, this, [this] {
@@ -82,11 +87,7 @@ void CanvasView::showSession(DocSession& session) {
     endGesture();
     if (session_) session_->doc().onGridChange = nullptr;
     session_ = &session;
-    const auto rebuild = [this] {
-        presentation_.show(&session_->doc());
-        applyViewTransform();
-    };
-    session.doc().onGridChange = rebuild;
+    session.doc().onGridChange = [this] { followCanvas(); };
     lastStrokeEnd_.reset();
     presentation_.show(&session.doc());
     session.doc().takeDirtyTiles(); // all are new to the screen
@@ -227,7 +228,11 @@ void CanvasView::updateMouseCursor() {
 
 void CanvasView::reportCursor(QPointF viewPoint, double pressure) {
     const double time = now();
-    if (!session_ || time - lastReport_ < kSecondsBetweenReports) return;
+    if (!session_) return;
+    if (time - lastReport_ < kSecondsBetweenReports) {
+        if (!reportTimer_.isActive()) reportTimer_.start(); // where the pointer then is
+        return;
+    }
     lastReport_ = time;
     const QPointF p = canvasPoint(viewPoint);
     const TileGrid& grid = session_->doc().grid();

@@ -52,6 +52,7 @@ public:
     QPointF viewPoint(QPointF canvasPoint) const;
     void fit();
     void actualPixels();
+    QPointF viewMiddle() const { return transform_.viewMiddle(); }
     void setPan(QPointF pan); ///< From the view's middle to the picture's, in view points.
     void setZoom(double zoom, std::optional<QPointF> around = {});
     void zoomStep(bool in, std::optional<QPointF> around = {});
@@ -141,6 +142,7 @@ private:
     void applyViewTransform();
     void noteMotion();
     void fitIfNeeded();
+    void followCanvas(); ///< It has another size or shape: what was fitted is fitted again.
     /// Applies the view's size in device pixels when it has changed: by a resize, or by a screen of another scale. Of the
     /// latter Qt tells before or after the resize, but always before the next paint.
     void followSize();
@@ -168,7 +170,8 @@ private:
     bool flushScheduled_ = false;
     bool shownWhole_ = true; // there was memory for the latest paint
     QTimer antsTimer_;
-    QTimer restTimer_; // runs from one turn or zoom of the view until it has come to rest
+    QTimer reportTimer_; // single shot: the pointer has moved since it was last reported
+    QTimer restTimer_;   // runs from one turn or zoom of the view until it has come to rest
 
     CanvasPhase phase_;
     PenInput input_;

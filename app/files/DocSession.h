@@ -44,6 +44,7 @@ public:
     /// The view is fitted at each resize: the picture has not been shown yet, or only in a window that is still being laid
     /// out. The first change of the view, or press in it, ends that.
     bool needsFit = true;
+    bool atMostFullSize = false; ///< A small picture is first shown at 100% and not enlarged.
 
     bool isDirty() const { return document_->changeCount() != savedChange; }
     int64_t revision() const { return revision_; }

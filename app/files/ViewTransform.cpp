@@ -38,14 +38,24 @@ ViewTransform::ViewTransform(QSizeF viewSize, QSizeF canvasSize, const ViewState
     canvasToWidget_ = canvasToView_ * QTransform(1, 0, 0, -1, 0, viewSize.height());
 }
 
-ViewState ViewTransform::zoomedTo(double zoom, std::optional<QPointF> around) const {
-    const QPointF fixed = around.value_or(QPointF(viewSize_.width() / 2, viewSize_.height() / 2));
+ViewState ViewTransform::holding(QPointF viewPoint, ViewState next) const {
     // Without the snap: its rounding would add up over many small steps and let the point wander.
-    const QPointF under = unsnapped(viewSize_, canvasSize_, state_).inverted().map(fixed);
+    const QPointF under = unsnapped(viewSize_, canvasSize_, state_).inverted().map(viewPoint);
+    next.pan += viewPoint - unsnapped(viewSize_, canvasSize_, next).map(under);
+    return next;
+}
+
+ViewState ViewTransform::zoomedTo(double zoom, std::optional<QPointF> around) const {
     ViewState next = state_;
     next.zoom = std::clamp(zoom, kMinZoom, kMaxZoom);
-    next.pan += fixed - unsnapped(viewSize_, canvasSize_, next).map(under);
-    return next;
+    return holding(around.value_or(viewMiddle()), next);
+}
+
+ViewState ViewTransform::turnedTo(double rotation, bool flipView) const {
+    ViewState next = state_;
+    next.rotation = rotation;
+    next.flipView = flipView;
+    return next.pan.isNull() ? next : holding(viewMiddle(), next); // nothing is rounded round the middle
 }
 
 ViewState ViewTransform::fitted(double margin) const {

@@ -33,14 +33,20 @@ public:
     /// Between view and widget points, both ways.
     QPointF flippedVertically(QPointF point) const { return {point.x(), viewSize_.height() - point.y()}; }
     QSizeF viewSize() const { return viewSize_; }
+    QPointF viewMiddle() const { return {viewSize_.width() / 2, viewSize_.height() / 2}; }
 
     /// The state after zooming to `zoom` (clamped). The canvas point under `around` stays where it is; by default that
     /// of the view's center.
     ViewState zoomedTo(double zoom, std::optional<QPointF> around) const;
+    /// The state turned to `rotation` and mirrored or not. The canvas point under the view's middle stays there.
+    ViewState turnedTo(double rotation, bool flipView) const;
     /// The whole picture in the view, upright, with `margin` view points free in both directions together.
     ViewState fitted(double margin) const;
 
 private:
+    /// Moved so that the canvas point under a view point stays there.
+    ViewState holding(QPointF viewPoint, ViewState next) const;
+
     QSizeF viewSize_{1, 1};
     QSizeF canvasSize_{1, 1};
     ViewState state_;

@@ -185,6 +185,7 @@ std::optional<QString> OpenPictures::whyNotOpened(const QString& path) {
         native || info.suffix().isEmpty() ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
     const auto session = std::make_shared<DocSession>(
         std::move(picture.document), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
+    session->atMostFullSize = true;
     session->remark = wordsOf(picture.remarks);
     add(session);
     if (!session->remark.isEmpty()) model_.messages().flash(session->remark);

@@ -61,6 +61,13 @@ private Q_SLOTS:
         const QPointF off = shown().viewPoint(under) - pointer;
         QVERIFY(std::hypot(off.x(), off.y()) < 1.5);
         QCOMPARE(shown().zoomedTo(1000, pointer).zoom, kMaxZoom);
+        // A turn or a mirror keeps what lies under the middle.
+        const QPointF middle = shown().canvasPoint({450.5, 350.5});
+        for (int i = 0; i < 400; ++i) state = shown().turnedTo(state.rotation + 1.7, i % 3 == 0);
+        const QPointF wandered = shown().viewPoint(middle) - QPointF(450.5, 350.5);
+        QVERIFY(std::hypot(wandered.x(), wandered.y()) < 1.5 && state.rotation > 600);
+        QCOMPARE(ViewTransform({901, 701}, {500, 400}, {2, {}, 37, false}).turnedTo(90, true),
+                 (ViewState{2, {}, 90, true}));
         QCOMPARE(shown().zoomedTo(0, pointer).zoom, kMinZoom);
         const ViewTransform view({860, 660}, {1600, 600}, {3, {50, 50}, 20, true});
         QCOMPARE(view.fitted(60), (ViewState{0.5, {0, 0}, 0, true}));

@@ -375,6 +375,44 @@ private Q_SLOTS:
         }
     }
 
+    void aFittedViewStaysFittedAndASmallFileIsNotEnlarged() {
+        Studio studio;
+        const QString path = studio.path("small.png");
+        QImage image(40, 30, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        QVERIFY(image.save(path));
+        studio.model.pictures().open(path);
+        QCOMPARE(studio.session().view.zoom, 1.0);
+        studio.canvas.fit();
+        QCOMPARE(studio.session().view.zoom, 18.0); // 540 high
+        CanvasEdits::rotateCanvas(studio.model, 1);
+        QCOMPARE(studio.session().view.zoom, 13.5);
+        studio.model.undo();
+        QCOMPARE(studio.session().view.zoom, 18.0);
+        studio.canvas.setZoom(5);
+        CanvasEdits::resizeCanvas(studio.model, 400, 300, 0, 0);
+        QCOMPARE(studio.session().view.zoom, 5.0);
+    }
+
+    void shiftAndSpaceTurnTheView() {
+        Studio studio;
+        studio.canvas.setPan({30, -20});
+        const QPointF middle = studio.canvas.canvasPoint({400, 300});
+        QTest::keyPress(&studio.canvas, Qt::Key_Space, Qt::ShiftModifier);
+        sendMouse(studio.canvas, QEvent::MouseButtonPress, {700, 300}, Qt::ShiftModifier);
+        sendMouse(studio.canvas, QEvent::MouseMove, {400, 500}, Qt::ShiftModifier); // a quarter clockwise
+        sendMouse(studio.canvas, QEvent::MouseButtonRelease, {400, 500}, Qt::ShiftModifier);
+        QCOMPARE(std::round(studio.session().view.rotation), 90.0);
+        const QPointF off = studio.canvas.canvasPoint({400, 300}) - middle;
+        QVERIFY(std::hypot(off.x(), off.y()) < 1);
+        // The read-out follows under a pointer at rest.
+        QTRY_COMPARE(studio.model.status().cursor().x,
+                     static_cast<int64_t>(std::floor(studio.canvas.canvasPoint({400, 100}).x())));
+        studio.canvas.setRotation(0);
+        QTRY_COMPARE(studio.model.status().cursor().y,
+                     static_cast<int64_t>(std::floor(studio.canvas.canvasPoint({400, 100}).y())));
+    }
+
     void rectanglesAreSelected() {
         using Keys = Qt::KeyboardModifiers;
         const struct {
