@@ -23,7 +23,8 @@ double secondsOf(clockid_t clock) {
 } // namespace
 
 StudioWindow::StudioWindow(int argc, char** argv)
-    : app_((AppFolders::setBaseOverride(home_.path()), argc), argv),
+    : argc_((AppFolders::setBaseOverride(home_.path()), argc)),
+      app_(argc_, argv),
       model_((QirnKit::install(QStringLiteral("Qirn Paint")), PaintModel::LoadStores::no), desktop_, store_),
       window_(model_) {}
 

@@ -24,6 +24,7 @@ public:
 
 private:
     QTemporaryDir home_;
+    int argc_; // the application holds a reference to it
     QApplication app_;
     QtDesktop desktop_;
     Store store_;
