@@ -1,6 +1,7 @@
 #include "app/desktop/FilePanel.h"
 
 #include "app/desktop/FilePreview.h"
+#include "kit/QirnKit.h"
 #include "kit/icons/Icons.h"
 
 #include <QAbstractFileIconProvider>
@@ -43,6 +44,8 @@ FilePanel::FilePanel(const QString& title, const QString& message, const QString
     setIconProvider(nameIcons());
     if (!isOurs()) return;
     setOption(DontConfirmOverwrite);
+    const Metrics& m = QirnKitHost::metrics();
+    resize(m.px(820), m.px(520));
     auto* grid = qobject_cast<QGridLayout*>(layout());
     if (!grid || message.isEmpty()) return;
     auto* label = new QLabel(message, this);

@@ -32,6 +32,7 @@ QImage previewIn(const QString& path) {
 } // namespace
 
 FilePreview::FilePreview(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     setAccessibleName(tr("Preview"));
 }
 

@@ -1,6 +1,9 @@
 #include "app/desktop/HostWords.h"
 
+#include <QLocale>
+#include <QRegularExpression>
 #include <QStringList>
+#include <QTime>
 
 namespace qirn {
 
@@ -57,5 +60,11 @@ QString hostWords(const QString& text) {
     return result;
 }
 #endif
+
+QString shortTime(const QTime& time) {
+    static const QRegularExpression seconds(QStringLiteral("[^a-zA-Z]?s+"));
+    const QLocale locale;
+    return locale.toString(time, locale.timeFormat(QLocale::ShortFormat).remove(seconds));
+}
 
 } // namespace qirn

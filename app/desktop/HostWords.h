@@ -1,11 +1,16 @@
 #pragma once
 #include <QString>
 
+class QTime;
+
 namespace qirn {
 
 /// A text with the keys and the system named as the tables have them ("New canvas (⌘N)", "macOS"), in the words of
 /// the machine it runs on ("New canvas (Ctrl+N)", "this system"). For the program's own texts, before names of pictures
 /// and layers are put into them, which stay as they are.
 QString hostWords(const QString& text);
+
+/// A time of day as the desktop writes it, to the minute.
+QString shortTime(const QTime& time);
 
 } // namespace qirn

@@ -1,6 +1,7 @@
 #include "app/model/Safety.h"
 
 #include "app/desktop/BackgroundQueue.h"
+#include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
@@ -9,8 +10,6 @@
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PendingTransform.h"
-
-#include <QLocale>
 
 namespace qirn {
 
@@ -41,7 +40,7 @@ void Safety::autosaveTick() {
         const bool floating = model_.transform().isPending() && session.get() == model_.current();
         if (recent || floating || model_.canvas().isBusy()) continue;
         Recovery::write(*session, Recovery::Synchronously::no);
-        lastAutosaveText_ = tr("Autosaved %1").arg(QLocale().toString(now.time(), QLocale::ShortFormat));
+        lastAutosaveText_ = tr("Autosaved %1").arg(shortTime(now.time()));
         model_.announce();
     }
 }

@@ -2,6 +2,7 @@
 
 #include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Failures.h"
+#include "app/desktop/HostWords.h"
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
 #include "kit/style/ChromePaint.h"
@@ -21,6 +22,10 @@ namespace {
 QSize previewSize() {
     const Metrics& m = QirnKitHost::metrics();
     return {m.px(120), m.px(80)};
+}
+
+QString whenOf(const QDateTime& date) {
+    return QLocale().toString(date.date(), QLocale::ShortFormat) + u' ' + shortTime(date.time());
 }
 
 QLabel* dimLabel(const QString& text, QWidget* parent) {
@@ -48,7 +53,7 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
     auto* words = new QVBoxLayout;
     words->addStretch();
     words->addWidget(name);
-    words->addWidget(dimLabel(QLocale().toString(info.date.toLocalTime(), QLocale::ShortFormat), this));
+    words->addWidget(dimLabel(whenOf(info.date.toLocalTime()), this));
     words->addWidget(
         dimLabel(tr("%1 × %2 px · %3 layer(s)").arg(info.width).arg(info.height).arg(info.layers), this));
     words->addStretch();

@@ -106,6 +106,11 @@ private Q_SLOTS:
         QCOMPARE(hostWords("Tip: hold ⌥ Option with the brush to pick a color"),
                  "Tip: hold Ctrl with the brush to pick a color");
 #endif
+        QLocale::setDefault(QLocale::C);
+        QCOMPARE(shortTime({9, 5, 7}), "09:05");
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QVERIFY(QRegularExpression("^9:05\\s[AP]M$").match(shortTime({9, 5, 7})).hasMatch());
+        QLocale::setDefault(QLocale::C);
     }
 };
 
