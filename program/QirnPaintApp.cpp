@@ -5,6 +5,7 @@
 #include "app/desktop/Store.h"
 #include "app/desktop/SuddenEnd.h"
 #include "app/files/DocSession.h"
+#include "app/files/LongTask.h"
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
@@ -59,8 +60,9 @@ public:
         app.installEventFilter(this);
         // A session that ends asks as quitting does.
         connect(&app, &QGuiApplication::commitDataRequest, this, [](QSessionManager& session) {
-            if (!session.allowsInteraction()) {
-                if (PaintModel::shared) PaintModel::shared->safety().keepWork();
+            PaintModel* const model = PaintModel::shared;
+            if (!session.allowsInteraction() || (model && model->longTask().isRunning())) {
+                if (model) model->safety().keepWork();
             } else if (!shouldTerminate()) {
                 session.cancel();
             }
@@ -74,13 +76,8 @@ public:
 
     /// Opens files once the events before them are done, so that a launch by double-click finds the model.
     void open(const QStringList& paths) {
-        QMetaObject::invokeMethod(
-            this,
-            [paths] {
-                if (PaintModel* const model = PaintModel::shared)
-                    guarded(*model, [&] { model->pictures().open(paths); });
-            },
-            Qt::QueuedConnection);
+        PaintModel* const model = PaintModel::shared;
+        if (model) soon(*model, [model, paths] { model->pictures().open(paths); });
     }
 
     static bool shouldTerminate() {

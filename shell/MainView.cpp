@@ -3,6 +3,7 @@
 #include "app/canvas/CanvasView.h"
 #include "app/commands/PaintCommands.h"
 #include "app/desktop/Typing.h"
+#include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
@@ -20,6 +21,7 @@
 #include "shell/panels/ColorChooser.h"
 #include "shell/panels/LayersPanel.h"
 #include "shell/sheets/SheetHost.h"
+#include "shell/sheets/WorkCover.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -82,6 +84,7 @@ MainView::MainView(PaintModel& model)
 
     setCentralWidget(new ContentScroller(content()));
     new SheetHost(model, centralWidget());
+    model.longTask().setCover(new WorkCover(this));
     new TypingKeys(*this, *canvas_);
     canvas_->setFocus();
     QirnKit::followMetrics(this, [this](const Metrics&) { keepToScreen(); });
@@ -138,7 +141,9 @@ void MainView::showEvent(QShowEvent* event) {
     if (shown_) return;
     shown_ = true;
     connect(windowHandle(), &QWindow::screenChanged, this, &MainView::keepToScreen);
-    QMetaObject::invokeMethod(this, guarding(model_, [this] { offerRecovery(); }), Qt::QueuedConnection);
+    soon(model_, [view = QPointer(this)] {
+        if (view) view->offerRecovery();
+    });
 }
 
 void MainView::keepToScreen() {
@@ -151,6 +156,10 @@ void MainView::keepToScreen() {
 
 void MainView::offerRecovery() {
     if (!Recovery::pending(model_.pictures().ids()).empty()) model_.showSheet({PaintSheet::Kind::recovery});
+}
+
+MainView::~MainView() {
+    model_.longTask().setCover(nullptr);
 }
 
 void MainView::closeEvent(QCloseEvent* event) {

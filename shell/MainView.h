@@ -16,6 +16,7 @@ class MainView : public QMainWindow {
     Q_OBJECT
 public:
     explicit MainView(PaintModel& model);
+    ~MainView() override;
 
     CanvasView& canvas() { return *canvas_; }
 

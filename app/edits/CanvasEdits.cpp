@@ -68,7 +68,9 @@ void cropToSelection(PaintModel& model) {
     if (!session) return;
     model.finishGesture();
     if (!session->doc().selection) return model.messages().flash(tr("Make a selection first"));
-    model.edit(tr("Crop"), [](PaintDocument& doc) { cropTo(doc, doc.selection->bounds()); });
+    model.editLong(tr("Crop"), [](PaintDocument& doc, const Progress& progress) {
+        cropTo(doc, doc.selection->bounds(), progress);
+    });
 }
 
 void resizeImage(PaintModel& model, int64_t width, int64_t height, double dpi) {
@@ -99,16 +101,20 @@ void rotateCanvas(PaintModel& model, int quarterTurns) {
     const QString name = quarterTurns == 1   ? tr("Rotate 90° Clockwise")
                          : quarterTurns == 2 ? tr("Rotate 180°")
                                              : tr("Rotate 90° Counter-clockwise");
-    model.edit(name, [=](PaintDocument& doc) { rotate(doc, quarterTurns); });
+    model.editLong(
+        name, [=](PaintDocument& doc, const Progress& progress) { rotate(doc, quarterTurns, progress); });
 }
 
 void flipCanvasHorizontal(PaintModel& model) {
-    model.edit(tr("Flip Canvas Horizontal"),
-               [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::horizontal); });
+    model.editLong(tr("Flip Canvas Horizontal"), [](PaintDocument& doc, const Progress& progress) {
+        flipCanvas(doc, FlipAxis::horizontal, progress);
+    });
 }
 
 void flipCanvasVertical(PaintModel& model) {
-    model.edit(tr("Flip Canvas Vertical"), [](PaintDocument& doc) { flipCanvas(doc, FlipAxis::vertical); });
+    model.editLong(tr("Flip Canvas Vertical"), [](PaintDocument& doc, const Progress& progress) {
+        flipCanvas(doc, FlipAxis::vertical, progress);
+    });
 }
 
 void placeText(PaintModel& model, const TextSpec& spec, QPointF topLeft) {

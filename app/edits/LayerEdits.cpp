@@ -66,7 +66,9 @@ void mergeDown(PaintModel& model) {
     if (!session) return;
     if (session->doc().activeIndex() == 0)
         return model.messages().flash(tr("There is no layer below to merge into"));
-    model.edit(tr("Merge Down"), [](PaintDocument& doc) { qirn::mergeDown(doc, doc.activeIndex()); });
+    model.editLong(tr("Merge Down"), [](PaintDocument& doc, const Progress& progress) {
+        qirn::mergeDown(doc, doc.activeIndex(), progress);
+    });
 }
 
 void mergeVisible(PaintModel& model) {
@@ -75,11 +77,13 @@ void mergeVisible(PaintModel& model) {
     const auto& layers = session->doc().layers();
     const auto visible = [](const LayerRef& layer) { return layer->isVisible; };
     if (std::count_if(layers.begin(), layers.end(), visible) < 2) return;
-    model.edit(tr("Merge Visible"), [](PaintDocument& doc) { qirn::mergeVisible(doc); });
+    model.editLong(tr("Merge Visible"),
+                   [](PaintDocument& doc, const Progress& progress) { qirn::mergeVisible(doc, progress); });
 }
 
 void flatten(PaintModel& model) {
-    model.edit(tr("Flatten Image"), [](PaintDocument& doc) { flattenImage(doc); });
+    model.editLong(tr("Flatten Image"),
+                   [](PaintDocument& doc, const Progress& progress) { flattenImage(doc, progress); });
 }
 
 void clearLayer(PaintModel& model) {

@@ -4,6 +4,7 @@
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Typing.h"
 #include "app/files/DocSession.h"
+#include "app/files/LongTask.h"
 #include "app/files/PictureExchange.h"
 #include "app/model/CanvasPort.h"
 #include "app/model/Guarded.h"
@@ -24,6 +25,8 @@
 namespace qirn {
 
 namespace {
+
+constexpr double kFileRead = 0.1; // of the work of an import, about
 
 bool hasAlpha(const RGBABuffer& buffer) {
     const std::span<const uint8_t> bytes = buffer.bytes();
@@ -116,7 +119,11 @@ void Clipboard::importImageAsLayer() {
 void Clipboard::importImage(const QString& path) {
     std::optional<DecodedPicture> picture;
     try {
-        picture = ImageImport::decode(bytesOf(readFile(path)));
+        const auto read = [&](const Progress& progress) {
+            const QByteArray bytes = readFile(path, kAnyLength, progress.part(0, kFileRead));
+            picture = ImageImport::decode(bytesOf(bytes), progress.part(kFileRead, 1));
+        };
+        if (!model_.longTask().run(tr("Importing %1…").arg(QFileInfo(path).fileName()), read)) return;
     } catch (const DescribedError&) {
         // Falls through to the message below.
     }
@@ -134,7 +141,7 @@ bool Clipboard::drop(const QMimeData& offer) {
             else
                 importImage(path);
         };
-        QMetaObject::invokeMethod(&model_, guarding(model_, take), Qt::QueuedConnection);
+        soon(model_, take);
         return true;
     }
     const PictureExchange::Taken taken = PictureExchange::picture(offer);

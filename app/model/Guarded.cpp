@@ -1,5 +1,6 @@
 #include "app/model/Guarded.h"
 
+#include "app/files/LongTask.h"
 #include "app/model/PaintModel.h"
 #include "platform/BlockPool.h"
 
@@ -45,6 +46,12 @@ void takeBackAfterFailure(PaintModel& model) noexcept {
         model.takeBack(why);
     });
     refillReserve();
+}
+
+void soon(PaintModel& model, std::function<void()> body) {
+    QMetaObject::invokeMethod(
+        &model, [&model, slot = guarding(model, std::move(body))] { model.longTask().afterwards(slot); },
+        Qt::QueuedConnection);
 }
 
 } // namespace qirn

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/desktop/Failures.h"
 
+#include <functional>
 #include <type_traits>
 #include <utility>
 
@@ -40,5 +41,8 @@ template <class Body> auto guarding(PaintModel& model, Body body) {
         guarded(model, [&] { callWithWhatItTakes(body, std::forward<decltype(arguments)>(arguments)...); });
     };
 }
+
+/// Runs `body` so on the next turn of the main loop, and not while long work runs.
+void soon(PaintModel& model, std::function<void()> body);
 
 } // namespace qirn

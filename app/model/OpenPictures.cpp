@@ -5,6 +5,7 @@
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
+#include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
 #include "app/model/CanvasPort.h"
 #include "app/model/Messages.h"
@@ -28,6 +29,7 @@ namespace qirn {
 namespace {
 
 constexpr int64_t kMostCanvasPixels = 900'000'000;
+constexpr double kFileRead = 0.1, kEncoded = 0.8; // of the work of opening and of saving, about
 const QString kRecentFilesKey = QStringLiteral("qirn.pt.recentFiles");
 constexpr qsizetype kRecentFiles = 10;
 constexpr qsizetype kReasonsShown = 10; // in one message
@@ -53,8 +55,13 @@ QStringList storedRecentFiles(const Store& store) {
 }
 
 /// Throws ReadError, or the format layer's typed error.
-ImageImport::Imported readPicture(const QString& path) {
-    return ImageImport::imported(bytesOf(readFile(path)));
+ImageImport::Imported readPicture(const QString& path, const Progress& progress) {
+    const QByteArray bytes = readFile(path, kAnyLength, progress.part(0, kFileRead));
+    return ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1));
+}
+
+void write(const QString& path, const QByteArray& bytes, const Progress& progress) {
+    writeAtomically(path, bytesOf(bytes), FileCalls::ofSystem(), progress);
 }
 
 } // namespace
@@ -151,11 +158,15 @@ void OpenPictures::open(const QString& path) {
 
 void OpenPictures::open(const QStringList& paths) {
     QStringList names, reasons;
-    for (const QString& path : paths) {
-        if (const auto reason = whyNotOpened(path)) {
-            names << QFileInfo(path).fileName();
-            reasons << *reason;
+    try {
+        for (const QString& path : paths) {
+            if (const auto reason = whyNotOpened(path)) {
+                names << QFileInfo(path).fileName();
+                reasons << *reason;
+            }
         }
+    } catch (const Cancelled&) {
+        // The rest are not wanted either.
     }
     if (names.isEmpty()) return;
     if (names.size() == 1)
@@ -175,7 +186,8 @@ std::optional<QString> OpenPictures::whyNotOpened(const QString& path) {
     const QFileInfo info(path);
     ImageImport::Imported picture;
     try {
-        picture = readPicture(path);
+        const auto read = [&](const Progress& progress) { picture = readPicture(path, progress); };
+        if (!model_.longTask().run(tr("Opening %1…").arg(info.fileName()), read)) throw Cancelled();
     } catch (const std::exception& error) {
         return failureText(error);
     }
@@ -218,7 +230,12 @@ bool OpenPictures::save(DocSession* session, SaveAs as) {
         }
     }
     try {
-        writeAtomically(path, bytesOf(PaintFile::encode(session->doc())));
+        const auto save = [&, picture = snapshot(session->doc())](const Progress& progress) {
+            const QByteArray bytes =
+                PaintFile::encode(picture, PaintFile::kPreviewSide, {}, progress.part(0, kEncoded));
+            write(path, bytes, progress.part(kEncoded, 1));
+        };
+        if (!model_.longTask().run(tr("Saving %1…").arg(QFileInfo(path).fileName()), save)) return false;
     } catch (const std::exception& error) {
         model_.messages().alert(tr("Couldn't save"),
                                 failureText(error) + tr("\n\nYour work is still open and autosaved."));
@@ -246,8 +263,13 @@ void OpenPictures::exportPicture(ExportFormat format, double jpegQuality, const 
         {tr("Export"), FileTypes::fileName(session->name, type.extensions.front()), {type}});
     if (!place) return;
     try {
-        writeAtomically(place->path,
-                        bytesOf(ImageExport::data(session->doc(), format, jpegQuality, jpegBackground)));
+        const std::shared_ptr<PaintDocument> picture = session->doc().draft();
+        const auto save = [&](const Progress& progress) {
+            const QByteArray bytes =
+                ImageExport::data(*picture, format, jpegQuality, jpegBackground, progress.part(0, kEncoded));
+            write(place->path, bytes, progress.part(kEncoded, 1));
+        };
+        if (!model_.longTask().run(tr("Exporting %1…").arg(QFileInfo(place->path).fileName()), save)) return;
     } catch (const std::exception& error) {
         return model_.messages().alert(tr("Couldn't export"), failureText(error));
     }

@@ -52,6 +52,7 @@ public:
 
 private:
     /// Why it could not be opened, in words; nothing when it was.
+    /// Throws Cancelled.
     std::optional<QString> whyNotOpened(const QString& path);
     DocSession* sessionOf(const QString& path) const; ///< The one whose file that is; null for none.
     void noteRecentFile(const QString& path);

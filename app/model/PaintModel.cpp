@@ -4,6 +4,7 @@
 #include "app/desktop/Failures.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
+#include "app/files/LongTask.h"
 #include "app/model/Brushes.h"
 #include "app/model/CanvasStatus.h"
 #include "app/model/Clipboard.h"
@@ -31,6 +32,7 @@ PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Store& store)
     : desktop_(desktop),
       store_(store),
       prefs_(PaintPrefs::load(store)),
+      longTask_(std::make_unique<LongTask>()),
       status_(std::make_unique<CanvasStatus>()),
       messages_(std::make_unique<Messages>(*this)),
       colors_(std::make_unique<Colors>(*this)),
@@ -110,6 +112,20 @@ void PaintModel::edit(const QString& name, const std::function<void(PaintDocumen
     }
     finishGesture();
     body(doc);
+    doc.commit(name);
+    afterChange(*session);
+}
+
+void PaintModel::editLong(const QString& name,
+                          const std::function<void(PaintDocument&, const Progress&)>& body) {
+    DocSession* session = current();
+    if (!session) return;
+    finishGesture();
+    PaintDocument& doc = session->doc();
+    const std::unique_ptr<PaintDocument> draft = doc.draft();
+    if (!longTask_->run(tr("%1…").arg(name), [&](const Progress& progress) { body(*draft, progress); }))
+        return;
+    doc.take(std::move(*draft));
     doc.commit(name);
     afterChange(*session);
 }

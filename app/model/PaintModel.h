@@ -21,12 +21,14 @@ class Clipboard;
 class Colors;
 class Desktop;
 class DocSession;
+class LongTask;
 class Messages;
 class OpacityPreview;
 class OpenPictures;
 class PaintDocument;
 class Palettes;
 class PendingTransform;
+class Progress;
 class Safety;
 class Store;
 
@@ -72,6 +74,9 @@ public:
     enum class NeedsUnlockedLayer { no, yes };
     void edit(const QString& name, const std::function<void(PaintDocument&)>& body,
               NeedsUnlockedLayer needs = NeedsUnlockedLayer::no);
+    /// The same for an edit that may take long: `body` works on a draft, off the main thread, and the picture becomes the
+    /// draft in one go. A cancel leaves the last commit.
+    void editLong(const QString& name, const std::function<void(PaintDocument&, const Progress&)>& body);
     /// Ends and commits whatever is uncommitted: the gesture in progress, a previewed opacity, floating pixels. Every
     /// command calls it first.
     void finishGesture();
@@ -87,6 +92,7 @@ public:
     Desktop& desktop() const { return desktop_; }
     Store& store() const { return store_; }
     CanvasPort& canvas() const { return *canvas_; }
+    LongTask& longTask() const { return *longTask_; }
     void setCanvas(CanvasPort* canvas); ///< Borrowed until another one is set; null for none.
 
     void announce() { Q_EMIT changed(); }
@@ -108,6 +114,7 @@ private:
     PaintPrefs prefs_;
     std::optional<PaintSheet> sheet_;
     QTimer stateTimer_; // single shot, 0 ms: saves once for what changes together
+    std::unique_ptr<LongTask> longTask_;
     std::unique_ptr<CanvasStatus> status_;
     std::unique_ptr<Messages> messages_;
     std::unique_ptr<Colors> colors_;

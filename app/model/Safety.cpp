@@ -4,6 +4,7 @@
 #include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
+#include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
 #include "app/model/CanvasPort.h"
 #include "app/model/Guarded.h"
@@ -29,7 +30,7 @@ void Safety::startAutosave() {
 
 void Safety::autosaveTick() {
     const double interval = model_.prefs().autosaveSeconds;
-    if (interval <= 0) return;
+    if (interval <= 0 || model_.longTask().isRunning()) return;
     const QDateTime now = QDateTime::currentDateTime();
     for (const SessionRef& session : model_.pictures().sessions()) {
         const int64_t changes = session->doc().changeCount();

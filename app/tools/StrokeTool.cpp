@@ -1,5 +1,6 @@
 // Brush, Eraser, Smudge and Blur: one stroke of the tool's brush, from press to release.
 #include "app/canvas/CanvasView.h"
+#include "app/files/LongTask.h"
 #include "app/model/Brushes.h"
 #include "app/model/CanvasStatus.h"
 #include "app/model/Colors.h"
@@ -125,6 +126,7 @@ void StrokeTool::beginWaitingLine() {
 }
 
 void StrokeTool::holdTick() {
+    if (press_.model.longTask().isRunning()) return;
     beginWaitingLine();
     if (!stroke_) return;
     const double time = now();

@@ -35,6 +35,15 @@ PaintDocument::PaintDocument(int64_t width, int64_t height, double resolution, s
     resetHistory();
 }
 
+PaintDocument::PaintDocument(const State& state, const OnionSkin& skin)
+    : dpi(state.dpi),
+      onion(skin),
+      selection(state.selection),
+      grid_(state.grid),
+      activeIndex_(state.active) {
+    for (const LayerState& layer : state.layers) layers_.push_back(std::make_shared<Layer>(layer, grid_));
+}
+
 Layer& PaintDocument::layer(int64_t index) const {
     require(index >= 0 && index < layerCount());
     return *layers_[checkedSize(index)];
@@ -82,6 +91,22 @@ void PaintDocument::fillLayer(Layer& layer, const PaintColor& color) {
     tile->freeze();
     for (int64_t index = 0; index < grid_.count(); ++index) layer.setTile(index, tile);
     markAllDirty();
+}
+
+std::unique_ptr<PaintDocument> PaintDocument::draft() {
+    return std::unique_ptr<PaintDocument>(new PaintDocument(captureState(), onion));
+}
+
+void PaintDocument::take(PaintDocument&& draft) {
+    const bool gridChanged = !(draft.grid_ == grid_);
+    grid_ = draft.grid_;
+    layers_ = std::move(draft.layers_);
+    activeIndex_ = draft.activeIndex_;
+    selection = std::move(draft.selection);
+    dpi = draft.dpi;
+    if (gridChanged && onGridChange) onGridChange();
+    if (gridChanged || draft.allDirty_) markAllDirty();
+    for (const DirtyTile& tile : draft.takeDirtyParts()) markDirty(tile.part);
 }
 
 uint64_t PaintDocument::fingerprint() const {

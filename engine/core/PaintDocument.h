@@ -58,6 +58,13 @@ public:
     /// Fills every tile of a layer of this grid, also beyond the canvas edge, and marks everything dirty.
     void fillLayer(Layer& layer, const PaintColor& color);
 
+    /// A copy to be worked on elsewhere, as on another thread, at the cost of a few words a layer: it shares the tiles,
+    /// frozen, and has neither a history nor a listener.
+    std::unique_ptr<PaintDocument> draft();
+    /// Becomes what a draft of it has become since, as one edit: uncommitted, with what is dirty marked. Calls
+    /// `onGridChange` where the canvas has another size. Nothing has changed meanwhile.
+    void take(PaintDocument&& draft);
+
     uint64_t fingerprint() const; ///< Size, order, pixels and settings of the layers; nothing of the view.
 
     // The tiles that the screen must show again.
@@ -93,6 +100,7 @@ public:
     int64_t changeCount() const { return changeCount_; }
 
 private:
+    PaintDocument(const State& state, const OnionSkin& onion); // without a history
     enum class CountsAsChange { no, yes };
     void restore(int64_t steps, CountsAsChange counts);
 

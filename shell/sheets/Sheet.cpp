@@ -78,7 +78,7 @@ QPushButton* Sheet::addButton(const QString& text, Role role) {
 }
 
 void Sheet::closeAnd(std::function<void()> work) {
-    QTimer::singleShot(0, &model_, guarding(model_, std::move(work)));
+    soon(model_, std::move(work));
     model_.closeSheet();
 }
 

@@ -23,10 +23,11 @@ private:
     int systemError_;
 };
 
+inline constexpr int64_t kAnyLength = std::numeric_limits<int64_t>::max();
+
 /// The whole content of a file; throws ReadError. What is no file (a folder, a pipe, a device) is refused without
 /// waiting for it, and one longer than `mostBytes` or than the memory that is free before any of it is read.
-QByteArray readFile(const QString& path, int64_t mostBytes = std::numeric_limits<int64_t>::max(),
-                    const Progress& progress = {});
+QByteArray readFile(const QString& path, int64_t mostBytes = kAnyLength, const Progress& progress = {});
 
 /// `count` bytes from `offset` on, fewer where the file ends. Throws as above.
 QByteArray readFilePart(const QString& path, int64_t offset, int64_t count);
