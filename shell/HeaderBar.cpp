@@ -79,8 +79,8 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     auto* open = makeButton(kOpen);
     auto* save = makeButton(kSave);
     auto* exporter = makeButton(kExport);
-    undo_ = makeButton(kUndo);
-    redo_ = makeButton(kRedo);
+    auto* undo = makeButton(kUndo);
+    auto* redo = makeButton(kRedo);
     auto* row = new QHBoxLayout(this);
     row->addWidget(new Badge(this));
     row->addWidget(strip_, 1);
@@ -88,8 +88,8 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     row->addWidget(save);
     row->addWidget(exporter);
     row->addWidget(new ChromeDivider(this));
-    row->addWidget(undo_);
-    row->addWidget(redo_);
+    row->addWidget(undo);
+    row->addWidget(redo);
     QirnKit::followMetrics(this, [this, row](const Metrics& m) {
         setFixedHeight(m.headerHeight);
         row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
@@ -98,7 +98,7 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     });
 
     QWidget* before = new_;
-    for (QWidget* button : {open, save, exporter, undo_, redo_})
+    for (QWidget* button : {open, save, exporter, undo, redo})
         setTabOrder(std::exchange(before, button), button);
     connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
     refresh();
@@ -125,8 +125,6 @@ void HeaderBar::refresh() {
         if (cameUp)
             QTimer::singleShot(0, tabs_[i], [this, tab = tabs_[i]] { strip_->ensureWidgetVisible(tab); });
     }
-    undo_->setEnabled(model_.canUndo());
-    redo_->setEnabled(model_.canRedo());
 }
 
 bool HeaderBar::eventFilter(QObject* watched, QEvent* event) {

@@ -30,8 +30,6 @@ private:
     QHBoxLayout* tabRow_;
     std::vector<DocTab*> tabs_; // one a session, in their order
     IconButton* new_;
-    IconButton* undo_;
-    IconButton* redo_;
 };
 
 } // namespace qirn

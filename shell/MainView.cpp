@@ -1,6 +1,7 @@
 #include "shell/MainView.h"
 
 #include "app/canvas/CanvasView.h"
+#include "app/commands/CommandRows.h"
 #include "app/commands/PaintCommands.h"
 #include "app/desktop/Typing.h"
 #include "app/files/LongTask.h"
@@ -14,6 +15,7 @@
 #include "shell/ColorWells.h"
 #include "shell/HeaderBar.h"
 #include "shell/HudBubble.h"
+#include "shell/RegionKeys.h"
 #include "shell/StatusBar.h"
 #include "shell/ToolRail.h"
 #include "shell/WindowFrame.h"
@@ -24,6 +26,7 @@
 #include "shell/sheets/WorkCover.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QMenuBar>
 #include <QScreen>
@@ -86,6 +89,8 @@ MainView::MainView(PaintModel& model)
     new SheetHost(model, centralWidget());
     model.longTask().setCover(new WorkCover(this));
     new TypingKeys(*this, *canvas_);
+    new RegionKeys(*this, {header_, options_, tools_, canvas_, panels_});
+    connect(&model, &PaintModel::changed, this, guarding(model, [this] { showPanels(); }));
     canvas_->setFocus();
     QirnKit::followMetrics(this, [this](const Metrics&) { keepToScreen(); });
     if (!frame_->restore()) resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
@@ -97,8 +102,10 @@ QWidget* MainView::content() {
         content->setMinimumSize(m.px(kLeastContent.width()), m.px(kLeastContent.height()));
     });
     auto* rows = columnIn(content);
-    rows->addWidget(new HeaderBar(model_, *canvas_, content));
-    rows->addWidget(new ToolOptionsBar(model_, *canvas_, content));
+    header_ = new HeaderBar(model_, *canvas_, content);
+    options_ = new ToolOptionsBar(model_, *canvas_, content);
+    rows->addWidget(header_);
+    rows->addWidget(options_);
     rows->addWidget(body(), 1);
     rows->addWidget(new StatusBar(model_, content));
     return content;
@@ -121,6 +128,8 @@ QWidget* MainView::body() {
     panelColumn->addWidget(new ColorChooser(model_, panels));
     panelColumn->addWidget(new LayersPanel(model_, panels), 1);
 
+    tools_ = tools;
+    panels_ = panels;
     across->addWidget(tools);
     across->addWidget(canvas_, 1);
     across->addWidget(panels);
@@ -134,6 +143,19 @@ QWidget* MainView::body() {
         panelColumn->setSpacing(m.margin);
     });
     return row;
+}
+
+void MainView::showPanels() {
+    const bool hidden = model_.panelsAreHidden();
+    if (hidden == options_->isHidden()) return;
+    const QWidget* focus = focusWidget();
+    canvas_->holdingThePicture([&] {
+        for (QWidget* panel : {options_, tools_, panels_}) {
+            if (hidden && panel->isAncestorOf(focus)) canvas_->setFocus();
+            panel->setHidden(hidden);
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // lays the window out now
+    });
 }
 
 void MainView::showEvent(QShowEvent* event) {
@@ -170,9 +192,12 @@ void MainView::closeEvent(QCloseEvent* event) {
     event->setAccepted(quit);
 }
 
-// Keys that no control has used are for the canvas.
+// Keys that no control has used are for the canvas, then for the commands.
 void MainView::keyPressEvent(QKeyEvent* event) {
-    if (!canvas_->handleKeyPress(event)) QMainWindow::keyPressEvent(event);
+    if (canvas_->handleKeyPress(event)) return;
+    const CommandRow* command = commandAtPlaceOf(*event);
+    if (!command) return QMainWindow::keyPressEvent(event);
+    guarded(model_, [&] { runCommand(*command, model_, *canvas_); });
 }
 
 void MainView::keyReleaseEvent(QKeyEvent* event) {

@@ -29,12 +29,17 @@ protected:
 private:
     QWidget* content();
     QWidget* body();
+    void showPanels();   ///< Or hides them, as the model says.
     void keepToScreen(); ///< Asks for no more room than the screen has.
     void offerRecovery();
 
     PaintModel& model_;
     CanvasView* canvas_;
     WindowFrame* frame_;
+    QWidget* header_ = nullptr; // the regions of the window, round the canvas
+    QWidget* options_ = nullptr;
+    QWidget* tools_ = nullptr;
+    QWidget* panels_ = nullptr;
     bool shown_ = false;
 };
 

@@ -49,8 +49,14 @@ bool CanvasView::handleTouchpadOrWindow(QEvent* event) {
             return true;
         }
     }
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride)
+        return handleKeyOfWindow(static_cast<QKeyEvent*>(event));
     if (event->type() == QEvent::WindowDeactivate) inputLost();
     return false;
+}
+
+bool CanvasView::isPressed() const {
+    return input_.isPenDown() || !phase_.isIdle();
 }
 
 bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
@@ -97,6 +103,8 @@ void CanvasView::penMoved(QTabletEvent* event) {
         if (event->button() == Qt::LeftButton) {
             input_.setPenDown(true);
             press(sample);
+        } else if (event->button() == Qt::RightButton) {
+            pressRightButton(sample);
         }
         break;
     case QEvent::TabletMove:
@@ -118,6 +126,7 @@ void CanvasView::mousePressed(QMouseEvent* event) {
     const auto sample = input_.sampleOf(*event, toView(event->position()), now());
     if (!sample) return;
     if (event->button() == Qt::LeftButton) press(*sample);
+    if (event->button() == Qt::RightButton) pressRightButton(*sample);
     if (event->button() != Qt::MiddleButton) return;
     if (!event->buttons().testFlag(Qt::LeftButton)) endGesture();
     if (phase_.isIdle()) beginGesture(Tool::hand, true, *sample);
@@ -125,7 +134,9 @@ void CanvasView::mousePressed(QMouseEvent* event) {
 
 void CanvasView::mouseDoubleClicked(QMouseEvent* event) {
     auto sample = input_.sampleOf(*event, toView(event->position()), now());
-    if (!sample || event->button() != Qt::LeftButton) return;
+    if (!sample) return;
+    if (event->button() == Qt::RightButton) return pressRightButton(*sample);
+    if (event->button() != Qt::LeftButton) return;
     sample->clicks = 2;
     press(*sample);
 }
@@ -182,11 +193,24 @@ void CanvasView::press(const PenSample& sample) {
     setFocus(Qt::MouseFocusReason);
     if (!session_) return;
     endGesture(); // of a press whose release was lost
+    if (sample.modifiers.testFlag(Qt::AltModifier)) {
+        // The menu bar waits for Alt to come up, and forgets it at a mouse event or at this one, but not for a pen.
+        QEvent forget(QEvent::ActivationChange);
+        QCoreApplication::sendEvent(this, &forget);
+    }
     model_.opacity().commit();
     session_->needsFit = false; // a picture that somebody works on stays where it is
     lastMouseView_ = sample.view;
     const std::optional<Tool> lent = lentTool(sample);
     beginGesture(lent.value_or(model_.tool()), lent.has_value(), sample);
+}
+
+/// The second way to the color that Option picks: desktops keep presses with Alt for themselves.
+void CanvasView::pressRightButton(const PenSample& sample) {
+    if (!phase_.isIdle() || !rowOf(model_.tool()).picksWithOption) return;
+    setFocus(Qt::MouseFocusReason);
+    lastMouseView_ = sample.view;
+    beginGesture(Tool::eyedropper, true, sample);
 }
 
 std::optional<Tool> CanvasView::lentTool(const PenSample& sample) const {

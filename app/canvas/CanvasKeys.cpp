@@ -1,6 +1,7 @@
 // The plain keys of the canvas. Keys with Command, Option or Control go on to the menus.
 #include "app/canvas/CanvasView.h"
 
+#include "app/desktop/TypedKeys.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
@@ -82,6 +83,19 @@ bool CanvasView::handleKeyRelease(QKeyEvent* event) {
     return taken;
 }
 
+bool CanvasView::handleKeyOfWindow(QKeyEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        // Tab would leave the canvas, as Shift+Tab does.
+        if (event->key() != Qt::Key_Tab || event->modifiers() != Qt::NoModifier) return false;
+        if (!isPressed() && !event->isAutoRepeat()) model_.togglePanels();
+        return true;
+    }
+    // A menu bar that hears of Alt opens when the key comes up.
+    if (event->key() != Qt::Key_Alt || !isPressed()) return false;
+    event->accept();
+    return true;
+}
+
 bool CanvasView::keyPressed(QKeyEvent* event) {
     input_.keyPressed(event->key());
     if (event->key() == Qt::Key_Space) {
@@ -142,8 +156,9 @@ bool CanvasView::nudge(int key, int step) {
 }
 
 bool CanvasView::handleCharacter(QKeyEvent* event) {
-    if (event->text().size() != 1) return false;
-    const QChar character = event->text()[0].toLower();
+    const auto typed = characterOf(*event);
+    if (!typed) return false;
+    const QChar character = typed->toLower();
     // D alone picks a tool; with Shift it is the default colors.
     if (character == u'd' && event->modifiers().testFlag(Qt::ShiftModifier)) {
         model_.colors().defaultColors();

@@ -30,6 +30,12 @@ QSizeF CanvasView::deviceSize() const {
             std::round(corner.y() + height() * pixelRatio()) - std::round(corner.y())};
 }
 
+QPointF CanvasView::middleInWindow() const {
+    const QPointF corner = QPointF(mapTo(window(), QPoint(0, 0))) * pixelRatio() + deviceOffset();
+    const QSizeF size = deviceSize();
+    return corner + QPointF(size.width(), size.height()) / 2;
+}
+
 QPointF CanvasView::toView(QPointF widgetPoint) const {
     return transform_.flippedVertically(widgetPoint * pixelRatio() - deviceOffset());
 }
@@ -139,6 +145,14 @@ void CanvasView::setPan(QPointF pan) {
     ViewState state = session_->view;
     state.pan = pan;
     applyView(state);
+}
+
+void CanvasView::holdingThePicture(const std::function<void()>& relayout) {
+    const QPointF before = middleInWindow();
+    if (session_) session_->needsFit = false;
+    relayout();
+    const QPointF moved = middleInWindow() - before;
+    if (session_ && !moved.isNull()) setPan(session_->view.pan + QPointF(-moved.x(), moved.y()));
 }
 
 void CanvasView::setZoom(double zoom, std::optional<QPointF> around) {

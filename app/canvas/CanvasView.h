@@ -59,6 +59,9 @@ public:
     void rotateView(double degrees);
     void setRotation(double degrees);
     void toggleFlipView();
+    /// Runs `relayout`, which may change the canvas's place in the window and its size, and leaves the picture where it is
+    /// on screen.
+    void holdingThePicture(const std::function<void()>& relayout);
 
     /// Keys without Command, Option or Control; true when the key meant something here. The window hands on keys
     /// that no other control took.
@@ -103,6 +106,7 @@ private:
         guarded(model_, [&] { (this->*handler)(event...); });
     }
     bool handleTouchpadOrWindow(QEvent* event); ///< True when the event is taken.
+    bool handleKeyOfWindow(QKeyEvent* event);   ///< The same, of keys that the window would take first.
     void handleProximity(QEvent* event);
     void viewResized();
     void viewShown();
@@ -120,6 +124,8 @@ private:
 
     // Gestures (CanvasGestures.cpp).
     void press(const PenSample& sample);
+    void pressRightButton(const PenSample& sample);
+    bool isPressed() const; ///< A pen is down, or a gesture is in progress.
     std::optional<Tool>
     lentTool(const PenSample& sample) const; ///< What held keys give in place of the model's tool.
     void beginGesture(Tool tool, bool isLent, const PenSample& sample);
@@ -152,6 +158,7 @@ private:
     QRegion toWidget(const QRegion& device) const;
     QPointF deviceOffset() const; // device pixels from the widget's corner to a whole one
     QSizeF deviceSize() const;
+    QPointF middleInWindow() const; // of the view, device pixels, y down
 
     // The screen (CanvasView.cpp).
     void updateOverlay(); // ants and previews as the model now has them

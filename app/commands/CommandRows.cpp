@@ -2,6 +2,7 @@
 
 #include "app/canvas/CanvasView.h"
 #include "app/commands/PaintCommands.h"
+#include "app/desktop/TypedKeys.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
@@ -17,7 +18,7 @@
 #include <algorithm>
 
 #include <QFileInfo>
-#include <QKeySequence>
+#include <QKeyEvent>
 
 namespace qirn {
 
@@ -38,6 +39,10 @@ QString redoTitle(const PaintModel& model) {
 QString onionTitle(const PaintModel& model) {
     const bool on = model.current() && model.current()->doc().onion.enabled;
     return on ? PaintCommands::tr("Turn Onion Skin Off") : PaintCommands::tr("Turn Onion Skin On");
+}
+
+QString panelsTitle(const PaintModel& model) {
+    return model.panelsAreHidden() ? PaintCommands::tr("Show Panels") : PaintCommands::tr("Hide Panels");
 }
 
 bool transformPending(const PaintModel& model) {
@@ -79,43 +84,38 @@ void saveAs(PaintModel& model) {
     model.pictures().save(nullptr, OpenPictures::SaveAs::yes);
 }
 
-// The menu bar, in order.
+#define TEXT(text) QT_TRANSLATE_NOOP("qirn::PaintCommands", text)
+
 const CommandRow kCommands[] = {
-    {"File", "newCanvas", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Canvas…"), Command | Qt::Key_N,
-     sheet<PaintSheet::Kind::newDocument>},
-    {"File", "open", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open…"), Command | Qt::Key_O,
+    {"File", "newCanvas", TEXT("New Canvas…"), Command | Qt::Key_N, sheet<PaintSheet::Kind::newDocument>},
+    {"File", "open", TEXT("Open…"), Command | Qt::Key_O,
      call<&PaintModel::pictures, &OpenPictures::openPanel>},
-    {.menu = "File",
-     .name = "openRecent",
-     .title = QT_TRANSLATE_NOOP("qirn::PaintCommands", "Open Recent"),
-     .choices = recentPictures},
-    {"File", "importLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Picture as Layer…"),
-     Command | Shift | Qt::Key_I, call<&PaintModel::clipboard, &Clipboard::importImageAsLayer>},
-    {"File", "recover", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Recover Autosaved Work…"), 0,
-     sheet<PaintSheet::Kind::recovery>},
+    {.menu = "File", .name = "openRecent", .title = TEXT("Open Recent"), .choices = recentPictures},
+    {"File", "importLayer", TEXT("Import Picture as Layer…"), Command | Shift | Qt::Key_I,
+     call<&PaintModel::clipboard, &Clipboard::importImageAsLayer>},
+    {"File", "recover", TEXT("Recover Autosaved Work…"), 0, sheet<PaintSheet::Kind::recovery>},
     {"File", nullptr},
-    {"File", "closePicture", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Close Picture"), Command | Qt::Key_W,
+    {"File", "closePicture", TEXT("Close Picture"), Command | Qt::Key_W,
      call<&PaintModel::pictures, &OpenPictures::closeCurrent>},
-    {"File", "save", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save"), Command | Qt::Key_S, save},
-    {"File", "saveAs", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Save As…"), Command | Shift | Qt::Key_S,
-     saveAs},
-    {"File", "export", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export (PNG, JPEG, TIFF, PSD)…"),
-     Command | Qt::Key_E, sheet<PaintSheet::Kind::exportPicture>},
+    {"File", "save", TEXT("Save"), Command | Qt::Key_S, save},
+    {"File", "saveAs", TEXT("Save As…"), Command | Shift | Qt::Key_S, saveAs},
+    {"File", "export", TEXT("Export (PNG, JPEG, TIFF, PSD)…"), Command | Qt::Key_E,
+     sheet<PaintSheet::Kind::exportPicture>},
     {"File", nullptr},
-    {"File", "importBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Brushes…"), 0,
+    {"File", "importBrushes", TEXT("Import Brushes…"), 0,
      call<&PaintModel::brushes, &Brushes::importBrushes>},
-    {"File", "exportBrushes", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Brushes…"), 0,
+    {"File", "exportBrushes", TEXT("Export Brushes…"), 0,
      call<&PaintModel::brushes, &Brushes::exportBrushes>},
-    {"File", "importPalette", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Import Palettes…"), 0,
+    {"File", "importPalette", TEXT("Import Palettes…"), 0,
      call<&PaintModel::palettes, &Palettes::importPalette>},
-    {"File", "exportGpl", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .gpl…"), 0,
+    {"File", "exportGpl", TEXT("Export Palette as .gpl…"), 0,
      [](PaintModel& model) { model.palettes().exportPalette(Palettes::PaletteFile::gpl); }},
-    {"File", "exportAco", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Export Palette as .aco…"), 0,
+    {"File", "exportAco", TEXT("Export Palette as .aco…"), 0,
      [](PaintModel& model) { model.palettes().exportPalette(Palettes::PaletteFile::aco); }},
     {"File", nullptr},
     {.menu = "File",
      .name = "quit",
-     .title = QT_TRANSLATE_NOOP("qirn::PaintCommands", "Quit"),
+     .title = TEXT("Quit"),
      .key = Command | Qt::Key_Q,
      .run = [](QWidget& window) { window.close(); },
      .isForLeaving = true},
@@ -136,128 +136,135 @@ const CommandRow kCommands[] = {
     {"Edit", nullptr},
     {.menu = "Edit",
      .name = "cut",
-     .title = QT_TRANSLATE_NOOP("qirn::PaintCommands", "Cut"),
+     .title = TEXT("Cut"),
      .key = Command | Qt::Key_X,
      .run = call<&PaintModel::clipboard, &Clipboard::cut>,
      .inText = Typing::TextAction::cut},
     {.menu = "Edit",
      .name = "copy",
-     .title = QT_TRANSLATE_NOOP("qirn::PaintCommands", "Copy"),
+     .title = TEXT("Copy"),
      .key = Command | Qt::Key_C,
      .run = [](PaintModel& model) { model.clipboard().copy(Merged::no); },
      .inText = Typing::TextAction::copy},
-    {"Edit", "copyMerged", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Copy Merged"),
-     Command | Shift | Qt::Key_C, [](PaintModel& model) { model.clipboard().copy(Merged::yes); }},
+    {"Edit", "copyMerged", TEXT("Copy Merged"), Command | Shift | Qt::Key_C,
+     [](PaintModel& model) { model.clipboard().copy(Merged::yes); }},
     {.menu = "Edit",
      .name = "paste",
-     .title = QT_TRANSLATE_NOOP("qirn::PaintCommands", "Paste as New Layer"),
+     .title = TEXT("Paste as New Layer"),
      .key = Command | Qt::Key_V,
      .run = call<&PaintModel::clipboard, &Clipboard::paste>,
      .inText = Typing::TextAction::paste},
     {"Edit", nullptr},
-    {"Edit", "fillPrimary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Paint Color"),
-     Option | Qt::Key_Backspace,
+    {"Edit", "fillPrimary", TEXT("Fill with Paint Color"), Option | Qt::Key_Backspace,
      [](PaintModel& model) { CanvasEdits::fillSelection(model, model.colors().primary()); }},
-    {"Edit", "fillSecondary", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Fill with Second Color"),
-     Command | Qt::Key_Backspace,
+    {"Edit", "fillSecondary", TEXT("Fill with Second Color"), Command | Qt::Key_Backspace,
      [](PaintModel& model) { CanvasEdits::fillSelection(model, model.colors().secondary()); }},
-    {"Edit", "clear", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clear (Delete Pixels)"), 0,
-     LayerEdits::clearLayer},
+    {"Edit", "clear", TEXT("Clear (Delete Pixels)"), 0, LayerEdits::clearLayer},
     {"Edit", nullptr},
-    {"Edit", "freeTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Free Transform"), Command | Qt::Key_T,
+    {"Edit", "freeTransform", TEXT("Free Transform"), Command | Qt::Key_T,
      call<&PaintModel::transform, &PendingTransform::beginTransform>},
-    {"Edit", "applyTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Apply Transform"), 0,
+    {"Edit", "applyTransform", TEXT("Apply Transform"), 0,
      call<&PaintModel::transform, &PendingTransform::applyTransform>, nullptr, nullptr, transformPending},
-    {"Edit", "cancelTransform", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Cancel Transform"), 0,
+    {"Edit", "cancelTransform", TEXT("Cancel Transform"), 0,
      call<&PaintModel::transform, &PendingTransform::cancelTransform>, nullptr, nullptr, transformPending},
 
     {.menu = "Select",
      .name = "selectAll",
-     .title = QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select All"),
+     .title = TEXT("Select All"),
      .key = Command | Qt::Key_A,
      .run = CanvasEdits::selectAll,
      .inText = Typing::TextAction::selectAll},
-    {"Select", "deselect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Deselect"), Command | Qt::Key_D,
-     CanvasEdits::deselect},
-    {"Select", "invertSelection", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Invert Selection"),
-     Command | Option | Qt::Key_I, CanvasEdits::invertSelection},
+    {"Select", "deselect", TEXT("Deselect"), Command | Qt::Key_D, CanvasEdits::deselect},
+    {"Select", "invertSelection", TEXT("Invert Selection"), Command | Option | Qt::Key_I,
+     CanvasEdits::invertSelection},
     {"Select", nullptr},
-    {"Select", "selectRect", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rectangle Select (M)"), 0,
+    {"Select", "selectRect", TEXT("Rectangle Select (M)"), 0,
      [](PaintModel& model) { model.setTool(Tool::selectRect); }},
-    {"Select", "selectEllipse", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Ellipse Select (O)"), 0,
+    {"Select", "selectEllipse", TEXT("Ellipse Select (O)"), 0,
      [](PaintModel& model) { model.setTool(Tool::selectEllipse); }},
-    {"Select", "lasso", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lasso Select (L)"), 0,
-     [](PaintModel& model) { model.setTool(Tool::lasso); }},
-    {"Select", "crop", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Crop to Selection"), 0,
-     CanvasEdits::cropToSelection},
+    {"Select", "lasso", TEXT("Lasso Select (L)"), 0, [](PaintModel& model) { model.setTool(Tool::lasso); }},
+    {"Select", "crop", TEXT("Crop to Selection"), 0, CanvasEdits::cropToSelection},
 
-    {"Image", "imageSize", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Image Size…"),
-     Command | Control | Qt::Key_I, sheet<PaintSheet::Kind::imageSize>},
-    {"Image", "canvasSize", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas Size…"),
-     Command | Control | Qt::Key_C, sheet<PaintSheet::Kind::canvasSize>},
+    {"Image", "imageSize", TEXT("Image Size…"), Command | Control | Qt::Key_I,
+     sheet<PaintSheet::Kind::imageSize>},
+    {"Image", "canvasSize", TEXT("Canvas Size…"), Command | Control | Qt::Key_C,
+     sheet<PaintSheet::Kind::canvasSize>},
     {"Image", nullptr},
-    {"Image", "rotateClockwise", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Clockwise"), 0,
+    {"Image", "rotateClockwise", TEXT("Rotate 90° Clockwise"), 0,
      [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 1); }},
-    {"Image", "rotateCounterClockwise",
-     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 90° Counter-clockwise"), 0,
+    {"Image", "rotateCounterClockwise", TEXT("Rotate 90° Counter-clockwise"), 0,
      [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 3); }},
-    {"Image", "rotateHalf", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Rotate 180°"), 0,
+    {"Image", "rotateHalf", TEXT("Rotate 180°"), 0,
      [](PaintModel& model) { CanvasEdits::rotateCanvas(model, 2); }},
-    {"Image", "flipHorizontal", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flip Canvas Horizontal"), 0,
-     CanvasEdits::flipCanvasHorizontal},
-    {"Image", "flipVertical", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flip Canvas Vertical"), 0,
-     CanvasEdits::flipCanvasVertical},
+    {"Image", "flipHorizontal", TEXT("Flip Canvas Horizontal"), 0, CanvasEdits::flipCanvasHorizontal},
+    {"Image", "flipVertical", TEXT("Flip Canvas Vertical"), 0, CanvasEdits::flipCanvasVertical},
     {"Image", nullptr},
-    {"Image", "flatten", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Flatten Image"), 0, LayerEdits::flatten},
+    {"Image", "flatten", TEXT("Flatten Image"), 0, LayerEdits::flatten},
 
-    {"Layer", "newLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "New Layer"), Command | Shift | Qt::Key_N,
-     LayerEdits::addLayer},
-    {"Layer", "duplicateLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Duplicate Layer"),
-     Command | Qt::Key_J, LayerEdits::duplicateLayer},
-    {"Layer", "deleteLayer", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Delete Layer"), 0,
-     LayerEdits::deleteLayer},
+    {"Layer", "newLayer", TEXT("New Layer"), Command | Shift | Qt::Key_N, LayerEdits::addLayer},
+    {"Layer", "duplicateLayer", TEXT("Duplicate Layer"), Command | Qt::Key_J, LayerEdits::duplicateLayer},
+    {"Layer", "deleteLayer", TEXT("Delete Layer"), 0, LayerEdits::deleteLayer},
     {"Layer", nullptr},
-    {"Layer", "moveLayerUp", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Up"),
-     Command | Qt::Key_BracketRight, LayerEdits::moveLayerUp},
-    {"Layer", "moveLayerDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Move Layer Down"),
-     Command | Qt::Key_BracketLeft, LayerEdits::moveLayerDown},
-    {"Layer", "mergeDown", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Down"),
-     Command | Option | Qt::Key_E, LayerEdits::mergeDown},
-    {"Layer", "mergeVisible", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Merge Visible"),
-     Command | Shift | Qt::Key_E, LayerEdits::mergeVisible},
+    {.menu = "Layer",
+     .name = "moveLayerUp",
+     .title = TEXT("Move Layer Up"),
+     .key = Command | Qt::Key_BracketRight,
+     .run = LayerEdits::moveLayerUp,
+     .secondKeys = {Command | Shift | Qt::Key_PageUp}},
+    {.menu = "Layer",
+     .name = "moveLayerDown",
+     .title = TEXT("Move Layer Down"),
+     .key = Command | Qt::Key_BracketLeft,
+     .run = LayerEdits::moveLayerDown,
+     .secondKeys = {Command | Shift | Qt::Key_PageDown}},
+    {"Layer", "mergeDown", TEXT("Merge Down"), Command | Option | Qt::Key_E, LayerEdits::mergeDown},
+    {"Layer", "mergeVisible", TEXT("Merge Visible"), Command | Shift | Qt::Key_E, LayerEdits::mergeVisible},
     {"Layer", nullptr},
-    {"Layer", "clip", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Clip to Layer Below"),
-     Command | Option | Qt::Key_G, LayerEdits::toggleClipping},
-    {"Layer", "lock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Lock / Unlock Layer"), 0,
-     LayerEdits::toggleLock},
-    {"Layer", "alphaLock", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Alpha Lock On / Off"), 0,
-     LayerEdits::toggleAlphaLock},
-    {"Layer", "showHide", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show / Hide Layer"), 0,
-     LayerEdits::toggleVisibility},
+    {"Layer", "clip", TEXT("Clip to Layer Below"), Command | Option | Qt::Key_G, LayerEdits::toggleClipping},
+    {"Layer", "lock", TEXT("Lock / Unlock Layer"), 0, LayerEdits::toggleLock},
+    {"Layer", "alphaLock", TEXT("Alpha Lock On / Off"), 0, LayerEdits::toggleAlphaLock},
+    {"Layer", "showHide", TEXT("Show / Hide Layer"), 0, LayerEdits::toggleVisibility},
     {"Layer", nullptr},
     {"Layer", "onionSkin", nullptr, Command | Option | Qt::Key_K, LayerEdits::toggleOnion, onionTitle},
 
-    {"View", "zoomIn", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom In  (= key)"),
-     Command | Option | Qt::Key_Equal, [](CanvasView& view) { view.zoomStep(true); }},
-    {"View", "zoomOut", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Zoom Out  (− key)"),
-     Command | Option | Qt::Key_Minus, [](CanvasView& view) { view.zoomStep(false); }},
-    {"View", "fit", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Fit in Window  (F)"),
-     Command | Option | Qt::Key_0, [](CanvasView& view) { view.fit(); }},
-    {"View", "actualPixels", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Actual Pixels 100%  (1)"),
-     Command | Option | Qt::Key_1, [](CanvasView& view) { view.actualPixels(); }},
+    {"View", "zoomIn", TEXT("Canvas: Zoom In  (= key)"), Command | Option | Qt::Key_Equal,
+     [](CanvasView& view) { view.zoomStep(true); }},
+    {"View", "zoomOut", TEXT("Canvas: Zoom Out  (− key)"), Command | Option | Qt::Key_Minus,
+     [](CanvasView& view) { view.zoomStep(false); }},
+    {"View", "fit", TEXT("Canvas: Fit in Window  (F)"), Command | Option | Qt::Key_0,
+     [](CanvasView& view) { view.fit(); }},
+    {"View", "actualPixels", TEXT("Canvas: Actual Pixels 100%  (1)"), Command | Option | Qt::Key_1,
+     [](CanvasView& view) { view.actualPixels(); }},
     {"View", nullptr},
-    {"View", "rotateLeft", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Left 15°  (,)"), 0,
+    {"View", "rotateLeft", TEXT("Canvas: Rotate Left 15°  (,)"), 0,
      [](CanvasView& view) { view.rotateView(-15); }},
-    {"View", "rotateRight", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Rotate Right 15°  (.)"), 0,
+    {"View", "rotateRight", TEXT("Canvas: Rotate Right 15°  (.)"), 0,
      [](CanvasView& view) { view.rotateView(15); }},
-    {"View", "resetRotation", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Reset Rotation  (/)"), 0,
+    {"View", "resetRotation", TEXT("Canvas: Reset Rotation  (/)"), 0,
      [](CanvasView& view) { view.setRotation(0); }},
-    {"View", "flipView", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Canvas: Flip View (mirror check)  (W)"), 0,
+    {"View", "flipView", TEXT("Canvas: Flip View (mirror check)  (W)"), 0,
      [](CanvasView& view) { view.toggleFlipView(); }},
     {"View", nullptr},
-    {"View", "showPerformance", QT_TRANSLATE_NOOP("qirn::PaintCommands", "Show Stroke Performance"), 0,
-     togglePerformance, nullptr, [](const PaintModel& model) { return model.prefs().showPerformance; }},
+    {"View", "showPerformance", TEXT("Show Stroke Performance"), 0, togglePerformance, nullptr,
+     [](const PaintModel& model) { return model.prefs().showPerformance; }},
+    {"View", nullptr},
+    {.menu = "View",
+     .name = "nextPicture",
+     .title = TEXT("Next Picture"),
+     .run = [](PaintModel& model) { model.pictures().selectNeighbor(1); },
+     .secondKeys = {Command | Qt::Key_Tab, Command | Qt::Key_PageDown}},
+    {.menu = "View",
+     .name = "previousPicture",
+     .title = TEXT("Previous Picture"),
+     .run = [](PaintModel& model) { model.pictures().selectNeighbor(-1); },
+     .secondKeys = {Command | Shift | Qt::Key_Tab, Command | Qt::Key_PageUp}},
+    {"View", nullptr},
+    {"View", "fullScreen", TEXT("Full Screen"), Qt::Key_F11,
+     [](QWidget& window) { window.setWindowState(window.windowState() ^ Qt::WindowFullScreen); }},
+    {"View", "hidePanels", nullptr, 0, call<&PaintModel::togglePanels>, panelsTitle},
 };
+
+#undef TEXT
 
 } // namespace
 
@@ -273,24 +280,19 @@ const CommandRow& commandNamed(const char* name) {
     return *found;
 }
 
-QString titleOf(const CommandRow& row, const PaintModel& model) {
-    return row.liveTitle ? row.liveTitle(model) : PaintCommands::tr(row.title);
-}
-
-bool isEnabled(const CommandRow& row, const PaintModel& model) {
-    if (model.sheet()) return row.inText || row.isForLeaving;
-    return !row.enabled || row.enabled(model);
-}
-
-void runCommand(const CommandRow& row, PaintModel& model, CanvasView& view) {
-    if (!isEnabled(row, model)) return;
-    if (model.sheet() && row.inText) {
-        Typing::act(*row.inText);
-        return;
-    }
-    if (row.run.onModel) row.run.onModel(model);
-    if (row.run.onView) row.run.onView(view);
-    if (row.run.onWindow) row.run.onWindow(*view.window());
+const CommandRow* commandAtPlaceOf(const QKeyEvent& event) {
+    constexpr auto kCommandKeys = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    if (!(event.modifiers() & kCommandKeys) || typesASCII(event)) return nullptr;
+    const auto character = characterOf(event);
+    if (!character) return nullptr;
+    const int key =
+        static_cast<int>(event.modifiers()) | character->toUpper().unicode(); // Qt's keys of ASCII
+    const auto rows = commandRows();
+    const auto found = std::find_if(rows.begin(), rows.end(), [key](const CommandRow& row) {
+        const std::vector<int> keys = keysOf(row);
+        return std::find(keys.begin(), keys.end(), key) != keys.end();
+    });
+    return found == rows.end() ? nullptr : &*found;
 }
 
 } // namespace qirn

@@ -29,7 +29,8 @@ QString plainTitle(QString title) {
 PaintCommands::PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menuBar)
     : QObject(&menuBar),
       model_(model),
-      view_(view) {
+      view_(view),
+      window_(*menuBar.window()) {
     for (const char* menuTitle : kMenuTitles) {
         QMenu* menu = menuBar.addMenu(QStringLiteral("&") + tr(menuTitle));
         menu->setObjectName(QLatin1String(menuTitle));
@@ -57,13 +58,18 @@ void PaintCommands::addRow(const CommandRow& row, QMenu& menu) {
                 guarding(model_, [this, &row] { runCommand(row, model_, view_); }));
     }
     action->setObjectName(QLatin1String(row.name));
-    if (row.title) action->setText(plainTitle(tr(row.title)));
     QList<QKeySequence> keys;
-    if (row.key != 0) keys << QKeySequence(row.key);
-    for (const int key : row.secondKeys)
-        if (key != 0) keys << QKeySequence(key);
-    action->setShortcuts(keys);
+    for (const int key : keysOf(row)) keys << QKeySequence(key);
     action->setCheckable(row.checked != nullptr);
+    window_.addAction(action); // so that its keys work while the menu bar is hidden
+    if (row.key != 0) {
+        action->setShortcuts(keys);
+    } else if (!keys.isEmpty()) { // the menu would show the first of them
+        auto* unshown = new QAction(action);
+        unshown->setShortcuts(keys);
+        connect(unshown, &QAction::triggered, action, &QAction::trigger);
+        window_.addAction(unshown);
+    }
     actions_.emplace_back(&row, action);
 }
 
@@ -87,7 +93,7 @@ QAction* PaintCommands::action(const QString& objectName) const {
 
 void PaintCommands::refresh() {
     for (const auto& [row, action] : actions_) {
-        if (row->liveTitle) action->setText(plainTitle(row->liveTitle(model_)));
+        action->setText(plainTitle(titleOf(*row, model_)));
         if (row->checked) action->setChecked(row->checked(model_));
         action->setEnabled(isEnabled(*row, model_));
     }

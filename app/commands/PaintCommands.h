@@ -31,6 +31,7 @@ private:
 
     PaintModel& model_;
     CanvasView& view_;
+    QWidget& window_;
     std::vector<std::pair<const CommandRow*, QAction*>> actions_; // each of a row that is no divider
 };
 

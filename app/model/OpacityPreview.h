@@ -15,7 +15,6 @@ class OpacityPreview {
 public:
     explicit OpacityPreview(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
 
-    bool isPending() const { return pending_.has_value(); }
     void show(int64_t layerIndex, double opacity); ///< Of the current picture's layer; 0 to 1.
     void commit();                    ///< The one undo step of what was shown; none where nothing was.
     void drop() { pending_.reset(); } ///< After a failure: the document has been reverted already.

@@ -14,6 +14,7 @@
 #include "formats/native/PaintFile.h"
 #include "platform/BlockPool.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/ReadFile.h"
 
@@ -134,6 +135,13 @@ void OpenPictures::select(DocSession& session) {
     currentID_ = session.id;
     model_.canvas().showSession(session);
     model_.announce();
+}
+
+void OpenPictures::selectNeighbor(int step) {
+    const auto count = std::ssize(sessions_);
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        if (sessions_[checkedSize(i)].get() == current())
+            return select(*sessions_[checkedSize((i + step + count) % count)]);
 }
 
 // --- Open and save

@@ -34,6 +34,8 @@ public:
     void add(SessionRef session);
     void addRecovered(SessionRef session); ///< Replaces an untouched starter picture.
     void select(DocSession& session);
+    void
+    selectNeighbor(int step); ///< The tab so many places to the right of the current one, round the ends.
 
     void openPanel();
     void open(const QString& path);

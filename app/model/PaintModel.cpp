@@ -100,6 +100,11 @@ void PaintModel::closeSheet() {
     announce();
 }
 
+void PaintModel::togglePanels() {
+    panelsAreHidden_ = !panelsAreHidden_;
+    announce();
+}
+
 // --- Edits
 
 void PaintModel::edit(const QString& name, const std::function<void(PaintDocument&)>& body,
@@ -112,7 +117,7 @@ void PaintModel::edit(const QString& name, const std::function<void(PaintDocumen
     }
     finishGesture();
     body(doc);
-    doc.commit(name);
+    if (doc.differsFromLastCommit()) doc.commit(name);
     afterChange(*session);
 }
 
@@ -165,16 +170,6 @@ void PaintModel::redo() {
     session->doc().redo();
     afterChange(*session);
     messages_->flash(tr("Redo %1").arg(*name));
-}
-
-bool PaintModel::canUndo() const {
-    const DocSession* session = current();
-    return session && (transform_->isPending() || opacity_->isPending() || session->doc().canUndo());
-}
-
-bool PaintModel::canRedo() const {
-    const DocSession* session = current();
-    return session && !opacity_->isPending() && session->doc().canRedo();
 }
 
 void PaintModel::takeBack(const QString& why) {

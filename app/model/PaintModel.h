@@ -68,9 +68,13 @@ public:
     const std::optional<PaintSheet>& sheet() const { return sheet_; } ///< The one that is up.
     void showSheet(const PaintSheet& sheet);                          ///< Replaces one that is up.
     void closeSheet();
+    bool panelsAreHidden() const {
+        return panelsAreHidden_;
+    } ///< All round the canvas but the header and the status bar.
+    void togglePanels();
     bool penIsEraser = false; ///< The eraser end of the pen is down or near.
 
-    // --- Edits: each is one undo step with a fixed name
+    // --- Edits: each is one undo step with a fixed name, or none where it changed nothing
     enum class NeedsUnlockedLayer { no, yes };
     void edit(const QString& name, const std::function<void(PaintDocument&)>& body,
               NeedsUnlockedLayer needs = NeedsUnlockedLayer::no);
@@ -83,8 +87,6 @@ public:
     void afterChange(DocSession& session); ///< After a commit: redraws and announces.
     void undo();
     void redo();
-    bool canUndo() const; ///< Undo would take something back: floating pixels, a previewed opacity or a step.
-    bool canRedo() const;
     /// After a failure: reverts the picture to its last commit, drops what is in progress and flashes `why`.
     void takeBack(const QString& why);
 
@@ -113,6 +115,7 @@ private:
     ToolOptions options_;
     PaintPrefs prefs_;
     std::optional<PaintSheet> sheet_;
+    bool panelsAreHidden_ = false;
     QTimer stateTimer_; // single shot, 0 ms: saves once for what changes together
     std::unique_ptr<LongTask> longTask_;
     std::unique_ptr<CanvasStatus> status_;

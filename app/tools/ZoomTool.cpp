@@ -1,4 +1,4 @@
-// Zoom: a drag to the right magnifies, round the press; with Option a press is a step out.
+// Zoom: a drag to the right magnifies, round the press; with Option or Command a press is a step out.
 #include "app/canvas/CanvasView.h"
 #include "app/tools/ToolTable.h"
 
@@ -26,7 +26,7 @@ private:
 } // namespace
 
 std::unique_ptr<CanvasTool> pressZoom(const ToolPress& press) {
-    if (press.sample.modifiers.testFlag(Qt::AltModifier) && !press.isLent) {
+    if (press.sample.modifiers & (Qt::AltModifier | Qt::ControlModifier) && !press.isLent) {
         press.canvas.zoomStep(false, press.sample.view);
         return nullptr;
     }

@@ -154,6 +154,16 @@ void PaintDocument::commit(const QString& name) {
     ++changeCount_;
 }
 
+bool PaintDocument::differsFromLastCommit() const {
+    const State& state = history_.state(0);
+    const auto isSame = [](const LayerRef& layer, const LayerState& before) {
+        return layer->id == before.id && layer->settings() == before &&
+               layer->tiles().identity() == before.tiles.identity();
+    };
+    return !(grid_ == state.grid) || dpi != state.dpi || selection != state.selection ||
+           !std::equal(layers_.begin(), layers_.end(), state.layers.begin(), state.layers.end(), isSame);
+}
+
 void PaintDocument::perform(const QString& name, const std::function<void()>& body) {
     body();
     commit(name);

@@ -82,6 +82,9 @@ public:
     // If memory runs out, each of these throws and leaves the history as it was.
     State captureState(); ///< Freezes every tile; copies no pixels.
     void commit(const QString& name);
+    /// Whether a commit would make a step that differs from the last one; the active layer alone makes none. Compares tiles by
+    /// identity: pixels that were written anew count as another picture, whatever they are.
+    bool differsFromLastCommit() const;
     void perform(const QString& name, const std::function<void()>& body);
     void undo(); ///< Nothing at the start of the history.
     void redo(); ///< Nothing at its end.

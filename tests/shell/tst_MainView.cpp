@@ -101,7 +101,6 @@ private Q_SLOTS:
             QCOMPARE(w.session().name, "Test");
             QVERIFY(tabs(w)[0]->isChecked() && !tabs(w)[1]->isChecked());
         }
-        w.paint(); // so that Undo can be reached by the Tab key
         QWidget* at = tabs(w)[0];
         at->setFocus(Qt::TabFocusReason);
         QStringList walked;
@@ -150,27 +149,6 @@ private Q_SLOTS:
         w.desktop.savePaths.push_back(w.folder.filePath("kept.qirnpaint"));
         w.click("headerSave");
         QCOMPARE(tabs(w)[1]->toolTip(), "kept");
-    }
-
-    void undoAndRedoAreOfferedWhileTheyWork() {
-        Window w;
-        auto& undo = w.find<QAbstractButton>("headerUndo");
-        auto& redo = w.find<QAbstractButton>("headerRedo");
-        QVERIFY(!undo.isEnabled() && !redo.isEnabled());
-        const uint64_t blank = w.doc().fingerprint();
-        w.paint();
-        QVERIFY(w.doc().fingerprint() != blank);
-        QVERIFY(undo.isEnabled());
-        w.click("headerUndo");
-        QCOMPARE(w.doc().fingerprint(), blank);
-        QVERIFY(!undo.isEnabled() && redo.isEnabled());
-        w.click("headerRedo");
-        QVERIFY(w.doc().fingerprint() != blank);
-        w.doc().resetHistory();
-        w.model.transform().beginTransform(); // over a picture without steps
-        QVERIFY(undo.isEnabled());
-        w.click("headerUndo");
-        QVERIFY(!w.model.transform().state() && !undo.isEnabled());
     }
 
     void whatIsTypedStaysInItsField() {

@@ -314,8 +314,14 @@ private Q_SLOTS:
             QCOMPARE(studio.model.colors().recent().front(), studio.model.colors().primary());
         }
         studio.set(&PaintPrefs::eyedropperAllLayers, false);
-        studio.model.setTool(Tool::eyedropper);
         studio.waitForPenEcho();
+        for (const Tool tool : {Tool::brush, Tool::lasso}) { // the right button, with the tools that do
+            studio.model.colors().setPrimary(PaintColor::black());
+            studio.model.setTool(tool);
+            QTest::mouseClick(&studio.canvas, Qt::RightButton, {}, studio.widgetPoint({15, 15}).toPoint());
+            QCOMPARE(studio.model.colors().primary().hex(), tool == Tool::brush ? "#00FF00" : "#000000");
+        }
+        studio.model.setTool(Tool::eyedropper);
         studio.mouseDrag({15, 15}, {15, 15});
         QCOMPARE(studio.model.colors().primary().hex(), "#00FF00");
         studio.mouseDrag({100, 100}, {100, 100});

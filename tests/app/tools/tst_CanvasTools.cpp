@@ -82,7 +82,8 @@ private Q_SLOTS:
             {Tool::text, false, {}, kPress, Qt::MiddleButton, 1, Qt::IBeamCursor},
             {Tool::brush, true, kCommand, kPress, Qt::LeftButton, zoomed, Qt::OpenHandCursor},
             {Tool::zoom, true, kCommand | kOption, kPress, Qt::LeftButton, zoomed, Qt::OpenHandCursor},
-            {Tool::zoom, false, kOption, kPress, Qt::LeftButton, 0.667, Qt::CrossCursor}}; // a step
+            {Tool::zoom, false, kOption, kPress, Qt::LeftButton, 0.667, Qt::CrossCursor}, // a step
+            {Tool::zoom, false, kCommand, kPress, Qt::LeftButton, 0.667, Qt::CrossCursor}};
         for (const auto& [tool, space, keys, press, button, zoom, cursor] : cases) {
             Studio studio;
             studio.model.setTool(tool);

@@ -1,0 +1,235 @@
+#include "app/commands/CommandRows.h"
+#include "app/model/Colors.h"
+#include "app/model/PendingTransform.h"
+#include "shell/HeaderBar.h"
+#include "shell/ToolRail.h"
+#include "support/Window.h"
+
+#include <QMenu>
+#include <QMenuBar>
+
+using namespace qirn;
+using namespace qirn::test;
+
+namespace {
+
+/// A key as the window system hands it on; `scan` is its place on the keyboard.
+void sendKey(QWidget& widget, int key, quint32 scan, const QString& text,
+             Qt::KeyboardModifiers modifiers = {}) {
+    QKeyEvent press(QEvent::KeyPress, key, modifiers, scan, 0, 0, text);
+    QApplication::sendEvent(&widget, &press);
+}
+
+/// What keys can change, in one line.
+QString marks(Window& w) {
+    const ViewState& view = w.session().view;
+    return QString("%1 %2 %3 %4 %5 %6 %7")
+        .arg(rowOf(w.model.tool()).id)
+        .arg(w.model.brushes().activeBrush().size)
+        .arg(w.model.colors().primary().hex())
+        .arg(view.zoom)
+        .arg(view.rotation)
+        .arg(view.flipView)
+        .arg(w.lastStep());
+}
+
+} // namespace
+
+class tst_Commands : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void aCommandLeavesAStepThatChangedSomethingOrNone() {
+        void (*const studios[])(Window&) = {
+            [](Window&) {}, // an empty picture
+            [](Window& w) {
+                w.fill({10, 10, 50, 50});
+                w.model.edit("Lock", [](PaintDocument& doc) { doc.activeLayer().isLocked = true; });
+            },
+            [](Window& w) {
+                w.fill({10, 10, 50, 50});
+                w.select({20, 20, 20, 20});
+                w.model.transform().beginTransform();
+            },
+            [](Window& w) { w.model.showSheet({PaintSheet::Kind::exportPicture}); }};
+        Window w;
+        for (const auto& prepare : studios) {
+            for (const CommandRow& row : commandRows()) {
+                if (!row.name || qstrcmp(row.name, "quit") == 0) continue;
+                w.model.closeSheet();
+                while (w.doc().canUndo()) w.model.undo();
+                prepare(w);
+                const bool covered = w.model.sheet().has_value();
+                const int64_t depth = w.doc().undoDepth();
+                const QString before = marks(w);
+                w.view.findChild<QAction*>(row.name)->trigger();
+                QCoreApplication::processEvents();
+                if (covered) QVERIFY2(w.model.sheet() && marks(w) == before, row.name);
+                QVERIFY2(w.model.transform().isPending() || !w.doc().differsFromLastCommit(), row.name);
+                w.model.finishGesture();
+                while (w.doc().undoDepth() > depth) {
+                    const uint64_t print = w.doc().fingerprint();
+                    const auto selection = w.doc().selection;
+                    w.doc().undo();
+                    QVERIFY2(w.doc().fingerprint() != print || w.doc().selection != selection, row.name);
+                }
+            }
+        }
+    }
+
+    void undoAndRedoBeepWhereTheyCannot() {
+        Window w;
+        const uint64_t blank = w.doc().fingerprint();
+        w.paint();
+        const uint64_t painted = w.doc().fingerprint();
+        for (const auto& [button, print, beeps] : {std::tuple{"headerUndo", blank, 0},
+                                                   {"headerUndo", blank, 1},
+                                                   {"headerRedo", painted, 1},
+                                                   {"headerRedo", painted, 2}}) {
+            w.click(button);
+            QVERIFY(w.doc().fingerprint() == print && w.desktop.beeps == beeps);
+        }
+        w.model.transform().beginTransform();
+        w.click("headerUndo");
+        QVERIFY(!w.model.transform().isPending() && w.doc().fingerprint() == painted);
+    }
+
+    void keysFollowWhatIsTypedElseTheirPlace() {
+        const QString us = "qwertyuiop[]asdfghjklzxcvbnm,./-=";
+        const QString layouts[] = {
+            us, "йцукенгшщзхъфывапролдячсмитьбю.-=", // the dead key of AZERTY types nothing
+            QStringLiteral("azertyuiop$$qsdfghjklwxcvbn,;:!)=").replace(10, 1, QChar())};
+        Window w;
+        const auto after = [&w](quint32 scan, const QString& text, Qt::KeyboardModifiers keys) {
+            w.model.setTool(Tool::text);
+            w.set(&BrushSettings::size, 100);
+            w.model.colors().defaultColors();
+            w.model.colors().setPrimary(PaintColor(0, 1, 0));
+            w.canvas().actualPixels();
+            w.canvas().setRotation(3);
+            if (w.session().view.flipView) w.canvas().toggleFlipView();
+            sendKey(w.canvas(), 0, scan, text, keys);
+            return marks(w);
+        };
+        const auto scanOf = [](int i) {
+            return static_cast<quint32>(i < 12 ? 24 + i : i < 21 ? 26 + i : i < 31 ? 31 + i : i - 11);
+        };
+        for (const QString& layout : layouts) {
+            for (int i = 0; i < us.size(); ++i) {
+                const QString text = layout[i].isNull() ? QString() : QString(layout[i]);
+                const QString expected = text.isEmpty() || text[0].unicode() < 128 ? text : QString(us[i]);
+                for (const auto keys : {Qt::NoModifier, Qt::ShiftModifier})
+                    QCOMPARE(text + after(scanOf(i), text, keys), text + after(0, expected, keys));
+            }
+        }
+        sendKey(w.canvas(), 0x41e, 44, "о", Qt::ControlModifier); // Ctrl and the key of J
+        QCOMPARE(w.doc().undoName(), "Duplicate Layer");
+    }
+
+    void secondKeysWorkWithoutAMenuBar() {
+        Window w;
+        w.fill({0, 0, 9, 9});
+        w.view.menuBar()->hide();
+        const Qt::KeyboardModifiers command = Qt::ControlModifier, shift = Qt::ShiftModifier,
+                                    option = Qt::AltModifier;
+        const auto name = [](const QString& name) {
+            return [name](Window& w) { return w.doc().undoName() == name; };
+        };
+        const auto redo = [](const QString& name) {
+            return [name](Window& w) { return w.doc().redoName() == name; };
+        };
+        const auto picture = [](const QString& name) {
+            return [name](Window& w) { return w.session().name == name; };
+        };
+        const struct {
+            Qt::Key key;
+            Qt::KeyboardModifiers keys;
+            std::function<bool(Window&)> holds;
+        } rows[] = {
+            {Qt::Key_J, command, name("Duplicate Layer")},
+            {Qt::Key_PageDown, command | shift, name("Move Layer Down")},
+            {Qt::Key_PageUp, command | shift, name("Move Layer Up")},
+            {Qt::Key_Z, command, redo("Move Layer Up")},
+            {Qt::Key_Y, command, name("Move Layer Up")},
+            {Qt::Key_Delete, command, name("Fill")},
+            {Qt::Key_Delete, option, name("Fill")},
+            {Qt::Key_Delete, {}, name("Clear")},
+            {Qt::Key_Tab, command, picture("other")},
+            {Qt::Key_Backtab, command | shift, picture("Test")},
+            {Qt::Key_PageUp, command, picture("other")},
+            {Qt::Key_PageDown, command, picture("Test")},
+            {Qt::Key_F11, {}, [](Window& w) { return w.view.isFullScreen(); }},
+            {Qt::Key_F11, {}, [](Window& w) { return !w.view.isFullScreen(); }},
+            {Qt::Key_I, command | option | shift, [](Window& w) { return w.model.sheet().has_value(); }}};
+        w.model.pictures().newDocument(50, 40, 72, {}, "other");
+        w.model.pictures().select(*w.model.pictures().sessions().front());
+        for (const auto& [key, keys, holds] : rows) {
+            QTest::keyClick(&w.canvas(), key, keys);
+            QVERIFY2(holds(w), qPrintable(QKeySequence(static_cast<int>(keys) | key).toString()));
+        }
+        for (const char* unshown : {"nextPicture", "previousPicture"})
+            QVERIFY(w.view.findChild<QAction*>(unshown)->shortcut().isEmpty());
+    }
+
+    void tabHidesThePanelsAndThePictureStays() {
+        Window w;
+        const auto place = [&w] { return w.canvas().mapTo(&w.view, widgetPoint(w.canvas(), {0, 0})); };
+        const QPointF before = place();
+        const int width = w.canvas().width();
+        w.canvas().setFocus();
+        for (const bool hidden : {true, false}) {
+            QTest::keyClick(&w.canvas(), Qt::Key_Tab);
+            QVERIFY(w.model.panelsAreHidden() == hidden && w.canvas().hasFocus());
+            QVERIFY(hidden ? w.canvas().width() > width : w.canvas().width() == width);
+            QVERIFY(QLineF(place(), before).length() < 0.01);
+        }
+        QTest::keyClick(&w.canvas(), Qt::Key_Tab, Qt::ShiftModifier);
+        QWidget* left = QApplication::focusWidget();
+        QVERIFY(left != &w.canvas());
+        QTest::keyClick(left, Qt::Key_Tab);
+        QVERIFY(w.canvas().hasFocus() && !w.model.panelsAreHidden());
+        const auto round = [&w](Qt::KeyboardModifiers keys) {
+            QString met;
+            for (int i = 0; i < 5; ++i) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, keys);
+                const QWidget* at = QApplication::focusWidget();
+                const QRect canvas(w.canvas().mapTo(&w.view, QPoint()), w.canvas().size());
+                const QPoint middle = at->mapTo(&w.view, at->rect().center());
+                met += at == &w.canvas()                      ? 'c'
+                       : w.find<HeaderBar>().isAncestorOf(at) ? 'h'
+                       : middle.y() < canvas.top()            ? 'o'
+                       : middle.x() < canvas.left()           ? 't'
+                                                              : 'p';
+            }
+            return met;
+        };
+        QCOMPARE(round({}), "photc");
+        QCOMPARE(round(Qt::ShiftModifier), "tohpc");
+    }
+
+    void optionOnTheCanvasOpensNoMenu() {
+        Window w;
+        QPointingDevice pen("pen", 1, QInputDevice::DeviceType::Stylus, QPointingDevice::PointerType::Pen, {},
+                            1, 1);
+        const auto send = [&](QEvent::Type type) {
+            sendPen(w.canvas(), pen, type, {50, 50}, 1, Qt::AltModifier);
+        };
+        const auto option = [&](bool down) {
+            down ? QTest::keyPress(&w.canvas(), Qt::Key_Alt, Qt::AltModifier)
+                 : QTest::keyRelease(&w.canvas(), Qt::Key_Alt);
+            return !w.view.menuBar()->activeAction();
+        };
+        w.canvas().setFocus();
+        QVERIFY(option(true));
+        send(QEvent::TabletPress); // picks a color
+        send(QEvent::TabletRelease);
+        QVERIFY(option(false));
+        w.model.setTool(Tool::selectRect);
+        send(QEvent::TabletPress);
+        QVERIFY(option(true) && option(false));
+        send(QEvent::TabletRelease);
+        QVERIFY(option(true) && !option(false)); // with no hand on the canvas it opens
+    }
+};
+
+QIRN_TEST(tst_Commands)
+#include "tst_Commands.moc"
