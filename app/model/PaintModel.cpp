@@ -131,7 +131,7 @@ void PaintModel::editLong(const QString& name,
     if (!longTask_->run(tr("%1…").arg(name), [&](const Progress& progress) { body(*draft, progress); }))
         return;
     doc.take(std::move(*draft));
-    doc.commit(name);
+    if (doc.differsFromLastCommit()) doc.commit(name);
     afterChange(*session);
 }
 
