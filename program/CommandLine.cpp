@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include <QCoreApplication>
-#include <QUrl>
 
 namespace qirn {
 
@@ -36,8 +35,7 @@ QString tr(const char* text) {
 }
 
 QString pathOf(const QString& argument) {
-    const QUrl address(argument);
-    return absolutePath(address.isLocalFile() ? address.toLocalFile() : argument);
+    return absolutePath(pathOfAddress(QUrl(argument)).value_or(argument));
 }
 
 } // namespace

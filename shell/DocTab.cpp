@@ -1,5 +1,6 @@
 #include "shell/DocTab.h"
 
+#include "app/desktop/HostWords.h"
 #include "app/files/DocSession.h"
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
@@ -81,9 +82,10 @@ void DocTab::showSession(const DocSession& session, bool current) {
     setAccessibleName(dirty ? tr("%1, not saved yet").arg(session.name) : session.name);
     if (text() != session.name) {
         setText(session.name);
+        setShortcut({}); // an "&" in a name makes no key
         updateGeometry();
     }
-    setToolTip(session.remark.isEmpty() ? session.name : session.name + u'\n' + session.remark);
+    setToolTip(plainTip(session.remark.isEmpty() ? session.name : session.name + u'\n' + session.remark));
 }
 
 QSize DocTab::sizeHint() const {

@@ -3,6 +3,7 @@
 #include "app/commands/CommandRows.h"
 #include "app/desktop/HostWords.h"
 #include "app/files/DocSession.h"
+#include "app/model/Clipboard.h"
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
@@ -13,6 +14,7 @@
 
 #include <utility>
 
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -50,6 +52,7 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       strip_(new QScrollArea(this)) {
+    setAcceptDrops(true);
     const auto makeButton = [this, &view](const HeaderButton& row) {
         auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
         button->setObjectName(QLatin1String(row.name));
@@ -125,6 +128,16 @@ void HeaderBar::refresh() {
         if (cameUp)
             QTimer::singleShot(0, tabs_[i], [this, tab = tabs_[i]] { strip_->ensureWidgetVisible(tab); });
     }
+}
+
+void HeaderBar::dragEnterEvent(QDragEnterEvent* event) {
+    event->setDropAction(Qt::CopyAction); // a move would have the source delete its file
+    event->accept();
+}
+
+void HeaderBar::dropEvent(QDropEvent* event) {
+    event->setDropAction(Qt::CopyAction);
+    guarded(model_, [&] { event->setAccepted(model_.clipboard().dropAsPictures(*event->mimeData())); });
 }
 
 bool HeaderBar::eventFilter(QObject* watched, QEvent* event) {

@@ -20,6 +20,8 @@ public:
     HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent);
 
 protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -186,7 +186,6 @@ MainView::~MainView() {
 
 void MainView::closeEvent(QCloseEvent* event) {
     bool quit = false;
-    if (model_.sheet()) model_.closeSheet();
     guarded(model_, [&] { quit = model_.pictures().shouldQuit(); });
     if (quit) frame_->keep();
     event->setAccepted(quit);

@@ -2,8 +2,10 @@
 
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
+#include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 
+#include <QEvent>
 #include <QWidget>
 
 namespace qirn {
@@ -19,6 +21,10 @@ WindowFrame::WindowFrame(PaintModel& model, QWidget& window)
       model_(model),
       window_(window) {
     connect(&model, &PaintModel::changed, this, &WindowFrame::refresh);
+    atRest_.setSingleShot(true);
+    atRest_.setInterval(500);
+    connect(&atRest_, &QTimer::timeout, this, guarding(model, [this] { keep(); }));
+    window.installEventFilter(this);
     refresh();
 }
 
@@ -33,6 +39,12 @@ void WindowFrame::refresh() {
 bool WindowFrame::restore() {
     const auto place = model_.store().text(kPlaceKey);
     return place && window_.restoreGeometry(QByteArray::fromBase64(place->toLatin1()));
+}
+
+bool WindowFrame::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type == QEvent::Resize || type == QEvent::Move || type == QEvent::WindowStateChange) atRest_.start();
+    return QObject::eventFilter(watched, event);
 }
 
 void WindowFrame::keep() const {

@@ -1,5 +1,6 @@
 #pragma once
 #include <QObject>
+#include <QTimer>
 
 class QWidget;
 
@@ -17,13 +18,17 @@ public:
 
     /// As it was the last time, on a screen that is there; false where nothing is known. Before the window shows.
     bool restore();
-    void keep() const;
+    void keep() const; ///< Also done by itself soon after a change.
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void refresh();
 
     PaintModel& model_;
     QWidget& window_;
+    QTimer atRest_; // single shot: the window has been moved or resized
 };
 
 } // namespace qirn

@@ -1,7 +1,6 @@
 // Files and pictures that are dropped on the canvas.
 #include "app/canvas/CanvasView.h"
 
-#include "app/files/PictureExchange.h"
 #include "app/model/Clipboard.h"
 #include "app/model/PaintModel.h"
 
@@ -23,8 +22,9 @@ void CanvasView::dragEnterEvent(QDragEnterEvent* event) {
     enter(&CanvasView::dragged, event);
 }
 
+/// Whatever it is: what is of no use here is refused in words when it is dropped.
 void CanvasView::dragged(QDragMoveEvent* event) {
-    takeCopy(*event, PictureExchange::mayHoldPicture(*event->mimeData()));
+    takeCopy(*event, true);
 }
 
 void CanvasView::dropped(QDropEvent* event) {

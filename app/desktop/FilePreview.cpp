@@ -14,13 +14,12 @@
 
 #include <QCoreApplication>
 #include <QPainter>
-#include <QPointer>
 
 namespace qirn {
 
 namespace {
 
-constexpr int64_t kMostBytes = 32 * 1024 * 1024; // of a picture that is decoded for its preview
+constexpr int64_t kMostBytes = 16 * 1024 * 1024; // of a picture that is decoded for its preview
 
 QImage previewIn(const QString& path) {
     if (FileTypes::isNative(path)) return storedPreview(path).value_or(QImage());
@@ -36,21 +35,27 @@ FilePreview::FilePreview(QWidget* parent) : QWidget(parent) {
     setAccessibleName(tr("Preview"));
 }
 
+FilePreview::~FilePreview() {
+    if (wanted_) *wanted_ = false;
+}
+
 void FilePreview::setFile(const QString& path) {
-    path_ = path;
+    if (wanted_) *wanted_ = false;
+    wanted_.reset();
     image_ = {};
     update();
     if (path.isEmpty()) return;
-    // The panel may be gone or show another file when the picture is read: only the main thread looks.
-    BackgroundQueue::previews().run([self = QPointer(this), path] {
+    wanted_ = std::make_shared<std::atomic<bool>>(true);
+    BackgroundQueue::previews().run([this, path, wanted = wanted_] {
+        if (!*wanted) return; // another has been chosen, or the panel is gone
         QImage read;
         contained([&] { read = previewIn(path); });
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
-            [self, path, read] {
-                if (!self || self->path_ != path) return;
-                self->image_ = read;
-                self->update();
+            [this, read, wanted] {
+                if (!*wanted) return; // as it would be where this is gone
+                image_ = read;
+                update();
             },
             Qt::QueuedConnection);
     });

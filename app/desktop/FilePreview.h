@@ -1,4 +1,7 @@
 #pragma once
+#include <atomic>
+#include <memory>
+
 #include <QImage>
 #include <QString>
 #include <QWidget>
@@ -11,6 +14,7 @@ class FilePreview : public QWidget {
     Q_OBJECT
 public:
     explicit FilePreview(QWidget* parent);
+    ~FilePreview() override;
 
     void setFile(const QString& path);             ///< Empty for none.
     const QImage& image() const { return image_; } ///< Null until it is read, and where there is none.
@@ -21,8 +25,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QString path_;
     QImage image_;
+    std::shared_ptr<std::atomic<bool>> wanted_; // what is being read; false from when it is not any more
 };
 
 } // namespace qirn

@@ -104,7 +104,8 @@ QString FileTypes::fileName(const QString& name, const QString& extension) {
 QString FileTypes::withExtension(const QString& path, const FileType& type) {
     if (type.extensions.isEmpty()) return path;
     for (const QString& extension : type.extensions) {
-        if (path.endsWith(u'.' + extension, Qt::CaseInsensitive)) return path;
+        const bool isNameless = path.endsWith(QStringLiteral("/.") + extension, Qt::CaseInsensitive);
+        if (path.endsWith(u'.' + extension, Qt::CaseInsensitive) && !isNameless) return path;
     }
     return path + u'.' + type.extensions[0];
 }

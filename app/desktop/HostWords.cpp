@@ -3,6 +3,7 @@
 #include <QLocale>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QTextDocument>
 #include <QTime>
 
 namespace qirn {
@@ -60,6 +61,10 @@ QString hostWords(const QString& text) {
     return result;
 }
 #endif
+
+QString plainTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
 
 QString shortTime(const QTime& time) {
     static const QRegularExpression seconds(QStringLiteral("[^a-zA-Z]?s+"));

@@ -10,6 +10,9 @@ namespace qirn {
 /// and layers are put into them, which stay as they are.
 QString hostWords(const QString& text);
 
+/// A text that may hold names, for a tip: none of its signs is markup.
+QString plainTip(const QString& text);
+
 /// A time of day as the desktop writes it, to the minute.
 QString shortTime(const QTime& time);
 

@@ -12,6 +12,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QStandardPaths>
+#include <QTextDocument>
 
 namespace qirn {
 
@@ -111,7 +112,7 @@ int QtDesktop::ask(const QString& title, const QString& text, const QStringList&
     QMessageBox box(QApplication::activeWindow());
     box.setWindowTitle(QApplication::applicationDisplayName());
     box.setText(QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()));
-    box.setInformativeText(text);
+    box.setInformativeText(Qt::convertFromPlainText(text)); // of whose signs none is markup
     box.setTextFormat(Qt::RichText);
     QList<QPushButton*> made;
     for (const QString& label : buttons) {
@@ -119,7 +120,7 @@ int QtDesktop::ask(const QString& title, const QString& text, const QStringList&
         const auto role = cancels          ? QMessageBox::RejectRole
                           : made.isEmpty() ? QMessageBox::AcceptRole
                                            : QMessageBox::DestructiveRole;
-        made << box.addButton(label, role);
+        made << box.addButton(QString(label).replace(u'&', QStringLiteral("&&")), role);
         if (cancels) box.setEscapeButton(made.last());
     }
     box.setDefaultButton(made.constFirst());

@@ -67,11 +67,13 @@ QString recentListWith(const QString& list, const QString& path, const QString& 
     }
     const qsizetype end = text.lastIndexOf(QStringLiteral("</xbel>"));
     if (end < 0) return list;
-    const QByteArray encoded =
-        bytesOfPath(path).toPercentEncoding("!$&'()*+,;=:@/"); // as in a file's address
-    const QString href = QString::fromLatin1("file://" + encoded).toHtmlEscaped();
-    const qsizetype at = text.indexOf(QStringLiteral("<bookmark href=\"%1\"").arg(href));
-    if (at >= 0) return renewed(text, at, utcTime);
+    const QString href = addressOfPath(path).toHtmlEscaped().replace(u'\'', QStringLiteral("&apos;"));
+    for (const char* apostrophe : {"&apos;", "'", "&#39;", "%27"}) { // as others write it
+        QString written = href;
+        written.replace(QStringLiteral("&apos;"), QLatin1String(apostrophe));
+        const qsizetype at = text.indexOf(QStringLiteral("<bookmark href=\"%1\"").arg(written));
+        if (at >= 0) return renewed(text, at, utcTime);
+    }
     text.insert(end, QStringLiteral("  <bookmark href=\"%1\" added=\"%2\" modified=\"%2\" visited=\"%2\">\n"
                                     "    <info>\n      <metadata owner=\"http://freedesktop.org\">\n"
                                     "        <mime:mime-type type=\"%3\"/>\n"

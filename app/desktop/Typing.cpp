@@ -66,6 +66,14 @@ QWidget* Typing::field() {
     return isField ? focus : nullptr;
 }
 
+bool Typing::hasTyped() {
+    QWidget* text = field();
+    if (const auto* line = qobject_cast<QLineEdit*>(text)) return line->isModified();
+    if (const auto* page = qobject_cast<QPlainTextEdit*>(text)) return page->document()->isModified();
+    const auto* page = qobject_cast<QTextEdit*>(text);
+    return page && page->document()->isModified();
+}
+
 bool Typing::act(TextAction action) {
     QWidget* text = field();
     return actIn<QLineEdit>(text, action) || actIn<QPlainTextEdit>(text, action) ||
@@ -82,10 +90,10 @@ bool Typing::takes(const QKeyEvent& event) {
     return !event.text().isEmpty() && event.text().front().isPrint();
 }
 
-TypingKeys::TypingKeys(QWidget& window, QWidget& next, Return meaning)
+TypingKeys::TypingKeys(QWidget& window, QWidget& next, Means returnMeans)
     : QObject(&window),
       next_(next),
-      return_(meaning) {
+      returnMeans_(returnMeans) {
     window.installEventFilter(this);
 }
 
@@ -93,7 +101,8 @@ bool TypingKeys::eventFilter(QObject*, QEvent* event) {
     const bool press = event->type() == QEvent::KeyPress;
     if (!press && event->type() != QEvent::ShortcutOverride) return false;
     const auto* key = static_cast<QKeyEvent*>(event);
-    const bool goesOn = isReturn(key->key()) && return_ == Return::isForTheWindow;
+    const bool isForWindow = isReturn(key->key()) || (key->key() == Qt::Key_Escape && !Typing::hasTyped());
+    const bool goesOn = isForWindow && returnMeans_ == Means::window;
     if (goesOn || !Typing::takes(*key)) return false;
     event->accept();
     if (press && (isReturn(key->key()) || key->key() == Qt::Key_Escape)) next_.setFocus(Qt::OtherFocusReason);

@@ -16,6 +16,9 @@ QWidget* field();
 /// it or end it. Other keys with Command, Option or Control and the function keys belong to the window.
 bool takes(const QKeyEvent& event);
 
+/// Whether the user has changed what stands in the field since it came to stand there.
+bool hasTyped();
+
 enum class TextAction { undo, redo, cut, copy, paste, selectAll };
 /// Does the action in the text field that has the keyboard; false where there is none that can take it.
 bool act(TextAction action);
@@ -23,20 +26,21 @@ bool act(TextAction action);
 } // namespace Typing
 
 /// Keeps the keys of whoever types from a window's commands: what the text field itself has no use for ends here.
-/// Escape ends the typing, and so does Return where it means nothing else to the window.
+/// Escape ends the typing, and so does Return; a window with a meaning of its own for both has Return at once, and Escape
+/// where nothing was typed.
 class TypingKeys : public QObject {
     Q_OBJECT
 public:
-    enum class Return { endsTyping, isForTheWindow };
+    enum class Means { end, window };
     /// Belongs to the window; `next` is a part of it that has the keyboard once the typing has ended.
-    TypingKeys(QWidget& window, QWidget& next, Return meaning = Return::endsTyping);
+    TypingKeys(QWidget& window, QWidget& next, Means returnMeans = Means::end);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget& next_;
-    Return return_;
+    Means returnMeans_;
 };
 
 } // namespace qirn

@@ -31,6 +31,14 @@ QString firstCharacters(const QString& text, int count) {
     return text.left(finder.position());
 }
 
+/// Once floating pixels are put down, which may end the selection.
+bool hasSelection(PaintModel& model) {
+    const DocSession* session = model.current();
+    if (!session || !session->doc().selection) return false;
+    model.finishGesture();
+    return session->doc().selection != nullptr;
+}
+
 void refuseSize(PaintModel& model) {
     model.messages().flash(tr("Size must be 1 to 30,000 pixels"));
 }
@@ -44,14 +52,12 @@ void selectAll(PaintModel& model) {
 }
 
 void deselect(PaintModel& model) {
-    const DocSession* session = model.current();
-    if (!session || !session->doc().selection) return;
+    if (!hasSelection(model)) return;
     model.edit(tr("Deselect"), [](PaintDocument& doc) { qirn::deselect(doc); });
 }
 
 void invertSelection(PaintModel& model) {
-    const DocSession* session = model.current();
-    if (!session || !session->doc().selection) return;
+    if (!hasSelection(model)) return;
     model.edit(tr("Invert Selection"), [](PaintDocument& doc) { qirn::invertSelection(doc); });
 }
 
@@ -64,10 +70,8 @@ void fillSelection(PaintModel& model, const PaintColor& color) {
 }
 
 void cropToSelection(PaintModel& model) {
-    const DocSession* session = model.current();
-    if (!session) return;
-    model.finishGesture();
-    if (!session->doc().selection) return model.messages().flash(tr("Make a selection first"));
+    if (!model.current()) return;
+    if (!hasSelection(model)) return model.messages().flash(tr("Make a selection first"));
     model.editLong(tr("Crop"), [](PaintDocument& doc, const Progress& progress) {
         cropTo(doc, doc.selection->bounds(), progress);
     });
@@ -81,8 +85,8 @@ void resizeImage(PaintModel& model, int64_t width, int64_t height, double dpi) {
     const bool scales = width != old.grid().width || height != old.grid().height;
     dpi = std::max(dpi, 1.0);
     if (!scales && dpi == old.dpi) return;
-    model.edit(tr("Image Size"), [&](PaintDocument& doc) {
-        if (scales) qirn::resizeImage(doc, width, height);
+    model.editLong(tr("Image Size"), [=](PaintDocument& doc, const Progress& progress) {
+        if (scales) qirn::resizeImage(doc, width, height, progress);
         doc.dpi = dpi;
     });
 }
@@ -93,8 +97,9 @@ void resizeCanvas(PaintModel& model, int64_t width, int64_t height, double ancho
     if (!CanvasLimits::allow(width, height)) return refuseSize(model);
     const TileGrid& old = session->doc().grid();
     if (width == old.width && height == old.height) return;
-    model.edit(tr("Canvas Size"),
-               [&](PaintDocument& doc) { qirn::resizeCanvas(doc, width, height, anchorX, anchorY); });
+    model.editLong(tr("Canvas Size"), [=](PaintDocument& doc, const Progress& progress) {
+        qirn::resizeCanvas(doc, width, height, anchorX, anchorY, progress);
+    });
 }
 
 void rotateCanvas(PaintModel& model, int quarterTurns) {

@@ -106,8 +106,8 @@ public:
 
     std::shared_ptr<const RGBABuffer> file() {
         if (!offers(QStringLiteral("text/uri-list"))) return nullptr;
-        const auto path = inTime([this] { return PictureExchange::firstFile(offer_).value_or(QString()); });
-        return path.isEmpty() ? nullptr : decodedFile(path);
+        const auto paths = inTime([this] { return PictureExchange::files(offer_); });
+        return paths.isEmpty() ? nullptr : decodedFile(paths.front());
     }
 
     /// Other programs offer BMP alone, or an image that the toolkit passes on.
@@ -150,12 +150,11 @@ std::unique_ptr<QMimeData> PictureExchange::copied(std::shared_ptr<const RGBABuf
     return std::make_unique<CopiedPicture>(std::move(buffer), dpi);
 }
 
-std::optional<QString> PictureExchange::firstFile(const QMimeData& offer) {
-    for (const QUrl& url : offer.urls()) {
-        if (!url.isLocalFile()) continue;
-        return pathFromBytes(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
-    }
-    return std::nullopt;
+QStringList PictureExchange::files(const QMimeData& offer) {
+    QStringList paths;
+    for (const QUrl& url : offer.urls())
+        if (const auto path = pathOfAddress(url)) paths << *path;
+    return paths;
 }
 
 PictureExchange::Taken PictureExchange::picture(const QMimeData& offer) {
@@ -171,11 +170,6 @@ PictureExchange::Taken PictureExchange::pictureOrFile(const QMimeData& offer) {
     if (!pixels) pixels = asked.file();
     if (!pixels) pixels = asked.otherForm();
     return {pixels, !pixels && asked.isLate()};
-}
-
-bool PictureExchange::mayHoldPicture(const QMimeData& offer) {
-    const QStringList formats = offer.formats();
-    return firstFile(offer) || offer.hasImage() || std::any_of(formats.begin(), formats.end(), isPictureType);
 }
 
 } // namespace qirn

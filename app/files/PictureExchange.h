@@ -6,6 +6,7 @@
 
 #include <QMimeData>
 #include <QString>
+#include <QStringList>
 
 namespace qirn {
 
@@ -15,8 +16,8 @@ namespace PictureExchange {
 /// A copied picture, offered as PNG and TIFF, which are encoded on demand. Nobody may write to the buffer from now on.
 std::unique_ptr<QMimeData> copied(std::shared_ptr<const RGBABuffer> buffer, double dpi);
 
-/// The first local file of the offer, if any.
-std::optional<QString> firstFile(const QMimeData& offer);
+/// The local files of the offer, in its order.
+QStringList files(const QMimeData& offer);
 
 struct Taken {
     std::shared_ptr<const RGBABuffer> pixels; ///< Null when there is no picture that can be read.
@@ -28,9 +29,6 @@ Taken picture(const QMimeData& offer);
 
 /// As `picture`, with the first file read between TIFF and the other forms.
 Taken pictureOrFile(const QMimeData& offer);
-
-/// Whether a drag may hold a picture: looks at the forms that it offers and fetches none.
-bool mayHoldPicture(const QMimeData& offer);
 
 } // namespace PictureExchange
 

@@ -64,7 +64,11 @@ void Clipboard::cut() {
     if (Typing::act(Typing::TextAction::cut)) return;
     DocSession* session = model_.current();
     if (!session) return;
+    const bool hadSelection = session->doc().selection != nullptr;
     model_.finishGesture(); // floating pixels would be in neither the copy nor the layer
+    // A scale or a turn ends the selection; all of the layer is not what was to be cut.
+    if (hadSelection && !session->doc().selection)
+        return model_.messages().flash(tr("Make a selection first"));
     const bool copied = copyPicture(Merged::no);
     PaintDocument& doc = session->doc();
     if (doc.activeLayer().isLocked) return model_.messages().flash(tr("The layer is locked"));
@@ -110,7 +114,6 @@ void Clipboard::pasteBuffer(const RGBABuffer& buffer, const QString& name, std::
 }
 
 void Clipboard::importImageAsLayer() {
-    model_.finishGesture();
     for (const QString& path :
          model_.desktop().openFiles(tr("Import"), FileTypes::import(), Desktop::Several::no))
         importImage(path);
@@ -129,26 +132,47 @@ void Clipboard::importImage(const QString& path) {
     }
     if (!picture)
         return model_.messages().alert(tr("Couldn't import"), tr("This picture could not be read."));
+    model_.desktop().noteUsedFile(path);
     pasteBuffer(*picture->layer->toBuffer(), QFileInfo(path).completeBaseName(), std::nullopt);
 }
 
 bool Clipboard::drop(const QMimeData& offer) {
-    if (const auto path = PictureExchange::firstFile(offer)) {
+    if (const QStringList paths = PictureExchange::files(offer); !paths.isEmpty()) {
         // Queued: the program that the drag came from waits for this call, and an alert may come up.
-        const auto take = [this, path = *path] {
-            if (FileTypes::isNative(path))
-                model_.pictures().open(path);
-            else
-                importImage(path);
-        };
-        soon(model_, take);
+        soon(model_, [this, paths] { takeFiles(paths); });
         return true;
     }
     const PictureExchange::Taken taken = PictureExchange::picture(offer);
     if (taken.isLate) model_.messages().flash(tr("The other program did not answer in time"));
-    if (!taken.pixels) return false;
+    if (!taken.pixels) {
+        if (!taken.isLate) model_.messages().flash(tr("Only files can be dropped here."));
+        return false;
+    }
     pasteBuffer(*taken.pixels, tr("Dropped Picture"), std::nullopt);
     return true;
+}
+
+bool Clipboard::dropAsPictures(const QMimeData& offer) {
+    const QStringList paths = PictureExchange::files(offer);
+    if (paths.isEmpty()) {
+        model_.messages().flash(tr("Only files can be dropped here."));
+        return false;
+    }
+    soon(model_, [this, paths] { model_.pictures().open(paths); });
+    return true;
+}
+
+void Clipboard::takeFiles(const QStringList& paths) {
+    QStringList documents;
+    for (const QString& path : paths) {
+        if (FileTypes::isNative(path))
+            documents << path;
+        else
+            importImage(path);
+    }
+    if (documents.isEmpty()) return;
+    model_.pictures().open(documents);
+    if (DocSession* first = model_.pictures().sessionOf(documents.front())) model_.pictures().select(*first);
 }
 
 } // namespace qirn

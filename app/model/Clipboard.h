@@ -28,10 +28,14 @@ public:
     void pasteBuffer(const RGBABuffer& buffer, const QString& name, std::optional<QPoint> topLeft);
     void importImageAsLayer();
     void importImage(const QString& path);
-    bool drop(const QMimeData&
-                  offer); ///< False when it holds no picture. Files are read after the call has returned.
+    /// Takes a drop on the canvas: pictures become layers of the picture that is current, then documents open and the first
+    /// of them is shown. False when it holds neither. Files are read after the call has returned.
+    bool drop(const QMimeData& offer);
+    /// Takes a drop where pictures are listed: each file opens as a picture.
+    bool dropAsPictures(const QMimeData& offer);
 
 private:
+    void takeFiles(const QStringList& paths);
     bool copyPicture(Merged merged);
     std::optional<QPoint> placeOfCopy(const RGBABuffer& buffer) const;
 

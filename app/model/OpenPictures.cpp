@@ -16,6 +16,7 @@
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/files/FilePath.h"
 #include "platform/files/ReadFile.h"
 
 #include <algorithm>
@@ -51,14 +52,24 @@ QStringList storedRecentFiles(const Store& store) {
     const Json* list = store.json(kRecentFilesKey);
     if (!list || !list->is_array()) return paths;
     for (const Json& path : *list)
-        if (path.is_string()) paths << QString::fromStdString(path.get<std::string>());
+        if (path.is_string()) {
+            const QString text = QString::fromStdString(path.get<std::string>());
+            paths << pathOfAddress(QUrl(text)).value_or(text);
+        }
     return paths;
 }
 
+struct ReadPicture : ImageImport::Imported {
+    bool isDocument = false; ///< By its content: a save may take its place.
+};
+
 /// Throws ReadError, or the format layer's typed error.
-ImageImport::Imported readPicture(const QString& path, const Progress& progress) {
+ReadPicture readPicture(const QString& path, const Progress& progress) {
     const QByteArray bytes = readFile(path, kAnyLength, progress.part(0, kFileRead));
-    return ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1));
+    const auto& magic = PaintFile::magic;
+    const bool isDocument = bytesOf(bytes).size() >= magic.size() &&
+                            std::equal(magic.begin(), magic.end(), bytesOf(bytes).begin());
+    return {ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1)), isDocument};
 }
 
 void write(const QString& path, const QByteArray& bytes, const Progress& progress) {
@@ -156,7 +167,6 @@ DocSession* OpenPictures::sessionOf(const QString& path) const {
 }
 
 void OpenPictures::openPanel() {
-    model_.finishGesture();
     open(model_.desktop().openFiles(tr("Open"), FileTypes::open(), Desktop::Several::yes));
 }
 
@@ -192,15 +202,15 @@ std::optional<QString> OpenPictures::whyNotOpened(const QString& path) {
         return std::nullopt;
     }
     const QFileInfo info(path);
-    ImageImport::Imported picture;
+    ReadPicture picture;
     try {
         const auto read = [&](const Progress& progress) { picture = readPicture(path, progress); };
         if (!model_.longTask().run(tr("Opening %1…").arg(info.fileName()), read)) throw Cancelled();
     } catch (const std::exception& error) {
         return failureText(error);
     }
-    const bool native = FileTypes::isNative(path);
-    const QString base = info.completeBaseName();
+    const bool native = FileTypes::isNative(path) && picture.isDocument;
+    const QString base = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     const QString name =
         native || info.suffix().isEmpty() ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
     const auto session = std::make_shared<DocSession>(
@@ -289,7 +299,7 @@ void OpenPictures::exportPicture(ExportFormat format, double jpegQuality, const 
 
 QStringList OpenPictures::recentFiles() const {
     QStringList there = storedRecentFiles(model_.store());
-    there.removeIf([](const QString& path) { return !QFileInfo::exists(path); });
+    there.removeIf([](const QString& path) { return !isThere(path); });
     return there;
 }
 
@@ -299,7 +309,7 @@ void OpenPictures::noteRecentFile(const QString& path) {
     paths.prepend(path);
     OrderedJson list = OrderedJson::array();
     for (const QString& file : paths.first(std::min<qsizetype>(paths.size(), kRecentFiles)))
-        list.push_back(file.toStdString());
+        list.push_back(addressOfPath(file).toStdString());
     model_.store().set(kRecentFilesKey, list);
     model_.desktop().noteRecentFile(path);
     model_.desktop().noteUsedFile(path);
@@ -360,14 +370,16 @@ void OpenPictures::closeCurrent() {
 }
 
 bool OpenPictures::shouldQuit() {
+    model_.closeSheet();
     model_.finishGesture();
     const std::vector<SessionRef> open = sessions_;
     QStringList closed;
     for (const SessionRef& session : open) {
         if (!session->isDirty()) continue;
         select(*session);
+        const auto said = model_.messages().hud();
         if (!close(*session)) {
-            if (!closed.isEmpty())
+            if (!closed.isEmpty() && model_.messages().hud() == said) // and not why it could not be saved
                 model_.messages().flash(tr("Closed: %1").arg(closed.join(QStringLiteral(", "))));
             return false;
         }

@@ -25,7 +25,8 @@ public:
 
     const std::vector<SessionRef>& sessions() const { return sessions_; }
     std::set<QUuid> ids() const;
-    DocSession* current() const; ///< Null only before the first picture.
+    DocSession* sessionOf(const QString& path) const; ///< The one whose file that is; null for none.
+    DocSession* current() const;                      ///< Null only before the first picture.
 
     void newDocument(int64_t width, int64_t height, double dpi, std::optional<PaintColor> background,
                      const QString& name);
@@ -56,7 +57,6 @@ private:
     /// Why it could not be opened, in words; nothing when it was.
     /// Throws Cancelled.
     std::optional<QString> whyNotOpened(const QString& path);
-    DocSession* sessionOf(const QString& path) const; ///< The one whose file that is; null for none.
     void noteRecentFile(const QString& path);
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);

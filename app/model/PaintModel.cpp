@@ -177,11 +177,7 @@ void PaintModel::takeBack(const QString& why) {
     opacity_->drop();
     DocSession* const session = current();
     contained([&] {
-        if (!session) return;
-        PaintDocument& doc = session->doc();
-        const QUuid active = doc.activeLayer().id;
-        doc.revertToLastCommit();
-        if (const auto index = doc.indexOf(active)) doc.setActiveIndex(*index);
+        if (session) session->doc().revertToLastCommit();
     });
     contained([&] { canvas_->dropUncommitted(); });
     if (session) session->announceChange();

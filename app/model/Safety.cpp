@@ -1,6 +1,7 @@
 #include "app/model/Safety.h"
 
 #include "app/desktop/BackgroundQueue.h"
+#include "app/desktop/Failures.h"
 #include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
@@ -40,7 +41,8 @@ void Safety::autosaveTick() {
         // Floating pixels are in no layer, so a copy made now would lack them.
         const bool floating = model_.transform().isPending() && session.get() == model_.current();
         if (recent || floating || model_.canvas().isBusy()) continue;
-        Recovery::write(*session, Recovery::Synchronously::no);
+        // What fails here has nothing to do with what is painted: it is tried again at the next tick.
+        if (!contained([&] { Recovery::write(*session, Recovery::Synchronously::no); })) continue;
         lastAutosaveText_ = tr("Autosaved %1").arg(shortTime(now.time()));
         model_.announce();
     }

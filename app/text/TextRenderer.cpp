@@ -10,6 +10,7 @@
 #include <QPainterPath>
 #include <QRawFont>
 #include <QTextLayout>
+#include <QTextOption>
 
 namespace qirn {
 
@@ -18,6 +19,7 @@ namespace {
 constexpr double kSmallest = 4, kLargest = 2000; // sizes of a font, pixels
 constexpr int kMargin = 4;                       // round the text, for what antialiasing adds
 constexpr int64_t kLongestSide = 29'999;
+constexpr double kWidestLine = 20'000; // where a paragraph breaks by itself
 
 QColor colorOf(const PaintColor& c) {
     return QColor::fromRgbF(static_cast<float>(c.r), static_cast<float>(c.g), static_cast<float>(c.b),
@@ -29,26 +31,32 @@ class LaidOutText {
 public:
     explicit LaidOutText(const TextSpec& spec) : spec_(spec) {
         const QFont font = TextRenderer::font(spec);
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         double y = 0;
         for (const QString& paragraph : spec.text.split(u'\n')) {
             auto layout = std::make_unique<QTextLayout>(paragraph, font);
+            layout->setTextOption(option);
             layout->beginLayout();
-            QTextLine line = layout->createLine();
-            line.setLeadingIncluded(true);
-            line.setLineWidth(20'000);
-            line.setPosition(QPointF(0, y));
+            for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
+                line.setLeadingIncluded(true);
+                line.setLineWidth(kWidestLine);
+                line.setPosition(QPointF(0, y));
+                y += line.height();
+                width_ = std::max(width_, line.naturalTextWidth());
+            }
             layout->endLayout();
-            y += line.height();
-            width_ = std::max(width_, line.naturalTextWidth());
             layouts_.push_back(std::move(layout));
         }
         height_ = y;
         for (const auto& layout : layouts_) {
-            QTextLine line = layout->lineAt(0);
-            const double rest = width_ - line.naturalTextWidth();
-            const double x = spec.alignment == 1 ? rest / 2 : spec.alignment == 2 ? rest : 0;
-            // A line of a right-to-left paragraph hangs at the far end of its 20,000 pixels.
-            line.setPosition(QPointF(x - line.naturalTextRect().x() + line.x(), line.y()));
+            for (int i = 0; i < layout->lineCount(); ++i) {
+                QTextLine line = layout->lineAt(i);
+                const double rest = width_ - line.naturalTextWidth();
+                const double x = spec.alignment == 1 ? rest / 2 : spec.alignment == 2 ? rest : 0;
+                // A line of a right-to-left paragraph hangs at the far end of its room.
+                line.setPosition(QPointF(x - line.naturalTextRect().x() + line.x(), line.y()));
+            }
         }
     }
 

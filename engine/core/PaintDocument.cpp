@@ -178,7 +178,10 @@ void PaintDocument::redo() {
 }
 
 void PaintDocument::revertToLastCommit() {
+    const QUuid inHand = activeLayer().id;
     restore(0, CountsAsChange::no);
+    if (const auto index = indexOf(inHand))
+        setActiveIndex(*index); // choosing a layer is no change to be reverted
 }
 
 void PaintDocument::resetHistory() {

@@ -44,17 +44,18 @@ int64_t shift(int64_t growth, double anchor) {
 
 } // namespace
 
-void resizeImage(PaintDocument& doc, int64_t width, int64_t height) {
+void resizeImage(PaintDocument& doc, int64_t width, int64_t height, const Progress& progress) {
     const TileGrid grid = gridOf(width, height);
-    if (grid == doc.grid()) return reshapeByMap(doc, grid, PixelMap{}, {});
-    reshape(doc, grid, {}, [](Layer& from, Layer& to, const Progress&) { scaleTiles(from, to); });
+    if (grid == doc.grid()) return reshapeByMap(doc, grid, PixelMap{}, progress);
+    reshape(doc, grid, progress, scaleTiles);
 }
 
-void resizeCanvas(PaintDocument& doc, int64_t width, int64_t height, double anchorX, double anchorY) {
+void resizeCanvas(PaintDocument& doc, int64_t width, int64_t height, double anchorX, double anchorY,
+                  const Progress& progress) {
     const TileGrid grid = gridOf(width, height);
     const int64_t dx = shift(grid.width - doc.grid().width, anchorX);
     const int64_t dy = shift(grid.height - doc.grid().height, anchorY);
-    reshapeByMap(doc, grid, PixelMap::moved(dx, dy), {});
+    reshapeByMap(doc, grid, PixelMap::moved(dx, dy), progress);
 }
 
 void cropTo(PaintDocument& doc, const IRect& rect, const Progress& progress) {

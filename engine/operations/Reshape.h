@@ -13,10 +13,11 @@ namespace qirn {
 enum class FlipAxis { horizontal, vertical };
 
 /// Scales the picture to another size, smoothly, each layer for itself.
-void resizeImage(PaintDocument& doc, int64_t width, int64_t height);
+void resizeImage(PaintDocument& doc, int64_t width, int64_t height, const Progress& progress = {});
 /// Gives the canvas another size without scaling. The anchors say where what is there stays: 0 at the left or top
 /// edge, 1 at the right or bottom, 0.5 in the middle; halves of pixels round away from zero.
-void resizeCanvas(PaintDocument& doc, int64_t width, int64_t height, double anchorX, double anchorY);
+void resizeCanvas(PaintDocument& doc, int64_t width, int64_t height, double anchorX, double anchorY,
+                  const Progress& progress = {});
 /// Keeps a rectangle, or what of it lies on the canvas; does nothing at all for one outside.
 void cropTo(PaintDocument& doc, const IRect& rect, const Progress& progress = {});
 /// Clockwise, or the other way for a negative count; exact. Full circles do nothing at all.

@@ -89,7 +89,7 @@ SourceTiles sourceTilesIn(const Layer& layer, const IRect& rect, OneColorTiles& 
 
 } // namespace
 
-void scaleTiles(Layer& from, Layer& to) {
+void scaleTiles(Layer& from, Layer& to, const Progress& progress) {
     const TileGrid &old = from.grid(), &grid = to.grid();
     const ScaleWeights across = weightsBetween(old.width, grid.width);
     const ScaleWeights down = weightsBetween(old.height, grid.height);
@@ -110,17 +110,20 @@ void scaleTiles(Layer& from, Layer& to) {
         jobs.add({under.color, under.color ? -1 : slot, part.w, part.h}, slot);
     }
     const SourceRows source = rowsOf(from);
-    jobs.run(to, [&](const TileJob& job, uint8_t* pixels) {
-        const IRect part = grid.rectOf(job.first);
-        if (const auto color = colors.find(job.first); color != colors.end())
-            return fillPixels(pixels, {0, 0, part.w, part.h}, color->second);
-        concurrentPerform((part.h + kBandRows - 1) / kBandRows, [&](int64_t band) {
-            const int64_t top = band * kBandRows;
-            scaleBlock(source, across, down,
-                       {part.x, part.y + top, part.w, std::min(kBandRows, part.h - top),
-                        pixels + placeInTile(0, top), kTileRowBytes});
-        });
-    });
+    jobs.run(
+        to,
+        [&](const TileJob& job, uint8_t* pixels) {
+            const IRect part = grid.rectOf(job.first);
+            if (const auto color = colors.find(job.first); color != colors.end())
+                return fillPixels(pixels, {0, 0, part.w, part.h}, color->second);
+            concurrentPerform((part.h + kBandRows - 1) / kBandRows, [&](int64_t band) {
+                const int64_t top = band * kBandRows;
+                scaleBlock(source, across, down,
+                           {part.x, part.y + top, part.w, std::min(kBandRows, part.h - top),
+                            pixels + placeInTile(0, top), kTileRowBytes});
+            });
+        },
+        progress);
 }
 
 } // namespace qirn

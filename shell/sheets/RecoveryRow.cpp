@@ -67,7 +67,7 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
         words->setSpacing(m.inset);
         setFixedHeight(previewSize().height() + 2 * m.gap);
         name->setText(name->fontMetrics().elidedText(text, Qt::ElideMiddle, m.px(220)));
-        name->setToolTip(name->text() == text ? QString() : text);
+        name->setToolTip(name->text() == text ? QString() : plainTip(text));
     });
 
     // The row may be gone when the preview is there: only the main thread looks.

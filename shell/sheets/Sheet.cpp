@@ -72,7 +72,7 @@ QPushButton* Sheet::addButton(const QString& text, Role role) {
     if (role == Role::standard) {
         default_ = button;
         button->setDefault(true);
-        new TypingKeys(*this, *button, TypingKeys::Return::isForTheWindow);
+        new TypingKeys(*this, *button, TypingKeys::Means::window);
     }
     return button;
 }

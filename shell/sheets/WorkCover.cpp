@@ -79,6 +79,7 @@ WorkCover::WorkCover(QWidget* window)
         line_->setFixedHeight(m.tightGap);
         box_->setFixedWidth(m.px(420));
     });
+    what_->setTextFormat(Qt::PlainText);
     connect(cancel_, &QPushButton::clicked, this, [this] {
         cancel_->setEnabled(false); // it is on its way
         if (doCancel_) doCancel_();

@@ -352,15 +352,28 @@ private Q_SLOTS:
         }
     }
 
-    void aDroppedDocumentIsOpened() {
+    void droppedFilesBecomeLayersOrTabs() {
         Studio studio;
-        const QString file = studio.path("a.QirnPaint");
-        writeFile(file, PaintFile::encode(studio.doc()));
+        const DocSession& here = studio.session();
+        for (const char* name : {"a.QirnPaint", "b.qirnpaint"})
+            writeFile(studio.path(name), PaintFile::encode(studio.doc()));
+        for (const char* name : {"one.jpg", "two.jpg"}) writeFile(studio.path(name), plain(Qt::red, "jpeg"));
         QMimeData mime;
-        mime.setUrls({QUrl::fromLocalFile(file)});
+        QList<QUrl> urls;
+        for (const char* name : {"a.QirnPaint", "one.jpg", "b.qirnpaint", "two.jpg"})
+            urls << QUrl::fromLocalFile(studio.path(name));
+        mime.setUrls(urls);
         QVERIFY(dragOnto(studio, mime, Qt::CopyAction).dropped);
-        QCOMPARE(studio.session().name, "a");
-        QCOMPARE(studio.session().fileURL, QUrl::fromLocalFile(file));
+        QTRY_COMPARE(studio.model.pictures().sessions().size(), std::size_t{3});
+        // The pictures are layers of what was shown, in order; the first document is what is shown now.
+        const int64_t top = here.doc().layerCount() - 1;
+        QVERIFY(here.doc().layer(top).name == "two" && here.doc().layer(top - 1).name == "one");
+        QVERIFY(studio.session().name == "a" && studio.model.pictures().sessions().back()->name == "b");
+        QCOMPARE(studio.session().fileURL, QUrl::fromLocalFile(studio.path("a.QirnPaint")));
+        // On the strip of tabs each is a picture of its own.
+        QVERIFY(studio.model.clipboard().dropAsPictures(mime));
+        QTRY_COMPARE(studio.session().name, "two (from JPG)");
+        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{5});
     }
 
     void whatIsNoPictureIsRefused() {
@@ -369,7 +382,9 @@ private Q_SLOTS:
         QMimeData words;
         words.setText("words");
         words.setUrls({QUrl("https://a.example/b.png")});
-        QVERIFY(!dragOnto(studio, words, Qt::CopyAction).entered);
+        QVERIFY(!dragOnto(studio, words, Qt::CopyAction).dropped);
+        QCOMPARE(studio.model.messages().hud(), "Only files can be dropped here.");
+        QVERIFY(!studio.model.clipboard().dropAsPictures(words));
         QMimeData damaged;
         damaged.setData("image/png", "no picture");
         const Drag drag = dragOnto(studio, damaged, Qt::CopyAction);

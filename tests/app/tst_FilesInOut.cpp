@@ -51,6 +51,7 @@ private Q_SLOTS:
                                              {"/a.b/v1.2", "/a.b/v1.2.jpg"},
                                              {"/a.b/cat.png", "/a.b/cat.png.jpg"}})
             QCOMPARE(FileTypes::withExtension(typed, FileTypes::exported(ExportFormat::jpeg)), written);
+        QCOMPARE(FileTypes::withExtension("/a/.jpg", FileTypes::exported(ExportFormat::jpeg)), "/a/.jpg.jpg");
         QCOMPARE(FileTypes::fileName(".a/b\n\x7f", "png"), "-a-b--.png"); // neither hidden nor in a folder
         const QString longName = FileTypes::fileName(QStringLiteral("日").repeated(100), "qirnpaint");
         QCOMPARE(longName, QStringLiteral("日").repeated(81) + ".qirnpaint"); // 243 bytes and 10
@@ -72,6 +73,14 @@ private Q_SLOTS:
         QCOMPARE(studio.desktop.asked.back().title, "Couldn't open 2 files");
         QVERIFY(studio.desktop.asked.back().text.startsWith("a.png: No such file") &&
                 studio.desktop.asked.back().text.endsWith(": This is a folder."));
+        // An ending of ours on another's content is no reason to overwrite it.
+        QVERIFY(QFile::copy(cat, studio.path("png.qirnpaint")) && QFile::copy(cat, studio.path(".png")));
+        studio.model.pictures().open(studio.path("png.qirnpaint"));
+        QVERIFY(studio.session().fileURL.isEmpty() && studio.session().name == "png (from QIRNPAINT)");
+        studio.model.pictures().close(studio.session());
+        studio.model.pictures().open(studio.path(".png"));
+        QCOMPARE(studio.session().name, ".png (from PNG)");
+        studio.model.pictures().close(studio.session());
         QVERIFY(QFile::copy(cat, studio.path("plain")));
         studio.model.pictures().open(studio.path("plain"));
         QCOMPARE(studio.session().name, "plain");
@@ -79,7 +88,8 @@ private Q_SLOTS:
         QCOMPARE(studio.session().name, "dog.v2 (from JPG)");
         QCOMPARE(studio.model.pictures().sessions()[1]->name, "cat (from PNG)");
         QVERIFY(studio.session().fileURL.isEmpty() && !studio.session().isDirty());
-        QCOMPARE(studio.desktop.recentFiles, QStringList({cat, dog, studio.path("plain")}));
+        QCOMPARE(studio.desktop.recentFiles, QStringList({cat, dog, studio.path("png.qirnpaint"),
+                                                          studio.path(".png"), studio.path("plain")}));
         const QByteArray before = bytesAt(dog);
         QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no)); // asks, and is cancelled
         QCOMPARE(studio.desktop.proposedNames.back(), "dog.v2 (from JPG).qirnpaint");
@@ -113,11 +123,12 @@ private Q_SLOTS:
             studio.model.pictures().newDocument(30, 20, 72, std::nullopt, name);
         }
         studio.fill({0, 0, 9, 9});
-        studio.desktop.answers = {0, 2, 1}; // save, don't, cancel
+        studio.model.showSheet({PaintSheet::Kind::imageSize}); // which does not stay over another picture
+        studio.desktop.answers = {0, 2, 1};                    // save, don't, cancel
         studio.desktop.savePaths = {studio.path("One.qirnpaint")};
         QVERIFY(!studio.model.pictures().shouldQuit());
         QCOMPARE(studio.model.messages().hud(), "Closed: One, Two");
-        QCOMPARE(studio.session().name, "Three");
+        QVERIFY(studio.session().name == "Three" && !studio.model.sheet());
         QCOMPARE(studio.model.pictures().recentFiles().front(), studio.path("One.qirnpaint"));
     }
 
@@ -128,7 +139,9 @@ private Q_SLOTS:
             Mode mode;
             QStringList files;
         } cases[] = {
-            {{"/a b.png", "-x", "--unknown", "file:///c%20d.png"}, Mode::none, {"/a b.png", "/c d.png"}},
+            {{"/a b.png", "-x", "--unknown", "file:///c%20d.png", "file://localhost/%E9"},
+             Mode::none,
+             {"/a b.png", "/c d.png", pathFromBytes("/\xE9")}},
             {{"/a", "--", "-b", "--selftest", "--"},
              Mode::none,
              {"/a", absolutePath("-b"), absolutePath("--selftest"), absolutePath("--")}},

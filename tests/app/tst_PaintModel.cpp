@@ -355,6 +355,10 @@ private Q_SLOTS:
             "added=\"2026-01-02T03:04:05Z\" modified=\"2027-05-06T07:08:09Z\" visited=\"2027"));
         QVERIFY(again.contains("name=\"X\"") &&
                 again.contains("modified=\"2027-05-06T07:08:09Z\" count=\"2\""));
+        const QString others2 = recentListWith({}, "/mom's", {});
+        QVERIFY(
+            recentListWith(QString(others2).replace("&apos;s\"", "'s\""), "/mom's", {}).count("<bookmark ") ==
+            1);
         QVERIFY(again.count("<bookmark ") == 1 && again.count("name=\"Qirn Paint\"") == 1);
         const QString twice = recentListWith(once, "/c.qirnpaint", "2026-01-02T03:04:05Z");
         QVERIFY(twice.startsWith(once.chopped(8)));

@@ -53,6 +53,13 @@ private Q_SLOTS:
         QVERIFY(!TextRenderer::render(huge));
     }
 
+    void aLongParagraphBreaksAndLosesNothing() {
+        const auto one = TextRenderer::bounds(words("W"));
+        const auto many = TextRenderer::bounds(words(QString(1000, u'W')));
+        QVERIFY(many->w <= 20'008 && many->w > 19'000);
+        QCOMPARE((many->h - 8) / (one->h - 8), 1000 * (one->w - 8) / 20'000 + 1);
+    }
+
     void linesAreAlignedWithinTheWidest() {
         int starts[3];
         for (int alignment = 0; alignment < 3; ++alignment) {

@@ -273,8 +273,9 @@ private Q_SLOTS:
             asked = box->text() + box->informativeText();
             box->reject();
         });
-        QtDesktop().ask("Save changes to \"macOS study\"?", "⌘N", {"OK"}, 0);
-        QCOMPARE(asked, "<b>Save changes to &quot;macOS study&quot;?</b>⌘N");
+        QtDesktop().ask("Save changes to \"macOS <b> study\"?", "<i>⌘N\nR&D", {"OK"}, 0);
+        QVERIFY(asked.startsWith("<b>Save changes to &quot;macOS &lt;b&gt; study&quot;?</b><p>"));
+        QVERIFY(asked.contains("&lt;i&gt;⌘N<br") && asked.contains("R&amp;D"));
     }
 
     void everyCommandIsAStepOfItsNameThatUndoTakesBack() {

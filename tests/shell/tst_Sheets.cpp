@@ -264,8 +264,14 @@ private Q_SLOTS:
         QTest::mouseClick(&w.control<QCheckBox>("Outline (second color)"), Qt::LeftButton);
         w.control<ChromeSlider>("Width").enter(spec.outlineWidth);
         w.control<ChromeSlider>("Size").enter(spec.size);
-        w.answer(Qt::Key_Escape); // out of the words
+        QTest::keyClicks(w.sheet().findChild<QPlainTextEdit*>(), "words");
+        w.sheet().findChild<QPlainTextEdit*>()->setFocus();
+        w.answer(Qt::Key_Escape); // out of what was typed
+        QVERIFY(w.model.sheet());
         w.answer(Qt::Key_Escape);
+        QVERIFY(!w.model.sheet() && w.lastStep() == "1 Select All");
+        w.model.showSheet({PaintSheet::Kind::newDocument});
+        w.answer(Qt::Key_Escape); // nothing was typed
         QVERIFY(!w.model.sheet());
 
         w.model.showSheet({PaintSheet::Kind::text, {50.9, 40.9}}); // what was chosen is kept

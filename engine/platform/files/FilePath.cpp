@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QStringDecoder>
+#include <unistd.h>
 
 namespace qirn {
 
@@ -53,6 +54,20 @@ QByteArray bytesOfPath(const QString& path) {
         plain = i + 1;
     }
     return bytes + QFile::encodeName(path.mid(plain));
+}
+
+QString addressOfPath(const QString& path) {
+    return QString::fromLatin1("file://" + bytesOfPath(path).toPercentEncoding("!$&'()*+,;=:@/"));
+}
+
+std::optional<QString> pathOfAddress(const QUrl& address) {
+    const bool isHere = address.host().isEmpty() || address.host() == QLatin1String("localhost");
+    if (address.scheme() != QLatin1String("file") || !isHere) return std::nullopt;
+    return pathFromBytes(QByteArray::fromPercentEncoding(address.path(QUrl::FullyEncoded).toLatin1()));
+}
+
+bool isThere(const QString& path) {
+    return ::access(bytesOfPath(path).constData(), F_OK) == 0;
 }
 
 QString absolutePath(const QString& path) {

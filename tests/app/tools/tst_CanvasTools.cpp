@@ -1,6 +1,7 @@
 #include "app/canvas/FloatingImage.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
+#include "app/model/Clipboard.h"
 #include "app/model/Colors.h"
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
@@ -307,6 +308,32 @@ private Q_SLOTS:
             QVERIFY(!studio.model.transform().state());
             QCOMPARE(studio.doc().fingerprint(), print);
             QVERIFY(studio.doc().undoDepth() == 1 && studio.doc().canRedo());
+        }
+    }
+
+    void aTransformThatEndsKeepsTheLayerInHandAndMakesNoFalseStep() {
+        Studio studio;
+        studio.fill({20, 20, 40, 40});
+        LayerEdits::addLayer(studio.model);
+        studio.fill({60, 60, 40, 40});
+        LayerEdits::setActiveLayer(studio.model, 1); // since the last step
+        const QUuid inHand = studio.layer().id;
+        studio.model.transform().beginTransform();
+        studio.key(Qt::Key_Escape);
+        QCOMPARE(studio.layer().id, inHand);
+        studio.select({300, 200, 9, 9}); // nothing is there
+        studio.model.transform().beginTransform();
+        QVERIFY(studio.layer().id == inHand && !studio.model.transform().state());
+        for (void (*command)(PaintModel&) : {CanvasEdits::deselect, CanvasEdits::invertSelection,
+                                             +[](PaintModel& model) { model.clipboard().cut(); }}) {
+            studio.select({20, 20, 30, 30});
+            studio.model.transform().beginTransform();
+            studio.model.transform().updateTransform([](TransformState& state) { state.angle = 30; });
+            const int64_t depth = studio.doc().undoDepth();
+            command(studio.model); // the turn ends the selection, and nothing is left to be done
+            QVERIFY(studio.doc().undoDepth() == depth + 1 && studio.doc().undoName() == "Transform");
+            QVERIFY(!studio.layer().isEmpty());
+            studio.model.undo();
         }
     }
 
