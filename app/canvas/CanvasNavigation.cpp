@@ -148,11 +148,15 @@ void CanvasView::setPan(QPointF pan) {
 }
 
 void CanvasView::holdingThePicture(const std::function<void()>& relayout) {
-    const QPointF before = middleInWindow();
+    const QPointF middleBefore = middleInWindow();
+    const QSizeF sizeBefore = deviceSize();
     if (session_) session_->needsFit = false;
     relayout();
-    const QPointF moved = middleInWindow() - before;
-    if (session_ && !moved.isNull()) setPan(session_->view.pan + QPointF(-moved.x(), moved.y()));
+    const QPointF moved = middleInWindow() - middleBefore;
+    const QPointF shift(-moved.x(), moved.y()); // of what rests on screen, from the view's middle
+    const QSizeF grown = deviceSize() - sizeBefore;
+    if (lastMouseView_) *lastMouseView_ += shift + QPointF(grown.width(), grown.height()) / 2;
+    if (session_) setPan(session_->view.pan + shift);
 }
 
 void CanvasView::setZoom(double zoom, std::optional<QPointF> around) {

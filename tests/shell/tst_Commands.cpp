@@ -1,4 +1,5 @@
 #include "app/commands/CommandRows.h"
+#include "app/model/CanvasStatus.h"
 #include "app/model/Colors.h"
 #include "app/model/PendingTransform.h"
 #include "shell/HeaderBar.h"
@@ -174,6 +175,9 @@ private Q_SLOTS:
         Window w;
         const auto place = [&w] { return w.canvas().mapTo(&w.view, widgetPoint(w.canvas(), {0, 0})); };
         const QPointF before = place();
+        w.canvas().clock = [now = 0.0]() mutable { return now += 1; };
+        sendMouse(w.canvas(), QEvent::MouseMove, widgetPoint(w.canvas(), {30, 40}));
+        const int64_t pointedAt = w.model.status().cursor().x;
         const int width = w.canvas().width();
         w.canvas().setFocus();
         for (const bool hidden : {true, false}) {
@@ -181,6 +185,7 @@ private Q_SLOTS:
             QVERIFY(w.model.panelsAreHidden() == hidden && w.canvas().hasFocus());
             QVERIFY(hidden ? w.canvas().width() > width : w.canvas().width() == width);
             QVERIFY(QLineF(place(), before).length() < 0.01);
+            QCOMPARE(w.model.status().cursor().x, pointedAt);
         }
         QTest::keyClick(&w.canvas(), Qt::Key_Tab, Qt::ShiftModifier);
         QWidget* left = QApplication::focusWidget();
