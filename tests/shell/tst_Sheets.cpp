@@ -230,6 +230,12 @@ private Q_SLOTS:
             w.model.undo();
         }
         w.find<QAction>("canvasSize").trigger();
+        w.press("Bottom");
+        w.type("Height", "400");
+        w.answer(Qt::Key_Return);
+        QCOMPARE(w.layer().contentBounds(), std::optional(IRect{0, 100, 200, 10}));
+        w.model.undo();
+        w.find<QAction>("canvasSize").trigger();
         w.type("Width", "30001");
         w.answer(Qt::Key_Return);
         QCOMPARE(w.model.messages().hud(), "Size must be 1 to 30,000 pixels");
@@ -309,6 +315,16 @@ private Q_SLOTS:
         QVERIFY2(bounds.x >= 46 && bounds.x <= 56 && bounds.y >= 40 && bounds.h > 20,
                  qPrintable(bounds.description()));
         QCOMPARE(firstDifference(*placed, *w.layer().toBuffer()), QString());
+        w.model.undo();
+        for (const double at : {2.0, 2.9}) { // the corner is truncated, and not where the pixels begin
+            CanvasEdits::placeText(w.model, spec, {at, at});
+            const auto cut = w.layer().toBuffer();
+            w.model.undo();
+            CanvasEdits::placeText(w.model, spec, {2, 2});
+            QCOMPARE(firstDifference(*cut, *w.layer().toBuffer()), QString());
+            w.model.undo();
+        }
+        CanvasEdits::placeText(w.model, spec, {50, 40});
         spec.text = " \n\t ";
         CanvasEdits::placeText(w.model, spec, {50, 40});
         QCOMPARE(w.model.messages().hud(), "Type some text first");
