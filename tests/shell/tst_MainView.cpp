@@ -89,6 +89,46 @@ private Q_SLOTS:
         QVERIFY(MainView(w.model).width() > 400);
     }
 
+    void thePictureLivesFromNewCanvasToQuit() {
+        constexpr int kSave = 0, kCancel = 1, kDont = 2;
+        Window w;
+        const auto command = [&w](const char* name) {
+            w.find<QAction>(name).trigger();
+            for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+        };
+        const auto lost = [] { return QDir(AppFolders::autosave()).entryList({"*.qirnpaint"}, QDir::Files); };
+        const QString path = w.path("Sea.qirnpaint");
+        command("newCanvas");
+        QTest::keyClicks(QApplication::focusWidget(), "Sea");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_COMPARE(w.session().name, "Sea");
+        w.paint();
+        command("save"); // the panel is cancelled
+        QVERIFY(w.session().isDirty() && !QFile::exists(path));
+        w.desktop.savePaths = {path};
+        command("save");
+        QVERIFY(!w.session().isDirty() && QFile::exists(path));
+        const QByteArray saved = bytesAt(path);
+        w.paint();
+        const uint64_t painted = w.doc().fingerprint();
+        for (const char* leaves : {"closePicture", "quit"}) {
+            w.desktop.answers = {kCancel};
+            command(leaves);
+            QVERIFY2(w.session().isDirty() && w.doc().fingerprint() == painted && w.view.isVisible(), leaves);
+        }
+        QCOMPARE(bytesAt(path), saved);
+        w.desktop.answers = {kSave};
+        command("closePicture");
+        QVERIFY(w.session().name == "Test" && bytesAt(path) != saved && lost().isEmpty());
+        w.model.pictures().open(path);
+        QCOMPARE(w.doc().fingerprint(), painted);
+        w.paint();
+        w.desktop.answers = {kDont};
+        command("quit");
+        QVERIFY(!w.view.isVisible() && lost().isEmpty());
+        QVERIFY(!QDir(w.path("data/Trash/files")).isEmpty()); // where it can be taken out again
+    }
+
     void aTabStandsForEachPictureAndSelectsIt() {
         Window w;
         w.model.pictures().newDocument(1920, 1080, 72, PaintColor::white(), {});
