@@ -132,14 +132,14 @@ private Q_SLOTS:
         w.view.menuBar()->hide();
         const Qt::KeyboardModifiers command = Qt::ControlModifier, shift = Qt::ShiftModifier,
                                     option = Qt::AltModifier;
-        const auto name = [](const QString& name) {
-            return [name](Window& w) { return w.doc().undoName() == name; };
+        const auto name = [](const QString& wanted) {
+            return [wanted](Window& in) { return in.doc().undoName() == wanted; };
         };
-        const auto redo = [](const QString& name) {
-            return [name](Window& w) { return w.doc().redoName() == name; };
+        const auto redo = [](const QString& wanted) {
+            return [wanted](Window& in) { return in.doc().redoName() == wanted; };
         };
-        const auto picture = [](const QString& name) {
-            return [name](Window& w) { return w.session().name == name; };
+        const auto picture = [](const QString& wanted) {
+            return [wanted](Window& in) { return in.session().name == wanted; };
         };
         const struct {
             Qt::Key key;
@@ -158,9 +158,9 @@ private Q_SLOTS:
             {Qt::Key_Backtab, command | shift, picture("Test")},
             {Qt::Key_PageUp, command, picture("other")},
             {Qt::Key_PageDown, command, picture("Test")},
-            {Qt::Key_F11, {}, [](Window& w) { return w.view.isFullScreen(); }},
-            {Qt::Key_F11, {}, [](Window& w) { return !w.view.isFullScreen(); }},
-            {Qt::Key_I, command | option | shift, [](Window& w) { return w.model.sheet().has_value(); }}};
+            {Qt::Key_F11, {}, [](Window& in) { return in.view.isFullScreen(); }},
+            {Qt::Key_F11, {}, [](Window& in) { return !in.view.isFullScreen(); }},
+            {Qt::Key_I, command | option | shift, [](Window& in) { return in.model.sheet().has_value(); }}};
         w.model.pictures().newDocument(50, 40, 72, {}, "other");
         w.model.pictures().select(*w.model.pictures().sessions().front());
         for (const auto& [key, keys, holds] : rows) {
