@@ -9,6 +9,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
 #include "kit/QirnKit.h"
 #include "platform/CheckedMath.h"
@@ -77,7 +78,7 @@ public:
     /// Opens files once the events before them are done, so that a launch by double-click finds the model.
     void open(const QStringList& paths) {
         PaintModel* const model = PaintModel::shared;
-        if (model) soon(*model, [model, paths] { model->pictures().open(paths); });
+        if (model) soon(*model, [model, paths] { model->files().open(paths); });
     }
 
     static bool shouldTerminate() {

@@ -13,6 +13,7 @@
 #include "app/model/PaintModel.h"
 #include "app/model/Palettes.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/PictureFiles.h"
 #include "platform/Require.h"
 
 #include <algorithm>
@@ -69,27 +70,26 @@ template <PaintSheet::Kind kKind> void sheet(PaintModel& model) {
 
 std::vector<CommandChoice> recentPictures(PaintModel& model) {
     std::vector<CommandChoice> choices;
-    for (const QString& path : model.pictures().recentFiles()) {
-        choices.push_back({QFileInfo(path).fileName(), [&model, path] { model.pictures().open(path); }});
+    for (const QString& path : model.files().recentFiles()) {
+        choices.push_back({QFileInfo(path).fileName(), [&model, path] { model.files().open(path); }});
     }
     if (!choices.empty()) choices.push_back({});
-    choices.push_back({PaintCommands::tr("Clear"), [&model] { model.pictures().forgetRecentFiles(); }});
+    choices.push_back({PaintCommands::tr("Clear"), [&model] { model.files().forgetRecentFiles(); }});
     return choices;
 }
 
 void save(PaintModel& model) {
-    model.pictures().save(nullptr, OpenPictures::SaveAs::no);
+    model.files().save(nullptr, PictureFiles::SaveAs::no);
 }
 void saveAs(PaintModel& model) {
-    model.pictures().save(nullptr, OpenPictures::SaveAs::yes);
+    model.files().save(nullptr, PictureFiles::SaveAs::yes);
 }
 
 #define TEXT(text) QT_TRANSLATE_NOOP("qirn::PaintCommands", text)
 
 const CommandRow kCommands[] = {
     {"File", "newCanvas", TEXT("New Canvas…"), Command | Qt::Key_N, sheet<PaintSheet::Kind::newDocument>},
-    {"File", "open", TEXT("Open…"), Command | Qt::Key_O,
-     call<&PaintModel::pictures, &OpenPictures::openPanel>},
+    {"File", "open", TEXT("Open…"), Command | Qt::Key_O, call<&PaintModel::files, &PictureFiles::openPanel>},
     {.menu = "File", .name = "openRecent", .title = TEXT("Open Recent"), .choices = recentPictures},
     {"File", "importLayer", TEXT("Import Picture as Layer…"), Command | Shift | Qt::Key_I,
      call<&PaintModel::clipboard, &Clipboard::importImageAsLayer>},

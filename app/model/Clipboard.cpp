@@ -11,6 +11,7 @@
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PictureFiles.h"
 #include "formats/ImageImport.h"
 #include "operations/Floating.h"
 #include "operations/LayerOperations.h"
@@ -158,7 +159,7 @@ bool Clipboard::dropAsPictures(const QMimeData& offer) {
         model_.messages().flash(tr("Only files can be dropped here."));
         return false;
     }
-    soon(model_, [this, paths] { model_.pictures().open(paths); });
+    soon(model_, [this, paths] { model_.files().open(paths); });
     return true;
 }
 
@@ -171,7 +172,7 @@ void Clipboard::takeFiles(const QStringList& paths) {
             importImage(path);
     }
     if (documents.isEmpty()) return;
-    model_.pictures().open(documents);
+    model_.files().open(documents);
     if (DocSession* first = model_.pictures().sessionOf(documents.front())) model_.pictures().select(*first);
 }
 

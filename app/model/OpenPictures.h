@@ -1,7 +1,6 @@
 #pragma once
 #include "app/files/DocSession.h"
 #include "core/PaintColor.h"
-#include "formats/ExportFormat.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,14 +9,13 @@
 
 #include <QCoreApplication>
 #include <QString>
-#include <QStringList>
 #include <QUuid>
 
 namespace qirn {
 
 class PaintModel;
 
-/// The pictures that are open, one of them current, and how they come and go: new, opened, saved, exported, closed.
+/// The pictures that are open, one of them current: how they come, new or from elsewhere, and go.
 class OpenPictures {
     Q_DECLARE_TR_FUNCTIONS(qirn::OpenPictures)
 public:
@@ -38,26 +36,11 @@ public:
     void
     selectNeighbor(int step); ///< The tab so many places to the right of the current one, round the ends.
 
-    void openPanel();
-    void open(const QString& path);
-    void open(const QStringList& paths); ///< In order; one message tells of all that could not be opened.
-    enum class SaveAs { no, yes };
-    bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when cancelled or failed.
-    /// Writes a copy in another format; the picture stays as dirty as it was.
-    void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
-
-    QStringList recentFiles() const; ///< Paths of opened and saved files that are still there, newest first.
-    void forgetRecentFiles();
-
     bool close(DocSession& session); ///< False when the user cancels.
     void closeCurrent();
     bool shouldQuit(); ///< Asks about each picture with unsaved work.
 
 private:
-    /// Why it could not be opened, in words; nothing when it was.
-    /// Throws Cancelled.
-    std::optional<QString> whyNotOpened(const QString& path);
-    void noteRecentFile(const QString& path);
     bool isUntouchedStarter(const DocSession& session) const;
     void remove(DocSession& session);
     /// Moves the unsaved work to the Trash. False where that failed and the user keeps the picture open.

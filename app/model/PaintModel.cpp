@@ -15,6 +15,7 @@
 #include "app/model/OpenPictures.h"
 #include "app/model/Palettes.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
 
 namespace qirn {
@@ -39,6 +40,7 @@ PaintModel::PaintModel(LoadStores stores, Desktop& desktop, Store& store)
       brushes_(std::make_unique<Brushes>(*this)),
       palettes_(std::make_unique<Palettes>(*this)),
       pictures_(std::make_unique<OpenPictures>(*this)),
+      files_(std::make_unique<PictureFiles>(*this)),
       transform_(std::make_unique<PendingTransform>(*this)),
       opacity_(std::make_unique<OpacityPreview>(*this)),
       clipboard_(std::make_unique<Clipboard>(*this)),

@@ -28,6 +28,7 @@ class OpenPictures;
 class PaintDocument;
 class Palettes;
 class PendingTransform;
+class PictureFiles;
 class Progress;
 class Safety;
 class Store;
@@ -51,6 +52,7 @@ public:
     Brushes& brushes() const { return *brushes_; }
     Palettes& palettes() const { return *palettes_; }
     OpenPictures& pictures() const { return *pictures_; }
+    PictureFiles& files() const { return *files_; }
     Safety& safety() const { return *safety_; }
     PendingTransform& transform() const { return *transform_; }
     OpacityPreview& opacity() const { return *opacity_; }
@@ -124,6 +126,7 @@ private:
     std::unique_ptr<Brushes> brushes_;
     std::unique_ptr<Palettes> palettes_;
     std::unique_ptr<OpenPictures> pictures_;
+    std::unique_ptr<PictureFiles> files_;
     std::unique_ptr<PendingTransform> transform_;
     std::unique_ptr<OpacityPreview> opacity_;
     std::unique_ptr<Clipboard> clipboard_;

@@ -3,8 +3,8 @@
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
 #include "app/model/Colors.h"
-#include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PictureFiles.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
@@ -122,7 +122,7 @@ void ExportSheet::refresh() {
 
 void ExportSheet::exportPicture() {
     closeAnd([&model = model(), format = format(), quality = quality_->value(), color = background()] {
-        model.pictures().exportPicture(format, quality, color);
+        model.files().exportPicture(format, quality, color);
     });
 }
 

@@ -7,6 +7,7 @@
 #include "app/model/Colors.h"
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
+#include "app/model/PictureFiles.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
 #include "formats/ImageImport.h"
@@ -64,25 +65,25 @@ private Q_SLOTS:
         image.fill(Qt::red);
         QVERIFY(image.save(cat) && image.save(dog));
         studio.desktop.openPaths = {{cat, studio.path("missing.png"), dog}};
-        studio.model.pictures().openPanel();
+        studio.model.files().openPanel();
         QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{3});
         QCOMPARE(studio.desktop.asked.size(), std::size_t{1});
         QCOMPARE(studio.desktop.asked[0].title, "Couldn't open missing.png");
         QCOMPARE(studio.desktop.usedFile, dog);
-        studio.model.pictures().open(QStringList{"/no/a.png", studio.folder.path()});
+        studio.model.files().open(QStringList{"/no/a.png", studio.folder.path()});
         QCOMPARE(studio.desktop.asked.back().title, "Couldn't open 2 files");
         QVERIFY(studio.desktop.asked.back().text.startsWith("a.png: No such file") &&
                 studio.desktop.asked.back().text.endsWith(": This is a folder."));
         // An ending of ours on another's content is no reason to overwrite it.
         QVERIFY(QFile::copy(cat, studio.path("png.qirnpaint")) && QFile::copy(cat, studio.path(".png")));
-        studio.model.pictures().open(studio.path("png.qirnpaint"));
+        studio.model.files().open(studio.path("png.qirnpaint"));
         QVERIFY(studio.session().fileURL.isEmpty() && studio.session().name == "png (from QIRNPAINT)");
         studio.model.pictures().close(studio.session());
-        studio.model.pictures().open(studio.path(".png"));
+        studio.model.files().open(studio.path(".png"));
         QCOMPARE(studio.session().name, ".png (from PNG)");
         studio.model.pictures().close(studio.session());
         QVERIFY(QFile::copy(cat, studio.path("plain")));
-        studio.model.pictures().open(studio.path("plain"));
+        studio.model.files().open(studio.path("plain"));
         QCOMPARE(studio.session().name, "plain");
         studio.model.pictures().close(studio.session());
         QCOMPARE(studio.session().name, "dog.v2 (from JPG)");
@@ -91,7 +92,7 @@ private Q_SLOTS:
         QCOMPARE(studio.desktop.recentFiles, QStringList({cat, dog, studio.path("png.qirnpaint"),
                                                           studio.path(".png"), studio.path("plain")}));
         const QByteArray before = bytesAt(dog);
-        QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no)); // asks, and is cancelled
+        QVERIFY(!studio.model.files().save(nullptr, PictureFiles::SaveAs::no)); // asks, and is cancelled
         QCOMPARE(studio.desktop.proposedNames.back(), "dog.v2 (from JPG).qirnpaint");
         QCOMPARE(bytesAt(dog), before);
     }
@@ -100,11 +101,11 @@ private Q_SLOTS:
         Studio studio;
         const QString path = studio.path("cat.qirnpaint");
         studio.desktop.savePaths = {path, path, ""};
-        QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::yes));
+        QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::yes));
         const QByteArray cat = bytesAt(path);
         studio.model.pictures().newDocument(30, 20, 72, PaintColor::black(), "Dog");
         studio.fill({0, 0, 3, 3});
-        QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+        QVERIFY(!studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
         QCOMPARE(studio.model.messages().hud(), "\"cat\" is open in another tab.");
         QVERIFY(bytesAt(path) == cat && studio.session().fileURL.isEmpty());
         // Rather an export, asked while the picture is closed: it stays, and the sheet comes up for it.
@@ -129,7 +130,7 @@ private Q_SLOTS:
         QVERIFY(!studio.model.pictures().shouldQuit());
         QCOMPARE(studio.model.messages().hud(), "Closed: One, Two");
         QVERIFY(studio.session().name == "Three" && !studio.model.sheet());
-        QCOMPARE(studio.model.pictures().recentFiles().front(), studio.path("One.qirnpaint"));
+        QCOMPARE(studio.model.files().recentFiles().front(), studio.path("One.qirnpaint"));
     }
 
     void argumentsNameFilesAndModes() {
@@ -196,7 +197,7 @@ private Q_SLOTS:
             paintPicture(studio);
             const int64_t changes = studio.doc().changeCount();
             studio.desktop.savePaths = {studio.path("out")};
-            studio.model.pictures().exportPicture(format, 0.9, PaintColor::white());
+            studio.model.files().exportPicture(format, 0.9, PaintColor::white());
             const QString extension = QLatin1String(rowOf(format).fileExtension);
             QCOMPARE(studio.desktop.proposedNames.back(), QStringLiteral("Cats-dogs.") + extension);
             QCOMPARE(studio.model.messages().hud(), QStringLiteral("Exported out.") + extension);
@@ -221,7 +222,7 @@ private Q_SLOTS:
         studio.model.messages().flash("-");
         {
             const FullDisk full;
-            studio.model.pictures().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+            studio.model.files().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
             studio.model.brushes().exportBrushes();
         }
         QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
@@ -231,7 +232,7 @@ private Q_SLOTS:
         QCOMPARE(studio.model.messages().hud(), "-");
         for (const QString& file : {path, brushes}) QCOMPARE(bytesAt(file), "what was there");
         QCOMPARE(QDir(studio.folder.path()).entryList(), files);
-        studio.model.pictures().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+        studio.model.files().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
         QVERIFY(bytesAt(path).size() > 1000);
     }
 
@@ -246,7 +247,7 @@ private Q_SLOTS:
         QCOMPARE(titles(), "Clear");
         for (int i = 0; i < 13; ++i) {
             studio.desktop.savePaths = {studio.path(QString("%1.qirnpaint").arg(i % 12))};
-            QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::yes));
+            QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::yes));
         }
         QFile::remove(studio.path("9.qirnpaint"));
         const QString sep = ".qirnpaint|";

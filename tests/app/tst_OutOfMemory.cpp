@@ -6,6 +6,7 @@
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/PictureFiles.h"
 #include "app/text/TextSpec.h"
 #include "formats/ImageExport.h"
 #include "platform/BlockPool.h"
@@ -139,7 +140,7 @@ struct Work : Studio {
     }
     void exportAs(ExportFormat format, const QString& name = "picture") {
         desktop.savePaths = {QDir(folder.path()).filePath(name)}; // or elsewhere
-        guarded(model, [&] { model.pictures().exportPicture(format, 0.9, PaintColor::white()); });
+        guarded(model, [&] { model.files().exportPicture(format, 0.9, PaintColor::white()); });
     }
     /// Back to as many steps and pictures as there were.
     void goBackTo(int64_t depth, std::size_t pictures) {

@@ -13,6 +13,7 @@
 #include "app/model/OpenPictures.h"
 #include "app/model/Palettes.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
@@ -152,13 +153,13 @@ private Q_SLOTS:
         PaintDocument picture(30, 20, 300, PaintColor::white());
         writeFile(world.path("a.qirnpaint"), PaintFile::encode(picture));
         world.desktop.openPaths = {{world.path("a.qirnpaint"), world.path("./a.qirnpaint")}};
-        world.model.pictures().openPanel();
+        world.model.files().openPanel();
         QCOMPARE(world.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(world.session().name, "a");
         DocSession* opened = world.model.current();
         world.model.pictures().newDocument(60, 40, 72, std::nullopt, {});
         QCOMPARE(world.model.pictures().sessions().size(), std::size_t{2});
-        world.model.pictures().open(world.path("a.qirnpaint"));
+        world.model.files().open(world.path("a.qirnpaint"));
         QCOMPARE(world.model.current(), opened);
     }
 
@@ -186,7 +187,7 @@ private Q_SLOTS:
                              [](Layer& layer) { layer.name = "Ébauche ✏️"; });
         const uint64_t print = studio.doc().fingerprint();
         studio.desktop.savePaths = {studio.path("Bild ä.qirnpaint")};
-        QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+        QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
         QCOMPARE(studio.desktop.proposedNames.front(), "Test.qirnpaint");
         QVERIFY(!studio.session().isDirty());
         QCOMPARE(studio.session().name, "Bild ä");
@@ -194,13 +195,13 @@ private Q_SLOTS:
         studio.model.pictures().closeCurrent(); // the last: a fresh one comes in its place
         QCOMPARE(studio.session().name, "Untitled");
         QCOMPARE(studio.canvas.session(), &studio.session());
-        studio.model.pictures().open(studio.path("Bild ä.qirnpaint"));
+        studio.model.files().open(studio.path("Bild ä.qirnpaint"));
         QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(studio.doc().fingerprint(), print);
         QVERIFY(!studio.session().isDirty());
         // And on it goes, without another question.
         studio.penStroke({{10, 10}});
-        QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+        QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
         QVERIFY(studio.desktop.asked.empty());
         QCOMPARE(studio.desktop.recentFiles.size(), 3);
     }
@@ -218,7 +219,7 @@ private Q_SLOTS:
             QVERIFY(studio.model.clipboard().drop(offer));
             QTRY_COMPARE(studio.model.pictures().sessions().size(), std::size_t{2});
             studio.fill(kDot);
-            QVERIFY(studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+            QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
             std::stringstream saved;
             saved << std::ifstream(own).rdbuf();
             QCOMPARE(PaintFile::decode(bytesOf(QByteArray::fromStdString(saved.str())))->fingerprint(),
@@ -234,7 +235,7 @@ private Q_SLOTS:
         studio.fill(kDot);
         const uint64_t print = studio.doc().fingerprint();
         studio.desktop.savePaths = {studio.path("no such folder/a.qirnpaint")};
-        QVERIFY(!studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+        QVERIFY(!studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
         QCOMPARE(studio.desktop.asked.back().title, "Couldn't save");
         QVERIFY(studio.desktop.asked.back().text.endsWith("\n\nYour work is still open and autosaved."));
         QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
@@ -244,7 +245,7 @@ private Q_SLOTS:
                   whole.first(PaintFile::manifestOf(bytesOf(whole)).blobOffset + 10));
         writeFile(studio.path("text.png"), "not a picture");
         for (const char* name : {"text.qirnpaint", "half.qirnpaint", "missing.qirnpaint", "text.png"}) {
-            studio.model.pictures().open(studio.path(name));
+            studio.model.files().open(studio.path(name));
             QCOMPARE(studio.desktop.asked.back().title, QString("Couldn't open ") + name);
             const QString& text = studio.desktop.asked.back().text;
             QVERIFY2(!text.isEmpty() && !text.contains("macOS"), qPrintable(text));
@@ -337,7 +338,7 @@ private Q_SLOTS:
         QCOMPARE(copiesAfterATick(), 1);
         QVERIFY(studio.model.safety().lastAutosaveText()->startsWith("Autosaved "));
         studio.desktop.savePaths = {studio.path("a.qirnpaint")};
-        studio.model.pictures().save(nullptr, OpenPictures::SaveAs::no);
+        studio.model.files().save(nullptr, PictureFiles::SaveAs::no);
         QCOMPARE(copiesAfterATick(), 0);
     }
 

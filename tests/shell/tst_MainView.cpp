@@ -5,6 +5,7 @@
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/PictureFiles.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/DocTab.h"
 #include "shell/HudBubble.h"
@@ -181,7 +182,7 @@ private Q_SLOTS:
         masked.mask = big32(0) + big32(0) + big32(2) + big32(2) + QByteArray(4, '\0');
         const QString path = w.folder.filePath("cat.psd");
         writeFile(path, PSDParts{.records = {masked, {.blocks = psdBlock("lfx2", "abcd")}}}.joined());
-        w.model.pictures().open(path);
+        w.model.files().open(path);
         QTRY_COMPARE(tabs(w).size(), 2);
         const QString told = "Opened without: masks, layer effects.";
         QCOMPARE(w.model.messages().hud(), told);

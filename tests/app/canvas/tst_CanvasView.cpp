@@ -6,6 +6,7 @@
 #include "app/model/Colors.h"
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
+#include "app/model/PictureFiles.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
 #include "support/Strokes.h"
@@ -387,7 +388,7 @@ private Q_SLOTS:
         QImage image(40, 30, QImage::Format_RGB32);
         image.fill(Qt::red);
         QVERIFY(image.save(path));
-        studio.model.pictures().open(path);
+        studio.model.files().open(path);
         QCOMPARE(studio.session().view.zoom, 1.0);
         studio.canvas.fit();
         QCOMPARE(studio.session().view.zoom, 18.0); // 540 high

@@ -4,8 +4,8 @@
 #include "app/model/Clipboard.h"
 #include "app/model/Colors.h"
 #include "app/model/Messages.h"
-#include "app/model/OpenPictures.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
 #include "app/text/TextSpec.h"
 #include "support/Studio.h"
@@ -260,11 +260,11 @@ private Q_SLOTS:
             },
             [](Studio& s) {
                 s.desktop.savePaths = {s.path("moved.qirnpaint")};
-                QVERIFY(s.model.pictures().save(nullptr, OpenPictures::SaveAs::no));
+                QVERIFY(s.model.files().save(nullptr, PictureFiles::SaveAs::no));
             },
             [](Studio& s) {
                 s.desktop.savePaths = {s.path("out.png")};
-                s.model.pictures().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
+                s.model.files().exportPicture(ExportFormat::png, 0.9, PaintColor::white());
                 QCOMPARE(QImage(s.path("out.png")).pixelColor(155, 115), QColor(Qt::red));
             }};
         for (const auto& end : ends) {

@@ -1,0 +1,41 @@
+#pragma once
+#include "formats/ExportFormat.h"
+
+#include <optional>
+
+#include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+
+namespace qirn {
+
+class DocSession;
+class PaintModel;
+struct PaintColor;
+
+/// The open pictures' way from and to files: opened, saved, exported, and the list of the recent ones.
+class PictureFiles {
+    Q_DECLARE_TR_FUNCTIONS(qirn::PictureFiles)
+public:
+    explicit PictureFiles(PaintModel& model) : model_(model) {} ///< Borrowed for its life.
+
+    void openPanel();
+    void open(const QString& path);
+    void open(const QStringList& paths); ///< In order; one message tells of all that could not be opened.
+    enum class SaveAs { no, yes };
+    bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when cancelled or failed.
+    /// Writes a copy in another format; the picture stays as dirty as it was.
+    void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
+
+    QStringList recentFiles() const; ///< Paths of opened and saved files that are still there, newest first.
+    void forgetRecentFiles();
+
+private:
+    /// Why it could not be opened, in words; nothing when it was. Throws Cancelled.
+    std::optional<QString> whyNotOpened(const QString& path);
+    void noteRecentFile(const QString& path);
+
+    PaintModel& model_;
+};
+
+} // namespace qirn
