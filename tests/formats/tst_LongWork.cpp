@@ -148,7 +148,7 @@ private Q_SLOTS:
             QVERIFY2(willing.largest() > 0.85 && willing.largest() <= 1, name);
             for (int64_t k = 0; k < willing.asked(); k += 1 + willing.asked() / 8) {
                 Watched tired(k);
-                if (isStopped([&] { work(*stopped, Progress(tired)); }))
+                if (isStopped([&, run = work] { run(*stopped, Progress(tired)); }))
                     QVERIFY2(stopped->fingerprint() == before && stopped->selection == selection, name);
                 else // less is left to do than the first time, as of tiles that are encoded
                     QVERIFY2(tired.asked() <= k && qstrcmp(name, "encode") == 0, name);
