@@ -121,7 +121,7 @@ private Q_SLOTS:
         w.desktop.answers = {kSave};
         command("closePicture");
         QVERIFY(w.session().name == "Test" && bytesAt(path) != saved && lost().isEmpty());
-        w.model.pictures().open(path);
+        w.model.files().open(path);
         QCOMPARE(w.doc().fingerprint(), painted);
         w.paint();
         w.desktop.answers = {kDont};
