@@ -278,6 +278,8 @@ private Q_SLOTS:
         QCOMPARE(status(w, "layer"), "Layer: Layer 1");
         QCOMPARE(status(w, "undo"), "Undo: 0 steps");
         w.paint();
+        QEvent leave(QEvent::Leave); // or the canvas goes on telling where the pointer is
+        QApplication::sendEvent(&w.canvas(), &leave);
         QCOMPARE(status(w, "undo"), "Undo: 1 steps");
         QSignalSpy changed(&w.model, &PaintModel::changed);
         const int64_t before = w.doc().changeCount();
