@@ -3,7 +3,7 @@
 #include "app/canvas/CanvasView.h"
 #include "app/commands/CommandRows.h"
 #include "app/commands/PaintCommands.h"
-#include "app/desktop/Typing.h"
+#include "app/desktop/keys/Typing.h"
 #include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
 #include "app/model/Guarded.h"

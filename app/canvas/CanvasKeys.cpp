@@ -1,7 +1,7 @@
 // The plain keys of the canvas. Keys with Command, Option or Control go on to the menus.
 #include "app/canvas/CanvasView.h"
 
-#include "app/desktop/TypedKeys.h"
+#include "app/desktop/keys/TypedKeys.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"

@@ -1,5 +1,5 @@
 #pragma once
-#include "app/desktop/Typing.h"
+#include "app/desktop/keys/Typing.h"
 
 #include <array>
 #include <functional>

@@ -2,7 +2,7 @@
 
 #include "app/canvas/CanvasView.h"
 #include "app/commands/PaintCommands.h"
-#include "app/desktop/TypedKeys.h"
+#include "app/desktop/keys/TypedKeys.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"

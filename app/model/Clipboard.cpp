@@ -2,7 +2,7 @@
 
 #include "app/desktop/Desktop.h"
 #include "app/desktop/FileTypes.h"
-#include "app/desktop/Typing.h"
+#include "app/desktop/keys/Typing.h"
 #include "app/files/DocSession.h"
 #include "app/files/LongTask.h"
 #include "app/files/PictureExchange.h"

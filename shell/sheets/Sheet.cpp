@@ -1,6 +1,6 @@
 #include "shell/sheets/Sheet.h"
 
-#include "app/desktop/Typing.h"
+#include "app/desktop/keys/Typing.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/ChromeFont.h"

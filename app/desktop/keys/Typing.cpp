@@ -1,4 +1,4 @@
-#include "app/desktop/Typing.h"
+#include "app/desktop/keys/Typing.h"
 
 #include <QAbstractSpinBox>
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "app/desktop/TypedKeys.h"
+#include "app/desktop/keys/TypedKeys.h"
 
 #include <string_view>
 
