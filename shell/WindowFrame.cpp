@@ -48,6 +48,7 @@ bool WindowFrame::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void WindowFrame::keep() const {
+    if (window_.isFullScreen()) return; // a mode of the moment: the next start has the window from before
     model_.store().setText(kPlaceKey, QString::fromLatin1(window_.saveGeometry().toBase64()));
 }
 

@@ -86,6 +86,8 @@ private Q_SLOTS:
         again.showMaximized();
         QVERIFY(again.close());
         QVERIFY(MainView(w.model).isMaximized());
+        again.showFullScreen();
+        QVERIFY(again.close() && !MainView(w.model).isFullScreen());
         w.store.setText("qirn.pt.windowPlace", "nonsense");
         QVERIFY(MainView(w.model).width() > 400);
     }
