@@ -100,7 +100,10 @@ void CanvasView::applyView(const ViewState& state) {
 void CanvasView::applyViewTransform() {
     if (!session_) return;
     const TileGrid& grid = session_->doc().grid();
+    const double heightBefore = transform_.viewSize().height();
     transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
+    // A pointer at rest stays where it is from the top; view points count from the bottom.
+    if (lastMouseView_) lastMouseView_->ry() += transform_.viewSize().height() - heightBefore;
     overlay_.setView(transform_.canvasToWidget(), session_->view.zoom, pixelRatio());
     updateOverlay();
     updateCursor(lastMouseView_);
@@ -112,8 +115,8 @@ void CanvasView::applyViewTransform() {
 void CanvasView::fit() {
     if (!session_ || deviceSize().width() <= kLeastSide) return;
     const TileGrid& grid = session_->doc().grid();
-    transform_ = ViewTransform(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
-    applyView(transform_.fitted(kFitMargin * pixelRatio()));
+    const ViewTransform now(deviceSize(), QSizeF(grid.bounds().rectF().size()), session_->view);
+    applyView(now.fitted(kFitMargin * pixelRatio()));
 }
 
 void CanvasView::followCanvas() {
@@ -150,12 +153,13 @@ void CanvasView::setPan(QPointF pan) {
 void CanvasView::holdingThePicture(const std::function<void()>& relayout) {
     const QPointF middleBefore = middleInWindow();
     const QSizeF sizeBefore = deviceSize();
+    const std::optional<QPointF> pointer = lastMouseView_;
     if (session_) session_->needsFit = false;
     relayout();
     const QPointF moved = middleInWindow() - middleBefore;
     const QPointF shift(-moved.x(), moved.y()); // of what rests on screen, from the view's middle
     const QSizeF grown = deviceSize() - sizeBefore;
-    if (lastMouseView_) *lastMouseView_ += shift + QPointF(grown.width(), grown.height()) / 2;
+    if (pointer) lastMouseView_ = *pointer + shift + QPointF(grown.width(), grown.height()) / 2;
     if (session_) setPan(session_->view.pan + shift);
 }
 

@@ -299,8 +299,6 @@ private Q_SLOTS:
         QCOMPARE(status(w, "stroke"), QString());
         w.set(&PaintPrefs::showPerformance, true);
         QTRY_COMPARE(status(w, "stroke"), "3.1 ms");
-        QEvent leaves(QEvent::Leave); // or the canvas reports where the pointer is
-        QApplication::sendEvent(&w.canvas(), &leaves);
         QSet<QString> shown;            // it follows the pen at its own pace
         for (int x = 0; x <= 12; ++x) { // within a millisecond
             w.model.status().setCursor({x, 34, true, 0.5});

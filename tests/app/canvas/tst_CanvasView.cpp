@@ -374,11 +374,15 @@ private Q_SLOTS:
             if (worked) studio.penStroke({{500, 450}});
             QVERIFY(QTest::qWaitForWindowExposed(&studio.canvas));
             PaintWatcher watcher(studio.canvas);
+            sendMouse(studio.canvas, QEvent::MouseMove, {100, 200});
             watcher.hidesResizes = !told; // as a screen of another scale does until it paints
             studio.canvas.resize(460, 700);
             studio.canvas.repaint();
             QCOMPARE(studio.session().view.zoom, worked ? 0.6 : 0.4); // fitted again unless a hand knows it
             QCOMPARE(studio.canvas.viewPoint({500, 450}), QPointF(230, 350));
+            if (worked) continue; // a mouse right after a pen is its echo
+            const QPointF under = studio.canvas.canvasPoint({100, 500}); // 200 from the top
+            QTRY_COMPARE(studio.model.status().cursor().y, static_cast<int64_t>(std::floor(under.y())));
         }
     }
 
