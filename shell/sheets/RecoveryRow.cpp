@@ -1,18 +1,15 @@
 #include "shell/sheets/RecoveryRow.h"
 
-#include "app/desktop/BackgroundQueue.h"
-#include "app/desktop/Failures.h"
+#include "app/desktop/FilePreview.h"
 #include "app/desktop/HostWords.h"
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
 #include "kit/style/ChromePaint.h"
 
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QPainter>
-#include <QPointer>
 #include <QPushButton>
 
 namespace qirn {
@@ -57,51 +54,27 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
     words->addWidget(
         dimLabel(tr("%1 × %2 px · %3 layer(s)").arg(info.width).arg(info.height).arg(info.layers), this));
     words->addStretch();
+    auto* preview = new FilePreview(this);
     auto* across = new QHBoxLayout(this);
+    across->addWidget(preview);
     across->addLayout(words, 1);
     across->addWidget(recover_);
     across->addWidget(trash);
     QirnKit::followMetrics(this, [=, this, text = info.name](const Metrics& m) {
-        across->setContentsMargins(2 * m.gap + previewSize().width(), m.gap, m.gap, m.gap);
+        preview->setFixedSize(previewSize());
+        across->setContentsMargins(m.gap, m.gap, m.gap, m.gap);
         across->setSpacing(m.gap);
         words->setSpacing(m.inset);
         setFixedHeight(previewSize().height() + 2 * m.gap);
         name->setText(name->fontMetrics().elidedText(text, Qt::ElideMiddle, m.px(220)));
         name->setToolTip(name->text() == text ? QString() : plainTip(text));
     });
-
-    // The row may be gone when the preview is there: only the main thread looks.
-    Recovery::Item copy; // without the lock, which is let go of on the main thread
-    copy.file = item.file;
-    BackgroundQueue::previews().run([row = QPointer(this), copy] {
-        QImage preview;
-        contained([&] { preview = copy.thumbnail(); });
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [row, preview] {
-                if (!row) return;
-                row->preview_ = preview;
-                row->update();
-            },
-            Qt::QueuedConnection);
-    });
-}
-
-QRect RecoveryRow::previewRect() const {
-    const Metrics& m = QirnKitHost::metrics();
-    return {QPoint(m.gap, m.gap), previewSize()};
+    preview->setFile(item.file);
 }
 
 void RecoveryRow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const ChromeColors& c = QirnKitHost::colors();
-    ChromePaint::line(painter, rect(), ChromePaint::Side::bottom, c.divider);
-    const QRect room = previewRect();
-    if (preview_.isNull()) return;
-    QRectF place({}, QSizeF(preview_.size()).scaled(room.size(), Qt::KeepAspectRatio));
-    place.moveCenter(QRectF(room).center());
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(ChromePaint::snapped(painter, place), preview_);
+    ChromePaint::line(painter, rect(), ChromePaint::Side::bottom, QirnKitHost::colors().divider);
 }
 
 } // namespace qirn

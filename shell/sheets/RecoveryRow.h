@@ -1,7 +1,6 @@
 #pragma once
 #include "app/files/Recovery.h"
 
-#include <QImage>
 #include <QWidget>
 
 class QPushButton;
@@ -25,9 +24,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QRect previewRect() const;
-
-    QImage preview_; // null until it is read, or where there is none
     QPushButton* recover_;
 };
 

@@ -33,7 +33,7 @@ auto lasting(std::chrono::milliseconds time, int* questions = nullptr) {
     return [=](const Progress& progress) {
         const auto begun = std::chrono::steady_clock::now();
         for (auto now = begun; now < begun + time; now = std::chrono::steady_clock::now()) {
-            std::this_thread::sleep_for(5ms);
+            std::this_thread::sleep_for(5ms); // the work itself: its length is what the tests are about
             if (questions) ++*questions;
             progress.done((now - begun).count(), std::chrono::nanoseconds(time).count());
         }
