@@ -33,16 +33,15 @@ QLabel* dimLabel(const QString& text, QWidget* parent) {
 
 } // namespace
 
-RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
-    : QWidget(parent),
-      recover_(new QPushButton(tr("Recover"), this)) {
+RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent) : QWidget(parent) {
     const Recovery::Info& info = item.info;
     setAccessibleName(info.name);
-    recover_->setAccessibleName(tr("Recover %1").arg(info.name));
+    auto* recover = new QPushButton(tr("Recover"), this);
+    recover->setAccessibleName(tr("Recover %1").arg(info.name));
     auto* trash = new QPushButton(tr("Move to Trash"), this);
     trash->setAccessibleName(tr("Move %1 to Trash").arg(info.name));
     trash->setToolTip(tr("Moves this autosave copy to the Trash (you can still take it back out)"));
-    connect(recover_, &QPushButton::clicked, this, &RecoveryRow::recoverPressed);
+    connect(recover, &QPushButton::clicked, this, &RecoveryRow::recoverPressed);
     connect(trash, &QPushButton::clicked, this, &RecoveryRow::trashPressed);
 
     auto* name = new QLabel(this);
@@ -58,7 +57,7 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
     auto* across = new QHBoxLayout(this);
     across->addWidget(preview);
     across->addLayout(words, 1);
-    across->addWidget(recover_);
+    across->addWidget(recover);
     across->addWidget(trash);
     QirnKit::followMetrics(this, [=, this, text = info.name](const Metrics& m) {
         preview->setFixedSize(previewSize());

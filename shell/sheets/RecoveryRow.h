@@ -3,8 +3,6 @@
 
 #include <QWidget>
 
-class QPushButton;
-
 namespace qirn {
 
 /// A safety copy in the list of them: its preview, read in the background, what is known of it, and what can be done
@@ -14,17 +12,12 @@ class RecoveryRow : public QWidget {
 public:
     RecoveryRow(const Recovery::Item& item, QWidget* parent);
 
-    QPushButton* recoverButton() const { return recover_; }
-
 Q_SIGNALS:
     void recoverPressed();
     void trashPressed();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-
-private:
-    QPushButton* recover_;
 };
 
 } // namespace qirn
