@@ -1,0 +1,65 @@
+#include "app/commands/rows/MenuRows.h"
+
+#include "app/canvas/CanvasView.h"
+#include "app/commands/PaintCommands.h"
+#include "app/model/OpenPictures.h"
+
+namespace qirn::MenuRows {
+
+namespace {
+
+QString panelsTitle(const PaintModel& model) {
+    return model.panelsAreHidden() ? PaintCommands::tr("Show Panels") : PaintCommands::tr("Hide Panels");
+}
+
+void togglePerformance(PaintModel& model) {
+    PaintPrefs prefs = model.prefs();
+    prefs.showPerformance = !prefs.showPerformance;
+    model.setPrefs(prefs);
+}
+
+const CommandRow kRows[] = {
+    {"View", "zoomIn", QIRN_TITLE("Canvas: Zoom In  (= key)"), Command | Option | Qt::Key_Equal,
+     [](CanvasView& view) { view.zoomStep(true); }},
+    {"View", "zoomOut", QIRN_TITLE("Canvas: Zoom Out  (− key)"), Command | Option | Qt::Key_Minus,
+     [](CanvasView& view) { view.zoomStep(false); }},
+    {"View", "fit", QIRN_TITLE("Canvas: Fit in Window  (F)"), Command | Option | Qt::Key_0,
+     [](CanvasView& view) { view.fit(); }},
+    {"View", "actualPixels", QIRN_TITLE("Canvas: Actual Pixels 100%  (1)"), Command | Option | Qt::Key_1,
+     [](CanvasView& view) { view.actualPixels(); }},
+    {"View", nullptr},
+    {"View", "rotateLeft", QIRN_TITLE("Canvas: Rotate Left 15°  (,)"), 0,
+     [](CanvasView& view) { view.rotateView(-15); }},
+    {"View", "rotateRight", QIRN_TITLE("Canvas: Rotate Right 15°  (.)"), 0,
+     [](CanvasView& view) { view.rotateView(15); }},
+    {"View", "resetRotation", QIRN_TITLE("Canvas: Reset Rotation  (/)"), 0,
+     [](CanvasView& view) { view.setRotation(0); }},
+    {"View", "flipView", QIRN_TITLE("Canvas: Flip View (mirror check)  (W)"), 0,
+     [](CanvasView& view) { view.toggleFlipView(); }},
+    {"View", nullptr},
+    {"View", "showPerformance", QIRN_TITLE("Show Stroke Performance"), 0, togglePerformance, nullptr,
+     [](const PaintModel& model) { return model.prefs().showPerformance; }},
+    {"View", nullptr},
+    {.menu = "View",
+     .name = "nextPicture",
+     .title = QIRN_TITLE("Next Picture"),
+     .run = [](PaintModel& model) { model.pictures().selectNeighbor(1); },
+     .secondKeys = {Command | Qt::Key_Tab, Command | Qt::Key_PageDown}},
+    {.menu = "View",
+     .name = "previousPicture",
+     .title = QIRN_TITLE("Previous Picture"),
+     .run = [](PaintModel& model) { model.pictures().selectNeighbor(-1); },
+     .secondKeys = {Command | Shift | Qt::Key_Tab, Command | Qt::Key_PageUp}},
+    {"View", nullptr},
+    {"View", "fullScreen", QIRN_TITLE("Full Screen"), Qt::Key_F11,
+     [](QWidget& window) { window.setWindowState(window.windowState() ^ Qt::WindowFullScreen); }},
+    {"View", "hidePanels", nullptr, 0, call<&PaintModel::togglePanels>, panelsTitle},
+};
+
+} // namespace
+
+std::span<const CommandRow> view() {
+    return kRows;
+}
+
+} // namespace qirn::MenuRows
