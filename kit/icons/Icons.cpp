@@ -24,7 +24,7 @@ constexpr Row kRows[] = {
     {Icon::eraser, "eraser"},
     {Icon::smudge, "hand-finger"},
     {Icon::blur, "droplet"},
-    {Icon::bucket, "bucket-droplet"},
+    {Icon::bucket, "bucket"},
     {Icon::gradient, "gradient"},
     {Icon::eyedropper, "color-picker"},
     {Icon::selectRect, "square-dashed"},
@@ -72,6 +72,10 @@ constexpr Row kRows[] = {
     {Icon::computer, "device-desktop"},
     {Icon::grid, "layout-grid"},
     {Icon::list, "list"},
+    {Icon::search, "search"},
+    {Icon::rename, "pencil"},
+    {Icon::merge, "merge"},
+    {Icon::more, "dots"},
 };
 
 constexpr bool inOrder() {

@@ -59,8 +59,12 @@ enum class Icon {
     computer,
     grid,
     list,
+    search,
+    rename,
+    merge,
+    more,
 };
-inline constexpr Icon kLastIcon = Icon::list;
+inline constexpr Icon kLastIcon = Icon::more;
 
 } // namespace qirn
 
