@@ -69,8 +69,11 @@ const Metrics& QirnKitHost::metrics() {
     return applied().metrics;
 }
 
-void QirnKit::install(const QString& appName) {
+void QirnKit::install(const QString& appName, std::vector<QirnHelpTopic> helpTopics,
+                      std::span<const QirnTheme> extraThemes) {
     linkResources();
+    QirnHelp::setTopics(std::move(helpTopics));
+    QirnThemes::registerThemes(extraThemes);
     QCoreApplication::setApplicationName(appName);
     QGuiApplication::setApplicationDisplayName(appName);
     QAccessible::installFactory(chromeSliderAccess);

@@ -1,21 +1,25 @@
 #pragma once
 #include <functional>
+#include <span>
+#include <vector>
 
 #include <QString>
 
 #include "kit/ChromeColors.h"
 #include "kit/Metrics.h"
 #include "kit/QirnTheme.h"
+#include "kit/help/QirnHelp.h"
 
 class QWidget;
 
-/// The interface kit: themes, the one style that draws every control, icons, and a few controls of its own. It
-/// knows nothing of painting.
+/// The interface kit: themes, the one style that draws every control, icons, a few controls of its own, and the
+/// manual's viewer. It knows nothing of painting.
 namespace qirn::QirnKit {
 
-/// Sets the application's name, and dresses the running QApplication: style, palette and font. Once, before the
-/// first window.
-void install(const QString& appName);
+/// Sets the application's name, its manual and the themes that it adds, and dresses the running QApplication: style,
+/// palette and font. Once, before the first window.
+void install(const QString& appName, std::vector<QirnHelpTopic> helpTopics = {},
+             std::span<const QirnTheme> extraThemes = {});
 
 /// Puts the theme that is chosen now on every window.
 void applyTheme();
