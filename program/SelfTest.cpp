@@ -85,6 +85,7 @@ void persistence(const SelfTestWorld& world) {
         model.setPrefs(prefs);
         model.brushes().saveBrushAsNew(QStringLiteral("Self-test brush"));
         model.palettes().addToPalette(PaintColor(0.25, 0.5, 0.75));
+        model.setInspectorTab(InspectorTab::palettes);
         model.saveState();
     }
     const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.store);
@@ -93,6 +94,7 @@ void persistence(const SelfTestWorld& world) {
                     model.brushes().activeBrush().name == QStringLiteral("Self-test brush"));
     world.check("The colors come back", model.colors().primary() == PaintColor(0.25, 0.5, 0.75) &&
                                             model.colors().recent().size() == 1);
+    world.check("The panel that shows comes back", model.inspectorTab() == InspectorTab::palettes);
     world.check("The preferences come back", model.prefs().undoSteps == 60);
     world.check("The user's presets come back", model.brushes().userBrushes().size() == 1);
     world.check("An edit of a built-in palette went to a copy, which comes back",

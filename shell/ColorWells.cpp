@@ -2,6 +2,7 @@
 
 #include "app/desktop/HostWords.h"
 #include "app/model/Colors.h"
+#include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/IconButton.h"
@@ -41,10 +42,13 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
       model_(model),
       secondary_(new ColorSquare(tr("Second color (click to swap, X)"), this)),
       primary_(new ColorSquare(tr("Paint color"), this)) {
-    primary_->setFocusPolicy(Qt::NoFocus); // it only shows
+    primary_->setFocusPolicy(Qt::TabFocus);
     primary_->setObjectName(QStringLiteral("primaryColor"));
     secondary_->setFocusPolicy(Qt::TabFocus);
     secondary_->setObjectName(QStringLiteral("secondaryColor"));
+    setTabOrder(primary_, secondary_); // which lies below it
+    connect(primary_, &ColorSquare::pressed, this,
+            guarding(model, [this] { model_.revealInspectorTab(InspectorTab::color); }));
     connect(secondary_, &ColorSquare::clicked, this, [this] { model_.colors().swapColors(); });
 
     auto* swap = new IconButton(Icon::swap, tr("Swap colors (X)"), this, &Metrics::smallIcon);

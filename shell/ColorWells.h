@@ -23,7 +23,8 @@ private:
     QColor color_;
 };
 
-/// The paint color before the second color, and the buttons that exchange and reset them.
+/// The paint color before the second color, and the buttons that exchange and reset them. A press on the paint color
+/// shows its panel.
 class ColorWells : public QWidget {
     Q_OBJECT
 public:

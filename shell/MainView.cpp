@@ -20,8 +20,7 @@
 #include "shell/ToolRail.h"
 #include "shell/WindowFrame.h"
 #include "shell/options/ToolOptionsBar.h"
-#include "shell/panels/ColorChooser.h"
-#include "shell/panels/LayersPanel.h"
+#include "shell/panels/InspectorColumn.h"
 #include "shell/sheets/SheetHost.h"
 #include "shell/sheets/WorkCover.h"
 
@@ -123,24 +122,16 @@ QWidget* MainView::body() {
     toolColumn->addStretch();
     toolColumn->addWidget(new ColorWells(model_, tools), 0, Qt::AlignHCenter);
 
-    auto* panels = new ChromePanel(ChromePanel::Surface::panel, Qt::LeftEdge, row);
-    auto* panelColumn = columnIn(panels);
-    panelColumn->addWidget(new ColorChooser(model_, panels));
-    panelColumn->addWidget(new LayersPanel(model_, panels), 1);
-
     tools_ = tools;
-    panels_ = panels;
+    panels_ = new InspectorColumn(model_, row);
     across->addWidget(tools);
     across->addWidget(canvas_, 1);
-    across->addWidget(panels);
+    across->addWidget(panels_);
     new HudBubble(model_, canvas_);
     QirnKit::followMetrics(row, [=](const Metrics& m) {
         tools->setFixedWidth(m.railButton + 2 * m.gap);
         toolColumn->setContentsMargins(0, m.gap, 0, m.gap);
         toolColumn->setSpacing(m.gap);
-        panels->setFixedWidth(m.panelWidth);
-        panelColumn->setContentsMargins(m.groupGap, m.groupGap, m.groupGap, m.groupGap);
-        panelColumn->setSpacing(m.margin);
     });
     return row;
 }

@@ -24,6 +24,7 @@ namespace {
 
 const QString kFillKey = QStringLiteral("qirn.pt.fill");
 const QString kToolKey = QStringLiteral("qirn.pt.tool");
+const QString kTabKey = QStringLiteral("qirn.pt.inspectorTab");
 
 } // namespace
 
@@ -105,6 +106,18 @@ void PaintModel::closeSheet() {
 void PaintModel::togglePanels() {
     panelsAreHidden_ = !panelsAreHidden_;
     announce();
+}
+
+void PaintModel::setInspectorTab(InspectorTab tab) {
+    if (tab == inspectorTab_) return;
+    inspectorTab_ = tab;
+    choiceChanged();
+}
+
+void PaintModel::revealInspectorTab(InspectorTab tab) {
+    panelsAreHidden_ = false;
+    inspectorTab_ = tab;
+    choiceChanged();
 }
 
 // --- Edits
@@ -200,6 +213,9 @@ void PaintModel::loadState() {
         }
     }
     if (const auto id = store_.text(kToolKey)) tool_ = toolWithId(*id).value_or(tool_);
+    const QString tab = store_.text(kTabKey).value_or(QString());
+    for (std::size_t i = 0; i < kInspectorTabIDs.size(); ++i)
+        if (tab == QLatin1String(kInspectorTabIDs[i])) inspectorTab_ = static_cast<InspectorTab>(i);
 }
 
 void PaintModel::choiceChanged() {
@@ -214,6 +230,7 @@ void PaintModel::saveState() {
     colors_->save(store_);
     store_.set(kFillKey, options_.fill.toJson());
     store_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
+    store_.setText(kTabKey, QLatin1String(kInspectorTabIDs[static_cast<std::size_t>(inspectorTab_)]));
 }
 
 } // namespace qirn

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/model/CanvasPort.h"
 #include "app/model/PaintSheet.h"
+#include "app/model/choices/InspectorTab.h"
 #include "app/model/choices/PaintPrefs.h"
 #include "app/model/choices/Tool.h"
 #include "app/model/choices/ToolOptions.h"
@@ -74,7 +75,10 @@ public:
         return panelsAreHidden_;
     } ///< All round the canvas but the header and the status bar.
     void togglePanels();
-    bool penIsEraser = false; ///< The eraser end of the pen is down or near.
+    InspectorTab inspectorTab() const { return inspectorTab_; }
+    void setInspectorTab(InspectorTab tab);
+    void revealInspectorTab(InspectorTab tab); ///< Brings hidden panels back for it.
+    bool penIsEraser = false;                  ///< The eraser end of the pen is down or near.
 
     // --- Edits: each is one undo step with a fixed name, or none where it changed nothing
     enum class NeedsUnlockedLayer { no, yes };
@@ -118,6 +122,7 @@ private:
     PaintPrefs prefs_;
     std::optional<PaintSheet> sheet_;
     bool panelsAreHidden_ = false;
+    InspectorTab inspectorTab_ = InspectorTab::color;
     QTimer stateTimer_; // single shot, 0 ms: saves once for what changes together
     std::unique_ptr<LongTask> longTask_;
     std::unique_ptr<CanvasStatus> status_;

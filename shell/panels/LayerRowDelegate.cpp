@@ -14,7 +14,7 @@ namespace qirn {
 namespace {
 
 int rowHeight() {
-    return QirnKitHost::metrics().px(34);
+    return LayerRowDelegate::rowHeight();
 }
 
 QRect eyeRect(const QRect& row) {
@@ -50,6 +50,10 @@ bool isShown(const QModelIndex& index) {
 }
 
 } // namespace
+
+int LayerRowDelegate::rowHeight() {
+    return QirnKitHost::metrics().px(34);
+}
 
 void LayerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {

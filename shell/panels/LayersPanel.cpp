@@ -69,6 +69,7 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
     QirnKit::followMetrics(this, [this, head](const Metrics& m) {
         title_->setFont(ChromeFont::caption());
         head->setSpacing(m.tightGap);
+        list_->setMinimumHeight(4 * LayerRowDelegate::rowHeight() + 2 * list_->frameWidth());
         rows_->setThumbnailSide(static_cast<int>(std::lround(m.px(26) * devicePixelRatioF())));
     });
 

@@ -6,8 +6,11 @@
 #include "kit/controls/ChromeSlider.h"
 #include "shell/ColorWells.h"
 #include "shell/panels/ColorPlane.h"
+#include "shell/panels/InspectorColumn.h"
+#include "shell/panels/LayerRowDelegate.h"
 #include "shell/panels/LayerThumbnails.h"
 #include "shell/panels/LayersModel.h"
+#include "shell/panels/SplitGrip.h"
 #include "support/Window.h"
 
 #include <QAbstractItemModelTester>
@@ -205,6 +208,34 @@ private Q_SLOTS:
             layer.isClipping = layer.isLocked = layer.alphaLocked = true;
         });
         QCOMPARE(marks(), "Clip · Lock · α · 50%");
+    }
+
+    void theColumnKeepsItsWidthItsTabAndRoomForTheLayers() {
+        Window w;
+        auto& side = w.find<SplitGrip>("inspectorWidth");
+        const auto drag = [](SplitGrip& grip, QPoint by) {
+            sendMouse(grip, QEvent::MouseButtonPress, {1, 1});
+            sendMouse(grip, QEvent::MouseMove, QPointF(1, 1) + by);
+            sendMouse(grip, QEvent::MouseButtonRelease, QPointF(1, 1) + by);
+            QCoreApplication::processEvents();
+        };
+        auto& column = w.find<InspectorColumn>();
+        drag(side, {-900, 0});
+        QCOMPARE(column.width(), 420);
+        drag(side, {900, 0});
+        QCOMPARE(column.width(), 232);
+        QTest::keyClick(&side, Qt::Key_Left);
+        drag(w.find<SplitGrip>("inspectorTabsHeight"), {0, 900});
+        QVERIFY(w.find<QListView>("layers").viewport()->height() >= 4 * LayerRowDelegate::rowHeight());
+        w.model.setInspectorTab(InspectorTab::palettes);
+        w.model.togglePanels();
+        QTest::keyClick(&w.canvas(), Qt::Key_1, Qt::ControlModifier);
+        QVERIFY(w.model.inspectorTab() == InspectorTab::color && column.isVisible());
+        w.model.setInspectorTab(InspectorTab::brush);
+        w.click("primaryColor");
+        QVERIFY(w.model.inspectorTab() == InspectorTab::color);
+        MainView again(w.model);
+        QCOMPARE(again.findChild<InspectorColumn*>()->maximumWidth(), 240);
     }
 
     void wellsShowSwapAndResetTheColors() {

@@ -18,6 +18,15 @@ void togglePerformance(PaintModel& model) {
     model.setPrefs(prefs);
 }
 
+template <InspectorTab kTab> constexpr CommandRow panelRow(const char* name, const char* title, int key) {
+    return {.menu = "View",
+            .name = name,
+            .title = title,
+            .key = Command | key,
+            .run = [](PaintModel& model) { model.revealInspectorTab(kTab); },
+            .checked = [](const PaintModel& model) { return model.inspectorTab() == kTab; }};
+}
+
 const CommandRow kRows[] = {
     {"View", "zoomIn", QIRN_TITLE("Canvas: Zoom In  (= key)"), Command | Option | Qt::Key_Equal,
      [](CanvasView& view) { view.zoomStep(true); }},
@@ -54,6 +63,10 @@ const CommandRow kRows[] = {
     {"View", "fullScreen", QIRN_TITLE("Full Screen"), Qt::Key_F11,
      [](QWidget& window) { window.setWindowState(window.windowState() ^ Qt::WindowFullScreen); }},
     {"View", "hidePanels", nullptr, 0, call<&PaintModel::togglePanels>, panelsTitle},
+    {"View", nullptr},
+    panelRow<InspectorTab::color>("colorPanel", QIRN_TITLE("Color Panel"), Qt::Key_1),
+    panelRow<InspectorTab::brush>("brushPanel", QIRN_TITLE("Brush Panel"), Qt::Key_2),
+    panelRow<InspectorTab::palettes>("palettesPanel", QIRN_TITLE("Palettes Panel"), Qt::Key_3),
 };
 
 } // namespace

@@ -1,0 +1,128 @@
+#include "shell/panels/InspectorTabs.h"
+
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "kit/QirnKit.h"
+#include "shell/panels/ColorChooser.h"
+
+#include <vector>
+
+#include <QKeyEvent>
+#include <QScrollArea>
+#include <QSignalBlocker>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QVBoxLayout>
+
+namespace qirn {
+
+namespace {
+
+struct TabRow {
+    InspectorTab tab;
+    const char* title; // English source text
+    QWidget* (*make)(PaintModel& model, QWidget* parent);
+};
+
+template <class Panel> QWidget* make(PaintModel& model, QWidget* parent) {
+    return new Panel(model, parent);
+}
+
+constexpr TabRow kTabs[] = {
+    {InspectorTab::color, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Color"), make<ColorChooser>},
+};
+
+class Bar final : public QTabBar {
+public:
+    using QTabBar::QTabBar;
+
+protected:
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); } // which turns no page by chance
+};
+
+/// Holds a panel that follows its width and scrolls upright alone.
+class Page final : public QScrollArea {
+public:
+    explicit Page(QWidget* parent) : QScrollArea(parent) {
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    }
+
+    void fill(QWidget* panel) {
+        auto* inset = new QWidget;
+        auto* column = new QVBoxLayout(inset);
+        column->addWidget(panel);
+        setWidget(inset);
+        QirnKit::followMetrics(inset, [column](const Metrics& m) {
+            column->setContentsMargins(0, m.groupGap, m.groupGap, m.tightGap);
+        });
+        inset->show();
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override { event->ignore(); } // arrow keys are for the canvas
+};
+
+/// Puts the parts of a panel right behind a widget in the order of the Tab key, not at the end as new ones are.
+void followInTabOrder(QWidget* before, QWidget* panel) {
+    std::vector<QWidget*> parts;
+    for (QWidget* next = before->nextInFocusChain(); next != before; next = next->nextInFocusChain())
+        if (panel->isAncestorOf(next)) parts.push_back(next);
+    for (QWidget* part : parts) {
+        QWidget::setTabOrder(before, part);
+        before = part;
+    }
+}
+
+} // namespace
+
+InspectorTabs::InspectorTabs(PaintModel& model, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      bar_(new Bar(this)),
+      pages_(new QStackedWidget(this)) {
+    bar_->setObjectName(QStringLiteral("inspectorTabs"));
+    bar_->setAccessibleName(tr("Panels"));
+    bar_->setFocusPolicy(Qt::TabFocus);
+    bar_->setDrawBase(false);
+    bar_->setUsesScrollButtons(false);
+    for (const TabRow& row : kTabs) {
+        bar_->addTab(tr(row.title));
+        pages_->addWidget(new Page(pages_));
+    }
+    auto* head = new QHBoxLayout;
+    head->addWidget(bar_);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(head);
+    column->addWidget(pages_, 1);
+    QirnKit::followMetrics(this, [head](const Metrics& m) { head->setContentsMargins(0, 0, m.groupGap, 0); });
+    connect(bar_, &QTabBar::currentChanged, this, guarding(model, [this](int index) {
+                model_.setInspectorTab(kTabs[static_cast<std::size_t>(index)].tab);
+            }));
+    connect(&model, &PaintModel::changed, this, &InspectorTabs::refresh);
+    refresh();
+}
+
+QSize InspectorTabs::minimumSizeHint() const {
+    return {0, bar_->sizeHint().height() + QirnKitHost::metrics().px(96)};
+}
+
+void InspectorTabs::refresh() {
+    int index = 0;
+    for (int i = 0; i < bar_->count(); ++i)
+        if (kTabs[static_cast<std::size_t>(i)].tab == model_.inspectorTab()) index = i;
+    auto* page = static_cast<Page*>(pages_->widget(index));
+    if (!page->widget()) {
+        page->fill(kTabs[static_cast<std::size_t>(index)].make(model_, page));
+        followInTabOrder(bar_, page);
+    }
+    const QSignalBlocker quiet(bar_);
+    bar_->setCurrentIndex(index);
+    pages_->setCurrentIndex(index);
+}
+
+} // namespace qirn
