@@ -34,7 +34,7 @@ constexpr Row kRows[] = {
     {Icon::shape, "triangle-square-circle"},
     {Icon::text, "typography"},
     {Icon::hand, "hand-stop"},
-    {Icon::zoom, "search"},
+    {Icon::zoom, "zoom"},
     {Icon::plus, "plus"},
     {Icon::minus, "minus"},
     {Icon::open, "folder-open"},
