@@ -10,6 +10,7 @@
 
 #include "kit/ChromeFont.h"
 #include "kit/QirnThemes.h"
+#include "kit/QrZoom.h"
 #include "kit/controls/ChromeSliderAccess.h"
 #include "kit/style/ChromeStyle.h"
 
@@ -27,6 +28,11 @@ struct Applied {
     ChromeColors colors = ChromeColors::fromTheme(theme);
     Metrics metrics;
 };
+
+KitStore& keptStore() {
+    static KitStore theStore = KitStore::forThisRun();
+    return theStore;
+}
 
 Applied& applied() {
     static Applied theApplied;
@@ -59,6 +65,9 @@ private:
 
 } // namespace
 
+const KitStore& QirnKitHost::store() {
+    return keptStore();
+}
 const QrKitTheme& QirnKitHost::theme() {
     return applied().theme;
 }
@@ -67,6 +76,10 @@ const ChromeColors& QirnKitHost::colors() {
 }
 const Metrics& QirnKitHost::metrics() {
     return applied().metrics;
+}
+
+void QirnKit::useStore(KitStore store) {
+    keptStore() = std::move(store);
 }
 
 void QirnKit::install(const QString& appName, std::vector<QirnHelpTopic> helpTopics,
@@ -80,6 +93,7 @@ void QirnKit::install(const QString& appName, std::vector<QirnHelpTopic> helpTop
     applyFonts();
     QApplication::setStyle(std::make_unique<ChromeStyle>().release()); // the application owns its style
     applyTheme();
+    applyZoom(QrZoom::value());
 }
 
 void QirnKit::applyTheme() {

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "kit/ChromeColors.h"
+#include "kit/KitStore.h"
 #include "kit/Metrics.h"
 #include "kit/QirnTheme.h"
 #include "kit/help/QirnHelp.h"
@@ -16,8 +17,11 @@ class QWidget;
 /// manual's viewer. It knows nothing of painting.
 namespace qirn::QirnKit {
 
-/// Sets the application's name, its manual and the themes that it adds, and dresses the running QApplication: style,
-/// palette and font. Once, before the first window.
+/// Where the choices made in the kit are kept; before `install`. Without one they are kept for this run.
+void useStore(KitStore store);
+
+/// Sets the application's name, its manual and the themes that it adds, and dresses the running QApplication in the
+/// stored theme and zoom: style, palette and font. Once, before the first window.
 void install(const QString& appName, std::vector<QirnHelpTopic> helpTopics = {},
              std::span<const QirnTheme> extraThemes = {});
 
@@ -36,6 +40,7 @@ void followMetrics(QWidget* widget, std::function<void(const Metrics&)> apply);
 /// What the kit's own views ask for while they draw.
 namespace qirn::QirnKitHost {
 
+const KitStore& store();
 const QrKitTheme& theme();    ///< The theme last applied; the default one before that.
 const ChromeColors& colors(); ///< Its derived colors.
 const Metrics& metrics();     ///< The sizes at the zoom last applied.

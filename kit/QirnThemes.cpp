@@ -1,7 +1,8 @@
 #include "kit/QirnThemes.h"
 
+#include "kit/QirnKit.h"
+
 #include <algorithm>
-#include <optional>
 
 #include <QCoreApplication>
 
@@ -49,8 +50,6 @@ QirnTheme themeFrom(const Row& row) {
 struct State {
     std::vector<QirnTheme> builtIn;
     std::vector<QirnTheme> registered;
-    Store store;
-    QString chosen; // where there is no store
 
     State() { std::ranges::transform(kRows, std::back_inserter(builtIn), themeFrom); }
 };
@@ -69,12 +68,14 @@ const QirnTheme* find(const QString& id) {
 
 } // namespace
 
-void useStore(Store store) {
-    state().store = std::move(store);
-}
-
 std::span<const QirnTheme> builtIn() {
     return state().builtIn;
+}
+
+std::vector<QirnTheme> all() {
+    std::vector<QirnTheme> themes = state().builtIn;
+    themes.insert(themes.end(), state().registered.begin(), state().registered.end());
+    return themes;
 }
 
 void registerThemes(std::span<const QirnTheme> themes) {
@@ -83,15 +84,13 @@ void registerThemes(std::span<const QirnTheme> themes) {
 }
 
 QString currentID() {
-    const QString stored = state().store.read ? state().store.read() : state().chosen;
+    const QString stored = QirnKitHost::store().text(kKey);
     return stored.isEmpty() ? QString::fromLatin1(kDefaultID) : stored;
 }
 
 void setCurrentID(const QString& id) {
-    if (state().store.write)
-        state().store.write(id);
-    else
-        state().chosen = id;
+    QirnKitHost::store().setText(kKey, id);
+    QirnKit::applyTheme();
 }
 
 QirnTheme current() {

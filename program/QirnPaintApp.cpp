@@ -142,9 +142,10 @@ int runStudio(int& argc, char** argv) {
     app.setApplicationDisplayName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
     auto* delegate = new PaintAppDelegate(app);
+    Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
+    QirnKit::useStore(store.forKit());
     QirnKit::install(QStringLiteral("Qirn Paint"));
     QtDesktop desktop;
-    Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     PaintModel::shared = &model;
     MainView window(model);

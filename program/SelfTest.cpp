@@ -13,6 +13,9 @@
 #include "app/model/Palettes.h"
 #include "app/tools/ToolTable.h"
 #include "brush/BrushLibrary.h"
+#include "kit/QirnKit.h"
+#include "kit/QirnThemes.h"
+#include "kit/QrZoom.h"
 #include "program/SelfTestEngine.h"
 
 #include <cmath>
@@ -87,6 +90,9 @@ void persistence(const SelfTestWorld& world) {
         model.palettes().addToPalette(PaintColor(0.25, 0.5, 0.75));
         model.setInspectorTab(InspectorTab::palettes);
         model.saveState();
+        QirnKit::useStore(world.store.forKit());
+        QirnThemes::setCurrentID(QStringLiteral("rose-gold"));
+        QrZoom::setValue(1.5);
     }
     const PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.store);
     world.check("The tool and its brush come back after a restart",
@@ -96,6 +102,16 @@ void persistence(const SelfTestWorld& world) {
                                             model.colors().recent().size() == 1);
     world.check("The panel that shows comes back", model.inspectorTab() == InspectorTab::palettes);
     world.check("The preferences come back", model.prefs().undoSteps == 60);
+    world.store.flush();
+    {
+        Store reopened(AppFolders::storeFile());
+        QirnKit::useStore(reopened.forKit());
+        world.check("The theme comes back", QirnThemes::current().name == QStringLiteral("Rose Gold"));
+        world.check("The interface zoom comes back", QrZoom::value() == 1.5);
+        QirnKit::useStore(KitStore::forThisRun());
+        QirnThemes::setCurrentID(QirnThemes::kDefaultID);
+        QrZoom::setValue(1);
+    }
     world.check("The user's presets come back", model.brushes().userBrushes().size() == 1);
     world.check("An edit of a built-in palette went to a copy, which comes back",
                 model.palettes().userPalettes().size() == 1 &&

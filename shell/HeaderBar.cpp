@@ -11,6 +11,7 @@
 #include "kit/controls/IconButton.h"
 #include "shell/Badge.h"
 #include "shell/DocTab.h"
+#include "shell/ZoomButton.h"
 
 #include <utility>
 
@@ -93,6 +94,8 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     row->addWidget(new ChromeDivider(this));
     row->addWidget(undo);
     row->addWidget(redo);
+    auto* zoom = new ZoomButton(model, this);
+    row->addWidget(zoom);
     QirnKit::followMetrics(this, [this, row](const Metrics& m) {
         setFixedHeight(m.headerHeight);
         row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
@@ -101,7 +104,7 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     });
 
     QWidget* before = new_;
-    for (QWidget* button : {open, save, exporter, undo, redo})
+    for (QWidget* button : std::initializer_list<QWidget*>{open, save, exporter, undo, redo, zoom})
         setTabOrder(std::exchange(before, button), button);
     connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
     refresh();

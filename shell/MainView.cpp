@@ -11,6 +11,7 @@
 #include "app/model/PaintModel.h"
 #include "app/tools/ToolTable.h"
 #include "kit/QirnKit.h"
+#include "kit/QrZoomHost.h"
 #include "kit/controls/ChromePanel.h"
 #include "shell/ColorWells.h"
 #include "shell/HeaderBar.h"
@@ -29,7 +30,6 @@
 #include <QGuiApplication>
 #include <QMenuBar>
 #include <QScreen>
-#include <QScrollArea>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -39,7 +39,6 @@ namespace {
 
 constexpr QSize kSize{1480, 920};
 constexpr QSize kLeastWindow{1040, 680}; // without its frame
-constexpr QSize kLeastContent{960, 640}; // at zoom 1; the content scrolls below that
 constexpr QSize kFrame{8, 40};   // a guess at the window's frame, which is known only once it is shown
 constexpr QSize kPanels{72, 72}; // a guess at the desktop's panels where it does not report them
 constexpr QSize kLeastOfTiles{400, 300}; // where the desktop tiles its windows
@@ -61,21 +60,6 @@ QSize roomOn(const QScreen& screen) {
     return screen.availableSize() - kFrame - (desktopDecides() ? kPanels : QSize(0, 0));
 }
 
-class ContentScroller final : public QScrollArea {
-public:
-    explicit ContentScroller(QWidget* content) {
-        setWidget(content);
-        setWidgetResizable(true);
-        setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus);
-    }
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override {
-        event->ignore();
-    } // arrow keys do not scroll: they are for the canvas
-};
-
 } // namespace
 
 MainView::MainView(PaintModel& model)
@@ -84,7 +68,7 @@ MainView::MainView(PaintModel& model)
       frame_(new WindowFrame(model, *this)) {
     new PaintCommands(model, *canvas_, *menuBar());
 
-    setCentralWidget(new ContentScroller(content()));
+    setCentralWidget(new QrZoomHost(content()));
     new SheetHost(model, centralWidget());
     model.longTask().setCover(new WorkCover(this));
     new TypingKeys(*this, *canvas_);
@@ -97,9 +81,6 @@ MainView::MainView(PaintModel& model)
 
 QWidget* MainView::content() {
     auto* content = new QWidget(this);
-    QirnKit::followMetrics(content, [content](const Metrics& m) {
-        content->setMinimumSize(m.px(kLeastContent.width()), m.px(kLeastContent.height()));
-    });
     auto* rows = columnIn(content);
     header_ = new HeaderBar(model_, *canvas_, content);
     options_ = new ToolOptionsBar(model_, *canvas_, content);

@@ -7,11 +7,11 @@
 namespace qirn {
 
 QString titleOf(const CommandRow& row, const PaintModel& model) {
-    return row.liveTitle ? row.liveTitle(model) : PaintCommands::tr(row.title);
+    return row.liveTitle ? row.liveTitle(model) : row.title ? PaintCommands::tr(row.title) : QString();
 }
 
 bool isEnabled(const CommandRow& row, const PaintModel& model) {
-    if (model.sheet()) return row.inText || row.isForLeaving;
+    if (model.sheet()) return row.inText || row.overSheets;
     return !row.enabled || row.enabled(model);
 }
 

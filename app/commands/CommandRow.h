@@ -38,7 +38,7 @@ struct CommandBody {
 struct CommandChoice {
     QString title; ///< Empty for a divider.
     std::function<void()> run;
-    bool isChosen = false;
+    std::optional<bool> isChosen = {}; ///< Where one of the choices is.
 };
 
 /// One command of the studio: a row of the menu bar, and what else has a button or a key for it.
@@ -53,11 +53,11 @@ struct CommandRow {
     bool (*enabled)(const PaintModel&) = nullptr;      ///< Always, where there is none.
     std::array<int, 2> secondKeys = {}; ///< These work as well and are not shown; see `keysOf`.
     std::vector<CommandChoice> (*choices)(PaintModel&) =
-        nullptr; ///< A submenu, filled anew whenever it opens.
-    /// While a sheet is up all commands are off but those that a text field can do, which go to it, and the one that
-    /// leaves the program.
+        nullptr; ///< A submenu, filled anew whenever it opens; without a title the whole menu.
+    /// While a sheet is up all commands are off but those that a text field can do, which go to it, and those that have
+    /// nothing to do with pictures.
     std::optional<Typing::TextAction> inText = {};
-    bool isForLeaving = false;
+    bool overSheets = false;
 };
 
 QString titleOf(const CommandRow& row, const PaintModel& model); ///< In the user's language, as it is now.

@@ -6,6 +6,7 @@
 #include "app/model/PaintModel.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
@@ -17,7 +18,8 @@ namespace {
 const char* kMenuTitles[] = {
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "File"),   QT_TRANSLATE_NOOP("qirn::PaintCommands", "Edit"),
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select"), QT_TRANSLATE_NOOP("qirn::PaintCommands", "Image"),
-    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Layer"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "View")};
+    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Layer"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "View"),
+    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Theme")};
 
 /// A menu takes "&" for the mark of an access key.
 QString plainTitle(QString title) {
@@ -48,10 +50,11 @@ PaintCommands::PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menu
 
 void PaintCommands::addRow(const CommandRow& row, QMenu& menu) {
     QAction* action = nullptr;
+    if (row.choices && !row.title) return addList(row, menu);
     if (row.choices) {
         QMenu* list = menu.addMenu(QString());
         action = list->menuAction();
-        connect(list, &QMenu::aboutToShow, this, guarding(model_, [this, list, &row] { fill(*list, row); }));
+        addList(row, *list);
     } else {
         action = menu.addAction(QString());
         connect(action, &QAction::triggered, this,
@@ -73,17 +76,28 @@ void PaintCommands::addRow(const CommandRow& row, QMenu& menu) {
     actions_.emplace_back(&row, action);
 }
 
-void PaintCommands::fill(QMenu& list, const CommandRow& row) {
+void PaintCommands::addList(const CommandRow& row, QMenu& list) {
+    connect(&list, &QMenu::aboutToShow, this,
+            guarding(model_, [this, &list, &row] { fill(list, row, model_); }));
+}
+
+void PaintCommands::fill(QMenu& list, const CommandRow& row, PaintModel& model) {
     list.clear();
-    for (const CommandChoice& choice : row.choices(model_)) {
+    for (QActionGroup* group : list.findChildren<QActionGroup*>()) delete group;
+    auto* oneOfThem = new QActionGroup(&list);
+    for (const CommandChoice& choice : row.choices(model)) {
         if (choice.title.isEmpty()) {
             list.addSeparator();
             continue;
         }
         QAction* action = list.addAction(plainTitle(choice.title));
-        action->setCheckable(choice.isChosen);
-        action->setChecked(choice.isChosen);
-        connect(action, &QAction::triggered, this, guarding(model_, choice.run));
+        action->setObjectName(QLatin1String(row.name) + u' ' + choice.title);
+        if (choice.isChosen) {
+            action->setActionGroup(oneOfThem);
+            action->setCheckable(true);
+            action->setChecked(*choice.isChosen);
+        }
+        connect(action, &QAction::triggered, &list, guarding(model, choice.run));
     }
 }
 

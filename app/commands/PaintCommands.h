@@ -24,9 +24,12 @@ public:
 
     QAction* action(const QString& objectName) const; ///< Null for a name that is not in the table.
 
+    /// Makes a list those choices of a row that there are now.
+    static void fill(QMenu& list, const CommandRow& row, PaintModel& model);
+
 private:
     void addRow(const CommandRow& row, QMenu& menu);
-    void fill(QMenu& list, const CommandRow& row);
+    void addList(const CommandRow& row, QMenu& list); ///< Filled whenever it opens.
     void refresh();
 
     PaintModel& model_;

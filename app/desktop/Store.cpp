@@ -108,6 +108,13 @@ void Store::writeSoon() {
         static_cast<int>(std::clamp<int64_t>(delays_.longest - changed_.elapsed(), 0, delays_.rest)));
 }
 
+KitStore Store::forKit() {
+    return {[this](const char* key) { return text(key).value_or(QString()); },
+            [this](const char* key, const QString& value) { setText(key, value); },
+            [this](const char* key) { return number(key).value_or(0); },
+            [this](const char* key, double value) { set(key, value); }};
+}
+
 void Store::write() {
     timer_.stop();
     if (!target_ || !(changed_.isValid() || target_->hasFailed)) return;

@@ -1,4 +1,5 @@
 #pragma once
+#include "kit/KitStore.h"
 #include "platform/Json.h"
 
 #include <memory>
@@ -35,6 +36,9 @@ public:
     std::optional<bool> flag(const QString& key) const;     ///< A number that is not 0 counts as true.
     void set(const QString& key, const OrderedJson& value); ///< A number, a flag or a whole record.
     void setText(const QString& key, const QString& text) { set(key, text.toStdString()); }
+
+    /// What is chosen in the interface kit, under the kit's own keys; it borrows the store.
+    KitStore forKit();
 
     void write(); ///< Begins to write what has changed.
     void flush(); ///< Writes what has changed and waits for it.

@@ -1,6 +1,7 @@
 #include "kit/ChromeColors.h"
 #include "kit/QirnKit.h"
 #include "kit/QirnThemes.h"
+#include "kit/QrZoom.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -42,18 +43,28 @@ private Q_SLOTS:
     }
 
     void theChosenThemeLivesInTheStoreAndAnUnknownOneIsTheDefault() {
-        QString stored = "midnight-black";
-        QirnThemes::useStore({[&] { return stored; }, [&](const QString& id) { stored = id; }});
+        const KitStore& store = QirnKitHost::store();
+        store.setText(QirnThemes::kKey, "midnight-black");
         QCOMPARE(QirnThemes::current().name, "Midnight Black");
         QirnThemes::setCurrentID("brushed-gray");
-        QCOMPARE(stored, "brushed-gray");
-        QirnKit::applyTheme();
+        QCOMPARE(store.text("qirn.theme"), "brushed-gray");
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x45, 0x48, 0x4E));
-        stored = "gone";
+        QirnThemes::setCurrentID("gone");
         QCOMPARE(QirnThemes::current().id, "cobalt-gunmetal");
-        QirnThemes::useStore({});
-        QirnKit::applyTheme();
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0x1C, 0x21, 0x29));
+    }
+
+    void theZoomIsStoredInWholePercentWithinItsRange() {
+        const KitStore& store = QirnKitHost::store();
+        QCOMPARE(QrZoom::value(), 1);
+        for (const auto& [chosen, kept] : {std::pair{5.0, 2.0}, {0.5, 0.85}, {1.234, 1.23}, {1.0, 1.0}}) {
+            QrZoom::setValue(chosen);
+            QVERIFY(store.number("qirn.zoom") == kept && QrZoom::value() == kept &&
+                    QirnKitHost::metrics().zoom == kept);
+        }
+        store.setNumber("qirn.zoom", 7); // stored by somebody else
+        QCOMPARE(QrZoom::value(), 2);
+        store.setNumber("qirn.zoom", 0);
     }
 
     void everyTextCanBeReadInEveryTheme() {

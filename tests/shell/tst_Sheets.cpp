@@ -90,7 +90,7 @@ private Q_SLOTS:
             for (const auto key : {Qt::Key_E, Qt::Key_Delete, Qt::Key_X, Qt::Key_BracketLeft, Qt::Key_Up})
                 QTest::keyClick(w.view.focusWidget(), key);
             for (const CommandRow& row : commandRows()) {
-                if (!row.name || row.inText || row.isForLeaving) continue;
+                if (!row.name || row.inText || row.overSheets) continue;
                 QVERIFY2(!w.find<QAction>(row.name).isEnabled(), row.name);
                 runCommand(row, w.model, w.canvas());
             }

@@ -64,7 +64,7 @@ const CommandRow kRows[] = {
      .title = QIRN_TITLE("Quit"),
      .key = Command | Qt::Key_Q,
      .run = [](QWidget& window) { window.close(); },
-     .isForLeaving = true},
+     .overSheets = true},
 };
 
 } // namespace

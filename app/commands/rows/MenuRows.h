@@ -12,7 +12,7 @@ namespace qirn::MenuRows {
 std::span<const CommandRow> file();
 std::span<const CommandRow> edit();    ///< "Edit" and "Select".
 std::span<const CommandRow> picture(); ///< "Image" and "Layer".
-std::span<const CommandRow> view();
+std::span<const CommandRow> view();    ///< "View" and "Theme".
 
 inline constexpr int Command = Qt::CTRL, Shift = Qt::SHIFT, Option = Qt::ALT, Control = Qt::META;
 

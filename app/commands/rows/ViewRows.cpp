@@ -3,6 +3,10 @@
 #include "app/canvas/CanvasView.h"
 #include "app/commands/PaintCommands.h"
 #include "app/model/OpenPictures.h"
+#include "kit/QirnThemes.h"
+#include "kit/QrZoom.h"
+
+#include <cmath>
 
 namespace qirn::MenuRows {
 
@@ -27,6 +31,23 @@ template <InspectorTab kTab> constexpr CommandRow panelRow(const char* name, con
             .checked = [](const PaintModel& model) { return model.inspectorTab() == kTab; }};
 }
 
+std::vector<CommandChoice> zoomLevels(PaintModel&) {
+    std::vector<CommandChoice> choices;
+    const int now = static_cast<int>(std::lround(QrZoom::value() * 100));
+    for (const int level : QrZoom::levels)
+        choices.push_back(
+            {QrZoom::levelTitle(level), [level] { QrZoom::setValue(level / 100.0); }, level == now});
+    return choices;
+}
+
+std::vector<CommandChoice> themes(PaintModel&) {
+    std::vector<CommandChoice> choices;
+    const QString now = QirnThemes::current().id;
+    for (const QirnTheme& theme : QirnThemes::all())
+        choices.push_back({theme.name, [id = theme.id] { QirnThemes::setCurrentID(id); }, theme.id == now});
+    return choices;
+}
+
 const CommandRow kRows[] = {
     {"View", "zoomIn", QIRN_TITLE("Canvas: Zoom In  (= key)"), Command | Option | Qt::Key_Equal,
      [](CanvasView& view) { view.zoomStep(true); }},
@@ -45,6 +66,31 @@ const CommandRow kRows[] = {
      [](CanvasView& view) { view.setRotation(0); }},
     {"View", "flipView", QIRN_TITLE("Canvas: Flip View (mirror check)  (W)"), 0,
      [](CanvasView& view) { view.toggleFlipView(); }},
+    {"View", nullptr},
+    {.menu = "View",
+     .name = "interfaceZoomIn",
+     .title = QIRN_TITLE("Zoom In"),
+     .key = Command | Qt::Key_Plus,
+     .run = [](PaintModel&) { QrZoom::setValue(QrZoom::value() + QrZoom::step); },
+     .secondKeys = {Command | Qt::Key_Equal},
+     .overSheets = true},
+    {.menu = "View",
+     .name = "interfaceZoomOut",
+     .title = QIRN_TITLE("Zoom Out"),
+     .key = Command | Qt::Key_Minus,
+     .run = [](PaintModel&) { QrZoom::setValue(QrZoom::value() - QrZoom::step); },
+     .overSheets = true},
+    {.menu = "View",
+     .name = "interfaceActualSize",
+     .title = QIRN_TITLE("Actual Size (100%)"),
+     .key = Command | Qt::Key_0,
+     .run = [](PaintModel&) { QrZoom::setValue(1); },
+     .overSheets = true},
+    {.menu = "View",
+     .name = "zoomLevel",
+     .title = QIRN_TITLE("Zoom Level"),
+     .choices = zoomLevels,
+     .overSheets = true},
     {"View", nullptr},
     {"View", "showPerformance", QIRN_TITLE("Show Stroke Performance"), 0, togglePerformance, nullptr,
      [](const PaintModel& model) { return model.prefs().showPerformance; }},
@@ -67,6 +113,8 @@ const CommandRow kRows[] = {
     panelRow<InspectorTab::color>("colorPanel", QIRN_TITLE("Color Panel"), Qt::Key_1),
     panelRow<InspectorTab::brush>("brushPanel", QIRN_TITLE("Brush Panel"), Qt::Key_2),
     panelRow<InspectorTab::palettes>("palettesPanel", QIRN_TITLE("Palettes Panel"), Qt::Key_3),
+
+    {.menu = "Theme", .name = "theme", .choices = themes, .overSheets = true},
 };
 
 } // namespace

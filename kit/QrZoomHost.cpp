@@ -1,0 +1,33 @@
+#include "kit/QrZoomHost.h"
+
+#include "kit/QirnKit.h"
+
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTimer>
+
+namespace qirn {
+
+QrZoomHost::QrZoomHost(QWidget* content, QSize minSize) {
+    setWidget(content);
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    QirnKit::followMetrics(this, [this, minSize](const Metrics& m) {
+        widget()->setMinimumSize(m.px(minSize.width()), m.px(minSize.height()));
+        if (zoom_ == m.zoom) return;
+        zoom_ = m.zoom;
+        QTimer::singleShot(0, this, &QrZoomHost::scrollHome); // behind the layout, which is queued by now
+    });
+}
+
+void QrZoomHost::scrollHome() {
+    horizontalScrollBar()->setValue(horizontalScrollBar()->minimum());
+    verticalScrollBar()->setValue(0);
+}
+
+void QrZoomHost::keyPressEvent(QKeyEvent* event) {
+    event->ignore();
+}
+
+} // namespace qirn
