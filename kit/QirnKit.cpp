@@ -87,8 +87,8 @@ void QirnKit::install(const QString& appName, std::vector<QirnHelpTopic> helpTop
     linkResources();
     QirnHelp::setTopics(std::move(helpTopics));
     QirnThemes::registerThemes(extraThemes);
+    // No display name: Qt would hang it on each window's title that ends with something else.
     QCoreApplication::setApplicationName(appName);
-    QGuiApplication::setApplicationDisplayName(appName);
     QAccessible::installFactory(chromeSliderAccess);
     applyFonts();
     QApplication::setStyle(std::make_unique<ChromeStyle>().release()); // the application owns its style

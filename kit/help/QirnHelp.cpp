@@ -1,9 +1,15 @@
 #include "kit/help/QirnHelp.h"
 
-#include "kit/help/KitTopics.h"
-
 #include <algorithm>
 #include <utility>
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QPointer>
+
+#include "kit/help/KitTopics.h"
+#include "kit/help/KitWindow.h"
+#include "kit/help/QirnHelpViewer.h"
 
 namespace qirn::QirnHelp {
 
@@ -47,10 +53,23 @@ Manual& manual() {
     return theManual;
 }
 
+constexpr QSize kWindowSize{860, 600};
+
+struct HelpWindow {
+    QPointer<KitWindow> window; // ends with the application
+    QPointer<QirnHelpViewer> viewer;
+};
+
+HelpWindow& helpWindow() {
+    static HelpWindow theWindow;
+    return theWindow;
+}
+
 } // namespace
 
 void setTopics(std::vector<QirnHelpTopic> topics) {
     manual().take(std::move(topics));
+    if (helpWindow().viewer) helpWindow().viewer->topicsChanged();
 }
 
 const std::vector<QirnHelpTopic>& topics() {
@@ -77,6 +96,18 @@ std::vector<QirnHelpTopic> search(const QString& query) {
     }
     found.insert(found.end(), inBodyOnly.begin(), inBodyOnly.end());
     return found;
+}
+
+void show(const QString& topic) {
+    auto& [window, viewer] = helpWindow();
+    if (!window) {
+        viewer = new QirnHelpViewer(topic);
+        const QString title =
+            QCoreApplication::translate("QirnHelp", "%1 Help").arg(QGuiApplication::applicationDisplayName());
+        window = new KitWindow(title, kWindowSize, viewer, "QirnHelpWindow");
+    }
+    viewer->goTo(topic);
+    window->bringUp();
 }
 
 } // namespace qirn::QirnHelp

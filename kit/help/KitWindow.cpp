@@ -1,0 +1,48 @@
+#include "kit/help/KitWindow.h"
+
+#include <QCoreApplication>
+#include <QScreen>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "kit/QirnKit.h"
+
+namespace qirn {
+
+KitWindow::KitWindow(const QString& title, QSize size, QWidget* content, const char* frameName)
+    : frameName_(frameName) {
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setWindowTitle(title);
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(content);
+    setFocusProxy(content);
+    for (const QKeySequence& key : {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)})
+        connect(new QShortcut(key, this), &QShortcut::activated, this, &QWidget::close);
+    // No widget outlives the application.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { delete this; });
+    place(size);
+}
+
+void KitWindow::place(QSize size) {
+    const QString kept = frameName_ ? QirnKitHost::store().text(frameName_) : QString();
+    if (restoreGeometry(QByteArray::fromBase64(kept.toLatin1()))) return;
+    const Metrics& m = QirnKitHost::metrics();
+    const QSize wished(m.px(size.width()), m.px(size.height()));
+    resize(screen() ? wished.boundedTo(screen()->availableSize()) : wished);
+}
+
+void KitWindow::bringUp() {
+    if (isMinimized()) showNormal();
+    show();
+    raise();
+    activateWindow();
+    setFocus(Qt::ActiveWindowFocusReason);
+}
+
+void KitWindow::hideEvent(QHideEvent* event) {
+    if (frameName_) QirnKitHost::store().setText(frameName_, QString::fromLatin1(saveGeometry().toBase64()));
+    QWidget::hideEvent(event);
+}
+
+} // namespace qirn
