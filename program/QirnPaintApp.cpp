@@ -12,6 +12,7 @@
 #include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
 #include "kit/QirnKit.h"
+#include "kit/help/QirnAbout.h"
 #include "platform/CheckedMath.h"
 #include "platform/DescribedError.h"
 #include "platform/files/FilePath.h"
@@ -20,6 +21,8 @@
 #include "program/PaintSample.h"
 #include "program/SelfTest.h"
 #include "shell/MainView.h"
+#include "shell/help/AboutLines.h"
+#include "shell/help/PaintHelp.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -139,12 +142,12 @@ int runStudio(int& argc, char** argv) {
     QApplication app(argc, argv);
     qInstallMessageHandler(usual);
     app.setApplicationName(QStringLiteral("Qirn Paint"));
-    app.setApplicationDisplayName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
     auto* delegate = new PaintAppDelegate(app);
     Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
     QirnKit::useStore(store.forKit());
-    QirnKit::install(QStringLiteral("Qirn Paint"));
+    QirnKit::install(QStringLiteral("Qirn Paint"), PaintHelp::topics());
+    QirnAbout::setExtraLines(aboutLines());
     QtDesktop desktop;
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     PaintModel::shared = &model;

@@ -17,6 +17,7 @@
 #include "kit/QirnThemes.h"
 #include "kit/QrZoom.h"
 #include "program/SelfTestEngine.h"
+#include "program/SelfTestHelp.h"
 
 #include <cmath>
 
@@ -157,6 +158,11 @@ void canvasPipeline(const SelfTestWorld& world) {
                 canvas.presentation().tilesComposited() == composited);
 }
 
+void presetsAndHelp(const SelfTestWorld& world) {
+    SelfTestEngine::presets(world.report);
+    selfTestHelp(world.report);
+}
+
 /// Runs a section that needs nothing of the application.
 template <auto kSection> void inEngine(const SelfTestWorld& world) {
     kSection(world.report);
@@ -174,7 +180,7 @@ constexpr void (*kSections[])(const SelfTestWorld&) = {
     inEngine<SelfTestEngine::canvasOps>,
     recovery,
     persistence,
-    inEngine<SelfTestEngine::presets>,
+    presetsAndHelp,
     canvasPipeline,
     inEngine<SelfTestEngine::quickPerformance>,
 };

@@ -46,6 +46,8 @@ constexpr HeaderButton kUndo{"headerUndo", "undo", Icon::undo,
                              QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo (⌘Z)")};
 constexpr HeaderButton kRedo{"headerRedo", "redo", Icon::redo,
                              QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo (⇧⌘Z)")};
+constexpr HeaderButton kHelp{"headerHelp", "help", Icon::help,
+                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Qirn Paint Help (⌘?)")};
 
 } // namespace
 
@@ -85,6 +87,7 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     auto* exporter = makeButton(kExport);
     auto* undo = makeButton(kUndo);
     auto* redo = makeButton(kRedo);
+    auto* help = makeButton(kHelp);
     auto* row = new QHBoxLayout(this);
     row->addWidget(new Badge(this));
     row->addWidget(strip_, 1);
@@ -94,6 +97,8 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     row->addWidget(new ChromeDivider(this));
     row->addWidget(undo);
     row->addWidget(redo);
+    row->addWidget(new ChromeDivider(this));
+    row->addWidget(help);
     auto* zoom = new ZoomButton(model, this);
     row->addWidget(zoom);
     QirnKit::followMetrics(this, [this, row](const Metrics& m) {
@@ -104,7 +109,7 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     });
 
     QWidget* before = new_;
-    for (QWidget* button : std::initializer_list<QWidget*>{open, save, exporter, undo, redo, zoom})
+    for (QWidget* button : std::initializer_list<QWidget*>{open, save, exporter, undo, redo, help, zoom})
         setTabOrder(std::exchange(before, button), button);
     connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
     refresh();

@@ -13,7 +13,8 @@ namespace qirn {
 std::span<const CommandRow> commandRows() {
     static const std::vector<CommandRow> theRows = [] {
         std::vector<CommandRow> rows;
-        for (const auto& menu : {MenuRows::file(), MenuRows::edit(), MenuRows::picture(), MenuRows::view()})
+        for (const auto& menu :
+             {MenuRows::file(), MenuRows::edit(), MenuRows::picture(), MenuRows::view(), MenuRows::help()})
             rows.insert(rows.end(), menu.begin(), menu.end());
         return rows;
     }();

@@ -19,7 +19,7 @@ const char* kMenuTitles[] = {
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "File"),   QT_TRANSLATE_NOOP("qirn::PaintCommands", "Edit"),
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Select"), QT_TRANSLATE_NOOP("qirn::PaintCommands", "Image"),
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Layer"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "View"),
-    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Theme")};
+    QT_TRANSLATE_NOOP("qirn::PaintCommands", "Theme"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "Help")};
 
 /// A menu takes "&" for the mark of an access key.
 QString plainTitle(QString title) {

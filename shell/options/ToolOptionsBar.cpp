@@ -8,6 +8,8 @@
 #include "app/model/PaintModel.h"
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
+#include "kit/controls/IconButton.h"
+#include "kit/help/QirnHelp.h"
 #include "shell/options/ToolOptionRows.h"
 #include "shell/options/ViewOptions.h"
 
@@ -26,12 +28,17 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* par
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
       title_(new QLabel(this)),
+      help_(new IconButton(Icon::help, {}, this, &Metrics::smallIcon)),
       options_(new ControlRows<PaintModel>(model, ToolOptionRows::all(), RowBox::Form::bar, dressFor(model),
                                            this)),
       viewOptions_(new ViewOptions(model, view, this)) {
     title_->setObjectName(QStringLiteral("toolTitle"));
+    help_->setObjectName(QStringLiteral("toolHelp"));
+    connect(help_, &IconButton::clicked, this,
+            guarding(model, [this] { QirnHelp::show(QString::fromLatin1(rowOf(model_.tool()).helpTopic)); }));
     auto* row = new QHBoxLayout(this);
     row->addWidget(title_);
+    row->addWidget(help_);
     row->addWidget(new ChromeDivider(this));
     row->addWidget(options_, 1);
     row->addWidget(viewOptions_);
@@ -49,6 +56,7 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* par
 
 void ToolOptionsBar::refresh() {
     title_->setText(toolTitle(model_.tool()));
+    help_->setTip(tr("How the %1 tool works").arg(title_->text()));
     const bool movesView = rowOf(model_.tool()).options == OptionGroup::view;
     options_->setVisible(!movesView);
     viewOptions_->setVisible(movesView);

@@ -6,6 +6,7 @@ class QLabel;
 namespace qirn {
 
 class CanvasView;
+class IconButton;
 class PaintModel;
 class RowBox;
 class ViewOptions;
@@ -21,6 +22,7 @@ private:
 
     PaintModel& model_;
     QLabel* title_;
+    IconButton* help_;
     RowBox* options_;
     ViewOptions* viewOptions_;
 };

@@ -13,6 +13,7 @@ std::span<const CommandRow> file();
 std::span<const CommandRow> edit();    ///< "Edit" and "Select".
 std::span<const CommandRow> picture(); ///< "Image" and "Layer".
 std::span<const CommandRow> view();    ///< "View" and "Theme".
+std::span<const CommandRow> help();
 
 inline constexpr int Command = Qt::CTRL, Shift = Qt::SHIFT, Option = Qt::ALT, Control = Qt::META;
 
