@@ -45,7 +45,7 @@ private Q_SLOTS:
 
     void theWindowHasItsSizeAndEveryControlAName() {
         Window w;
-        QCOMPARE(w.view.menuBar()->actions().size(), 7);
+        QCOMPARE(w.view.menuBar()->actions().size(), 8);
         auto& scroller = static_cast<QScrollArea&>(*w.view.centralWidget());
         const QSize room =
             w.view.screen()->availableSize() - QSize(1, 25); // less a frame: smaller than the content
