@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include <QAccessible>
 #include <QEvent>
 #include <QPainter>
 
@@ -26,8 +27,12 @@ QString HudBubble::text() const {
 void HudBubble::refresh() {
     const Metrics& m = QirnKitHost::metrics();
     setVisible(model_.messages().hud().has_value());
-    if (!model_.messages().hud()) return;
-    setAccessibleName(text());
+    if (!model_.messages().hud()) return setAccessibleName({}); // the same words are news again later
+    if (accessibleName() != text()) {
+        setAccessibleName(text());
+        QAccessibleEvent event(this, QAccessible::ObjectShow); // a reader says a notification that comes up
+        QAccessible::updateAccessibility(&event);
+    }
     const QWidget& canvas = *parentWidget();
     const int wanted = fontMetrics().horizontalAdvance(text()) + 2 * m.margin;
     const int wide = std::min(wanted, canvas.width() - 2 * m.margin);

@@ -18,6 +18,7 @@
 #include "shell/HudBubble.h"
 #include "shell/RegionKeys.h"
 #include "shell/StatusBar.h"
+#include "shell/StudioAccess.h"
 #include "shell/ToolRail.h"
 #include "shell/WindowFrame.h"
 #include "shell/options/ToolOptionsBar.h"
@@ -25,6 +26,7 @@
 #include "shell/sheets/SheetHost.h"
 #include "shell/sheets/WorkCover.h"
 
+#include <QAccessible>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -56,6 +58,11 @@ bool desktopDecides() {
     return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
+CanvasView* newCanvas(PaintModel& model) {
+    QAccessible::installFactory(studioAccess); // before the first widget that it is asked about
+    return new CanvasView(model, kToolTable);
+}
+
 QSize roomOn(const QScreen& screen) {
     return screen.availableSize() - kFrame - (desktopDecides() ? kPanels : QSize(0, 0));
 }
@@ -64,7 +71,7 @@ QSize roomOn(const QScreen& screen) {
 
 MainView::MainView(PaintModel& model)
     : model_(model),
-      canvas_(new CanvasView(model, kToolTable)),
+      canvas_(newCanvas(model)),
       frame_(new WindowFrame(model, *this)) {
     new PaintCommands(model, *canvas_, *menuBar());
 

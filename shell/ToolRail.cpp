@@ -19,10 +19,9 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
         auto* button = new RoundButton(row.icon, tip, this);
         button->setObjectName(QLatin1String(row.id));
         button->setCheckable(true);
-        connect(button, &RoundButton::clicked, this, guarding(model_, [this, tool = row.tool] {
-                    model_.setTool(tool);
-                    refresh(); // a click on the current tool would take its mark away
-                }));
+        button->setAutoExclusive(true); // arrows go from tool to tool, Tab to the current one and on
+        connect(button, &RoundButton::clicked, this,
+                guarding(model_, [this, tool = row.tool] { model_.setTool(tool); }));
         column->addWidget(button);
         entries_.push_back({row.tool, button});
     }

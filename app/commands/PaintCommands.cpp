@@ -50,7 +50,10 @@ PaintCommands::PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menu
 
 void PaintCommands::addRow(const CommandRow& row, QMenu& menu) {
     QAction* action = nullptr;
-    if (row.choices && !row.title) return addList(row, menu);
+    if (row.choices && !row.title) {
+        menu.menuAction()->setObjectName(QLatin1String(row.name));
+        return addList(row, menu);
+    }
     if (row.choices) {
         QMenu* list = menu.addMenu(QString());
         action = list->menuAction();

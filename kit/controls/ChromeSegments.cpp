@@ -24,6 +24,7 @@ ChromeSegments::ChromeSegments(const QString& accessibleName, const QStringList&
         button->setToolButtonStyle(Qt::ToolButtonTextOnly);
         button->setAutoRaise(true);
         button->setCheckable(true);
+        button->setAutoExclusive(true); // one of them, for a reader as well
         button->setFocusPolicy(Qt::TabFocus);
         button->setAccessibleName(accessibleName + u' ' + title);
         buttons_->addButton(button, static_cast<int>(buttons_->buttons().size()));

@@ -86,6 +86,7 @@ QWidget* CanvasSizeSheet::anchorGrid() {
         button->setAccessibleName(tr(row.name));
         button->setToolTip(tr(row.name));
         button->setCheckable(true);
+        button->setAutoExclusive(true); // one of them, for a reader as well
         button->setChecked(i == kCenter);
         anchors_->addButton(button, i);
         cells->addWidget(button, i / 3, i % 3);
