@@ -1,5 +1,5 @@
-// Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves pictures of it, of
-// every menu and of every sheet, at the display's scale:
+// Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves pictures of it in each
+// theme at several zooms, of each tool's options, each panel, menu, sheet and further window, at the display's scale:
 //     studio_pictures FOLDER
 #include "app/desktop/BackgroundQueue.h"
 #include "app/edits/LayerEdits.h"
@@ -9,7 +9,11 @@
 #include "app/model/Colors.h"
 #include "app/model/OpenPictures.h"
 #include "brush/BrushLibrary.h"
+#include "kit/QirnThemes.h"
+#include "kit/QrZoom.h"
 #include "platform/Trigonometry.h"
+#include "shell/help/PaintHelp.h"
+#include "shell/options/ToolOptionsBar.h"
 #include "support/Window.h"
 
 #include <cstdio>
@@ -87,30 +91,52 @@ const NamedSheet kSheets[] = {
     {"sheet-recovery", {PaintSheet::Kind::recovery}},
 };
 
-} // namespace
+/// Saves pictures into a folder, and remembers whether all of them could be.
+class Album {
+public:
+    explicit Album(const QString& folder) : folder_(folder), isWhole_(folder_.mkpath(QStringLiteral("."))) {}
 
-int main(int argc, char** argv) {
-    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    QApplication app(argc, argv);
-    if (argc < 2) {
-        std::fprintf(stderr, "Which folder are the pictures to go to?\n");
-        return 1;
+    void save(const QString& name, const QPixmap& picture) {
+        isWhole_ = picture.save(folder_.filePath(name + QStringLiteral(".png"))) && isWhole_;
     }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    bool saved = folder.mkpath(QStringLiteral("."));
-    const auto save = [&](const QString& name, const QPixmap& picture) {
-        saved = picture.save(folder.filePath(name + QStringLiteral(".png"))) && saved;
-    };
-    QirnKit::install("Qirn Paint");
-    Window window;
-    window.set(&PaintPrefs::showPerformance, true);
-    window.model.pictures().newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), "Ten brushes");
-    window.model.pictures().close(*window.model.pictures().sessions().front());
-    QCoreApplication::processEvents();
-    paintTenPresets(window);
-    save("studio", pictureOf(window));
+    bool isWhole() const { return isWhole_; }
+
+private:
+    QDir folder_;
+    bool isWhole_;
+};
+
+void pictureThemesAndZooms(Window& window, Album& album) {
+    for (const QirnTheme& theme : QirnThemes::all()) {
+        QirnThemes::setCurrentID(theme.id);
+        for (const int level : {85, 100, 150, 200}) {
+            QrZoom::setValue(level / 100.0);
+            album.save(QStringLiteral("window-%1-%2").arg(theme.id).arg(level), pictureOf(window));
+        }
+    }
+    QirnThemes::setCurrentID(QirnThemes::kDefaultID);
+    QrZoom::setValue(1);
+}
+
+void pictureTheParts(Window& window, Album& album) {
+    for (const ToolRow& row : kTools) {
+        window.model.setTool(row.tool);
+        QCoreApplication::processEvents();
+        album.save(QStringLiteral("options-") + QLatin1String(row.id),
+                   window.view.findChild<ToolOptionsBar*>()->grab());
+    }
+    window.model.setTool(Tool::brush);
+    for (const char* panel : {"colorPanel", "brushPanel", "palettesPanel"}) {
+        window.view.findChild<QAction*>(panel)->trigger();
+        QCoreApplication::processEvents();
+        BackgroundQueue::previews().finish();
+        album.save(QLatin1String(panel), pictureOf(window));
+    }
     for (QAction* title : window.view.menuBar()->actions())
-        save("menu-" + title->text().remove(u'&').toLower(), pictureOf(window, title->menu()));
+        album.save("menu-" + title->text().remove(u'&').toLower(), pictureOf(window, title->menu()));
+}
+
+void pictureSheets(Window& window, Album& album) {
     for (const char* name : {"Sea at dawn", "A name that is longer than the place for it in the list"}) {
         DocSession lost(std::make_unique<PaintDocument>(1600, 900, 72, PaintColor(0.2, 0.4, 0.6)), name, {},
                         QUuid::createUuid(), DocSession::Dirty::yes);
@@ -123,8 +149,45 @@ int main(int argc, char** argv) {
             words->setPlainText("Ten brushes\nand a text");
         QCoreApplication::processEvents();
         BackgroundQueue::previews().finish();
-        save(QLatin1String(named.name), pictureOf(window));
+        album.save(QLatin1String(named.name), pictureOf(window));
         window.model.closeSheet();
     }
-    return saved ? 0 : 1;
+}
+
+/// Those that a command opens beside the main one.
+void pictureOtherWindows(Window& window, Album& album) {
+    for (const char* command : {"help", "about", "preferences"}) {
+        window.view.findChild<QAction*>(command)->trigger();
+        QCoreApplication::processEvents();
+        for (QWidget* other : QApplication::topLevelWidgets()) {
+            if (other == &window.view || !other->isVisible() || other->windowType() == Qt::Popup) continue;
+            album.save(QStringLiteral("window-") + QLatin1String(command), other->grab());
+            other->close();
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    QApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "Which folder are the pictures to go to?\n");
+        return 1;
+    }
+    Album album(QString::fromLocal8Bit(argv[1]));
+    QirnKit::install("Qirn Paint", PaintHelp::topics());
+    Window window;
+    window.set(&PaintPrefs::showPerformance, true);
+    window.model.pictures().newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), "Ten brushes");
+    window.model.pictures().close(*window.model.pictures().sessions().front());
+    QCoreApplication::processEvents();
+    paintTenPresets(window);
+    album.save("studio", pictureOf(window));
+    pictureThemesAndZooms(window, album);
+    pictureTheParts(window, album);
+    pictureSheets(window, album);
+    pictureOtherWindows(window, album);
+    return album.isWhole() ? 0 : 1;
 }
