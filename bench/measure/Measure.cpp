@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "--copies") == 0)
         return bench::measureCopies(argc, argv, QString::fromLocal8Bit(argv[2]));
     if (argc == 2 && std::strcmp(argv[1], "--waits") == 0) return bench::measureWaits(argc, argv);
+    if (argc == 2 && std::strcmp(argv[1], "--choices") == 0) return bench::measureChoices(argc, argv);
     std::printf("%d threads, %s\n", concurrency(), instructionSets().back().c_str());
     bench::measureStart(QString::fromLocal8Bit(argv[0]));
     bench::measureCanvas();

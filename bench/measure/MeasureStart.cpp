@@ -6,6 +6,7 @@
 #include "app/desktop/Store.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "kit/QirnKit.h"
 #include "shell/MainView.h"
 
 #include <algorithm>
@@ -67,8 +68,10 @@ int showFirstPaint(int argc, char** argv, const QString& window) {
         widget.show();
         return QCoreApplication::exec();
     }
-    QtDesktop desktop;
     Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
+    QirnKit::useStore(store.forKit());
+    QirnKit::install(QStringLiteral("Qirn Paint"));
+    QtDesktop desktop;
     PaintModel model(PaintModel::LoadStores::yes, desktop, store);
     MainView studio(model);
     model.pictures().ensureDocument();

@@ -24,6 +24,9 @@ int measureCopies(int argc, char** argv, const QString& recording);
 /// look at a flat paper of 30,000 x 30,000.
 int measureWaits(int argc, char** argv);
 
+/// What another tool, color and active layer cost the main thread in the real window, with 200 layers and each panel.
+int measureChoices(int argc, char** argv);
+
 /// Memory of an open picture, what a huge canvas with a small drawing takes, what 500 undo steps take.
 void measureCanvas();
 
