@@ -23,8 +23,19 @@ namespace {
 
 constexpr int kLineLength = 620;    // logical pixels at zoom 1: about ninety letters
 constexpr double kLineHeight = 140; // percent
+constexpr int kLongestLead = 40;    // letters
 constexpr double kTabPlace = 340;   // where the second column of a list begins
 const QString kTopicScheme = QStringLiteral("topic");
+
+/// How many letters of a bullet name what the rest of it tells, up to a colon.
+qsizetype leadOf(const HelpParagraph& paragraph) {
+    if (paragraph.kind != HelpParagraph::Kind::bullet) return 0;
+    const QString& text = paragraph.pieces.front().text;
+    const qsizetype colon = text.indexOf(QStringLiteral(": "));
+    const bool isName =
+        colon > 0 && colon <= kLongestLead && !text.left(colon).contains(u'.') && !text.contains(u'\t');
+    return isName ? colon : 0;
+}
 
 /// Writes one text into a document.
 class Writer {
@@ -55,13 +66,19 @@ public:
             cursor_.createList(bullets);
         }
         QTextCharFormat format = plain_;
-        if (isHeading) format.setFontWeight(QFont::DemiBold);
+        QTextCharFormat strong = plain_;
+        strong.setFontWeight(QFont::DemiBold);
+        if (isHeading) format = strong;
+        qsizetype lead = leadOf(paragraph);
         for (const HelpParagraph::Piece& piece : paragraph.pieces) {
             const QirnHelpTopic* topic = QirnHelp::topicWithId(piece.topic);
-            if (topic)
+            if (topic) {
                 link(topic->title, kTopicScheme + u':' + topic->id);
-            else
-                words(piece.text + piece.topic, format);
+            } else {
+                words(piece.text.left(lead), strong);
+                words(piece.text.mid(lead) + piece.topic, format);
+            }
+            lead = 0;
         }
     }
 

@@ -26,6 +26,7 @@ constexpr double kColumnWidth = 264;  // logical pixels at zoom 1
 constexpr double kColumnShare = 0.38; // of the window, at most
 constexpr int kIdRole = Qt::UserRole;
 constexpr int kLongestPast = 50;
+constexpr int kRestMilliseconds = 80;
 
 /// Titles of as many lines as they need, with the padding of other rows.
 class TitleRows final : public QStyledItemDelegate {
@@ -102,7 +103,11 @@ QirnHelpViewer::QirnHelpViewer(const QString& initialTopic, QWidget* parent)
     });
 
     connect(search_, &QLineEdit::textChanged, this, &QirnHelpViewer::search);
+    atRest_.setSingleShot(true);
+    atRest_.setInterval(kRestMilliseconds);
+    connect(&atRest_, &QTimer::timeout, this, &QirnHelpViewer::openFirst);
     connect(list_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+        atRest_.stop();
         if (item) open(item->data(kIdRole).toString());
     });
     connect(page_, &HelpPage::linkChosen, this, &QirnHelpViewer::followLink);
@@ -120,8 +125,12 @@ QirnHelpViewer::QirnHelpViewer(const QString& initialTopic, QWidget* parent)
 
 void QirnHelpViewer::search() {
     fill();
-    if (!search_->text().trimmed().isEmpty() && list_->count() > 0)
-        open(list_->item(0)->data(kIdRole).toString()); // what is meant, most of the time
+    atRest_.start(); // a long page takes longer than the next key
+}
+
+void QirnHelpViewer::openFirst() {
+    if (search_->text().trimmed().isEmpty() || list_->count() == 0) return;
+    open(list_->item(0)->data(kIdRole).toString());
 }
 
 void QirnHelpViewer::fill() {
@@ -158,6 +167,7 @@ void QirnHelpViewer::open(const QString& topic) {
 void QirnHelpViewer::goTo(const QString& topic) {
     open(topic);
     if (!list_->currentItem()) search_->clear(); // a page is always one of the list
+    atRest_.stop();
 }
 
 void QirnHelpViewer::followLink(const QString& topic) {

@@ -1,4 +1,5 @@
 #pragma once
+#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -26,8 +27,9 @@ protected:
 
 private:
     void search();
-    void fill();   ///< The list, by the query.
-    void choose(); ///< In the list, what the page shows.
+    void openFirst(); ///< What is meant, most of the time.
+    void fill();      ///< The list, by the query.
+    void choose();    ///< In the list, what the page shows.
     void open(const QString& topic);
     void followLink(const QString& topic);
     void goBack();
@@ -39,6 +41,7 @@ private:
     QListWidget* list_;
     QLabel* nothing_;
     HelpPage* page_;
+    QTimer atRest_;    // single shot: the words have been typed
     QString current_;  // id
     QStringList past_; // ids of the pages whose links were followed, the last one last
 };

@@ -47,7 +47,7 @@ QString allKeys() {
         if (!row.name || !row.title || keysOf(row).empty()) continue;
         if (qstrcmp(menu, row.menu) != 0)
             text +=
-                QStringLiteral("\n## ") + words(QIRN_HELP("Menu %1")).arg(PaintCommands::tr(menu = row.menu));
+                QStringLiteral("\n## ") + words(QIRN_HELP("%1 menu")).arg(PaintCommands::tr(menu = row.menu));
         QStringList keys;
         for (const int key : keysOf(row)) keys << keyText(key);
         text += listed(PaintCommands::tr(row.title), keys);

@@ -15,8 +15,11 @@ half an hour. Undo is always there: {undo}.
 ## 2. The sky
 • In the Color tab type the hex color #F4A259 and press Return. Press X, type #3B4C8C and press Return. The
   paint color is now blue, the second color orange.
-• Press {gradient} for the Gradient, with Linear and Color → transparent off. Drag from the top of the picture
-  down to about two thirds of its height.
+• Press {gradient} for the Gradient, with Linear and Color → transparent off. Drag from the top of the picture down
+  to about two thirds of its height.
+• The water mirrors the sky: press {selectRect} and draw a box over the lower third of the picture. Press X, so that
+  orange comes first, take the Gradient again and drag from the top of the box down to its foot. Press
+  {deselect}.
 
 ## 3. The mountains
 • Press {newLayer}. Double click the new layer's name and type mountains.
@@ -51,7 +54,7 @@ half an hour. Undo is always there: {undo}.
 • Press {save} to keep it with all layers, and {export} to write a PNG for others.
 
 ## What you have used
-«gradient», «selections», «clipping», «transform», «blend» and the brushes of «brush». The rest is practice.
+«gradient», «selections», «clipping», «transform», «blend» and «brush». The rest is practice.
 )")};
 
 } // namespace qirn::PaintHelp
