@@ -8,7 +8,10 @@ namespace {
 std::atomic<int64_t> heldByForms = 0;
 } // namespace
 
-StoredForm::StoredForm(Coding how, std::vector<uint8_t> stream) : coding(how), bytes(std::move(stream)) {}
+StoredForm::StoredForm(Coding how, std::vector<uint8_t> stream, int64_t sum)
+    : coding(how),
+      bytes(std::move(stream)),
+      checksum(sum) {}
 
 StoredForm::~StoredForm() {
     if (counted_) heldByForms -= static_cast<int64_t>(bytes.size());

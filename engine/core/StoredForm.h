@@ -13,7 +13,7 @@ public:
     enum class Coding { blank, raw, lzfse }; ///< Nothing; the tile's own bytes; `bytes`.
     static constexpr int64_t mostBytes = 256LL * 1024 * 1024;
 
-    StoredForm(Coding coding, std::vector<uint8_t> bytes);
+    StoredForm(Coding coding, std::vector<uint8_t> bytes, int64_t checksum);
     ~StoredForm();
     StoredForm(const StoredForm&) = delete;
     StoredForm& operator=(const StoredForm&) = delete;
@@ -22,6 +22,7 @@ public:
 
     const Coding coding;
     const std::vector<uint8_t> bytes;
+    const int64_t checksum; ///< Of what the file holds of the tile, as the file has it.
 
     bool isCounted() const; ///< Counts the form towards the limit; false if that would exceed it.
 

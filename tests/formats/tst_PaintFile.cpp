@@ -107,8 +107,8 @@ private Q_SLOTS:
     void asMuchIsRememberedAsTheLimitAllows() {
         const int64_t heldBefore = StoredForm::heldBytes();
         const auto form = [](int64_t bytes) {
-            return std::make_shared<const StoredForm>(StoredForm::Coding::lzfse,
-                                                      std::vector<uint8_t>(static_cast<std::size_t>(bytes)));
+            return std::make_shared<const StoredForm>(
+                StoredForm::Coding::lzfse, std::vector<uint8_t>(static_cast<std::size_t>(bytes)), 0);
         };
         // All are there at once, as in a save of a large picture, before the first is remembered.
         const int64_t large = StoredForm::mostBytes - heldBefore - 1000;

@@ -33,7 +33,8 @@ bool IncomingTiles::Source::isShort() const {
 }
 
 bool IncomingTiles::Source::operator==(const Source& other) const {
-    if (coding != other.coding || bytes.size() != other.bytes.size()) return false;
+    if (coding != other.coding || checksum != other.checksum || bytes.size() != other.bytes.size())
+        return false;
     if (bytes.data() == other.bytes.data()) return true;
     return isShort() && contentOf(bytes) == contentOf(other.bytes);
 }
@@ -55,7 +56,7 @@ std::optional<std::size_t> IncomingTiles::add(const TileEntry& entry) {
         return std::nullopt;
     }
     const int64_t coding = entry.c == kCodingLzfse ? kCodingLzfse : kCodingRaw;
-    const Source source{*bytes, coding};
+    const Source source{*bytes, coding, entry.k};
     const auto [found, isNew] = known_.try_emplace(source, tiles_.size());
     if (isNew) tiles_.push_back({source, entry.i});
     return found->second;
@@ -78,6 +79,10 @@ void IncomingTiles::decode(const Progress& progress) {
 }
 
 void IncomingTiles::decodeOne(Incoming& incoming, TileDecoder& decoder) {
+    if (!matches(incoming.source.bytes, incoming.source.checksum)) {
+        incoming.isDamaged = true;
+        return;
+    }
     TileRef tile;
     if (incoming.source.coding == kCodingLzfse) {
         tile = decoder.decode(incoming.source.bytes);

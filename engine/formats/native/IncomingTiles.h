@@ -39,6 +39,7 @@ private:
     struct Source {
         std::span<const uint8_t> bytes;
         int64_t coding;
+        std::optional<int64_t> checksum;
 
         bool isShort() const;
         bool operator==(const Source& other) const;

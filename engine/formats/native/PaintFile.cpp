@@ -29,8 +29,8 @@ constexpr double kTilesEncoded = 0.8, kPreviewMade = 0.95; // of the work of wri
 /// The part of the file behind the manifest, as pieces that are not copied until the file is assembled.
 class Blob {
 public:
-    TileEntry add(int64_t slot, std::span<const uint8_t> bytes, int64_t coding) {
-        const TileEntry entry{slot, length_, static_cast<int64_t>(bytes.size()), coding};
+    TileEntry add(int64_t slot, std::span<const uint8_t> bytes, int64_t coding, int64_t checksum) {
+        const TileEntry entry{slot, length_, static_cast<int64_t>(bytes.size()), coding, checksum};
         pieces_.push_back(bytes);
         length_ += entry.n;
         return entry;
@@ -56,9 +56,9 @@ LayerEntry entryOf(const LayerState& layer, const StoredTiles& stored, Blob& blo
     layer.tiles.forEachTile([&](int64_t index, const Tile& tile) {
         const StoredForm& form = stored[tile];
         if (form.coding == StoredForm::Coding::lzfse)
-            entry.tiles.push_back(blob.add(index, form.bytes, kCodingLzfse));
+            entry.tiles.push_back(blob.add(index, form.bytes, kCodingLzfse, form.checksum));
         else if (form.coding == StoredForm::Coding::raw)
-            entry.tiles.push_back(blob.add(index, tile.bytes(), kCodingRaw));
+            entry.tiles.push_back(blob.add(index, tile.bytes(), kCodingRaw, form.checksum));
     });
     return entry;
 }
@@ -149,7 +149,7 @@ std::optional<QImage> PaintFile::thumbnailOf(std::span<const uint8_t> file) {
         const auto [manifest, blobOffset] = manifestOf(file);
         if (!manifest.thumbnail) return std::nullopt;
         const auto png = storedBytes(file.subspan(checkedSize(blobOffset)), *manifest.thumbnail);
-        if (!png) return std::nullopt;
+        if (!png || !matches(*png, manifest.thumbnail->k)) return std::nullopt;
         return decodePNG(*png);
     } catch (const PaintFileError&) {
         return std::nullopt;
@@ -180,7 +180,7 @@ QByteArray PaintFile::encode(const DocumentSnapshot& snapshot, int64_t maxSide,
     // A preview that cannot be made is never a reason not to save.
     const QImage preview = previewOf(snapshot, maxSide, progress.part(kTilesEncoded, kPreviewMade));
     const QByteArray png = preview.isNull() ? QByteArray() : pngBytes(preview, kPreviewDpi);
-    if (!png.isEmpty()) manifest.thumbnail = blob.add(-1, bytesOf(png), kCodingPng);
+    if (!png.isEmpty()) manifest.thumbnail = blob.add(-1, bytesOf(png), kCodingPng, checksumOf(bytesOf(png)));
     return assembled(manifestText(manifest), blob, progress.part(kPreviewMade, 1));
 }
 

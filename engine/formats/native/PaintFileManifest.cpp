@@ -8,6 +8,8 @@
 
 #include <QTimeZone>
 
+#include <zlib.h>
+
 namespace qirn::PaintFile {
 
 namespace {
@@ -15,7 +17,9 @@ namespace {
 const QString kMomentForm = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'");
 
 OrderedJson written(const TileEntry& entry) {
-    return {{"i", entry.i}, {"o", entry.o}, {"n", entry.n}, {"c", entry.c}};
+    OrderedJson json{{"i", entry.i}, {"o", entry.o}, {"n", entry.n}, {"c", entry.c}};
+    if (entry.k) json["k"] = *entry.k;
+    return json;
 }
 
 OrderedJson written(const OnionSkin& onion) {
@@ -43,8 +47,11 @@ OrderedJson written(const LayerEntry& layer) {
 }
 
 TileEntry readTile(const Json& json) {
+    const auto checksum = json.find("k"); // of another type it counts as absent
     return {jsonWhole(jsonMember(json, "i")), jsonWhole(jsonMember(json, "o")),
-            jsonWhole(jsonMember(json, "n")), jsonWhole(jsonMember(json, "c"))};
+            jsonWhole(jsonMember(json, "n")), jsonWhole(jsonMember(json, "c")),
+            checksum != json.end() && checksum->is_number_integer() ? std::optional(checksum->get<int64_t>())
+                                                                    : std::nullopt};
 }
 
 OnionSkin readOnion(const Json& json) {
@@ -138,6 +145,14 @@ std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blo
     // Compared without adding, which could overflow.
     if (entry.o < 0 || entry.n < 1 || entry.n > size - entry.o) return std::nullopt;
     return blob.subspan(checkedSize(entry.o), checkedSize(entry.n));
+}
+
+int64_t checksumOf(std::span<const uint8_t> bytes) {
+    return static_cast<int64_t>(crc32_z(0, bytes.data(), bytes.size()));
+}
+
+bool matches(std::span<const uint8_t> bytes, const std::optional<int64_t>& checksum) {
+    return !checksum || *checksum == checksumOf(bytes);
 }
 
 } // namespace qirn::PaintFile

@@ -15,10 +15,11 @@ namespace qirn::PaintFile {
 
 /// Where the bytes of a tile, or of the preview, lie.
 struct TileEntry {
-    int64_t i = 0; ///< Slot in the layer: row * columns + column; -1 for the preview.
-    int64_t o = 0; ///< Offset from the first byte behind the manifest.
-    int64_t n = 0; ///< Stored bytes.
-    int64_t c = 0; ///< One of the codings below.
+    int64_t i = 0;                 ///< Slot in the layer: row * columns + column; -1 for the preview.
+    int64_t o = 0;                 ///< Offset from the first byte behind the manifest.
+    int64_t n = 0;                 ///< Stored bytes.
+    int64_t c = 0;                 ///< One of the codings below.
+    std::optional<int64_t> k = {}; ///< `checksumOf` the stored bytes; absent in files of older versions.
 };
 inline constexpr int64_t kCodingRaw = 0;
 inline constexpr int64_t kCodingLzfse = 1;
@@ -61,5 +62,10 @@ std::optional<Manifest> parseManifest(std::span<const uint8_t> text);
 
 /// The bytes that an entry names in what lies behind the manifest; nothing when they are not all there.
 std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blob, const TileEntry& entry);
+
+/// CRC-32 as zlib and PNG have it.
+int64_t checksumOf(std::span<const uint8_t> bytes);
+/// False where the bytes are not those that the entry was written for; an entry without a checksum cannot tell.
+bool matches(std::span<const uint8_t> bytes, const std::optional<int64_t>& checksum);
 
 } // namespace qirn::PaintFile

@@ -40,7 +40,7 @@ std::optional<QImage> storedPreview(const QString& path) {
     if (!entry || entry->o < 0 || entry->o > kMostOffset || entry->n < 1 || entry->n > kMostPreviewBytes)
         return std::nullopt;
     const QByteArray png = readFilePart(path, blobOffset + entry->o, entry->n);
-    if (png.size() < entry->n) return std::nullopt;
+    if (png.size() < entry->n || !PaintFile::matches(bytesOf(png), entry->k)) return std::nullopt;
     auto image = decodePNG(bytesOf(png));
     const int most = static_cast<int>(PaintFile::kPreviewSide);
     if (!image || image->width() > most || image->height() > most) return std::nullopt;

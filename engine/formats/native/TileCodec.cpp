@@ -1,5 +1,7 @@
 #include "formats/native/TileCodec.h"
 
+#include "formats/native/PaintFileManifest.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -26,14 +28,15 @@ TileEncoder::TileEncoder()
 
 std::shared_ptr<const StoredForm> TileEncoder::encode(const Tile& tile) {
     using Coding = StoredForm::Coding;
-    const auto form = [](Coding coding, std::vector<uint8_t> bytes = {}) {
-        return std::make_shared<const StoredForm>(coding, std::move(bytes));
-    };
-    if (tile.isEmpty()) return form(Coding::blank);
+    if (tile.isEmpty()) return std::make_shared<const StoredForm>(Coding::blank, std::vector<uint8_t>(), 0);
     const std::size_t length =
         lzfse_encode_buffer(stream_.get(), kStreamCapacity, tile.pixels(), kTileBytes, workspace_.get());
-    if (length < 1 || length >= kTileBytes) return form(Coding::raw);
-    return form(Coding::lzfse, std::vector<uint8_t>(stream_.get(), stream_.get() + length));
+    if (length < 1 || length >= kTileBytes)
+        return std::make_shared<const StoredForm>(Coding::raw, std::vector<uint8_t>(),
+                                                  PaintFile::checksumOf(tile.bytes()));
+    std::vector<uint8_t> stream(stream_.get(), stream_.get() + length);
+    const int64_t checksum = PaintFile::checksumOf(stream);
+    return std::make_shared<const StoredForm>(Coding::lzfse, std::move(stream), checksum);
 }
 
 TileDecoder::TileDecoder()
