@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
@@ -17,6 +18,7 @@
 #include "kit/controls/IconButton.h"
 #include "kit/help/HelpPage.h"
 #include "kit/help/QirnHelp.h"
+#include "kit/style/ChromePaint.h"
 
 namespace qirn {
 
@@ -92,10 +94,13 @@ QirnHelpViewer::QirnHelpViewer(const QString& initialTopic, QWidget* parent)
     rows->addWidget(list_, 1);
     auto* across = new QHBoxLayout(this);
     across->addWidget(column_);
-    across->addWidget(page_, 1);
+    auto* pageRow = new QHBoxLayout; // with room for the ring of the keyboard
+    pageRow->addWidget(page_);
+    across->addLayout(pageRow, 1);
     across->setContentsMargins(0, 0, 0, 0);
     across->setSpacing(0);
-    QirnKit::followMetrics(this, [this, rows, top](const Metrics& m) {
+    QirnKit::followMetrics(this, [this, rows, top, pageRow](const Metrics& m) {
+        pageRow->setContentsMargins(m.focusWidth, m.focusWidth, m.focusWidth, m.focusWidth);
         rows->setContentsMargins(m.gap, m.groupGap, m.gap, m.gap);
         rows->setSpacing(m.gap);
         top->setSpacing(m.tightGap);
@@ -117,6 +122,7 @@ QirnHelpViewer::QirnHelpViewer(const QString& initialTopic, QWidget* parent)
         search_->setFocus(Qt::ShortcutFocusReason);
         search_->selectAll();
     });
+    page_->installEventFilter(this);
     setFocusProxy(search_);
     back_->setEnabled(false);
     current_ = initialTopic;
@@ -193,6 +199,14 @@ void QirnHelpViewer::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
 }
 
+void QirnHelpViewer::paintEvent(QPaintEvent*) {
+    if (!page_->hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange)) return;
+    const Metrics& m = QirnKitHost::metrics();
+    QPainter painter(this);
+    const QMargins ring(m.focusWidth, m.focusWidth, m.focusWidth, m.focusWidth);
+    ChromePaint::focusRing(painter, page_->geometry() + ring, m.smallRadius);
+}
+
 void QirnHelpViewer::setColumnWidth() {
     const int wished = QirnKitHost::metrics().px(kColumnWidth);
     column_->setFixedWidth(std::min(wished, static_cast<int>(width() * kColumnShare)));
@@ -200,6 +214,10 @@ void QirnHelpViewer::setColumnWidth() {
 
 // Up and down choose in the list while the words are typed; Escape empties the field before it closes the window.
 bool QirnHelpViewer::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == page_) {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
+        return QWidget::eventFilter(watched, event);
+    }
     if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)
         return QWidget::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent*>(event)->key();

@@ -22,6 +22,7 @@ public:
     void topicsChanged(); ///< Reads the topics again.
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 

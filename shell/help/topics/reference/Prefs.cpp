@@ -28,9 +28,12 @@ there is no OK to press.
 • Checkerboard, 4 to 40: the size of the squares shown behind transparent areas.
 
 ## Keys
-Every menu command and every tool with its key. Choose a row and type the key that you want. If another command
-has it, you are told which, before anything changes. Reset gives back the key of the design. Menus, tips and
-this help show your keys at once. The plain keys of the canvas, such as [ and ], stay as they are.
+Every menu command and every tool with its key; type in the field above to find one, by its name or by its key.
+• Change… (or Return on a row): type the key that you want. Esc leaves it as it is.
+• If the key belongs to another command you are told which, before anything changes. Type it again to take it over.
+• No Key takes the key away, Reset gives back the key of the design, and Reset All… does so for all of them.
+
+Menus, tips and this help show your keys at once. The plain keys of the canvas, such as [ and ], stay as they are.
 
 ## Elsewhere
 Themes and interface zoom are in the Theme and View menus: «look». The options of tools, your colors, brushes
