@@ -65,6 +65,26 @@ private Q_SLOTS:
         QCOMPARE(thicknessAt(image, 4), 0); // from 10 pixels off the left edge
     }
 
+    /// Reduced to half, a preview at twice the scale is nearly the one at scale 1: its lengths and grain grow with it.
+    void atTwiceTheScaleItIsTheSameStroke() {
+        for (const BrushSettings& brush : BrushLibrary::builtIn()) {
+            if (brush.spray) continue; // other droplets
+            const QImage small = previewOf(brush),
+                         large = BrushPreview::render(brush, kWidth, kHeight, kPale, 2);
+            QCOMPARE(large.size(), 2 * small.size());
+            int sum = 0, difference = 0;
+            for (int i = 0; i < kWidth * kHeight; ++i) {
+                const int x = i % kWidth, y = i / kWidth;
+                int mean = 0;
+                for (const int part : {0, 1, 2, 3})
+                    mean += alphaAt(large, 2 * x + part % 2, 2 * y + part / 2);
+                sum += alphaAt(small, x, y);
+                difference += qAbs(alphaAt(small, x, y) - mean / 4);
+            }
+            QVERIFY2(difference < 0.16 * sum, qPrintable(brush.name));
+        }
+    }
+
     void anEraserCutsThroughTheBed() {
         const BrushSettings eraser = *BrushLibrary::named(QStringLiteral("Hard Eraser"));
         const QImage image = previewOf(eraser);
