@@ -66,6 +66,10 @@ QString plainTip(const QString& text) {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
+QString menuText(QString text) {
+    return text.replace(u'&', QStringLiteral("&&"));
+}
+
 QString shortTime(const QTime& time) {
     static const QRegularExpression seconds(QStringLiteral("[^a-zA-Z]?s+"));
     const QLocale locale;

@@ -13,6 +13,9 @@ QString hostWords(const QString& text);
 /// A text that may hold names, for a tip: none of its signs is markup.
 QString plainTip(const QString& text);
 
+/// A text that may hold names, for a menu: none of its signs marks a key.
+QString menuText(QString text);
+
 /// A time of day as the desktop writes it, to the minute.
 QString shortTime(const QTime& time);
 

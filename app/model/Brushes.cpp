@@ -4,6 +4,7 @@
 #include "app/desktop/Desktop.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Store.h"
+#include "app/files/BrushPreviewCache.h"
 #include "app/model/CanvasPort.h"
 #include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
@@ -51,11 +52,16 @@ BrushSettings sanitized(BrushSettings brush) {
 
 } // namespace
 
-Brushes::Brushes(PaintModel& model) : model_(model), file_(AppFolders::brushesFile()) {
+Brushes::Brushes(PaintModel& model)
+    : model_(model),
+      file_(AppFolders::brushesFile()),
+      previews_(std::make_unique<BrushPreviewCache>()) {
     for (const ToolRow& row : kTools) {
         if (row.usesBrush()) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
     }
 }
+
+Brushes::~Brushes() = default;
 
 void Brushes::load(const Store& store) {
     userBrushes_ = file_.load();

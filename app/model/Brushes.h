@@ -4,6 +4,7 @@
 #include "brush/BrushSettings.h"
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -12,6 +13,7 @@
 
 namespace qirn {
 
+class BrushPreviewCache;
 class PaintModel;
 class Store;
 
@@ -20,6 +22,7 @@ class Brushes {
     Q_DECLARE_TR_FUNCTIONS(qirn::Brushes)
 public:
     explicit Brushes(PaintModel& model); ///< Borrowed for its life. Every tool has its built-in brush.
+    ~Brushes();
 
     Tool brushTool() const; ///< The current tool, or Brush where that has no brush of its own.
     const BrushSettings& activeBrush() const;
@@ -30,6 +33,7 @@ public:
     std::vector<BrushSettings> brushesFor(Tool tool) const;
     const std::vector<BrushSettings>& userBrushes() const { return userBrushes_; }
     std::optional<BrushSettings> savedPreset(const BrushSettings& brush) const;
+    BrushPreviewCache& previews() const { return *previews_; } ///< Of any brushes, for all views.
 
     void choose(const BrushSettings& preset); ///< Switches to the tool of the preset's kind.
     void resetBrush();
@@ -50,6 +54,7 @@ private:
     std::map<Tool, BrushSettings> toolBrush_;
     std::vector<BrushSettings> userBrushes_;
     UserBrushFile file_;
+    std::unique_ptr<BrushPreviewCache> previews_;
 };
 
 } // namespace qirn

@@ -5,17 +5,7 @@ namespace qirn {
 
 /// A sheet over the window that asks for something; the window lays it out and owns what is typed into it.
 struct PaintSheet {
-    /// Nothing opens the last two yet.
-    enum class Kind {
-        text,
-        newDocument,
-        exportPicture,
-        imageSize,
-        canvasSize,
-        recovery,
-        savePalette,
-        saveBrush
-    };
+    enum class Kind { text, newDocument, exportPicture, imageSize, canvasSize, recovery };
     Kind kind = Kind::recovery;
     QPointF textRequest = {}; ///< `text`: the canvas point of the words' top left corner.
 

@@ -19,6 +19,8 @@ struct NumberFormat {
     static constexpr NumberFormat percent() { return {100, 0, "%"}; } ///< A value of 0 to 1.
     static constexpr NumberFormat pixels() { return {1, 0, " px", true}; }
     static constexpr NumberFormat degrees() { return {1, 0, "°"}; }
+    static constexpr NumberFormat times() { return {1, 2, "×"}; }
+    static constexpr NumberFormat perSecond() { return {1, 0, "/s"}; }
     /// As many places as it takes, up to `decimals`.
     static constexpr NumberFormat upTo(int decimals, const char* suffix = "") {
         return {1, decimals, suffix, decimals == 0, true};

@@ -68,7 +68,7 @@ void RowBox::change(const std::function<void()>& body) {
 }
 
 void RowBox::introduce(QWidget& control, const char* label, const char* tip) const {
-    control.setObjectName(QString::fromUtf8(label));
+    control.setObjectName(QString::fromUtf8(dress_.prefix) + QString::fromUtf8(label));
     control.setAccessibleName(dress_.words(label));
     if (tip) control.setToolTip(dress_.words(tip));
     if (control.focusPolicy() != Qt::NoFocus && !qobject_cast<QLineEdit*>(&control))

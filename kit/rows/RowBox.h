@@ -27,6 +27,7 @@ public:
         QString (*words)(const char* source); ///< A text of the table as the user reads it.
         /// Runs every change of the target, for instance to catch what it throws; may be absent.
         std::function<void(const std::function<void()>&)> guard;
+        const char* prefix = ""; ///< Of the object names, where other rows have the same labels.
     };
 
     void refresh(); ///< Reads the target again, and shows the rows that it has now.

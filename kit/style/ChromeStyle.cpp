@@ -128,7 +128,7 @@ void ChromeStyle::drawControl(ControlElement element, const QStyleOption* option
         if (combo) drawComboLabel(*combo, p, widget);
         return;
     case CE_MenuItem:
-        if (menu) drawMenuRow(*menu, p);
+        if (menu) drawMenuRow(*menu, p, widget);
         return;
     case CE_MenuBarItem:
         if (menu) drawMenuBarItem(*menu, p);

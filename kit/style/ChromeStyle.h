@@ -62,7 +62,7 @@ private:
     void drawSpin(const QStyleOptionSpinBox& option, QPainter& painter, const QWidget* widget) const;
     void drawGroup(const QStyleOptionGroupBox& option, QPainter& painter, const QWidget* widget) const;
     // ChromeStyleMenus.cpp
-    void drawMenuRow(const QStyleOptionMenuItem& option, QPainter& painter) const;
+    void drawMenuRow(const QStyleOptionMenuItem& option, QPainter& painter, const QWidget* menu) const;
     void drawMenuBarItem(const QStyleOptionMenuItem& option, QPainter& painter) const;
     // ChromeStyleSliders.cpp
     void drawSlider(const QStyleOptionSlider& option, QPainter& painter, const QWidget* widget) const;

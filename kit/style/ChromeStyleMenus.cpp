@@ -3,6 +3,7 @@
 #include "kit/ChromeFont.h"
 #include "kit/Metrics.h"
 #include "kit/QirnKit.h"
+#include "kit/controls/PictureMenu.h"
 #include "kit/style/ChromePaint.h"
 #include "kit/style/ChromeStyle.h"
 
@@ -28,7 +29,8 @@ void drawSeparator(const QStyleOptionMenuItem& option, QPainter& painter) {
 
 } // namespace
 
-void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& painter) const {
+void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& painter,
+                              const QWidget* menu) const {
     const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     if (option.menuItemType == QStyleOptionMenuItem::Separator) {
@@ -42,16 +44,23 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
                          m.smallRadius, c.selected);
 
     QRectF rect = QRectF(option.rect).adjusted(m.groupGap, 0, -m.groupGap, 0);
+    const QSize picture = PictureMenu::pictureOf(option, menu);
     const bool markColumn = option.menuHasCheckableItems || option.maxIconWidth > 0;
     if (markColumn) {
         const QRectF mark(rect.left(), rect.top(), m.smallIcon, rect.height());
         const QColor color = enabled ? c.text : c.faint;
         if (option.checked)
             ChromePaint::icon(painter, mark, Icon::check, m.smallIcon, color);
-        else if (!option.icon.isNull())
+        else if (!option.icon.isNull() && picture.isEmpty())
             ChromePaint::icon(painter, mark, option.icon, {m.smallIcon, m.smallIcon},
                               enabled ? QIcon::Normal : QIcon::Disabled, QIcon::Off);
         rect.setLeft(mark.right() + m.gap);
+    }
+    if (!picture.isEmpty()) {
+        QRectF place({}, picture);
+        place.moveTopLeft({rect.left(), rect.center().y() - place.height() / 2});
+        option.icon.paint(&painter, place.toRect());
+        rect.setLeft(place.right() + m.gap);
     }
 
     painter.save();

@@ -6,6 +6,7 @@
 #include <QTextOption>
 
 #include "kit/QirnKit.h"
+#include "kit/controls/PictureMenu.h"
 #include "kit/style/ChromeStyle.h"
 
 namespace qirn {
@@ -162,7 +163,9 @@ QSize ChromeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
         if (item->menuHasCheckableItems || item->maxIconWidth > 0) width += m.smallIcon + m.gap;
         if (item->text.contains(QLatin1Char('\t'))) width += 2 * m.margin;
         if (item->menuItemType == QStyleOptionMenuItem::SubMenu) width += m.chevron + m.margin;
-        return {width, m.rowHeight};
+        const QSize picture = PictureMenu::pictureOf(*item, widget);
+        if (picture.isEmpty()) return {width, m.rowHeight};
+        return {width + picture.width() + m.gap, std::max(m.rowHeight, picture.height() + 2 * m.inset)};
     }
     default:
         return size;

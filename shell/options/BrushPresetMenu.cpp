@@ -1,22 +1,48 @@
 #include "shell/options/BrushPresetMenu.h"
 
+#include "app/desktop/HostWords.h"
 #include "app/model/Brushes.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
+#include "kit/controls/PictureMenu.h"
+#include "shell/panels/brush/BrushSample.h"
 
-#include <QMenu>
+#include <QIconEngine>
 #include <QStyleOption>
 #include <QStylePainter>
 
 namespace qirn {
+
+namespace {
+
+/// A brush's preview on its plate, painted once it is there. It borrows the previews.
+class PreviewIcon final : public QIconEngine {
+public:
+    PreviewIcon(const BrushSettings& brush, BrushPreviewCache& previews)
+        : brush_(brush),
+          previews_(previews) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
+        BrushSample::paint(*painter, rect, picture_.of(brush_, previews_, BrushSample::scaleFor(*painter)));
+    }
+    QPixmap pixmap(const QSize&, QIcon::Mode, QIcon::State) override { return {}; }
+    QIconEngine* clone() const override { return std::make_unique<PreviewIcon>(*this).release(); }
+
+private:
+    BrushSettings brush_;
+    BrushPreviewCache& previews_;
+    BrushPicture picture_;
+};
+
+} // namespace
 
 BrushPresetMenu::BrushPresetMenu(PaintModel& model, QWidget* parent) : QPushButton(parent), model_(model) {
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setObjectName(QStringLiteral("Brush preset"));
     setToolTip(tr("Brush preset"));
-    setMenu(new QMenu(this));
+    setMenu(groupOf({}));
     connect(menu(), &QMenu::aboutToShow, this, &BrushPresetMenu::fill);
     connect(&model, &PaintModel::changed, this, &BrushPresetMenu::refresh);
     refresh();
@@ -25,6 +51,7 @@ BrushPresetMenu::BrushPresetMenu(PaintModel& model, QWidget* parent) : QPushButt
 void BrushPresetMenu::refresh() {
     const QString name = model_.brushes().activeBrush().name;
     setText(name);
+    setShortcut({}); // which a "&" in the name would be
     setAccessibleName(tr("Brush preset") + u' ' + name);
 }
 
@@ -33,18 +60,32 @@ QSize BrushPresetMenu::sizeHint() const {
     return {QirnKitHost::metrics().controlWidth, QirnKitHost::metrics().controlHeight};
 }
 
+QMenu* BrushPresetMenu::groupOf(const QString& category) {
+    auto* group = new PictureMenu(category, BrushSample::pictureSize, this);
+    connect(&model_.brushes().previews(), &BrushPreviewCache::ready, group, qOverload<>(&QWidget::update));
+    return group;
+}
+
 void BrushPresetMenu::fill() {
     menu()->clear();
+    qDeleteAll(groups_);
+    groups_.clear();
+    BrushPreviewCache& previews = model_.brushes().previews();
     QStringList categories;
     const std::vector<BrushSettings> brushes = model_.brushes().brushesFor(model_.brushes().brushTool());
     for (const BrushSettings& brush : brushes)
         if (!categories.contains(brush.category)) categories << brush.category;
     for (const QString& category : categories) {
         // One category needs no menu of its own.
-        QMenu* group = categories.size() == 1 ? menu() : menu()->addMenu(category);
+        QMenu* group = menu();
+        if (categories.size() > 1) {
+            group = groups_.emplace_back(groupOf(menuText(category)));
+            menu()->addMenu(group);
+        }
         for (const BrushSettings& brush : brushes) {
             if (brush.category != category) continue;
-            QAction* action = group->addAction(brush.name);
+            const QIcon icon(std::make_unique<PreviewIcon>(brush, previews).release()); // it owns its engine
+            QAction* action = group->addAction(icon, menuText(brush.name));
             action->setCheckable(true);
             action->setChecked(brush.id == model_.brushes().activeBrush().id);
             if (action->isChecked() && group != menu()) {

@@ -1,4 +1,6 @@
 #pragma once
+#include <vector>
+
 #include <QPushButton>
 
 namespace qirn {
@@ -18,9 +20,11 @@ protected:
 
 private:
     void refresh();
-    void fill(); ///< Just before the menu opens.
+    QMenu* groupOf(const QString& category); ///< An empty menu with this title.
+    void fill();                             ///< Just before the menu opens.
 
     PaintModel& model_;
+    std::vector<QMenu*> groups_; // owned by this, until the menu is filled anew
 };
 
 } // namespace qirn

@@ -1,9 +1,9 @@
 #include "shell/options/ToolOptionRows.h"
 
 #include "app/edits/CanvasEdits.h"
-#include "app/model/Brushes.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PendingTransform.h"
+#include "shell/BrushValue.h"
 #include "shell/options/BrushPresetMenu.h"
 
 #include <cmath>
@@ -48,19 +48,10 @@ bool hasLifted(const PaintModel& model) {
     return model.transform().isPending();
 }
 
-template <double BrushSettings::*kField> double brushValue(const PaintModel& model) {
-    return model.brushes().activeBrush().*kField;
-}
-template <double BrushSettings::*kField> void setBrushValue(PaintModel& model, double value) {
-    BrushSettings brush = model.brushes().activeBrush();
-    brush.*kField = value;
-    model.brushes().setActiveBrush(brush);
-}
-
 template <double BrushSettings::*kField>
 constexpr Slider brushSlider(const char* label, const SliderScale& scale, const NumberFormat& format,
                              const char* tip = nullptr) {
-    return {label, scale, format, tip, brushValue<kField>, setBrushValue<kField>};
+    return {label, scale, format, tip, BrushValue::get<kField>, BrushValue::set<kField>};
 }
 
 /// An option of a tool without a brush, by its field: as a number, a flag or the position of an enumerator.

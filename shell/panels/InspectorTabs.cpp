@@ -4,6 +4,7 @@
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "shell/panels/ColorChooser.h"
+#include "shell/panels/brush/BrushPanel.h"
 
 #include <vector>
 
@@ -30,6 +31,7 @@ template <class Panel> QWidget* make(PaintModel& model, QWidget* parent) {
 
 constexpr TabRow kTabs[] = {
     {InspectorTab::color, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Color"), make<ColorChooser>},
+    {InspectorTab::brush, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Brush"), make<BrushPanel>},
 };
 
 class Bar final : public QTabBar {

@@ -1,7 +1,6 @@
 #include "app/commands/rows/MenuRows.h"
 
 #include "app/commands/PaintCommands.h"
-#include "app/model/Brushes.h"
 #include "app/model/Clipboard.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/Palettes.h"
@@ -48,10 +47,6 @@ const CommandRow kRows[] = {
     {"File", "export", QIRN_TITLE("Export (PNG, JPEG, TIFF, PSD)…"), Command | Qt::Key_E,
      sheet<PaintSheet::Kind::exportPicture>},
     {"File", nullptr},
-    {"File", "importBrushes", QIRN_TITLE("Import Brushes…"), 0,
-     call<&PaintModel::brushes, &Brushes::importBrushes>},
-    {"File", "exportBrushes", QIRN_TITLE("Export Brushes…"), 0,
-     call<&PaintModel::brushes, &Brushes::exportBrushes>},
     {"File", "importPalette", QIRN_TITLE("Import Palettes…"), 0,
      call<&PaintModel::palettes, &Palettes::importPalette>},
     {"File", "exportGpl", QIRN_TITLE("Export Palette as .gpl…"), 0,

@@ -1,0 +1,26 @@
+#include "kit/controls/ScrollColumn.h"
+
+#include <QKeyEvent>
+#include <QScrollBar>
+
+namespace qirn {
+
+ScrollColumn::ScrollColumn(QWidget* column, QWidget* parent) : QScrollArea(parent) {
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWidgetResizable(true);
+    setWidget(column);
+    column->setAutoFillBackground(false); // what stands behind it shows
+    viewport()->setAutoFillBackground(false);
+}
+
+QSize ScrollColumn::minimumSizeHint() const {
+    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(), 0};
+}
+
+void ScrollColumn::keyPressEvent(QKeyEvent* event) {
+    event->ignore(); // arrow keys are for the control that has the focus, or for the window
+}
+
+} // namespace qirn

@@ -1,0 +1,64 @@
+#include "kit/controls/SearchField.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+#include "kit/QirnKit.h"
+#include "kit/controls/IconButton.h"
+#include "kit/style/ChromePaint.h"
+
+namespace qirn {
+
+SearchField::SearchField(const QString& accessibleName, QWidget* parent)
+    : QLineEdit(parent),
+      clear_(new IconButton(Icon::close, tr("Clear"), this, &Metrics::chevron)) {
+    setPlaceholderText(tr("Search"));
+    setAccessibleName(accessibleName);
+    clear_->setObjectName(QStringLiteral("clearSearch"));
+    clear_->setFocusPolicy(Qt::NoFocus); // Escape does the same
+    clear_->setCursor(Qt::ArrowCursor);
+    clear_->hide();
+    connect(clear_, &IconButton::clicked, this, &QLineEdit::clear);
+    connect(this, &QLineEdit::textChanged, clear_,
+            [this](const QString& text) { clear_->setVisible(!text.isEmpty()); });
+    QirnKit::followMetrics(this, [this](const Metrics&) {
+        layOut();
+        updateGeometry();
+    });
+}
+
+void SearchField::layOut() {
+    const Metrics& m = QirnKitHost::metrics();
+    setTextMargins(m.smallIcon + m.tightGap, 0, m.smallButton, 0);
+    clear_->setGeometry(width() - m.smallButton - m.tightGap, (height() - m.smallButton) / 2, m.smallButton,
+                        m.smallButton);
+}
+
+void SearchField::resizeEvent(QResizeEvent* event) {
+    QLineEdit::resizeEvent(event);
+    layOut();
+}
+
+QSize SearchField::sizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
+    return {m.controlWidth, m.controlHeight};
+}
+
+void SearchField::paintEvent(QPaintEvent* event) {
+    QLineEdit::paintEvent(event);
+    const Metrics& m = QirnKitHost::metrics();
+    QPainter painter(this);
+    ChromePaint::icon(painter, QRectF(m.gap, 0, m.smallIcon, height()), Icon::search, m.smallIcon,
+                      isEnabled() ? QirnKitHost::colors().dim : QirnKitHost::colors().faint);
+}
+
+void SearchField::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) clear(); // and whoever is around gives the keys to another
+    if (event->key() == Qt::Key_Down && event->modifiers() == Qt::NoModifier) {
+        Q_EMIT leftDownward();
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+} // namespace qirn
