@@ -10,7 +10,8 @@
 namespace qirn {
 
 KitWindow::KitWindow(const QString& title, QSize size, QWidget* content, const char* frameName)
-    : frameName_(frameName) {
+    : size_(size),
+      frameName_(frameName) {
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(title);
     auto* rows = new QVBoxLayout(this);
@@ -19,20 +20,22 @@ KitWindow::KitWindow(const QString& title, QSize size, QWidget* content, const c
     setFocusProxy(content);
     for (const QKeySequence& key : {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)})
         connect(new QShortcut(key, this), &QShortcut::activated, this, &QWidget::close);
-    // No widget outlives the application.
-    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { delete this; });
-    place(size);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+        hide(); // which keeps its place
+        deleteLater();
+    });
 }
 
-void KitWindow::place(QSize size) {
+void KitWindow::place() {
     const QString kept = frameName_ ? QirnKitHost::store().text(frameName_) : QString();
     if (restoreGeometry(QByteArray::fromBase64(kept.toLatin1()))) return;
     const Metrics& m = QirnKitHost::metrics();
-    const QSize wished(m.px(size.width()), m.px(size.height()));
+    const QSize wished(m.px(size_.width()), m.px(size_.height()));
     resize(screen() ? wished.boundedTo(screen()->availableSize()) : wished);
 }
 
 void KitWindow::bringUp() {
+    if (!isVisible()) place(); // desktops put a window that comes back somewhere else
     if (isMinimized()) showNormal();
     show();
     raise();

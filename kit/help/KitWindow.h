@@ -19,8 +19,9 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void place(QSize size);
+    void place(); ///< Where it was the last time, or in the size that it was made with.
 
+    QSize size_; // at zoom 1
     const char* frameName_;
 };
 

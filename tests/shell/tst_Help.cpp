@@ -7,6 +7,8 @@
 #include "kit/help/QirnHelpViewer.h"
 #include "shell/help/AboutLines.h"
 #include "shell/help/PaintHelp.h"
+#include "shell/options/ToolOptionRows.h"
+#include "shell/panels/brush/BrushSettingRows.h"
 #include "support/PictureFiles.h"
 #include "support/Window.h"
 
@@ -98,32 +100,17 @@ private Q_SLOTS:
                 words << PaintCommands::tr(row.title).section(QRegularExpression(" *[(…]"), 0, 0);
         }
         for (const QString& each : words) QVERIFY2(manual.contains(each), qPrintable(each));
-        for (const char* setting : {"Type",
-                                    "Size",
-                                    "Opacity",
-                                    "Flow",
-                                    "Strength",
-                                    "Hardness",
-                                    "Spacing",
-                                    "Stabilizer",
-                                    "Pressure → size",
-                                    "Lightest size",
-                                    "Pressure → opacity",
-                                    "Pressure → flow",
-                                    "Roundness",
-                                    "Angle",
-                                    "Texture",
-                                    "Grain scale",
-                                    "Size jitter",
-                                    "Opacity jitter",
-                                    "Scatter",
-                                    "Angle jitter",
-                                    "Airbrush build-up",
-                                    "Spray rate",
-                                    "Spray droplets",
-                                    "Density",
-                                    "Droplet size"})
-            QVERIFY2(QirnHelp::topicWithId("brush-settings")->body.contains(setting), setting);
+        const auto everyLabel = [](std::span<const ControlRow<PaintModel>> rows, const QString& text) {
+            for (const auto& row : rows) {
+                const auto isNamed = [&](const auto& control) {
+                    if constexpr (requires { control.label; })
+                        QVERIFY2(text.contains(control.label), control.label);
+                };
+                std::visit(isNamed, row.control);
+            }
+        };
+        everyLabel(BrushSettingRows::all(), QirnHelp::topicWithId("brush-settings")->body);
+        everyLabel(ToolOptionRows::all(), manual);
     }
 
     void theHelpWindowOpensWhereOneIsAndFollowsLinks() {

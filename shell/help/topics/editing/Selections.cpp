@@ -18,7 +18,7 @@ dashed line. A picture has one selection, whatever layer is active.
 The same three stand in the Select menu.
 
 ## Add to it, cut from it
-• The options bar has New, Add, Subtract and Intersect.
+• Selection mode, in the options bar: New, Add, Subtract or Intersect.
 • Or hold a key: ⌘ to add, ⌥ to subtract, ⌘⌥ to intersect with what is selected. With the Lasso ⇧ adds as well.
 • Smooth edges gives soft stair-less edges; turn it off for pixel art.
 
