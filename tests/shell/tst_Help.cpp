@@ -149,7 +149,9 @@ private Q_SLOTS:
         help->setGeometry(40, 50, 700, 500);
         QTest::keyClick(&search, Qt::Key_Escape);
         QVERIFY(!help->isVisible() && !QirnKitHost::store().text("QirnHelpWindow").isEmpty());
+        help->move(5, 5); // as a desktop does to a window that comes back
         QirnHelp::show();
+        QCOMPARE(help->geometry(), QRect(40, 50, 700, 500));
         QVERIFY(help->isVisible() && viewer.currentTopic() == "blend");
         help->close();
     }

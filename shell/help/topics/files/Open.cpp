@@ -31,8 +31,8 @@ the tip of the tab keeps it. Files that cannot be read as layers, such as 16-bit
 layer.
 
 ## If a file does not open
-The message says why: it is damaged, cut short, too large or of an unknown kind. A damaged document that has a
-readable beginning says what is damaged. See «trouble».
+The message says why: it is damaged, cut short, too large or of an unknown kind. Where only parts of a Qirn
+Paint document are damaged it offers to open the rest. See «trouble».
 )")};
 
 } // namespace qirn::PaintHelp

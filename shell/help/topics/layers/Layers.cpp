@@ -29,7 +29,10 @@ Unlock Layer, Alpha Lock, Clear Pixels and Delete Layer….
 • A click on the row makes it the active layer.
 • Double click the name, or press F2, to rename it in place. Rename… opens the sheet Rename Layer.
 • Drag a row up or down; a line shows where it will land.
-• Marks tell that a layer is locked, α locked or clipped, and its opacity if it is not 100%.
+• Small buttons for Lock, α Lock and Clip light up while they are on; click them to turn them on or off. The
+  opacity stands there too if it is not 100%.
+• With the keyboard on the list: the arrow keys go from row to row and from mark to mark, Space turns a mark,
+  and with ⌘ or ⌥ the up and down arrows move the layer.
 
 ## For the active layer
 • The menu Blend Mode: how the layer mixes with those below. See «blend».

@@ -9,7 +9,8 @@ the active layer show as see-through ghosts, so that you can trace a sketch or d
 movement. It is a view only. Saved and exported pictures never contain ghosts.
 
 ## Turn it on
-Layer → Turn Onion Skin On ({onionSkin}), or the switch in the title of the section Onion skin below the layers.
+Layer → Turn Onion Skin On ({onionSkin}), or the switch in the title of the section Onion skin in the layers
+panel; the arrow beside it opens the settings.
 Layer → Turn Onion Skin Off ends it.
 
 ## Its settings

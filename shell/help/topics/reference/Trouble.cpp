@@ -35,7 +35,8 @@ Start the program again: it offers what it has copied to safety. If you chose Do
 the autosave copy; it is a .qirnpaint file and opens as usual. See «autosave».
 
 ## A file does not open
-• "It may be damaged": try an older copy. A document that cannot be read as a whole is never opened half.
+• "It may be damaged": try an older copy. Of a Qirn Paint document that is damaged in parts the message offers
+  Open What Can Be Read: the rest opens as an unsaved picture, which names the layers that lost something.
 • Photoshop files open with their layers if they are 8-bit RGB, others flat («open»).
 
 ## Saving fails
