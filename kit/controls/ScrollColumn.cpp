@@ -3,7 +3,13 @@
 #include <QKeyEvent>
 #include <QScrollBar>
 
+#include "kit/QirnKit.h"
+
 namespace qirn {
+
+namespace {
+constexpr int kLeastRows = 5; // in fewer nobody finds his way
+} // namespace
 
 ScrollColumn::ScrollColumn(QWidget* column, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
@@ -16,7 +22,8 @@ ScrollColumn::ScrollColumn(QWidget* column, QWidget* parent) : QScrollArea(paren
 }
 
 QSize ScrollColumn::minimumSizeHint() const {
-    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(), 0};
+    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(),
+            kLeastRows * QirnKitHost::metrics().rowHeight};
 }
 
 void ScrollColumn::keyPressEvent(QKeyEvent* event) {

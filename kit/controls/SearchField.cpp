@@ -19,8 +19,7 @@ SearchField::SearchField(const QString& accessibleName, QWidget* parent)
     clear_->setCursor(Qt::ArrowCursor);
     clear_->hide();
     connect(clear_, &IconButton::clicked, this, &QLineEdit::clear);
-    connect(this, &QLineEdit::textChanged, clear_,
-            [this](const QString& text) { clear_->setVisible(!text.isEmpty()); });
+    connect(this, &QLineEdit::textChanged, this, &SearchField::layOut);
     QirnKit::followMetrics(this, [this](const Metrics&) {
         layOut();
         updateGeometry();
@@ -29,7 +28,8 @@ SearchField::SearchField(const QString& accessibleName, QWidget* parent)
 
 void SearchField::layOut() {
     const Metrics& m = QirnKitHost::metrics();
-    setTextMargins(m.smallIcon + m.tightGap, 0, m.smallButton, 0);
+    clear_->setVisible(!text().isEmpty());
+    setTextMargins(m.smallIcon + m.tightGap, 0, text().isEmpty() ? 0 : m.smallButton, 0);
     clear_->setGeometry(width() - m.smallButton - m.tightGap, (height() - m.smallButton) / 2, m.smallButton,
                         m.smallButton);
 }
