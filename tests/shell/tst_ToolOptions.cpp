@@ -118,6 +118,7 @@ private Q_SLOTS:
             for (QAction* brush : group->menu()->actions()) {
                 ++brushes;
                 QCOMPARE(brush->isChecked(), brush->text() == "Studio Pen");
+                QVERIFY(!brush->icon().isNull()); // its preview
                 if (brush->text() == "Charcoal") charcoal = brush;
             }
         }
