@@ -1,7 +1,6 @@
 #include "shell/HeaderBar.h"
 
 #include "app/commands/CommandRows.h"
-#include "app/desktop/HostWords.h"
 #include "app/files/DocSession.h"
 #include "app/model/Clipboard.h"
 #include "app/model/Guarded.h"
@@ -11,6 +10,7 @@
 #include "kit/controls/IconButton.h"
 #include "shell/Badge.h"
 #include "shell/DocTab.h"
+#include "shell/KeyTips.h"
 #include "shell/ZoomButton.h"
 
 #include <utility>
@@ -30,24 +30,20 @@ struct HeaderButton {
     const char* name; ///< Object name.
     const char* command;
     Icon icon;
-    const char* tip;
+    const char* tip; ///< Shown with the key of the command.
 };
 
 constexpr HeaderButton kNew{"headerNew", "newCanvas", Icon::plus,
-                            QT_TRANSLATE_NOOP("qirn::HeaderBar", "New canvas (⌘N)")};
-constexpr HeaderButton kOpen{
-    "headerOpen", "open", Icon::open,
-    QT_TRANSLATE_NOOP("qirn::HeaderBar", "Open a picture or Qirn Paint document (⌘O)")};
-constexpr HeaderButton kSave{"headerSave", "save", Icon::save,
-                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save (⌘S)")};
+                            QT_TRANSLATE_NOOP("qirn::HeaderBar", "New canvas")};
+constexpr HeaderButton kOpen{"headerOpen", "open", Icon::open,
+                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Open a picture or Qirn Paint document")};
+constexpr HeaderButton kSave{"headerSave", "save", Icon::save, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Save")};
 constexpr HeaderButton kExport{"headerExport", "export", Icon::exportPicture,
-                               QT_TRANSLATE_NOOP("qirn::HeaderBar", "Export PNG, JPEG, TIFF or PSD (⌘E)")};
-constexpr HeaderButton kUndo{"headerUndo", "undo", Icon::undo,
-                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo (⌘Z)")};
-constexpr HeaderButton kRedo{"headerRedo", "redo", Icon::redo,
-                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo (⇧⌘Z)")};
+                               QT_TRANSLATE_NOOP("qirn::HeaderBar", "Export PNG, JPEG, TIFF or PSD")};
+constexpr HeaderButton kUndo{"headerUndo", "undo", Icon::undo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Undo")};
+constexpr HeaderButton kRedo{"headerRedo", "redo", Icon::redo, QT_TRANSLATE_NOOP("qirn::HeaderBar", "Redo")};
 constexpr HeaderButton kHelp{"headerHelp", "help", Icon::help,
-                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Qirn Paint Help (⌘?)")};
+                             QT_TRANSLATE_NOOP("qirn::HeaderBar", "Qirn Paint Help")};
 
 } // namespace
 
@@ -57,8 +53,9 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
       strip_(new QScrollArea(this)) {
     setAcceptDrops(true);
     const auto makeButton = [this, &view](const HeaderButton& row) {
-        auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this);
+        auto* button = new IconButton(row.icon, {}, this);
         button->setObjectName(QLatin1String(row.name));
+        tipWithKey(model_, *button, tr(row.tip), commandNamed(row.command));
         connect(button, &IconButton::clicked, this,
                 guarding(model_, [this, &view, &command = commandNamed(row.command)] {
                     runCommand(command, model_, view);

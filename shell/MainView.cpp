@@ -173,7 +173,7 @@ void MainView::closeEvent(QCloseEvent* event) {
 // Keys that no control has used are for the canvas, then for the commands.
 void MainView::keyPressEvent(QKeyEvent* event) {
     if (canvas_->handleKeyPress(event)) return;
-    const CommandRow* command = commandAtPlaceOf(*event);
+    const CommandRow* command = commandOfKey(*event, model_.keys());
     if (!command) return QMainWindow::keyPressEvent(event);
     guarded(model_, [&] { runCommand(*command, model_, *canvas_); });
 }

@@ -15,8 +15,7 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
     column->setContentsMargins(0, 0, 0, 0);
     QirnKit::followMetrics(this, [column](const Metrics& m) { column->setSpacing(m.tightGap); });
     for (const ToolRow& row : kTools) {
-        const QString tip = QStringLiteral("%1 (%2)").arg(toolTitle(row.tool)).arg(QLatin1Char(row.key));
-        auto* button = new RoundButton(row.icon, tip, this);
+        auto* button = new RoundButton(row.icon, titleWithKey(row.tool, model.keys()), this);
         button->setObjectName(QLatin1String(row.id));
         button->setCheckable(true);
         button->setAutoExclusive(true); // arrows go from tool to tool, Tab to the current one and on
@@ -30,7 +29,10 @@ ToolRail::ToolRail(PaintModel& model, QWidget* parent) : QWidget(parent), model_
 }
 
 void ToolRail::refresh() {
-    for (const Entry& entry : entries_) entry.button->setChecked(entry.tool == model_.tool());
+    for (const Entry& entry : entries_) {
+        entry.button->setChecked(entry.tool == model_.tool());
+        entry.button->setTip(titleWithKey(entry.tool, model_.keys()));
+    }
 }
 
 } // namespace qirn

@@ -169,7 +169,7 @@ bool CanvasView::handleCharacter(QKeyEvent* event) {
         key.action(*this, model_, lastMouseView_);
         return true;
     }
-    const std::optional<Tool> tool = toolWithKey(character);
+    const std::optional<Tool> tool = toolWithKey(character, model_.keys());
     if (tool) model_.setTool(*tool);
     return tool.has_value();
 }

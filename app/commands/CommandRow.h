@@ -14,6 +14,7 @@ class QWidget;
 namespace qirn {
 
 class CanvasView;
+class KeyChoices;
 class PaintModel;
 
 /// What a command does: to the model, to the view of the canvas, or to the window.
@@ -46,12 +47,13 @@ struct CommandRow {
     const char* menu;            ///< The menu it stands in; rows of one menu stand together.
     const char* name;            ///< Object name of the action; null for a divider.
     const char* title = nullptr; ///< English source text.
-    int key = 0;                 ///< A key with modifiers, 0 for none.
+    int key = 0;                 ///< A key with modifiers, 0 for none; the user may choose another.
     CommandBody run = {};
-    QString (*liveTitle)(const PaintModel&) = nullptr; ///< In place of `title`, asked at each change.
-    bool (*checked)(const PaintModel&) = nullptr;      ///< Makes the item checkable.
-    bool (*enabled)(const PaintModel&) = nullptr;      ///< Always, where there is none.
-    std::array<int, 2> secondKeys = {}; ///< These work as well and are not shown; see `keysOf`.
+    QString (*liveTitle)(const PaintModel&) =
+        nullptr;                                  ///< In place of `title` in the menu, asked at each change.
+    bool (*checked)(const PaintModel&) = nullptr; ///< Makes the item checkable.
+    bool (*enabled)(const PaintModel&) = nullptr; ///< Always, where there is none.
+    std::array<int, 2> secondKeys = {};           ///< These work as well and are not shown; see `keysOf`.
     std::vector<CommandChoice> (*choices)(PaintModel&) =
         nullptr; ///< A submenu, filled anew whenever it opens; without a title the whole menu.
     /// While a sheet is up all commands are off but those that a text field can do, which go to it, and those that have
@@ -62,9 +64,13 @@ struct CommandRow {
 
 QString titleOf(const CommandRow& row, const PaintModel& model); ///< In the user's language, as it is now.
 bool isEnabled(const CommandRow& row, const PaintModel& model);
-/// All keys that run the command, with modifiers; the one that is shown first, if there is one. Delete stands for
-/// Backspace, and Ctrl+Alt+Shift for Ctrl+Meta, which desktops take for themselves.
-std::vector<int> keysOf(const CommandRow& row);
+QString
+nameOf(const CommandRow& row); ///< The same whatever the model is like: "Undo". Of one that has a name.
+/// All keys that run the command now, with modifiers; the one that is shown first, if there is one. With a key of its
+/// own, Delete stands for Backspace, and Ctrl+Alt+Shift for Ctrl+Meta, which desktops take for themselves. A key of its own
+/// that the user chose for another command or a tool does not run it.
+std::vector<int> keysOf(const CommandRow& row, const KeyChoices& choices);
+int shownKeyOf(const CommandRow& row, const KeyChoices& choices); ///< In the menu and in tips; 0 for none.
 /// Does nothing where it is not enabled.
 void runCommand(const CommandRow& row, PaintModel& model, CanvasView& view);
 

@@ -1,5 +1,6 @@
 #include "app/commands/CommandRows.h"
 
+#include "app/commands/KeyOwners.h"
 #include "app/commands/rows/MenuRows.h"
 #include "app/desktop/keys/TypedKeys.h"
 #include "platform/Require.h"
@@ -29,19 +30,16 @@ const CommandRow& commandNamed(const char* name) {
     return *found;
 }
 
-const CommandRow* commandAtPlaceOf(const QKeyEvent& event) {
-    constexpr auto kCommandKeys = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-    if (!(event.modifiers() & kCommandKeys) || typesASCII(event)) return nullptr;
+const CommandRow* commandOfKey(const QKeyEvent& event, const KeyChoices& choices) {
+    const auto held = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (held && typesASCII(event)) return nullptr;
     const auto character = characterOf(event);
     if (!character) return nullptr;
-    const int key =
-        static_cast<int>(event.modifiers()) | character->toUpper().unicode(); // Qt's keys of ASCII
-    const auto rows = commandRows();
-    const auto found = std::find_if(rows.begin(), rows.end(), [key](const CommandRow& row) {
-        const std::vector<int> keys = keysOf(row);
-        return std::find(keys.begin(), keys.end(), key) != keys.end();
-    });
-    return found == rows.end() ? nullptr : &*found;
+    const int plain = character->toUpper().unicode(); // Qt's keys of ASCII
+    const int key = held ? static_cast<int>(event.modifiers()) | plain : plain;
+    if (!held && !isPlainKey(key)) return nullptr;
+    const KeyOwner* owner = ownerOfKey(key, choices);
+    return owner ? owner->command : nullptr; // a tool's letter is the canvas's
 }
 
 } // namespace qirn

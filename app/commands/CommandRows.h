@@ -11,8 +11,9 @@ namespace qirn {
 std::span<const CommandRow> commandRows();
 const CommandRow& commandNamed(const char* name); ///< Stops the process where there is none of that name.
 
-/// The command whose key lies at the place of the one that was pressed, where that types no ASCII (`characterOf`), as on
-/// a Greek or Russian keyboard; null for none, and for keys without Command, Option or Control.
-const CommandRow* commandAtPlaceOf(const QKeyEvent& event);
+/// The command of a key that is no shortcut of the window's actions; null for none. These are plain letters and digits,
+/// which are for the control that has the keyboard first, and keys with Command, Option or Control that type no ASCII, as
+/// on a Greek or Russian keyboard: there the place of the key counts (`characterOf`).
+const CommandRow* commandOfKey(const QKeyEvent& event, const KeyChoices& choices);
 
 } // namespace qirn

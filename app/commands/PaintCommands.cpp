@@ -2,8 +2,11 @@
 
 #include "app/canvas/CanvasView.h"
 #include "app/commands/CommandRows.h"
+#include "app/commands/KeyOwners.h"
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
+
+#include <algorithm>
 
 #include <QAction>
 #include <QActionGroup>
@@ -21,6 +24,17 @@ const char* kMenuTitles[] = {
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Layer"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "View"),
     QT_TRANSLATE_NOOP("qirn::PaintCommands", "Theme"),  QT_TRANSLATE_NOOP("qirn::PaintCommands", "Help")};
 
+/// Keys stored for commands that are no more, which would be taken from others for nothing.
+void forgetUnknownKeys(PaintModel& model) {
+    KeyChoices choices = model.keys();
+    choices.forgetWhere([](const QString& name) {
+        const auto owners = keyOwners();
+        return std::none_of(owners.begin(), owners.end(),
+                            [&](const KeyOwner& owner) { return owner.name == name; });
+    });
+    model.setKeys(choices);
+}
+
 /// A menu takes "&" for the mark of an access key.
 QString plainTitle(QString title) {
     return title.replace(u'&', QStringLiteral("&&"));
@@ -33,6 +47,7 @@ PaintCommands::PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menu
       model_(model),
       view_(view),
       window_(*menuBar.window()) {
+    forgetUnknownKeys(model);
     for (const char* menuTitle : kMenuTitles) {
         QMenu* menu = menuBar.addMenu(QStringLiteral("&") + tr(menuTitle));
         menu->setObjectName(QLatin1String(menuTitle));
@@ -64,19 +79,26 @@ void PaintCommands::addRow(const CommandRow& row, QMenu& menu) {
                 guarding(model_, [this, &row] { runCommand(row, model_, view_); }));
     }
     action->setObjectName(QLatin1String(row.name));
-    QList<QKeySequence> keys;
-    for (const int key : keysOf(row)) keys << QKeySequence(key);
     action->setCheckable(row.checked != nullptr);
     window_.addAction(action); // so that its keys work while the menu bar is hidden
-    if (row.key != 0) {
-        action->setShortcuts(keys);
-    } else if (!keys.isEmpty()) { // the menu would show the first of them
-        auto* unshown = new QAction(action);
-        unshown->setShortcuts(keys);
-        connect(unshown, &QAction::triggered, action, &QAction::trigger);
-        window_.addAction(unshown);
+    actions_.push_back({&row, action, nullptr});
+    bindKeys(actions_.back());
+}
+
+void PaintCommands::bindKeys(Bound& bound) {
+    const int shown = shownKeyOf(*bound.row, keys_);
+    QList<QKeySequence> others;
+    for (const int key : keysOf(*bound.row, keys_))
+        if (key != shown) others << QKeySequence(key);
+    bound.action->setShortcut(QKeySequence(shown));
+    // A plain key is for what has the keyboard first (`commandOfKey`): the menu only shows it.
+    bound.action->setShortcutContext(isPlainKey(shown) ? Qt::WidgetShortcut : Qt::WindowShortcut);
+    if (!bound.unshown && !others.isEmpty()) {
+        bound.unshown = new QAction(bound.action);
+        connect(bound.unshown, &QAction::triggered, bound.action, &QAction::trigger);
+        window_.addAction(bound.unshown);
     }
-    actions_.emplace_back(&row, action);
+    if (bound.unshown) bound.unshown->setShortcuts(others);
 }
 
 void PaintCommands::addList(const CommandRow& row, QMenu& list) {
@@ -109,10 +131,15 @@ QAction* PaintCommands::action(const QString& objectName) const {
 }
 
 void PaintCommands::refresh() {
-    for (const auto& [row, action] : actions_) {
-        action->setText(plainTitle(titleOf(*row, model_)));
-        if (row->checked) action->setChecked(row->checked(model_));
-        action->setEnabled(isEnabled(*row, model_));
+    if (keys_ != model_.keys()) {
+        keys_ = model_.keys();
+        for (Bound& bound : actions_) bindKeys(bound);
+    }
+    for (const Bound& bound : actions_) {
+        bound.action->setText(plainTitle(titleOf(*bound.row, model_)));
+        if (bound.row->checked) bound.action->setChecked(bound.row->checked(model_));
+        bound.action->setEnabled(isEnabled(*bound.row, model_));
+        if (bound.unshown) bound.unshown->setEnabled(bound.action->isEnabled());
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
-#include <utility>
+#include "app/model/choices/KeyChoices.h"
+
 #include <vector>
 
 #include <QObject>
@@ -30,12 +31,19 @@ public:
 private:
     void addRow(const CommandRow& row, QMenu& menu);
     void addList(const CommandRow& row, QMenu& list); ///< Filled whenever it opens.
+    struct Bound {
+        const CommandRow* row;
+        QAction* action;
+        QAction* unshown; ///< With keys that the menu does not show; null where there never were any.
+    };
+    void bindKeys(Bound& bound);
     void refresh();
 
     PaintModel& model_;
     CanvasView& view_;
     QWidget& window_;
-    std::vector<std::pair<const CommandRow*, QAction*>> actions_; // each of a row that is no divider
+    std::vector<Bound> actions_; // each of a row that is no divider
+    KeyChoices keys_;            // as they are bound
 };
 
 } // namespace qirn

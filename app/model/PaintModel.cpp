@@ -92,6 +92,13 @@ void PaintModel::setPrefs(const PaintPrefs& prefs) {
     announce();
 }
 
+void PaintModel::setKeys(const KeyChoices& keys) {
+    if (keys == keys_) return;
+    keys_ = keys;
+    keys_.save(store_);
+    announce();
+}
+
 void PaintModel::showSheet(const PaintSheet& sheet) {
     canvas_->endGesture();
     sheet_ = sheet;
@@ -212,6 +219,7 @@ void PaintModel::loadState() {
             // The built-in values stay.
         }
     }
+    keys_ = KeyChoices::load(store_);
     if (const auto id = store_.text(kToolKey)) tool_ = toolWithId(*id).value_or(tool_);
     const QString tab = store_.text(kTabKey).value_or(QString());
     for (std::size_t i = 0; i < kInspectorTabIDs.size(); ++i)

@@ -2,6 +2,7 @@
 #include "app/model/CanvasPort.h"
 #include "app/model/PaintSheet.h"
 #include "app/model/choices/InspectorTab.h"
+#include "app/model/choices/KeyChoices.h"
 #include "app/model/choices/PaintPrefs.h"
 #include "app/model/choices/Tool.h"
 #include "app/model/choices/ToolOptions.h"
@@ -68,6 +69,8 @@ public:
     void setOptions(const ToolOptions& options);
     const PaintPrefs& prefs() const { return prefs_; }
     void setPrefs(const PaintPrefs& prefs);
+    const KeyChoices& keys() const { return keys_; }
+    void setKeys(const KeyChoices& keys);
     const std::optional<PaintSheet>& sheet() const { return sheet_; } ///< The one that is up.
     void showSheet(const PaintSheet& sheet);                          ///< Replaces one that is up.
     void closeSheet();
@@ -120,6 +123,7 @@ private:
     Tool tool_ = Tool::brush;
     ToolOptions options_;
     PaintPrefs prefs_;
+    KeyChoices keys_;
     std::optional<PaintSheet> sheet_;
     bool panelsAreHidden_ = false;
     InspectorTab inspectorTab_ = InspectorTab::color;

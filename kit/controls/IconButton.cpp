@@ -17,6 +17,7 @@ IconButton::IconButton(Icon icon, const QString& tip, QWidget* parent, int Metri
 }
 
 void IconButton::setTip(const QString& tip) {
+    if (tip == toolTip()) return;
     setToolTip(tip);
     setAccessibleName(tip);
 }

@@ -2,10 +2,12 @@
 #include "app/model/CanvasStatus.h"
 #include "app/model/Colors.h"
 #include "app/model/PendingTransform.h"
+#include "app/model/choices/FixedKeys.h"
 #include "shell/HeaderBar.h"
 #include "shell/ToolRail.h"
 #include "support/Window.h"
 
+#include <QAbstractButton>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -13,6 +15,8 @@ using namespace qirn;
 using namespace qirn::test;
 
 namespace {
+
+constexpr int kControl = Qt::CTRL;
 
 /// A key as the window system hands it on; `scan` is its place on the keyboard.
 void sendKey(QWidget& widget, int key, quint32 scan, const QString& text,
@@ -55,7 +59,7 @@ private Q_SLOTS:
         Window w;
         for (const auto& prepare : studios) {
             for (const CommandRow& row : commandRows()) {
-                if (!row.name || qstrcmp(row.name, "quit") == 0) continue;
+                if (!row.title || qstrcmp(row.name, "quit") == 0) continue; // a divider, or a menu by itself
                 w.model.closeSheet();
                 while (w.doc().canUndo()) w.model.undo();
                 prepare(w);
@@ -169,6 +173,65 @@ private Q_SLOTS:
         }
         for (const char* unshown : {"nextPicture", "previousPicture"})
             QVERIFY(w.view.findChild<QAction*>(unshown)->shortcut().isEmpty());
+    }
+
+    void aChosenKeyWorksAndIsNobodyElses() {
+        Window w;
+        w.model.setTool(Tool::text);
+        KeyChoices keys;
+        keys.choose("duplicateLayer", kControl | Qt::Key_Y); // a second key of Redo
+        keys.choose("newLayer", Qt::Key_E);                  // the Eraser's
+        keys.choose(keyName(Tool::blur), Qt::Key_K);
+        keys.choose(keyName(Tool::lasso), 0);
+        w.model.setKeys(keys);
+        const auto after = [&w](Qt::Key key, Qt::KeyboardModifiers held = {}) {
+            QTest::keyClick(&w.canvas(), key, held);
+            return QString("%1 %2").arg(rowOf(w.model.tool()).id, w.lastStep());
+        };
+        QCOMPARE(after(Qt::Key_J, Qt::ControlModifier), "text 0 ");
+        QCOMPARE(after(Qt::Key_Y, Qt::ControlModifier), "text 1 Duplicate Layer");
+        QCOMPARE(after(Qt::Key_E), "text 2 New Layer");
+        QCOMPARE(after(Qt::Key_R), "text 2 New Layer");
+        QCOMPARE(after(Qt::Key_L), "text 2 New Layer");
+        QCOMPARE(after(Qt::Key_K), "blur 2 New Layer");
+        const auto shown = [&w](const char* name) {
+            return w.view.findChild<QAction*>(name)->shortcut().toString();
+        };
+        QVERIFY(shown("newLayer") == "E" && shown("redo") == "Ctrl+Shift+Z");
+        QCOMPARE(w.view.findChild<QAction*>("lasso")->text(), "Lasso Select");
+        QCOMPARE(w.find<QAbstractButton>("eraser").toolTip(), "Eraser");
+        QCOMPARE(w.find<QAbstractButton>("blur").toolTip(), "Blur (K)");
+        QVERIFY(PaintModel(PaintModel::LoadStores::yes, w.desktop, w.store).keys() == keys);
+        w.model.setKeys({});
+        QCOMPARE(after(Qt::Key_E), "eraser 2 New Layer");
+        QCOMPARE(w.find<QAbstractButton>("headerSave").toolTip(), "Save (Ctrl+S)");
+        keys.choose("save", 0);
+        w.model.setKeys(keys);
+        QCOMPARE(w.find<QAbstractButton>("headerSave").toolTip(), "Save");
+    }
+
+    void aBadStoredKeyCostsOnlyItself() {
+        OwnWorld world;
+        world.store.set(KeyChoices::storeKey, {{"copy", "F"},    // fits the picture in the window
+                                               {"cut", "Alt+F"}, // opens a menu
+                                               {"noCommand", "Ctrl+N"},
+                                               {"open", "Ctrl+M"},
+                                               {"paste", 7},
+                                               {"redo", "nonsense"},
+                                               {"save", "Ctrl+M"},
+                                               {"tool.hand", "Ctrl+H"},
+                                               {"tool.zoom", "7"}});
+        PaintModel model(PaintModel::LoadStores::yes, world.desktop, world.store);
+        const MainView view(model);
+        KeyChoices expected;
+        expected.choose("open", kControl | Qt::Key_M);
+        expected.choose("tool.zoom", Qt::Key_7);
+        QVERIFY(model.keys() == expected);
+        std::map<int, QString> owners; // without choices no key has two
+        for (const CommandRow& row : commandRows()) {
+            for (const int key : row.name ? keysOf(row, {}) : std::vector<int>())
+                QVERIFY2(owners.emplace(key, row.name).second && !fixedKey(key), qPrintable(keyText(key)));
+        }
     }
 
     void tabHidesThePanelsAndThePictureStays() {

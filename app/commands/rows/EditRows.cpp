@@ -26,15 +26,25 @@ bool transformPending(const PaintModel& model) {
     return model.transform().isPending();
 }
 
+template <Tool kTool> QString toolTitleWithKey(const PaintModel& model) {
+    return titleWithKey(kTool, model.keys());
+}
+
+template <Tool kTool> void pick(PaintModel& model) {
+    model.setTool(kTool);
+}
+
 const CommandRow kRows[] = {
     {.menu = "Edit",
      .name = "undo",
+     .title = QIRN_TITLE("Undo"),
      .key = Command | Qt::Key_Z,
      .run = call<&PaintModel::undo>,
      .liveTitle = undoTitle,
      .inText = Typing::TextAction::undo},
     {.menu = "Edit",
      .name = "redo",
+     .title = QIRN_TITLE("Redo"),
      .key = Command | Shift | Qt::Key_Z,
      .run = call<&PaintModel::redo>,
      .liveTitle = redoTitle,
@@ -85,12 +95,11 @@ const CommandRow kRows[] = {
     {"Select", "invertSelection", QIRN_TITLE("Invert Selection"), Command | Option | Qt::Key_I,
      CanvasEdits::invertSelection},
     {"Select", nullptr},
-    {"Select", "selectRect", QIRN_TITLE("Rectangle Select (M)"), 0,
-     [](PaintModel& model) { model.setTool(Tool::selectRect); }},
-    {"Select", "selectEllipse", QIRN_TITLE("Ellipse Select (O)"), 0,
-     [](PaintModel& model) { model.setTool(Tool::selectEllipse); }},
-    {"Select", "lasso", QIRN_TITLE("Lasso Select (L)"), 0,
-     [](PaintModel& model) { model.setTool(Tool::lasso); }},
+    {"Select", "selectRect", QIRN_TITLE("Rectangle Select"), 0, pick<Tool::selectRect>,
+     toolTitleWithKey<Tool::selectRect>},
+    {"Select", "selectEllipse", QIRN_TITLE("Ellipse Select"), 0, pick<Tool::selectEllipse>,
+     toolTitleWithKey<Tool::selectEllipse>},
+    {"Select", "lasso", QIRN_TITLE("Lasso Select"), 0, pick<Tool::lasso>, toolTitleWithKey<Tool::lasso>},
     {"Select", "crop", QIRN_TITLE("Crop to Selection"), 0, CanvasEdits::cropToSelection},
 };
 

@@ -58,7 +58,8 @@ const CommandRow kRows[] = {
     {"Layer", "alphaLock", QIRN_TITLE("Alpha Lock On / Off"), 0, LayerEdits::toggleAlphaLock},
     {"Layer", "showHide", QIRN_TITLE("Show / Hide Layer"), 0, LayerEdits::toggleVisibility},
     {"Layer", nullptr},
-    {"Layer", "onionSkin", nullptr, Command | Option | Qt::Key_K, LayerEdits::toggleOnion, onionTitle},
+    {"Layer", "onionSkin", QIRN_TITLE("Turn Onion Skin On / Off"), Command | Option | Qt::Key_K,
+     LayerEdits::toggleOnion, onionTitle},
 };
 
 } // namespace

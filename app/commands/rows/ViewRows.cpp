@@ -108,7 +108,7 @@ const CommandRow kRows[] = {
     {"View", nullptr},
     {"View", "fullScreen", QIRN_TITLE("Full Screen"), Qt::Key_F11,
      [](QWidget& window) { window.setWindowState(window.windowState() ^ Qt::WindowFullScreen); }},
-    {"View", "hidePanels", nullptr, 0, call<&PaintModel::togglePanels>, panelsTitle},
+    {"View", "hidePanels", QIRN_TITLE("Hide Panels"), 0, call<&PaintModel::togglePanels>, panelsTitle},
     {"View", nullptr},
     panelRow<InspectorTab::color>("colorPanel", QIRN_TITLE("Color Panel"), Qt::Key_1),
     panelRow<InspectorTab::brush>("brushPanel", QIRN_TITLE("Brush Panel"), Qt::Key_2),

@@ -68,11 +68,4 @@ std::optional<Tool> toolWithId(const QString& id) {
     return std::nullopt;
 }
 
-std::optional<Tool> toolWithKey(QChar letter) {
-    for (const ToolRow& row : kTools) {
-        if (letter.toUpper() == QLatin1Char(row.key)) return row.tool;
-    }
-    return std::nullopt;
-}
-
 } // namespace qirn

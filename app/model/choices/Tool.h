@@ -39,7 +39,7 @@ struct ToolRow {
     Tool tool;
     const char* id;    ///< As the store keeps it, and the name of its button.
     const char* title; ///< English source text.
-    char key;          ///< The plain letter that picks the tool on the canvas.
+    char key;          ///< The letter that picks it on the canvas where the user chose none: see `keyOf`.
     Icon icon;
     const char* helpTopic;
     OptionGroup options;
@@ -63,6 +63,5 @@ inline const ToolRow& rowOf(Tool tool) {
 QString toolTitle(Tool tool);  ///< In the user's language.
 QString undoNameOf(Tool tool); ///< The same, of one that has such a name.
 std::optional<Tool> toolWithId(const QString& id);
-std::optional<Tool> toolWithKey(QChar letter); ///< Upper or lower case.
 
 } // namespace qirn
