@@ -21,8 +21,10 @@
 #include "shell/StudioAccess.h"
 #include "shell/ToolRail.h"
 #include "shell/WindowFrame.h"
+#include "shell/help/PaintHelp.h"
 #include "shell/options/ToolOptionsBar.h"
 #include "shell/panels/InspectorColumn.h"
+#include "shell/preferences/PreferencesHost.h"
 #include "shell/sheets/SheetHost.h"
 #include "shell/sheets/WorkCover.h"
 
@@ -77,6 +79,8 @@ MainView::MainView(PaintModel& model)
 
     setCentralWidget(new QrZoomHost(content()));
     new SheetHost(model, centralWidget());
+    new PreferencesHost(model, this);
+    PaintHelp::followKeys(model);
     model.longTask().setCover(new WorkCover(this));
     new TypingKeys(*this, *canvas_);
     new RegionKeys(*this, {header_, options_, tools_, canvas_, panels_});

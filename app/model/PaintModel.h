@@ -74,6 +74,7 @@ public:
     const std::optional<PaintSheet>& sheet() const { return sheet_; } ///< The one that is up.
     void showSheet(const PaintSheet& sheet);                          ///< Replaces one that is up.
     void closeSheet();
+    void showPreferences() { Q_EMIT preferencesAsked(); }
     bool panelsAreHidden() const {
         return panelsAreHidden_;
     } ///< All round the canvas but the header and the status bar.
@@ -112,6 +113,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void preferencesAsked(); ///< By a command: they have a window of their own.
 
 private:
     void loadState();

@@ -13,7 +13,7 @@ constexpr double kPlaceStep =
 }
 
 QString NumberFormat::text(double value) const {
-    return number(value) + QString::fromUtf8(suffix);
+    return words ? words(value) : number(value) + QString::fromUtf8(suffix);
 }
 
 QString NumberFormat::number(double value) const {

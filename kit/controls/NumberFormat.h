@@ -14,6 +14,8 @@ struct NumberFormat {
     bool groups =
         false; ///< A comma, point or blank before exactly three digits groups them: "1,920" is 1920.
     bool trimmed = false; ///< No zeros at the end of the places.
+    QString (*words)(double value) =
+        nullptr; ///< What is shown in place of the number, in the user's language.
 
     static constexpr NumberFormat plain(int decimals = 0) { return {1, decimals, ""}; }
     static constexpr NumberFormat percent() { return {100, 0, "%"}; } ///< A value of 0 to 1.

@@ -84,6 +84,13 @@ const CommandRow kRows[] = {
      call<&PaintModel::transform, &PendingTransform::applyTransform>, nullptr, nullptr, transformPending},
     {"Edit", "cancelTransform", QIRN_TITLE("Cancel Transform"), 0,
      call<&PaintModel::transform, &PendingTransform::cancelTransform>, nullptr, nullptr, transformPending},
+    {"Edit", nullptr},
+    {.menu = "Edit",
+     .name = "preferences",
+     .title = QIRN_TITLE("Preferences…"),
+     .key = Command | Qt::Key_Comma,
+     .run = call<&PaintModel::showPreferences>,
+     .overSheets = true},
 
     {.menu = "Select",
      .name = "selectAll",

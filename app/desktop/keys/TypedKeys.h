@@ -15,4 +15,8 @@ bool typesASCII(const QKeyEvent& event);
 /// keys.
 std::optional<QChar> characterOf(const QKeyEvent& event);
 
+/// The key as a shortcut has it, with its modifiers; a letter with Shift alone is the letter. Nothing for a modifier by
+/// itself and for a key that no shortcut can have.
+std::optional<int> shortcutOf(const QKeyEvent& event);
+
 } // namespace qirn
