@@ -5,6 +5,7 @@
 #include "brush/BrushPreview.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/ChromeToggle.h"
+#include "kit/controls/ScrollColumn.h"
 #include "shell/panels/brush/BrushPanel.h"
 #include "support/Window.h"
 
@@ -169,6 +170,13 @@ private Q_SLOTS:
         QTest::keyClick(&search, Qt::Key_Escape);
         QCOMPARE(QApplication::focusWidget(), &w.canvas());
         QCOMPARE(w.rows().front(), "Pens");
+        w.model.brushes().choose(*BrushLibrary::named("Pastel Grain"));
+        for (const bool open : {false, true}) {
+            w.click("showPresets");
+            QCOMPARE(w.list().isVisible(), open);
+        }
+        QWidget& sight = *w.find<ScrollColumn>().viewport();
+        QTRY_VERIFY(sight.rect().contains(w.list().mapTo(&sight, w.placeOf("Pastel Grain"))));
     }
 
     void aChangedBrushIsMarkedAndKept() {

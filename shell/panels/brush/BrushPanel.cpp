@@ -14,6 +14,7 @@
 #include "shell/panels/brush/BrushSample.h"
 #include "shell/panels/brush/BrushSettingRows.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -130,8 +131,14 @@ void BrushPanel::bringIntoSight(const QRect& row) {
 }
 
 void BrushPanel::showChosen() {
-    QMetaObject::invokeMethod( // once the rows are laid out
-        this, [this] { bringIntoSight(presets_->chosenRect()); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            presets_->doItemsLayout(); // which are as high as they will be from here on
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+            bringIntoSight(presets_->chosenRect());
+        },
+        Qt::QueuedConnection);
 }
 
 void BrushPanel::refresh() {
@@ -143,7 +150,7 @@ void BrushPanel::refresh() {
     const Brushes& brushes = model_.brushes();
     Shown now{brushes.activeBrush(), model_.tool(), brushes.userBrushes()};
     if (now == shown_) return;
-    if (!shown_) showChosen();
+    if (!shown_ || (shown_->tool != now.tool && !presets_->visibleRegion().isEmpty())) showChosen();
     shown_ = std::move(now);
     const auto saved = brushes.savedPreset(shown_->brush);
     const bool isChanged = saved && *saved != shown_->brush;
