@@ -14,6 +14,7 @@
 #include "platform/files/ReadFile.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QFileInfo>
 
@@ -107,6 +108,16 @@ void Palettes::removeFromPalette(std::size_t index) {
     savePalettes();
 }
 
+void Palettes::moveInPalette(std::size_t from, std::size_t to) {
+    const std::size_t count = currentPalette().colors.size();
+    if (from >= count || to >= count || from == to) return;
+    auto& colors = userPalettes_[editablePaletteIndex()].colors;
+    PaletteColor color = std::move(colors[from]);
+    colors.erase(colors.begin() + static_cast<std::ptrdiff_t>(from));
+    colors.insert(colors.begin() + static_cast<std::ptrdiff_t>(to), std::move(color));
+    savePalettes();
+}
+
 void Palettes::renamePalette(const QString& name) {
     if (name.isEmpty()) return;
     userPalettes_[editablePaletteIndex()].name = name;
@@ -130,6 +141,8 @@ void Palettes::deletePalette() {
 // --- Files
 
 void Palettes::importPalette() {
+    std::size_t colors = 0;
+    QStringList names;
     for (const QString& path :
          model_.desktop().openFiles(tr("Import"), FileTypes::palettes(), Desktop::Several::yes)) {
         const QString file = QFileInfo(path).fileName();
@@ -137,14 +150,16 @@ void Palettes::importPalette() {
             const QByteArray bytes = readFile(path);
             const std::size_t index = addOwnPalette(PaletteLibrary::read(bytesOf(bytes), file));
             savePalettes();
-            const Palette& palette = userPalettes_[index];
+            colors += userPalettes_[index].colors.size();
+            names << userPalettes_[index].name;
             model_.desktop().noteUsedFile(path);
-            model_.messages().flash(
-                tr("Imported %1 colors from %2").arg(palette.colors.size()).arg(palette.name));
         } catch (const DescribedError& error) {
             model_.messages().alert(tr("Couldn't import %1").arg(file), error.description());
         }
     }
+    if (!names.isEmpty())
+        model_.messages().flash(
+            tr("Imported %1 colors from %2").arg(colors).arg(names.join(QStringLiteral(", "))));
 }
 
 void Palettes::exportPalette(PaletteFile file) {

@@ -34,6 +34,7 @@ public:
     editablePaletteIndex(); ///< Index among the user's own; copies the current palette where it is built in.
     void addToPalette(const PaintColor& color);
     void removeFromPalette(std::size_t index);
+    void moveInPalette(std::size_t from, std::size_t to); ///< The color at `from` stands at `to` afterwards.
     void renamePalette(const QString& name);
     void deletePalette(); ///< Asks first.
 

@@ -1,6 +1,7 @@
 #include "kit/controls/ChromeNote.h"
 
 #include <QPainter>
+#include <QTextDocument>
 
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
@@ -8,8 +9,8 @@
 
 namespace qirn {
 
-ChromeNote::ChromeNote(const QString& text, QWidget* parent) : QWidget(parent), text_(text) {
-    QirnKit::followMetrics(this, [this](const Metrics&) { setFont(ChromeFont::small()); });
+ChromeNote::ChromeNote(const QString& text, QWidget* parent, Font font) : QWidget(parent), text_(text) {
+    QirnKit::followMetrics(this, [this, font](const Metrics&) { setFont(font()); });
     setAccessibleName(text);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 }
@@ -18,8 +19,22 @@ QSize ChromeNote::sizeHint() const {
     return {fontMetrics().horizontalAdvance(text_) + 1, fontMetrics().height()};
 }
 
+void ChromeNote::setText(const QString& text) {
+    if (text == text_) return;
+    text_ = text;
+    setAccessibleName(text);
+    updateGeometry();
+    tellWhole();
+    update();
+}
+
+void ChromeNote::tellWhole() {
+    const bool isCut = width() < sizeHint().width();
+    setToolTip(isCut ? Qt::convertFromPlainText(text_, Qt::WhiteSpaceNormal) : QString());
+}
+
 void ChromeNote::resizeEvent(QResizeEvent*) {
-    setToolTip(width() < sizeHint().width() ? text_ : QString());
+    tellWhole();
 }
 
 void ChromeNote::paintEvent(QPaintEvent*) {

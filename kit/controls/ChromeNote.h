@@ -1,13 +1,18 @@
 #pragma once
 #include <QWidget>
 
+#include "kit/ChromeFont.h"
+
 namespace qirn {
 
 /// One line of dim text. Where there is no room for it, it is elided and its tip has the whole.
 class ChromeNote : public QWidget {
     Q_OBJECT
 public:
-    ChromeNote(const QString& text, QWidget* parent);
+    using Font = QFont (*)();
+    ChromeNote(const QString& text, QWidget* parent, Font font = ChromeFont::small);
+
+    void setText(const QString& text);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
@@ -17,6 +22,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void tellWhole(); ///< By the tip, where it is elided.
+
     QString text_;
 };
 

@@ -20,7 +20,7 @@ const QString kWidthKey = QStringLiteral("qirn.pt.inspectorWidth");
 const QString kHeightKey = QStringLiteral("qirn.pt.inspectorTabsHeight");
 
 constexpr double kLeastWidth = 232, kMostWidth = 420; // at zoom 1, as all that is kept
-constexpr double kTabsHeight = 470, kMostHeight = 4000;
+constexpr double kTabsHeight = 520, kMostHeight = 4000;
 
 double kept(const Store& store, const QString& key, double standard, double least, double most) {
     const double value = store.number(key).value_or(standard);

@@ -3,8 +3,9 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
-#include "shell/panels/ColorChooser.h"
 #include "shell/panels/brush/BrushPanel.h"
+#include "shell/panels/color/ColorPanel.h"
+#include "shell/panels/palettes/PalettePanel.h"
 
 #include <vector>
 
@@ -30,8 +31,9 @@ template <class Panel> QWidget* make(PaintModel& model, QWidget* parent) {
 }
 
 constexpr TabRow kTabs[] = {
-    {InspectorTab::color, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Color"), make<ColorChooser>},
+    {InspectorTab::color, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Color"), make<ColorPanel>},
     {InspectorTab::brush, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Brush"), make<BrushPanel>},
+    {InspectorTab::palettes, QT_TRANSLATE_NOOP("qirn::InspectorTabs", "Palettes"), make<PalettePanel>},
 };
 
 class Bar final : public QTabBar {
@@ -67,11 +69,11 @@ protected:
     void keyPressEvent(QKeyEvent* event) override { event->ignore(); } // arrow keys are for the canvas
 };
 
-/// Puts the parts of a panel right behind a widget in the order of the Tab key, not at the end as new ones are.
+/// Puts the controls of a panel right behind a widget in the order of the Tab key, not at the end as new ones are.
 void followInTabOrder(QWidget* before, QWidget* panel) {
     std::vector<QWidget*> parts;
     for (QWidget* next = before->nextInFocusChain(); next != before; next = next->nextInFocusChain())
-        if (panel->isAncestorOf(next)) parts.push_back(next);
+        if (panel->isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus)) parts.push_back(next);
     for (QWidget* part : parts) {
         QWidget::setTabOrder(before, part);
         before = part;

@@ -36,10 +36,11 @@ private Q_SLOTS:
             void (*edit)(PaintModel&);
             std::size_t colors;
             const char* name;
-        } cases[] = {
-            {[](PaintModel& m) { m.palettes().addToPalette(PaintColor(0.2, 0.4, 0.6)); }, 13, "Basic (my copy)"},
-            {[](PaintModel& m) { m.palettes().removeFromPalette(0); }, 11, "Basic (my copy)"},
-            {[](PaintModel& m) { m.palettes().renamePalette("Ma pálette"); }, 12, "Ma pálette"}};
+        } cases[] = {{[](PaintModel& m) { m.palettes().addToPalette(PaintColor(0.2, 0.4, 0.6)); }, 13,
+                      "Basic (my copy)"},
+                     {[](PaintModel& m) { m.palettes().removeFromPalette(0); }, 11, "Basic (my copy)"},
+                     {[](PaintModel& m) { m.palettes().moveInPalette(2, 5); }, 12, "Basic (my copy)"},
+                     {[](PaintModel& m) { m.palettes().renamePalette("Ma pálette"); }, 12, "Ma pálette"}};
         for (const auto& [edit, colors, name] : cases) {
             Studio studio;
             const Palette before = builtIn("Basic");
@@ -50,6 +51,12 @@ private Q_SLOTS:
             QCOMPARE(own.name, name);
             QCOMPARE(own.colors.size(), colors);
             QVERIFY(!own.isBuiltIn && own.id != before.id);
+            if (own.colors[5] == before.colors[2]) { // what was moved stands there, and moves back
+                QCOMPARE(own.colors[2], before.colors[3]);
+                studio.model.palettes().moveInPalette(5, 2);
+                QCOMPARE(studio.model.palettes().currentPalette().colors, before.colors);
+                studio.model.palettes().moveInPalette(2, 5);
+            }
             QCOMPARE(stored(), std::vector<Palette>{own});
             // The copy itself is edited in place.
             for (int i = 0; i < 2; ++i) studio.model.palettes().addToPalette(PaintColor::black());
@@ -87,6 +94,9 @@ private Q_SLOTS:
     void deletingAsksAndFallsBack() {
         Studio studio;
         studio.model.palettes().removeFromPalette(99); // edits that are none make no copy
+        for (const auto& [from, to] : {std::pair{99, 0}, {0, 99}, {2, 2}})
+            studio.model.palettes().moveInPalette(static_cast<std::size_t>(from),
+                                                  static_cast<std::size_t>(to));
         studio.model.palettes().renamePalette({});
         studio.model.palettes().deletePalette(); // a built-in one stays
         QVERIFY(studio.model.palettes().userPalettes().empty() && studio.desktop.asked.empty());
@@ -117,19 +127,22 @@ private Q_SLOTS:
             const QString damaged = studio.path("bad.aco");
             writeFile(damaged, QByteArray("\0\1\0\5\0", 5));
             const QString path = studio.path(QStringLiteral("neon.") + extension);
-            studio.desktop.openPaths = {{path, damaged, studio.path("missing.gpl")}};
+            studio.desktop.openPaths = {{path, damaged, studio.path("missing.gpl")}, {path, path}};
             studio.model.palettes().importPalette();
             QCOMPARE(studio.model.palettes().userPalettes().size(), std::size_t{1});
             const Palette& back = studio.model.palettes().currentPalette();
             QCOMPARE(back.colors, neon.colors);
             const QString name = file == Palettes::PaletteFile::gpl ? neon.name : QStringLiteral("neon");
             QCOMPARE(back.name, name);
-            QCOMPARE(studio.model.messages().hud(), QStringLiteral("Imported 9 colors from %1").arg(name));
+            const QString told = QStringLiteral("Imported %1 colors from %2");
+            QCOMPARE(studio.model.messages().hud(), told.arg(9).arg(name));
             QCOMPARE(stored(), studio.model.palettes().userPalettes());
             QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
             QCOMPARE(studio.desktop.asked[0].title, "Couldn't import bad.aco");
             QCOMPARE(studio.desktop.asked[0].text, "This palette file can't be read: the file is cut short.");
             QCOMPARE(studio.desktop.asked[1].title, "Couldn't import missing.gpl");
+            studio.model.palettes().importPalette();
+            QCOMPARE(studio.model.messages().hud(), told.arg(18).arg(name + ", " + name));
             studio.desktop.savePaths = {studio.path("no such folder/a")};
             studio.model.palettes().exportPalette(file);
             QCOMPARE(studio.desktop.asked.back().title, "Couldn't export the palette");

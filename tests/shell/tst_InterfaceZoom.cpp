@@ -5,7 +5,7 @@
 #include "kit/QrZoom.h"
 #include "shell/ColorWells.h"
 #include "shell/StatusItems.h"
-#include "shell/panels/ColorPlane.h"
+#include "shell/panels/InspectorTabs.h"
 #include "support/Window.h"
 
 #include <map>
@@ -123,7 +123,7 @@ int pixelsOf(const QSet<QRgb>& colors, Window& w) {
     QImage image = w.view.grab().toImage();
     QPainter painter(&image);
     for (const QWidget* shown :
-         std::initializer_list<QWidget*>{&w.canvas(), &w.find<ColorPlane>(), &w.find<ColorWells>()})
+         std::initializer_list<QWidget*>{&w.canvas(), &w.find<InspectorTabs>(), &w.find<ColorWells>()})
         painter.fillRect(QRect(shown->mapTo(&w.view, QPoint()), shown->size()), Qt::magenta);
     painter.end();
     int count = 0;

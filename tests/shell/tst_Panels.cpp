@@ -2,21 +2,27 @@
 #include "app/edits/LayerEdits.h"
 #include "app/model/Colors.h"
 #include "app/model/OpenPictures.h"
+#include "app/model/Palettes.h"
 #include "core/SeededRandom.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/ColorWells.h"
-#include "shell/panels/ColorPlane.h"
 #include "shell/panels/InspectorColumn.h"
 #include "shell/panels/LayerRowDelegate.h"
 #include "shell/panels/LayerThumbnails.h"
 #include "shell/panels/LayersModel.h"
 #include "shell/panels/SplitGrip.h"
+#include "shell/panels/color/ColorWheel.h"
+#include "shell/panels/color/SwatchGrid.h"
+#include "shell/panels/color/WheelPart.h"
 #include "support/Window.h"
 
 #include <QAbstractItemModelTester>
+#include <QAccessible>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
+#include <QTabBar>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -254,35 +260,116 @@ private Q_SLOTS:
         QCOMPARE(second.color(), QColor(Qt::white));
     }
 
-    void aDragInThePlaneStaysWithItsPartAndGrayKeepsTheHue() {
+    void aDragStaysWithItsPartOfTheWheelAndGrayKeepsTheHue() {
         Window w;
-        auto& plane = w.find<ColorPlane>();
-        dragOver(plane, {0.5, 0.98}, {0.0, 0.0}); // from the strip of hues up across the square
-        QCOMPARE(plane.color().h, 0.0);
-        const HueColor before = plane.color();
-        dragOver(plane, {0.9, 0.1}, {1.0, 1.5}); // from the square down past the strip
-        QCOMPARE(plane.color().h, before.h);
-        QCOMPARE(plane.color().v, 0.0);
-        QCOMPARE(w.model.colors().primary().hex(), "#000000");
+        auto& wheel = w.find<ColorWheel>();
+        const auto& color = [&w]() -> const PaintColor& { return w.model.colors().primary(); };
+        const auto drag = [&wheel](QPointF from, QPointF to) { // in sides of the wheel from its center
+            const double side = std::min(wheel.width(), wheel.height());
+            const QPointF center(wheel.width() / 2.0, wheel.height() / 2.0);
+            sendMouse(wheel, QEvent::MouseButtonPress, center + from * side);
+            sendMouse(wheel, QEvent::MouseMove, center + (from + to) / 2 * side);
+            sendMouse(wheel, QEvent::MouseMove, center + to * side);
+            sendMouse(wheel, QEvent::MouseButtonRelease, center + to * side);
+        };
+        const HueColor before = wheel.color();
+        drag({0.45, 0}, {0, 0.1}); // from the ring into the square
+        QCOMPARE(wheel.color(), (HueColor{0.25, before.s, before.v}));
+        drag({0, 0}, {2, -2}); // and out of it
+        QCOMPARE(wheel.color(), (HueColor{0.25, 1, 1}));
+        QCOMPARE(color(), PaintColor(0.5, 1, 0)); // through no 8 bits
+        drag({0, 0}, {0, 2});
+        QCOMPARE(color(), PaintColor::black());
+        drag({0, 0}, {-2, -2});
+        QCOMPARE(color(), PaintColor::white());
+        auto& slider = w.find<ChromeSlider>("Saturation");
+        slider.enter(1);
+        QCOMPARE(color(), PaintColor(0.5, 1, 0)); // the hue has come through both
         QVERIFY(w.model.colors().recent().empty());
-        w.model.colors().pick(PaintColor::fromHSV(0.6, 0.8, 0.9), Colors::AddRecent::no);
-        const HueColor blue = plane.color();
-        QVERIFY(qAbs(blue.h - 0.6) < 0.01);
-        w.model.colors().pick(PaintColor::black(), Colors::AddRecent::no);
-        QCOMPARE(plane.color(), (HueColor{blue.h, blue.s, 0}));
-        w.model.colors().pick(PaintColor::white(), Colors::AddRecent::no);
-        QCOMPARE(plane.color(), (HueColor{blue.h, 0, 1}));
-        // A hex number is taken on Return, and a bad one changes nothing.
-        auto& hex = w.find<QLineEdit>("hex");
-        for (const char* typed : {"b3001b", "#12"}) {
-            hex.setFocus();
-            hex.setText(typed);
-            QTest::keyClick(&hex, Qt::Key_Return);
-            QCOMPARE(w.model.colors().primary().hex(), "#B3001B");
-            QCOMPARE(w.model.colors().recent().size(), std::size_t(1));
-            QCOMPARE(hex.text(), "#B3001B");
-            QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
+        for (const PaintColor& gray : {PaintColor::black(), PaintColor(0.3, 0.3, 0.3)}) {
+            w.model.colors().pick(gray, Colors::AddRecent::no);
+            QCOMPARE(wheel.color().h, 0.25);
         }
+        w.click("rgb");
+        auto& red = w.find<ChromeSlider>("Red");
+        QCOMPARE(red.valueText(), "77");
+        red.enter(0);
+        QCOMPARE(wheel.color().h, 0.5);
+        w.find<WheelPart>("wheelHue").setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left);
+        QCOMPARE(std::lround(wheel.color().h * 360), 179);
+        QAccessibleInterface* part = QAccessible::queryAccessibleInterface(QApplication::focusWidget());
+        QCOMPARE(part->valueInterface()->currentValue().toInt(), 179);
+    }
+
+    void aBadHexNumberStaysAndAGoodOneIsPicked() {
+        Window w;
+        auto& hex = w.find<QLineEdit>("hex");
+        const QString before = hex.text();
+        hex.setFocus();
+        hex.setText("#12");
+        QTest::keyClick(&hex, Qt::Key_Return);
+        QVERIFY(w.desktop.beeps == 1 && hex.hasFocus() && hex.selectedText() == "#12");
+        QCOMPARE(w.model.colors().primary().hex(), before);
+        QTest::keyClick(&hex, Qt::Key_Escape);
+        QCOMPARE(hex.text(), before);
+        QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
+        hex.setFocus();
+        hex.setText("b31");
+        QTest::keyClick(&hex, Qt::Key_Return);
+        QCOMPARE(hex.text(), "#BB3311");
+        QCOMPARE(w.model.colors().recent(), std::vector{*PaintColor::fromHex("b31")});
+        QCOMPARE(QApplication::focusWidget(), &w.canvas());
+    }
+
+    void swatchesArePickedRemovedAndReordered() {
+        Window w;
+        const auto at = [](SwatchGrid& grid, int index) { return grid.cell(index).center(); };
+        const auto press = [&](SwatchGrid& grid, int index) {
+            QTest::mouseClick(&grid, Qt::LeftButton, {}, at(grid, index).toPoint());
+        };
+        const auto colors = [&w] { return w.model.palettes().currentPalette().colors; };
+        press(w.find<SwatchGrid>("paletteColors"), 2);
+        QVERIFY(w.model.colors().primary() == colors()[2].color && w.model.colors().recent().empty());
+        w.model.setInspectorTab(InspectorTab::palettes);
+        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents(); // layouts in layouts ask again
+        w.find<QTabBar>("inspectorTabs").setFocus();                   // a panel's place is behind the tabs
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget()->objectName(), "palettes");
+        auto& grid = w.find<SwatchGrid>("swatches");
+        press(grid, 5);
+        QCOMPARE(w.model.colors().recent(), std::vector{colors()[5].color});
+        const auto drag = [&](int from, int to) {
+            const QPointF before(-grid.cell(0).width() / 3, 0);
+            sendMouse(grid, QEvent::MouseButtonPress, at(grid, from));
+            sendMouse(grid, QEvent::MouseMove, at(grid, to) + before);
+            sendMouse(grid, QEvent::MouseButtonRelease, at(grid, to) + before);
+        };
+        drag(0, 3);
+        QVERIFY(w.model.palettes().userPalettes().empty()); // a built-in one stays in order
+        w.click("addColor");
+        auto expected = colors();
+        drag(1, 4);
+        std::rotate(expected.begin() + 1, expected.begin() + 2, expected.begin() + 4);
+        QCOMPARE(colors(), expected);
+        drag(4, 0);
+        std::rotate(expected.begin(), expected.begin() + 4, expected.begin() + 5);
+        QCOMPARE(colors(), expected);
+        // The same by the keyboard, and what a screen reader is told.
+        grid.setFocus();
+        for (const int key : {Qt::Key_Home, Qt::Key_Right}) QTest::keyClick(&grid, Qt::Key(key));
+        QTest::keyClick(&grid, Qt::Key_Right, Qt::AltModifier);
+        std::swap(expected[1], expected[2]);
+        QCOMPARE(colors(), expected);
+        QAccessibleInterface* focus = QAccessible::queryAccessibleInterface(&grid)->focusChild();
+        QCOMPARE(focus->text(QAccessible::Name), expected[2].name + u' ' + expected[2].color.hex());
+        QTest::keyClick(&grid, Qt::Key_Space);
+        QCOMPARE(w.model.colors().primary(), expected[2].color);
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        QApplication::sendEvent(&grid, &menu);
+        w.find<QMenu>("swatchMenu").actions().front()->trigger();
+        expected.erase(expected.begin() + 2);
+        QCOMPARE(colors(), expected);
     }
 };
 

@@ -3,7 +3,6 @@
 #include "app/commands/PaintCommands.h"
 #include "app/model/Clipboard.h"
 #include "app/model/OpenPictures.h"
-#include "app/model/Palettes.h"
 #include "app/model/PictureFiles.h"
 
 #include <QFileInfo>
@@ -46,13 +45,6 @@ const CommandRow kRows[] = {
     {"File", "saveAs", QIRN_TITLE("Save As…"), Command | Shift | Qt::Key_S, saveAs},
     {"File", "export", QIRN_TITLE("Export (PNG, JPEG, TIFF, PSD)…"), Command | Qt::Key_E,
      sheet<PaintSheet::Kind::exportPicture>},
-    {"File", nullptr},
-    {"File", "importPalette", QIRN_TITLE("Import Palettes…"), 0,
-     call<&PaintModel::palettes, &Palettes::importPalette>},
-    {"File", "exportGpl", QIRN_TITLE("Export Palette as .gpl…"), 0,
-     [](PaintModel& model) { model.palettes().exportPalette(Palettes::PaletteFile::gpl); }},
-    {"File", "exportAco", QIRN_TITLE("Export Palette as .aco…"), 0,
-     [](PaintModel& model) { model.palettes().exportPalette(Palettes::PaletteFile::aco); }},
     {"File", nullptr},
     {.menu = "File",
      .name = "quit",
