@@ -29,7 +29,7 @@ is no color beeps and stays, so that you can mend it; Esc brings back the one be
 ## Swatches
 • Recent colors keeps the last 18 colors that you painted with, picked or typed. Trying colors in the wheel adds
   nothing to them.
-• Below it are the swatches of the current palette; the + beside the hex field adds the paint color to it. See
+• Below it are the swatches of the current palette; the + beside its name adds the paint color to it. See
   «palettes».
 
 A click on a swatch takes its color.

@@ -24,7 +24,7 @@ swatch makes it the paint color. Rest the pointer on a swatch to read its name.
   keep what you used.
 • Add color adds the paint color to the current palette.
 • Remove from palette, in the menu of a swatch (right mouse button), takes one out.
-• Drag swatches of your own palettes to put them in order.
+• Drag swatches of your own palettes to put them in order. With the keyboard on them, ⌥ and an arrow key move one.
 • Rename to gives the palette the name that you typed in the field above.
 • Delete palette asks first. Your pictures are not changed.
 
