@@ -37,7 +37,6 @@ public:
         const ChromeColors& c = QirnKitHost::colors();
         QStyleOptionViewItem row = option;
         initStyleOption(&row, index);
-        row.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &row, painter, row.widget);
         const bool asking = index.data(kAskingRole).toBool();
         const QRectF cap = QRectF(row.rect).adjusted(m.tightGap, m.px(3), -m.tightGap, -m.px(3));
         ChromePaint::box(*painter, cap, m.smallRadius, asking ? c.well : c.raised, c.edge);
@@ -55,14 +54,17 @@ public:
     }
 };
 
-class RemarkDelegate final : public QStyledItemDelegate {
+/// Titles, remarks and headings, over the mark of the chosen row.
+class TextDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
-        option->palette.setBrush(QPalette::Text, option->palette.placeholderText());
+        const bool isQuiet = index.column() == kRemark || !index.parent().isValid();
+        if (isQuiet) option->palette.setBrush(QPalette::Text, option->palette.placeholderText());
+        option->state &= ~(QStyle::State_Selected | QStyle::State_HasFocus | QStyle::State_MouseOver);
     }
 };
 
@@ -93,12 +95,11 @@ KeyList::KeyList(QWidget* parent) : QTreeWidget(parent) {
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setItemDelegate(new TextDelegate(this));
     setItemDelegateForColumn(kKeys, new KeyDelegate(this));
-    setItemDelegateForColumn(kRemark, new RemarkDelegate(this));
     header()->setStretchLastSection(false);
-    header()->setSectionResizeMode(kTitle, QHeaderView::Stretch);
-    header()->setSectionResizeMode(kKeys, QHeaderView::ResizeToContents);
-    header()->setSectionResizeMode(kRemark, QHeaderView::ResizeToContents);
+    header()->setMinimumSectionSize(0);
+    header()->setSectionResizeMode(QHeaderView::Fixed);
     const auto owners = keyOwners();
     QTreeWidgetItem* heading = nullptr;
     for (std::size_t i = 0; i < owners.size(); ++i) {
@@ -115,6 +116,7 @@ KeyList::KeyList(QWidget* parent) : QTreeWidget(parent) {
     QirnKit::followMetrics(this, [this](const Metrics&) {
         for (int group = 0; group < topLevelItemCount(); ++group)
             topLevelItem(group)->setFont(kTitle, ChromeFont::caption());
+        layOutColumns();
     });
     connect(this, &QTreeWidget::itemClicked, this, [this](const QTreeWidgetItem*, int column) {
         if (column == kKeys) ask();
@@ -134,7 +136,45 @@ void KeyList::showKeys(const KeyChoices& choices) {
         else
             (*it)->setText(kKeys, keys);
         (*it)->setText(kRemark, remarkOf(*owner, choices));
+        for (const int column : {kTitle, kKeys, kRemark})
+            (*it)->setToolTip(column, (*it)->text(column)); // it may be cut
     }
+    layOutColumns();
+}
+
+/// The titles have what keys and remarks leave them, and three tenths at least.
+void KeyList::layOutColumns() {
+    const int width = viewport()->width();
+    const int keys = std::min(sizeHintForColumn(kKeys), width * 2 / 5);
+    const int remark = std::min(sizeHintForColumn(kRemark), width * 3 / 10);
+    header()->resizeSection(kTitle, width - keys - remark);
+    header()->resizeSection(kKeys, keys);
+    header()->resizeSection(kRemark, remark);
+}
+
+void KeyList::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    layOutColumns();
+}
+
+/// Arrow keys pass over the headings.
+QModelIndex KeyList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    const QModelIndex to = QTreeWidget::moveCursor(action, modifiers);
+    if (!to.isValid() || to.parent().isValid()) return to;
+    const bool up = action == MoveUp || action == MovePrevious || action == MovePageUp;
+    const QModelIndex beyond = up ? indexAbove(to) : indexBelow(to);
+    return beyond.isValid() ? beyond : currentIndex();
+}
+
+/// A chosen row is one piece.
+void KeyList::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    if (index == currentIndex().siblingAtColumn(index.column())) {
+        QStyleOptionViewItem row = option;
+        row.state |= QStyle::State_Selected | QStyle::State_Enabled;
+        row.state.setFlag(QStyle::State_HasFocus, hasFocus() && !asking_);
+        style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &row, painter, this);
+    }
+    QTreeWidget::drawRow(painter, option, index);
 }
 
 void KeyList::showOnly(const QString& words) {

@@ -33,11 +33,16 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
     void keyboardSearch(const QString&) override {} // the field above searches
 
 private:
     bool keyWhileAsking(const QKeyEvent& event); ///< False for one that is not for the row.
     void showHeld(Qt::KeyboardModifiers held);
+    void layOutColumns();
 
     QTreeWidgetItem* askingItem_ = nullptr;
     const KeyOwner* asking_ = nullptr;
