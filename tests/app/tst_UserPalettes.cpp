@@ -5,6 +5,8 @@
 #include "platform/Bytes.h"
 #include "support/Studio.h"
 
+#include <algorithm>
+
 #include <QFile>
 
 using namespace qirn;
@@ -51,12 +53,6 @@ private Q_SLOTS:
             QCOMPARE(own.name, name);
             QCOMPARE(own.colors.size(), colors);
             QVERIFY(!own.isBuiltIn && own.id != before.id);
-            if (own.colors[5] == before.colors[2]) { // what was moved stands there, and moves back
-                QCOMPARE(own.colors[2], before.colors[3]);
-                studio.model.palettes().moveInPalette(5, 2);
-                QCOMPARE(studio.model.palettes().currentPalette().colors, before.colors);
-                studio.model.palettes().moveInPalette(2, 5);
-            }
             QCOMPARE(stored(), std::vector<Palette>{own});
             // The copy itself is edited in place.
             for (int i = 0; i < 2; ++i) studio.model.palettes().addToPalette(PaintColor::black());
@@ -65,6 +61,17 @@ private Q_SLOTS:
             QCOMPARE(studio.model.palettes().currentPalette().colors.size(), colors + 2);
             QCOMPARE(stored(), studio.model.palettes().userPalettes());
         }
+    }
+
+    void aMovedColorStandsAtItsNewPlace() {
+        Studio studio;
+        auto expected = studio.model.palettes().currentPalette().colors;
+        studio.model.palettes().moveInPalette(2, 5);
+        std::rotate(expected.begin() + 2, expected.begin() + 3, expected.begin() + 6);
+        QCOMPARE(studio.model.palettes().currentPalette().colors, expected);
+        studio.model.palettes().moveInPalette(5, 0);
+        std::rotate(expected.begin(), expected.begin() + 5, expected.begin() + 6);
+        QCOMPARE(studio.model.palettes().currentPalette().colors, expected);
     }
 
     void newPalettesHoldWhatIsInHand() {

@@ -232,7 +232,10 @@ private Q_SLOTS:
         QCOMPARE(column.width(), 232);
         QTest::keyClick(&side, Qt::Key_Left);
         drag(w.find<SplitGrip>("inspectorTabsHeight"), {0, 900});
-        QVERIFY(w.find<QListView>("layers").viewport()->height() >= 4 * LayerRowDelegate::rowHeight());
+        auto& list = w.find<QListView>("layers");
+        const int fourRows = 4 * LayerRowDelegate::rowHeight();
+        QVERIFY(list.height() >= fourRows &&
+                list.mapTo(&column, list.rect().bottomLeft()).y() < column.height());
         w.model.setInspectorTab(InspectorTab::palettes);
         w.model.togglePanels();
         QTest::keyClick(&w.canvas(), Qt::Key_1, Qt::ControlModifier);
