@@ -80,12 +80,16 @@ ChromeColors ChromeColors::fromTheme(const QrKitTheme& theme) {
         c.onAccent = readableOn(theme.bg, black, {c.accent}, kReadable);
     }
     c.accentHover = surfaceUnder(mix(c.accent, Qt::white, 0.12), c.onAccent, c.accent);
-    c.focus =
-        readableOn(theme.accent, Qt::white, {c.canvas, c.panel, c.bar, c.popup, c.raised, c.well}, kVisible);
+    const auto visible = [&](const QColor& from, const QColor& towards) {
+        return readableOn(from, towards, {c.canvas, c.panel, c.bar, c.popup, c.raised, c.well, c.level},
+                          kVisible);
+    };
+    c.focus = visible(theme.accent, Qt::white);
+    c.edge = visible(c.panel, c.text);
+    c.edgeHover = mix(c.edge, c.text, 0.45);
+    c.accentEdge = visible(c.accent, c.text);
 
     const double rim = theme.rim.alphaF();
-    c.edge = faded(theme.rim, rim * 0.44);
-    c.edgeHover = faded(theme.rim, rim);
     c.divider = faded(theme.rim, rim * 0.36);
     c.seam = faded(black, 0.45);
     return c;

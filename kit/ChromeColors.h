@@ -30,9 +30,12 @@ struct ChromeColors {
     QColor onAccent;
     QColor focus; ///< The ring of the keyboard; stands out from every surface (contrast 3 or more).
 
-    // Edges, translucent, laid over a surface.
-    QColor edge; ///< Round a control.
+    // Edges, opaque: they stand out from canvas, panel, bar, popup, raised and well (contrast 3 or more).
+    QColor edge; ///< Round a control, a menu, a sheet.
     QColor edgeHover;
+    QColor accentEdge; ///< Round what is on.
+
+    // Lines, translucent, laid over a surface.
     QColor divider; ///< Between groups on one surface.
     QColor seam;    ///< Between two surfaces.
 

@@ -38,6 +38,7 @@ struct Metrics {
     int chevron = px(14);
 
     int checkBox = px(16);
+    int sliderLine = px(3); ///< Under the texts of a slider, as long as its level.
     int switchWidth = px(30);
     int switchHeight = px(18);
     int scrollBar = px(12);

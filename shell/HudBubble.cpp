@@ -49,7 +49,7 @@ void HudBubble::paintEvent(QPaintEvent*) {
     const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
-    ChromePaint::box(painter, rect(), height() / 2.0, c.popup, c.edgeHover);
+    ChromePaint::box(painter, rect(), height() / 2.0, c.popup, c.edge);
     ChromePaint::text(painter, QRectF(rect()).adjusted(m.groupGap, 0, -m.groupGap, 0), Qt::AlignCenter,
                       text(), c.text);
 }

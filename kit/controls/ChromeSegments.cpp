@@ -50,7 +50,7 @@ void ChromeSegments::paintEvent(QPaintEvent*) {
     const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
-    ChromePaint::box(painter, rect(), m.radius, c.well, c.edge);
+    ChromePaint::box(painter, rect(), m.radius, c.well, isEnabled() ? c.edge : c.divider);
 }
 
 } // namespace qirn

@@ -41,14 +41,12 @@ ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const
     field_->hide();
     field_->installEventFilter(this);
     atRest_.setSingleShot(true);
-    atRest_.setInterval(kRestTime);
     connect(&atRest_, &QTimer::timeout, this, &ChromeSlider::finish);
 }
 
 void ChromeSlider::setValue(double value) {
-    const double shown = scale_.clamped(value);
-    if (shown == value_) return;
-    value_ = shown;
+    if (value == value_) return;
+    value_ = value;
     update();
     if (QAccessible::isActive()) {
         QAccessibleValueChangeEvent event(this, value_);
@@ -62,16 +60,20 @@ void ChromeSlider::enter(double value) {
 }
 
 void ChromeSlider::moveTo(double value) {
-    const double wanted = scale_.clamped(value);
-    if (wanted == value_) return;
-    setValue(wanted);
+    show(scale_.clamped(value));
+}
+
+void ChromeSlider::show(double value) {
+    if (value == value_) return;
+    setValue(value);
     announced_ = true;
-    Q_EMIT valueChanged(wanted);
+    Q_EMIT valueChanged(value);
 }
 
 void ChromeSlider::step(int steps) {
-    moveTo(scale_.stepped(value_, steps));
-    atRest_.start();
+    const double wanted = scale_.stepped(value_, steps);
+    if (steps > 0 ? wanted > value_ : wanted < value_) moveTo(wanted); // beyond its end it stays
+    atRest_.start(kRestTime);
 }
 
 void ChromeSlider::finish() {
@@ -83,7 +85,8 @@ void ChromeSlider::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     if (atRest_.isActive()) finish();
     dragging_ = true;
-    dragX_ = event->position().x();
+    valueBefore_ = value_;
+    pressX_ = dragX_ = event->position().x();
     dragPlace_ = scale_.placeOf(value_);
     if (!event->modifiers().testFlag(Qt::ShiftModifier)) {
         dragPlace_ = std::clamp(dragX_ / std::max(1, width()), 0.0, 1.0);
@@ -95,6 +98,7 @@ void ChromeSlider::mousePressEvent(QMouseEvent* event) {
 void ChromeSlider::drag(const QMouseEvent& event) {
     const double x = event.position().x();
     const double moved = (x - dragX_) / std::max(1, width());
+    if (moved == 0) return; // a value beyond the range stays
     dragX_ = x;
     const bool fine = event.modifiers().testFlag(Qt::ShiftModifier);
     dragPlace_ += moved * (fine ? kFineDrag : 1);
@@ -110,11 +114,19 @@ void ChromeSlider::mouseReleaseEvent(QMouseEvent* event) {
     drag(*event);
     dragging_ = false;
     update();
-    finish();
+    if (std::abs(event->position().x() - pressX_) >= QApplication::startDragDistance())
+        finish();
+    else
+        atRest_.start(QApplication::doubleClickInterval()); // it may be the first half of a double click
 }
 
 void ChromeSlider::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) openField(QString());
+    if (event->button() != Qt::LeftButton) return;
+    if (atRest_.isActive()) {
+        show(valueBefore_);
+        finish();
+    }
+    openField(QString());
 }
 
 void ChromeSlider::wheelEvent(QWheelEvent* event) {
@@ -184,7 +196,7 @@ void ChromeSlider::closeField(bool take) {
     const bool hadFocus = field_->hasFocus();
     field_->hide();
     if (hadFocus && focusBefore_) focusBefore_->setFocus(Qt::OtherFocusReason);
-    if (typed) enter(*typed);
+    if (typed && field_->text() != format_.number(value_)) enter(*typed);
 }
 
 bool ChromeSlider::eventFilter(QObject* watched, QEvent* event) {
@@ -230,6 +242,31 @@ QSize ChromeSlider::sizeHint() const {
     return minimumSizeHint().expandedTo({QirnKitHost::metrics().controlWidth, 0});
 }
 
+/// A tint behind the texts and, below them, a line in full color that ends at the value.
+void ChromeSlider::paintLevel(QPainter& painter, const QRectF& bar) const {
+    const Metrics& m = QirnKitHost::metrics();
+    const ChromeColors& c = QirnKitHost::colors();
+    // The level grows from the lower end, or from zero where the range has both signs.
+    const double from = scale_.lower < 0 && scale_.upper > 0 ? scale_.placeOf(0) : 0;
+    const double to = scale_.placeOf(value_);
+    const QRectF level(QPointF(bar.width() * std::min(from, to), 0),
+                       QPointF(bar.width() * std::max(from, to), bar.height()));
+    QRectF line = level;
+    line.setTop(bar.bottom() - m.sliderLine);
+    if (line.width() < m.sliderLine) { // the value shows where there is no level
+        line.setWidth(m.sliderLine);
+        line.moveLeft(std::clamp(bar.width() * to - m.sliderLine / 2.0, 0.0, bar.width() - m.sliderLine));
+    }
+    QPainterPath inside;
+    inside.addRoundedRect(ChromePaint::snapped(painter, bar), m.radius, m.radius);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setClipPath(inside);
+    painter.fillRect(ChromePaint::snapped(painter, level), c.level);
+    painter.fillRect(ChromePaint::snapped(painter, line), c.focus);
+    painter.restore();
+}
+
 void ChromeSlider::paintEvent(QPaintEvent*) {
     const Metrics& m = QirnKitHost::metrics();
     const ChromeColors& c = QirnKitHost::colors();
@@ -238,26 +275,8 @@ void ChromeSlider::paintEvent(QPaintEvent*) {
     const bool bright = isEnabled() && (underMouse() || dragging_);
     ChromePaint::box(painter, bar, m.radius, isEnabled() ? c.well : c.panel);
 
-    // The level grows from the lower end, or from zero where the range has both signs.
-    const double from = scale_.lower < 0 && scale_.upper > 0 ? scale_.placeOf(0) : 0;
-    const double to = scale_.placeOf(value_);
-    const QRectF level(QPointF(bar.width() * std::min(from, to), 0),
-                       QPointF(bar.width() * std::max(from, to), bar.height()));
-    if (isEnabled()) {
-        const double width = std::max(1.0, std::round(m.focusWidth * ChromePaint::deviceRatio(painter))) /
-                             ChromePaint::deviceRatio(painter);
-        const QRectF mark(std::clamp(bar.width() * to - width / 2, 0.0, bar.width() - width), 0, width,
-                          bar.height());
-        QPainterPath inside;
-        inside.addRoundedRect(ChromePaint::snapped(painter, bar), m.radius, m.radius);
-        painter.save();
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setClipPath(inside);
-        painter.fillRect(ChromePaint::snapped(painter, level), c.level);
-        painter.fillRect(ChromePaint::snapped(painter, mark), c.focus);
-        painter.restore();
-    }
-    ChromePaint::box(painter, bar, m.radius, {}, bright ? c.edgeHover : c.edge);
+    if (isEnabled()) paintLevel(painter, bar);
+    ChromePaint::box(painter, bar, m.radius, {}, !isEnabled() ? c.divider : bright ? c.edgeHover : c.edge);
 
     const QRectF texts = bar.adjusted(m.controlPadding, 0, -m.controlPadding, 0);
     const QRectF labelRect =

@@ -21,7 +21,7 @@ public:
     QString text(QAccessible::Text kind) const override {
         return kind == QAccessible::Value ? slider().valueText() : QAccessibleWidget::text(kind);
     }
-    QVariant currentValue() const override { return slider().value(); }
+    QVariant currentValue() const override { return slider().scale().clamped(slider().value()); }
     void setCurrentValue(const QVariant& value) override { slider().enter(value.toDouble()); }
     QVariant minimumValue() const override { return slider().scale().lower; }
     QVariant maximumValue() const override { return slider().scale().upper; }

@@ -1,7 +1,6 @@
 #include "kit/controls/ChromeStepper.h"
 
 #include <QLineEdit>
-#include <QWheelEvent>
 
 namespace qirn {
 
@@ -18,13 +17,6 @@ ChromeStepper::ChromeStepper(const QString& accessibleName, const QString& words
 void ChromeStepper::stepBy(int steps) {
     QSpinBox::stepBy(steps);
     if (!hasFocus()) lineEdit()->deselect();
-}
-
-void ChromeStepper::wheelEvent(QWheelEvent* event) {
-    if (hasFocus())
-        QSpinBox::wheelEvent(event);
-    else
-        event->ignore();
 }
 
 } // namespace qirn

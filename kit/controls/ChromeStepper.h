@@ -3,7 +3,7 @@
 
 namespace qirn {
 
-/// A few whole numbers to step through, inside their words: "Grow 1 px". The wheel turns it only while it has the focus.
+/// A few whole numbers to step through, inside their words: "Grow 1 px".
 class ChromeStepper : public QSpinBox {
     Q_OBJECT
 public:
@@ -11,9 +11,6 @@ public:
     ChromeStepper(const QString& accessibleName, const QString& words, QWidget* parent);
 
     void stepBy(int steps) override;
-
-protected:
-    void wheelEvent(QWheelEvent* event) override;
 };
 
 } // namespace qirn

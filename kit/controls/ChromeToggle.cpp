@@ -12,13 +12,20 @@ ChromeToggle::ChromeToggle(const QString& label, QWidget* parent) : QCheckBox(la
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setAccessibleName(label);
+    connect(&knob_, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    connect(this, &QCheckBox::toggled, this, [this](bool on) {
+        knob_.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
+        if (knob_.duration() <= 0) return;
+        knob_.setStartValue(on ? -1.0 : 1.0);
+        knob_.setEndValue(0.0);
+        knob_.start();
+    });
 }
 
 QSize ChromeToggle::sizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
     const int text = fontMetrics().size(Qt::TextShowMnemonic, this->text()).width();
-    // The tight gaps at both ends are for the focus ring.
-    return {m.switchWidth + m.gap + text + 2 * m.tightGap, m.controlHeight};
+    return {m.switchWidth + m.gap + text + m.tightGap, m.controlHeight};
 }
 
 void ChromeToggle::paintEvent(QPaintEvent*) {
@@ -27,25 +34,28 @@ void ChromeToggle::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const bool on = isChecked();
     const double radius = m.switchHeight / 2.0;
-    const QRectF track(m.tightGap, (height() - m.switchHeight) / 2.0, m.switchWidth, m.switchHeight);
+    const QRectF track(0, (height() - m.switchHeight) / 2.0, m.switchWidth, m.switchHeight);
     if (!isEnabled())
         ChromePaint::box(painter, track, radius, c.bar, c.divider);
     else if (on)
-        ChromePaint::box(painter, track, radius, underMouse() ? c.accentHover : c.accent);
+        ChromePaint::box(painter, track, radius, underMouse() ? c.accentHover : c.accent, c.accentEdge);
     else
         ChromePaint::box(painter, track, radius, c.well, underMouse() || isDown() ? c.edgeHover : c.edge);
 
     const double inset = m.px(3);
     const double side = m.switchHeight - 2 * inset;
     const double left = on ? track.right() - inset - side : track.left() + inset;
+    const bool moves = knob_.state() == QAbstractAnimation::Running;
+    const double away = moves ? knob_.currentValue().toDouble() * (track.width() - 2 * inset - side) : 0;
     const QColor knob = !isEnabled() ? c.faint : on ? c.onAccent : c.dim;
-    ChromePaint::box(painter, QRectF(left, track.top() + inset, side, side), side / 2, knob);
+    ChromePaint::box(painter, QRectF(left + away, track.top() + inset, side, side), side / 2, knob);
 
     const QRectF label(track.right() + m.gap, 0, width() - track.right() - m.gap, height());
     ChromePaint::text(painter, label, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic, text(),
                       isEnabled() ? c.text : c.faint);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, rect(), m.radius);
+        ChromePaint::focusRing(painter, label.adjusted(-m.tightGap, 0, 0, 0),
+                               m.radius); // the switch stays whole
 }
 
 } // namespace qirn

@@ -1,5 +1,6 @@
 #pragma once
 #include <QCheckBox>
+#include <QVariantAnimation>
 
 namespace qirn {
 
@@ -15,6 +16,10 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     bool hitButton(const QPoint& position) const override { return rect().contains(position); }
+
+private:
+    QVariantAnimation
+        knob_; // how far it is still from its place, as a part of its way; by user's changes only
 };
 
 } // namespace qirn

@@ -22,6 +22,7 @@ ChromeStyle::ChromeStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
 void ChromeStyle::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
+    wheelRule_.watch(*widget);
     if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget) ||
         qobject_cast<QAbstractSpinBox*>(widget) || qobject_cast<QScrollBar*>(widget) ||
         qobject_cast<QSlider*>(widget) || qobject_cast<QTabBar*>(widget) || widget->inherits("QLineEdit"))
@@ -70,10 +71,10 @@ void ChromeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         p.fillRect(option->rect, colors.popup);
         return;
     case PE_FrameMenu:
-        ChromePaint::box(p, option->rect, 0, {}, colors.edgeHover);
+        ChromePaint::box(p, option->rect, 0, {}, colors.edge);
         return;
     case PE_PanelTipLabel:
-        ChromePaint::box(p, option->rect, 0, colors.popup, colors.edgeHover);
+        ChromePaint::box(p, option->rect, 0, colors.popup, colors.edge);
         return;
     case PE_PanelItemViewItem:
         drawRow(*option, p);

@@ -1,6 +1,8 @@
 #pragma once
 #include <QProxyStyle>
 
+#include "kit/style/WheelRule.h"
+
 class QStyleOptionButton;
 class QStyleOptionComboBox;
 class QStyleOptionFrame;
@@ -72,6 +74,8 @@ private:
     void drawTab(const QStyleOptionTab& option, QPainter& painter) const;
     void drawTabLabel(const QStyleOptionTab& option, QPainter& painter) const;
     void drawFrame(const QStyleOptionFrame& option, QPainter& painter) const;
+
+    WheelRule wheelRule_;
 };
 
 /// True where the focus came by the keyboard.

@@ -21,9 +21,9 @@ Face raisedFace(QStyle::State state, bool on) {
     const ChromeColors& c = QirnKitHost::colors();
     const bool over = state.testFlag(QStyle::State_MouseOver);
     if (!state.testFlag(QStyle::State_Enabled)) return {c.bar, c.divider, c.faint};
-    if (on) return {over ? c.accentHover : c.accent, {}, c.onAccent};
-    if (state.testFlag(QStyle::State_Sunken)) return {c.pressed, c.edge, c.text};
-    return {over ? c.hover : c.raised, c.edge, c.text};
+    if (on) return {over ? c.accentHover : c.accent, c.accentEdge, c.onAccent};
+    if (state.testFlag(QStyle::State_Sunken)) return {c.pressed, c.edgeHover, c.text};
+    return {over ? c.hover : c.raised, over ? c.edgeHover : c.edge, c.text};
 }
 
 /// A flat button: only its icon or text until the pointer is over it.
@@ -31,7 +31,7 @@ Face flatFace(QStyle::State state, bool on) {
     const ChromeColors& c = QirnKitHost::colors();
     const bool over = state.testFlag(QStyle::State_MouseOver);
     if (!state.testFlag(QStyle::State_Enabled)) return {{}, {}, c.faint};
-    if (on) return {over ? c.accentHover : c.accent, {}, c.onAccent};
+    if (on) return {over ? c.accentHover : c.accent, c.accentEdge, c.onAccent};
     if (state.testFlag(QStyle::State_Sunken)) return {c.pressed, {}, c.text};
     return {over ? c.hover : QColor(), {}, c.text};
 }
@@ -142,9 +142,13 @@ void ChromeStyle::drawCheckMark(const QStyleOption& option, QPainter& painter) c
     const QColor mark = enabled ? c.onAccent : c.faint;
     if (on || partly)
         ChromePaint::box(painter, option.rect, m.smallRadius,
-                         enabled ? (over ? c.accentHover : c.accent) : c.bar);
+                         enabled ? (over ? c.accentHover : c.accent) : c.bar,
+                         enabled ? c.accentEdge : c.divider);
     else
-        ChromePaint::box(painter, option.rect, m.smallRadius, c.well, enabled ? c.edgeHover : c.divider);
+        ChromePaint::box(painter, option.rect, m.smallRadius, c.well,
+                         !enabled ? c.divider
+                         : over   ? c.edgeHover
+                                  : c.edge);
     if (on || partly)
         ChromePaint::icon(painter, option.rect, on ? Icon::check : Icon::minus, m.checkBox - m.inset, mark);
 }
@@ -154,10 +158,11 @@ void ChromeStyle::drawRadioMark(const QStyleOption& option, QPainter& painter) c
     const bool enabled = option.state.testFlag(State_Enabled);
     const double radius = option.rect.width() / 2.0;
     if (!option.state.testFlag(State_On)) {
-        ChromePaint::box(painter, option.rect, radius, c.well, enabled ? c.edgeHover : c.divider);
+        ChromePaint::box(painter, option.rect, radius, c.well, enabled ? c.edge : c.divider);
         return;
     }
-    ChromePaint::box(painter, option.rect, radius, enabled ? c.accent : c.bar);
+    ChromePaint::box(painter, option.rect, radius, enabled ? c.accent : c.bar,
+                     enabled ? c.accentEdge : c.divider);
     const int inset = option.rect.width() / 3;
     ChromePaint::box(painter, option.rect.adjusted(inset, inset, -inset, -inset), radius,
                      enabled ? c.onAccent : c.faint);

@@ -15,7 +15,9 @@ void ChromeStyle::drawField(const QStyleOption& option, QPainter& painter, const
     const bool enabled = option.state.testFlag(State_Enabled);
     const bool over = option.state.testFlag(State_MouseOver);
     ChromePaint::box(painter, rect, m.radius, enabled ? c.well : c.panel,
-                     enabled && over ? c.edgeHover : c.edge);
+                     !enabled ? c.divider
+                     : over   ? c.edgeHover
+                              : c.edge);
     if (option.state.testFlag(State_HasFocus)) ChromePaint::focusRing(painter, rect, m.radius);
 }
 
@@ -30,7 +32,10 @@ void ChromeStyle::drawCombo(const QStyleOptionComboBox& option, QPainter& painte
         const bool open = option.state.testFlag(State_On) || option.state.testFlag(State_Sunken);
         const bool over = option.state.testFlag(State_MouseOver);
         const QColor fill = !enabled ? c.bar : open ? c.pressed : over ? c.hover : c.raised;
-        ChromePaint::box(painter, option.rect, m.radius, fill, enabled ? c.edge : c.divider);
+        ChromePaint::box(painter, option.rect, m.radius, fill,
+                         !enabled       ? c.divider
+                         : over || open ? c.edgeHover
+                                        : c.edge);
         if (showsFocus(option)) ChromePaint::focusRing(painter, option.rect, m.radius);
     }
     const QRect arrow = proxy()->subControlRect(CC_ComboBox, &option, SC_ComboBoxArrow, widget);

@@ -1,6 +1,9 @@
+#include <algorithm>
+
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QListView>
 #include <QStyleOption>
 #include <QTextOption>
@@ -10,6 +13,10 @@
 #include "kit/style/ChromeStyle.h"
 
 namespace qirn {
+
+namespace {
+constexpr int kLongestMotion = 120; // milliseconds
+}
 
 int ChromeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
     const Metrics& m = QirnKitHost::metrics();
@@ -113,6 +120,10 @@ int ChromeStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
         return 0;
     case SH_MessageBox_CenterButtons:
         return 0;
+    case SH_DialogButtonLayout: // as in the sheets, on each desktop: what is asked for stands last
+        return QDialogButtonBox::GnomeLayout;
+    case SH_Widget_Animation_Duration:
+        return std::min(kLongestMotion, QProxyStyle::styleHint(hint, option, widget, data));
     case SH_ToolTipLabel_Opacity:
         return 255;
     case SH_ToolTip_WakeUpDelay:

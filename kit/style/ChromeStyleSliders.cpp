@@ -28,7 +28,7 @@ void ChromeStyle::drawSlider(const QStyleOptionSlider& option, QPainter& painter
         track.setTop(handle.center().y());
     else
         track.setBottom(handle.center().y());
-    ChromePaint::box(painter, track, thickness / 2, enabled ? c.accent : c.faint);
+    ChromePaint::box(painter, track, thickness / 2, enabled ? c.focus : c.faint);
     const double side = std::min(handle.width(), handle.height());
     QRectF thumb(0, 0, side, side);
     thumb.moveCenter(handle.center());
@@ -47,7 +47,7 @@ void ChromeStyle::drawScrollBar(const QStyleOptionSlider& option, QPainter& pain
     const bool held =
         option.activeSubControls.testFlag(SC_ScrollBarSlider) && option.state.testFlag(State_Sunken);
     const bool over = option.state.testFlag(State_MouseOver);
-    ChromePaint::box(painter, thumb, m.scrollThumb / 2.0, held ? c.dim : over ? c.faint : c.hover);
+    ChromePaint::box(painter, thumb, m.scrollThumb / 2.0, held ? c.text : over ? c.edgeHover : c.edge);
 }
 
 } // namespace qirn

@@ -1,5 +1,7 @@
 #include "shell/options/ToolOptionsBar.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QLabel>
 
@@ -49,6 +51,10 @@ ToolOptionsBar::ToolOptionsBar(PaintModel& model, CanvasView& view, QWidget* par
         QFont font = ChromeFont::body();
         font.setWeight(QFont::DemiBold);
         title_->setFont(font);
+        int widest = 0; // the options stay where they are whatever the title
+        for (const ToolRow& tool : kTools)
+            widest = std::max(widest, QFontMetrics(font).horizontalAdvance(toolTitle(tool.tool)));
+        title_->setFixedWidth(widest + m.inset);
     });
     connect(&model, &PaintModel::changed, this, &ToolOptionsBar::refresh);
     refresh();

@@ -85,7 +85,7 @@ void Sheet::closeAnd(std::function<void()> work) {
 void Sheet::paintEvent(QPaintEvent*) {
     const ChromeColors& c = QirnKitHost::colors();
     QPainter painter(this);
-    ChromePaint::box(painter, rect(), QirnKitHost::metrics().radius, c.panel, c.edgeHover);
+    ChromePaint::box(painter, rect(), QirnKitHost::metrics().radius, c.panel, c.edge);
 }
 
 } // namespace qirn

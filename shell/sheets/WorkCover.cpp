@@ -49,7 +49,7 @@ protected:
     void paintEvent(QPaintEvent*) override {
         const ChromeColors& c = QirnKitHost::colors();
         QPainter painter(this);
-        ChromePaint::box(painter, rect(), QirnKitHost::metrics().radius, c.panel, c.edgeHover);
+        ChromePaint::box(painter, rect(), QirnKitHost::metrics().radius, c.panel, c.edge);
     }
 };
 

@@ -1,11 +1,17 @@
 #include "kit/QirnKit.h"
 #include "kit/controls/ChromeSlider.h"
+#include "kit/controls/ChromeStepper.h"
 #include "kit/controls/ChromeToggle.h"
 #include "support/Studio.h"
 
 #include <QAccessible>
+#include <QComboBox>
 #include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QTabBar>
+#include <QVBoxLayout>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -49,7 +55,7 @@ private Q_SLOTS:
     void initTestCase() { QirnKit::install("Qirn Paint"); }
 
     void aDragAnnouncesEachValueAndItsEndOnce() {
-            Bench b(kPercent, NumberFormat::percent());
+        Bench b(kPercent, NumberFormat::percent());
         b.mouse(QEvent::MouseButtonPress, 50);
         QCOMPARE(b.slider.value(), 0.25);
         b.mouse(QEvent::MouseMove, 100);
@@ -73,11 +79,20 @@ private Q_SLOTS:
 
     void aScaleHasEndsAndItsTextNoNegativeZero() {
         Bench b(kSizes, NumberFormat::pixels());
+        b.slider.setValue(400);
+        const QImage full = b.slider.grab({0, 0, 100, 28}).toImage();
         b.slider.setValue(1000); // a brush can be larger than its slider
-        QCOMPARE(b.slider.valueText(), "400 px");
-        b.slider.setValue(0.2);
-        QCOMPARE(b.slider.valueText(), "1 px");
+        QCOMPARE(b.slider.valueText(), "1000 px");
+        QCOMPARE(b.slider.grab({0, 0, 100, 28}).toImage(), full);
+        b.slider.setFocus();
+        QTest::keyClick(&b.slider, Qt::Key_Right);                 // no step beyond makes it smaller
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Return}) // the number as it is, and taken
+            QTest::keyClick(QApplication::focusWidget(), key);
+        b.mouse(QEvent::MouseButtonPress, 190, Qt::ShiftModifier);
+        b.mouse(QEvent::MouseButtonRelease, 190, Qt::ShiftModifier);
+        QCOMPARE(b.slider.value(), 1000.0);
         QCOMPARE(b.changed.count() + b.finished.count(), 0); // of what is only shown
+        b.slider.setValue(1);
         QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&b.slider);
         QVERIFY(access && access->role() == QAccessible::Slider && access->valueInterface());
         QCOMPARE(access->text(QAccessible::Name), "Size");
@@ -111,6 +126,47 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(b.finished.count(), 1, 2000);
     }
 
+    void theWheelScrollsPastWhatHasNotTheFocus() {
+        QWidget window;
+        QScrollArea area(&window);
+        auto* column = new QWidget;
+        QVBoxLayout rows(column);
+        auto* combo = new QComboBox;
+        combo->addItems({"a", "b", "c"});
+        auto* stepper = new ChromeStepper("Grow", "Grow %1 px", column);
+        auto* slider = new ChromeSlider("Size", kPercent, NumberFormat::percent(), column);
+        auto* tabs = new QTabBar;
+        tabs->addTab("a");
+        tabs->addTab("b");
+        for (QWidget* widget : std::initializer_list<QWidget*>{combo, stepper, slider, tabs})
+            rows.addWidget(widget);
+        column->setMinimumHeight(900);
+        area.setWidget(column);
+        area.resize(200, 200);
+        showActive(window);
+        const auto sum = [&] {
+            return combo->currentIndex() + stepper->value() + 100 * slider->value() + tabs->currentIndex();
+        };
+        const std::tuple<QWidget*, int> turned[] = {
+            {combo, -120}, {stepper, 120}, {slider, 120}, {tabs, -120}};
+        for (const auto& [widget, angle] : turned) {
+            if (QWidget* focused = QApplication::focusWidget()) focused->clearFocus();
+            const double before = sum();
+            area.verticalScrollBar()->setValue(100);
+            const auto turn = [widget = widget, angle = angle] { // goes on to the parent, as a hand's does
+                QWheelEvent event({5, 5}, widget->mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton,
+                                  {}, Qt::NoScrollPhase, false);
+                QSpontaneKeyEvent::setSpontaneous(&event);
+                qApp->notify(widget, &event);
+            };
+            turn();
+            QVERIFY(sum() == before && area.verticalScrollBar()->value() != 100);
+            widget->setFocus();
+            turn();
+            QCOMPARE(sum(), before + 1);
+        }
+    }
+
     void theKeyboardReachesItAndSetsIt() {
         Bench b(kPercent, NumberFormat::percent());
         QTest::keyClick(&b.before, Qt::Key_Tab);
@@ -136,11 +192,15 @@ private Q_SLOTS:
         QCOMPARE(b.slider.value(), 0.35);
         QVERIFY(b.changed.count() == 1 && b.finished.count() == 1 && !b.field().isVisible());
         QCOMPARE(QApplication::focusWidget(), &b.after); // the keys go back to where they were
-        b.mouse(QEvent::MouseButtonDblClick, 100);
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease})
+            b.mouse(type, 150);
+        QCOMPARE(b.changed.takeLast().front().toDouble(), 0.35); // what the first press set is taken back
+        QCOMPARE(b.field().text(), "35");
         b.field().setText("33");
         b.before.setFocus(); // leaving the field takes the number
         QCOMPARE(b.slider.value(), 0.33);
-        QCOMPARE(b.finished.count(), 2);
+        QCOMPARE(b.finished.count(), 3);
         QCOMPARE(QApplication::focusWidget(), &b.before);
     }
 
@@ -185,14 +245,13 @@ private Q_SLOTS:
         ChromeToggle toggle("Smooth edges", &window);
         toggle.resize(toggle.sizeHint());
         window.show();
-        const auto knobAt = [&](int x) {
-            return toggle.grab().toImage().pixelColor(m.tightGap + x, toggle.height() / 2);
-        };
+        const auto knobAt = [&](int x) { return toggle.grab().toImage().pixelColor(x, toggle.height() / 2); };
         const int half = m.switchHeight / 2;
         QCOMPARE(knobAt(half), QirnKitHost::colors().dim);
         QTest::mouseClick(&toggle, Qt::LeftButton, {}, {toggle.width() - 4, 4});
         QVERIFY(toggle.isChecked());
-        QCOMPARE(knobAt(m.switchWidth - half), QirnKitHost::colors().onAccent);
+        QTRY_COMPARE(knobAt(m.switchWidth - half), QirnKitHost::colors().onAccent);
+        QVERIFY(toggle.style()->styleHint(QStyle::SH_Widget_Animation_Duration) <= 120);
         toggle.setFocus();
         QTest::keyClick(&toggle, Qt::Key_Space);
         QVERIFY(!toggle.isChecked());

@@ -81,7 +81,8 @@ private Q_SLOTS:
             for (int i = 0; i < 7; ++i) canBeRead(c.dim, surfaces[i], i);
             canBeRead(c.onAccent, c.accent, 10);
             canBeRead(c.onAccent, c.accentHover, 11);
-            for (int i = 0; i < 6; ++i) QVERIFY(contrast(c.focus, surfaces[i]) >= 3);
+            for (const QColor& edge : {c.focus, c.edge, c.edgeHover, c.accentEdge})
+                for (int i = 0; i < 7; ++i) QVERIFY(contrast(edge, surfaces[i]) >= 3);
             const QPalette p = c.palette();
             using P = QPalette;
             for (const auto& [text, base] : {std::pair{P::WindowText, P::Window},

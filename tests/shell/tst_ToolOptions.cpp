@@ -57,8 +57,12 @@ private Q_SLOTS:
             {Tool::move, "Move & Transform", "Transform"},
             {Tool::hand, "Hand (Pan)", "Rotate view"},
             {Tool::zoom, "Zoom", "Rotate view"}};
+        const QRect titleRect = w.find<QLabel>("toolTitle").geometry();
         for (const auto& [tool, title, controls] : cases) {
             w.model.setTool(tool);
+            QCoreApplication::processEvents();
+            QCOMPARE(w.find<QLabel>("toolTitle").geometry(), titleRect); // the options stay where they are
+            QVERIFY(w.find<QLabel>("toolTitle").sizeHint().width() <= titleRect.width());
             QCOMPARE(w.find<QLabel>("toolTitle").text(), title);
             QCOMPARE(shownControls(w), controls);
         }
@@ -97,7 +101,7 @@ private Q_SLOTS:
         QTest::keyClick(&w.canvas(), Qt::Key_BracketRight, {});
         const double grown = w.model.brushes().activeBrush().size;
         QVERIFY(grown > 400);
-        QCOMPARE(size.valueText(), "400 px");
+        QCOMPARE(size.valueText(), QStringLiteral("%1 px").arg(grown));
         w.model.announce();
         QCOMPARE(w.model.brushes().activeBrush().size, grown);
         size.enter(20);
