@@ -28,7 +28,9 @@ StatusBar::StatusBar(PaintModel& model, QWidget* parent)
         row->setSpacing(m.margin);
     });
     const auto text = [&](const char* name) {
-        auto* item = new StatusText(name, this);
+        const bool isLayer = qstrcmp(name, "layer") == 0;
+        auto* item =
+            new StatusText(name, isLayer ? StatusText::GivesWay::yes : StatusText::GivesWay::no, this);
         row->addWidget(item);
         return item;
     };
@@ -52,7 +54,28 @@ StatusBar::StatusBar(PaintModel& model, QWidget* parent)
     });
     connect(&model, &PaintModel::changed, this, &StatusBar::refresh);
     connect(&model.status(), &CanvasStatus::changed, this, &StatusBar::followCursor);
+    zoom_->setWidest(tr("Zoom %1%").arg(std::lround(100 * kMaxZoom)));
+    rotation_->setWidest(tr("View rotated %1°").arg(-180));
     refresh();
+}
+
+bool StatusBar::event(QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest) makeRoom(); // an item has another width
+    return ChromePanel::event(event);
+}
+
+void StatusBar::makeRoom() {
+    const Metrics& m = QirnKitHost::metrics();
+    const auto widthOf = [&m](const QWidget& item) { return item.minimumSizeHint().width() + m.margin; };
+    int needed = 2 * m.groupGap + widthOf(*pressure_);
+    for (const StatusText* item : findChildren<StatusText*>())
+        if (!item->text().isEmpty()) needed += widthOf(*item);
+    for (StatusText* item : {undo_, stroke_, autosave_, size_}) {
+        const bool fits = needed <= width();
+        item->setRoom(fits);
+        if (!fits && !item->text().isEmpty()) needed -= widthOf(*item);
+    }
+    pressure_->setVisible(needed <= width());
 }
 
 void StatusBar::refresh() {
@@ -62,6 +85,8 @@ void StatusBar::refresh() {
         size_->setText(tr("%1 × %2 px · %3 DPI").arg(doc.grid().width).arg(doc.grid().height).arg(doc.dpi));
         layer_->setText(tr("Layer: %1").arg(doc.activeLayer().name));
         undo_->setText(tr("Undo: %1 steps").arg(doc.undoDepth()));
+        undo_->setWidest(tr("Undo: %1 steps").arg(model_.prefs().undoSteps));
+        cursor_->setWidest(tr("X %1  Y %2").arg(doc.grid().width).arg(doc.grid().height));
     }
     autosave_->setText(model_.safety().lastAutosaveText().value_or(QString()));
     refreshCursor();

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include <QPainter>
+#include <QRegularExpression>
 
+#include "app/desktop/HostWords.h"
 #include "kit/ChromeFont.h"
 #include "kit/Metrics.h"
 #include "kit/QirnKit.h"
@@ -21,12 +23,14 @@ QSize meterSize() {
 
 } // namespace
 
-StatusText::StatusText(const char* name, QWidget* parent) : QWidget(parent) {
+StatusText::StatusText(const char* name, GivesWay givesWay, QWidget* parent)
+    : QWidget(parent),
+      givesWay_(givesWay) {
     setObjectName(QLatin1String(name));
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     QirnKit::followMetrics(this, [this](const Metrics&) {
         setFont(ChromeFont::small());
-        width_ = textWidth();
+        width_ = neededWidth();
     });
     hide(); // until it has a text
 }
@@ -35,16 +39,39 @@ void StatusText::setText(const QString& text) {
     if (text == text_) return;
     text_ = text;
     setAccessibleName(text);
-    setVisible(!text.isEmpty());
-    if (textWidth() > width_ || text.isEmpty()) {
-        width_ = textWidth();
+    setVisible(hasRoom_ && !text.isEmpty());
+    const int needed = neededWidth();
+    if (needed > width_ || text.isEmpty() || givesWay_ == GivesWay::yes) {
+        width_ = needed;
         updateGeometry();
     }
+    setToolTip(givesWay_ == GivesWay::yes ? plainTip(text) : QString());
     update();
 }
 
-int StatusText::textWidth() const {
-    return text_.isEmpty() ? 0 : fontMetrics().horizontalAdvance(text_) + 1;
+void StatusText::setRoom(bool isThere) {
+    hasRoom_ = isThere;
+    setVisible(hasRoom_ && !text_.isEmpty());
+}
+
+void StatusText::setWidest(const QString& widest) {
+    static const QRegularExpression digit(QStringLiteral("\\d"));
+    QString zeros = widest;
+    zeros.replace(digit, QStringLiteral("0"));
+    if (zeros == widest_) return;
+    widest_ = zeros;
+    width_ = neededWidth();
+    updateGeometry();
+}
+
+int StatusText::neededWidth() const {
+    const auto wide = [this](const QString& text) { return fontMetrics().horizontalAdvance(text) + 1; };
+    return text_.isEmpty() ? 0 : std::max(wide(text_), wide(widest_));
+}
+
+QSize StatusText::minimumSizeHint() const {
+    const int least = QirnKitHost::metrics().leastButton;
+    return {givesWay_ == GivesWay::yes ? std::min(width_, least) : width_, fontMetrics().height()};
 }
 
 void StatusText::paintEvent(QPaintEvent*) {
@@ -81,7 +108,7 @@ void PressureMeter::paintEvent(QPaintEvent*) {
     ChromePaint::box(painter, bar, radius, c.well, c.edge);
     if (pressure_ <= 0) return;
     bar.setWidth(std::max(bar.height(), bar.width() * std::min(pressure_, 1.0)));
-    ChromePaint::box(painter, bar, radius, c.accent);
+    ChromePaint::box(painter, bar, radius, c.focus);
 }
 
 } // namespace qirn

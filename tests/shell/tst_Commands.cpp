@@ -3,8 +3,8 @@
 #include "app/model/Colors.h"
 #include "app/model/PendingTransform.h"
 #include "app/model/choices/FixedKeys.h"
-#include "shell/HeaderBar.h"
 #include "shell/ToolRail.h"
+#include "shell/header/HeaderBar.h"
 #include "support/Window.h"
 
 #include <QAbstractButton>

@@ -7,16 +7,18 @@
 #include "app/model/PendingTransform.h"
 #include "app/model/PictureFiles.h"
 #include "kit/controls/ChromeSlider.h"
-#include "shell/DocTab.h"
 #include "shell/HudBubble.h"
 #include "shell/StatusItems.h"
+#include "shell/header/DocTab.h"
 #include "support/PSDFiles.h"
 #include "support/Window.h"
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QScreen>
@@ -53,8 +55,11 @@ private Q_SLOTS:
         w.view.setMinimumSize(1, 1); // as a desktop can make it
         w.view.resize(500, 300);
         QCOMPARE(scroller.widget()->size(), QSize(960, 640));
-        const QSize least = scroller.widget()->layout()->minimumSize();
-        QVERIFY2(least.width() <= 960 && least.height() <= 640, "rows and columns do not fit");
+        for (const ToolRow& row : kTools) {
+            w.model.setTool(row.tool);
+            const QSize least = scroller.widget()->layout()->minimumSize();
+            QVERIFY2(least.width() <= 960 && least.height() <= 640, row.id);
+        }
         QTest::keyClick(&w.find<QAbstractButton>("headerSave"), Qt::Key_Down);
         QCOMPARE(scroller.verticalScrollBar()->value(), 0); // arrows move pixels
         for (QWidget* widget : w.view.findChildren<QWidget*>()) {
@@ -146,20 +151,52 @@ private Q_SLOTS:
         }
         QWidget* at = tabs(w)[0];
         at->setFocus(Qt::TabFocusReason);
+        for (const int i : {1, 0}) {
+            QTest::keyClick(at, i == 1 ? Qt::Key_Right : Qt::Key_Left);
+            at = QApplication::focusWidget();
+            QVERIFY(at == tabs(w)[i] && tabs(w)[i]->isChecked());
+        }
         QStringList walked;
-        for (int i = 0; i < 6; ++i) {
+        for (int i = 0; i < 5; ++i) { // the other tab is the arrow keys'
             QTest::keyClick(at, Qt::Key_Tab);
             at = QApplication::focusWidget();
-            walked << (qobject_cast<DocTab*>(at) ? qobject_cast<DocTab*>(at)->text() : at->objectName());
+            walked << at->objectName();
         }
-        QCOMPARE(walked, QStringList({"Untitled", "headerNew", "headerOpen", "headerSave", "headerExport",
-                                      "headerUndo"}));
+        QCOMPARE(walked,
+                 QStringList({"headerNew", "headerOpen", "headerSave", "headerExport", "headerUndo"}));
         QTest::mouseClick(tabs(w)[1]->findChild<QAbstractButton*>(), Qt::LeftButton);
         QCOMPARE(w.model.pictures().sessions().size(), std::size_t(1));
         QTRY_COMPARE(tabs(w).size(), 1);
         w.desktop.answers.push_back(2); // Don't Save
         QTest::keyClick(tabs(w)[0], Qt::Key_Delete);
         QCOMPARE(w.session().name, "Untitled");
+    }
+
+    void theCurrentTabIsInSightAndTheOthersInAList() {
+        Window w;
+        auto& list = w.find<QAbstractButton>("headerPictures");
+        auto& fresh = w.find<QAbstractButton>("headerNew");
+        const auto inSight = [&w](QWidget* tab) {
+            const QWidget& strip = *tab->parentWidget()->parentWidget();
+            return strip.rect().contains(QRect(tab->mapTo(&strip, QPoint()), tab->size()));
+        };
+        QVERIFY(!list.isVisible());
+        for (int i = 0; i < 30; ++i)
+            w.model.pictures().newDocument(9, 9, 72, PaintColor::white(), QStringLiteral("No & %1").arg(i));
+        QTRY_VERIFY(list.isVisible() && inSight(tabs(w).last()));
+        QTRY_VERIFY(fresh.x() > list.x() && fresh.x() < w.find<QWidget>("headerOpen").x());
+        QTest::mouseClick(&list, Qt::LeftButton);
+        const QList<QAction*> rows = list.findChild<QMenu*>()->actions();
+        QVERIFY(rows.size() == 31 && rows[30]->isChecked() && rows[3]->text() == "No && 2");
+        rows[3]->trigger();
+        list.findChild<QMenu*>()->close();
+        QTRY_VERIFY(w.session().name == "No & 2" && inSight(tabs(w)[3]));
+        for (int left = 30; left >= 2; --left) {
+            QTest::mouseClick(tabs(w)[0], Qt::MiddleButton);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QCOMPARE(tabs(w).size(), left);
+        }
+        QTRY_VERIFY(!list.isVisible());
     }
 
     void theDotStaysUntilASave() {
@@ -191,7 +228,7 @@ private Q_SLOTS:
         QCOMPARE(tabs(w)[1]->toolTip(), QStringLiteral("cat (from PSD)\n") + told);
         w.desktop.savePaths.push_back(w.folder.filePath("kept.qirnpaint"));
         w.click("headerSave");
-        QCOMPARE(tabs(w)[1]->toolTip(), "kept");
+        QCOMPARE(tabs(w)[1]->toolTip(), w.folder.filePath("kept.qirnpaint"));
     }
 
     void whatIsTypedStaysInItsField() {
@@ -309,6 +346,28 @@ private Q_SLOTS:
         QCOMPARE(w.find<PressureMeter>().pressure(), 0.5);
         w.model.status().setCursor({-1, 34, false, 0}); // outside the picture
         QTRY_COMPARE(status(w, "cursor"), "X –  Y –");
+    }
+
+    void onlyTheLayersNameGivesWayInTheStatusBar() {
+        Window w;
+        w.layer().name = QString(60, u'W');
+        w.view.setMinimumSize(1, 1);
+        w.model.status().setLastStrokeStats(QString(60, u'm'));
+        for (const int width : {960, 1200, 1480}) {
+            w.view.resize(width, 700);
+            for (const int more : {0, 1, 2}) {
+                w.canvas().setRotation(more > 0 ? -105 : 0);
+                w.set(&PaintPrefs::showPerformance, more > 1);
+                w.model.status().setCursor({288, 388, more != 1, 1});
+                QTest::qWait(60);
+                for (const auto* item : w.view.findChildren<StatusText*>()) {
+                    const int wide = item->fontMetrics().horizontalAdvance(item->text());
+                    if (item->isVisible() && item->objectName() != "layer")
+                        QVERIFY2(item->width() >= wide, qPrintable(item->text()));
+                }
+                QVERIFY(w.shows<StatusText>("zoom") && w.shows<StatusText>("cursor"));
+            }
+        }
     }
 
     void namesAreNoWordsOfTheProgram() {

@@ -1,4 +1,4 @@
-#include "shell/DocTab.h"
+#include "shell/header/DocTab.h"
 
 #include "app/desktop/HostWords.h"
 #include "app/files/DocSession.h"
@@ -24,11 +24,16 @@ int mostName() {
     return QirnKitHost::metrics().px(200); // longer names are elided
 }
 int leastName() {
-    return QirnKitHost::metrics().px(48);
+    return QirnKitHost::metrics().px(64);
 }
-/// Where the name begins, behind the dot.
-int nameLeft() {
-    return QirnKitHost::metrics().smallButton;
+/// From either end of the tab to its name or its cross. The dot stands in the one before the name.
+int padding() {
+    return QirnKitHost::metrics().groupGap;
+}
+/// Of the close button, which has some of the padding round its cross.
+int closeLeft(int width) {
+    const Metrics& m = QirnKitHost::metrics();
+    return width - padding() - (m.smallButton + m.chevron) / 2;
 }
 
 class Dot : public QWidget {
@@ -77,6 +82,7 @@ void DocTab::closeSession() {
 void DocTab::showSession(const DocSession& session, bool current) {
     id_ = session.id;
     setChecked(current);
+    setFocusPolicy(current ? Qt::TabFocus : Qt::NoFocus); // the arrow keys go to the others
     const bool dirty = session.isDirty();
     dot_->setVisible(dirty);
     setAccessibleName(dirty ? tr("%1, not saved yet").arg(session.name) : session.name);
@@ -85,41 +91,50 @@ void DocTab::showSession(const DocSession& session, bool current) {
         setShortcut({}); // an "&" in a name makes no key
         updateGeometry();
     }
-    setToolTip(plainTip(session.remark.isEmpty() ? session.name : session.name + u'\n' + session.remark));
+    const QString place = session.fileURL.isEmpty() ? session.name : session.fileURL.toLocalFile();
+    setToolTip(plainTip(session.remark.isEmpty() ? place : place + u'\n' + session.remark));
+}
+
+int DocTab::nameWidth() const {
+    return std::min(fontMetrics().horizontalAdvance(text()) + 1,
+                    mostName()); // the advance may be rounded down
 }
 
 QSize DocTab::sizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
-    const int name = std::min(fontMetrics().horizontalAdvance(text()), mostName());
-    return {nameLeft() + name + m.gap + m.smallButton + m.tightGap, m.controlHeight};
+    const int name = nameWidth();
+    return {padding() + name + m.tightGap + (m.smallButton + m.chevron) / 2 + padding(), m.controlHeight};
 }
 
 QSize DocTab::minimumSizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
-    const int name = std::min(fontMetrics().horizontalAdvance(text()), leastName());
-    return {sizeHint().width() - std::min(fontMetrics().horizontalAdvance(text()), mostName()) + name,
-            m.controlHeight};
+    return {sizeHint().width() - nameWidth() + std::min(nameWidth(), leastName()), m.controlHeight};
 }
 
 void DocTab::resizeEvent(QResizeEvent*) {
     const Metrics& m = QirnKitHost::metrics();
-    dot_->setGeometry(0, 0, nameLeft(), height());
+    dot_->setGeometry(0, 0, padding(), height());
     const int top = (height() - m.smallButton) / 2;
-    close_->setGeometry(width() - m.smallButton - m.tightGap, top, m.smallButton, m.smallButton);
+    close_->setGeometry(closeLeft(width()), top, m.smallButton, m.smallButton);
 }
 
 void DocTab::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::MiddleButton && rect().contains(event->position().toPoint()))
-        closeSession();
+        guarded(model_, [this] { closeSession(); });
     else
         QAbstractButton::mouseReleaseEvent(event);
 }
 
 void DocTab::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Delete)
-        closeSession();
-    else
-        QAbstractButton::keyPressEvent(event);
+    const int step = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
+    guarded(model_, [&] {
+        if (event->key() == Qt::Key_Delete)
+            closeSession();
+        else if (step != 0)
+            model_.pictures().selectNeighbor(step);
+        else
+            QAbstractButton::keyPressEvent(event);
+    });
 }
 
 void DocTab::paintEvent(QPaintEvent*) {
@@ -130,7 +145,7 @@ void DocTab::paintEvent(QPaintEvent*) {
         ChromePaint::box(painter, rect(), m.radius, c.raised, c.edge);
     else if (underMouse())
         ChromePaint::box(painter, rect(), m.radius, c.panel, c.divider);
-    const QRectF name(nameLeft(), 0, close_->x() - m.tightGap - nameLeft(), height());
+    const QRectF name(padding(), 0, close_->x() - m.tightGap - padding(), height());
     ChromePaint::text(painter, name, Qt::AlignLeft | Qt::AlignVCenter, text(),
                       isChecked() || underMouse() ? c.text : c.dim);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))

@@ -1,17 +1,14 @@
 #pragma once
-#include <vector>
-
 #include "kit/controls/ChromePanel.h"
 
-class QHBoxLayout;
-class QScrollArea;
+class QMenu;
 
 namespace qirn {
 
-class DocTab;
-class IconButton;
 class CanvasView;
+class IconButton;
 class PaintModel;
+class TabStrip;
 
 /// The program's badge, a tab for each open picture, and the commands that are always at hand.
 class HeaderBar : public ChromePanel {
@@ -22,16 +19,13 @@ public:
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void refresh();
+    void fill(QMenu& list); ///< With all open pictures.
 
     PaintModel& model_;
-    QScrollArea* strip_; // scrolls sideways where the tabs do not fit
-    QHBoxLayout* tabRow_;
-    std::vector<DocTab*> tabs_; // one a session, in their order
-    IconButton* new_;
+    TabStrip* strip_;
+    IconButton* all_; // there while some tab is out of sight
 };
 
 } // namespace qirn

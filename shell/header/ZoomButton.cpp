@@ -1,4 +1,4 @@
-#include "shell/ZoomButton.h"
+#include "shell/header/ZoomButton.h"
 
 #include "app/commands/CommandRows.h"
 #include "app/commands/PaintCommands.h"

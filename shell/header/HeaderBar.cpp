@@ -1,4 +1,4 @@
-#include "shell/HeaderBar.h"
+#include "shell/header/HeaderBar.h"
 
 #include "app/commands/CommandRows.h"
 #include "app/files/DocSession.h"
@@ -8,19 +8,16 @@
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "kit/controls/IconButton.h"
-#include "shell/Badge.h"
-#include "shell/DocTab.h"
 #include "shell/KeyTips.h"
-#include "shell/ZoomButton.h"
+#include "shell/header/Badge.h"
+#include "shell/header/TabStrip.h"
+#include "shell/header/ZoomButton.h"
 
 #include <utility>
 
 #include <QDropEvent>
 #include <QHBoxLayout>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QTimer>
-#include <QWheelEvent>
+#include <QMenu>
 
 namespace qirn {
 
@@ -50,7 +47,7 @@ constexpr HeaderButton kHelp{"headerHelp", "help", Icon::help,
 HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     : ChromePanel(Surface::bar, Qt::BottomEdge, parent),
       model_(model),
-      strip_(new QScrollArea(this)) {
+      strip_(new TabStrip(model, this)) {
     setAcceptDrops(true);
     const auto makeButton = [this, &view](const HeaderButton& row) {
         auto* button = new IconButton(row.icon, {}, this);
@@ -63,22 +60,15 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
         return button;
     };
 
-    auto* tabs = new QWidget(strip_);
-    tabRow_ = new QHBoxLayout(tabs);
-    tabRow_->setContentsMargins(0, 0, 0, 0);
-    new_ = makeButton(kNew);
-    tabRow_->addWidget(new_);
-    tabRow_->addStretch();
-    strip_->setWidget(tabs);
-    strip_->setWidgetResizable(true);
-    strip_->setFrameShape(QFrame::NoFrame);
-    strip_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    strip_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    strip_->setFocusPolicy(Qt::NoFocus);
-    strip_->viewport()->setAutoFillBackground(false);
-    tabs->setAutoFillBackground(false);
-    strip_->viewport()->installEventFilter(this);
-
+    all_ = new IconButton(Icon::chevronDown, tr("All open pictures"), this);
+    all_->setObjectName(QStringLiteral("headerPictures"));
+    all_->hide();
+    auto* list = new QMenu(all_);
+    connect(list, &QMenu::aboutToShow, this, [this, list] { fill(*list); });
+    connect(all_, &IconButton::clicked, this,
+            [this, list] { list->popup(all_->mapToGlobal(QPoint(0, all_->height()))); });
+    connect(strip_, &TabStrip::overfullChanged, this, [this] { all_->setVisible(strip_->isOverfull()); });
+    auto* fresh = makeButton(kNew);
     auto* open = makeButton(kOpen);
     auto* save = makeButton(kSave);
     auto* exporter = makeButton(kExport);
@@ -87,7 +77,10 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
     auto* help = makeButton(kHelp);
     auto* row = new QHBoxLayout(this);
     row->addWidget(new Badge(this));
-    row->addWidget(strip_, 1);
+    row->addWidget(strip_);
+    row->addWidget(all_);
+    row->addWidget(fresh);
+    row->addStretch();
     row->addWidget(open);
     row->addWidget(save);
     row->addWidget(exporter);
@@ -102,36 +95,26 @@ HeaderBar::HeaderBar(PaintModel& model, CanvasView& view, QWidget* parent)
         setFixedHeight(m.headerHeight);
         row->setContentsMargins(m.groupGap, 0, m.groupGap, 0);
         row->setSpacing(m.tightGap);
-        tabRow_->setSpacing(m.tightGap);
     });
 
-    QWidget* before = new_;
-    for (QWidget* button : std::initializer_list<QWidget*>{open, save, exporter, undo, redo, help, zoom})
+    QWidget* before = all_;
+    for (QWidget* button :
+         std::initializer_list<QWidget*>{fresh, open, save, exporter, undo, redo, help, zoom})
         setTabOrder(std::exchange(before, button), button);
-    connect(&model, &PaintModel::changed, this, &HeaderBar::refresh);
-    refresh();
+    connect(&model, &PaintModel::changed, strip_, &TabStrip::refresh);
 }
 
-void HeaderBar::refresh() {
-    const auto& sessions = model_.pictures().sessions();
-    while (tabs_.size() < sessions.size()) {
-        auto* tab = new DocTab(model_, strip_->widget());
-        tabRow_->insertWidget(static_cast<int>(tabs_.size()), tab);
-        if (!tabs_.empty()) setTabOrder(tabs_.back(), tab);
-        setTabOrder(tab, new_);
-        tabs_.push_back(tab);
-    }
-    while (tabs_.size() > sessions.size()) {
-        tabs_.back()->hide();
-        tabs_.back()->deleteLater(); // its own click handler may be running
-        tabs_.pop_back();
-    }
-    for (std::size_t i = 0; i < sessions.size(); ++i) {
-        const bool current = sessions[i].get() == model_.current();
-        const bool cameUp = current && !tabs_[i]->isChecked();
-        tabs_[i]->showSession(*sessions[i], current);
-        if (cameUp)
-            QTimer::singleShot(0, tabs_[i], [this, tab = tabs_[i]] { strip_->ensureWidgetVisible(tab); });
+void HeaderBar::fill(QMenu& list) {
+    list.clear();
+    for (const SessionRef& session : model_.pictures().sessions()) {
+        QString title = session->name;
+        title.replace(u'&', QStringLiteral("&&")); // no mark of a key
+        QAction* action = list.addAction(session->isDirty() ? tr("%1 •").arg(title) : title);
+        action->setCheckable(true);
+        action->setChecked(session.get() == model_.current());
+        connect(action, &QAction::triggered, this, guarding(model_, [this, weak = std::weak_ptr(session)] {
+                    if (const SessionRef chosen = weak.lock()) model_.pictures().select(*chosen);
+                }));
     }
 }
 
@@ -143,14 +126,6 @@ void HeaderBar::dragEnterEvent(QDragEnterEvent* event) {
 void HeaderBar::dropEvent(QDropEvent* event) {
     event->setDropAction(Qt::CopyAction);
     guarded(model_, [&] { event->setAccepted(model_.clipboard().dropAsPictures(*event->mimeData())); });
-}
-
-bool HeaderBar::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::Wheel) return ChromePanel::eventFilter(watched, event);
-    const QPoint turn = static_cast<QWheelEvent*>(event)->angleDelta();
-    QScrollBar& bar = *strip_->horizontalScrollBar();
-    bar.setValue(bar.value() - turn.x() - turn.y());
-    return true;
 }
 
 } // namespace qirn

@@ -28,6 +28,7 @@ protected:
     void nextCheckState() override {} // a click does not check it: the model says which tab is current
 
 private:
+    int nameWidth() const; ///< That its tab would like.
     void closeSession();
     DocSession* session() const; ///< Null once it is gone.
 

@@ -1,4 +1,4 @@
-#include "shell/Badge.h"
+#include "shell/header/Badge.h"
 
 #include <QPainter>
 
