@@ -8,17 +8,23 @@
 
 namespace qirn {
 
-QrZoomHost::QrZoomHost(QWidget* content, QSize minSize) {
+QrZoomHost::QrZoomHost(QWidget* content, QSize minSize) : minSize_(minSize) {
     setWidget(content);
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
-    QirnKit::followMetrics(this, [this, minSize](const Metrics& m) {
-        widget()->setMinimumSize(m.px(minSize.width()), m.px(minSize.height()));
+    QirnKit::followMetrics(this, [this](const Metrics& m) {
+        setMinSize(minSize_);
         if (zoom_ == m.zoom) return;
         zoom_ = m.zoom;
         QTimer::singleShot(0, this, &QrZoomHost::scrollHome); // behind the layout, which is queued by now
     });
+}
+
+void QrZoomHost::setMinSize(QSize minSize) {
+    const Metrics& m = QirnKitHost::metrics();
+    minSize_ = minSize;
+    widget()->setMinimumSize(m.px(minSize.width()), m.px(minSize.height()));
 }
 
 void QrZoomHost::scrollHome() {

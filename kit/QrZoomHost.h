@@ -10,7 +10,10 @@ class QrZoomHost : public QScrollArea {
     Q_OBJECT
 public:
     /// The least size is that of the content at zoom 1. It takes the content over.
-    explicit QrZoomHost(QWidget* content, QSize minSize = {960, 640});
+    explicit QrZoomHost(QWidget* content, QSize minSize = kMinSize);
+
+    static constexpr QSize kMinSize{960, 640};
+    void setMinSize(QSize minSize);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override; ///< Arrow keys do not scroll: they are for the content.
@@ -18,6 +21,7 @@ protected:
 private:
     void scrollHome(); ///< To the content's top left corner, once it is laid out.
 
+    QSize minSize_;   // of the content at zoom 1
     double zoom_ = 0; // that it was laid out at last
 };
 

@@ -20,6 +20,7 @@
 #include "shell/StudioAccess.h"
 #include "shell/ToolRail.h"
 #include "shell/WindowFrame.h"
+#include "shell/WindowSides.h"
 #include "shell/header/HeaderBar.h"
 #include "shell/help/PaintHelp.h"
 #include "shell/options/ToolOptionsBar.h"
@@ -77,14 +78,22 @@ MainView::MainView(PaintModel& model)
       frame_(new WindowFrame(model, *this)) {
     new PaintCommands(model, *canvas_, *menuBar());
 
-    setCentralWidget(new QrZoomHost(content()));
+    auto* host = new QrZoomHost(content());
+    setCentralWidget(host);
     new SheetHost(model, centralWidget());
     new PreferencesHost(model, this);
     PaintHelp::followKeys(model);
     model.longTask().setCover(new WorkCover(this));
     new TypingKeys(*this, *canvas_);
     new RegionKeys(*this, {header_, options_, tools_, canvas_, panels_});
-    connect(&model, &PaintModel::changed, this, guarding(model, [this] { showPanels(); }));
+    using Sides = WindowSides;
+    new Sides(model, *this, *host, *canvas_,
+              {{menuBar(), Qt::TopEdge, Sides::HiddenWith::fullScreen},
+               {header_, Qt::TopEdge, Sides::HiddenWith::fullScreen},
+               {options_, Qt::TopEdge, Sides::HiddenWith::panels},
+               {tools_, Qt::LeftEdge, Sides::HiddenWith::panels},
+               {panels_, Qt::RightEdge, Sides::HiddenWith::panels},
+               {status_, Qt::BottomEdge, Sides::HiddenWith::fullScreen}});
     canvas_->setFocus();
     QirnKit::followMetrics(this, [this](const Metrics&) { keepToScreen(); });
     if (!frame_->restore()) resize(screen() ? kSize.boundedTo(roomOn(*screen())) : kSize);
@@ -98,7 +107,8 @@ QWidget* MainView::content() {
     rows->addWidget(header_);
     rows->addWidget(options_);
     rows->addWidget(body(), 1);
-    rows->addWidget(new StatusBar(model_, content));
+    status_ = new StatusBar(model_, content);
+    rows->addWidget(status_);
     return content;
 }
 
@@ -126,19 +136,6 @@ QWidget* MainView::body() {
         toolColumn->setSpacing(m.gap);
     });
     return row;
-}
-
-void MainView::showPanels() {
-    const bool hidden = model_.panelsAreHidden();
-    if (hidden == options_->isHidden()) return;
-    const QWidget* focus = focusWidget();
-    canvas_->holdingThePicture([&] {
-        for (QWidget* panel : {options_, tools_, panels_}) {
-            if (hidden && panel->isAncestorOf(focus)) canvas_->setFocus();
-            panel->setHidden(hidden);
-        }
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // lays the window out now
-    });
 }
 
 void MainView::showEvent(QShowEvent* event) {

@@ -29,7 +29,6 @@ protected:
 private:
     QWidget* content();
     QWidget* body();
-    void showPanels();   ///< Or hides them, as the model says.
     void keepToScreen(); ///< Asks for no more room than the screen has.
     void offerRecovery();
 
@@ -40,6 +39,7 @@ private:
     QWidget* options_ = nullptr;
     QWidget* tools_ = nullptr;
     QWidget* panels_ = nullptr;
+    QWidget* status_ = nullptr;
     bool shown_ = false;
 };
 

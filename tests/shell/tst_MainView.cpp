@@ -370,6 +370,48 @@ private Q_SLOTS:
         }
     }
 
+    void theSidesComeBackAtTheirEdgesAndThePictureStays() {
+        Window w;
+        const auto shown = [&w] { // menu bar, header, options, tools, status bar
+            QString marks;
+            for (const QWidget* side : std::initializer_list<QWidget*>{
+                     w.view.menuBar(), w.find<QWidget>("headerOpen").parentWidget(),
+                     w.find<QWidget>("toolTitle").parentWidget(), &w.find<QWidget>("brush"),
+                     &w.find<QWidget>("size")})
+                marks += side->isVisible() ? u'x' : u'-';
+            return marks;
+        };
+        const auto corner = [&w] { return w.canvas().mapToGlobal(widgetPoint(w.canvas(), {0, 0})); };
+        const auto hover = [&w](QPoint at) { QTest::mouseMove(&w.canvas(), at); };
+        const QPoint middle(300, 200);
+        hover(middle);
+        const QPointF place = corner();
+        w.find<QAction>("hidePanels").trigger();
+        QCOMPARE(shown(), "xx--x");
+        hover({0, 200});
+        QTRY_COMPARE(shown(), "xx-xx");
+        QCOMPARE(corner(), place);
+        hover(middle);
+        QCOMPARE(shown(), "xx--x");
+        QTest::mousePress(&w.canvas(), Qt::LeftButton, {}, middle); // a stroke to the edge and along it
+        for (int y = 200; y < 206; ++y) hover({0, y});
+        QTest::qWait(250);
+        QCOMPARE(shown(), "xx--x");
+        QTest::mouseRelease(&w.canvas(), Qt::LeftButton, {}, {0, 206});
+        hover(middle);
+        w.find<QAction>("hidePanels").trigger();
+        w.find<QAction>("fullScreen").trigger();
+        QTRY_COMPARE(shown(), "-----");
+        QTRY_COMPARE(w.canvas().size(), w.view.size());
+        hover({300, 0});
+        QTRY_COMPARE(shown(), "xxx--");
+        hover(middle);
+        hover({300, w.canvas().height() - 1});
+        QTRY_COMPARE(shown(), "----x");
+        w.find<QAction>("fullScreen").trigger();
+        QTRY_COMPARE(shown(), "xxxxx");
+    }
+
     void namesAreNoWordsOfTheProgram() {
         QString asked;
         QTimer::singleShot(0, this, [&asked] {
