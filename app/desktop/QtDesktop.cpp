@@ -3,16 +3,14 @@
 #include "app/desktop/FilePanel.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/RecentFiles.h"
+#include "kit/controls/MessageBox.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QMimeData>
-#include <QPushButton>
 #include <QStandardPaths>
-#include <QTextDocument>
 
 namespace qirn {
 
@@ -109,24 +107,9 @@ void QtDesktop::setClipboard(std::unique_ptr<QMimeData> content) {
 }
 
 int QtDesktop::ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) {
-    QMessageBox box(QApplication::activeWindow());
+    MessageBox box(title, text, buttons, cancelButton, QApplication::activeWindow());
     box.setWindowTitle(QApplication::applicationDisplayName());
-    box.setText(QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()));
-    box.setInformativeText(Qt::convertFromPlainText(text)); // of whose signs none is markup
-    box.setTextFormat(Qt::RichText);
-    QList<QPushButton*> made;
-    for (const QString& label : buttons) {
-        const bool cancels = made.size() == cancelButton;
-        const auto role = cancels          ? QMessageBox::RejectRole
-                          : made.isEmpty() ? QMessageBox::AcceptRole
-                                           : QMessageBox::DestructiveRole;
-        made << box.addButton(QString(label).replace(u'&', QStringLiteral("&&")), role);
-        if (cancels) box.setEscapeButton(made.last());
-    }
-    box.setDefaultButton(made.constFirst());
-    box.exec();
-    const qsizetype pressed = made.indexOf(qobject_cast<QPushButton*>(box.clickedButton()));
-    return static_cast<int>(pressed < 0 ? cancelButton : pressed);
+    return box.ask();
 }
 
 void QtDesktop::beep() {

@@ -5,6 +5,7 @@
 #include "app/desktop/QtDesktop.h"
 #include "compositing/CompositeInputs.h"
 #include "formats/native/PaintFile.h"
+#include "kit/controls/MessageBox.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 
@@ -12,7 +13,6 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -35,7 +35,7 @@ private Q_SLOTS:
             QTimer person; // does the next thing whenever a window waits for it
             connect(&person, &QTimer::timeout, this, [&] {
                 QWidget* const window = QApplication::activeModalWidget();
-                if (auto* box = qobject_cast<QMessageBox*>(window)) {
+                if (auto* box = qobject_cast<MessageBox*>(window)) {
                     ++asked;
                     box->buttons()[replaces ? 0 : 1]->click();
                 } else if (auto* panel = qobject_cast<QDialog*>(window)) {
@@ -94,9 +94,9 @@ private Q_SLOTS:
             QTimer person;
             connect(&person, &QTimer::timeout, this, [&, name = typed, press = buttons.value(button)] {
                 QWidget* const window = QApplication::activeModalWidget();
-                if (auto* box = qobject_cast<QMessageBox*>(window)) {
-                    for (QAbstractButton* each : box->buttons()) seen.insert(each->text());
-                    for (QAbstractButton* each : box->buttons())
+                if (auto* box = qobject_cast<MessageBox*>(window)) {
+                    for (QPushButton* each : box->buttons()) seen.insert(each->text());
+                    for (QPushButton* each : box->buttons())
                         if (each->text() == press) return each->click();
                 } else if (auto* panel = qobject_cast<QFileDialog*>(window)) {
                     if (++shown > 1) return panel->reject();

@@ -7,6 +7,7 @@
 #include "app/model/PendingTransform.h"
 #include "app/model/PictureFiles.h"
 #include "kit/controls/ChromeSlider.h"
+#include "kit/controls/MessageBox.h"
 #include "shell/HudBubble.h"
 #include "shell/StatusItems.h"
 #include "shell/header/DocTab.h"
@@ -20,7 +21,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -413,15 +414,24 @@ private Q_SLOTS:
     }
 
     void namesAreNoWordsOfTheProgram() {
-        QString asked;
-        QTimer::singleShot(0, this, [&asked] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            asked = box->text() + box->informativeText();
+        const QString title = "Save changes to \"macOS <b> study\"?",
+                      text = "<i>⌘N\nR&D " + QString(255, u'W');
+        QTimer::singleShot(0, this, [&] {
+            auto* box = qobject_cast<MessageBox*>(QApplication::activeModalWidget());
+            for (const auto& [name, said] : {std::pair{"messageTitle", title}, {"messageText", text}}) {
+                const auto* label = box->findChild<QLabel*>(QLatin1String(name));
+                QCOMPARE(label->text().remove(QChar(0x200B)), said);
+                QVERIFY(label->textFormat() == Qt::PlainText &&
+                        label->height() >= label->heightForWidth(label->width()));
+                QVERIFY(box->rect().contains(label->geometry()) && box->width() < 600);
+            }
+            QCOMPARE(box->buttons()[1]->text(), "R&&D");
+            QVERIFY(box->buttons()[0]->isDefault() && box->focusWidget() == box->buttons()[0]);
+            QVERIFY(box->buttons()[0]->x() >
+                    box->buttons()[1]->x()); // the last is the one that Return presses
             box->reject();
         });
-        QtDesktop().ask("Save changes to \"macOS <b> study\"?", "<i>⌘N\nR&D", {"OK"}, 0);
-        QVERIFY(asked.startsWith("<b>Save changes to &quot;macOS &lt;b&gt; study&quot;?</b><p>"));
-        QVERIFY(asked.contains("&lt;i&gt;⌘N<br") && asked.contains("R&amp;D"));
+        QCOMPARE(QtDesktop().ask(title, text, {"OK", "R&D", "Cancel"}, 2), 2);
     }
 
     void everyCommandIsAStepOfItsNameThatUndoTakesBack() {
