@@ -1,5 +1,5 @@
 #include "app/commands/KeyOwners.h"
-#include "kit/controls/ChromeToggle.h"
+#include "kit/help/QirnHelp.h"
 #include "shell/preferences/PreferencesView.h"
 #include "shell/preferences/keys/KeyList.h"
 #include "shell/preferences/pen/PenField.h"
@@ -128,7 +128,14 @@ private Q_SLOTS:
         QVERIFY(!w.view->isVisible());
         w.set(&PaintPrefs::undoSteps, 300);
         w.model.showPreferences();
-        QVERIFY(w.view->isVisible() && w.part<QSpinBox>("Undo steps").value() == 300);
+        auto& steps = w.part<QSpinBox>("Undo steps");
+        QVERIFY(w.view->isVisible() && steps.value() == 300);
+        steps.setFocus();
+        steps.selectAll();
+        QTest::keyClicks(&steps, "500"); // on the way stands 50, which would drop steps
+        QCOMPARE(w.model.prefs().undoSteps, 300);
+        QTest::keyClick(&steps, Qt::Key_Return);
+        QCOMPARE(w.model.prefs().undoSteps, 500);
     }
 
     void aKeyIsChangedByTypingIt() {
@@ -138,6 +145,8 @@ private Q_SLOTS:
         QCOMPARE(w.mainWindow().findChild<QAction*>("duplicateLayer")->shortcut(), QKeySequence("Ctrl+M"));
         QCOMPARE(w.onCanvas(Qt::Key_J, Qt::ControlModifier), "brush 0 ");
         QCOMPARE(w.onCanvas(Qt::Key_M, Qt::ControlModifier), "brush 1 Duplicate Layer");
+        const QirnHelpTopic* page = QirnHelp::topicWithId("shortcuts");
+        QVERIFY(page && page->body.contains("Duplicate Layer\tCtrl+M"));
         w.type("eraser", Qt::Key_Q);
         QCOMPARE(w.onCanvas(Qt::Key_E), "brush 1 Duplicate Layer");
         QCOMPARE(w.onCanvas(Qt::Key_Q), "eraser 1 Duplicate Layer");
