@@ -9,6 +9,7 @@ void CanvasPhase::begin(Tool tool, std::unique_ptr<CanvasTool> gesture, const Pe
     gesture_ = std::move(gesture);
     tool_ = tool;
     latest_ = press;
+    if (isPainting()) quiet_.emplace(BackgroundQueue::previews());
 }
 
 void CanvasPhase::drag(const PenSample& sample, QPointF canvasPoint) {
@@ -17,10 +18,12 @@ void CanvasPhase::drag(const PenSample& sample, QPointF canvasPoint) {
 }
 
 std::unique_ptr<CanvasTool> CanvasPhase::end() {
+    quiet_.reset();
     return std::exchange(gesture_, nullptr);
 }
 
 void CanvasPhase::drop() {
+    quiet_.reset();
     if (!gesture_) return;
     dropped_ = std::exchange(gesture_, nullptr);
     dropped_->drop();

@@ -1,7 +1,9 @@
 #pragma once
 #include "app/canvas/CanvasTool.h"
+#include "app/desktop/BackgroundQueue.h"
 
 #include <memory>
+#include <optional>
 
 namespace qirn {
 
@@ -24,6 +26,7 @@ private:
     std::unique_ptr<CanvasTool> dropped_; // kept until the next one begins: its drag may be on the stack
     Tool tool_ = Tool::brush;
     PenSample latest_;
+    std::optional<BackgroundQueue::Pause> quiet_; // previews wait for a stroke
 };
 
 } // namespace qirn

@@ -52,6 +52,18 @@ std::shared_future<void> BackgroundQueue::run(std::function<void()> job) {
     return future;
 }
 
+BackgroundQueue::Pause::Pause(BackgroundQueue& queue) : queue_(queue) {
+    ++queue_.pauses_;
+}
+
+BackgroundQueue::Pause::~Pause() {
+    {
+        const std::lock_guard lock(queue_.mutex_);
+        --queue_.pauses_;
+    }
+    queue_.changed_.notify_all();
+}
+
 void BackgroundQueue::finish() {
     const BackgroundHurry hurry;
     std::unique_lock lock(mutex_);
@@ -75,7 +87,7 @@ void BackgroundQueue::work() {
     becomeBackgroundThread();
     std::unique_lock lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [this] { return isEnding_ || (!tasks_.empty() && !isWorking_); });
+        changed_.wait(lock, [this] { return isEnding_ || (!tasks_.empty() && !isWorking_ && !isPaused()); });
         if (tasks_.empty()) return;
         runFirst(lock);
     }

@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -24,6 +25,20 @@ public:
 
     /// Adds a job. The future is ready when it has run, and rethrows what it threw.
     std::shared_future<void> run(std::function<void()> job);
+    /// While one lives no job begins, unless somebody waits for it: a pen in motion has the machine to itself.
+    class Pause {
+    public:
+        explicit Pause(BackgroundQueue& queue);
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        BackgroundQueue& queue_;
+    };
+    /// For a job that can be run again later, and so need not keep on. From any thread.
+    bool isPaused() const { return pauses_ > 0; }
+
     void
     finish(); ///< Returns when all jobs have run; those that have not begun run on the calling thread, on all processors.
 
@@ -36,6 +51,7 @@ private:
     std::deque<std::function<void()>> tasks_;
     bool isWorking_ = false;
     bool isEnding_ = false;
+    std::atomic<int> pauses_ = 0;
     std::thread thread_; // of the standard library, which the thread sanitizer can see into
 };
 
