@@ -1,7 +1,10 @@
 #include "kit/controls/ChromeToggle.h"
 
+#include <algorithm>
+
 #include <QPainter>
 
+#include "kit/ChromeFont.h"
 #include "kit/Metrics.h"
 #include "kit/QirnKit.h"
 #include "kit/style/ChromePaint.h"
@@ -22,10 +25,41 @@ ChromeToggle::ChromeToggle(const QString& label, QWidget* parent) : QCheckBox(la
     });
 }
 
+void ChromeToggle::setWraps() {
+    wraps_ = true;
+    QSizePolicy policy = sizePolicy();
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void ChromeToggle::setCompact() {
+    setWraps();
+    compact_ = true;
+    QirnKit::followMetrics(this, [this](const Metrics&) { setFont(ChromeFont::small()); });
+}
+
+int ChromeToggle::labelLeft() const {
+    const Metrics& m = QirnKitHost::metrics();
+    return m.switchWidth + (compact_ ? m.tightGap : m.gap);
+}
+
 QSize ChromeToggle::sizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
     const int text = fontMetrics().size(Qt::TextShowMnemonic, this->text()).width();
-    return {m.switchWidth + m.gap + text + m.tightGap, m.controlHeight};
+    return {labelLeft() + text + m.tightGap, m.controlHeight};
+}
+
+QSize ChromeToggle::minimumSizeHint() const {
+    const QSize whole = sizeHint();
+    const int least = compact_ ? 2 * labelLeft() : QirnKitHost::metrics().controlWidth;
+    return wraps_ ? whole.boundedTo({least, whole.height()}) : whole;
+}
+
+int ChromeToggle::heightForWidth(int width) const {
+    const Metrics& m = QirnKitHost::metrics();
+    const QRect room(0, 0, width - labelLeft(), 1);
+    const int text = fontMetrics().boundingRect(room, Qt::TextWordWrap, this->text()).height();
+    return std::max(m.controlHeight, text + 2 * m.inset);
 }
 
 void ChromeToggle::paintEvent(QPaintEvent*) {
@@ -50,9 +84,15 @@ void ChromeToggle::paintEvent(QPaintEvent*) {
     const QColor knob = !isEnabled() ? c.faint : on ? c.onAccent : c.dim;
     ChromePaint::box(painter, QRectF(left + away, track.top() + inset, side, side), side / 2, knob);
 
-    const QRectF label(track.right() + m.gap, 0, width() - track.right() - m.gap, height());
-    ChromePaint::text(painter, label, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic, text(),
-                      isEnabled() ? c.text : c.faint);
+    const QRectF label(labelLeft(), 0, width() - labelLeft(), height());
+    const int place = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic;
+    const QColor color = isEnabled() ? c.text : c.faint;
+    if (wraps_) {
+        painter.setPen(color);
+        painter.drawText(label, place | Qt::TextWordWrap, text());
+    } else {
+        ChromePaint::text(painter, label, place, text(), color);
+    }
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
         ChromePaint::focusRing(painter, label.adjusted(-m.tightGap, 0, 0, 0),
                                m.radius); // the switch stays whole

@@ -106,6 +106,7 @@ ChromeStepper* RowBox::stepper(const char* label, const char* tip, const char* w
 ChromeToggle* RowBox::toggle(const char* label, const char* tip, std::function<void(bool)> set) {
     auto* toggle = new ChromeToggle(dress_.words(label), this);
     introduce(*toggle, label, tip);
+    if (form_ == Form::column) toggle->setWraps();
     connect(toggle, &ChromeToggle::toggled, this, std::move(set));
     return toggle;
 }
