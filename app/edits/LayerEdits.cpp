@@ -5,8 +5,10 @@
 #include "app/model/Messages.h"
 #include "app/model/PaintModel.h"
 #include "operations/LayerOperations.h"
+#include "platform/Require.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <QCoreApplication>
 
@@ -104,26 +106,52 @@ void setLayer(PaintModel& model, int64_t index, const QString& name,
 
 namespace {
 
-void toggleActive(PaintModel& model, const QString& name, bool Layer::*flag) {
-    if (const DocSession* session = model.current()) {
-        setLayer(model, session->doc().activeIndex(), name,
-                 [flag](Layer& layer) { layer.*flag = !(layer.*flag); });
-    }
+struct Mark {
+    bool LayerSettings::*flag;
+    const char* step;
+};
+constexpr Mark kMarks[] = {
+    {&LayerSettings::isVisible, QT_TRANSLATE_NOOP("qirn::LayerEdits", "Visibility")},
+    {&LayerSettings::isLocked, QT_TRANSLATE_NOOP("qirn::LayerEdits", "Lock")},
+    {&LayerSettings::alphaLocked, QT_TRANSLATE_NOOP("qirn::LayerEdits", "Alpha Lock")},
+    {&LayerSettings::isClipping, QT_TRANSLATE_NOOP("qirn::LayerEdits", "Clipping")},
+};
+
+void toggleActive(PaintModel& model, bool LayerSettings::*mark) {
+    const DocSession* session = model.current();
+    if (!session) return;
+    const PaintDocument& doc = session->doc();
+    setMark(model, doc.activeIndex(), mark, !(doc.activeLayer().*mark));
 }
 
 } // namespace
 
+void setMark(PaintModel& model, int64_t index, bool LayerSettings::*mark, bool on) {
+    const auto* row = std::find_if(std::begin(kMarks), std::end(kMarks),
+                                   [mark](const Mark& known) { return known.flag == mark; });
+    require(row != std::end(kMarks));
+    setLayer(model, index, tr(row->step), [mark, on](Layer& layer) { layer.*mark = on; });
+}
+
+void renameLayer(PaintModel& model, const QUuid& layer, const QString& name) {
+    const DocSession* session = model.current();
+    const auto index = session ? session->doc().indexOf(layer) : std::nullopt;
+    const QString wanted = name.trimmed();
+    if (index && !wanted.isEmpty())
+        setLayer(model, *index, tr("Rename Layer"), [&](Layer& renamed) { renamed.name = wanted; });
+}
+
 void toggleClipping(PaintModel& model) {
-    toggleActive(model, tr("Clipping"), &Layer::isClipping);
+    toggleActive(model, &LayerSettings::isClipping);
 }
 void toggleLock(PaintModel& model) {
-    toggleActive(model, tr("Lock"), &Layer::isLocked);
+    toggleActive(model, &LayerSettings::isLocked);
 }
 void toggleAlphaLock(PaintModel& model) {
-    toggleActive(model, tr("Alpha Lock"), &Layer::alphaLocked);
+    toggleActive(model, &LayerSettings::alphaLocked);
 }
 void toggleVisibility(PaintModel& model) {
-    toggleActive(model, tr("Visibility"), &Layer::isVisible);
+    toggleActive(model, &LayerSettings::isVisible);
 }
 
 void setActiveLayer(PaintModel& model, int64_t index) {

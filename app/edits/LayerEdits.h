@@ -4,10 +4,13 @@
 
 #include <QString>
 
+class QUuid;
+
 namespace qirn {
 
 class Layer;
 class PaintModel;
+struct LayerSettings;
 struct OnionSkin;
 
 /// The commands on the layers of the current picture. Each is one undo step with a fixed name, each refusal one short
@@ -27,6 +30,11 @@ void clearLayer(PaintModel& model); ///< The selected pixels of the active layer
 
 void setLayer(PaintModel& model, int64_t index, const QString& name,
               const std::function<void(Layer&)>& change);
+/// Visibility, lock, alpha lock or clipping.
+void setMark(PaintModel& model, int64_t index, bool LayerSettings::*mark, bool on);
+void renameLayer(PaintModel& model, const QUuid& layer,
+                 const QString& name); ///< A blank name keeps the old one.
+// The same of the active layer.
 void toggleClipping(PaintModel& model);
 void toggleLock(PaintModel& model);
 void toggleAlphaLock(PaintModel& model);

@@ -1,7 +1,6 @@
 #include "app/model/OpacityPreview.h"
 
 #include "app/files/DocSession.h"
-#include "app/model/CanvasPort.h"
 #include "app/model/PaintModel.h"
 
 #include <utility>
@@ -9,7 +8,7 @@
 namespace qirn {
 
 void OpacityPreview::show(int64_t layerIndex, double opacity) {
-    const DocSession* session = model_.current();
+    DocSession* session = model_.current();
     if (!session || layerIndex < 0 || layerIndex >= session->doc().layerCount()) return;
     PaintDocument& doc = session->doc();
     if (!pending_ || pending_->layer != doc.layer(layerIndex).id) {
@@ -18,8 +17,7 @@ void OpacityPreview::show(int64_t layerIndex, double opacity) {
     }
     doc.layer(layerIndex).opacity = opacity;
     doc.markAllDirty();
-    model_.canvas().refresh(CanvasPort::AllTiles::no);
-    model_.announce();
+    model_.afterChange(*session);
 }
 
 void OpacityPreview::commit() {

@@ -94,7 +94,7 @@ public:
     /// Ends and commits whatever is uncommitted: the gesture in progress, a previewed opacity, floating pixels. Every
     /// command calls it first.
     void finishGesture();
-    void afterChange(DocSession& session); ///< After a commit: redraws and announces.
+    void afterChange(DocSession& session); ///< After a commit or for a preview: redraws and announces.
     void undo();
     void redo();
     /// After a failure: reverts the picture to its last commit, drops what is in progress and flashes `why`.

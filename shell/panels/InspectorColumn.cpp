@@ -4,8 +4,8 @@
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
 #include "shell/panels/InspectorTabs.h"
-#include "shell/panels/LayersPanel.h"
 #include "shell/panels/SplitGrip.h"
+#include "shell/panels/layers/LayersPanel.h"
 
 #include <algorithm>
 #include <cmath>

@@ -27,6 +27,7 @@ Sheet::Sheet(PaintModel& model, const QString& title, const QString& subtitle, Q
     auto* heading = new QLabel(title, this);
     heading->setObjectName(QStringLiteral("sheetTitle"));
     subtitle_->setWordWrap(true);
+    subtitle_->setHidden(subtitle.isEmpty());
     subtitle_->setForegroundRole(QPalette::PlaceholderText);
     auto* header = new QVBoxLayout;
     header->addWidget(heading);
@@ -54,6 +55,7 @@ void Sheet::setLeastWidth(double width) {
 
 void Sheet::setSubtitle(const QString& subtitle) {
     subtitle_->setText(subtitle);
+    subtitle_->setHidden(subtitle.isEmpty());
 }
 
 QLabel* Sheet::paragraph(const QString& text) {

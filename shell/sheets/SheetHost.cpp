@@ -8,6 +8,7 @@
 #include "shell/sheets/ImageSizeSheet.h"
 #include "shell/sheets/NewDocumentSheet.h"
 #include "shell/sheets/RecoverySheet.h"
+#include "shell/sheets/RenameLayerSheet.h"
 #include "shell/sheets/TextSheet.h"
 
 #include <QApplication>
@@ -39,6 +40,10 @@ constexpr SheetRow kSheets[] = {
     {PaintSheet::Kind::imageSize, make<ImageSizeSheet>},
     {PaintSheet::Kind::canvasSize, make<CanvasSizeSheet>},
     {PaintSheet::Kind::recovery, make<RecoverySheet>},
+    {PaintSheet::Kind::renameLayer,
+     [](PaintModel& model, const PaintSheet& sheet, QWidget* parent) -> Sheet* {
+         return new RenameLayerSheet(model, sheet.layer, parent);
+     }},
 };
 
 /// Darkens the window round the sheet.

@@ -80,7 +80,7 @@ private Q_SLOTS:
             w.find<QAction>(panel).trigger();
             check(QString(panel) + ": ");
         }
-        for (int kind = 0; kind <= static_cast<int>(PaintSheet::Kind::recovery); ++kind) {
+        for (int kind = 0; kind <= static_cast<int>(PaintSheet::Kind::renameLayer); ++kind) {
             w.model.showSheet({static_cast<PaintSheet::Kind>(kind)});
             check(QStringLiteral("sheet %1: ").arg(kind));
             w.model.closeSheet();

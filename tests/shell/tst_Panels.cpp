@@ -1,28 +1,21 @@
-#include "app/desktop/BackgroundQueue.h"
-#include "app/edits/LayerEdits.h"
 #include "app/model/Colors.h"
-#include "app/model/OpenPictures.h"
 #include "app/model/Palettes.h"
 #include "core/SeededRandom.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/ColorWells.h"
 #include "shell/panels/InspectorColumn.h"
-#include "shell/panels/LayerRowDelegate.h"
-#include "shell/panels/LayerThumbnails.h"
-#include "shell/panels/LayersModel.h"
 #include "shell/panels/SplitGrip.h"
 #include "shell/panels/color/ColorWheel.h"
 #include "shell/panels/color/SwatchGrid.h"
 #include "shell/panels/color/WheelPart.h"
+#include "shell/panels/layers/LayerRowDelegate.h"
 #include "support/Window.h"
 
-#include <QAbstractItemModelTester>
 #include <QAccessible>
-#include <QComboBox>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenu>
 #include <QTabBar>
+#include <QTableView>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -30,191 +23,8 @@ using namespace qirn::test;
 class tst_Panels : public QObject {
     Q_OBJECT
 
-    static void clickRow(Window& w, int row, int x) {
-        auto& list = w.find<QListView>("layers");
-        const QRect rect = list.visualRect(list.model()->index(row, 0));
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, {rect.left() + x, rect.center().y()});
-    }
-
-    static QString textOf(const QListView& list, int row) {
-        return list.model()->index(row, 0).data().toString();
-    }
-
 private Q_SLOTS:
     void initTestCase() { QirnKit::install("Qirn Paint"); }
-
-    void rowsShowTheStackFromTheTopAndChooseAndHide() {
-        Window w;
-        auto& list = w.find<QListView>("layers");
-        w.click("newLayer");
-        QCOMPARE(list.model()->rowCount(), 3);
-        QCOMPARE(textOf(list, 0), w.doc().layer(2).name);
-        QCOMPARE(textOf(list, 2), "Background");
-        QCOMPARE(list.currentIndex().row(), 0);
-        w.model.undo();
-        QCOMPARE(list.model()->rowCount(), 2);
-        QCOMPARE(list.currentIndex().row(), 0);
-        clickRow(w, 1, 100);
-        QCOMPARE(w.doc().activeIndex(), 0);
-        clickRow(w, 0, 100);
-        QCOMPARE(w.doc().activeIndex(), 1);
-        QCOMPARE(w.doc().undoDepth(), 0); // choosing is no step
-        clickRow(w, 1, 12);
-        QVERIFY(!w.doc().layer(0).isVisible && w.doc().layer(1).isVisible);
-        QCOMPARE(w.doc().activeIndex(), 1); // the eye chooses nothing
-        QCOMPARE(w.lastStep(), "1 Visibility");
-        w.model.undo();
-        QVERIFY(w.doc().layer(0).isVisible);
-        QCOMPARE(list.model()->index(1, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-        list.setFocus();
-        QTest::keyClick(&list, Qt::Key_Down);
-        QCOMPARE(w.doc().activeIndex(), 0);
-        QTest::keyClick(&list, Qt::Key_Space);
-        QVERIFY(!w.doc().layer(0).isVisible);
-        QTest::keyClick(&list, Qt::Key_Up);
-        w.click("deleteLayer");
-        QCOMPARE(w.doc().layerCount(), 1);
-        QCOMPARE(w.doc().layer(0).name, "Background");
-    }
-
-    /// Random edits: at any time the rows are the layers, a row that a view holds stays with its layer, and the list
-    /// chooses no layer by itself, which a world without a window shows.
-    void rowsFollowTheirLayersThroughAnyEdit() {
-        OwnWorld plain;
-        plain.model.pictures().newDocument(400, 300, 72, PaintColor::white(), "Test");
-        Window w;
-        QAbstractItemModel& rows = *w.find<QListView>("layers").model();
-        const QAbstractItemModelTester tester(&rows, QAbstractItemModelTester::FailureReportingMode::Fatal);
-        SeededRandom random(7);
-        const auto below = [&](int64_t n) {
-            return static_cast<int64_t>(random.unit() * static_cast<double>(n));
-        };
-        for (int i = 0; i < 120; ++i) {
-            const int64_t count = w.doc().layerCount(), chosen = below(count), other = below(count),
-                          kind = below(8);
-            const QPersistentModelIndex row = rows.index(static_cast<int>(count - 1 - chosen), 0);
-            const QUuid id = w.doc().layer(chosen).id;
-            for (OwnWorld* world : {&plain, static_cast<OwnWorld*>(&w)}) {
-                PaintModel& model = world->model;
-                LayerEdits::setActiveLayer(model, chosen);
-                void (*const edits[])(PaintModel&) = {LayerEdits::addLayer, LayerEdits::duplicateLayer,
-                                                      LayerEdits::mergeDown, LayerEdits::deleteLayer};
-                if (kind < 4) edits[kind](model);
-                if (kind == 4) LayerEdits::moveLayer(model, chosen, other);
-                if (kind == 5) world->fill({i, i, 90, 80}, {static_cast<uint8_t>(i), 9, 0, 255});
-                if (kind == 6) model.undo();
-                if (kind == 7) model.redo();
-                model.announce();
-            }
-            QCOMPARE(w.doc().activeIndex(), plain.doc().activeIndex());
-            QCOMPARE(rows.rowCount(), static_cast<int>(w.doc().layerCount()));
-            for (int64_t layer = 0; layer < w.doc().layerCount(); ++layer) {
-                const QModelIndex index = rows.index(static_cast<int>(w.doc().layerCount() - 1 - layer), 0);
-                QCOMPARE(index.data().toString(), w.doc().layer(layer).name);
-                QVERIFY(w.doc().layer(layer).id != id || !row.isValid() || row == index);
-            }
-        }
-    }
-
-    void anotherPictureKeepsItsActiveLayer() {
-        Window w;
-        w.click("newLayer");
-        const SessionRef first = w.model.pictures().sessions().front();
-        LayerEdits::setActiveLayer(w.model, 1);
-        w.model.pictures().newDocument(90, 90, 72, PaintColor::white(), "Other");
-        for (int i = 0; i < 3; ++i) w.click("newLayer");
-        LayerEdits::setActiveLayer(w.model, 3);
-        const SessionRef other = w.model.pictures().sessions().back();
-        w.model.pictures().select(*first);
-        QCOMPARE(first->doc().activeIndex(), 1);
-        w.model.pictures().select(*other);
-        QCOMPARE(other->doc().activeIndex(), 3);
-        QCOMPARE(w.find<QListView>("layers").currentIndex().row(), 1);
-    }
-
-    void thumbnailsAreOfTheLatestCommit() {
-        Window w;
-        QAbstractItemModel& rows = *w.find<QListView>("layers").model();
-        const auto shown = [&] {
-            rows.index(0, 0).data(Qt::DecorationRole); // asks for what is not there
-            BackgroundQueue::previews().finish();
-            QCoreApplication::processEvents();
-            return rows.index(0, 0).data(Qt::DecorationRole).value<QImage>();
-        };
-        const QImage empty = shown();
-        paintRect(w.doc(), w.layer(), {0, 0, 400, 300}, {0, 255, 0, 255});
-        w.model.announce();
-        QCOMPARE(shown(), empty);
-        w.doc().commit("Fill");
-        w.model.announce();
-        QCOMPARE(shown(), thumbnailOf(w.doc().grid(), w.layer().tiles(), empty.width()));
-        w.model.undo();
-        QCOMPARE(shown(), empty);
-    }
-
-    void aThumbnailIsTheMeanOfWhatItCovers() {
-        const auto doc = randomDocument(300, 260, 1, 3);
-        const Layer& layer = doc->layer(0);
-        const QImage image = thumbnailOf(layer.grid(), layer.tiles(), 40);
-        QCOMPARE(image.size(), QSize(40, 35));
-        for (int y = 0; y < 35; ++y) {
-            for (int x = 0; x < 40; ++x) {
-                int64_t sum = 0, count = 0;
-                for (int64_t v = y * 260 / 35; v < (y + 1) * 260 / 35; ++v)
-                    for (int64_t u = x * 300 / 40; u < (x + 1) * 300 / 40; ++u, ++count)
-                        sum += layer.pixel(u, v)[3];
-                QCOMPARE(int(image.constScanLine(y)[4 * x + 3]), int((sum + count / 2) / count));
-            }
-        }
-        QVERIFY(thumbnailOf({30'000, 1}, TileArray(118), 40).size() == QSize(40, 1));
-    }
-
-    void opacityIsLiveAndOneStep() {
-        Window w;
-        auto& slider = w.find<ChromeSlider>("layerOpacity");
-        QTest::mousePress(&slider, Qt::LeftButton, {}, {slider.width() / 2, 10});
-        QVERIFY(qAbs(w.doc().activeLayer().opacity - 0.5) < 0.02);
-        QCOMPARE(w.doc().undoDepth(), 0);
-        QTest::mouseRelease(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10});
-        QCOMPARE(w.lastStep(), "1 Layer Opacity");
-        const double set = w.doc().activeLayer().opacity;
-        QVERIFY(qAbs(set - 0.25) < 0.02);
-        QTest::mouseClick(&slider, Qt::LeftButton, {}, {slider.width() / 4, 10}); // to where it is
-        QCOMPARE(w.doc().undoDepth(), 1);
-        // Undo before the wheel has come to rest takes back the opacity, and nothing comes after it.
-        w.paint();
-        sendWheel(slider, {5, 5}, {0, 120});
-        w.click("headerUndo");
-        QFocusEvent rest(QEvent::FocusOut);
-        QApplication::sendEvent(&slider, &rest);
-        QCOMPARE(w.doc().undoName(), "Brush Stroke");
-        QCOMPARE(w.doc().redoName(), "Layer Opacity");
-        w.model.undo();
-        w.model.undo();
-        QCOMPARE(slider.value(), 1.0);
-    }
-
-    void theBlendModeIsTheActiveLayersAndARowTellsWhatItsLayerIs() {
-        Window w;
-        auto& menu = w.find<QComboBox>("blendMode");
-        QCOMPARE(menu.count(), kBlendModeCount);
-        menu.setFocus();
-        QTest::keyClick(&menu, Qt::Key_Down);
-        QCOMPARE(w.doc().activeLayer().blendMode, BlendMode::multiply);
-        QCOMPARE(w.lastStep(), "1 Blend Mode");
-        clickRow(w, 1, 100);
-        QCOMPARE(menu.currentIndex(), 0);
-        QCOMPARE(w.doc().undoDepth(), 1);
-        const auto marks = [&] {
-            return w.find<QListView>("layers").model()->index(1, 0).data(LayersModel::kMarksRole).toString();
-        };
-        QCOMPARE(marks(), QString());
-        LayerEdits::setLayer(w.model, 0, "Change", [](Layer& layer) {
-            layer.opacity = 0.5;
-            layer.isClipping = layer.isLocked = layer.alphaLocked = true;
-        });
-        QCOMPARE(marks(), "Clip · Lock · α · 50%");
-    }
 
     void theColumnKeepsItsWidthItsTabAndRoomForTheLayers() {
         Window w;
@@ -232,7 +42,7 @@ private Q_SLOTS:
         QCOMPARE(column.width(), 232);
         QTest::keyClick(&side, Qt::Key_Left);
         drag(w.find<SplitGrip>("inspectorTabsHeight"), {0, 900});
-        auto& list = w.find<QListView>("layers");
+        auto& list = w.find<QTableView>("layers");
         const int fourRows = 4 * LayerRowDelegate::rowHeight();
         QVERIFY(list.height() >= fourRows &&
                 list.mapTo(&column, list.rect().bottomLeft()).y() < column.height());

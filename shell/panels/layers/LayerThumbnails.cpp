@@ -1,4 +1,4 @@
-#include "shell/panels/LayerThumbnails.h"
+#include "shell/panels/layers/LayerThumbnails.h"
 
 #include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Failures.h"
@@ -11,6 +11,7 @@ namespace qirn {
 namespace {
 
 constexpr int64_t kMostSamples = 16; // on each axis of one pixel
+constexpr std::size_t kMostKept = 256;
 
 /// The places on one axis that pixel `i` of `count` is the mean of, spread evenly over its part of `length`.
 struct Samples {
@@ -42,7 +43,8 @@ std::array<uint8_t, 4> mean(const TileGrid& grid, const TileArray& tiles, const 
 
 } // namespace
 
-QImage thumbnailOf(const TileGrid& grid, const TileArray& tiles, int side) {
+std::optional<QImage> thumbnailOf(const TileGrid& grid, const TileArray& tiles, int side,
+                                  const std::function<bool()>& goesOn) {
     const int64_t larger = std::max(grid.width, grid.height);
     const auto reduced = [&](int64_t length) {
         return std::max<int64_t>((length * side + larger / 2) / larger, 1);
@@ -53,6 +55,7 @@ QImage thumbnailOf(const TileGrid& grid, const TileArray& tiles, int side) {
     image.fill(0);
     if (tiles.holdsNothing()) return image;
     for (int64_t y = 0; y < height; ++y) {
+        if (goesOn && !goesOn()) return std::nullopt;
         uint8_t* row = image.scanLine(static_cast<int>(y));
         for (int64_t x = 0; x < width; ++x) {
             const auto pixel =
@@ -64,37 +67,44 @@ QImage thumbnailOf(const TileGrid& grid, const TileArray& tiles, int side) {
 }
 
 LayerThumbnails::~LayerThumbnails() {
+    forgetAll();
     BackgroundQueue::previews().finish();
 }
 
 QImage LayerThumbnails::of(const QUuid& layer, const TileGrid& grid, const TileArray& tiles, int side) {
+    if (entries_.size() >= kMostKept && !entries_.contains(layer)) entries_.clear();
     Entry& entry = entries_[layer];
-    const bool isCurrent =
-        *entry.asked > 0 && entry.side == side && entry.tiles.identity() == tiles.identity();
-    if (!isCurrent) {
-        entry.tiles = tiles;
-        entry.side = side;
-        const int number = ++*entry.asked;
-        BackgroundQueue::previews().run([this, layer, grid, tiles, side, number, asked = entry.asked] {
-            if (*asked != number) return;
-            QImage image;
-            contained([&] { image = thumbnailOf(grid, tiles, side); });
-            QMetaObject::invokeMethod(
-                this, [this, layer, number, image] { take(layer, number, image); }, Qt::QueuedConnection);
-        });
-    }
+    if (entry.side == side) return entry.image;
+    entry.abandon();
+    entry.side = side;
+    entry.wanted = std::make_shared<std::atomic<bool>>(true);
+    BackgroundQueue& queue = BackgroundQueue::previews();
+    queue.run([this, &queue, layer, grid, tiles, side, wanted = entry.wanted] {
+        if (!*wanted) return;
+        std::optional<QImage> image = QImage();
+        contained(
+            [&] { image = thumbnailOf(grid, tiles, side, [&] { return *wanted && !queue.isPaused(); }); });
+        QMetaObject::invokeMethod(
+            this, [this, layer, wanted, image] { take(layer, wanted, image); }, Qt::QueuedConnection);
+    });
     return entry.image;
 }
 
-void LayerThumbnails::take(const QUuid& layer, int number, const QImage& image) {
+void LayerThumbnails::outdate(const QUuid& layer) {
     const auto found = entries_.find(layer);
-    if (found == entries_.end() || *found->second.asked != number) return;
-    found->second.image = image;
-    Q_EMIT ready(layer);
+    if (found == entries_.end()) return;
+    found->second.abandon();
+    found->second.side = 0;
 }
 
-void LayerThumbnails::keepOnly(const std::set<QUuid>& layers) {
-    std::erase_if(entries_, [&](const auto& entry) { return !layers.contains(entry.first); });
+void LayerThumbnails::take(const QUuid& layer, const Wanted& wanted, const std::optional<QImage>& image) {
+    const auto found = entries_.find(layer);
+    if (found == entries_.end() || found->second.wanted != wanted || !*wanted) return;
+    if (image)
+        found->second.image = *image;
+    else
+        found->second.side = 0; // asked for again when it is shown again
+    Q_EMIT ready(layer);
 }
 
 } // namespace qirn
