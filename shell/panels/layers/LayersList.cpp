@@ -16,6 +16,7 @@
 #include <QHoverEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 namespace qirn {
@@ -75,13 +76,12 @@ void LayersList::layOut() {
 
 bool LayersList::refresh() {
     const DocSession* session = model_.current();
-    isReading_ = true;
+    const QScopedValueRollback reading(isReading_, true);
     const bool isDifferent = rows_->refresh();
     if (session && isDifferent) {
         const int column = currentIndex().isValid() ? currentIndex().column() : kNameColumn;
         setCurrentIndex(rows_->index(rows_->rowOfLayer(session->doc().activeIndex()), column));
     }
-    isReading_ = false;
     return isDifferent;
 }
 

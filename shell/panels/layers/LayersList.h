@@ -24,7 +24,7 @@ public:
 
     // For the one who draws it.
     QRect rowRect(int row) const;
-    const QModelIndex hovered() const { return hovered_; } ///< The cell under the pointer.
+    QModelIndex hovered() const { return hovered_; } ///< The cell under the pointer.
     int hoveredRow() const { return hovered_.row(); }
     bool showsAllMarks(int row) const; ///< Also those that are off.
 

@@ -145,7 +145,7 @@ void LayersPanel::makeOpacity() {
 void LayersPanel::refresh() {
     const DocSession* session = model_.current();
     setEnabled(session != nullptr);
-    if (!session || !list_->refresh()) return;
+    if (!list_->refresh() || !session) return;
     const PaintDocument& doc = session->doc();
     title_->setText(tr("Layers (%1)").arg(doc.layerCount()));
     const QSignalBlocker blocked(blend_);
