@@ -50,7 +50,9 @@ int LayerRowDelegate::rowHeight() {
 }
 
 int LayerRowDelegate::markWidth(LayerColumn mark) {
-    return QirnKitHost::metrics().px(mark == LayerColumn::eye ? kEye : kMark);
+    const Metrics& m = QirnKitHost::metrics();
+    const int margin = mark == LayerColumn::clip ? m.tightGap : 0; // the last one
+    return m.px(mark == LayerColumn::eye ? kEye : kMark) + margin;
 }
 
 void LayerRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
