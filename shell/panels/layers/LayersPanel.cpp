@@ -142,6 +142,10 @@ void LayersPanel::makeOpacity() {
             guarding(model_, [this] { model_.opacity().commit(); }));
 }
 
+QSize LayersPanel::minimumSizeHint() const {
+    return {layout()->minimumSize().width(), layout()->minimumHeightForWidth(width())};
+}
+
 void LayersPanel::refresh() {
     const DocSession* session = model_.current();
     setEnabled(session != nullptr);

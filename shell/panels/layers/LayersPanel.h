@@ -19,6 +19,9 @@ class LayersPanel : public QWidget {
 public:
     LayersPanel(PaintModel& model, QWidget* parent); ///< Borrows the model.
 
+    QSize
+    minimumSizeHint() const override; ///< At the width that it has now, at which a label may take two lines.
+
 private:
     void makeBlend();
     void makeOpacity();

@@ -29,10 +29,11 @@ Unlock Layer, Alpha Lock, Clear Pixels and Delete Layer….
 • A click on the row makes it the active layer.
 • Double click the name, or press F2, to rename it in place. Rename… opens the sheet Rename Layer.
 • Drag a row up or down; a line shows where it will land.
-• Small buttons for Lock, α Lock and Clip light up while they are on; click them to turn them on or off. The
-  opacity stands there too if it is not 100%.
+• Small buttons for Lock, α Lock and Clip light up while they are on; click them to turn them on or off. Those that
+  are off show in the active row and in the one under the pointer.
+• Below the name stand the opacity, and the blend mode if it is not Normal.
 • With the keyboard on the list: the arrow keys go from row to row and from mark to mark, Space turns a mark,
-  and with ⌘ or ⌥ the up and down arrows move the layer.
+  and with ⌘ or ⌥ the up and down arrows move the layer. Letters and Delete are the canvas's.
 
 ## For the active layer
 • The menu Blend Mode: how the layer mixes with those below. See «blend».
