@@ -1,6 +1,5 @@
 #include "app/model/Colors.h"
 #include "app/model/Palettes.h"
-#include "core/SeededRandom.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/ColorWells.h"
 #include "shell/panels/InspectorColumn.h"
