@@ -4,12 +4,15 @@
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
 #include "support/NativeFiles.h"
 #include "support/TestMain.h"
 
+#include <algorithm>
 #include <functional>
 #include <limits>
+#include <numeric>
 
 #include <lzfse.h>
 
@@ -223,6 +226,30 @@ private Q_SLOTS:
                      qPrintable(QString::number(at)));
             if (!inTiles) QVERIFY(!PaintFile::thumbnailOf(bytesOf(file)));
         }
+    }
+
+    void whatCanBeReadOfADamagedFileIsThePictureWithoutItsLostTiles() {
+        const auto whole = richDocument();
+        const QByteArray good = richFile();
+        const auto blob = good.size() - NativeFile::takenApart(good).blob.size();
+        for (const qsizetype kept : {good.size(), good.size() * 2 / 3, blob + 1, blob}) {
+            const QByteArray file = good.first(kept);
+            const PaintFile::Salvaged found = PaintFile::salvage(bytesOf(file));
+            QCOMPARE(found.document->layerCount(), whole->layerCount());
+            for (int64_t l = 0; l < whole->layerCount(); ++l) {
+                int64_t lost = 0;
+                for (int64_t slot = 0; slot < whole->grid().count(); ++slot) {
+                    const Tile *was = whole->layer(l).tile(slot), *is = found.document->layer(l).tile(slot);
+                    if (is) QVERIFY(std::ranges::equal(is->bytes(), was->bytes()));
+                    lost += was && !was->isEmpty() && !is;
+                }
+                QCOMPARE(found.lostTiles[checkedSize(l)], lost);
+            }
+            const int64_t all = std::accumulate(found.lostTiles.begin(), found.lostTiles.end(), int64_t{0});
+            QCOMPARE(all > 0, kept < good.size());
+            if (kept == blob) QVERIFY(all > 1);
+        }
+        QVERIFY_THROWS_EXCEPTION(PaintFileError, PaintFile::salvage(bytesOf(good.first(blob - 1))));
     }
 
     void everyFieldOfAWrongTypeIsDamage() {

@@ -29,6 +29,12 @@ PaintFileError PaintFileError::damaged(const QString& detail) {
             .arg(detail));
 }
 
+PaintFileError PaintFileError::damagedTile(int64_t slot, const char* what) {
+    PaintFileError error = damaged(QStringLiteral("tile %1").arg(slot) + QLatin1String(what));
+    error.hasSoundParts_ = true;
+    return error;
+}
+
 ExportError ExportError::cannotEncode(const QString& formatName) {
     return ExportError(translated("ExportError", "The picture could not be saved as %1.").arg(formatName));
 }

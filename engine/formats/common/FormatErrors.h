@@ -10,9 +10,15 @@ class PaintFileError : public DescribedError {
 public:
     static PaintFileError notPaintFile();
     static PaintFileError tooLarge();
-    static PaintFileError damaged(const QString& detail); ///< "manifest", "tile 7 data", ...
+    static PaintFileError damaged(const QString& detail);              ///< "manifest", "canvas size", ...
+    static PaintFileError damagedTile(int64_t slot, const char* what); ///< " data", " length"
+
+    bool hasSoundParts() const {
+        return hasSoundParts_;
+    } ///< What is damaged are tiles: the rest can be read.
 
 private:
+    bool hasSoundParts_ = false;
     using DescribedError::DescribedError;
 };
 

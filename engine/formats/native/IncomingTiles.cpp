@@ -22,10 +22,6 @@ std::string_view contentOf(std::span<const uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-PaintFileError damagedTile(int64_t slot, const char* what) {
-    return PaintFileError::damaged(QStringLiteral("tile %1").arg(slot) + QLatin1String(what));
-}
-
 } // namespace
 
 bool IncomingTiles::Source::isShort() const {
@@ -48,11 +44,11 @@ std::size_t IncomingTiles::SourceHash::operator()(const Source& source) const {
 std::optional<std::size_t> IncomingTiles::add(const TileEntry& entry) {
     const auto bytes = storedBytes(blob_, entry);
     if (entry.i < 0 || entry.i >= slots_ || !bytes) {
-        refusal_ = damagedTile(entry.i, "");
+        refusal_ = PaintFileError::damagedTile(entry.i, "");
         return std::nullopt;
     }
     if (entry.c != kCodingLzfse && entry.n != kTileBytes) {
-        refusal_ = damagedTile(entry.i, " length");
+        refusal_ = PaintFileError::damagedTile(entry.i, " length");
         return std::nullopt;
     }
     const int64_t coding = entry.c == kCodingLzfse ? kCodingLzfse : kCodingRaw;
@@ -74,8 +70,17 @@ void IncomingTiles::decode(const Progress& progress) {
         while (i < before && !firstDamaged.compare_exchange_weak(before, i)) {}
     };
     concurrentPerformByWorkers(std::ssize(decoders), std::ssize(tiles_), decodeUnlessDamaged, progress);
-    if (firstDamaged < tiles_.size()) throw damagedTile(tiles_[firstDamaged].firstSlot, " data");
+    if (firstDamaged < tiles_.size())
+        throw PaintFileError::damagedTile(tiles_[firstDamaged].firstSlot, " data");
     if (refusal_) throw *refusal_;
+}
+
+void IncomingTiles::decodeWhatCanBe(const Progress& progress) {
+    std::vector<TileDecoder> decoders(checkedSize(concurrency()));
+    const auto decodeOneOf = [this, &decoders](std::size_t worker, int64_t index) {
+        decodeOne(tiles_[checkedSize(index)], decoders[worker]);
+    };
+    concurrentPerformByWorkers(std::ssize(decoders), std::ssize(tiles_), decodeOneOf, progress);
 }
 
 void IncomingTiles::decodeOne(Incoming& incoming, TileDecoder& decoder) {

@@ -30,6 +30,8 @@ public:
     void place(std::size_t which) { tiles_[which].isPlaced = true; }
     /// Throws PaintFileError for the first damaged entry of all that were added.
     void decode(const Progress& progress);
+    /// The same, but leaves those that are damaged null.
+    void decodeWhatCanBe(const Progress& progress);
 
     const TileRef& operator[](std::size_t which) const { return tiles_[which].tile; }
 

@@ -89,15 +89,21 @@ struct Placement {
     std::size_t tile; // in IncomingTiles
 };
 
-/// The tile of each slot, up to the first invalid entry; of two entries of one slot the later one.
-std::vector<Placement> placementsOf(const std::vector<LayerEntry>& layers, IncomingTiles& tiles) {
+/// The tile of each slot; of two entries of one slot the later one. `refused` is called with the layer of each invalid
+/// entry, and says whether to go on.
+template <class Refused>
+std::vector<Placement> placementsOf(const std::vector<LayerEntry>& layers, IncomingTiles& tiles,
+                                    const Refused& refused) {
     std::vector<Placement> placements;
     std::unordered_map<int64_t, std::size_t> placed; // in this layer, by slot
     for (std::size_t l = 0; l < layers.size(); ++l) {
         placed.clear();
         for (const TileEntry& entry : layers[l].tiles) {
             const auto tile = tiles.add(entry);
-            if (!tile) return placements;
+            if (!tile) {
+                if (refused(l)) continue;
+                return placements;
+            }
             const auto [found, isNew] = placed.try_emplace(entry.i, placements.size());
             if (isNew) placements.push_back({l, entry.i, *tile});
             placements[found->second].tile = *tile;
@@ -115,6 +121,30 @@ LayerRef emptyLayer(const LayerEntry& entry, const TileGrid& grid) {
     layer->alphaLocked = entry.alphaLocked;
     layer->isClipping = entry.clipping;
     return layer;
+}
+
+/// Throws PaintFileError for a size that no canvas has.
+TileGrid gridOf(const Manifest& manifest) {
+    if (manifest.width < 1 || manifest.height < 1)
+        throw PaintFileError::damaged(QStringLiteral("canvas size"));
+    if (std::max(manifest.width, manifest.height) > PaintEngine::maxCanvasSide)
+        throw PaintFileError::tooLarge();
+    return {manifest.width, manifest.height};
+}
+
+std::unique_ptr<PaintDocument> documentOf(const Manifest& manifest, const TileGrid& grid,
+                                          const std::vector<Placement>& placements,
+                                          const IncomingTiles& tiles) {
+    std::vector<LayerRef> layers;
+    for (const LayerEntry& entry : manifest.layers) layers.push_back(emptyLayer(entry, grid));
+    for (const Placement& place : placements) layers[place.layer]->setTile(place.slot, tiles[place.tile]);
+
+    const int64_t top = std::max<int64_t>(static_cast<int64_t>(layers.size()) - 1, 0);
+    auto document = std::make_unique<PaintDocument>(manifest.width, manifest.height,
+                                                    manifest.dpi > 0 ? manifest.dpi : 72, std::move(layers),
+                                                    std::min(top, std::max<int64_t>(manifest.active, 0)));
+    if (manifest.onion) document->onion = *manifest.onion;
+    return document;
 }
 
 } // namespace
@@ -190,27 +220,30 @@ QByteArray PaintFile::encode(PaintDocument& doc, std::optional<QDateTime> saved)
 
 std::unique_ptr<PaintDocument> PaintFile::decode(std::span<const uint8_t> file, const Progress& progress) {
     const auto [manifest, blobOffset] = manifestOf(file);
-    if (manifest.width < 1 || manifest.height < 1)
-        throw PaintFileError::damaged(QStringLiteral("canvas size"));
-    if (std::max(manifest.width, manifest.height) > PaintEngine::maxCanvasSide)
-        throw PaintFileError::tooLarge();
-    const TileGrid grid(manifest.width, manifest.height);
-
+    const TileGrid grid = gridOf(manifest);
     IncomingTiles tiles(file.subspan(checkedSize(blobOffset)), grid.count());
-    const std::vector<Placement> placements = placementsOf(manifest.layers, tiles);
+    const std::vector<Placement> placements =
+        placementsOf(manifest.layers, tiles, [](std::size_t) { return false; });
     for (const Placement& place : placements) tiles.place(place.tile);
     tiles.decode(progress);
+    return documentOf(manifest, grid, placements, tiles);
+}
 
-    std::vector<LayerRef> layers;
-    for (const LayerEntry& entry : manifest.layers) layers.push_back(emptyLayer(entry, grid));
-    for (const Placement& place : placements) layers[place.layer]->setTile(place.slot, tiles[place.tile]);
-
-    const int64_t top = std::max<int64_t>(static_cast<int64_t>(layers.size()) - 1, 0);
-    auto document = std::make_unique<PaintDocument>(manifest.width, manifest.height,
-                                                    manifest.dpi > 0 ? manifest.dpi : 72, std::move(layers),
-                                                    std::min(top, std::max<int64_t>(manifest.active, 0)));
-    if (manifest.onion) document->onion = *manifest.onion;
-    return document;
+PaintFile::Salvaged PaintFile::salvage(std::span<const uint8_t> file, const Progress& progress) {
+    const auto [manifest, blobOffset] = manifestOf(file);
+    const TileGrid grid = gridOf(manifest);
+    IncomingTiles tiles(file.subspan(checkedSize(blobOffset)), grid.count());
+    std::vector<int64_t> lost(manifest.layers.size());
+    const std::vector<Placement> placements =
+        placementsOf(manifest.layers, tiles, [&lost](std::size_t layer) {
+            ++lost[layer];
+            return true;
+        });
+    for (const Placement& place : placements) tiles.place(place.tile);
+    tiles.decodeWhatCanBe(progress);
+    for (const Placement& place : placements)
+        if (!tiles[place.tile]) ++lost[place.layer];
+    return {documentOf(manifest, grid, placements, tiles), std::move(lost)};
 }
 
 } // namespace qirn

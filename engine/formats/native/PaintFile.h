@@ -61,6 +61,15 @@ QByteArray encode(PaintDocument& doc, std::optional<QDateTime> saved = {});
 /// The document with a fresh history; throws PaintFileError.
 std::unique_ptr<PaintDocument> decode(std::span<const uint8_t> file, const Progress& progress = {});
 
+/// What can still be read of a damaged document.
+struct Salvaged {
+    std::unique_ptr<PaintDocument> document; ///< With a fresh history; a lost tile is transparent.
+    std::vector<int64_t> lostTiles;          ///< How many, for each layer of the file, from the bottom.
+};
+/// As `decode`, but for tiles that are damaged or not all there, as in a file that was cut. Throws PaintFileError where
+/// not even the manifest can be read.
+Salvaged salvage(std::span<const uint8_t> file, const Progress& progress = {});
+
 struct LocatedManifest {
     Manifest manifest;
     int64_t blobOffset = 0; ///< Of the first byte behind the manifest, from the start of the file.
