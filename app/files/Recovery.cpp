@@ -4,6 +4,7 @@
 #include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Trash.h"
+#include "app/files/SalvagedPicture.h"
 #include "formats/native/PaintFile.h"
 #include "formats/native/StoredPreview.h"
 #include "platform/Bytes.h"
@@ -119,6 +120,19 @@ void trashCopy(const QUuid& id, const Recovery::Info& info) {
     QFile::remove(Recovery::infoURL(id));
 }
 
+QString recoveredName(const Recovery::Info& info) {
+    return info.name + QCoreApplication::translate("Recovery", " (recovered)");
+}
+
+/// The copy goes on being that of the recovered picture.
+void belongsTo(DocSession& session, const Recovery::Item& item) {
+    std::promise<void> onDisk;
+    onDisk.set_value();
+    session.copy = onDisk.get_future().share();
+    session.copyLock = item.lock;
+    session.lastAutosave = item.info.date;
+}
+
 } // namespace
 
 QImage Recovery::Item::thumbnail() const {
@@ -201,14 +215,15 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
 
 SessionRef Recovery::restore(const Item& item) {
     auto document = PaintFile::decode(bytesOf(readFile(item.file)));
-    const auto session = std::make_shared<DocSession>(
-        std::move(document), item.info.name + QCoreApplication::translate("Recovery", " (recovered)"), QUrl(),
-        item.id, DocSession::Dirty::yes);
-    std::promise<void> onDisk;
-    onDisk.set_value();
-    session->copy = onDisk.get_future().share();
-    session->copyLock = item.lock;
-    session->lastAutosave = item.info.date;
+    const auto session = std::make_shared<DocSession>(std::move(document), recoveredName(item.info), QUrl(),
+                                                      item.id, DocSession::Dirty::yes);
+    belongsTo(*session, item);
+    return session;
+}
+
+SessionRef Recovery::restoreWhatCanBeRead(const Item& item) {
+    const SessionRef session = salvagedPicture(item.file, recoveredName(item.info), item.id, {});
+    belongsTo(*session, item);
     return session;
 }
 

@@ -62,6 +62,8 @@ std::vector<Item> pending(const std::set<QUuid>& excluding);
 /// The picture as an unsaved session that keeps the copy's id, so that later copies go on replacing it. Throws a
 /// DescribedError.
 SessionRef restore(const Item& item);
+/// The same of what can still be read of a copy that is damaged, as one that was cut.
+SessionRef restoreWhatCanBeRead(const Item& item);
 
 } // namespace Recovery
 

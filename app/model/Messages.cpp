@@ -24,6 +24,10 @@ void Messages::alert(const QString& title, const QString& text) {
     model_.desktop().ask(title, text, {tr("OK")}, 0);
 }
 
+bool Messages::offerWhatCanBeRead(const QString& title, const QString& text) {
+    return model_.desktop().ask(title, text, {tr("OK"), tr("Open What Can Be Read")}, 0) == 1;
+}
+
 bool Messages::confirm(const QString& title, const QString& text) {
     return model_.desktop().ask(title, text, {tr("OK"), tr("Cancel")}, 1) == 0;
 }

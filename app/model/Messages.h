@@ -18,6 +18,8 @@ public:
     const std::optional<QString>& hud() const { return hud_; } ///< The transient line.
     void flash(const QString& text);                           ///< Shown for 2.6 seconds; the newest wins.
     void alert(const QString& title, const QString& text);
+    /// Tells of damaged documents; whether what can be read of them is wanted.
+    bool offerWhatCanBeRead(const QString& title, const QString& text);
     bool confirm(const QString& title, const QString& text); ///< Whether "OK" was the answer.
 
     int shownFor = 2600; ///< Milliseconds that a line stands.

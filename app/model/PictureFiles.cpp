@@ -6,6 +6,7 @@
 #include "app/desktop/Store.h"
 #include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
+#include "app/files/SalvagedPicture.h"
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
@@ -29,7 +30,7 @@ namespace {
 constexpr double kFileRead = 0.1, kEncoded = 0.8; // of the work of opening and of saving, about
 const QString kRecentFilesKey = QStringLiteral("qirn.pt.recentFiles");
 constexpr qsizetype kRecentFiles = 10;
-constexpr qsizetype kReasonsShown = 10; // in one message
+constexpr std::size_t kReasonsShown = 10; // in one message
 
 QString extension() {
     return QLatin1String(PaintFile::fileExtension);
@@ -76,28 +77,58 @@ void PictureFiles::open(const QString& path) {
 }
 
 void PictureFiles::open(const QStringList& paths) {
-    QStringList names, reasons;
+    std::vector<Refusal> refusals;
     try {
-        for (const QString& path : paths) {
-            if (const auto reason = whyNotOpened(path)) {
-                names << QFileInfo(path).fileName();
-                reasons << *reason;
-            }
-        }
+        for (const QString& path : paths)
+            if (const auto refusal = whyNotOpened(path)) refusals.push_back(*refusal);
     } catch (const Cancelled&) {
         // The rest are not wanted either.
     }
-    if (names.isEmpty()) return;
-    if (names.size() == 1)
-        return model_.messages().alert(tr("Couldn't open %1").arg(names.front()), reasons.front());
-    QStringList lines;
-    for (qsizetype i = 0; i < std::min(names.size(), kReasonsShown); ++i)
-        lines << tr("%1: %2").arg(names[i], reasons[i]);
-    if (names.size() > kReasonsShown) lines << tr("And %1 more.").arg(names.size() - kReasonsShown);
-    model_.messages().alert(tr("Couldn't open %1 files").arg(names.size()), lines.join(u'\n'));
+    if (refusals.empty() || !tellsOf(refusals)) return;
+    for (const Refusal& refusal : refusals)
+        if (refusal.canBeSalvaged) openWhatCanBeRead(refusal.path);
 }
 
-std::optional<QString> PictureFiles::whyNotOpened(const QString& path) {
+bool PictureFiles::tellsOf(const std::vector<Refusal>& refusals) {
+    const auto name = [](const Refusal& refusal) { return QFileInfo(refusal.path).fileName(); };
+    QString title = tr("Couldn't open %1").arg(name(refusals.front()));
+    QString text = refusals.front().reason;
+    if (refusals.size() > 1) {
+        QStringList lines;
+        for (std::size_t i = 0; i < std::min(refusals.size(), kReasonsShown); ++i)
+            lines << tr("%1: %2").arg(name(refusals[i]), refusals[i].reason);
+        if (refusals.size() > kReasonsShown) lines << tr("And %1 more.").arg(refusals.size() - kReasonsShown);
+        title = tr("Couldn't open %1 files").arg(refusals.size());
+        text = lines.join(u'\n');
+    }
+    if (std::ranges::any_of(refusals, &Refusal::canBeSalvaged))
+        return model_.messages().offerWhatCanBeRead(title, text);
+    model_.messages().alert(title, text);
+    return false;
+}
+
+void PictureFiles::openWhatCanBeRead(const QString& path) {
+    const QFileInfo info(path);
+    SessionRef session;
+    try {
+        const auto read = [&](const Progress& progress) {
+            session = salvagedPicture(path, info.completeBaseName(), QUuid::createUuid(), progress);
+        };
+        if (!model_.longTask().run(tr("Opening %1…").arg(info.fileName()), read)) return;
+    } catch (const std::exception& error) {
+        return model_.messages().alert(tr("Couldn't open %1").arg(info.fileName()), failureText(error));
+    }
+    add(session, info.absoluteFilePath());
+}
+
+void PictureFiles::add(const std::shared_ptr<DocSession>& session, const QString& path) {
+    session->atMostFullSize = true;
+    model_.pictures().add(session);
+    if (!session->remark.isEmpty()) model_.messages().flash(session->remark);
+    noteRecentFile(path);
+}
+
+std::optional<PictureFiles::Refusal> PictureFiles::whyNotOpened(const QString& path) {
     if (DocSession* session = model_.pictures().sessionOf(path)) {
         model_.pictures().select(*session);
         return std::nullopt;
@@ -108,7 +139,7 @@ std::optional<QString> PictureFiles::whyNotOpened(const QString& path) {
         const auto read = [&](const Progress& progress) { picture = readPicture(path, progress); };
         if (!model_.longTask().run(tr("Opening %1…").arg(info.fileName()), read)) throw Cancelled();
     } catch (const std::exception& error) {
-        return failureText(error);
+        return Refusal{path, failureText(error), canBeSalvaged(error)};
     }
     const bool native = FileTypes::isNative(path) && picture.isDocument;
     const QString base = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
@@ -116,11 +147,8 @@ std::optional<QString> PictureFiles::whyNotOpened(const QString& path) {
         native || info.suffix().isEmpty() ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
     const auto session = std::make_shared<DocSession>(
         std::move(picture.document), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
-    session->atMostFullSize = true;
     session->remark = wordsOf(picture.remarks);
-    model_.pictures().add(session);
-    if (!session->remark.isEmpty()) model_.messages().flash(session->remark);
-    noteRecentFile(info.absoluteFilePath());
+    add(session, info.absoluteFilePath());
     return std::nullopt;
 }
 

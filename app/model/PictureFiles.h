@@ -1,7 +1,9 @@
 #pragma once
 #include "formats/ExportFormat.h"
 
+#include <memory>
 #include <optional>
+#include <vector>
 
 #include <QCoreApplication>
 #include <QString>
@@ -31,8 +33,16 @@ public:
     void forgetRecentFiles();
 
 private:
-    /// Why it could not be opened, in words; nothing when it was. Throws Cancelled.
-    std::optional<QString> whyNotOpened(const QString& path);
+    struct Refusal {
+        QString path;
+        QString reason; ///< In words.
+        bool canBeSalvaged = false;
+    };
+    /// Why it could not be opened; nothing when it was. Throws Cancelled.
+    std::optional<Refusal> whyNotOpened(const QString& path);
+    bool tellsOf(const std::vector<Refusal>& refusals); ///< True where what can be read is wanted.
+    void openWhatCanBeRead(const QString& path);
+    void add(const std::shared_ptr<DocSession>& session, const QString& path);
     void noteRecentFile(const QString& path);
 
     PaintModel& model_;

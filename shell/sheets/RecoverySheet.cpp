@@ -2,6 +2,7 @@
 
 #include "app/desktop/Failures.h"
 #include "app/files/DocSession.h"
+#include "app/files/SalvagedPicture.h"
 #include "app/model/Guarded.h"
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
@@ -66,6 +67,22 @@ void RecoverySheet::reload() {
 bool RecoverySheet::restore(const Recovery::Item& item) {
     try {
         model().pictures().addRecovered(Recovery::restore(item));
+        return true;
+    } catch (const std::exception& error) {
+        const QString title = tr("Couldn't recover %1").arg(item.info.name);
+        if (!canBeSalvaged(error))
+            model().messages().alert(title, failureText(error));
+        else if (model().messages().offerWhatCanBeRead(title, failureText(error)))
+            return restoreParts(item);
+        return false;
+    }
+}
+
+bool RecoverySheet::restoreParts(const Recovery::Item& item) {
+    try {
+        const SessionRef session = Recovery::restoreWhatCanBeRead(item);
+        model().pictures().addRecovered(session);
+        model().messages().flash(session->remark);
         return true;
     } catch (const std::exception& error) {
         model().messages().alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));

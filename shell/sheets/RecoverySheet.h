@@ -25,6 +25,7 @@ public:
 private:
     void reload();
     bool restore(const Recovery::Item& item);
+    bool restoreParts(const Recovery::Item& item); ///< What can be read of a damaged copy.
 
     std::vector<Recovery::Item> items_; // newest first, a row each
     QScrollArea* list_;

@@ -11,6 +11,7 @@
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
 #include "formats/ImageImport.h"
+#include "formats/native/PaintFile.h"
 #include "formats/psd/PSDFile.h"
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/ChromeSlider.h"
@@ -56,6 +57,34 @@ private Q_SLOTS:
         QCOMPARE(FileTypes::fileName(".a/b\n\x7f", "png"), "-a-b--.png"); // neither hidden nor in a folder
         const QString longName = FileTypes::fileName(QStringLiteral("日").repeated(100), "qirnpaint");
         QCOMPARE(longName, QStringLiteral("日").repeated(81) + ".qirnpaint"); // 243 bytes and 10
+    }
+
+    void ofADamagedDocumentOpensWhatCanBeRead() {
+        Studio studio;
+        const QString path = studio.path("cut.qirnpaint"), text = studio.path("text.qirnpaint");
+        PaintDocument doc(600, 300, 72, PaintColor(0, 1, 0));
+        QByteArray file = PaintFile::encode(doc);
+        const auto manifest = PaintFile::manifestOf(bytesOf(file));
+        const auto& lost = manifest.manifest.layers[0].tiles[5];
+        file[static_cast<qsizetype>(manifest.blobOffset + lost.o + 5)] ^= 8;
+        QFile out(path), other(text);
+        QVERIFY(out.open(QIODevice::WriteOnly) && out.write(file) == file.size());
+        QVERIFY(other.open(QIODevice::WriteOnly) && other.write("not a paint file") == 16);
+        out.close();
+        other.close();
+        const std::size_t before = studio.model.pictures().sessions().size();
+        for (const int answer : {0, 1}) {
+            studio.desktop.answers = {answer};
+            studio.model.files().open(QStringList{text, path});
+            QCOMPARE(studio.desktop.asked.back().buttons, QStringList({"OK", "Open What Can Be Read"}));
+            QCOMPARE(studio.model.pictures().sessions().size(), before + std::size_t(answer));
+        }
+        const DocSession& session = *studio.model.current();
+        QVERIFY(session.isDirty() && session.fileURL.isEmpty() && session.name == "cut");
+        QCOMPARE(session.remark, "Tiles that could not be read, by layer: Background (1)");
+        QCOMPARE(*studio.model.messages().hud(), session.remark);
+        studio.model.files().open(text); // of which nothing can be read
+        QCOMPARE(studio.desktop.asked.back().buttons, QStringList("OK"));
     }
 
     void picturesOpenUnderTheirNameAndAreNeverOverwritten() {
