@@ -9,8 +9,8 @@
 
 namespace qirn {
 
-ChromeNote::ChromeNote(const QString& text, QWidget* parent, Font font) : QWidget(parent), text_(text) {
-    QirnKit::followMetrics(this, [this, font](const Metrics&) { setFont(font()); });
+ChromeNote::ChromeNote(const QString& text, QWidget* parent, Font face) : QWidget(parent), text_(text) {
+    QirnKit::followMetrics(this, [this, face](const Metrics&) { setFont(face()); });
     setAccessibleName(text);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 }

@@ -10,7 +10,7 @@ class ChromeNote : public QWidget {
     Q_OBJECT
 public:
     using Font = QFont (*)();
-    ChromeNote(const QString& text, QWidget* parent, Font font = ChromeFont::small);
+    ChromeNote(const QString& text, QWidget* parent, Font face = ChromeFont::small);
 
     void setText(const QString& text);
 

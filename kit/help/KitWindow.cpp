@@ -1,6 +1,6 @@
 #include "kit/help/KitWindow.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -32,6 +32,8 @@ void KitWindow::place() {
     const Metrics& m = QirnKitHost::metrics();
     const QSize wished(m.px(size_.width()), m.px(size_.height()));
     resize(screen() ? wished.boundedTo(screen()->availableSize()) : wished);
+    if (const QWidget* opener = QApplication::activeWindow())
+        move(opener->frameGeometry().center() - rect().center());
 }
 
 void KitWindow::bringUp() {
