@@ -37,7 +37,7 @@ the top.
 ## The panels
 • Color (View → Color Panel, {colorPanel}): the wheel, sliders, hex field, recent colors and the current
   palette. See «color».
-• Brush (View → Brush Panel, {brushPanel}): all presets with a picture of their stroke, and every setting of a
+• Brush (View → Brush Panel, {brushPanel}): the presets of the tool in hand with a picture of their stroke, and every setting of a
   brush. See «brush-settings».
 • Palettes (View → Palettes Panel, {palettesPanel}): the palette library, and import and export. See «palettes».
 • Layers, always below: the stack, blend modes, opacity, locks and the onion skin. See «layers».

@@ -17,8 +17,9 @@ and both can still be changed.
 • Release Clipping in the menu of the row, or the same switch again, ends it.
 
 ## Lock
-Lock (Layer → Lock / Unlock Layer) protects the whole layer: no tool and no command changes its pixels, and a
-message says so when you try. A copy of a locked layer begins unlocked.
+Lock (Layer → Lock / Unlock Layer) protects the layer's pixels: no tool, fill, clearing, cutting or transform
+changes them, and a message says so when you try. Commands for whole layers (deleting, merging, flattening) and the
+Image menu still work on it. A copy of a locked layer begins unlocked.
 
 ## α Lock
 α Lock (Layer → Alpha Lock On / Off) lets you paint only where the layer already has paint: what is transparent

@@ -19,7 +19,7 @@ Layer → Turn Onion Skin Off ends it.
 • Color ghosts (red below, green above): off, ghosts are in their own colors.
 
 ## What you see
-• The active layer in full, even if it is hidden, and plain: without its blend mode and clipping.
+• The active layer with its own opacity, even if it is hidden, and plain: without its blend mode and clipping.
 • Ghosts of its neighbors, also of hidden ones.
 • A layer named Background at the bottom, as paper behind everything, as long as it is not near enough to be a
   ghost itself.

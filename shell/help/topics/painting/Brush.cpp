@@ -20,7 +20,8 @@ The Brush tool ({brush}) paints with the paint color on the active layer.
 Painting stays inside a selection, if there is one, and on a locked or hidden layer it is refused in words.
 
 ## The options
-• The preset menu, named Brush preset, has every brush with a picture of its stroke, by category.
+• The preset menu, named Brush preset, has every brush of the tool in hand with a picture of its
+  stroke, by category.
 • Size is the diameter in pixels.
 • Opacity is the most paint that one stroke lays down, however often it crosses itself.
 • Flow is how fast the paint builds up towards that while you go over a spot.
@@ -43,7 +44,7 @@ Every change stays with the tool until you choose another preset. All other sett
 • Smudge & Blur: Smudge, Finger Blend, Blur and Strong Blur. See «smudge-blur».
 • Erasers: Hard Eraser, Soft Eraser, Airbrush Eraser, Pencil Eraser and Pixel Eraser. See «eraser».
 
-Choosing an eraser, smudge or blur preset in the Brush tab takes the tool that it belongs to, and the Brush
+Choosing an eraser, smudge or blur preset that you found by the search of the Brush tab takes the tool that it belongs to, and the Brush
 keeps the brush it had.
 
 ## Brushes of your own

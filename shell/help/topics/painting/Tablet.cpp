@@ -25,7 +25,7 @@ the tablet tells it and as the program uses it, tilt, and how many points a seco
 
 ## A softer or firmer touch
 In the same section, the slider Pressure bends the curve. Soft: a light touch gives thick lines. Firm: you must
-press harder. Normal leaves the pressure as it is. Paint in the field beside it and stop where your hand feels
+press harder. Normal leaves the pressure as it is. Paint in the field below it and stop where your hand feels
 at ease.
 
 ## Without a tablet

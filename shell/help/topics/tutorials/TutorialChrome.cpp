@@ -40,7 +40,7 @@ Chrome mirrors sky above and ground below, with a hard dark line at the horizon.
 
 ## 5. Candy
 Candy paint is a see-through color over metal flake.
-• Hide the layers of the word with their eyes, and make a new layer on top for the second word: Text ({text}),
+• Hide the layers of the word with their eyes, and make the top layer active. For the second word: Text ({text}),
   color Candy Apple Red, CANDY, the same font.
 • Flake: {newLayer}, Clip on. Choose the Brush with Fine Mist at size 200, click Chrome Highlight, and spray
   over the letters. Set Blend Mode to Overlay and Opacity to 60%.
