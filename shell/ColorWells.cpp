@@ -49,7 +49,8 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
     setTabOrder(primary_, secondary_); // which lies below it
     connect(primary_, &ColorSquare::pressed, this,
             guarding(model, [this] { model_.revealInspectorTab(InspectorTab::color); }));
-    connect(secondary_, &ColorSquare::clicked, this, [this] { model_.colors().swapColors(); });
+    connect(secondary_, &ColorSquare::clicked, this,
+            guarding(model, [this] { model_.colors().swapColors(); }));
 
     auto* swap = new IconButton(Icon::swap, tr("Swap colors (X)"), this, &Metrics::smallIcon);
     auto* reset =
@@ -65,8 +66,8 @@ ColorWells::ColorWells(PaintModel& model, QWidget* parent)
         swap->setGeometry(0, top, m.smallButton, m.smallButton);
         reset->setGeometry(m.smallButton, top, m.smallButton, m.smallButton);
     });
-    connect(swap, &IconButton::clicked, this, [this] { model_.colors().swapColors(); });
-    connect(reset, &IconButton::clicked, this, [this] { model_.colors().defaultColors(); });
+    connect(swap, &IconButton::clicked, this, guarding(model, [this] { model_.colors().swapColors(); }));
+    connect(reset, &IconButton::clicked, this, guarding(model, [this] { model_.colors().defaultColors(); }));
     connect(&model, &PaintModel::changed, this, &ColorWells::refresh);
     refresh();
 }

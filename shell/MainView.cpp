@@ -9,6 +9,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/PendingTransform.h"
 #include "app/tools/ToolTable.h"
 #include "kit/QirnKit.h"
 #include "kit/QrZoomHost.h"
@@ -173,6 +174,10 @@ void MainView::closeEvent(QCloseEvent* event) {
 
 // Keys that no control has used are for the canvas, then for the commands.
 void MainView::keyPressEvent(QKeyEvent* event) {
+    // From any control the first Escape gives the keys back to the canvas, and only the next one is a command there.
+    const bool givesBack =
+        event->key() == Qt::Key_Escape && !canvas_->hasFocus() && !model_.transform().isPending();
+    if (givesBack && !canvas_->isBusy()) return canvas_->setFocus(Qt::OtherFocusReason);
     if (canvas_->handleKeyPress(event)) return;
     const CommandRow* command = commandOfKey(*event, model_.keys());
     if (!command) return QMainWindow::keyPressEvent(event);

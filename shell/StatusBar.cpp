@@ -102,7 +102,7 @@ void StatusBar::followCursor() {
 void StatusBar::refreshCursor() {
     const CanvasStatus::View& view = model_.status().view();
     const CanvasStatus::Cursor& cursor = model_.status().cursor();
-    const long degrees = std::lround(view.rotation);
+    const long degrees = std::lround(std::remainder(view.rotation, 360));
     zoom_->setText(tr("Zoom %1%").arg(std::lround(view.zoom * 100)));
     rotation_->setText(view.rotation != 0 ? tr("View rotated %1°").arg(degrees) : QString());
     flip_->setText(view.flipped ? tr("View flipped") : QString());

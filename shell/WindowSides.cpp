@@ -68,8 +68,10 @@ bool WindowSides::eventFilter(QObject* watched, QEvent* event) {
                 rest_.stop();
             break;
         }
-        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonPress: // of the canvas, or one that nothing on a side has taken
         case QEvent::TabletPress:
+            rest_.stop();
+            break;
         case QEvent::Leave:
             rest_.stop();
             if (watched == &window_ && !QApplication::activePopupWidget()) bringBack(std::nullopt);

@@ -8,6 +8,7 @@
 
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
+#include "kit/controls/ChromeCombo.h"
 #include "kit/controls/ChromeNote.h"
 #include "kit/controls/ChromePanel.h"
 #include "kit/controls/ChromeSegments.h"
@@ -124,7 +125,7 @@ ChromeSegments* RowBox::segments(const char* label, const char* tip, std::span<c
 }
 
 QComboBox* RowBox::picker(const char* label, const char* tip, std::function<void(int)> set) {
-    auto* menu = new QComboBox(this);
+    auto* menu = new ChromeCombo(this);
     introduce(*menu, label, tip);
     connect(menu, &QComboBox::activated, this, std::move(set));
     return menu;

@@ -16,6 +16,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QComboBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -394,6 +395,9 @@ private Q_SLOTS:
         hover({0, 200});
         QTRY_COMPARE(shown(), "xx-xx");
         QCOMPARE(corner(), place);
+        auto& rail = *w.find<QWidget>("brush").parentWidget();
+        QTest::mouseClick(&rail, Qt::LeftButton, {}, {1, rail.height() - 1}); // beside its buttons
+        QCOMPARE(shown(), "xx-xx");
         hover(middle);
         QCOMPARE(shown(), "xx--x");
         QTest::mousePress(&w.canvas(), Qt::LeftButton, {}, middle); // a stroke to the edge and along it
@@ -413,6 +417,21 @@ private Q_SLOTS:
         QTRY_COMPARE(shown(), "----x");
         w.find<QAction>("fullScreen").trigger();
         QTRY_COMPARE(shown(), "xxxxx");
+    }
+
+    void lettersOfAMenuOfChoicesAndTheFirstEscapeAreForTheCanvas() {
+        Window w;
+        w.select({10, 10, 50, 50});
+        w.find<QAction>("colorPanel").trigger();
+        const auto step = w.doc().undoDepth();
+        auto& blend = w.find<QComboBox>("blendMode");
+        blend.setFocus(Qt::TabFocusReason);
+        QTest::keyClick(&blend, Qt::Key_S);
+        QVERIFY(w.model.tool() == Tool::smudge && w.doc().undoDepth() == step);
+        QTest::keyClick(&blend, Qt::Key_Escape);
+        QVERIFY(w.canvas().hasFocus() && w.doc().selection);
+        QTest::keyClick(&w.canvas(), Qt::Key_Escape);
+        QVERIFY(!w.doc().selection);
     }
 
     void namesAreNoWordsOfTheProgram() {

@@ -20,6 +20,7 @@ constexpr std::pair<PaintSheet::Kind, const char*> kSheetTopics[] = {
     {PaintSheet::Kind::imageSize, "image"},
     {PaintSheet::Kind::canvasSize, "image"},
     {PaintSheet::Kind::recovery, "autosave"},
+    {PaintSheet::Kind::renameLayer, "layers"},
 };
 
 /// The page of the sheet that is up, or else of the tool in hand.

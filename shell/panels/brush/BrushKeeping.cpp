@@ -26,7 +26,9 @@ BrushKeeping::BrushKeeping(PaintModel& model, QWidget* parent)
     name_->setPlaceholderText(tr("Name"));
     name_->setToolTip(tr("The name of a new preset of your own"));
     name_->setMaxLength(kLongestName);
-    connect(name_, &QLineEdit::returnPressed, this, &BrushKeeping::saveAsNew);
+    connect(name_, &QLineEdit::returnPressed, this, [this] {
+        if (!name_->text().trimmed().isEmpty()) saveAsNew();
+    });
     auto* save = button("saveBrush", tr("Save as new"), tr("Keeps the brush as a preset of your own"),
                         [this] { saveAsNew(); });
     update_ = button("updateBrush", tr("Update preset"), tr("Keeps the settings in your preset"),

@@ -48,6 +48,12 @@ bool HexField::take() {
     return true;
 }
 
+void HexField::mousePressEvent(QMouseEvent* event) {
+    const bool hadFocus = hasFocus();
+    QLineEdit::mousePressEvent(event);
+    if (!hadFocus) selectAll();
+}
+
 // Return and Escape go on to the window, which gives the keys back to the canvas.
 void HexField::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;

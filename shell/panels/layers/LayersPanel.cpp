@@ -1,5 +1,6 @@
 #include "shell/panels/layers/LayersPanel.h"
 
+#include "app/commands/CommandRows.h"
 #include "app/desktop/HostWords.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
@@ -8,8 +9,10 @@
 #include "app/model/PaintModel.h"
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
+#include "kit/controls/ChromeCombo.h"
 #include "kit/controls/IconButton.h"
 #include "kit/rows/ControlRows.h"
+#include "shell/KeyTips.h"
 #include "shell/panels/layers/LayersList.h"
 #include "shell/panels/layers/OnionSection.h"
 
@@ -32,10 +35,11 @@ struct ButtonRow {
     Icon icon;
     const char* tip;
     void (*run)(PaintModel&);
+    bool hasKeyTip = false; ///< Its command is of the same name.
 };
 constexpr ButtonRow kButtons[] = {
-    {"newLayer", Icon::plus, TEXT("New layer (⇧⌘N)"), LayerEdits::addLayer},
-    {"duplicateLayer", Icon::duplicate, TEXT("Duplicate layer (⌘J)"), LayerEdits::duplicateLayer},
+    {"newLayer", Icon::plus, TEXT("New layer"), LayerEdits::addLayer, true},
+    {"duplicateLayer", Icon::duplicate, TEXT("Duplicate layer"), LayerEdits::duplicateLayer, true},
     {"deleteLayer", Icon::trash, TEXT("Delete layer"), LayerEdits::deleteLayer},
     {"moveLayerUp", Icon::arrowUp, TEXT("Move layer up"), LayerEdits::moveLayerUp},
     {"moveLayerDown", Icon::arrowDown, TEXT("Move layer down"), LayerEdits::moveLayerDown},
@@ -80,6 +84,7 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
     for (const ButtonRow& row : kButtons) {
         auto* button = new IconButton(row.icon, hostWords(tr(row.tip)), this, &Metrics::smallIcon);
         button->setObjectName(QString::fromLatin1(row.name));
+        if (row.hasKeyTip) tipWithKey(model_, *button, tr(row.tip), commandNamed(row.name));
         connect(button, &IconButton::clicked, this, guarding(model_, [this, run = row.run] { run(model_); }));
         head->addWidget(button);
         buttons.push_back(button);
@@ -114,7 +119,7 @@ LayersPanel::LayersPanel(PaintModel& model, QWidget* parent)
 }
 
 void LayersPanel::makeBlend() {
-    blend_ = new QComboBox(this);
+    blend_ = new ChromeCombo(this);
     blend_->setObjectName(QStringLiteral("blendMode"));
     blend_->setAccessibleName(tr("Blend Mode"));
     blend_->setToolTip(tr("Blend mode: how this layer mixes with the layers below"));

@@ -101,6 +101,9 @@ PalettePanel::PalettePanel(PaintModel& model, QWidget* parent)
     });
 
     connect(name_, &QLineEdit::textChanged, this, &PalettePanel::refresh);
+    connect(name_, &QLineEdit::returnPressed, make, [this, make] {
+        if (!name_->text().trimmed().isEmpty()) make->click();
+    });
     connect(&model, &PaintModel::changed, this, &PalettePanel::refresh);
 }
 
@@ -152,6 +155,7 @@ void PalettePanel::refresh() {
 
 QString PalettePanel::takeName() {
     const QString name = name_->text().trimmed();
+    if (rename_->hasFocus()) name_->setFocus(Qt::OtherFocusReason); // it is off without a name
     name_->clear();
     return name;
 }
