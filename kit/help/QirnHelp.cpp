@@ -89,9 +89,11 @@ std::vector<QirnHelpTopic> search(const QString& query) {
     if (terms.isEmpty()) return allTopics();
     std::vector<QirnHelpTopic> found, inBodyOnly;
     for (std::size_t i = 0; i < manual().all.size(); ++i) {
-        const auto& [title, whole] = manual().haystacks[i];
-        if (!std::ranges::all_of(terms, [&](const QString& term) { return whole.contains(term); })) continue;
-        const bool inTitle = std::ranges::any_of(terms, [&](const QString& t) { return title.contains(t); });
+        const Haystack& hay = manual().haystacks[i];
+        if (!std::ranges::all_of(terms, [&](const QString& term) { return hay.whole.contains(term); }))
+            continue;
+        const bool inTitle =
+            std::ranges::any_of(terms, [&](const QString& term) { return hay.title.contains(term); });
         (inTitle ? found : inBodyOnly).push_back(manual().all[i]);
     }
     found.insert(found.end(), inBodyOnly.begin(), inBodyOnly.end());
