@@ -18,6 +18,9 @@ namespace qirn {
 TabStrip::TabStrip(PaintModel& model, QWidget* parent) : QScrollArea(parent), model_(model) {
     auto* tabs = new QWidget(this);
     tabs->setAccessibleName(tr("Open pictures"));
+    place_ = new QWidget(tabs);
+    place_->setFocusPolicy(Qt::TabFocus); // never reached: it is hidden
+    place_->hide();
     row_ = new QHBoxLayout(tabs);
     row_->setContentsMargins(0, 0, 0, 0);
     setWidget(tabs);
@@ -39,8 +42,10 @@ void TabStrip::refresh() {
     const auto& sessions = model_.pictures().sessions();
     const bool hadFocus = std::ranges::any_of(tabs_, [](const DocTab* tab) { return tab->hasFocus(); });
     while (tabs_.size() < sessions.size()) {
-        tabs_.push_back(new DocTab(model_, widget()));
-        row_->addWidget(tabs_.back());
+        auto* tab = new DocTab(model_, widget());
+        setTabOrder(place_, tab);
+        tabs_.push_back(tab);
+        row_->addWidget(tab);
     }
     while (tabs_.size() > sessions.size()) {
         tabs_.back()->hide();

@@ -36,6 +36,7 @@ private:
     void followLayout(); ///< The tabs or the strip have other sizes.
 
     PaintModel& model_;
+    QWidget* place_; // of the tabs in the order of the Tab key
     QHBoxLayout* row_;
     std::vector<DocTab*> tabs_; // one a session
     DocTab* current_ = nullptr;
