@@ -126,8 +126,8 @@ private Q_SLOTS:
         QTest::keyClick(&hex, Qt::Key_Escape);
         QCOMPARE(hex.text(), before);
         QCOMPARE(QApplication::focusWidget(), &w.canvas()); // letters mean tools again
-        hex.setFocus();
-        hex.setText("b31");
+        QTest::mouseClick(&hex, Qt::LeftButton); // selects what is there
+        QTest::keyClicks(&hex, "b31");
         QTest::keyClick(&hex, Qt::Key_Return);
         QCOMPARE(hex.text(), "#BB3311");
         QCOMPARE(w.model.colors().recent(), std::vector{*PaintColor::fromHex("b31")});

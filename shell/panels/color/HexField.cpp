@@ -8,6 +8,7 @@
 #include "kit/style/ChromePaint.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QKeyEvent>
 #include <QStyle>
@@ -48,10 +49,15 @@ bool HexField::take() {
     return true;
 }
 
+void HexField::focusInEvent(QFocusEvent* event) {
+    QLineEdit::focusInEvent(event);
+    cameByMouse_ = event->reason() == Qt::MouseFocusReason;
+}
+
+// The press that brings the keyboard selects all: a color is typed whole.
 void HexField::mousePressEvent(QMouseEvent* event) {
-    const bool hadFocus = hasFocus();
     QLineEdit::mousePressEvent(event);
-    if (!hadFocus) selectAll();
+    if (std::exchange(cameByMouse_, false)) selectAll();
 }
 
 // Return and Escape go on to the window, which gives the keys back to the canvas.

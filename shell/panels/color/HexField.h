@@ -21,8 +21,9 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override; ///< The first one selects all: a color is typed whole.
+    void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
@@ -30,7 +31,8 @@ private:
 
     PaintModel& model_;
     QString shown_;
-    QTimer blink_; // single shot; runs while it is bright
+    bool cameByMouse_ = false; ///< The press that brought the keyboard is still to come.
+    QTimer blink_;             // single shot; runs while it is bright
 };
 
 } // namespace qirn
