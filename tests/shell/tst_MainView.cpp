@@ -178,7 +178,7 @@ private Q_SLOTS:
         Window w;
         auto& list = w.find<QAbstractButton>("headerPictures");
         auto& fresh = w.find<QAbstractButton>("headerNew");
-        const auto inSight = [&w](QWidget* tab) {
+        const auto inSight = [](QWidget* tab) {
             const QWidget& strip = *tab->parentWidget()->parentWidget();
             return strip.rect().contains(QRect(tab->mapTo(&strip, QPoint()), tab->size()));
         };
