@@ -3,13 +3,17 @@
 #include "app/model/Colors.h"
 #include "app/model/PendingTransform.h"
 #include "app/model/choices/FixedKeys.h"
+#include "kit/QirnThemes.h"
+#include "kit/QrZoom.h"
 #include "shell/ToolRail.h"
 #include "shell/header/HeaderBar.h"
 #include "support/Window.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QToolButton>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -79,6 +83,32 @@ private Q_SLOTS:
                 }
             }
         }
+    }
+
+    void zoomAndThemeOfTheInterfaceAreChosenFromTheMenusAlsoOverASheet() {
+        Window w;
+        w.model.showSheet({PaintSheet::Kind::imageSize});
+        const auto zoomBy = [&w](const char* command) {
+            w.find<QAction>(command).trigger();
+            return QrZoom::value();
+        };
+        QCOMPARE(zoomBy("interfaceZoomIn"), 1.15);
+        QTest::keyClick(&w.view, Qt::Key_Equal, Qt::ControlModifier);
+        QCOMPARE(QrZoom::value(), 1.3);
+        QCOMPARE(zoomBy("interfaceZoomOut"), 1.15);
+        QCOMPARE(zoomBy("interfaceActualSize"), 1);
+        const auto choose = [](QMenu& menu, const QString& title) {
+            Q_EMIT menu.aboutToShow();
+            for (QAction* action : menu.actions())
+                if (action->text() == title) action->trigger();
+        };
+        auto& button = w.find<QToolButton>("interfaceZoom");
+        choose(*button.menu(), "150%");
+        QVERIFY(QrZoom::value() == 1.5 && button.text() == "150%");
+        choose(*w.find<QAction>("theme").menu(), "Rose Gold");
+        QCOMPARE(QirnThemes::currentID(), "rose-gold");
+        QrZoom::setValue(1);
+        QirnThemes::setCurrentID(QirnThemes::kDefaultID);
     }
 
     void undoAndRedoBeepWhereTheyCannot() {
