@@ -27,6 +27,7 @@ ChromeSegments::ChromeSegments(const QString& accessibleName, const QStringList&
         button->setAutoExclusive(true); // one of them, for a reader as well
         button->setFocusPolicy(Qt::TabFocus);
         button->setAccessibleName(accessibleName + u' ' + title);
+        button->setObjectName(button->accessibleName());
         buttons_->addButton(button, static_cast<int>(buttons_->buttons().size()));
         row->addWidget(button);
     }

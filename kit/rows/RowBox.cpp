@@ -69,7 +69,10 @@ void RowBox::change(const std::function<void()>& body) {
 }
 
 void RowBox::introduce(QWidget& control, const char* label, const char* tip) const {
-    control.setObjectName(QString::fromUtf8(dress_.prefix) + QString::fromUtf8(label));
+    const QString name = QString::fromUtf8(dress_.prefix) + QString::fromUtf8(label);
+    QString unique = name; // two rows that show at different times may have one label
+    for (int i = 2; findChild<QWidget*>(unique); ++i) unique = QStringLiteral("%1 %2").arg(name).arg(i);
+    control.setObjectName(unique);
     control.setAccessibleName(dress_.words(label));
     if (tip) control.setToolTip(dress_.words(tip));
     if (control.focusPolicy() != Qt::NoFocus && !qobject_cast<QLineEdit*>(&control))

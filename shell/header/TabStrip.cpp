@@ -43,6 +43,7 @@ void TabStrip::refresh() {
     const bool hadFocus = std::ranges::any_of(tabs_, [](const DocTab* tab) { return tab->hasFocus(); });
     while (tabs_.size() < sessions.size()) {
         auto* tab = new DocTab(model_, widget());
+        tab->setObjectName(QStringLiteral("tab %1").arg(tabs_.size() + 1));
         setTabOrder(place_, tab);
         tabs_.push_back(tab);
         row_->addWidget(tab);

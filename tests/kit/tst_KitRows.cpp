@@ -96,7 +96,7 @@ private Q_SLOTS:
             slider.enter(0.25);
             stepper.stepUp();
             QTest::mouseClick(rows.findChild<ChromeToggle*>("On"), Qt::LeftButton);
-            QTest::mouseClick(rows.findChildren<QAbstractButton*>("").first(), Qt::LeftButton);
+            QTest::mouseClick(rows.findChild<QAbstractButton*>("Mode New"), Qt::LeftButton);
             Q_EMIT unit.activated(2);
             QVERIFY(sheet.size == 0.25 && sheet.below == 4 && !sheet.on && sheet.mode == 0 &&
                     sheet.unit == 2);

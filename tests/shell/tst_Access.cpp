@@ -8,6 +8,7 @@
 #include <map>
 
 #include <QAccessible>
+#include <QLineEdit>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -85,6 +86,26 @@ private Q_SLOTS:
             check(QStringLiteral("sheet %1: ").arg(kind));
             w.model.closeSheet();
         }
+    }
+
+    void everyControlHasAnObjectNameOfItsOwn() {
+        Window w;
+        for (const char* panel : {"brushPanel", "palettesPanel", "colorPanel"})
+            w.find<QAction>(panel).trigger();
+        QStringList twice;
+        QSet<QString> names;
+        for (const QWidget* widget : w.view.findChildren<QWidget*>()) {
+            const QWidget* parent = widget->parentWidget();
+            if (qobject_cast<const QLineEdit*>(widget) && parent && parent->focusPolicy() != Qt::NoFocus)
+                continue; // a part of its control
+            const bool isControl =
+                widget->focusPolicy() != Qt::NoFocus && !widget->objectName().startsWith("qt_");
+            if (!isControl || widget->window() != &w.view) continue; // nor a list that opens
+            const QString name = widget->objectName();
+            if (names.contains(name)) twice << QLatin1String(widget->metaObject()->className()) + u' ' + name;
+            names << name;
+        }
+        QCOMPARE(twice.join(u'|'), QString());
     }
 
     void theCanvasTellsWhatItShowsAndTheTransientLineIsANotification() {

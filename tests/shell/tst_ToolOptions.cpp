@@ -23,15 +23,35 @@ class tst_ToolOptions : public QObject {
     static QString shownControls(Window& w) {
         const auto& bar = w.find<ToolOptionsBar>();
         QStringList shown;
-        for (const char* name : {"Brush preset",   "Size",         "Opacity",
-                                 "Flow",           "Strength",     "Stabilizer",
-                                 "Tolerance",      "Contiguous",   "Sample all layers",
-                                 "Grow",           "Type",         "Color → transparent",
-                                 "Shape",          "Fill",         "Outline",
-                                 "Line width",     "Transform",    "Scale",
-                                 "Rotate",         "Flip ↔",       "Apply (Return)",
-                                 "Selection mode", "Smooth edges", "All",
-                                 "None",           "Invert",       "Rotate view"}) {
+        for (const char* name : {"Brush preset",
+                                 "Size",
+                                 "Opacity",
+                                 "Flow",
+                                 "Strength",
+                                 "Stabilizer",
+                                 "Tolerance",
+                                 "Contiguous",
+                                 "Sample all layers",
+                                 "Grow",
+                                 "Type",
+                                 "Color → transparent",
+                                 "Opacity 2",
+                                 "Sample all layers 2",
+                                 "Shape",
+                                 "Fill",
+                                 "Outline",
+                                 "Line width",
+                                 "Transform",
+                                 "Scale",
+                                 "Rotate",
+                                 "Flip ↔",
+                                 "Apply (Return)",
+                                 "Selection mode",
+                                 "Smooth edges",
+                                 "All",
+                                 "None",
+                                 "Invert",
+                                 "Rotate view"}) {
             const auto named = bar.findChildren<QWidget*>(name);
             if (std::any_of(named.begin(), named.end(), [](QWidget* widget) { return widget->isVisible(); }))
                 shown << name;
@@ -49,10 +69,10 @@ private Q_SLOTS:
             {Tool::eraser, "Eraser", "Brush preset, Size, Opacity, Flow, Stabilizer"},
             {Tool::smudge, "Smudge", "Brush preset, Size, Strength, Stabilizer"},
             {Tool::blur, "Blur", "Brush preset, Size, Strength, Stabilizer"},
-            {Tool::eyedropper, "Eyedropper", "Sample all layers"},
+            {Tool::eyedropper, "Eyedropper", "Sample all layers 2"},
             {Tool::selectRect, "Rectangle Select", "Selection mode, Smooth edges, All, None, Invert"},
             {Tool::bucket, "Bucket Fill", "Tolerance, Contiguous, Sample all layers, Grow"},
-            {Tool::gradient, "Gradient", "Opacity, Type, Color → transparent"},
+            {Tool::gradient, "Gradient", "Type, Color → transparent, Opacity 2"},
             {Tool::shape, "Shapes", "Shape, Fill, Outline, Line width"},
             {Tool::move, "Move & Transform", "Transform"},
             {Tool::hand, "Hand (Pan)", "Rotate view"},
@@ -154,8 +174,8 @@ private Q_SLOTS:
         w.click("None");
         QVERIFY(!w.doc().selection);
         w.model.setTool(Tool::eyedropper);
-        QVERIFY(w.find<ChromeToggle>("Sample all layers").isChecked());
-        w.click("Sample all layers");
+        QVERIFY(w.find<ChromeToggle>("Sample all layers 2").isChecked());
+        w.click("Sample all layers 2");
         QVERIFY(!w.model.prefs().eyedropperAllLayers);
     }
 
