@@ -73,9 +73,7 @@ constexpr Row kRows[] = {
     {Icon::grid, "layout-grid"},
     {Icon::list, "list"},
     {Icon::search, "search"},
-    {Icon::rename, "pencil"},
     {Icon::merge, "merge"},
-    {Icon::more, "dots"},
 };
 
 constexpr bool inOrder() {

@@ -60,11 +60,9 @@ enum class Icon {
     grid,
     list,
     search,
-    rename,
     merge,
-    more,
 };
-inline constexpr Icon kLastIcon = Icon::more;
+inline constexpr Icon kLastIcon = Icon::merge;
 
 } // namespace qirn
 
