@@ -1,8 +1,11 @@
 #include "Measurements.h"
 #include "StudioWindow.h"
 
+#include "../PlainPass.h"
 #include "app/edits/LayerEdits.h"
+#include "app/files/BrushPreviewCache.h"
 #include "app/files/DocSession.h"
+#include "app/model/Brushes.h"
 #include "app/model/Colors.h"
 #include "app/model/OpenPictures.h"
 
@@ -38,6 +41,13 @@ int measureChoices(int argc, char** argv) {
         {"color", [](PaintModel& m, int time) { m.colors().setPrimary(PaintColor(time / 60.0, 0.4, 0.7)); }},
         {"layer", [](PaintModel& m, int time) { LayerEdits::setActiveLayer(m, (time * 37) % kLayers); }},
     };
+    const Stopwatch watch;
+    studio.act("brushPanel");
+    const std::size_t presets = model.brushes().brushesFor(model.tool()).size();
+    while (model.brushes().previews().kept() < presets && watch.seconds() < 10) pass(0.001);
+    studio.waitUntilShown();
+    std::printf("brushPanel, its %zu samples of strokes at first sight: %.0f ms\n", presets,
+                watch.seconds() * 1000);
     for (const char* panel : {"colorPanel", "brushPanel", "palettesPanel"}) {
         studio.act(panel);
         pass(1);
