@@ -38,6 +38,16 @@ struct SanitizerFence {
 #endif
 };
 
+/// Does it when the scope is left, by an exception too: a loop that was stopped has an end as well.
+struct ReleaseAtEnd {
+    SanitizerFence& fence;
+    ~ReleaseAtEnd() { fence.release(); }
+};
+struct AcquireAtEnd {
+    SanitizerFence& fence;
+    ~AcquireAtEnd() { fence.acquire(); }
+};
+
 /// As many threads as asked for, also where the machine has fewer processors.
 struct Limit {
     explicit Limit(int threads)
@@ -59,19 +69,19 @@ void perform(int64_t first, int64_t count, const std::function<void(int64_t)>& b
     if (count <= first) return;
     if (count == first + 1) return body(first);
     SanitizerFence begun, done;
+    const AcquireAtEnd allDone{done};
     const auto loop = [&] {
         tbb::parallel_for(
             tbb::blocked_range<int64_t>(first, count, 1),
             [&](const tbb::blocked_range<int64_t>& range) {
                 begun.acquire();
+                const ReleaseAtEnd oneDone{done};
                 for (int64_t i = range.begin(); i != range.end(); ++i) body(i);
-                done.release();
             },
             Partitioner());
     };
     begun.release();
     limit() ? limit()->arena.execute(loop) : loop();
-    done.acquire();
 }
 
 } // namespace
