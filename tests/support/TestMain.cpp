@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <cstring>
+#include <map>
+#include <string>
 #include <vector>
 
 #include <QCoreApplication>
@@ -18,11 +20,19 @@ std::vector<Entry>& entries() {
     static std::vector<Entry> list;
     return list;
 }
+std::map<std::string, Helper>& helpers() {
+    static std::map<std::string, Helper> list;
+    return list;
+}
 } // namespace
 
 bool registerTest(const char* name, MakeTest make) {
     entries().push_back({name, make});
     return true;
+}
+
+bool registerHelper(const char* name, Helper helper) {
+    return helpers().emplace(name, helper).second;
 }
 
 } // namespace qirn::test
@@ -33,12 +43,15 @@ extern std::unique_ptr<QCoreApplication> makeTestApplication(int& argc, char** a
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
-/// The first argument may name one class; the rest goes to Qt Test. Without a name every class runs.
+/// The first argument may name one class; the rest goes to Qt Test, but for what stands behind "--", which the class
+/// reads itself. Without a name every class runs.
 int main(int argc, char** argv) {
     const auto app = makeTestApplication(argc, argv);
+    if (argc > 2 && std::strcmp(argv[1], "--helper") == 0)
+        return qirn::test::helpers().at(argv[2])(QCoreApplication::arguments().mid(3));
     const char* wanted = argc > 1 && std::strncmp(argv[1], "tst_", 4) == 0 ? argv[1] : nullptr;
     std::vector<char*> rest{argv[0]};
-    for (int i = wanted ? 2 : 1; i < argc; ++i) rest.push_back(argv[i]);
+    for (int i = wanted ? 2 : 1; i < argc && std::strcmp(argv[i], "--") != 0; ++i) rest.push_back(argv[i]);
     int failures = 0;
     bool found = false;
     for (const auto& entry : qirn::test::entries()) {
