@@ -1,6 +1,6 @@
 #include "app/desktop/SuddenEnd.h"
 
-#include "platform/files/AtomicFile.h"
+#include "platform/files/FileCalls.h"
 
 #include <atomic>
 #include <cerrno>

@@ -1,6 +1,8 @@
 #include "app/desktop/Trash.h"
 
 #include "platform/Bytes.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/FileCalls.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -133,7 +135,8 @@ private:
 
 } // namespace
 
-void moveToTrash(const QString& path, const QString& name, const QString& folder, const FileCalls& calls) {
+void moveToTrash(const QString& path, const QString& name, const QString& folder) {
+    const FileCalls& calls = FileCalls::inUse();
     const TrashFolder trash = trashFor(encoded(QFileInfo(path).canonicalPath()), calls);
     const std::string files = trash.path + "/files/", infos = trash.path + "/info/";
     makeFolder(files, calls);
@@ -147,7 +150,7 @@ void moveToTrash(const QString& path, const QString& name, const QString& folder
         if (!info.isOurs() || calls.lstat(filePath.c_str(), &facts) == 0) continue;
         if (errno != ENOENT) throw FileError(errno);
         const QByteArray text = infoText(encoded(QDir(folder).filePath(fittingName(name, 1))), trash);
-        writeAtomically(QFile::decodeName(infoPath.c_str()), bytesOf(text), calls);
+        writeAtomically(QFile::decodeName(infoPath.c_str()), bytesOf(text));
         if (calls.rename(encoded(path).c_str(), filePath.c_str()) < 0) throw FileError(errno);
         info.keep();
         return;

@@ -63,7 +63,7 @@ ReadPicture readPicture(const QString& path, const Progress& progress) {
 }
 
 void write(const QString& path, const QByteArray& bytes, const Progress& progress) {
-    writeAtomically(path, bytesOf(bytes), FileCalls::ofSystem(), progress);
+    writeAtomically(path, bytesOf(bytes), progress);
 }
 
 } // namespace

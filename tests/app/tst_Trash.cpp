@@ -1,4 +1,6 @@
 #include "app/desktop/Trash.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/FileCalls.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 
@@ -35,8 +37,9 @@ class tst_Trash : public QObject {
         return path;
     }
     int errorOf(const FileCalls& calls) const {
+        const FileCallsInstead inUse(calls);
         try {
-            moveToTrash(made(), kName, "/b c", calls);
+            moveToTrash(made(), kName, "/b c");
             return 0;
         } catch (const FileError& error) {
             return error.systemError();
@@ -122,8 +125,11 @@ private Q_SLOTS:
             if (mode < 0) QCOMPARE(symlink("/tmp", common.constData()), 0);
             const QString user = QString::number(getuid());
             const QString trash = at(isCommon ? "disk/.Trash/" + user : "disk/.Trash-" + user);
-            moveToTrash(made(), kName, at("disk/in"), withDisk());
-            moveToTrash(made(), kName, "/b", withDisk());
+            {
+                const FileCallsInstead inUse(withDisk());
+                moveToTrash(made(), kName, at("disk/in"));
+                moveToTrash(made(), kName, "/b");
+            }
             QCOMPARE(namesIn(trash + "/files").size(), 2);
             QVERIFY(bytesAt(trash + "/info/" + kName + ".trashinfo").contains("\nPath=in/%C3%84"));
             QVERIFY(bytesAt(trash + "/info/Ä 100% 2.qirnpaint.trashinfo").contains("\nPath=/b/"));

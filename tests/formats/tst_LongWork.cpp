@@ -164,8 +164,7 @@ private Q_SLOTS:
         for (int64_t k = 0;; ++k) {
             writeAtomically(path, bytesOf(old));
             Watched tired(k);
-            if (!isStopped(
-                    [&] { writeAtomically(path, bytesOf(fresh), FileCalls::ofSystem(), Progress(tired)); })) {
+            if (!isStopped([&] { writeAtomically(path, bytesOf(fresh), Progress(tired)); })) {
                 QVERIFY(k >= 4);
                 break;
             }

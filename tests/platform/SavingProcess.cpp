@@ -1,7 +1,9 @@
 // Not a test: a process that saves, for tst_SafeSave to kill.
 #include "platform/Bytes.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/files/FileCalls.h"
 #include "platform/files/ReadFile.h"
+#include "support/FileFaults.h"
 
 #include <cerrno>
 #include <csignal>
@@ -17,30 +19,16 @@ namespace {
 /// The system's calls, of which the one of a number kills the process before it is made.
 FileCalls killedBefore(int64_t number, bool unnamed) {
     FileCalls calls = FileCalls::ofSystem();
-    const auto counted = [left = std::make_shared<int64_t>(number)](auto& call) {
-        call = [left, made = call](auto... arguments) {
-            if (--*left == 0) std::raise(SIGKILL);
-            return made(arguments...);
-        };
-    };
     if (!unnamed) {
         calls.open = [](const char* path, int flags, mode_t mode) {
             errno = EOPNOTSUPP;
             return (flags & O_TMPFILE) == O_TMPFILE ? -1 : ::open(path, flags, mode);
         };
     }
-    counted(calls.readlink);
-    counted(calls.stat);
-    counted(calls.access);
-    counted(calls.open);
-    counted(calls.fchmod);
-    counted(calls.write);
-    counted(calls.fsync);
-    counted(calls.close);
-    counted(calls.link);
-    counted(calls.rename);
-    counted(calls.unlink);
-    return calls;
+    return test::withEachCall(calls, [left = std::make_shared<int64_t>(number)](const char*) {
+        if (--*left == 0) std::raise(SIGKILL);
+        return 0;
+    });
 }
 
 } // namespace
@@ -49,7 +37,7 @@ FileCalls killedBefore(int64_t number, bool unnamed) {
 int main(int argc, char** argv) {
     if (argc < 5) return 1;
     const QByteArray bytes = readFile(QFile::decodeName(argv[2]));
-    writeAtomically(QFile::decodeName(argv[1]), bytesOf(bytes),
-                    killedBefore(std::atoi(argv[3]), argv[4] == std::string_view("unnamed")));
+    const FileCallsInstead inUse(killedBefore(std::atoi(argv[3]), argv[4] == std::string_view("unnamed")));
+    writeAtomically(QFile::decodeName(argv[1]), bytesOf(bytes));
     return 0;
 }

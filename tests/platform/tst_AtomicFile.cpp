@@ -1,5 +1,6 @@
 #include "platform/Bytes.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/files/FileCalls.h"
 #include "platform/files/ReadFile.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
@@ -26,8 +27,9 @@ QByteArray contentOf(const QString& path) {
 
 /// The error's number, or 0 when the file was written.
 int errorOf(const QString& path, const FileCalls& calls = FileCalls::ofSystem()) {
+    const FileCallsInstead inUse(calls);
     try {
-        writeAtomically(path, bytesOf(kNew), calls);
+        writeAtomically(path, bytesOf(kNew));
         return 0;
     } catch (const FileError& error) {
         return error.systemError();

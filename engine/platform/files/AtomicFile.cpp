@@ -1,6 +1,7 @@
 #include "platform/files/AtomicFile.h"
 
 #include "platform/CheckedMath.h"
+#include "platform/files/FileCalls.h"
 #include "platform/files/FilePath.h"
 
 #include <cerrno>
@@ -12,6 +13,7 @@
 #include <QCoreApplication>
 #include <QUuid>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace qirn {
@@ -249,31 +251,8 @@ FileError FileError::notFlushed(int systemError) {
                 "The file is written, but the disk reported an error: it may not outlast a power cut.")};
 }
 
-const FileCalls& FileCalls::ofSystem() {
-    static const FileCalls calls{
-        .readlink = ::readlink,
-        .stat = [](const char* path, struct stat* facts) { return ::stat(path, facts); },
-        .lstat = [](const char* path, struct stat* facts) { return ::lstat(path, facts); },
-        .mkdir = ::mkdir,
-        .access = ::access,
-        .open = [](const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); },
-        .fchmod = ::fchmod,
-        .write = ::write,
-        .fsync = ::fsync,
-        .close = ::close,
-        .link =
-            [](int file, const char* path) {
-                const std::string opened = "/proc/self/fd/" + std::to_string(file);
-                return ::linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, path, AT_SYMLINK_FOLLOW);
-            },
-        .rename = ::rename,
-        .unlink = ::unlink,
-    };
-    return calls;
-}
-
-void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const FileCalls& calls,
-                     const Progress& progress) {
+void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const Progress& progress) {
+    const FileCalls& calls = FileCalls::inUse();
     const std::string target = followLinks(bytesOfPath(path).toStdString(), calls);
     const Replacement replacement{target, folderOf(target), modeToKeep(target, calls), bytes, progress};
     const OpenFile folder(openFolder(replacement.folder, calls), calls);

@@ -1,5 +1,7 @@
 #include "platform/files/FilePath.h"
 
+#include "platform/files/FileCalls.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -67,7 +69,7 @@ std::optional<QString> pathOfAddress(const QUrl& address) {
 }
 
 bool isThere(const QString& path) {
-    return ::access(bytesOfPath(path).constData(), F_OK) == 0;
+    return FileCalls::inUse().access(bytesOfPath(path).constData(), F_OK) == 0;
 }
 
 QString absolutePath(const QString& path) {

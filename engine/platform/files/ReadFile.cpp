@@ -1,6 +1,7 @@
 #include "platform/files/ReadFile.h"
 
 #include "platform/CheckedMath.h"
+#include "platform/files/FileCalls.h"
 #include "platform/files/FilePath.h"
 
 #include <algorithm>
@@ -49,29 +50,31 @@ int64_t freeMemory() {
 
 /// An open file descriptor, closed at the end of its life.
 struct Descriptor {
-    explicit Descriptor(int opened) : number(opened) {}
+    Descriptor(int opened, const FileCalls& calls_) : number(opened), calls(calls_) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor() {
-        if (number >= 0) ::close(number);
+        if (number >= 0) calls.close(number);
     }
     const int number;
+    const FileCalls& calls;
 };
 
 /// Opens without blocking, even a pipe that nobody writes to.
-int openAtOnce(const QString& path) {
+Descriptor openAtOnce(const QString& path) {
+    const FileCalls& calls = FileCalls::inUse();
     const QByteArray name = bytesOfPath(path);
     int descriptor = -1;
     do {
-        descriptor = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+        descriptor = calls.open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0);
     } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
+    return {descriptor, calls};
 }
 
 /// What the descriptor is of; throws for what is no file.
 struct stat factsOfFile(const Descriptor& file) {
     struct stat facts {};
-    if (file.number < 0 || ::fstat(file.number, &facts) < 0) fail(errno);
+    if (file.number < 0 || file.calls.fstat(file.number, &facts) < 0) fail(errno);
     if (S_ISDIR(facts.st_mode)) refuse(QT_TRANSLATE_NOOP("ReadError", "This is a folder."));
     if (!S_ISREG(facts.st_mode))
         refuse(QT_TRANSLATE_NOOP("ReadError", "This is a device or a pipe, not a file."));
@@ -81,7 +84,7 @@ struct stat factsOfFile(const Descriptor& file) {
 } // namespace
 
 QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& progress) {
-    const Descriptor file(openAtOnce(path));
+    const Descriptor file = openAtOnce(path);
     const struct stat facts = factsOfFile(file);
     const int64_t most = std::min(mostBytes, freeMemory());
     QByteArray bytes;
@@ -91,8 +94,8 @@ QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& prog
         if (room - 1 > most)
             refuse(QT_TRANSLATE_NOOP("ReadError", "The file is too large for the memory that is free."));
         bytes.resize(room);
-        const ssize_t count =
-            ::read(file.number, bytes.data() + length, checkedSize(std::min(room - length, kPieceBytes)));
+        const ssize_t count = file.calls.read(file.number, bytes.data() + length,
+                                              checkedSize(std::min(room - length, kPieceBytes)));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) fail(errno);
         if (count == 0) break;
@@ -105,14 +108,14 @@ QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& prog
 }
 
 QByteArray readFilePart(const QString& path, int64_t offset, int64_t count) {
-    const Descriptor file(openAtOnce(path));
+    const Descriptor file = openAtOnce(path);
     const struct stat facts = factsOfFile(file);
     const int64_t there = std::clamp<int64_t>(facts.st_size - offset, 0, count);
     QByteArray bytes(static_cast<qsizetype>(there), Qt::Uninitialized);
     qsizetype length = 0;
     while (length < bytes.size()) {
-        const ssize_t got =
-            ::pread(file.number, bytes.data() + length, checkedSize(bytes.size() - length), offset + length);
+        const ssize_t got = file.calls.pread(file.number, bytes.data() + length,
+                                             checkedSize(bytes.size() - length), offset + length);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) fail(errno);
         if (got == 0) break; // it has become shorter
