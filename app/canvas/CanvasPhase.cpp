@@ -9,7 +9,7 @@ void CanvasPhase::begin(Tool tool, std::unique_ptr<CanvasTool> gesture, const Pe
     gesture_ = std::move(gesture);
     tool_ = tool;
     latest_ = press;
-    if (isPainting()) quiet_.emplace(BackgroundQueue::previews());
+    if (isPainting()) quiet_.emplace();
 }
 
 void CanvasPhase::drag(const PenSample& sample, QPointF canvasPoint) {

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/canvas/CanvasTool.h"
 #include "app/desktop/BackgroundQueue.h"
+#include "platform/BackgroundThread.h"
 
 #include <memory>
 #include <optional>
@@ -26,7 +27,12 @@ private:
     std::unique_ptr<CanvasTool> dropped_; // kept until the next one begins: its drag may be on the stack
     Tool tool_ = Tool::brush;
     PenSample latest_;
-    std::optional<BackgroundQueue::Pause> quiet_; // previews wait for a stroke
+    /// Previews wait for a stroke, and what is written in the background rests meanwhile.
+    struct Quiet {
+        BackgroundQueue::Pause previews{BackgroundQueue::previews()};
+        HandInMotion hand;
+    };
+    std::optional<Quiet> quiet_; // during a stroke
 };
 
 } // namespace qirn

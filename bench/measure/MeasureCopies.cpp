@@ -20,7 +20,7 @@ namespace qirn::bench {
 
 namespace {
 
-constexpr int kRounds = 3;
+constexpr int kRounds = 5;
 constexpr double kSecondsBetweenCopies = 1;
 
 /// Milliseconds from when a point was due to when the display had it.

@@ -1,6 +1,7 @@
 #include "platform/BackgroundThread.h"
 
 #include <atomic>
+#include <thread>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -10,8 +11,10 @@ namespace qirn {
 namespace {
 
 constexpr int kLowestPriority = 19;
+constexpr std::chrono::milliseconds kLook(4); // at what the hand does, while a thread rests
 thread_local bool isBackground = false;
 std::atomic<int> hurries = 0;
+std::atomic<int> hands = 0;
 
 } // namespace
 
@@ -26,6 +29,22 @@ BackgroundHurry::BackgroundHurry() {
 }
 BackgroundHurry::~BackgroundHurry() {
     --hurries;
+}
+
+HandInMotion::HandInMotion() {
+    ++hands;
+}
+HandInMotion::~HandInMotion() {
+    --hands;
+}
+
+void BackgroundRest::whileHandMoves() {
+    using Clock = std::chrono::steady_clock;
+    while (hands > 0 && left_ > left_.zero() && keepsToItself()) {
+        const Clock::time_point before = Clock::now();
+        std::this_thread::sleep_for(kLook);
+        left_ -= Clock::now() - before;
+    }
 }
 
 bool keepsToItself() {

@@ -95,7 +95,11 @@ void concurrentPerform(int64_t count, const std::function<void(int64_t)>& body, 
         });
     }
     int64_t first = 0; // what a background thread leaves to all when somebody begins to wait for it
-    for (; first < count && keepsToItself(); ++first) body(first);
+    BackgroundRest rest;
+    for (; first < count && keepsToItself(); ++first) {
+        body(first);
+        rest.whileHandMoves();
+    }
     // A tile is large enough for a task of its own, and tiles of uneven cost are balanced best that way.
     perform<tbb::simple_partitioner>(first, count, body);
 }
@@ -107,9 +111,11 @@ void concurrentPerformByWorkers(int64_t workers, int64_t count,
     std::atomic<int64_t> next = 0;
     const auto work = [&](int64_t worker) {
         const bool isAlone = keepsToItself();
+        BackgroundRest rest;
         for (int64_t i; isAlone == keepsToItself() && (i = next++) < count;) {
             body(checkedSize(worker), i);
             counted.oneDone();
+            rest.whileHandMoves();
         }
     };
     // Again where somebody began to wait for a background thread, or waits no more.

@@ -2,6 +2,7 @@
 
 #include "core/PaintDocument.h"
 #include "formats/native/PaintFile.h"
+#include "platform/BackgroundThread.h"
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/Pictures.h"
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <mutex>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -76,6 +78,28 @@ private Q_SLOTS:
             QVERIFY(threads[1].size() > 1);
         }
         setConcurrency(0);
+    }
+
+    void aLoopRestsWhileAHandPaints() {
+        BackgroundQueue queue;
+        for (const int kind : {0, 1, 2, 3}) {
+            const bool byWorkers = kind % 2, isAwaited = kind / 2;
+            std::atomic<int> done = 0;
+            auto hand = std::make_optional<HandInMotion>();
+            const auto end = queue.run([&] {
+                BackgroundRest(std::chrono::milliseconds(20)).whileHandMoves(); // a short one ends by itself
+                if (byWorkers)
+                    concurrentPerformByWorkers(4, 100, [&](std::size_t, int64_t) { ++done; });
+                else
+                    concurrentPerform(100, [&](int64_t) { ++done; });
+            });
+            while (done == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::this_thread::sleep_for(std::chrono::milliseconds(50)); // in which it would have done all
+            QCOMPARE(done.load(), 1);
+            isAwaited ? queue.finish() : hand.reset();
+            end.get();
+            QCOMPARE(done.load(), 100);
+        }
     }
 
     /// Copies of ten moments, each written while the next is painted and committed: under the thread sanitizer too.
