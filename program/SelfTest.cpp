@@ -37,7 +37,7 @@ public:
     std::optional<SavePlace> saveFile(const SaveQuestion&) override { return std::nullopt; }
     QStringList openFiles(const QString&, const QList<FileType>&, Several) override { return {}; }
     void noteUsedFile(const QString&) override {}
-    int ask(const QString&, const QString&, const QStringList&, int cancelButton) override {
+    int ask(const QString&, const QString&, const QStringList&, int cancelButton, int) override {
         return cancelButton;
     }
     void beep() override {}

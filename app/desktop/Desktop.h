@@ -41,9 +41,9 @@ public:
     virtual QStringList openFiles(const QString& title, const QList<FileType>& types, Several several) = 0;
     /// A file of the user's was read or written: the next panel starts in its folder.
     virtual void noteUsedFile(const QString& path) = 0;
-    /// A message box; the index of the button that was pressed. The first button is the default one.
-    virtual int ask(const QString& title, const QString& text, const QStringList& buttons,
-                    int cancelButton) = 0;
+    /// A message box; the index of the button that was pressed. Escape presses `cancelButton`, Return `defaultButton`.
+    virtual int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton,
+                    int defaultButton = 0) = 0;
     virtual void beep() = 0;
     virtual void noteRecentFile(const QString& path) = 0;
     /// What lies on the clipboard; borrowed until control returns to the event loop.

@@ -106,8 +106,9 @@ void QtDesktop::setClipboard(std::unique_ptr<QMimeData> content) {
     QGuiApplication::clipboard()->setMimeData(content.release()); // takes it
 }
 
-int QtDesktop::ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) {
-    MessageBox box(title, text, buttons, cancelButton, QApplication::activeWindow());
+int QtDesktop::ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton,
+                   int defaultButton) {
+    MessageBox box(title, text, buttons, cancelButton, defaultButton, QApplication::activeWindow());
     box.setWindowTitle(QApplication::applicationDisplayName());
     return box.ask();
 }

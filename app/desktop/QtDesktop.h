@@ -9,7 +9,8 @@ public:
     std::optional<SavePlace> saveFile(const SaveQuestion& question) override;
     QStringList openFiles(const QString& title, const QList<FileType>& types, Several several) override;
     void noteUsedFile(const QString& path) override;
-    int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton) override;
+    int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton,
+            int defaultButton = 0) override;
     void beep() override;
     void noteRecentFile(const QString& path) override;
     const QMimeData& clipboard() override;

@@ -3,9 +3,13 @@
 #include "platform/Bytes.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FileCalls.h"
+#include "platform/files/FilePath.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
 #include <string>
 
 #include <QDateTime>
@@ -156,6 +160,28 @@ void moveToTrash(const QString& path, const QString& name, const QString& folder
         return;
     }
     throw FileError(EEXIST);
+}
+
+bool isInTrash(const QString& path) {
+    const auto real = [](const QByteArray& name) {
+        const std::unique_ptr<char, decltype(&std::free)> found(::realpath(name.constData(), nullptr),
+                                                                std::free);
+        return std::string(found ? found.get() : "");
+    };
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const std::string home = real(bytesOfPath(data + QStringLiteral("/Trash"))),
+                      file = real(bytesOfPath(path));
+    // What lies in a Trash is somewhere below its "files", and the records are beside that.
+    for (std::size_t end = 0; (end = file.find("/files/", end + 1)) != std::string::npos;) {
+        const std::filesystem::path folder(file.substr(0, end));
+        const std::string name = folder.filename().string();
+        const bool isCalledSo =
+            name == "Trash" || name.starts_with(".Trash-") || folder.parent_path().filename() == ".Trash";
+        struct stat facts {};
+        if (folder == home || (isCalledSo && isFolder((folder / "info").string(), FileCalls::inUse(), facts)))
+            return true;
+    }
+    return false;
 }
 
 } // namespace qirn

@@ -10,4 +10,7 @@ namespace qirn {
 /// counts as deleted from `folder`, where the desktop puts it back. Throws FileError, with the file where it was.
 void moveToTrash(const QString& path, const QString& name, const QString& folder);
 
+/// Whether the file, or the folder that it is in, was moved to a Trash: this user's, or that of any disk.
+bool isInTrash(const QString& path);
+
 } // namespace qirn

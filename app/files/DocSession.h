@@ -1,10 +1,12 @@
 #pragma once
 #include "app/files/ViewTransform.h"
 #include "core/PaintDocument.h"
+#include "platform/files/FileStamp.h"
 
 #include <cstdint>
 #include <future>
 #include <memory>
+#include <optional>
 
 #include <QDateTime>
 #include <QObject>
@@ -31,7 +33,9 @@ public:
     const QUuid id; ///< Also names the safety copy.
     PaintDocument& doc() const { return *document_; }
 
-    QUrl fileURL;        ///< Empty: never saved, or imported from another format.
+    QUrl fileURL; ///< Empty: never saved, or imported from another format.
+    /// Of its file when it was last read or written here; nothing where there is no file, or nothing is known of it.
+    std::optional<FileStamp> fileStamp;
     QString name;        ///< As the tab shows it, without extension.
     int64_t savedChange; ///< The document's change count at the last save, or -1.
     int64_t autosavedChange;

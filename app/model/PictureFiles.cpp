@@ -4,6 +4,7 @@
 #include "app/desktop/Failures.h"
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Store.h"
+#include "app/desktop/Trash.h"
 #include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
 #include "app/files/SalvagedPicture.h"
@@ -51,15 +52,17 @@ QStringList storedRecentFiles(const Store& store) {
 
 struct ReadPicture : ImageImport::Imported {
     bool isDocument = false; ///< By its content: a save may take its place.
+    FileStamp stamp;
 };
 
 /// Throws ReadError, or the format layer's typed error.
 ReadPicture readPicture(const QString& path, const Progress& progress) {
-    const QByteArray bytes = readFile(path, kAnyLength, progress.part(0, kFileRead));
+    FileStamp stamp;
+    const QByteArray bytes = readFile(path, kAnyLength, progress.part(0, kFileRead), &stamp);
     const auto& magic = PaintFile::magic;
     const bool isDocument = bytesOf(bytes).size() >= magic.size() &&
                             std::equal(magic.begin(), magic.end(), bytesOf(bytes).begin());
-    return {ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1)), isDocument};
+    return {ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1)), isDocument, stamp};
 }
 
 void write(const QString& path, const QByteArray& bytes, const Progress& progress) {
@@ -125,7 +128,7 @@ void PictureFiles::add(const std::shared_ptr<DocSession>& session, const QString
     session->atMostFullSize = true;
     model_.pictures().add(session);
     if (!session->remark.isEmpty()) model_.messages().flash(session->remark);
-    noteRecentFile(path);
+    if (!isInTrash(path)) noteRecentFile(path); // where the next save would be proposed, too
 }
 
 std::optional<PictureFiles::Refusal> PictureFiles::whyNotOpened(const QString& path) {
@@ -145,19 +148,41 @@ std::optional<PictureFiles::Refusal> PictureFiles::whyNotOpened(const QString& p
     const QString base = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     const QString name =
         native || info.suffix().isEmpty() ? base : tr("%1 (from %2)").arg(base, info.suffix().toUpper());
-    const auto session = std::make_shared<DocSession>(
-        std::move(picture.document), name, native ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl());
+    // What is put back from the Trash must not meet an open picture, and what is emptied with it was kept nowhere else.
+    const bool isTrashed = native && isInTrash(path);
+    const QUrl url = native && !isTrashed ? QUrl::fromLocalFile(info.absoluteFilePath()) : QUrl();
+    const auto session =
+        std::make_shared<DocSession>(std::move(picture.document), name, url, QUuid::createUuid(),
+                                     isTrashed ? DocSession::Dirty::yes : DocSession::Dirty::no);
+    if (!url.isEmpty()) session->fileStamp = picture.stamp;
     session->remark = wordsOf(picture.remarks);
     add(session, info.absoluteFilePath());
     return std::nullopt;
+}
+
+std::optional<PictureFiles::Place> PictureFiles::placeToSave(const DocSession& session, SaveAs as) {
+    if (as == SaveAs::yes || session.fileURL.isEmpty()) return Place::another;
+    const QString path = session.fileURL.toLocalFile();
+    const auto now = FileStamp::at(path); // nothing: it has vanished, and is written anew
+    if (!now || !session.fileStamp || now == session.fileStamp) return Place::itsFile;
+    constexpr int kOverwrite = 0, kSaveAs = 1, kCancel = 2;
+    // Return does what loses nothing.
+    const int answer = model_.desktop().ask(
+        tr("\"%1\" was changed by another program.").arg(QFileInfo(path).fileName()),
+        tr("It is not as you opened or saved it last. Overwriting it loses what the other program wrote."),
+        {tr("Overwrite"), tr("Save As…"), tr("Cancel")}, kCancel, kSaveAs);
+    if (answer == kCancel) return std::nullopt;
+    return answer == kOverwrite ? Place::itsFile : Place::another;
 }
 
 bool PictureFiles::save(DocSession* session, SaveAs as) {
     if (!session) session = model_.current();
     if (!session) return false;
     if (session == model_.current()) model_.finishGesture();
+    const auto wanted = placeToSave(*session, as);
+    if (!wanted) return false;
     QString path = session->fileURL.toLocalFile();
-    if (as == SaveAs::yes || session->fileURL.isEmpty()) {
+    if (*wanted == Place::another) {
         const auto place = model_.desktop().saveFile(
             {tr("Save"),
              FileTypes::fileName(session->name, extension()),
@@ -184,12 +209,16 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
         };
         if (!model_.longTask().run(tr("Saving %1…").arg(QFileInfo(path).fileName()), save)) return false;
     } catch (const std::exception& error) {
+        const auto* failure = dynamic_cast<const FileError*>(&error);
+        if (failure && failure->isWritten() && path == session->fileURL.toLocalFile())
+            session->fileStamp = FileStamp::at(path); // nobody else has changed it
         model_.messages().alert(tr("Couldn't save"),
                                 failureText(error) + tr("\n\nYour work is still open and autosaved."));
         return false;
     }
     const QFileInfo info(path);
     session->fileURL = QUrl::fromLocalFile(info.absoluteFilePath());
+    session->fileStamp = FileStamp::at(path);
     session->name = info.completeBaseName();
     session->remark.clear();
     session->savedChange = session->autosavedChange = session->doc().changeCount();

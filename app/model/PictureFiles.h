@@ -44,6 +44,9 @@ private:
     void openWhatCanBeRead(const QString& path);
     void add(const std::shared_ptr<DocSession>& session, const QString& path);
     void noteRecentFile(const QString& path);
+    enum class Place { itsFile, another };
+    /// Where it is saved, where its file may have to be asked about; nothing where the user cancels.
+    std::optional<Place> placeToSave(const DocSession& session, SaveAs as);
 
     PaintModel& model_;
 };

@@ -28,7 +28,7 @@ QString breakable(const QString& text) {
 } // namespace
 
 MessageBox::MessageBox(const QString& title, const QString& text, const QStringList& buttons,
-                       int cancelButton, QWidget* parent)
+                       int cancelButton, int defaultButton, QWidget* parent)
     : QDialog(parent),
       answer_(cancelButton) {
     setAccessibleName(title);
@@ -57,9 +57,9 @@ MessageBox::MessageBox(const QString& title, const QString& text, const QStringL
             accept();
         });
     }
-    if (!buttons_.isEmpty()) {
-        buttons_.first()->setDefault(true);
-        buttons_.first()->setFocus(); // or the one that stands first would be pressed
+    if (defaultButton < buttons_.size()) {
+        buttons_[defaultButton]->setDefault(true);
+        buttons_[defaultButton]->setFocus(); // or the one that stands first would be pressed
     }
     QirnKit::followMetrics(this, [=, this](const Metrics& m) {
         heading->setFont(ChromeFont::title());

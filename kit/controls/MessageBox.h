@@ -10,9 +10,9 @@ namespace qirn {
 class MessageBox : public QDialog {
     Q_OBJECT
 public:
-    /// `cancelButton` is what Escape presses.
+    /// `cancelButton` is what Escape presses, `defaultButton` what Return does.
     MessageBox(const QString& title, const QString& text, const QStringList& buttons, int cancelButton,
-               QWidget* parent);
+               int defaultButton, QWidget* parent);
 
     int ask(); ///< Waits for an answer: the index of a button.
     const QList<QPushButton*>& buttons() const { return buttons_; } ///< In the order of their indexes.

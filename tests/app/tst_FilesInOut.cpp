@@ -25,6 +25,7 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
+#include <fcntl.h>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -144,6 +145,46 @@ private Q_SLOTS:
         QVERIFY(!studio.model.pictures().close(dog));
         QVERIFY(studio.model.current() == &dog &&
                 studio.model.sheet() == PaintSheet{PaintSheet::Kind::exportPicture});
+    }
+
+    void aFileThatAnotherProgramChangedIsAskedAbout() {
+        Studio studio;
+        const QString path = studio.path("Sea.qirnpaint"), other = studio.path("other.qirnpaint");
+        studio.desktop.savePaths = {path};
+        const auto save = [&] { return studio.model.files().save(nullptr, PictureFiles::SaveAs::no); };
+        QVERIFY(save() && save() && studio.desktop.asked.empty());
+        const auto touch = [&](int64_t nanoseconds) { // its length stays
+            struct stat facts {};
+            ::stat(qPrintable(path), &facts);
+            const timespec times[] = {facts.st_atim, {facts.st_mtim.tv_sec, nanoseconds}};
+            ::utimensat(AT_FDCWD, qPrintable(path), times, 0);
+        };
+        const auto append = [&] { // the time of its last change stays
+            struct stat facts {};
+            ::stat(qPrintable(path), &facts);
+            writeFile(path, bytesAt(path) + "x");
+            touch(facts.st_mtim.tv_nsec);
+        };
+        touch(1);
+        const QByteArray before = bytesAt(path);
+        studio.fill({0, 0, 9, 9});
+        studio.desktop.answers = {0};
+        QVERIFY(!studio.model.pictures().shouldQuit() && bytesAt(path) == before); // cancelled
+        QCOMPARE(studio.desktop.asked.back().title, "\"Sea.qirnpaint\" was changed by another program.");
+        QCOMPARE(studio.desktop.asked.back().buttons, QStringList({"Overwrite", "Save As…", "Cancel"}));
+        QCOMPARE(studio.desktop.asked.back().defaultButton, 1);
+        studio.desktop.answers = {0};
+        QVERIFY(save() && bytesAt(path) != before);
+        append();
+        studio.desktop.answers = {1, 1};
+        studio.desktop.savePaths = {other};
+        QVERIFY(save() && studio.session().fileURL == QUrl::fromLocalFile(other));
+        studio.model.files().open(path);
+        const std::size_t asked = studio.desktop.asked.size();
+        QVERIFY(save());
+        touch(2);
+        QVERIFY(QFile::remove(path) && save());
+        QCOMPARE(studio.desktop.asked.size(), asked);
     }
 
     void aCancelledQuitTellsWhatItClosed() {

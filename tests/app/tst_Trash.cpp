@@ -1,8 +1,14 @@
 #include "app/desktop/Trash.h"
+#include "app/files/DocSession.h"
+#include "app/model/OpenPictures.h"
+#include "app/model/PictureFiles.h"
+#include "formats/native/PaintFile.h"
+#include "platform/Bytes.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FileCalls.h"
+#include "platform/files/FilePath.h"
 #include "support/Files.h"
-#include "support/TestMain.h"
+#include "support/Studio.h"
 
 #include <cerrno>
 
@@ -58,6 +64,31 @@ class tst_Trash : public QObject {
     }
 
 private Q_SLOTS:
+    void aDocumentInATrashIsUnsaved() {
+        Studio studio; // whose data folder is "data"
+        PaintDocument doc(30, 20, 72, PaintColor::white());
+        const QByteArray file = PaintFile::encode(doc);
+        for (const auto& [folder, isTrash] : {std::pair{"data/Trash/files", true},
+                                              {"data/Trash/files/a folder/files", true},
+                                              {"disk/.Trash-7/files", true},
+                                              {"disk/.Trash/7/files", true},
+                                              {"disk/Trash/files", false}, // no record can be beside it
+                                              {"disk/.Trash/files", false}}) {
+            const QString place = studio.path(folder), link = place + ".qirnpaint";
+            QVERIFY(QDir().mkpath(place) && (!isTrash || QDir().mkpath(place + "/../info")));
+            for (const QByteArray name : {"Sea.qirnpaint", "S\xe9.qirnpaint"}) {
+                const QString path = place + u'/' + pathFromBytes(name);
+                writeAtomically(path, bytesOf(file));
+                studio.model.files().open(path);
+                QCOMPARE(studio.session().fileURL.isEmpty() && studio.session().isDirty(), isTrash);
+                QCOMPARE(studio.desktop.usedFile == path, !isTrash);
+            }
+            QVERIFY(QFile::link(place + "/Sea.qirnpaint", link));
+            studio.model.files().open(link);
+            QCOMPARE(studio.session().fileURL.isEmpty(), isTrash);
+        }
+    }
+
     void init() {
         world_ = std::make_unique<QTemporaryDir>();
         QVERIFY(QDir().mkpath(at("disk")));

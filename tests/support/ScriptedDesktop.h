@@ -17,6 +17,7 @@ public:
         QString title;
         QString text;
         QStringList buttons;
+        int defaultButton;
     };
 
     std::deque<QString> savePaths; ///< Answers to the save panel, in order; an empty one would rather export.
@@ -41,9 +42,9 @@ public:
         return take(openPaths).value_or(QStringList());
     }
     void noteUsedFile(const QString& path) override { usedFile = path; }
-    int ask(const QString& title, const QString& text, const QStringList& buttons,
-            int cancelButton) override {
-        asked.push_back({title, text, buttons});
+    int ask(const QString& title, const QString& text, const QStringList& buttons, int cancelButton,
+            int defaultButton) override {
+        asked.push_back({title, text, buttons, defaultButton});
         return take(answers).value_or(cancelButton);
     }
     void beep() override { ++beeps; }

@@ -245,10 +245,11 @@ FileError::FileError(int systemError, const QString& description)
       systemError_(systemError) {}
 
 FileError FileError::notFlushed(int systemError) {
-    return {systemError,
-            QCoreApplication::translate(
-                "FileError",
-                "The file is written, but the disk reported an error: it may not outlast a power cut.")};
+    FileError error(systemError,
+                    QCoreApplication::translate("FileError", "The file is written, but the disk reported "
+                                                             "an error: it may not outlast a power cut."));
+    error.isWritten_ = true;
+    return error;
 }
 
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const Progress& progress) {

@@ -15,10 +15,12 @@ public:
     explicit FileError(int systemError); ///< An `errno` value.
     static FileError notFlushed(int systemError);
     int systemError() const { return systemError_; }
+    bool isWritten() const { return isWritten_; } ///< The new file is in its place: it is only not flushed.
 
 private:
     FileError(int systemError, const QString& description);
     int systemError_;
+    bool isWritten_ = false;
 };
 
 /// Makes the file at `path` hold exactly these bytes, or throws `FileError` and leaves what was there untouched,

@@ -83,9 +83,10 @@ struct stat factsOfFile(const Descriptor& file) {
 
 } // namespace
 
-QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& progress) {
+QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& progress, FileStamp* stamp) {
     const Descriptor file = openAtOnce(path);
     const struct stat facts = factsOfFile(file);
+    if (stamp) *stamp = FileStamp::of(facts);
     const int64_t most = std::min(mostBytes, freeMemory());
     QByteArray bytes;
     qsizetype length = 0;

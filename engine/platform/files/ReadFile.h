@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/DescribedError.h"
 #include "platform/Progress.h"
+#include "platform/files/FileStamp.h"
 
 #include <cstdint>
 #include <limits>
@@ -26,8 +27,10 @@ private:
 inline constexpr int64_t kAnyLength = std::numeric_limits<int64_t>::max();
 
 /// The whole content of a file; throws ReadError. What is no file (a folder, a pipe, a device) is refused without
-/// waiting for it, and one longer than `mostBytes` or than the memory that is free before any of it is read.
-QByteArray readFile(const QString& path, int64_t mostBytes = kAnyLength, const Progress& progress = {});
+/// waiting for it, and one longer than `mostBytes` or than the memory that is free before any of it is read. `stamp`
+/// becomes that of the file before its first byte was read: one that is written to meanwhile has another by then.
+QByteArray readFile(const QString& path, int64_t mostBytes = kAnyLength, const Progress& progress = {},
+                    FileStamp* stamp = nullptr);
 
 /// `count` bytes from `offset` on, fewer where the file ends. Throws as above.
 QByteArray readFilePart(const QString& path, int64_t offset, int64_t count);

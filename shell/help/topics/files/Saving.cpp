@@ -22,6 +22,14 @@ A save writes the whole file beside the old one and then takes its place. If the
 fails, the old file is still whole, and the picture is still open. The safety copy of «autosave» goes only when
 the save has succeeded.
 
+## Changed by another program
+If another program, or another machine, has written to the file since you opened or saved it, Save asks first:
+Overwrite takes your picture, Save As… keeps both, Cancel saves nothing. A file that is gone is written anew.
+
+## Opened from the Trash
+A document that you open inside the Trash is like a picture that was never saved: Save asks for a place, so that
+what you put back from the Trash, or empty, is never the picture that is open.
+
 ## Opened from another format
 A picture that you opened from PNG, JPEG or another format has no document yet; its tab says where it came from,
 as in "cat (from PNG)". Save asks for a place, and never overwrites the file that you opened. To write such a
