@@ -29,7 +29,8 @@ private:
     PenSample latest_;
     /// Previews wait for a stroke, and what is written in the background rests meanwhile.
     struct Quiet {
-        BackgroundQueue::Pause previews{BackgroundQueue::previews()};
+        Quiet() : previews(BackgroundQueue::previews()) {}
+        BackgroundQueue::Pause previews;
         HandInMotion hand;
     };
     std::optional<Quiet> quiet_; // during a stroke
