@@ -1,5 +1,7 @@
 #include "app/desktop/AppFolders.h"
 
+#include "platform/files/Folders.h"
+
 #include <QDir>
 #include <QStandardPaths>
 
@@ -13,7 +15,7 @@ QString& baseOverride() {
 }
 
 QString made(const QString& folder) {
-    QDir().mkpath(folder);
+    makeOwnFolder(folder);
     return folder;
 }
 

@@ -4,6 +4,7 @@
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FileCalls.h"
 #include "platform/files/FilePath.h"
+#include "platform/files/Folders.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -83,7 +84,7 @@ TrashFolder trashOfDisk(const std::string& folder, const FileCalls& calls) {
 
 TrashFolder trashFor(const std::string& folder, const FileCalls& calls) {
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    QDir().mkpath(data);
+    if (!makeFolders(data)) throw FileError(errno);
     const std::string home = encoded(data) + "/Trash";
     makeFolder(home, calls);
     if (diskOf(home, calls) == diskOf(folder, calls)) return {home, {}};

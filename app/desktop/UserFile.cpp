@@ -37,7 +37,7 @@ bool UserFile::save(const QByteArray& bytes) {
         unreadable_ = false;
     }
     try {
-        writeAtomically(path_, bytesOf(bytes));
+        writeOwnFile(path_, bytesOf(bytes), UsersLinks::followed);
         return true;
     } catch (const FileError&) {
         return false; // the values stay in use, and the next change tries again

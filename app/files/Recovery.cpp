@@ -11,6 +11,7 @@
 #include "platform/Json.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/ReadFile.h"
+#include "platform/files/TemporaryFile.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -91,8 +92,10 @@ struct CopyJob {
     void run() const {
         try {
             if (!lock) throw FileError(EBUSY); // another program has this copy
-            writeAtomically(file, bytesOf(PaintFile::encode(picture, PaintFile::kPreviewSide)));
-            writeAtomically(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))));
+            writeOwnFile(file, bytesOf(PaintFile::encode(picture, PaintFile::kPreviewSide)),
+                         UsersLinks::replaced);
+            writeOwnFile(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))),
+                         UsersLinks::replaced);
         } catch (const std::exception& error) {
             qWarning("Qirn Paint autosave failed: %s", error.what());
             throw;
@@ -208,6 +211,7 @@ std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) 
     // Locks of programs that ended without a copy: releasing them removes their files.
     for (const QFileInfo& lock : folder.entryInfoList({QStringLiteral("*.lock")}, QDir::Files | QDir::Hidden))
         CopyLock::take(lock.filePath());
+    for (const QString& own : {AppFolders::base(), AppFolders::autosave()}) sweepTemporaries(own);
     std::stable_sort(items.begin(), items.end(),
                      [](const Item& a, const Item& b) { return a.info.date > b.info.date; });
     return items;

@@ -10,7 +10,7 @@ namespace qirn::test {
 /// number of names is checked by the compiler.
 template <class Visit> void forEachCall(FileCalls& calls, Visit visit) {
     auto& [readlink, stat, lstat, access, listxattr, getxattr, list, mkdir, open, fstat, flock, fchmod,
-           fchown, fsetxattr, fremovexattr, read, pread, write, fsync, close, link, rename, unlink] = calls;
+           fchown, fsetxattr, fremovexattr, read, pread, write, fsync, dup, close, link, rename, unlink] = calls;
     visit("readlink", readlink);
     visit("stat", stat);
     visit("lstat", lstat);
@@ -30,6 +30,7 @@ template <class Visit> void forEachCall(FileCalls& calls, Visit visit) {
     visit("pread", pread);
     visit("write", write);
     visit("fsync", fsync);
+    visit("dup", dup);
     visit("close", close);
     visit("link", link);
     visit("rename", rename);

@@ -1,68 +1,23 @@
 #include "platform/files/AtomicFile.h"
 
 #include "platform/CheckedMath.h"
-#include "platform/files/FileCalls.h"
+#include "platform/files/FileAccess.h"
 #include "platform/files/FilePath.h"
+#include "platform/files/TemporaryFile.h"
 
 #include <cerrno>
 #include <optional>
 #include <string>
-#include <system_error>
-#include <utility>
 
-#include <QCoreApplication>
-#include <QUuid>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace qirn {
 
 namespace {
 
-constexpr int kMostLinks = 40;               // as the system itself allows
-constexpr std::size_t kPieceBytes = 1 << 20; // of one call: slow disks take a tenth of a second for them
-constexpr double kWritten = 0.8;             // of the work, where the disk still has to flush
-constexpr int kNameAttempts = 16;
-
-struct Reason {
-    int error;
-    const char* text;
-};
-constexpr Reason kReasons[] = {
-    {ENOSPC, QT_TRANSLATE_NOOP("FileError", "There is not enough space on the disk.")},
-    {EDQUOT, QT_TRANSLATE_NOOP("FileError", "Your share of the disk is used up.")},
-    {EACCES, QT_TRANSLATE_NOOP("FileError", "You do not have permission to write here.")},
-    {EPERM, QT_TRANSLATE_NOOP("FileError", "You do not have permission to write here.")},
-    {EROFS, QT_TRANSLATE_NOOP("FileError", "The disk is read-only.")},
-    {ENOENT, QT_TRANSLATE_NOOP("FileError", "The folder does not exist.")},
-    {ENOTDIR, QT_TRANSLATE_NOOP("FileError", "The folder does not exist.")},
-    {EISDIR, QT_TRANSLATE_NOOP("FileError", "A folder of this name is in the way.")},
-    {ENAMETOOLONG, QT_TRANSLATE_NOOP("FileError", "The name is too long.")},
-    {EIO, QT_TRANSLATE_NOOP("FileError", "The disk reported an error.")},
-};
-
-QString reasonFor(int error) {
-    for (const Reason& reason : kReasons) {
-        if (reason.error == error) return QCoreApplication::translate("FileError", reason.text);
-    }
-    return QCoreApplication::translate("FileError", "The file could not be written (%1).")
-        .arg(QString::fromLocal8Bit(std::generic_category().message(error).c_str()));
-}
-
-/// The result of a system call that reports failure by a negative number; retries when a signal interrupts it.
-template <class Call> auto checked(Call call) {
-    while (true) {
-        const auto result = call();
-        if (result >= 0) return result;
-        if (errno != EINTR) throw FileError(errno);
-    }
-}
-
-/// The folder of a path with its slash; empty for a bare name.
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/') + 1);
-}
+constexpr int kMostLinks = 40;   // as the system itself allows
+constexpr double kWritten = 0.8; // of the work, where the disk still has to flush
 
 /// Follows a symbolic link in the last part of a path, also to a file that does not exist yet.
 std::string followLinks(std::string path, const FileCalls& calls) {
@@ -78,151 +33,71 @@ std::string followLinks(std::string path, const FileCalls& calls) {
     throw FileError(ELOOP);
 }
 
-/// The mode of the file that is to be replaced; nothing where there is none.
-std::optional<mode_t> modeToKeep(const std::string& path, const FileCalls& calls) {
-    struct stat facts {};
-    if (calls.stat(path.c_str(), &facts) < 0) {
-        if (errno == ENOENT) return std::nullopt;
-        throw FileError(errno);
-    }
-    if (S_ISDIR(facts.st_mode)) throw FileError(EISDIR);
-    if (!S_ISREG(facts.st_mode)) throw FileError(EINVAL);
-    checked([&] { return calls.access(path.c_str(), W_OK); });
-    return facts.st_mode & 07777;
+/// Of a file that is to be replaced; nothing where there is none. One that is write-protected is refused.
+std::optional<FileAccess> accessToKeep(const std::string& path, const FileCalls& calls) {
+    std::optional<FileAccess> access = FileAccess::of(path, calls);
+    if (access) checked([&] { return calls.access(path.c_str(), W_OK); });
+    return access;
 }
 
-/// An open file descriptor, closed at the end of its life if it was not before.
-class OpenFile {
-public:
-    OpenFile(int descriptor, const FileCalls& calls) : descriptor_(descriptor), calls_(calls) {}
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() {
-        if (descriptor_ >= 0) calls_.close(descriptor_);
-    }
+/// Of a file that the application keeps for itself: it belongs to whom its folder belongs, for root may be at work in the
+/// folder of a user.
+FileAccess ownAccess(const std::string& folder, const FileCalls& calls) {
+    struct stat facts {};
+    checked([&] { return calls.stat(folder.empty() ? "." : folder.c_str(), &facts); });
+    return {0600, facts.st_uid, facts.st_gid, {}};
+}
 
-    int descriptor() const { return descriptor_; }
-    void write(std::span<const uint8_t> bytes, const Progress& progress) const {
-        for (std::size_t written = 0; written < bytes.size();) {
-            const auto piece = bytes.subspan(written).first(std::min(bytes.size() - written, kPieceBytes));
-            const ssize_t count =
-                checked([&] { return calls_.write(descriptor_, piece.data(), piece.size()); });
-            if (count == 0) throw FileError(ENOSPC); // a full disk may answer so
-            written += checkedSize(count);
-            progress.done(static_cast<int64_t>(written), std::ssize(bytes));
-        }
-    }
-    void flush() const {
-        checked([&] { return calls_.fsync(descriptor_); });
-    }
-    /// Write errors may be reported only now.
-    void close() {
-        const int descriptor = std::exchange(descriptor_, -1);
-        if (calls_.close(descriptor) < 0 && errno != EINTR) throw FileError(errno);
-    }
+/// Whether a link was made by the user, as by a program that keeps settings elsewhere, and leads to nothing of
+/// anybody else's.
+bool isUsersLink(const std::string& path, const FileCalls& calls) {
+    struct stat link {
+    }, target{};
+    if (calls.lstat(path.c_str(), &link) < 0 || !S_ISLNK(link.st_mode) || link.st_uid != ::geteuid())
+        return false;
+    return calls.stat(path.c_str(), &target) == 0 ? target.st_uid == ::geteuid() : errno == ENOENT;
+}
 
-private:
-    int descriptor_;
-    const FileCalls& calls_;
-};
-
-/// A temporary name beside the target; removed at the end of its life unless the file was renamed to the target.
-class TemporaryName {
-public:
-    TemporaryName(const std::string& folder, const FileCalls& calls) : folder_(folder), calls_(calls) {}
-    TemporaryName(const TemporaryName&) = delete;
-    TemporaryName& operator=(const TemporaryName&) = delete;
-    ~TemporaryName() {
-        if (isTaken_) calls_.unlink(path_.c_str());
-    }
-
-    /// The result of a call that makes a file of the name it is given and refuses one that is taken; a negative
-    /// number, and `errno`, where it fails for another reason.
-    template <class Make> int take(Make make) {
-        for (int attempt = 1;; ++attempt) {
-            // Short and of its own, so that it fits wherever the target's name does.
-            path_ = folder_ + ".qirn-" + QUuid::createUuid().toString(QUuid::Id128).left(12).toStdString();
-            const int result = make(path_.c_str());
-            isTaken_ = result >= 0;
-            if (isTaken_ || (errno != EINTR && (errno != EEXIST || attempt == kNameAttempts))) return result;
-        }
-    }
-    void moveTo(const std::string& path) {
-        checked([&] { return calls_.rename(path_.c_str(), path.c_str()); });
-        isTaken_ = false;
-    }
-
-private:
-    const std::string& folder_;
-    const FileCalls& calls_;
-    std::string path_;
-    bool isTaken_ = false;
-};
-
-/// The file that is to be replaced; its path is no symbolic link.
+/// What takes the target's place; its path is no symbolic link.
 struct Replacement {
     std::string target;
-    std::string folder; // of the target
-    std::optional<mode_t> mode;
+    std::optional<FileAccess> access; // nothing: as the folder gives it to a new file
     std::span<const uint8_t> bytes;
     Progress progress;
 
-    mode_t firstMode() const { return mode ? 0600 : 0666; } // readable by nobody else until the mode is set
-    void fill(const OpenFile& file, const FileCalls& calls) const {
-        if (mode) checked([&] { return calls.fchmod(file.descriptor(), *mode); });
+    std::string folder() const { return folderOf(target); }
+    mode_t firstMode() const { return access ? 0600 : 0666; } // readable by nobody else until it gets its own
+    /// False, with nothing changed, where the file cannot get a name.
+    bool writeTo(TemporaryFile temporary) const {
+        const OpenFile& file = temporary.file();
         file.write(bytes, progress.part(0, kWritten));
+        if (access) access->giveTo(file);
         file.flush();
         progress.done(1, 1);
+        if (temporary.isUnnamed()) {
+            if (!temporary.takeName()) return false;
+            // Again, because Btrfs leaves files without a name out of the log from which it recovers: what it finds there
+            // after a power cut would be the new name of an empty file.
+            file.flush();
+        }
+        temporary.moveTo(target);
+        try {
+            if (file.isOpen()) temporary.close();
+        } catch (const FileError& error) {
+            throw FileError::notFlushed(error.systemError());
+        }
+        return true;
     }
 };
-
-/// Writes through an unnamed file (O_TMPFILE), which gets a name only just before the rename, so that a process
-/// killed while it writes leaves nothing behind. Returns false, with nothing changed, where the file system has no
-/// unnamed files or the attempt fails; `replaceByName` then reports the error if it fails too.
-bool replaceWithoutName(const Replacement& replacement, const FileCalls& calls) {
-    const std::string folder = replacement.folder.empty() ? "." : replacement.folder;
-    int descriptor = -1;
-    do {
-        descriptor = calls.open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, replacement.firstMode());
-    } while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0) return false;
-    OpenFile file(descriptor, calls);
-    replacement.fill(file, calls);
-    TemporaryName name(replacement.folder, calls);
-    if (name.take([&](const char* path) { return calls.link(descriptor, path); }) < 0) return false;
-    name.moveTo(replacement.target);
-    try {
-        // Again, because Btrfs leaves files without a name out of the log from which it recovers: what it finds there
-        // after a power cut would be the new name of an empty file.
-        file.flush();
-        file.close();
-    } catch (const FileError& error) {
-        throw FileError::notFlushed(error.systemError());
-    }
-    return true;
-}
-
-void replaceByName(const Replacement& replacement, const FileCalls& calls) {
-    TemporaryName name(replacement.folder, calls);
-    const int descriptor = name.take([&](const char* path) {
-        return calls.open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, replacement.firstMode());
-    });
-    if (descriptor < 0) throw FileError(errno);
-    OpenFile file(descriptor, calls);
-    replacement.fill(file, calls);
-    file.close();
-    name.moveTo(replacement.target);
-}
 
 /// The folder, to be flushed once the new name is in it; a negative number where it may be written to and not
 /// read, and therefore not flushed.
 int openFolder(const std::string& folder, const FileCalls& calls) {
     const std::string path = folder.empty() ? "." : folder;
-    while (true) {
-        const int descriptor = calls.open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-        if (descriptor >= 0 || errno == EACCES) return descriptor;
-        if (errno != EINTR) throw FileError(errno);
-    }
+    const int descriptor =
+        retried([&] { return calls.open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0); });
+    if (descriptor < 0 && errno != EACCES) throw FileError(errno);
+    return descriptor;
 }
 
 void flushFolder(const OpenFile& folder) {
@@ -236,29 +111,34 @@ void flushFolder(const OpenFile& folder) {
     }
 }
 
-} // namespace
-
-FileError::FileError(int systemError) : FileError(systemError, reasonFor(systemError)) {}
-
-FileError::FileError(int systemError, const QString& description)
-    : DescribedError(description),
-      systemError_(systemError) {}
-
-FileError FileError::notFlushed(int systemError) {
-    FileError error(systemError,
-                    QCoreApplication::translate("FileError", "The file is written, but the disk reported "
-                                                             "an error: it may not outlast a power cut."));
-    error.isWritten_ = true;
-    return error;
+void replace(const Replacement& replacement, const FileCalls& calls) {
+    const auto& [target, access, bytes, progress] = replacement;
+    const OpenFile folder(openFolder(replacement.folder(), calls), calls);
+    removeLeftTemporaries(target, calls);
+    auto unnamed = TemporaryFile::unnamed(target, replacement.firstMode(), calls);
+    if (!unnamed || !replacement.writeTo(*std::move(unnamed)))
+        replacement.writeTo(TemporaryFile::hidden(target, replacement.firstMode(), calls));
+    flushFolder(folder);
 }
+
+} // namespace
 
 void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const Progress& progress) {
     const FileCalls& calls = FileCalls::inUse();
     const std::string target = followLinks(bytesOfPath(path).toStdString(), calls);
-    const Replacement replacement{target, folderOf(target), modeToKeep(target, calls), bytes, progress};
-    const OpenFile folder(openFolder(replacement.folder, calls), calls);
-    if (!replaceWithoutName(replacement, calls)) replaceByName(replacement, calls);
-    flushFolder(folder);
+    replace({target, accessToKeep(target, calls), bytes, progress}, calls);
+}
+
+void writeOwnFile(const QString& path, std::span<const uint8_t> bytes, UsersLinks links) {
+    const FileCalls& calls = FileCalls::inUse();
+    std::string target = bytesOfPath(path).toStdString();
+    std::optional<FileAccess> access;
+    if (links == UsersLinks::followed && isUsersLink(target, calls)) {
+        target = followLinks(target, calls);
+        access = accessToKeep(target, calls);
+    }
+    if (!access) access = ownAccess(folderOf(target), calls);
+    replace({target, access, bytes, {}}, calls);
 }
 
 } // namespace qirn

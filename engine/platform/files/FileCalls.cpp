@@ -66,6 +66,7 @@ const FileCalls& FileCalls::ofSystem() {
         .pread = ::pread,
         .write = ::write,
         .fsync = ::fsync,
+        .dup = [](int file) { return ::fcntl(file, F_DUPFD_CLOEXEC, 0); },
         .close = ::close,
         .link = linkUnnamed,
         .rename = ::rename,

@@ -35,6 +35,7 @@ struct FileCalls {
     std::function<ssize_t(int file, void* bytes, std::size_t count, off_t offset)> pread;
     std::function<ssize_t(int file, const void* bytes, std::size_t count)> write;
     std::function<int(int file)> fsync;
+    std::function<int(int file)> dup; ///< Closed at exec.
     std::function<int(int file)> close;
     // Of names
     std::function<int(int file, const char* path)> link; ///< The first name of a file opened with O_TMPFILE.

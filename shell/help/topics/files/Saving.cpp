@@ -22,6 +22,9 @@ A save writes the whole file beside the old one and then takes its place. If the
 fails, the old file is still whole, and the picture is still open. The safety copy of «autosave» goes only when
 the save has succeeded.
 
+The same people as before may read and change the file. If the file has a second name (a hard link), that one goes
+on naming the old picture; a symbolic link goes on naming the new one.
+
 ## Changed by another program
 If another program, or another machine, has written to the file since you opened or saved it, Save asks first:
 Overwrite takes your picture, Save As… keeps both, Cancel saves nothing. A file that is gone is written anew.
