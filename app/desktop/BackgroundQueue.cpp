@@ -17,6 +17,13 @@ BackgroundQueue& BackgroundQueue::files() {
     return queue;
 }
 
+BackgroundQueue& BackgroundQueue::ownFiles() {
+    static BackgroundQueue queue;
+    static const bool isWaitedFor = (qAddPostRoutine([] { ownFiles().finish(); }), true);
+    static_cast<void>(isWaitedFor);
+    return queue;
+}
+
 BackgroundQueue& BackgroundQueue::previews() {
     static BackgroundQueue queue;
     static const bool isWaitedFor = (qAddPostRoutine([] { previews().finish(); }), true);

@@ -15,6 +15,8 @@ class BackgroundQueue {
 public:
     /// Writes to disk: in order, so that of two writes of a file the later one stays.
     static BackgroundQueue& files();
+    /// The store and the user's own lists, which are small and must not wait behind a picture.
+    static BackgroundQueue& ownFiles();
     /// Previews and thumbnails, which must not wait behind a file.
     static BackgroundQueue& previews();
 

@@ -1,12 +1,13 @@
 #include "app/desktop/Store.h"
 
-#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Failures.h"
-#include "app/desktop/UserFile.h"
+#include "app/desktop/shared/ThreeWayMerge.h"
 #include "platform/Bytes.h"
 
 #include <algorithm>
-#include <atomic>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -37,17 +38,31 @@ Json olderValues(const QString& path) {
 
 } // namespace
 
-/// Shared by the store and its writes in the background.
-struct Store::Target {
-    explicit Target(const QString& path) : file(path) {}
-    UserFile file; // after loading used by the background thread alone
-    std::atomic<bool> hasFailed = false;
-};
+std::optional<Json> Store::Format::decode(std::span<const uint8_t> text) {
+    std::optional<Json> values = parseJson(text);
+    return values && values->is_object() ? values : std::nullopt;
+}
 
-Store::Store(const QString& file, const QString& older, Delays delays)
-    : delays_(delays),
-      target_(std::make_shared<Target>(file)) {
+QByteArray Store::Format::encode(const Json& values) {
+    return QByteArray::fromStdString(jsonBytes(values));
+}
+
+Json Store::Format::merged(const Json& base, const Json& ours, const Json& theirs) {
+    const auto listed = [](const Json& values) {
+        std::vector<std::pair<std::string, Json>> entries;
+        for (const auto& [key, value] : values.items()) entries.emplace_back(key, value);
+        return entries;
+    };
+    Json result = empty();
+    const auto keyOf = [](const auto& entry) { return entry.first; };
+    for (auto& [key, value] : mergedThreeWays(listed(base), listed(ours), listed(theirs), keyOf))
+        result[key] = std::move(value);
+    return result;
+}
+
+Store::Store(const QString& file, const QString& older, Delays delays) : delays_(delays), values_(file) {
     timer_.setSingleShot(true);
+    if (file.isEmpty()) return;
     // Out of memory: the next write tries again.
     const auto tryToWrite = [this] { contained([this] { write(); }); };
     connect(&timer_, &QTimer::timeout, this, tryToWrite);
@@ -57,15 +72,11 @@ Store::Store(const QString& file, const QString& older, Delays delays)
                     if (state != Qt::ApplicationActive) tryToWrite();
                 });
     }
-    const bool isThere = target_->file.load([this](std::span<const uint8_t> text) {
-        std::optional<Json> json = parseJson(text);
-        if (!json || !json->is_object()) return false;
-        values_ = std::move(*json);
-        return true;
-    });
-    if (isThere) return;
-    values_ = olderValues(older);
-    if (!values_.empty()) writeSoon();
+    if (!values_.load()) {
+        values_.edit() = olderValues(older);
+        if (!values_->empty()) writeSoon();
+    }
+    kept_ = *values_;
 }
 
 Store::~Store() {
@@ -73,7 +84,7 @@ Store::~Store() {
 }
 
 const Json* Store::json(const QString& key) const {
-    return jsonOptionalMember(values_, key.toUtf8().constData());
+    return jsonOptionalMember(*values_, key.toUtf8().constData());
 }
 
 std::optional<QString> Store::text(const QString& key) const {
@@ -94,15 +105,22 @@ std::optional<bool> Store::flag(const QString& key) const {
 }
 
 void Store::set(const QString& key, const OrderedJson& value) {
-    Json& held = values_[key.toStdString()];
     Json given(value);
-    if (held == given) return;
-    held = std::move(given);
+    const Json* const held = json(key);
+    if (held && *held == given) return;
+    values_.edit()[key.toStdString()] = std::move(given);
     writeSoon();
 }
 
+void Store::keep(const QString& key, const OrderedJson& value) {
+    Json& told = kept_[key.toStdString()];
+    Json given(value);
+    if (told == given) return;
+    told = std::move(given);
+    set(key, value);
+}
+
 void Store::writeSoon() {
-    if (!target_) return;
     if (!changed_.isValid()) changed_.start();
     timer_.start(
         static_cast<int>(std::clamp<int64_t>(delays_.longest - changed_.elapsed(), 0, delays_.rest)));
@@ -117,18 +135,14 @@ KitStore Store::forKit() {
 
 void Store::write() {
     timer_.stop();
-    if (!target_ || !(changed_.isValid() || target_->hasFailed)) return;
-    target_->hasFailed = false;
-    BackgroundQueue::files().run([target = target_, bytes = QByteArray::fromStdString(jsonBytes(values_))] {
-        if (!target->file.save(bytes)) target->hasFailed = true;
-    });
     changed_.invalidate();
+    values_.write();
 }
 
 void Store::flush() {
-    if (!target_) return;
-    write();
-    BackgroundQueue::files().finish();
+    timer_.stop();
+    changed_.invalidate();
+    values_.flush();
 }
 
 } // namespace qirn

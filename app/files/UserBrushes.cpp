@@ -1,21 +1,24 @@
 #include "app/files/UserBrushes.h"
 
+#include "app/desktop/shared/ThreeWayMerge.h"
 #include "brush/BrushFile.h"
+
+#include <utility>
 
 namespace qirn {
 
-std::vector<BrushSettings> UserBrushFile::load() {
-    std::vector<BrushSettings> brushes;
-    file_.load([&](std::span<const uint8_t> text) {
-        const auto decoded = BrushFile::decode(text);
-        if (decoded) brushes = *decoded;
-        return decoded.has_value();
-    });
+std::optional<UserBrushFormat::Content> UserBrushFormat::decode(std::span<const uint8_t> text) {
+    auto brushes = BrushFile::decode(text);
+    if (brushes) giveEachItsOwnId(*brushes);
     return brushes;
 }
 
-void UserBrushFile::save(const std::vector<BrushSettings>& brushes) {
-    file_.save(BrushFile::encode(brushes));
+QByteArray UserBrushFormat::encode(const Content& brushes) {
+    return BrushFile::encode(brushes);
+}
+
+UserBrushFormat::Content UserBrushFormat::merged(const Content& base, const Content& ours, Content theirs) {
+    return mergedThreeWays(base, ours, std::move(theirs), &BrushSettings::id);
 }
 
 std::optional<std::vector<BrushSettings>> brushesToImport(std::span<const uint8_t> text) {

@@ -1,26 +1,24 @@
 #pragma once
-#include "app/desktop/UserFile.h"
+#include "app/desktop/shared/SharedFile.h"
 #include "brush/BrushSettings.h"
 
+#include <optional>
+#include <span>
 #include <vector>
-
-#include <QString>
 
 namespace qirn {
 
 inline constexpr const char* kUserBrushCategory = "My Brushes";
 
-/// The file that keeps the user's own presets.
-class UserBrushFile {
-public:
-    explicit UserBrushFile(QString path) : file_(std::move(path)) {}
-
-    std::vector<BrushSettings> load(); ///< Empty when there is no file or it cannot be read.
-    void save(const std::vector<BrushSettings>& brushes); ///< A failure is not reported.
-
-private:
-    UserFile file_;
+/// How the file of the user's own presets is read, written and merged, preset by preset.
+struct UserBrushFormat {
+    using Content = std::vector<BrushSettings>; ///< No two of the same id.
+    static Content empty() { return {}; }
+    static std::optional<Content> decode(std::span<const uint8_t> text);
+    static QByteArray encode(const Content& brushes);
+    static Content merged(const Content& base, const Content& ours, Content theirs);
 };
+using UserBrushFile = SharedFile<UserBrushFormat>;
 
 /// The presets of a brush file, as the user's own: each with a fresh id, so that none equals a preset that is there.
 /// Nothing when the file as a whole cannot be read.

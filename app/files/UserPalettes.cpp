@@ -1,21 +1,26 @@
 #include "app/files/UserPalettes.h"
 
+#include "app/desktop/shared/ThreeWayMerge.h"
+
+#include <utility>
+
 #include <QCoreApplication>
 
 namespace qirn {
 
-std::vector<Palette> UserPaletteFile::load() {
-    std::vector<Palette> palettes;
-    file_.load([&](std::span<const uint8_t> text) {
-        const auto decoded = PaletteStore::decode(text);
-        if (decoded) palettes = *decoded;
-        return decoded.has_value();
-    });
+std::optional<UserPaletteFormat::Content> UserPaletteFormat::decode(std::span<const uint8_t> text) {
+    auto palettes = PaletteStore::decode(text);
+    if (palettes) giveEachItsOwnId(*palettes);
     return palettes;
 }
 
-void UserPaletteFile::save(const std::vector<Palette>& palettes) {
-    file_.save(PaletteStore::encode(palettes));
+QByteArray UserPaletteFormat::encode(const Content& palettes) {
+    return PaletteStore::encode(palettes);
+}
+
+UserPaletteFormat::Content UserPaletteFormat::merged(const Content& base, const Content& ours,
+                                                     Content theirs) {
+    return mergedThreeWays(base, ours, std::move(theirs), &Palette::id);
 }
 
 Palette ownCopyOf(const Palette& palette) {

@@ -1,24 +1,22 @@
 #pragma once
-#include "app/desktop/UserFile.h"
+#include "app/desktop/shared/SharedFile.h"
 #include "formats/palettes/Palette.h"
 
+#include <optional>
+#include <span>
 #include <vector>
-
-#include <QString>
 
 namespace qirn {
 
-/// The file that keeps the user's own palettes.
-class UserPaletteFile {
-public:
-    explicit UserPaletteFile(QString path) : file_(std::move(path)) {}
-
-    std::vector<Palette> load();                     ///< Empty when there is no file or it cannot be read.
-    void save(const std::vector<Palette>& palettes); ///< A failure is not reported.
-
-private:
-    UserFile file_;
+/// How the file of the user's own palettes is read, written and merged, palette by palette.
+struct UserPaletteFormat {
+    using Content = std::vector<Palette>; ///< No two of the same id.
+    static Content empty() { return {}; }
+    static std::optional<Content> decode(std::span<const uint8_t> text);
+    static QByteArray encode(const Content& palettes);
+    static Content merged(const Content& base, const Content& ours, Content theirs);
 };
+using UserPaletteFile = SharedFile<UserPaletteFormat>;
 
 /// A copy of a built-in palette as the user's own.
 Palette ownCopyOf(const Palette& palette);

@@ -54,8 +54,9 @@ BrushSettings sanitized(BrushSettings brush) {
 
 Brushes::Brushes(PaintModel& model)
     : model_(model),
-      file_(AppFolders::brushesFile()),
+      userBrushes_(AppFolders::brushesFile()),
       previews_(std::make_unique<BrushPreviewCache>()) {
+    userBrushes_.onArrival = [this] { model_.announce(); };
     for (const ToolRow& row : kTools) {
         if (row.usesBrush()) toolBrush_.emplace(row.tool, defaultBrush(row.tool));
     }
@@ -64,7 +65,7 @@ Brushes::Brushes(PaintModel& model)
 Brushes::~Brushes() = default;
 
 void Brushes::load(const Store& store) {
-    userBrushes_ = file_.load();
+    userBrushes_.load();
     const Json* record = store.json(kToolBrushesKey);
     const auto brushes = record ? decodeToolBrushes(*record) : std::nullopt;
     if (!brushes) return;
@@ -74,7 +75,7 @@ void Brushes::load(const Store& store) {
 void Brushes::save(Store& store) const {
     OrderedJson brushes = OrderedJson::object();
     for (const auto& [tool, brush] : toolBrush_) brushes[rowOf(tool).id] = brush.toJson();
-    store.set(kToolBrushesKey, brushes);
+    store.keep(kToolBrushesKey, brushes);
 }
 
 Tool Brushes::brushTool() const {
@@ -101,7 +102,7 @@ void Brushes::setToolBrush(Tool tool, const BrushSettings& brush) {
 
 std::vector<BrushSettings> Brushes::allBrushes() const {
     std::vector<BrushSettings> all = BrushLibrary::builtIn();
-    all.insert(all.end(), userBrushes_.begin(), userBrushes_.end());
+    all.insert(all.end(), userBrushes_->begin(), userBrushes_->end());
     return all;
 }
 
@@ -135,18 +136,19 @@ void Brushes::saveBrushAsNew(const QString& name) {
     copy.name = name.isEmpty() ? tr("My Brush") : name;
     copy.category = QLatin1String(kUserBrushCategory);
     copy.isBuiltIn = false;
-    userBrushes_.push_back(copy);
-    file_.save(userBrushes_);
+    userBrushes_.edit().push_back(copy);
+    userBrushes_.write();
     setActiveBrush(copy);
     model_.messages().flash(tr("Saved brush \"%1\"").arg(copy.name));
 }
 
 void Brushes::updateUserBrush() {
     const auto same = [&](const BrushSettings& brush) { return brush.id == activeBrush().id; };
-    const auto found = std::find_if(userBrushes_.begin(), userBrushes_.end(), same);
-    if (found == userBrushes_.end()) return;
+    auto& own = userBrushes_.edit();
+    const auto found = std::find_if(own.begin(), own.end(), same);
+    if (found == own.end()) return;
     *found = activeBrush();
-    file_.save(userBrushes_);
+    userBrushes_.write();
     model_.messages().flash(tr("Updated \"%1\"").arg(found->name));
 }
 
@@ -156,8 +158,9 @@ void Brushes::deleteUserBrush(const BrushSettings& preset) {
         return;
     }
     const bool active = activeBrush().id == preset.id;
-    std::erase_if(userBrushes_, [id = preset.id](const BrushSettings& brush) { return brush.id == id; });
-    file_.save(userBrushes_);
+    std::erase_if(userBrushes_.edit(),
+                  [id = preset.id](const BrushSettings& brush) { return brush.id == id; });
+    userBrushes_.write();
     if (active) setActiveBrush(defaultBrush(brushTool()));
     model_.announce();
 }
@@ -170,7 +173,7 @@ void Brushes::exportBrushes() {
         model_.desktop().saveFile({tr("Export"), tr("My Qirn Paint Brushes.qirnbrushes"), types});
     if (!place) return;
     const std::vector<BrushSettings> brushes =
-        userBrushes_.empty() ? std::vector<BrushSettings>{activeBrush()} : userBrushes_;
+        userBrushes_->empty() ? std::vector<BrushSettings>{activeBrush()} : *userBrushes_;
     try {
         writeAtomically(place->path, bytesOf(BrushFile::encode(brushes)));
     } catch (const DescribedError& error) {
@@ -193,8 +196,9 @@ void Brushes::importBrushes() {
     if (!brushes)
         return model_.messages().alert(tr("Couldn't import brushes"),
                                        tr("This file isn't an Qirn Paint brush file."));
-    userBrushes_.insert(userBrushes_.end(), brushes->begin(), brushes->end());
-    file_.save(userBrushes_);
+    auto& own = userBrushes_.edit();
+    own.insert(own.end(), brushes->begin(), brushes->end());
+    userBrushes_.write();
     model_.desktop().noteUsedFile(paths.front());
     model_.messages().flash(tr("Imported %1 brush(es)").arg(brushes->size()));
 }

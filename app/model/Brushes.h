@@ -31,7 +31,7 @@ public:
 
     std::vector<BrushSettings> allBrushes() const; ///< Built-in, then the user's.
     std::vector<BrushSettings> brushesFor(Tool tool) const;
-    const std::vector<BrushSettings>& userBrushes() const { return userBrushes_; }
+    const std::vector<BrushSettings>& userBrushes() const { return *userBrushes_; }
     std::optional<BrushSettings> savedPreset(const BrushSettings& brush) const;
     BrushPreviewCache& previews() const { return *previews_; } ///< Of any brushes, for all views.
 
@@ -45,15 +45,15 @@ public:
     void importBrushes();
 
     void load(const Store& store); ///< The tools' brushes, and the file of the user's presets.
-    void save(Store& store) const; ///< The tools' brushes. Presets are written to their file at each change.
+    void save(Store& store) const; ///< The tools' brushes. Presets are written to their file at each change,
+    void flush() { userBrushes_.flush(); } ///< in the background; this waits for it.
 
 private:
     void setToolBrush(Tool tool, const BrushSettings& brush);
 
     PaintModel& model_;
     std::map<Tool, BrushSettings> toolBrush_;
-    std::vector<BrushSettings> userBrushes_;
-    UserBrushFile file_;
+    UserBrushFile userBrushes_;
     std::unique_ptr<BrushPreviewCache> previews_;
 };
 

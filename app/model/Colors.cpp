@@ -75,7 +75,7 @@ void Colors::load(const Store& store) {
 void Colors::save(Store& store) const {
     OrderedJson colors = OrderedJson::array({colorToJson(primary_), colorToJson(secondary_)});
     for (const PaintColor& color : recent_) colors.push_back(colorToJson(color));
-    store.set(kColorsKey, colors);
+    store.keep(kColorsKey, colors);
 }
 
 } // namespace qirn

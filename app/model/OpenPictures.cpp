@@ -184,8 +184,7 @@ bool OpenPictures::shouldQuit() {
         closed << session->name;
     }
     for (const SessionRef& session : sessions_) Recovery::discard(session->id);
-    model_.saveState();
-    model_.store().flush();
+    model_.flushState();
     return true;
 }
 

@@ -236,9 +236,16 @@ void PaintModel::saveState() {
     brushes_->save(store_);
     palettes_->save(store_);
     colors_->save(store_);
-    store_.set(kFillKey, options_.fill.toJson());
-    store_.setText(kToolKey, QLatin1String(rowOf(tool_).id));
-    store_.setText(kTabKey, QLatin1String(kInspectorTabIDs[static_cast<std::size_t>(inspectorTab_)]));
+    store_.keep(kFillKey, options_.fill.toJson());
+    store_.keep(kToolKey, rowOf(tool_).id);
+    store_.keep(kTabKey, kInspectorTabIDs[static_cast<std::size_t>(inspectorTab_)]);
+}
+
+void PaintModel::flushState() {
+    saveState();
+    store_.flush();
+    brushes_->flush();
+    palettes_->flush();
 }
 
 } // namespace qirn

@@ -110,6 +110,8 @@ public:
     void announce() { Q_EMIT changed(); }
     void choiceChanged(); ///< Announces, and saves the choices when control returns to the event loop.
     void saveState();     ///< Puts the choices into the store.
+    /// The same, and waits until they, the presets and the palettes are on disk, or cannot be written.
+    void flushState();
 
 Q_SIGNALS:
     void changed();

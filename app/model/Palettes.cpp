@@ -28,27 +28,29 @@ const QString kPaletteKey = QStringLiteral("qirn.pt.palette");
 
 Palettes::Palettes(PaintModel& model)
     : model_(model),
-      file_(AppFolders::palettesFile()),
-      paletteID_(PaletteLibrary::builtIn().front().id) {}
+      userPalettes_(AppFolders::palettesFile()),
+      paletteID_(PaletteLibrary::builtIn().front().id) {
+    userPalettes_.onArrival = [this] { model_.announce(); };
+}
 
 void Palettes::load(const Store& store) {
-    userPalettes_ = file_.load();
+    userPalettes_.load();
     const QUuid id(store.text(kPaletteKey).value_or(QString()));
     if (!id.isNull()) paletteID_ = id;
 }
 
 void Palettes::save(Store& store) const {
-    store.setText(kPaletteKey, paletteID_.toString(QUuid::WithoutBraces).toUpper());
+    store.keep(kPaletteKey, uuidText(paletteID_));
 }
 
 std::vector<Palette> Palettes::allPalettes() const {
     std::vector<Palette> all = PaletteLibrary::builtIn();
-    all.insert(all.end(), userPalettes_.begin(), userPalettes_.end());
+    all.insert(all.end(), userPalettes_->begin(), userPalettes_->end());
     return all;
 }
 
 const Palette& Palettes::currentPalette() const {
-    for (const auto* list : {&PaletteLibrary::builtIn(), &userPalettes_}) {
+    for (const auto* list : {&PaletteLibrary::builtIn(), &*userPalettes_}) {
         const auto found = std::find_if(list->begin(), list->end(),
                                         [this](const Palette& palette) { return palette.id == paletteID_; });
         if (found != list->end()) return *found;
@@ -64,14 +66,14 @@ void Palettes::selectPalette(const QUuid& id) {
 }
 
 void Palettes::savePalettes() {
-    file_.save(userPalettes_);
+    userPalettes_.write();
     model_.announce();
 }
 
 std::size_t Palettes::addOwnPalette(Palette palette) {
-    userPalettes_.push_back(std::move(palette));
-    selectPalette(userPalettes_.back().id);
-    return userPalettes_.size() - 1;
+    userPalettes_.edit().push_back(std::move(palette));
+    selectPalette(userPalettes_->back().id);
+    return userPalettes_->size() - 1;
 }
 
 // --- Editing
@@ -90,20 +92,25 @@ void Palettes::newPalette(const QString& name, FromRecent fromRecent) {
 }
 
 std::size_t Palettes::editablePaletteIndex() {
-    const auto found = std::find_if(userPalettes_.begin(), userPalettes_.end(),
+    const auto found = std::find_if(userPalettes_->begin(), userPalettes_->end(),
                                     [this](const Palette& palette) { return palette.id == paletteID_; });
-    if (found != userPalettes_.end()) return checkedSize(found - userPalettes_.begin());
+    if (found != userPalettes_->end()) return checkedSize(found - userPalettes_->begin());
     return addOwnPalette(ownCopyOf(currentPalette()));
 }
 
+Palette& Palettes::editablePalette() {
+    const std::size_t index = editablePaletteIndex();
+    return userPalettes_.edit()[index];
+}
+
 void Palettes::addToPalette(const PaintColor& color) {
-    userPalettes_[editablePaletteIndex()].colors.push_back({color, {}});
+    editablePalette().colors.push_back({color, {}});
     savePalettes();
 }
 
 void Palettes::removeFromPalette(std::size_t index) {
     if (index >= currentPalette().colors.size()) return; // before an edit copies a built-in palette
-    auto& colors = userPalettes_[editablePaletteIndex()].colors;
+    auto& colors = editablePalette().colors;
     colors.erase(colors.begin() + static_cast<std::ptrdiff_t>(index));
     savePalettes();
 }
@@ -111,7 +118,7 @@ void Palettes::removeFromPalette(std::size_t index) {
 void Palettes::moveInPalette(std::size_t from, std::size_t to) {
     const std::size_t count = currentPalette().colors.size();
     if (from >= count || to >= count || from == to) return;
-    auto& colors = userPalettes_[editablePaletteIndex()].colors;
+    auto& colors = editablePalette().colors;
     PaletteColor color = std::move(colors[from]);
     colors.erase(colors.begin() + static_cast<std::ptrdiff_t>(from));
     colors.insert(colors.begin() + static_cast<std::ptrdiff_t>(to), std::move(color));
@@ -120,20 +127,20 @@ void Palettes::moveInPalette(std::size_t from, std::size_t to) {
 
 void Palettes::renamePalette(const QString& name) {
     if (name.isEmpty()) return;
-    userPalettes_[editablePaletteIndex()].name = name;
+    editablePalette().name = name;
     savePalettes();
 }
 
 void Palettes::deletePalette() {
     const Palette palette = currentPalette();
     const auto same = [&](const Palette& own) { return own.id == palette.id; };
-    if (std::none_of(userPalettes_.begin(), userPalettes_.end(), same)) return;
+    if (std::none_of(userPalettes_->begin(), userPalettes_->end(), same)) return;
     if (!model_.messages().confirm(
             tr("Delete the palette \"%1\"?").arg(palette.name),
             tr("Only this color palette is removed. Your pictures are not changed."))) {
         return;
     }
-    std::erase_if(userPalettes_, same);
+    std::erase_if(userPalettes_.edit(), same);
     savePalettes();
     selectPalette(PaletteLibrary::builtIn().front().id);
 }
@@ -150,8 +157,8 @@ void Palettes::importPalette() {
             const QByteArray bytes = readFile(path);
             const std::size_t index = addOwnPalette(PaletteLibrary::read(bytesOf(bytes), file));
             savePalettes();
-            colors += userPalettes_[index].colors.size();
-            names << userPalettes_[index].name;
+            colors += userPalettes()[index].colors.size();
+            names << userPalettes()[index].name;
             model_.desktop().noteUsedFile(path);
         } catch (const DescribedError& error) {
             model_.messages().alert(tr("Couldn't import %1").arg(file), error.description());

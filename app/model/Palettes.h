@@ -23,7 +23,7 @@ public:
     explicit Palettes(PaintModel& model); ///< Borrowed for its life.
 
     std::vector<Palette> allPalettes() const; ///< Built-in, then the user's.
-    const std::vector<Palette>& userPalettes() const { return userPalettes_; }
+    const std::vector<Palette>& userPalettes() const { return *userPalettes_; }
     const Palette& currentPalette() const; ///< The first built-in one where the chosen one is gone.
     void selectPalette(const QUuid& id);
 
@@ -43,15 +43,17 @@ public:
     void exportPalette(PaletteFile file);
 
     void load(const Store& store); ///< Which one is current, and the file of the user's own.
-    void save(Store& store) const; ///< Which one is current.
+    void save(Store& store)
+        const; ///< Which one is current. The user's own are written to their file at each change,
+    void flush() { userPalettes_.flush(); } ///< in the background; this waits for it.
 
 private:
     std::size_t addOwnPalette(Palette palette); ///< Made the current one; its index among the user's own.
+    Palette& editablePalette();                 ///< That of `editablePaletteIndex`.
     void savePalettes();
 
     PaintModel& model_;
-    std::vector<Palette> userPalettes_;
-    UserPaletteFile file_;
+    UserPaletteFile userPalettes_;
     QUuid paletteID_; // of the current palette
 };
 

@@ -56,6 +56,7 @@ void Safety::keepWork() {
             Recovery::write(*session, Recovery::Synchronously::no);
     }
     BackgroundQueue::files().finish();
+    model_.flushState();
 }
 
 } // namespace qirn

@@ -351,6 +351,7 @@ private Q_SLOTS:
         studio.model.brushes().exportBrushes();
         QCOMPARE(studio.model.messages().hud(), "Exported 2 brush(es)");
         QCOMPARE(BrushFile::decode(bytesOf(bytesAt(path))), std::optional(own));
+        studio.model.brushes().flush();
         QCOMPARE(
             PaintModel(PaintModel::LoadStores::yes, studio.desktop, studio.store).brushes().userBrushes(),
             own);

@@ -83,7 +83,7 @@ private Q_SLOTS:
         studio.set(&BrushSettings::size, 123);
         studio.model.colors().pick(PaintColor(0.25, 0.5, 0.75), Colors::AddRecent::yes);
         studio.set(&PaintPrefs::undoSteps, 50);
-        studio.model.saveState();
+        studio.model.flushState();
         PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(again.tool(), Tool::smudge);
         QCOMPARE(again.brushes().activeBrush().size, 123.0);
@@ -134,6 +134,7 @@ private Q_SLOTS:
             model.brushes().saveBrushAsNew(name);
             model.palettes().newPalette(name, Palettes::FromRecent::no);
         }
+        model.flushState();
         const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(again.brushes().userBrushes(), model.brushes().userBrushes());
         QVERIFY(again.brushes().userBrushes().size() == 2 && again.palettes().userPalettes().size() == 2);

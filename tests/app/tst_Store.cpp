@@ -40,7 +40,7 @@ private Q_SLOTS:
             store.set(kKey, i);
             QCoreApplication::processEvents();
         }
-        BackgroundQueue::files().finish();
+        BackgroundQueue::ownFiles().finish();
         QVERIFY(!QFile::exists(file_)); // nothing before a rest
         QTRY_COMPARE(stored(), QByteArray("{\"qirn.pt.tool\":63}"));
         const QByteArray before = stored();
@@ -52,8 +52,7 @@ private Q_SLOTS:
         }
         store.set(kKey, true);
         Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
-        BackgroundQueue::files().finish();
-        QCOMPARE(stored(), QByteArray("{\"qirn.pt.tool\":true}"));
+        QTRY_COMPARE(stored(), QByteArray("{\"qirn.pt.tool\":true}"));
         QVERIFY(QFile::remove(file_));
         store.set(kKey, true);
         store.flush();
@@ -101,6 +100,24 @@ private Q_SLOTS:
         }
         store.flush(); // tried again without another change
         QCOMPARE(stored(), QByteArray("{\"old\":1,\"qirn.pt.tool\":\"eraser\"}"));
+    }
+
+    void anotherProgramsValuesStay() {
+        writeFile(file_, "{\"a\":1,\"b\":1,\"c\":1}");
+        Store one(file_), two(file_);
+        one.set("a", 2);
+        one.set("b", 2);
+        one.set("new", 2);
+        one.flush();
+        two.keep("a", 1); // as it was when that program began
+        two.set("b", 3);
+        two.set("c", 3);
+        two.flush();
+        QCOMPARE(stored(), QByteArray("{\"a\":2,\"b\":3,\"c\":3,\"new\":2}"));
+        QCOMPARE(two.number("new"), 2);
+        two.keep("a", 3);
+        two.flush();
+        QCOMPARE(Store(file_).number("a"), 3);
     }
 
     void anOlderStoreIsReadOnce() {

@@ -22,7 +22,8 @@ const Palette& builtIn(const char* name) {
 }
 
 /// What is on disk.
-std::vector<Palette> stored() {
+std::vector<Palette> stored(Studio& studio) {
+    studio.model.palettes().flush();
     return PaletteStore::decode(bytesOf(bytesAt(AppFolders::palettesFile())))
         .value_or(std::vector<Palette>());
 }
@@ -53,13 +54,13 @@ private Q_SLOTS:
             QCOMPARE(own.name, name);
             QCOMPARE(own.colors.size(), colors);
             QVERIFY(!own.isBuiltIn && own.id != before.id);
-            QCOMPARE(stored(), std::vector<Palette>{own});
+            QCOMPARE(stored(studio), std::vector<Palette>{own});
             // The copy itself is edited in place.
             for (int i = 0; i < 2; ++i) studio.model.palettes().addToPalette(PaintColor::black());
             QCOMPARE(studio.model.palettes().userPalettes().size(), std::size_t{1});
             QCOMPARE(studio.model.palettes().currentPalette().id, own.id);
             QCOMPARE(studio.model.palettes().currentPalette().colors.size(), colors + 2);
-            QCOMPARE(stored(), studio.model.palettes().userPalettes());
+            QCOMPARE(stored(studio), studio.model.palettes().userPalettes());
         }
     }
 
@@ -87,7 +88,7 @@ private Q_SLOTS:
                  (std::vector<PaletteColor>{{PaintColor(0, 1, 0), {}}, {PaintColor(1, 0, 0), {}}}));
         QCOMPARE(studio.model.palettes().allPalettes().size(), PaletteLibrary::builtIn().size() + 2);
         // Both come back, and the chosen one is chosen.
-        studio.model.saveState();
+        studio.model.flushState();
         const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
         QCOMPARE(again.palettes().userPalettes(), studio.model.palettes().userPalettes());
         QCOMPARE(again.palettes().currentPalette(), studio.model.palettes().currentPalette());
@@ -116,7 +117,7 @@ private Q_SLOTS:
         QCOMPARE(studio.desktop.asked.back().title, "Delete the palette \"Doomed\"?");
         QCOMPARE(studio.desktop.asked.back().text,
                  "Only this color palette is removed. Your pictures are not changed.");
-        QVERIFY(studio.model.palettes().userPalettes().empty() && stored().empty());
+        QVERIFY(studio.model.palettes().userPalettes().empty() && stored(studio).empty());
         QCOMPARE(studio.model.palettes().currentPalette(), PaletteLibrary::builtIn().front());
         QCOMPARE(QUuid(*studio.store.text("qirn.pt.palette")), PaletteLibrary::builtIn().front().id);
     }
@@ -143,7 +144,7 @@ private Q_SLOTS:
             QCOMPARE(back.name, name);
             const QString told = QStringLiteral("Imported %1 colors from %2");
             QCOMPARE(studio.model.messages().hud(), told.arg(9).arg(name));
-            QCOMPARE(stored(), studio.model.palettes().userPalettes());
+            QCOMPARE(stored(studio), studio.model.palettes().userPalettes());
             QCOMPARE(studio.desktop.asked.size(), std::size_t{2});
             QCOMPARE(studio.desktop.asked[0].title, "Couldn't import bad.aco");
             QCOMPARE(studio.desktop.asked[0].text, "This palette file can't be read: the file is cut short.");
