@@ -84,6 +84,15 @@ Files brushes() {
             "[{\"name\":\"Old file brush\",\"size\":42,\"hardness\":null}]"};
 }
 
+Files handOvers() {
+    return {QByteArray("\0\0\0\5"
+                       "1.0\0\0",
+                       9),
+            QByteArray("\0\0\0\x0c"
+                       "1.0\0t\0/a\0/b\0",
+                       16)};
+}
+
 Files photoshopFiles() {
     Files files;
     for (const auto& doc : {richDocument(), randomDocument(40, 30, 3, 7)}) {
@@ -125,8 +134,8 @@ struct Target {
     Files (*files)();
 };
 constexpr Target kTargets[] = {
-    {"brushes", brushes}, {"document", documents}, {"gpl", gplFiles},      {"hexlist", hexLists},
-    {"image", pictures},  {"psd", photoshopFiles}, {"swatches", swatches},
+    {"brushes", brushes},    {"document", documents}, {"gpl", gplFiles},       {"hexlist", hexLists},
+    {"handover", handOvers}, {"image", pictures},     {"psd", photoshopFiles}, {"swatches", swatches},
 };
 
 bool write(const Target& target, const QString& folder) {

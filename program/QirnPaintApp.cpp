@@ -11,6 +11,7 @@
 #include "app/model/PaintModel.h"
 #include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
+#include "core/PaintEngine.h"
 #include "kit/QirnKit.h"
 #include "kit/help/QirnAbout.h"
 #include "platform/CheckedMath.h"
@@ -18,6 +19,9 @@
 #include "platform/files/FilePath.h"
 #include "program/Benchmark.h"
 #include "program/CommandLine.h"
+#include "program/DisplayArguments.h"
+#include "program/OneStudio.h"
+#include "program/OpenRequests.h"
 #include "program/PaintSample.h"
 #include "program/SelfTest.h"
 #include "shell/MainView.h"
@@ -27,10 +31,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <span>
+#include <vector>
 
 #include <QApplication>
 #include <QFileOpenEvent>
 #include <QSessionManager>
+#include <unistd.h>
 
 namespace qirn {
 
@@ -51,6 +57,12 @@ int makeSample(const QString& path) {
     return 0;
 }
 
+QByteArrayList bytesOf(const QStringList& paths) {
+    QByteArrayList bytes;
+    for (const QString& path : paths) bytes << bytesOfPath(path);
+    return bytes;
+}
+
 int print(const QString& text) {
     std::printf("%s\n", qPrintable(text));
     return 0;
@@ -59,7 +71,7 @@ int print(const QString& text) {
 /// What the desktop tells the application as a whole.
 class PaintAppDelegate : public QObject {
 public:
-    explicit PaintAppDelegate(QApplication& app) : QObject(&app) {
+    PaintAppDelegate(QApplication& app, OpenRequests& requests) : requests_(requests) {
         app.setQuitOnLastWindowClosed(true);
         app.installEventFilter(this);
         // A session that ends asks as quitting does.
@@ -74,14 +86,10 @@ public:
     }
 
     void didFinishLaunching(const QStringList& paths) {
-        if (PaintModel::shared) PaintModel::shared->safety().startAutosave();
-        open(paths);
-    }
-
-    /// Opens files once the events before them are done, so that a launch by double-click finds the model.
-    void open(const QStringList& paths) {
         PaintModel* const model = PaintModel::shared;
-        if (model) soon(*model, [model, paths] { model->files().open(paths); });
+        if (!model) return;
+        model->safety().startAutosave();
+        soon(*model, [model, paths] { model->files().open(paths); });
     }
 
     static bool shouldTerminate() {
@@ -93,11 +101,14 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::FileOpen) {
-            open({static_cast<QFileOpenEvent*>(event)->file()});
+            requests_.open({static_cast<QFileOpenEvent*>(event)->file()});
             return true;
         }
         return QObject::eventFilter(watched, event);
     }
+
+private:
+    OpenRequests& requests_;
 };
 
 /// In place of what the window system's library would say before it ends the process.
@@ -108,11 +119,59 @@ void sayThereIsNoDisplay(QtMsgType type, const QMessageLogContext&, const QStrin
     std::_Exit(1);
 }
 
-/// What is left of the arguments when the window system has taken its own.
-QStringList filesIn(int argc, char** argv) {
-    QStringList arguments;
-    for (const char* argument : std::span(argv, checkedSize(argc))) arguments << pathFromBytes(argument);
-    return CommandLine::parsed(arguments).files;
+QByteArray activationToken() {
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
+}
+
+/// The studio, until it is quit. What has been taken from other starts and not opened is added to `left`.
+int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studio,
+              std::vector<HandOver>& left) {
+    // Each pen point is painted; none is merged with the next.
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+    QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const QtMessageHandler usual = qInstallMessageHandler(sayThereIsNoDisplay);
+    QApplication app(argc, argv);
+    qInstallMessageHandler(usual);
+    studio.answer(); // not before: who hands over to a program that finds no display would wait for nothing
+    app.setApplicationName(QStringLiteral("Qirn Paint"));
+    app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
+    Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
+    QirnKit::useStore(store.forKit());
+    QirnKit::install(QStringLiteral("Qirn Paint"), PaintHelp::topics());
+    QirnAbout::setExtraLines(aboutLines());
+    QtDesktop desktop;
+    PaintModel model(PaintModel::LoadStores::yes, desktop, store);
+    PaintModel::shared = &model;
+    MainView window(model);
+    OpenRequests requests(model, window);
+    PaintAppDelegate delegate(app, requests);
+    model.pictures().ensureDocument();
+    window.show();
+    const SuddenEnd suddenEnd([&model] { model.safety().keepWork(); });
+    delegate.didFinishLaunching(files);
+    studio.deliverTo([&requests](const HandOver& request) {
+        requests.comeForward(request.token);
+        QStringList paths;
+        for (const QByteArray& path : request.paths) paths << pathFromBytes(path);
+        requests.open(paths);
+    });
+    const int result = app.exec();
+    left = studio.close();
+    if (!requests.waiting().isEmpty()) left.insert(left.begin(), {{}, {}, bytesOf(requests.waiting())});
+    return result;
+}
+
+/// Whoever handed it over while the studio was quit has ended, trusting that it is opened.
+void startAgain(const QStringList& options, const std::vector<HandOver>& left) {
+    QByteArrayList words{"QirnPaint"};
+    words << bytesOf(options) << "--";
+    for (const HandOver& request : left) words << request.paths;
+    std::vector<char*> arguments;
+    for (QByteArray& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    ::execv("/proc/self/exe", arguments.data());
 }
 
 } // namespace
@@ -134,29 +193,16 @@ int runMode(const CommandLine& line) {
 }
 
 int runStudio(int& argc, char** argv) {
-    // Each pen point is painted; none is merged with the next.
-    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
-    QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
-    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    const QtMessageHandler usual = qInstallMessageHandler(sayThereIsNoDisplay);
-    QApplication app(argc, argv);
-    qInstallMessageHandler(usual);
-    app.setApplicationName(QStringLiteral("Qirn Paint"));
-    app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
-    auto* delegate = new PaintAppDelegate(app);
-    Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
-    QirnKit::useStore(store.forKit());
-    QirnKit::install(QStringLiteral("Qirn Paint"), PaintHelp::topics());
-    QirnAbout::setExtraLines(aboutLines());
-    QtDesktop desktop;
-    PaintModel model(PaintModel::LoadStores::yes, desktop, store);
-    PaintModel::shared = &model;
-    MainView window(model);
-    model.pictures().ensureDocument();
-    window.show();
-    const SuddenEnd suddenEnd([&model] { model.safety().keepWork(); });
-    delegate->didFinishLaunching(filesIn(argc, argv));
-    return app.exec();
+    QStringList words;
+    for (const char* word : std::span(argv, checkedSize(argc))) words << pathFromBytes(word);
+    const DisplayArguments arguments(words);
+    const QStringList files = CommandLine::parsed(arguments.others).files;
+    OneStudio studio(arguments.display, AppFolders::base());
+    if (studio.handsOver({PaintEngine::version, activationToken(), bytesOf(files)})) return 0;
+    std::vector<HandOver> left;
+    const int result = runWindow(argc, argv, files, studio, left);
+    if (!left.empty()) startAgain(arguments.taken, left);
+    return result;
 }
 
 } // namespace qirn

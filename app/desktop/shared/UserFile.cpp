@@ -16,6 +16,8 @@
 #include <QFileInfo>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace qirn {
 
@@ -32,10 +34,14 @@ class Turn {
 public:
     explicit Turn(const QString& path) {
         const QFileInfo info(path);
-        const QByteArray name =
-            bytesOfPath(info.dir().filePath(QStringLiteral(".%1.lock").arg(info.fileName())));
+        const QByteArray folder = bytesOfPath(info.path());
+        const QByteArray name = folder + "/." + bytesOfPath(info.fileName()) + ".lock";
         file_ = calls_.open(name.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
         if (file_ < 0) return;
+        // Root leaves a lock in somebody else's folder that its owner can take.
+        struct stat owner {};
+        if (::geteuid() == 0 && calls_.stat(folder.constData(), &owner) == 0 && owner.st_uid != 0)
+            calls_.fchown(file_, owner.st_uid, owner.st_gid);
         const auto end = std::chrono::steady_clock::now() + kLongestWait;
         while (calls_.flock(file_, LOCK_EX | LOCK_NB) != 0) {
             if (errno != EWOULDBLOCK && errno != EINTR) return;

@@ -9,6 +9,8 @@ const TopicText kOpen{"open", QIRN_HELP("Opening and importing pictures"),
 File → Open… ({open}) opens Qirn Paint documents, PNG, JPEG, TIFF, HEIC, GIF, BMP, WebP and Photoshop PSD, each
 on a tab of its own. You can choose several at once. A file that is already open shows its tab instead of a
 second one. What counts is the content of a file, not its extension.
+• A file that you open on the desktop, or with the program's name in a terminal, comes to the window that is open
+  already. It waits there until a question, a sheet or a stroke is over.
 • A photo comes the right way up, and with its DPI if it has one.
 • Pictures in another color space, in CMYK or with 16 bits, become 8-bit sRGB.
 • Of an animation the first picture is read.

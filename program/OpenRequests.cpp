@@ -1,0 +1,59 @@
+#include "program/OpenRequests.h"
+
+#include "app/files/LongTask.h"
+#include "app/model/CanvasPort.h"
+#include "app/model/Guarded.h"
+#include "app/model/PaintModel.h"
+#include "app/model/PictureFiles.h"
+
+#include <utility>
+
+#include <QApplication>
+
+namespace qirn {
+
+namespace {
+
+constexpr int kLookEvery = 50; // milliseconds
+
+} // namespace
+
+OpenRequests::OpenRequests(PaintModel& model, QWidget& window) : model_(model), window_(&window) {
+    timer_.setInterval(kLookEvery);
+    connect(&timer_, &QTimer::timeout, this, [this] { openWaiting(); });
+}
+
+void OpenRequests::open(const QStringList& paths) {
+    if (paths.isEmpty()) return;
+    waiting_ << paths;
+    timer_.start();
+}
+
+bool OpenRequests::isFree() const {
+    return !isOpening_ && !model_.sheet() && !model_.longTask().isRunning() && !model_.canvas().isBusy() &&
+           !QApplication::activeModalWidget() && !QApplication::activePopupWidget() &&
+           QGuiApplication::mouseButtons() == Qt::NoButton;
+}
+
+void OpenRequests::openWaiting() {
+    if (!isFree()) return;
+    timer_.stop();
+    isOpening_ = true; // questions are asked meanwhile, in loops of their own
+    guarded(model_, [this] { model_.files().open(std::exchange(waiting_, {})); });
+    isOpening_ = false;
+}
+
+void OpenRequests::comeForward(const QByteArray& token) {
+    if (!window_) return;
+    // Where Wayland's part of Qt looks for it.
+    if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token);
+    QWidget* const question = QApplication::activeModalWidget();
+    QWidget& front = question ? *question : *window_;
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->show();
+    front.raise();
+    front.activateWindow();
+    QApplication::alert(&front); // where the desktop does not let it come
+}
+
+} // namespace qirn

@@ -1,0 +1,183 @@
+#include "core/PaintEngine.h"
+#include "core/SeededRandom.h"
+#include "program/DisplayArguments.h"
+#include "program/OneStudio.h"
+#include "support/Files.h"
+#include "support/TestMain.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace qirn;
+using namespace qirn::test;
+using namespace std::chrono_literals;
+
+namespace {
+
+const HandOver kRequest{PaintEngine::version, "token", {"/a b", "/\xff\n\x01", "/tmp/\xc3\xa4.png"}};
+
+} // namespace
+
+class tst_OneStudio : public QObject {
+    Q_OBJECT
+    std::unique_ptr<QTemporaryDir> folder_;
+    OneStudio studio(const char* display = ":1") { return OneStudio(display, folder_->path()); }
+
+    /// A connection to the studio that is open, on which these bytes were sent.
+    int peer(const QByteArray& bytes) {
+        const QString name = QDir(folder_->path()).entryList({"*.socket"}, QDir::System).value(0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, QFile::encodeName(folder_->filePath(name)).constData(),
+                 sizeof address.sun_path);
+        const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+            [[maybe_unused]]
+            const auto sent =
+                ::send(socket, bytes.constData(), static_cast<std::size_t>(bytes.size()), MSG_NOSIGNAL);
+        return socket;
+    }
+
+private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder_->path()));
+    }
+    void cleanup() { qunsetenv("XDG_RUNTIME_DIR"); }
+
+    void onlyAWholeMessageIsTaken() {
+        const QByteArray message = *kRequest.encoded();
+        QCOMPARE(HandOver::decoded(message), kRequest);
+        SeededRandom random(1);
+        for (int i = 0; i < 20'000; ++i) {
+            QByteArray other = message.first(static_cast<qsizetype>(random.unit() * double(message.size())));
+            if (i % 2) other = other + char(random.unit() * 256) + message.sliced(other.size() + 1);
+            const auto read = HandOver::decoded(other);
+            QVERIFY(!read || (i % 2 && read->encoded() == other));
+        }
+        HandOver other = kRequest;
+        other.paths = {QByteArray(HandOver::kMostBytes, '/')};
+        QVERIFY(!other.encoded());
+        other.paths = {"relative"};
+        QVERIFY(!other.encoded());
+        other.paths = {QByteArray("/a\0b", 4)};
+        QVERIFY(!other.encoded());
+    }
+
+    void aSecondStartHandsOverAndOthersDoNoHarm() {
+        OneStudio first = studio(), second = studio(), elsewhere = studio(":2");
+        QVERIFY(!first.handsOver(kRequest) && first.isTheOne());
+        QVERIFY(!elsewhere.handsOver(kRequest) && elsewhere.isTheOne());
+        // Nobody answers: the start goes on, and what it offered counts for nothing.
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(!second.handsOver(kRequest, 200ms) && !second.isTheOne());
+        QVERIFY(clock.elapsed() >= 140);
+        const QByteArray message = *kRequest.encoded();
+        std::vector<int> peers;
+        for (const QByteArray& bytes :
+             {QByteArray(), QByteArray("\0", 1), QByteArray(4, '\xff'), message.first(9), message + 'k',
+              message, QByteArray("GET / HTTP/1.1\r\n\r\n")})
+            peers.push_back(peer(bytes));
+        first.answer();
+        HandOver request = kRequest;
+        while (request.encoded()->size() < 990'000) request.paths << "/" + QByteArray(4000, 'x');
+        QVERIFY(second.handsOver(request)); // while the thread answers
+        request.version = "0.9";
+        clock.start();
+        QVERIFY(!second.handsOver(request));
+        QVERIFY2(clock.elapsed() < 2000, "another version is told so at once");
+        request.version = PaintEngine::version;
+        std::vector<HandOver> delivered;
+        first.deliverTo([&](const HandOver& taken) { delivered.push_back(taken); });
+        QCOMPARE(delivered, std::vector{request});
+        for (std::size_t i = 0; i < StudioListener::kMostPeers; ++i) peers.push_back(peer("x"));
+        std::thread other([&] { QVERIFY(!second.handsOver(kRequest, 300ms)); }); // too many are being heard
+        QTest::qWait(400);
+        other.join();
+        for (const int socket : peers) ::close(socket);
+        std::atomic<bool> isTaken = false;
+        other = std::thread([&] { isTaken = second.handsOver(kRequest); });
+        QTRY_COMPARE(delivered.size(), std::size_t{2});
+        other.join();
+        QVERIFY(isTaken);
+        QCOMPARE(delivered.back(), kRequest);
+        QVERIFY(first.close().empty());
+        QVERIFY(!second.handsOver(kRequest) && second.isTheOne());
+    }
+
+    void whatIsTakenAndNotDeliveredIsLeft() {
+        OneStudio first = studio(), second = studio();
+        QVERIFY(!first.handsOver(kRequest));
+        first.answer();
+        const int offered = peer(*kRequest.encoded());
+        char answer = 0;
+        QTRY_VERIFY(answer != 0 || ::recv(offered, &answer, 1, 0) == 1);
+        QCOMPARE(answer, HandOver::kTakes);
+        QCOMPARE(::send(offered, &HandOver::kTaken, 1, MSG_NOSIGNAL),
+                 ssize_t{1}); // heard at the latest moment
+        const int late = peer(*kRequest.encoded());
+        QCOMPARE(first.close(), std::vector{kRequest});
+        QVERIFY(::send(late, &HandOver::kTaken, 1, MSG_NOSIGNAL) < 0 || ::recv(late, &answer, 1, 0) <= 0);
+        for (const int socket : {offered, late}) ::close(socket);
+    }
+
+    void onlyAFolderOfOnesOwnIsUsed() {
+        const QString deep = folder_->filePath(QString(200, u'd'));
+        const struct {
+            const char* what;
+            std::function<QString()> make;
+            bool isUsed;
+        } cases[] = {{"missing", [&] { return folder_->filePath("none"); }, false},
+                     {"readable by others",
+                      [&] {
+                          chmod(QFile::encodeName(folder_->path()).constData(), 0755);
+                          return folder_->path();
+                      },
+                      false},
+                     {"a link",
+                      [&] {
+                          chmod(QFile::encodeName(folder_->path()).constData(), 0700);
+                          QFile::link(folder_->path(), folder_->filePath("link"));
+                          return folder_->filePath("link");
+                      },
+                      false},
+                     {"relative", [] { return QString("."); }, false},
+                     {"longer than the address of a socket",
+                      [&] {
+                          mkdir(QFile::encodeName(deep).constData(), 0700);
+                          return deep;
+                      },
+                      true}};
+        for (const auto& [what, make, isUsed] : cases) {
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(make()));
+            OneStudio first = studio(), second = studio();
+            QElapsedTimer clock;
+            clock.start();
+            QVERIFY2(!first.handsOver(kRequest) && first.isTheOne() == isUsed, what);
+            first.answer();
+            QVERIFY2(second.handsOver(kRequest) == isUsed, what);
+            QVERIFY2(clock.elapsed() < 2500, what);
+        }
+    }
+
+    void theDisplayIsWhereTheWindowWouldOpen() {
+        const auto display = [](const QStringList& words) {
+            return DisplayArguments(QStringList{"QirnPaint"} + words).display;
+        };
+        qputenv("DISPLAY", ":7.0");
+        QCOMPARE(display({"-style", "fusion", "a.png"}), display({"-display", ":7"}));
+        QVERIFY(display({}) != display({"--platform", "xcb"}) && display({}) != display({"-display", ":8"}));
+        const DisplayArguments words({"QirnPaint", "a.png", "-platform", "xcb", "--", "-b"});
+        QCOMPARE(words.others, QStringList({"QirnPaint", "a.png", "--", "-b"}));
+        QCOMPARE(words.taken, QStringList({"-platform", "xcb"}));
+        qunsetenv("DISPLAY");
+    }
+};
+
+QIRN_TEST(tst_OneStudio)
+#include "tst_OneStudio.moc"
