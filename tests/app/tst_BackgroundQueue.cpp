@@ -43,6 +43,35 @@ private Q_SLOTS:
         QVERIFY_THROWS_EXCEPTION(std::runtime_error, failed.get());
     }
 
+    void nobodyWaitsForWhatIsNotHis() {
+        BackgroundQueue& queue = BackgroundQueue::files();
+        const QUuid mine = QUuid::createUuid(), another = QUuid::createUuid();
+        std::promise<void> go;
+        std::atomic<bool> hasBegun = false;
+        const auto held = queue.run(
+            [&] {
+                hasBegun = true;
+                go.get_future().wait();
+            },
+            another);
+        while (!hasBegun) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::vector<int> order; // unguarded: one subject's jobs come one after the other
+        bool isEnded = false;
+        const auto add = [&](int i) { return [&order, i] { order.push_back(i); }; };
+        const auto dropped = queue.runInstead(mine, add(0));
+        queue.runInstead(mine, add(1), [&] { isEnded = true; });
+        queue.run(add(2), mine);
+        queue.finish(mine);
+        QCOMPARE(order, std::vector<int>({1, 2}));
+        QVERIFY(isEnded);
+        QVERIFY_THROWS_EXCEPTION(std::future_error, dropped.get());
+        const auto behind = queue.run(add(3), another);
+        QVERIFY(behind.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout);
+        go.set_value();
+        queue.finish(another);
+        QCOMPARE(order.back(), 3);
+    }
+
     void aJobKeepsToItsOwnThreadUntilSomebodyWaits() {
         setConcurrency(4);
         for (const bool byWorkers : {false, true}) {
