@@ -2,6 +2,7 @@
 
 #include "app/canvas/CanvasView.h"
 #include "app/desktop/AppFolders.h"
+#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Desktop.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
@@ -75,7 +76,8 @@ void recovery(const SelfTestWorld& world) {
                 restored->doc().fingerprint() == fingerprint);
     world.check("It counts as unsaved",
                 restored->isDirty() && restored->name == QStringLiteral("Lost work (recovered)"));
-    Recovery::discard(id);
+    Recovery::discard(*restored);
+    BackgroundQueue::files().finish();
     world.check("A discarded copy is gone", !QFile::exists(Recovery::fileURL(id)));
 }
 

@@ -141,7 +141,7 @@ void pictureSheets(Window& window, Album& album) {
         DocSession lost(std::make_unique<PaintDocument>(1600, 900, 72, PaintColor(0.2, 0.4, 0.6)), name, {},
                         QUuid::createUuid(), DocSession::Dirty::yes);
         Recovery::write(lost, Recovery::Synchronously::yes);
-        lost.copyLock.reset();
+        lost.copy.files.reset();
     }
     for (const NamedSheet& named : kSheets) {
         window.model.showSheet(named.sheet);

@@ -4,6 +4,7 @@
 #include "app/model/CanvasStatus.h"
 #include "app/model/OpacityPreview.h"
 #include "app/model/PaintModel.h"
+#include "app/model/Safety.h"
 #include "core/PaintDocument.h"
 
 #include <cmath>
@@ -246,6 +247,7 @@ void CanvasView::release(const PenSample& sample) {
     if (gesture) gesture->release(sample, canvasPoint(sample.view));
     updateOverlay();
     updateMouseCursor();
+    model_.safety().gestureEnded();
 }
 
 void CanvasView::hover(const PenSample& sample) {

@@ -21,6 +21,7 @@ struct SaveQuestion {
     QList<FileType> types;     ///< The file gets an extension of the first one.
     QString message = {};      ///< Stands in the panel where it has a place.
     bool offersExport = false; ///< For a name with a picture's extension: the user may want an export.
+    QString folder = {};       ///< Where the panel starts; empty, or gone: where the last one ended.
 };
 
 /// What it was answered.

@@ -37,8 +37,9 @@ QString filtersToOpen(const QList<FileType>& types) {
         .join(QStringLiteral(";;"));
 }
 
-QString startFolder(const QString& last) {
-    for (const QString& folder : {last, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)})
+QString startFolder(const QString& wanted, const QString& last) {
+    for (const QString& folder :
+         {wanted, last, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)})
         if (!folder.isEmpty() && QFileInfo(folder).isDir()) return folder;
     return QDir::homePath();
 }
@@ -50,7 +51,8 @@ QString tr(const char* text) {
 } // namespace
 
 std::optional<SavePlace> QtDesktop::saveFile(const SaveQuestion& question) {
-    FilePanel panel(question.title, question.message, startFolder(folder_), filtersOf(question.types));
+    FilePanel panel(question.title, question.message, startFolder(question.folder, folder_),
+                    filtersOf(question.types));
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.selectFile(question.proposedName);
     while (panel.exec() == QDialog::Accepted && !panel.selectedFiles().isEmpty()) {
@@ -86,7 +88,7 @@ bool QtDesktop::mayReplace(const QString& path) {
 }
 
 QStringList QtDesktop::openFiles(const QString& title, const QList<FileType>& types, Several several) {
-    FilePanel panel(title, {}, startFolder(folder_), filtersToOpen(types));
+    FilePanel panel(title, {}, startFolder({}, folder_), filtersToOpen(types));
     panel.setFileMode(several == Several::yes ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
     panel.showPreviews();
     return panel.exec() == QDialog::Accepted ? panel.selectedFiles() : QStringList();

@@ -1,48 +1,62 @@
 #include "app/files/CopyLock.h"
 
-#include <cerrno>
+#include "platform/files/FileCalls.h"
+#include "platform/files/FilePath.h"
 
-#include <QFile>
+#include <cerrno>
+#include <optional>
+
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace qirn {
 
 namespace {
 
-bool isFileAt(const QByteArray& path, int file) {
+/// Whether the path names this open file; nothing where the system does not tell.
+std::optional<bool> isFileAt(const QByteArray& path, int file) {
+    const FileCalls& calls = FileCalls::inUse();
     struct stat opened {
     }, named{};
-    return ::fstat(file, &opened) == 0 && ::stat(path.constData(), &named) == 0 &&
-           opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+    if (calls.fstat(file, &opened) < 0) return std::nullopt;
+    if (calls.lstat(path.constData(), &named) < 0)
+        return errno == ENOENT ? std::optional(false) : std::nullopt;
+    return opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 
 } // namespace
 
 std::shared_ptr<CopyLock> CopyLock::take(const QString& path) {
-    const QByteArray name = QFile::encodeName(path);
+    const FileCalls& calls = FileCalls::inUse();
+    const QByteArray name = bytesOfPath(path);
     while (true) {
         const int file =
-            ::open(name.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+            calls.open(name.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
         if (file < 0 && errno == EINTR) continue;
         if (file < 0) return std::make_shared<CopyLock>(name, -1);
-        if (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+        int locked = 0;
+        do {
+            locked = calls.flock(file, LOCK_EX | LOCK_NB);
+        } while (locked < 0 && errno == EINTR);
+        if (locked < 0) {
             const bool isElsewhere = errno == EWOULDBLOCK;
-            ::close(file);
+            calls.close(file);
             return isElsewhere ? nullptr : std::make_shared<CopyLock>(name, -1);
         }
-        if (isFileAt(name, file)) return std::make_shared<CopyLock>(name, file);
-        ::close(file); // its holder released and removed it between open and lock
+        const std::optional<bool> isIt = isFileAt(name, file);
+        if (isIt.value_or(false)) return std::make_shared<CopyLock>(name, file);
+        calls.close(file);
+        if (!isIt) return std::make_shared<CopyLock>(name, -1);
+        // Its holder released and removed it between open and lock.
     }
 }
 
 CopyLock::~CopyLock() {
     if (file_ < 0) return;
+    const FileCalls& calls = FileCalls::inUse();
     // Removed before the lock is released, so that nobody can hold a lock on a removed file.
-    if (isFileAt(path_, file_)) ::unlink(path_.constData());
-    ::close(file_);
+    if (isFileAt(path_, file_).value_or(false)) calls.unlink(path_.constData());
+    calls.close(file_);
 }
 
 } // namespace qirn

@@ -8,7 +8,7 @@ DocSession::DocSession(std::unique_ptr<PaintDocument> document, QString sessionN
       fileURL(std::move(url)),
       name(std::move(sessionName)),
       savedChange(dirty == Dirty::yes ? -1 : document->changeCount()),
-      autosavedChange(document->changeCount()),
+      autosavedChange(savedChange),
       document_(std::move(document)) {}
 
 void DocSession::announceChange() {

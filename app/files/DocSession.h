@@ -1,10 +1,10 @@
 #pragma once
+#include "app/files/SafetyCopy.h"
 #include "app/files/ViewTransform.h"
 #include "core/PaintDocument.h"
 #include "platform/files/FileStamp.h"
 
 #include <cstdint>
-#include <future>
 #include <memory>
 #include <optional>
 
@@ -15,8 +15,6 @@
 #include <QUuid>
 
 namespace qirn {
-
-class CopyLock;
 
 /// One open picture: its document, its file and its view. It owns its document, which stays the same for its life;
 /// sessions are compared by identity.
@@ -38,11 +36,11 @@ public:
     std::optional<FileStamp> fileStamp;
     QString name;        ///< As the tab shows it, without extension.
     int64_t savedChange; ///< The document's change count at the last save, or -1.
+    /// The change count of what is on disk, in the safety copy or, from a save on, in the file; -1: nothing is.
     int64_t autosavedChange;
-    QDateTime lastAutosave; ///< Null: never.
-    std::shared_future<void>
-        copy; ///< Of the copy of `autosavedChange`: ready when it is on disk, or has failed. Not valid: none.
-    std::shared_ptr<CopyLock> copyLock; ///< Held from the first safety copy on; null before.
+    QDateTime lastAutosave; ///< When the safety copy on disk was taken; null: there is none.
+    SafetyCopy copy;
+    QString originalPath; ///< Where the file was of a picture that was recovered and not saved since.
     QString remark; ///< What the import left out of the file, in words; empty once the picture is saved.
     ViewState view;
     /// The view is fitted at each resize: the picture has not been shown yet, or only in a window that is still being laid

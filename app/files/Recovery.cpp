@@ -2,138 +2,122 @@
 
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
-#include "app/desktop/FileTypes.h"
-#include "app/desktop/Trash.h"
+#include "app/desktop/Failures.h"
+#include "app/files/CopyFiles.h"
+#include "app/files/CopyLock.h"
 #include "app/files/SalvagedPicture.h"
 #include "formats/native/PaintFile.h"
 #include "formats/native/StoredPreview.h"
 #include "platform/Bytes.h"
-#include "platform/Json.h"
-#include "platform/files/AtomicFile.h"
+#include "platform/files/FileCalls.h"
+#include "platform/files/FilePath.h"
 #include "platform/files/ReadFile.h"
 #include "platform/files/TemporaryFile.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <utility>
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QLocale>
-#include <QStandardPaths>
+#include <QThread>
 
 namespace qirn {
 
 namespace {
 
+const QString kCopy = u'.' + QLatin1String(PaintFile::fileExtension);
+const QString kRecord = QStringLiteral(".json");
+const QString kLock = QStringLiteral(".lock");
+
 QString idText(const QUuid& id) {
     return id.toString(QUuid::WithoutBraces).toUpper();
 }
 
-QString pathFor(const QUuid& id, const QString& extension) {
-    return QDir(AppFolders::autosave()).filePath(idText(id) + u'.' + extension);
+QString pathFor(const QUuid& id, const QString& ending) {
+    return QDir(AppFolders::autosave()).filePath(idText(id) + ending);
 }
 
-QString lockURL(const QUuid& id) {
-    return pathFor(id, QStringLiteral("lock"));
+/// The id in a name of this ending; null where it is no such name.
+QUuid idIn(const QString& name, const QString& ending) {
+    if (!name.endsWith(ending)) return {};
+    const QString base = name.chopped(ending.size());
+    const QUuid id = QUuid::fromString(base);
+    return base.toUpper() == idText(id) ? id : QUuid(); // no braces and the like
 }
 
-OrderedJson infoToJson(const Recovery::Info& info) {
-    OrderedJson json;
-    json["name"] = info.name.toStdString();
-    if (info.originalPath) json["originalPath"] = info.originalPath->toStdString();
-    json["date"] = info.date.toUTC().toString(Qt::ISODate).toStdString();
-    json["width"] = info.width;
-    json["height"] = info.height;
-    json["layers"] = info.layers;
-    return json;
+/// A copy whose record was lost.
+Recovery::Info madeUpInfo(const QString& path) {
+    const QDateTime changed = QFileInfo(path).lastModified();
+    return {.name = QCoreApplication::translate("Recovery", "Recovered picture"),
+            .originalPath = {},
+            .originalStamp = {},
+            .date = changed.isValid() ? changed : QDateTime::currentDateTime()};
 }
 
-std::optional<Recovery::Info> infoFromFile(const QString& path) {
-    try {
-        const std::optional<Json> json = parseJson(bytesOf(readFile(path)));
-        if (!json) return std::nullopt;
-        Recovery::Info info;
-        info.name = jsonText(jsonMember(*json, "name"));
-        if (const Json* path_ = jsonOptionalMember(*json, "originalPath"))
-            info.originalPath = jsonText(*path_);
-        info.date = QDateTime::fromString(jsonText(jsonMember(*json, "date")), Qt::ISODate);
-        info.width = jsonWhole(jsonMember(*json, "width"));
-        info.height = jsonWhole(jsonMember(*json, "height"));
-        info.layers = jsonWhole(jsonMember(*json, "layers"));
-        if (!info.date.isValid()) return std::nullopt;
-        return info;
-    } catch (const ReadError&) {
-        return std::nullopt;
-    } catch (const JsonTypeError&) {
-        return std::nullopt;
-    }
+Recovery::Info infoOf(const DocSession& session, const QDateTime& date, const TileGrid& grid,
+                      std::size_t layers) {
+    Recovery::Info info{.name = session.name,
+                        .originalPath = {},
+                        .originalStamp = {},
+                        .date = date,
+                        .width = grid.width,
+                        .height = grid.height,
+                        .layers = static_cast<int64_t>(layers)};
+    const QString path = session.fileURL.isEmpty() ? session.originalPath : session.fileURL.toLocalFile();
+    if (path.isEmpty()) return info;
+    info.originalPath = path;
+    info.originalStamp = session.fileStamp;
+    return info;
 }
 
-/// A copy whose record was lost, as by a crash between the two writes.
-Recovery::Info madeUpInfo(const QFileInfo& file) {
-    const QDateTime changed = file.lastModified();
-    return {QCoreApplication::translate("Recovery", "Recovered picture"),
-            std::nullopt,
-            changed.isValid() ? changed : QDateTime::currentDateTime(),
-            0,
-            0,
-            0};
+/// That of the copy on disk.
+Recovery::Info infoOf(const DocSession& session) {
+    const PaintDocument& doc = session.doc();
+    return infoOf(session, session.lastAutosave, doc.grid(), doc.layers().size());
 }
 
-/// Everything that the background thread needs to write a copy.
-struct CopyJob {
-    DocumentSnapshot picture;
-    Recovery::Info info;
-    QString file, infoFile;
-    std::shared_ptr<CopyLock> lock;
-
-    void run() const {
+/// Hands over a copy of the last commit.
+void handOver(DocSession& session, std::function<void()> ended) {
+    SafetyCopy& copy = session.copy;
+    copy.taken = std::chrono::steady_clock::now();
+    DocumentSnapshot picture = snapshotOfLastCommit(session.doc());
+    const QDateTime date = QDateTime::currentDateTime();
+    const Recovery::Info info = infoOf(session, date, picture.grid, picture.layers.size());
+    if (!copy.files) copy.files = std::make_shared<CopyFiles>(session.id);
+    auto job = [files = copy.files, info, picture = std::move(picture)] {
         try {
-            if (!lock) throw FileError(EBUSY); // another program has this copy
-            writeOwnFile(file, bytesOf(PaintFile::encode(picture, PaintFile::kPreviewSide)),
-                         UsersLinks::replaced);
-            writeOwnFile(infoFile, bytesOf(QByteArray::fromStdString(jsonBytes(infoToJson(info)))),
-                         UsersLinks::replaced);
+            files->write(picture, info);
         } catch (const std::exception& error) {
             qWarning("Qirn Paint autosave failed: %s", error.what());
             throw;
         }
-    }
-};
-
-Recovery::Info infoOf(const DocSession& session, const TileGrid& grid, std::size_t layers) {
-    Recovery::Info info{session.name, std::nullopt, session.lastAutosave,
-                        grid.width,   grid.height,  static_cast<int64_t>(layers)};
-    if (!session.fileURL.isEmpty()) info.originalPath = session.fileURL.toLocalFile();
-    return info;
+    };
+    copy.underWay.reserve(copy.underWay.size() + 1);
+    copy.underWay.push_back(
+        {session.doc().changeCount(), date,
+         BackgroundQueue::files().runInstead(session.id, std::move(job), std::move(ended))});
 }
 
-/// Of the document alone: its record means nothing to the user.
-void trashCopy(const QUuid& id, const Recovery::Info& info) {
-    const QString time = QLocale().toString(info.date.toLocalTime(), QStringLiteral("d MMM hh.mm"));
-    const QString name =
-        FileTypes::fileName(QCoreApplication::translate("Recovery", "%1 (autosaved %2)").arg(info.name, time),
-                            QLatin1String(PaintFile::fileExtension));
-    const QString folder = info.originalPath
-                               ? QFileInfo(*info.originalPath).path()
-                               : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    moveToTrash(Recovery::fileURL(id), name, folder);
-    QFile::remove(Recovery::infoURL(id));
+void noteFailure(SafetyCopy& copy, const std::exception& error) {
+    ++copy.failures;
+    copy.reason = failureText(error);
 }
 
 QString recoveredName(const Recovery::Info& info) {
-    return info.name + QCoreApplication::translate("Recovery", " (recovered)");
+    const QString mark = QCoreApplication::translate("Recovery", " (recovered)");
+    return info.name.endsWith(mark) ? info.name : info.name + mark;
 }
 
 /// The copy goes on being that of the recovered picture.
-void belongsTo(DocSession& session, const Recovery::Item& item) {
-    std::promise<void> onDisk;
-    onDisk.set_value();
-    session.copy = onDisk.get_future().share();
-    session.copyLock = item.lock;
-    session.lastAutosave = item.info.date;
+SessionRef owning(SessionRef session, const Recovery::Item& item) {
+    session->copy.files = std::make_shared<CopyFiles>(item.id, item.lock);
+    session->autosavedChange = session->doc().changeCount();
+    session->lastAutosave = item.info.date;
+    session->originalPath = item.info.originalPath.value_or(QString());
+    session->fileStamp = item.info.originalStamp;
+    session->moveToThread(QCoreApplication::instance()->thread());
+    return session;
 }
 
 } // namespace
@@ -146,89 +130,151 @@ QImage Recovery::Item::thumbnail() const {
     }
 }
 
-QString Recovery::fileURL(const QUuid& id) {
-    return pathFor(id, QLatin1String(PaintFile::fileExtension));
-}
-QString Recovery::infoURL(const QUuid& id) {
-    return pathFor(id, QStringLiteral("json"));
+bool Recovery::Item::mayBeOpenElsewhere() const {
+    return !lock->isHeld();
 }
 
-void Recovery::write(DocSession& session, Synchronously synchronously) {
-    DocumentSnapshot picture = snapshotOfLastCommit(session.doc());
-    session.autosavedChange = session.doc().changeCount();
-    session.lastAutosave = QDateTime::currentDateTime();
-    if (!session.copyLock || !session.copyLock->isHeld())
-        session.copyLock = CopyLock::take(lockURL(session.id));
-    const Info info = infoOf(session, picture.grid, picture.layers.size());
-    CopyJob job{std::move(picture), info, fileURL(session.id), infoURL(session.id), session.copyLock};
-    session.copy = BackgroundQueue::files().run([job = std::move(job)] { job.run(); });
-    if (synchronously == Synchronously::yes) BackgroundQueue::files().finish();
+QString Recovery::fileURL(const QUuid& id) {
+    return pathFor(id, kCopy);
+}
+QString Recovery::infoURL(const QUuid& id) {
+    return pathFor(id, kRecord);
+}
+QString Recovery::lockURL(const QUuid& id) {
+    return pathFor(id, kLock);
+}
+
+void Recovery::write(DocSession& session, Synchronously synchronously, std::function<void()> ended) {
+    try {
+        handOver(session, std::move(ended));
+    } catch (const std::exception& error) { // of memory, or of threads
+        noteFailure(session.copy, error);
+    }
+    if (synchronously == Synchronously::no) return;
+    BackgroundQueue::files().finish(session.id);
+    settle(session);
+}
+
+bool Recovery::settle(DocSession& session) {
+    SafetyCopy& copy = session.copy;
+    const auto isOver = [](const SafetyCopy::UnderWay& one) {
+        return one.ended.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    };
+    bool any = false;
+    // One after the other, as they are written.
+    for (auto one = copy.underWay.begin(); one != copy.underWay.end() && isOver(*one);
+         one = copy.underWay.erase(one)) {
+        try {
+            one->ended.get();
+            session.autosavedChange = one->change;
+            session.lastAutosave = one->date;
+            copy.failures = 0;
+            copy.isTold = false;
+        } catch (const std::future_error&) {
+            continue; // a later one is written in its place
+        } catch (const std::exception& error) {
+            noteFailure(copy, error);
+        }
+        any = true;
+    }
+    return any;
+}
+
+bool Recovery::isUnderWay(const DocSession& session) {
+    return std::ranges::any_of(session.copy.underWay, [&](const SafetyCopy::UnderWay& one) {
+        return one.change == session.doc().changeCount();
+    });
 }
 
 bool Recovery::isUpToDate(const DocSession& session) {
-    if (!session.copy.valid() || session.autosavedChange != session.doc().changeCount()) return false;
-    try {
-        session.copy.get();
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
+    return session.lastAutosave.isValid() && session.autosavedChange == session.doc().changeCount();
 }
 
-void Recovery::discard(const QUuid& id) {
-    BackgroundQueue::files().finish();
-    QFile::remove(fileURL(id));
-    QFile::remove(infoURL(id));
+void Recovery::noteSaving(DocSession& session, const QString& path) {
+    Info info = infoOf(session);
+    if (!session.lastAutosave.isValid() || info.originalPath == path) return; // its record knows already
+    info.originalPath = path;
+    info.originalStamp = FileStamp::at(path).value_or(FileStamp());
+    BackgroundQueue::files().run([files = session.copy.files, info] { files->renewRecord(info); },
+                                 session.id);
+}
+
+void Recovery::discard(DocSession& session) {
+    SafetyCopy& copy = session.copy;
+    session.lastAutosave = {};
+    const std::shared_ptr<CopyFiles> files = std::exchange(copy, {}).files;
+    if (!files) return;
+    copy.files = files; // its lock goes with the job, and is taken again for the next copy
+    copy.taken = std::chrono::steady_clock::now();
+    BackgroundQueue::files().runInstead(session.id, [files] { files->remove(); });
 }
 
 void Recovery::moveToTrash(DocSession& session) {
+    BackgroundQueue& queue = BackgroundQueue::files();
+    queue.finish(session.id);
+    settle(session);
     if (!isUpToDate(session)) {
-        write(session, Synchronously::yes);
-        session.copy.get();
+        handOver(session, {});
+        const std::shared_future<void> written = session.copy.underWay.back().ended;
+        queue.finish(session.id);
+        settle(session);
+        written.get();
     }
-    const PaintDocument& doc = session.doc();
-    trashCopy(session.id, infoOf(session, doc.grid(), doc.layers().size()));
+    const auto moved = queue.run(
+        [files = session.copy.files, info = infoOf(session)] { files->moveToTrash(info); }, session.id);
+    queue.finish(session.id);
+    moved.get();
+    session.lastAutosave = {};
 }
 
 void Recovery::moveToTrash(const Item& item) {
-    trashCopy(item.id, item.info);
+    CopyFiles(item.id, item.lock).moveToTrash(item.info);
 }
 
 std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) {
+    const QString folder = AppFolders::autosave();
+    const FileCalls& calls = FileCalls::inUse();
+    std::vector<std::string> names;
+    if (calls.list(bytesOfPath(folder).constData(), names) < 0) return {};
+    std::ranges::sort(names);
     std::vector<Item> items;
-    const QDir folder(AppFolders::autosave());
-    const QString pattern = QStringLiteral("*.") + QLatin1String(PaintFile::fileExtension);
-    for (const QFileInfo& file : folder.entryInfoList({pattern}, QDir::Files)) {
-        const QUuid id = QUuid::fromString(file.completeBaseName());
-        const bool isCopy =
-            !id.isNull() && file.completeBaseName().toUpper() == idText(id); // no braces and the like
-        if (!isCopy || excluding.contains(id)) continue;
-        const std::shared_ptr<CopyLock> lock = CopyLock::take(lockURL(id));
-        if (!lock || !QFile::exists(file.filePath()))
-            continue; // open in another program, or just saved there
-        items.push_back({id, infoFromFile(infoURL(id)).value_or(madeUpInfo(file)), file.filePath(), lock});
+    for (const std::string& bytes : names) {
+        const QString name = pathFromBytes(QByteArray::fromStdString(bytes));
+        const QString path = QDir(folder).filePath(name);
+        if (name.endsWith(kLock)) {
+            CopyLock::take(path); // of a program that ended without a copy: releasing it removes its file
+        }
+        const QUuid idOfRecord = idIn(name, kRecord);
+        if (const QUuid id = idIn(name, kCopy); !id.isNull() && !excluding.contains(id)) {
+            struct stat facts {};
+            const auto isFile = [&] {
+                return calls.lstat(bytesOfPath(path).constData(), &facts) == 0 && S_ISREG(facts.st_mode);
+            };
+            if (!isFile()) continue; // nor a link that somebody planted
+            const std::shared_ptr<CopyLock> lock = CopyLock::take(lockURL(id));
+            if (lock && isFile()) // not open in another program, nor just saved there
+                items.push_back({id, readRecord(infoURL(id)).value_or(madeUpInfo(path)), path, lock});
+        } else if (!idOfRecord.isNull() && !excluding.contains(idOfRecord) && !isThere(fileURL(idOfRecord))) {
+            const std::shared_ptr<CopyLock> lock = CopyLock::take(lockURL(idOfRecord));
+            if (lock && lock->isHeld() && !isThere(fileURL(idOfRecord)))
+                calls.unlink(bytesOfPath(path).constData());
+        }
     }
-    // Locks of programs that ended without a copy: releasing them removes their files.
-    for (const QFileInfo& lock : folder.entryInfoList({QStringLiteral("*.lock")}, QDir::Files | QDir::Hidden))
-        CopyLock::take(lock.filePath());
-    for (const QString& own : {AppFolders::base(), AppFolders::autosave()}) sweepTemporaries(own);
+    for (const QString& own : {AppFolders::base(), folder}) sweepTemporaries(own);
     std::stable_sort(items.begin(), items.end(),
                      [](const Item& a, const Item& b) { return a.info.date > b.info.date; });
     return items;
 }
 
-SessionRef Recovery::restore(const Item& item) {
-    auto document = PaintFile::decode(bytesOf(readFile(item.file)));
-    const auto session = std::make_shared<DocSession>(std::move(document), recoveredName(item.info), QUrl(),
-                                                      item.id, DocSession::Dirty::yes);
-    belongsTo(*session, item);
-    return session;
+SessionRef Recovery::restore(const Item& item, const Progress& progress) {
+    auto document = PaintFile::decode(bytesOf(readFile(item.file)), progress);
+    return owning(std::make_shared<DocSession>(std::move(document), recoveredName(item.info), QUrl(), item.id,
+                                               DocSession::Dirty::yes),
+                  item);
 }
 
-SessionRef Recovery::restoreWhatCanBeRead(const Item& item) {
-    const SessionRef session = salvagedPicture(item.file, recoveredName(item.info), item.id, {});
-    belongsTo(*session, item);
-    return session;
+SessionRef Recovery::restoreWhatCanBeRead(const Item& item, const Progress& progress) {
+    return owning(salvagedPicture(item.file, recoveredName(item.info), item.id, progress), item);
 }
 
 } // namespace qirn

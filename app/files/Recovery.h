@@ -1,32 +1,26 @@
 #pragma once
-#include "app/files/CopyLock.h"
+#include "app/files/CopyRecord.h"
 #include "app/files/DocSession.h"
+#include "platform/Progress.h"
 
-#include <cstdint>
-#include <optional>
+#include <functional>
+#include <memory>
 #include <set>
 #include <vector>
 
-#include <QDateTime>
 #include <QImage>
 #include <QString>
 #include <QUuid>
 
 namespace qirn {
 
-/// Safety copies of changed pictures: for each a native document and a small record beside it, named after the
-/// session's id, in one folder. Copies are encoded and written in the background in the order in which they were asked
-/// for; everything else runs on the main thread. A lock beside a copy tells every other program that its picture is open.
-namespace Recovery {
+class CopyLock;
 
-struct Info {
-    QString name;
-    std::optional<QString> originalPath; ///< Absent for a picture never saved.
-    QDateTime date;
-    int64_t width = 0; ///< Canvas pixels; 0 where the record was lost.
-    int64_t height = 0;
-    int64_t layers = 0;
-};
+/// Safety copies of changed pictures: for each a native document and a small record beside it, named after the
+/// session's id, in one folder. Copies are encoded, written and removed in the background, those of one picture in the order
+/// in which it was asked for; everything else runs on the main thread. A lock beside a copy tells every other program that
+/// its picture is open.
+namespace Recovery {
 
 struct Item {
     QUuid id;
@@ -35,35 +29,45 @@ struct Item {
     std::shared_ptr<CopyLock> lock; ///< Taken before the copy was read, so that no other program offers it.
 
     QImage thumbnail() const; ///< The preview in the file; null where it cannot be read. On any thread.
+    bool mayBeOpenElsewhere() const; ///< No locks are to be had here, so that nobody can tell.
 };
 
 QString fileURL(const QUuid& id);
 QString infoURL(const QUuid& id);
+QString lockURL(const QUuid& id);
 
 enum class Synchronously { no, yes };
-/// Writes a copy of the picture as it was last committed. A failure is logged and never shown; it is tried again after
-/// the next change.
-void write(DocSession& session, Synchronously synchronously);
+/// Hands over a copy of the picture as it was last committed, in place of one that waits to be written. A failure is logged,
+/// and `settle` takes note of it. `ended` is called when that is worth while, on any thread.
+void write(DocSession& session, Synchronously synchronously, std::function<void()> ended = {});
+/// Takes note of the copies that have been written, or have failed, since the last time: only from then on does the session
+/// say that they are on disk. Whether there were any.
+bool settle(DocSession& session);
 
-/// Whether the copy on disk is of the last commit; waits for one that is being written.
-bool isUpToDate(const DocSession& session);
+bool isUnderWay(
+    const DocSession& session); ///< A copy of the last commit was handed over and not yet settled.
+bool isUpToDate(const DocSession& session); ///< A copy of the last commit is on disk.
 
-/// Removes a copy, after any write of it that is still waiting.
-void discard(const QUuid& id);
+/// The picture is about to be written to this file, its own or another: from then on a copy that is left over is told as
+/// one of a picture that was saved since.
+void noteSaving(DocSession& session, const QString& path);
+/// Removes the copy, if there can be one, after a write of it that has begun. The lock goes with it.
+void discard(DocSession& session);
 
 /// Moves the copy to the Trash under the picture's name and the time of the copy; restored from there it goes to the
 /// picture's folder. That of a session is brought up to date first. Throws what went wrong, with the copy where it was.
 void moveToTrash(DocSession& session);
 void moveToTrash(const Item& item);
 
-/// The copies that belong to neither an open session nor another running program, newest first.
+/// The copies that belong to neither an open session nor another running program, newest first. Sweeps what is left of
+/// others without a copy.
 std::vector<Item> pending(const std::set<QUuid>& excluding);
 
 /// The picture as an unsaved session that keeps the copy's id, so that later copies go on replacing it. Throws a
-/// DescribedError.
-SessionRef restore(const Item& item);
+/// DescribedError. On any thread; the session is the main thread's.
+SessionRef restore(const Item& item, const Progress& progress = {});
 /// The same of what can still be read of a copy that is damaged, as one that was cut.
-SessionRef restoreWhatCanBeRead(const Item& item);
+SessionRef restoreWhatCanBeRead(const Item& item, const Progress& progress = {});
 
 } // namespace Recovery
 

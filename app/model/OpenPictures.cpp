@@ -1,5 +1,6 @@
 #include "app/model/OpenPictures.h"
 
+#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Desktop.h"
 #include "app/desktop/Store.h"
 #include "app/files/Recovery.h"
@@ -68,7 +69,7 @@ void OpenPictures::add(SessionRef session) {
     model_.finishGesture();
     session->doc().maxUndoSteps = model_.prefs().undoSteps;
     if (sessions_.size() == 1 && isUntouchedStarter(*sessions_.front())) {
-        Recovery::discard(sessions_.front()->id);
+        Recovery::discard(*sessions_.front());
         remove(*sessions_.front());
     }
     sessions_.push_back(session);
@@ -82,7 +83,7 @@ void OpenPictures::addRecovered(SessionRef session) {
     const bool replaces = sessions_.size() == 1 && sessions_.front()->fileURL.isEmpty() &&
                           !sessions_.front()->isDirty() && sessions_.front()->doc().undoDepth() == 0;
     if (replaces) {
-        Recovery::discard(sessions_.front()->id);
+        Recovery::discard(*sessions_.front());
         remove(*sessions_.front());
     }
     add(std::move(session));
@@ -123,7 +124,7 @@ bool OpenPictures::close(DocSession& session) {
     const bool wasCurrent = current() == &session;
     if (wasCurrent) model_.finishGesture();
     if (!session.isDirty()) {
-        Recovery::discard(session.id);
+        Recovery::discard(session);
     } else {
         const int answer =
             model_.desktop().ask(tr("Save changes to \"%1\"?").arg(session.name),
@@ -159,7 +160,8 @@ bool OpenPictures::leaveInTrash(DocSession& session) {
     if (model_.desktop().ask(tr("Close \"%1\" without a copy?").arg(session.name), reason,
                              {tr("Cancel"), tr("Close")}, 0) == 0)
         return false;
-    Recovery::discard(session.id);
+    Recovery::discard(session);
+    BackgroundQueue::files().finish(session.id);
     return true;
 }
 
@@ -183,8 +185,9 @@ bool OpenPictures::shouldQuit() {
         }
         closed << session->name;
     }
-    for (const SessionRef& session : sessions_) Recovery::discard(session->id);
+    for (const SessionRef& session : sessions_) Recovery::discard(*session);
     model_.flushState();
+    BackgroundQueue::files().finish();
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
+#include "app/model/Safety.h"
 #include "formats/ImageExport.h"
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
@@ -188,7 +189,8 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
              FileTypes::fileName(session->name, extension()),
              {FileTypes::native()},
              tr("Qirn Paint documents keep every layer. Use File → Export for PNG, JPEG, TIFF or PSD."),
-             true});
+             true,
+             session->originalPath.isEmpty() ? QString() : QFileInfo(session->originalPath).path()});
         if (!place) return false;
         if (place->exportInstead) {
             model_.pictures().select(*session);
@@ -202,6 +204,7 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
         }
     }
     try {
+        Recovery::noteSaving(*session, path);
         const auto save = [&, picture = snapshot(session->doc())](const Progress& progress) {
             const QByteArray bytes =
                 PaintFile::encode(picture, PaintFile::kPreviewSide, {}, progress.part(0, kEncoded));
@@ -213,16 +216,19 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
         if (failure && failure->isWritten() && path == session->fileURL.toLocalFile())
             session->fileStamp = FileStamp::at(path); // nobody else has changed it
         model_.messages().alert(tr("Couldn't save"),
-                                failureText(error) + tr("\n\nYour work is still open and autosaved."));
+                                failureText(error) + (model_.safety().isAutosaved(*session)
+                                                          ? tr("\n\nYour work is still open and autosaved.")
+                                                          : tr("\n\nYour work is still open.")));
         return false;
     }
     const QFileInfo info(path);
     session->fileURL = QUrl::fromLocalFile(info.absoluteFilePath());
     session->fileStamp = FileStamp::at(path);
     session->name = info.completeBaseName();
+    session->originalPath.clear();
     session->remark.clear();
     session->savedChange = session->autosavedChange = session->doc().changeCount();
-    Recovery::discard(session->id);
+    Recovery::discard(*session);
     session->announceChange();
     model_.announce();
     noteRecentFile(info.absoluteFilePath());

@@ -1,7 +1,6 @@
 #include "app/model/Safety.h"
 
 #include "app/desktop/BackgroundQueue.h"
-#include "app/desktop/Failures.h"
 #include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
@@ -9,53 +8,146 @@
 #include "app/files/Recovery.h"
 #include "app/model/CanvasPort.h"
 #include "app/model/Guarded.h"
+#include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PendingTransform.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QCoreApplication>
+#include <QPointer>
 
 namespace qirn {
 
 namespace {
 
-constexpr int kAutosaveTick = 10'000; // milliseconds; shorter than the shortest interval
+constexpr int kFailuresUntilTold = 3;
+constexpr int kLastAttempts = 2;
 
 } // namespace
 
 Safety::Safety(PaintModel& model) : model_(model) {
     connect(&timer_, &QTimer::timeout, this, guarding(model_, [this] { autosaveTick(); }));
+    // Pixels that floated have been put down, perhaps.
+    connect(&model_, &PaintModel::changed, this, guarding(model_, [this] {
+        if (isWaiting_) takeSoon();
+    }));
 }
 
-void Safety::startAutosave() {
-    timer_.start(kAutosaveTick);
+void Safety::startAutosave(std::chrono::milliseconds tick) {
+    timer_.start(tick);
 }
 
 void Safety::autosaveTick() {
-    const double interval = model_.prefs().autosaveSeconds;
-    if (interval <= 0 || model_.longTask().isRunning()) return;
-    const QDateTime now = QDateTime::currentDateTime();
-    for (const SessionRef& session : model_.pictures().sessions()) {
-        const int64_t changes = session->doc().changeCount();
-        if (changes == session->savedChange || changes == session->autosavedChange) continue;
-        const bool recent = session->lastAutosave.isValid() &&
-                            static_cast<double>(session->lastAutosave.msecsTo(now)) < interval * 1000;
-        // Floating pixels are in no layer, so a copy made now would lack them.
-        const bool floating = model_.transform().isPending() && session.get() == model_.current();
-        if (recent || floating || model_.canvas().isBusy()) continue;
-        // What fails here has nothing to do with what is painted: it is tried again at the next tick.
-        if (!contained([&] { Recovery::write(*session, Recovery::Synchronously::no); })) continue;
-        lastAutosaveText_ = tr("Autosaved %1").arg(shortTime(now.time()));
-        model_.announce();
+    if (model_.longTask().isRunning()) {
+        isWaiting_ = true;
+        takeSoon();
+    } else {
+        takeDueCopies();
     }
+}
+
+void Safety::gestureEnded() {
+    const auto& open = model_.pictures().sessions();
+    // One that failed waits for the tick.
+    const auto fellDue = [this](const SessionRef& session) {
+        return isDue(*session) && session->copy.failures == 0;
+    };
+    if (isWaiting_ || hasNews_ || (timer_.isActive() && std::ranges::any_of(open, fellDue))) takeSoon();
+}
+
+void Safety::takeSoon() {
+    if (std::exchange(isQueued_, true)) return;
+    soon(model_, [this] {
+        isQueued_ = false;
+        takeDueCopies();
+    });
+}
+
+bool Safety::isDue(const DocSession& session) const {
+    const double interval = model_.prefs().autosaveSeconds;
+    const int64_t changes = session.doc().changeCount();
+    if (interval <= 0 || changes == session.savedChange || changes == session.autosavedChange) return false;
+    if (Recovery::isUnderWay(session)) return false;
+    const SafetyCopy& copy = session.copy;
+    const auto now = std::chrono::steady_clock::now();
+    return copy.failures > 0 || !copy.taken || now - *copy.taken >= std::chrono::duration<double>(interval);
+}
+
+bool Safety::mustWait(const DocSession& session) const {
+    // Floating pixels are in no layer, so a copy made now would lack them.
+    return model_.canvas().isBusy() || (model_.transform().isPending() && &session == model_.current());
+}
+
+void Safety::takeDueCopies() {
+    isWaiting_ = false;
+    for (const SessionRef& session : model_.pictures().sessions()) {
+        if (!isDue(*session)) continue;
+        if (mustWait(*session)) {
+            isWaiting_ = true;
+            continue;
+        }
+        const auto settle = guarding(model_, [safety = QPointer(this)] {
+            if (safety) safety->settleCopies();
+        });
+        Recovery::write(*session, Recovery::Synchronously::no, [settle] {
+            // Without memory for it the next tick looks.
+            contained([&] {
+                QMetaObject::invokeMethod(QCoreApplication::instance(), settle, Qt::QueuedConnection);
+            });
+        });
+        if (session->copy.failures > 0) hasNews_ = true;
+    }
+    settleCopies();
+}
+
+void Safety::settleCopies() {
+    for (const SessionRef& session : model_.pictures().sessions()) {
+        const QDateTime before = session->lastAutosave;
+        if (!Recovery::settle(*session)) continue;
+        if (session->lastAutosave != before) latest_ = session->lastAutosave;
+        hasNews_ = true;
+    }
+    if (hasNews_ && !model_.canvas().isBusy())
+        tell(); // views that draw themselves would be in a stroke's way
+}
+
+void Safety::tell() {
+    hasNews_ = false;
+    for (const SessionRef& session : model_.pictures().sessions()) {
+        SafetyCopy& copy = session->copy;
+        if (copy.failures < kFailuresUntilTold || std::exchange(copy.isTold, true)) continue;
+        model_.messages().flash(tr("Couldn't autosave: %1").arg(copy.reason));
+    }
+    model_.announce();
+}
+
+std::optional<QString> Safety::lastAutosaveText() const {
+    const auto& open = model_.pictures().sessions();
+    if (std::ranges::any_of(open, [](const SessionRef& session) { return session->copy.failures > 0; }))
+        return tr("Not autosaved");
+    if (!latest_.isValid()) return std::nullopt;
+    return tr("Autosaved %1").arg(shortTime(latest_.time()));
+}
+
+bool Safety::isAutosaved(DocSession& session) {
+    settleCopies();
+    return Recovery::isUpToDate(session);
 }
 
 void Safety::keepWork() {
     model_.saveState();
     model_.store().write(); // first, since it is quick
-    for (const SessionRef& session : model_.pictures().sessions()) {
-        if (session->isDirty() && !Recovery::isUpToDate(*session))
-            Recovery::write(*session, Recovery::Synchronously::no);
+    for (int attempt = 0; attempt < kLastAttempts; ++attempt) {
+        for (const SessionRef& session : model_.pictures().sessions()) {
+            Recovery::settle(*session);
+            if (session->isDirty() && !Recovery::isUpToDate(*session) && !Recovery::isUnderWay(*session))
+                Recovery::write(*session, Recovery::Synchronously::no);
+        }
+        BackgroundQueue::files().finish();
     }
-    BackgroundQueue::files().finish();
     model_.flushState();
 }
 

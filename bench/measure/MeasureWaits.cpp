@@ -125,9 +125,8 @@ private:
 void timeActions(StudioWindow& studio, Table& table, bool copies) {
     PaintModel& model = studio.model();
     const auto time = [&](const char* name, const std::function<void()>& action) {
-        const auto& copy = model.current()->copy;
-        const bool isBusy =
-            copy.valid() && copy.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+        Recovery::settle(*model.current());
+        const bool isBusy = !model.current()->copy.underWay.empty();
         if (copies && !isBusy) Recovery::write(*model.current(), Recovery::Synchronously::no);
         table.time(name, action);
     };

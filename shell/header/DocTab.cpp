@@ -2,6 +2,7 @@
 
 #include "app/desktop/HostWords.h"
 #include "app/files/DocSession.h"
+#include "app/files/Recovery.h"
 #include "app/model/Guarded.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
@@ -60,7 +61,6 @@ DocTab::DocTab(PaintModel& model, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    dot_->setToolTip(tr("Not saved yet (autosaved for safety)"));
     close_ = new IconButton(Icon::close, tr("Close this picture"), this, &Metrics::chevron);
     close_->setFocusPolicy(Qt::NoFocus); // the Delete key on the tab does the same
     connect(this, &QAbstractButton::clicked, this, guarding(model_, [this] {
@@ -85,6 +85,8 @@ void DocTab::showSession(const DocSession& session, bool current) {
     setFocusPolicy(current ? Qt::TabFocus : Qt::NoFocus); // the arrow keys go to the others
     const bool dirty = session.isDirty();
     dot_->setVisible(dirty);
+    dot_->setToolTip(Recovery::isUpToDate(session) ? tr("Not saved yet (autosaved for safety)")
+                                                   : tr("Not saved yet"));
     setAccessibleName(dirty ? tr("%1, not saved yet").arg(session.name) : session.name);
     if (text() != session.name) {
         setText(session.name);

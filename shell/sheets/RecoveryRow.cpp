@@ -49,7 +49,9 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent) : QWidget(
     auto* words = new QVBoxLayout;
     words->addStretch();
     words->addWidget(name);
-    words->addWidget(dimLabel(whenOf(info.date.toLocalTime()), this));
+    const QString when = whenOf(info.date.toLocalTime());
+    auto* date = dimLabel(item.info.isSavedSince() ? tr("%1 · saved since").arg(when) : when, this);
+    words->addWidget(date);
     words->addWidget(
         dimLabel(tr("%1 × %2 px · %3 layer(s)").arg(info.width).arg(info.height).arg(info.layers), this));
     words->addStretch();

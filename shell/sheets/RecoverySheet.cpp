@@ -1,7 +1,9 @@
 #include "shell/sheets/RecoverySheet.h"
 
+#include "app/desktop/Desktop.h"
 #include "app/desktop/Failures.h"
 #include "app/files/DocSession.h"
+#include "app/files/LongTask.h"
 #include "app/files/SalvagedPicture.h"
 #include "app/model/Guarded.h"
 #include "app/model/Messages.h"
@@ -64,46 +66,58 @@ void RecoverySheet::reload() {
     if (hadFocus) (items_.empty() ? later_ : recoverAll_)->setFocus(Qt::OtherFocusReason);
 }
 
-bool RecoverySheet::restore(const Recovery::Item& item) {
+void RecoverySheet::add(const Recovery::Item& item, Read read) {
+    SessionRef session;
+    const auto work = [&](const Progress& progress) { session = read(item, progress); };
+    if (!model().longTask().run(tr("Recovering %1…").arg(item.info.name), work)) return;
+    model().pictures().addRecovered(session);
+    if (!session->remark.isEmpty()) model().messages().flash(session->remark);
+}
+
+void RecoverySheet::restore(const Recovery::Item& item) {
+    const QString title = tr("Couldn't recover %1").arg(item.info.name);
     try {
-        model().pictures().addRecovered(Recovery::restore(item));
-        return true;
+        add(item, Recovery::restore);
     } catch (const std::exception& error) {
-        const QString title = tr("Couldn't recover %1").arg(item.info.name);
-        if (!canBeSalvaged(error))
-            model().messages().alert(title, failureText(error));
-        else if (model().messages().offerWhatCanBeRead(title, failureText(error)))
-            return restoreParts(item);
-        return false;
+        if (!canBeSalvaged(error)) return model().messages().alert(title, failureText(error));
+        if (!model().messages().offerWhatCanBeRead(title, failureText(error))) return;
+        try {
+            add(item, Recovery::restoreWhatCanBeRead);
+        } catch (const std::exception& again) {
+            model().messages().alert(title, failureText(again));
+        }
     }
 }
 
-bool RecoverySheet::restoreParts(const Recovery::Item& item) {
-    try {
-        const SessionRef session = Recovery::restoreWhatCanBeRead(item);
-        model().pictures().addRecovered(session);
-        model().messages().flash(session->remark);
-        return true;
-    } catch (const std::exception& error) {
-        model().messages().alert(tr("Couldn't recover %1").arg(item.info.name), failureText(error));
-        return false;
-    }
+bool RecoverySheet::mayTake(const std::vector<Recovery::Item>& items, const QString& doIt) {
+    QStringList names;
+    for (const Recovery::Item& item : items)
+        if (item.mayBeOpenElsewhere()) names << item.info.name;
+    if (names.isEmpty()) return true;
+    return model().desktop().ask(names.size() == 1
+                                     ? tr("Is \"%1\" open in another window?").arg(names.front())
+                                     : tr("Is one of these open in another window?"),
+                                 tr("The disk of the autosave copies has no locks, so Qirn Paint cannot "
+                                    "tell. A picture that is open "
+                                    "in another window would lose its copy."),
+                                 {tr("Cancel"), doIt}, 0) == 1;
 }
 
 void RecoverySheet::recover(std::size_t row) {
-    if (row >= items_.size()) return;
+    if (row >= items_.size() || !mayTake({items_[row]}, tr("Recover"))) return;
     restore(items_[row]);
     reload();
     if (items_.empty()) model().closeSheet();
 }
 
 void RecoverySheet::recoverAll() {
+    if (!mayTake(items_, tr("Recover All"))) return;
     for (const Recovery::Item& item : items_) restore(item);
     model().closeSheet();
 }
 
 void RecoverySheet::moveToTrash(std::size_t row) {
-    if (row >= items_.size()) return;
+    if (row >= items_.size() || !mayTake({items_[row]}, tr("Move to Trash"))) return;
     const Recovery::Item item = items_[row];
     try {
         Recovery::moveToTrash(item);

@@ -24,8 +24,11 @@ public:
 
 private:
     void reload();
-    bool restore(const Recovery::Item& item);
-    bool restoreParts(const Recovery::Item& item); ///< What can be read of a damaged copy.
+    using Read = SessionRef (*)(const Recovery::Item& item, const Progress& progress);
+    void restore(const Recovery::Item& item);
+    void add(const Recovery::Item& item, Read read); ///< Throws why it cannot be read.
+    /// Where nobody can tell whether another window has these pictures open: whether the user knows better.
+    bool mayTake(const std::vector<Recovery::Item>& items, const QString& doIt);
 
     std::vector<Recovery::Item> items_; // newest first, a row each
     QScrollArea* list_;

@@ -28,6 +28,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -238,7 +239,7 @@ private Q_SLOTS:
         studio.desktop.savePaths = {studio.path("no such folder/a.qirnpaint")};
         QVERIFY(!studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
         QCOMPARE(studio.desktop.asked.back().title, "Couldn't save");
-        QVERIFY(studio.desktop.asked.back().text.endsWith("\n\nYour work is still open and autosaved."));
+        QVERIFY(studio.desktop.asked.back().text.endsWith("\n\nYour work is still open."));
         QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
         writeFile(studio.path("text.qirnpaint"), "not a paint file");
         const QByteArray whole = PaintFile::encode(studio.doc());
@@ -322,25 +323,80 @@ private Q_SLOTS:
 
     void safetyCopiesAreWrittenAndRemoved() {
         Studio studio;
-        const auto copiesAfterATick = [&] {
-            studio.session().lastAutosave = {};
-            studio.model.safety().autosaveTick();
+        const auto copies = [] {
+            QCoreApplication::processEvents();
             BackgroundQueue::files().finish();
+            QCoreApplication::processEvents();
             return QDir(AppFolders::autosave()).entryList({"*.qirnpaint"}).size();
+        };
+        const auto copiesAfterATick = [&] {
+            studio.session().copy.taken.reset();
+            studio.model.safety().autosaveTick();
+            return copies();
         };
         QCOMPARE(copiesAfterATick(), 0); // nothing changed
         studio.fill(kDot);
         studio.penEvent(QEvent::TabletPress, {50, 50}, 1);
         QCOMPARE(copiesAfterATick(), 0); // not in the middle of a stroke
-        studio.penEvent(QEvent::TabletRelease, {50, 50}, 0);
         studio.set(&PaintPrefs::autosaveSeconds, 0);
+        studio.penEvent(QEvent::TabletRelease, {50, 50}, 0);
         QCOMPARE(copiesAfterATick(), 0); // switched off
         studio.model.setPrefs(PaintPrefs());
-        QCOMPARE(copiesAfterATick(), 1);
+        studio.penEvent(QEvent::TabletPress, {60, 50}, 1);
+        QCOMPARE(copiesAfterATick(), 0);
+        studio.penEvent(QEvent::TabletRelease, {60, 50}, 0);
+        QVERIFY(!studio.model.safety().lastAutosaveText());
+        QCOMPARE(copies(), 1); // right after the stroke
         QVERIFY(studio.model.safety().lastAutosaveText()->startsWith("Autosaved "));
+        QVERIFY(studio.model.safety().isAutosaved(studio.session()));
+
+        // Of the last commit, and of the next one as soon as that is there.
+        studio.model.opacity().show(1, 0.5);
+        QVERIFY(studio.model.safety().isAutosaved(studio.session()));
+        studio.model.opacity().commit();
+        QVERIFY(!studio.model.safety().isAutosaved(studio.session()));
+        QCOMPARE(copiesAfterATick(), 1);
+        QVERIFY(studio.model.safety().isAutosaved(studio.session()));
         studio.desktop.savePaths = {studio.path("a.qirnpaint")};
         studio.model.files().save(nullptr, PictureFiles::SaveAs::no);
         QCOMPARE(copiesAfterATick(), 0);
+    }
+
+    void aCopyCountsOnceItIsOnDisk() {
+        Studio studio;
+        Safety& safety = studio.model.safety();
+        studio.fill(kDot);
+        const auto saveFails = [&] { // what its message ends with
+            studio.desktop.savePaths = {studio.path("no such folder/a.qirnpaint")};
+            studio.model.files().save(nullptr, PictureFiles::SaveAs::no);
+            return studio.desktop.asked.back().text.section("\n\n", 1);
+        };
+        const auto tick = [&] {
+            safety.autosaveTick();
+            BackgroundQueue::files().finish();
+            QCoreApplication::processEvents();
+        };
+        for (int round = 0; round < 2; ++round) {
+            for (int failures = 1; failures <= 4; ++failures) { // each is tried again at the next tick
+                const FullDisk full;
+                QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Qirn Paint autosave failed: "));
+                tick();
+                QCOMPARE(safety.lastAutosaveText(), "Not autosaved");
+                QCOMPARE(studio.model.messages().hud() ==
+                             "Couldn't autosave: The file could not be written (File too large).",
+                         failures == 3);
+                studio.model.messages().flash("Another");
+            }
+            QCOMPARE(saveFails(), "Your work is still open.");
+            tick();
+            QVERIFY(safety.lastAutosaveText()->startsWith("Autosaved "));
+            studio.session().originalPath = "/lost/a.qirnpaint"; // as of a recovered one
+            QCOMPARE(saveFails(), "Your work is still open and autosaved.");
+            QCOMPARE(studio.desktop.proposedFolder, "/lost");
+            studio.fill(kDot);
+            QCOMPARE(saveFails(), "Your work is still open.");
+            studio.session().copy.taken.reset();
+        }
     }
 
     void theRecentListKeepsWhatItHolds() {

@@ -1,9 +1,11 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
+#include "app/files/CopyLock.h"
 #include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "support/FileFaults.h"
 #include "support/Files.h"
 #include "support/NativeFiles.h"
 #include "support/Pictures.h"
@@ -34,7 +36,7 @@ std::unique_ptr<DocSession> changedSession(const QString& name = "Ébauche ✏�
 std::unique_ptr<DocSession> endedSession(const QString& name = "Ébauche ✏️") {
     auto session = changedSession(name);
     Recovery::write(*session, kWait);
-    session->copyLock.reset();
+    session->copy.files.reset();
     return session;
 }
 
@@ -85,6 +87,7 @@ private Q_SLOTS:
         auto session = changedSession();
         const QUuid id = session->id;
         const uint64_t committed = session->doc().fingerprint();
+        const int64_t change = session->doc().changeCount();
         session->fileURL = QUrl::fromLocalFile("/home/a b/Sea.qirnpaint");
         const auto paint = [&](int at) {
             paintRect(session->doc(), session->doc().layer(0), {at, at, 100, 100}, {9, 8, 7, 255});
@@ -96,7 +99,8 @@ private Q_SLOTS:
             session->doc().commit("Paint");
         }
         BackgroundQueue::files().finish();
-        QVERIFY(session->lastAutosave.isValid());
+        QVERIFY(!Recovery::isUpToDate(*session) && Recovery::settle(*session));
+        QVERIFY(session->lastAutosave.isValid() && session->autosavedChange == change);
         const QString upper = id.toString(QUuid::WithoutBraces).toUpper();
         QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".lock", upper + ".qirnpaint"}));
         const QByteArray text = bytesAt(Recovery::infoURL(id));
@@ -147,7 +151,7 @@ private Q_SLOTS:
         // A picture whose copy another has got hold of writes no more over it.
         auto other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
         QVERIFY(!other);
-        restored->copyLock.reset();
+        restored->copy.files.reset();
         other = CopyLock::take(QString(Recovery::fileURL(id)).replace(".qirnpaint", ".lock"));
         QVERIFY(other && other->isHeld());
         const QByteArray copy = bytesAt(Recovery::fileURL(id));
@@ -212,10 +216,75 @@ private Q_SLOTS:
 
     void aDiscardComesAfterAPendingWrite() {
         const auto session = std::make_unique<DocSession>(randomDocument(1200, 900, 4, 3), "Large");
-        for (int i = 0; i < 3; ++i) Recovery::write(*session, Recovery::Synchronously::no);
-        Recovery::discard(session->id);
-        session->copyLock.reset();
+        for (int round = 0; round < 2; ++round) { // and the next copy after the discard
+            for (int i = 0; i < 3; ++i) Recovery::write(*session, Recovery::Synchronously::no);
+            Recovery::discard(*session);
+        }
+        BackgroundQueue::files().finish();
+        QVERIFY(!Recovery::settle(*session) && !session->lastAutosave.isValid());
         QCOMPARE(copiesOnDisk(), QStringList());
+    }
+
+    void aCopyIsNeverWithoutItsRecord() {
+        const auto session = changedSession();
+        const QString copy = Recovery::fileURL(session->id), record = Recovery::infoURL(session->id);
+        bool isBare = false;
+        const FileCallsInstead watched(withEachCall(FileCalls::ofSystem(), [&](const char*) {
+            isBare |= QFile::exists(copy) && !QFile::exists(record);
+            return 0;
+        }));
+        Recovery::write(*session, kWait);
+        session->name = "Renamed";
+        Recovery::write(*session, kWait);
+        QVERIFY(bytesAt(record).contains("Renamed"));
+        Recovery::discard(*session);
+        BackgroundQueue::files().finish();
+        QVERIFY(!isBare && copiesOnDisk().isEmpty());
+    }
+
+    void whatIsLeftOfACopyIsSweptAndNothingWhereNobodyKnows() {
+        const auto living = changedSession("Living");
+        for (const bool hasLocks : {false, true}) {
+            std::optional<FileCallsInstead> calls;
+            if (!hasLocks) {
+                calls.emplace(withEachCall(FileCalls::ofSystem(), [](const char* name) {
+                    return qstrcmp(name, "flock") == 0 ? ENOLCK : 0;
+                }));
+            }
+            Recovery::write(*living, kWait);
+            const auto ended = endedSession();
+            for (const QUuid& id : {living->id, ended->id}) QVERIFY(QFile::remove(Recovery::fileURL(id)));
+            QVERIFY(Recovery::pending({}).empty());
+            QVERIFY(QFile::exists(Recovery::infoURL(living->id)));
+            QCOMPARE(QFile::exists(Recovery::infoURL(ended->id)), !hasLocks);
+            const auto copied = endedSession();
+            const auto items = Recovery::pending({});
+            QVERIFY(items.size() == 1 && items[0].mayBeOpenElsewhere() == !hasLocks);
+            QVERIFY(QFile::remove(items[0].file));
+            calls.reset();
+        }
+    }
+
+    void aCopyOfWhatWasSavedSinceSaysSo() {
+        for (const bool isFirstSave : {false, true}) {
+            init();
+            const QString path = world_->filePath("Sea.qirnpaint");
+            auto session = changedSession();
+            if (!isFirstSave) {
+                writeFile(path, "as it was");
+                session->fileURL = QUrl::fromLocalFile(path);
+                session->fileStamp = FileStamp::at(path);
+            }
+            Recovery::write(*session, kWait);
+            Recovery::noteSaving(*session, path);
+            BackgroundQueue::files().finish();
+            session.reset(); // killed in the save
+            QVERIFY(!Recovery::pending({})[0].info.isSavedSince());
+            writeFile(path, "saved"); // or just after it
+            const Recovery::Item item = Recovery::pending({})[0];
+            QVERIFY(item.info.isSavedSince());
+            QCOMPARE(Recovery::restore(item)->originalPath, path);
+        }
     }
 
     void aDamagedCopyIsListedAndRefusedInWords() {
@@ -235,20 +304,21 @@ private Q_SLOTS:
         const auto session = changedSession();
         QTest::ignoreMessage(QtWarningMsg, "Qirn Paint autosave failed: The folder does not exist.");
         Recovery::write(*session, kWait);
-        QCOMPARE(session->autosavedChange, session->doc().changeCount()); // not again before the next change
-        QVERIFY(!Recovery::isUpToDate(*session));
-        Recovery::discard(session->id);
+        QVERIFY(!Recovery::isUpToDate(*session) && session->autosavedChange == -1);
+        QVERIFY(session->copy.failures == 1 && session->copy.reason == "The folder does not exist.");
         QVERIFY(Recovery::pending({}).empty());
+        QVERIFY(QFile::remove(world_->filePath("full")) && !AppFolders::autosave().isEmpty());
+        Recovery::write(*session, kWait);
+        QVERIFY(Recovery::isUpToDate(*session) && session->copy.failures == 0);
     }
 
     void unsavedWorkGoesToTheTrashUnderItsName() {
         const auto session = changedSession("A/B");
         session->fileURL = QUrl::fromLocalFile("/home/a b/old.qirnpaint");
+        const QDateTime before = QDateTime::currentDateTime();
         Recovery::moveToTrash(*session); // there was no copy yet
-        session->copyLock.reset();
         QCOMPARE(copiesOnDisk(), QStringList());
-        const QString name =
-            "A-B (autosaved " + QLocale().toString(session->lastAutosave, "d MMM hh.mm") + ").qirnpaint";
+        const QString name = "A-B (autosaved " + QLocale().toString(before, "d MMM hh.mm") + ").qirnpaint";
         const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + "/Trash";
         QCOMPARE(namesIn(trash + "/files"), QStringList(name));
         QCOMPARE(PaintFile::decode(bytesOf(bytesAt(trash + "/files/" + name)))->fingerprint(),

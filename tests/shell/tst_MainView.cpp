@@ -6,6 +6,7 @@
 #include "app/model/OpenPictures.h"
 #include "app/model/PendingTransform.h"
 #include "app/model/PictureFiles.h"
+#include "app/model/Safety.h"
 #include "kit/controls/ChromeSlider.h"
 #include "kit/controls/MessageBox.h"
 #include "shell/HudBubble.h"
@@ -208,6 +209,14 @@ private Q_SLOTS:
         QVERIFY(!tabs(w)[0]->showsDot());
         w.paint();
         QVERIFY(tabs(w)[0]->showsDot());
+        const auto tip = [&w] {
+            for (const QWidget* part : tabs(w)[0]->findChildren<QWidget*>())
+                if (part->toolTip().startsWith("Not saved yet")) return part->toolTip();
+            return QString();
+        };
+        QCOMPARE(tip(), "Not saved yet");
+        w.model.safety().autosaveTick();
+        QTRY_COMPARE(tip(), "Not saved yet (autosaved for safety)");
         w.click("headerUndo"); // back to the saved state is still not saved
         QVERIFY(tabs(w)[0]->showsDot());
         w.desktop.answers = {1}; // Cancel

@@ -15,6 +15,7 @@
 #include "shell/sheets/RecoveryRow.h"
 #include "shell/sheets/SheetHost.h"
 #include "shell/sheets/TextPreview.h"
+#include "support/FileFaults.h"
 #include "support/Window.h"
 
 #include <QAction>
@@ -344,7 +345,7 @@ private Q_SLOTS:
             DocSession lost(std::make_unique<PaintDocument>(300, 200, 72, PaintColor(0, 0, 1)), name, {},
                             QUuid::createUuid(), DocSession::Dirty::yes);
             Recovery::write(lost, Recovery::Synchronously::yes);
-            lost.copyLock.reset();
+            lost.copy.files.reset();
             copyOfFour = Recovery::fileURL(lost.id);
         }
         const auto names = [&w] {
@@ -364,6 +365,24 @@ private Q_SLOTS:
         choose("Recover Two");
         QVERIFY(!w.says("Two") && names() == "Two (recovered)" &&
                 w.session().isDirty()); // in place of the starter
+        const auto reopen = [&w] {
+            w.model.closeSheet();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // and its locks
+            w.model.showSheet({PaintSheet::Kind::recovery});
+        };
+        {
+            const FileCallsInstead noLocks(withEachCall(FileCalls::ofSystem(), [](const char* name) {
+                return qstrcmp(name, "flock") == 0 ? ENOLCK : 0;
+            }));
+            reopen();
+            for (const char* button : {"Recover Three", "Move Three to Trash", "Recover All"}) {
+                w.desktop.asked.clear();
+                choose(button); // and cancels
+                QVERIFY(w.desktop.asked.size() == 1 && w.says("Three") && names() == "Two (recovered)");
+            }
+            w.desktop.asked.clear();
+        }
+        reopen();
         choose("Move Three to Trash");
         QVERIFY(!w.says("Three") && w.says("One") && w.says("Four"));
         const qint64 whole = QFileInfo(copyOfFour).size();

@@ -26,6 +26,7 @@ public:
 
     std::vector<Question> asked;
     QStringList proposedNames;
+    QString proposedFolder; ///< The last.
     QStringList recentFiles;
     QString usedFile; ///< The last.
     int beeps = 0;
@@ -33,6 +34,7 @@ public:
 
     std::optional<SavePlace> saveFile(const SaveQuestion& question) override {
         proposedNames << question.proposedName;
+        proposedFolder = question.folder;
         const auto path = take(savePaths);
         if (!path) return std::nullopt;
         if (path->isEmpty()) return SavePlace{{}, true};

@@ -1,6 +1,7 @@
 #pragma once
 #include "app/canvas/CanvasView.h"
 #include "app/desktop/AppFolders.h"
+#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Store.h"
 #include "app/model/Brushes.h"
 #include "app/model/PaintModel.h"
@@ -27,7 +28,10 @@ struct OwnWorld {
             qputenv("HOME", QFile::encodeName(path));
             qputenv("XDG_DATA_HOME", QFile::encodeName(path + QStringLiteral("/data")));
         }
-        ~FolderOverride() { AppFolders::setBaseOverride({}); }
+        ~FolderOverride() {
+            BackgroundQueue::files().finish();
+            AppFolders::setBaseOverride({});
+        }
     };
 
     QTemporaryDir folder;

@@ -40,8 +40,8 @@ the autosave copy; it is a .qirnpaint file and opens as usual. See «autosave».
 • Photoshop files open with their layers if they are 8-bit RGB, others flat («open»).
 
 ## Saving fails
-The message says why: the disk is full, or the folder may not be written to. The picture is still open and
-copied to safety. Choose File → Save As… ({saveAs}) and another place.
+The message says why: the disk is full, or the folder may not be written to. The picture is still open, and the
+message says whether it is copied to safety. Choose File → Save As… ({saveAs}) and another place.
 
 ## The text is too small or too large
 View → Zoom In and Zoom Out change the size of the interface: «look».
