@@ -1,5 +1,6 @@
 #include "app/desktop/SuddenEnd.h"
 
+#include "app/desktop/BackgroundQueue.h"
 #include "platform/files/FileCalls.h"
 
 #include <atomic>
@@ -9,6 +10,7 @@
 #include <exception>
 #include <utility>
 
+#include <QDateTime>
 #include <QSocketNotifier>
 #include <QThread>
 #include <fcntl.h>
@@ -73,7 +75,11 @@ struct SuddenEnd::Watch {
 
 SuddenEnd::SuddenEnd(std::function<void()> keepWork) : keepWork_(std::move(keepWork)) {
     watching = this;
-    FileCalls::ofSystem(); // constructed before the exit handler is set, so destroyed after it ran
+    // What is made before the exit handler is set is destroyed after it ran; without its calendars Qt writes no date.
+    FileCalls::ofSystem();
+    BackgroundQueue::files();
+    BackgroundQueue::ownFiles();
+    QDateTime::currentDateTime().toString(Qt::ISODate);
     static const bool atExit = std::atexit(Watch::atExit) == 0;
     Q_UNUSED(atExit)
     messagesBefore = qInstallMessageHandler(Watch::readMessage);
