@@ -190,15 +190,14 @@ class tst_ManyPrograms : public QObject {
         listed_ += std::ssize(pending);
         std::set<QString> there;
         const auto read = [&](const QString& name) { return bytesAt(folder_.filePath("shared/" + name)); };
-        for (const auto& brush :
-             UserBrushFormat::decode(bytesOf(read("My Brushes.json"))).value_or(std::vector<BrushSettings>()))
-            there.insert(brush.name);
-        for (const auto& palette :
-             UserPaletteFormat::decode(bytesOf(read("My Palettes.json"))).value_or(std::vector<Palette>()))
-            there.insert(palette.name);
-        for (const auto& [key, value] :
-             parseJson(bytesOf(read("Preferences.json"))).value_or(Json::object()).items())
-            there.insert(QString::fromStdString(key));
+        const auto brushes = UserBrushFormat::decode(bytesOf(read("My Brushes.json")));
+        const auto palettes = UserPaletteFormat::decode(bytesOf(read("My Palettes.json")));
+        const Json values = parseJson(bytesOf(read("Preferences.json"))).value_or(Json::object());
+        if (brushes)
+            for (const BrushSettings& brush : *brushes) there.insert(brush.name);
+        if (palettes)
+            for (const Palette& palette : *palettes) there.insert(palette.name);
+        for (const auto& [key, value] : values.items()) there.insert(QString::fromStdString(key));
         for (const QString& name : things_) QVERIFY2(there.contains(name), qPrintable(name + " is lost"));
         for (const QString& name : gone_) QVERIFY2(!there.contains(name), qPrintable(name + " came back"));
     }
