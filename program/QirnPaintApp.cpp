@@ -34,6 +34,7 @@
 #include <vector>
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QFileOpenEvent>
 #include <QSessionManager>
 #include <unistd.h>
@@ -171,7 +172,8 @@ void startAgain(const QStringList& options, const std::vector<HandOver>& left) {
     std::vector<char*> arguments;
     for (QByteArray& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
-    ::execv("/proc/self/exe", arguments.data());
+    const QString program = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath();
+    ::execv(bytesOfPath(program).constData(), arguments.data());
 }
 
 } // namespace

@@ -1,11 +1,15 @@
+#include "app/model/OpenPictures.h"
 #include "core/PaintEngine.h"
 #include "core/SeededRandom.h"
 #include "program/DisplayArguments.h"
 #include "program/OneStudio.h"
+#include "program/OpenRequests.h"
 #include "support/Files.h"
-#include "support/TestMain.h"
+#include "support/Studio.h"
 
+#include <QDialog>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QTemporaryDir>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -72,6 +76,7 @@ private Q_SLOTS:
         OneStudio first = studio(), second = studio(), elsewhere = studio(":2");
         QVERIFY(!first.handsOver(kRequest) && first.isTheOne());
         QVERIFY(!elsewhere.handsOver(kRequest) && elsewhere.isTheOne());
+        elsewhere.close();
         // Nobody answers: the start goes on, and what it offered counts for nothing.
         QElapsedTimer clock;
         clock.start();
@@ -162,6 +167,42 @@ private Q_SLOTS:
             first.answer();
             QVERIFY2(second.handsOver(kRequest) == isUsed, what);
             QVERIFY2(clock.elapsed() < 2500, what);
+        }
+    }
+
+    void filesWaitUntilTheStudioHasTime() {
+        Studio studio;
+        OpenRequests requests(studio.model, studio.canvas);
+        QDialog question;
+        question.setModal(true);
+        const struct {
+            const char* name;
+            std::function<void()> begin, end;
+        } cases[] = {{"sheet", [&] { studio.model.showSheet({PaintSheet::Kind::newDocument}); },
+                      [&] { studio.model.closeSheet(); }},
+                     {"gesture",
+                      [&] {
+                          studio.mouseEvent(QEvent::MouseButtonPress, {50, 50});
+                      },
+                      [&] {
+                          studio.mouseEvent(QEvent::MouseButtonRelease, {60, 60});
+                      }},
+                     {"question", [&] { question.show(); }, [&] { question.hide(); }}};
+        for (const auto& [name, begin, end] : cases) {
+            QStringList paths;
+            for (const char* number : {"1", "2"}) {
+                paths << studio.path(QString("%1 %2.png").arg(name, number));
+                QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(paths.back()));
+            }
+            const std::size_t before = studio.model.pictures().sessions().size();
+            begin();
+            for (const QString& path : paths) requests.open({path});
+            QTest::qWait(200);
+            QCOMPARE(requests.waiting(), paths);
+            end();
+            QTRY_COMPARE(studio.model.pictures().sessions().size(), before + 2);
+            QVERIFY(requests.waiting().isEmpty());
+            QVERIFY(studio.session().name.startsWith(QString("%1 2").arg(name)));
         }
     }
 
