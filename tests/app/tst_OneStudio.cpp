@@ -123,6 +123,7 @@ private Q_SLOTS:
         char answer = 0;
         QTRY_VERIFY(answer != 0 || ::recv(offered, &answer, 1, 0) == 1);
         QCOMPARE(answer, HandOver::kTakes);
+        first.deliverTo([](const HandOver&) { QFAIL("the event loop has not run"); });
         QCOMPARE(::send(offered, &HandOver::kTaken, 1, MSG_NOSIGNAL),
                  ssize_t{1}); // heard at the latest moment
         const int late = peer(*kRequest.encoded());

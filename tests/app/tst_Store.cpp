@@ -115,6 +115,9 @@ private Q_SLOTS:
         two.flush();
         QCOMPARE(stored(), QByteArray("{\"a\":2,\"b\":3,\"c\":3,\"new\":2}"));
         QCOMPARE(two.number("new"), 2);
+        two.keep("a", 1); // still, although it is 2 by now
+        two.flush();
+        QCOMPARE(Store(file_).number("a"), 2);
         two.keep("a", 3);
         two.flush();
         QCOMPARE(Store(file_).number("a"), 3);
