@@ -140,6 +140,8 @@ void pictureSheets(Window& window, Album& album) {
     for (const char* name : {"Sea at dawn", "A name that is longer than the place for it in the list"}) {
         DocSession lost(std::make_unique<PaintDocument>(1600, 900, 72, PaintColor(0.2, 0.4, 0.6)), name, {},
                         QUuid::createUuid(), DocSession::Dirty::yes);
+        lost.fileURL = QUrl::fromLocalFile(QCoreApplication::applicationFilePath());
+        lost.fileStamp = FileStamp(); // so it was saved since
         Recovery::write(lost, Recovery::Synchronously::yes);
         lost.copy.files.reset();
     }

@@ -62,6 +62,7 @@ void RecoverySheet::reload() {
     const bool hadFocus = list_->isAncestorOf(QApplication::focusWidget());
     list_->setWidget(rows);
     rows->show();
+    list_->setVisible(!items_.empty());
     recoverAll_->setEnabled(!items_.empty());
     if (hadFocus) (items_.empty() ? later_ : recoverAll_)->setFocus(Qt::OtherFocusReason);
 }
