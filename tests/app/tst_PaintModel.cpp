@@ -316,6 +316,9 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(studio.path("one.qirnpaint")));
         QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
         QCOMPARE(studio.session().name, "Three");
+        // And one with a copy on its way, saved by now.
+        studio.model.pictures().add(std::make_shared<DocSession>(randomDocument(1200, 900, 4, 3), "Four"));
+        Recovery::write(studio.session(), Recovery::Synchronously::no);
         studio.desktop.answers = {2};
         QVERIFY(studio.model.pictures().shouldQuit());
         QVERIFY(QDir(AppFolders::autosave()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
