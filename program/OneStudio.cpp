@@ -32,7 +32,13 @@ constexpr qsizetype kNameDigits = 16;
 /// The user's run-time folder, where nobody else can put anything; -1 where there is none of that kind.
 int openRuntimeFolder() {
     QByteArray path = qgetenv("XDG_RUNTIME_DIR");
-    if (path.isEmpty()) path = bytesOfPath(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+    if (path.isEmpty()) {
+        // Without what Qt has to say about it on standard error.
+        const QtMessageHandler usual =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+        path = bytesOfPath(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation));
+        qInstallMessageHandler(usual);
+    }
     if (!path.startsWith('/')) return -1;
     const int folder = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     struct stat facts {};
