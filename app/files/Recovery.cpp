@@ -15,6 +15,7 @@
 #include "platform/files/TemporaryFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 #include <QCoreApplication>
@@ -102,6 +103,22 @@ void handOver(DocSession& session, std::function<void()> ended) {
 void noteFailure(SafetyCopy& copy, const std::exception& error) {
     ++copy.failures;
     copy.reason = failureText(error);
+}
+
+enum class Kind { file, nothing, other }; // a link that somebody planted, or what cannot be seen
+Kind kindAt(const QString& path) {
+    struct stat facts {};
+    if (FileCalls::inUse().lstat(bytesOfPath(path).constData(), &facts) == 0)
+        return S_ISREG(facts.st_mode) ? Kind::file : Kind::other;
+    return errno == ENOENT ? Kind::nothing : Kind::other;
+}
+
+/// Removes a record without a copy, unless a program may be about to write that.
+void sweepRecord(const QUuid& id) {
+    if (kindAt(Recovery::fileURL(id)) != Kind::nothing) return;
+    const std::shared_ptr<CopyLock> lock = CopyLock::take(Recovery::lockURL(id));
+    if (lock && lock->isHeld() && kindAt(Recovery::fileURL(id)) == Kind::nothing)
+        FileCalls::inUse().unlink(bytesOfPath(Recovery::infoURL(id)).constData());
 }
 
 QString recoveredName(const Recovery::Info& info) {
@@ -233,31 +250,22 @@ void Recovery::moveToTrash(const Item& item) {
 
 std::vector<Recovery::Item> Recovery::pending(const std::set<QUuid>& excluding) {
     const QString folder = AppFolders::autosave();
-    const FileCalls& calls = FileCalls::inUse();
     std::vector<std::string> names;
-    if (calls.list(bytesOfPath(folder).constData(), names) < 0) return {};
+    if (FileCalls::inUse().list(bytesOfPath(folder).constData(), names) < 0) return {};
     std::ranges::sort(names);
     std::vector<Item> items;
     for (const std::string& bytes : names) {
         const QString name = pathFromBytes(QByteArray::fromStdString(bytes));
         const QString path = QDir(folder).filePath(name);
-        if (name.endsWith(kLock)) {
-            CopyLock::take(path); // of a program that ended without a copy: releasing it removes its file
-        }
-        const QUuid idOfRecord = idIn(name, kRecord);
-        if (const QUuid id = idIn(name, kCopy); !id.isNull() && !excluding.contains(id)) {
-            struct stat facts {};
-            const auto isFile = [&] {
-                return calls.lstat(bytesOfPath(path).constData(), &facts) == 0 && S_ISREG(facts.st_mode);
-            };
-            if (!isFile()) continue; // nor a link that somebody planted
+        if (const QUuid id = idIn(name, kCopy); !id.isNull()) {
+            if (excluding.contains(id) || kindAt(path) != Kind::file) continue;
             const std::shared_ptr<CopyLock> lock = CopyLock::take(lockURL(id));
-            if (lock && isFile()) // not open in another program, nor just saved there
+            if (lock && kindAt(path) == Kind::file) // not open in another program, nor just saved there
                 items.push_back({id, readRecord(infoURL(id)).value_or(madeUpInfo(path)), path, lock});
-        } else if (!idOfRecord.isNull() && !excluding.contains(idOfRecord) && !isThere(fileURL(idOfRecord))) {
-            const std::shared_ptr<CopyLock> lock = CopyLock::take(lockURL(idOfRecord));
-            if (lock && lock->isHeld() && !isThere(fileURL(idOfRecord)))
-                calls.unlink(bytesOfPath(path).constData());
+        } else if (const QUuid idOfRecord = idIn(name, kRecord); !idOfRecord.isNull()) {
+            if (!excluding.contains(idOfRecord)) sweepRecord(idOfRecord);
+        } else if (name.endsWith(kLock)) {
+            CopyLock::take(path); // of a program that ended without a copy: releasing it removes its file
         }
     }
     for (const QString& own : {AppFolders::base(), folder}) sweepTemporaries(own);

@@ -258,6 +258,13 @@ private Q_SLOTS:
             QVERIFY(QFile::exists(Recovery::infoURL(living->id)));
             QCOMPARE(QFile::exists(Recovery::infoURL(ended->id)), !hasLocks);
             const auto copied = endedSession();
+            {
+                const FileCallsInstead blind(withEachCall(FileCalls::ofSystem(), [](const char* name) {
+                    return qstrcmp(name, "lstat") == 0 ? EIO : 0;
+                }));
+                QVERIFY(Recovery::pending({}).empty()); // what cannot be seen may be there
+            }
+            QVERIFY(QFile::exists(Recovery::infoURL(copied->id)));
             const auto items = Recovery::pending({});
             QVERIFY(items.size() == 1 && items[0].mayBeOpenElsewhere() == !hasLocks);
             QVERIFY(QFile::remove(items[0].file));
