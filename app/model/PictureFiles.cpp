@@ -66,8 +66,8 @@ ReadPicture readPicture(const QString& path, const Progress& progress) {
     return {ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1)), isDocument, stamp};
 }
 
-void write(const QString& path, const QByteArray& bytes, const Progress& progress) {
-    writeAtomically(path, bytesOf(bytes), progress);
+std::optional<FileStamp> write(const QString& path, const QByteArray& bytes, const Progress& progress) {
+    return writeAtomically(path, bytesOf(bytes), progress);
 }
 
 } // namespace
@@ -203,12 +203,13 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
             return false;
         }
     }
+    std::optional<FileStamp> stamp;
     try {
         Recovery::noteSaving(*session, path);
         const auto save = [&, picture = snapshot(session->doc())](const Progress& progress) {
             const QByteArray bytes =
                 PaintFile::encode(picture, PaintFile::kPreviewSide, {}, progress.part(0, kEncoded));
-            write(path, bytes, progress.part(kEncoded, 1));
+            stamp = write(path, bytes, progress.part(kEncoded, 1));
         };
         if (!model_.longTask().run(tr("Saving %1…").arg(QFileInfo(path).fileName()), save)) return false;
     } catch (const std::exception& error) {
@@ -223,7 +224,7 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
     }
     const QFileInfo info(path);
     session->fileURL = QUrl::fromLocalFile(info.absoluteFilePath());
-    session->fileStamp = FileStamp::at(path);
+    session->fileStamp = stamp;
     session->name = info.completeBaseName();
     session->originalPath.clear();
     session->remark.clear();

@@ -180,6 +180,9 @@ private Q_SLOTS:
         studio.desktop.savePaths = {other};
         QVERIFY(save() && studio.session().fileURL == QUrl::fromLocalFile(other));
         studio.model.files().open(path);
+        touch(3);
+        studio.desktop.answers = {2, 0};
+        QVERIFY(!save() && save());
         const std::size_t asked = studio.desktop.asked.size();
         QVERIFY(save());
         touch(2);

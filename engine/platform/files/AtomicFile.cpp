@@ -58,6 +58,17 @@ bool isUsersLink(const std::string& path, const FileCalls& calls) {
     return calls.stat(path.c_str(), &target) == 0 ? target.st_uid == ::geteuid() : errno == ENOENT;
 }
 
+/// Of a file that was written and closed: some disks give it its time only then. Where the name is another's by now, what
+/// it was before.
+std::optional<FileStamp> stampOf(const struct stat& written, const std::string& target,
+                                 const FileCalls& calls) {
+    struct stat named {};
+    const bool isIt = calls.stat(target.c_str(), &named) == 0 && named.st_ino == written.st_ino &&
+                      named.st_dev == written.st_dev && named.st_size == written.st_size;
+    if (isIt) return FileStamp::of(named);
+    return written.st_ino != 0 ? std::optional(FileStamp::of(written)) : std::nullopt;
+}
+
 /// What takes the target's place; its path is no symbolic link.
 struct Replacement {
     std::string target;
@@ -67,8 +78,8 @@ struct Replacement {
 
     std::string folder() const { return folderOf(target); }
     mode_t firstMode() const { return access ? 0600 : 0666; } // readable by nobody else until it gets its own
-    /// False, with nothing changed, where the file cannot get a name.
-    bool writeTo(TemporaryFile temporary) const {
+    /// False, with nothing changed, where the file cannot get a name. `written` is what the file is in its place.
+    bool writeTo(TemporaryFile temporary, struct stat& written) const {
         const OpenFile& file = temporary.file();
         file.write(bytes, progress.part(0, kWritten));
         if (access) access->giveTo(file);
@@ -80,6 +91,7 @@ struct Replacement {
             // after a power cut would be the new name of an empty file.
             file.flush();
         }
+        file.calls().fstat(file.descriptor(), &written);
         temporary.moveTo(target);
         try {
             if (file.isOpen()) temporary.close();
@@ -111,22 +123,26 @@ void flushFolder(const OpenFile& folder) {
     }
 }
 
-void replace(const Replacement& replacement, const FileCalls& calls) {
+std::optional<FileStamp> replace(const Replacement& replacement, const FileCalls& calls) {
     const auto& [target, access, bytes, progress] = replacement;
     const OpenFile folder(openFolder(replacement.folder(), calls), calls);
     removeLeftTemporaries(target, calls);
     auto unnamed = TemporaryFile::unnamed(target, replacement.firstMode(), calls);
-    if (!unnamed || !replacement.writeTo(*std::move(unnamed)))
-        replacement.writeTo(TemporaryFile::hidden(target, replacement.firstMode(), calls));
+    struct stat written {};
+    if (!unnamed || !replacement.writeTo(*std::move(unnamed), written))
+        replacement.writeTo(TemporaryFile::hidden(target, replacement.firstMode(), calls), written);
+    const std::optional<FileStamp> stamp = stampOf(written, target, calls);
     flushFolder(folder);
+    return stamp;
 }
 
 } // namespace
 
-void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const Progress& progress) {
+std::optional<FileStamp> writeAtomically(const QString& path, std::span<const uint8_t> bytes,
+                                         const Progress& progress) {
     const FileCalls& calls = FileCalls::inUse();
     const std::string target = followLinks(bytesOfPath(path).toStdString(), calls);
-    replace({target, accessToKeep(target, calls), bytes, progress}, calls);
+    return replace({target, accessToKeep(target, calls), bytes, progress}, calls);
 }
 
 void writeOwnFile(const QString& path, std::span<const uint8_t> bytes, UsersLinks links) {

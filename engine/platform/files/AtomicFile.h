@@ -1,8 +1,10 @@
 #pragma once
 #include "platform/Progress.h"
 #include "platform/files/FileError.h"
+#include "platform/files/FileStamp.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include <QString>
@@ -19,7 +21,10 @@ namespace qirn {
 /// file takes its place, leaves the old one as well.
 ///
 /// Whatever a killed process leaves beside the target is removed by the next one that writes it (`TemporaryFile`).
-void writeAtomically(const QString& path, std::span<const uint8_t> bytes, const Progress& progress = {});
+/// The result is the stamp of the new file, of no other that has taken its name since; nothing where the disk does not
+/// tell.
+std::optional<FileStamp> writeAtomically(const QString& path, std::span<const uint8_t> bytes,
+                                         const Progress& progress = {});
 
 /// What becomes of a symbolic link under the name of an own file: replaced, or followed if the user made it and
 /// where it leads is the user's too.
