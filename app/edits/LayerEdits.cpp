@@ -23,14 +23,7 @@ QString tr(const char* text) {
 } // namespace
 
 void addLayer(PaintModel& model) {
-    model.edit(tr("New Layer"), [](PaintDocument& doc) {
-        qirn::addLayer(doc);
-        // Empty as it is, it changes what is shown: ghosts depend on the active layer, and what was clipped to the layer
-        // below is clipped to this one now.
-        const int64_t above = doc.activeIndex() + 1;
-        const bool isClippedTo = above < doc.layerCount() && doc.layer(above).isClipping;
-        if (doc.onion.enabled || isClippedTo) doc.markAllDirty();
-    });
+    model.edit(tr("New Layer"), [](PaintDocument& doc) { qirn::addLayer(doc); });
 }
 
 void duplicateLayer(PaintModel& model) {

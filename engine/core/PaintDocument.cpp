@@ -65,6 +65,9 @@ void PaintDocument::insertLayer(LayerRef layer, int64_t at) {
     const int64_t place = std::clamp<int64_t>(at, 0, layerCount());
     layers_.insert(layers_.begin() + place, std::move(layer));
     activeIndex_ = place;
+    // Empty as it may be, ghosts depend on the active layer, and what was clipped to the one below is clipped to it now.
+    const bool isClippedTo = place + 1 < layerCount() && this->layer(place + 1).isClipping;
+    if (onion.enabled || isClippedTo) markAllDirty();
 }
 
 void PaintDocument::replaceLayers(std::vector<LayerRef> layers, int64_t active) {

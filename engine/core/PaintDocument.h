@@ -49,7 +49,7 @@ public:
     Layer& layer(int64_t index) const; ///< A bad index stops the process.
     std::optional<int64_t> indexOf(const QUuid& id) const;
     void setActiveIndex(int64_t index); ///< Clamped to the stack.
-    /// Inserts a layer of this grid at an index that is clamped, and makes it active. Marks nothing dirty.
+    /// Inserts a layer of this grid at an index that is clamped, and makes it active. Not dirty by itself.
     void insertLayer(LayerRef layer, int64_t at);
     /// Replaces all layers; `layers` is not empty and all of this grid.
     void replaceLayers(std::vector<LayerRef> layers, int64_t active);
