@@ -40,17 +40,18 @@ std::string encoded(const QString& path) {
 
 dev_t diskOf(const std::string& path, const FileCalls& calls) {
     struct stat facts {};
-    if (calls.stat(path.c_str(), &facts) < 0) throw FileError(errno);
+    checked([&] { return calls.stat(path.c_str(), &facts); });
     return facts.st_dev;
 }
 
 void makeFolder(const std::string& path, const FileCalls& calls) {
-    if (calls.mkdir(path.c_str(), 0700) < 0 && errno != EEXIST) throw FileError(errno);
+    if (retried([&] { return calls.mkdir(path.c_str(), 0700); }) < 0 && errno != EEXIST)
+        throw FileError(errno);
 }
 
 /// Whether the path is a folder and not a symbolic link, which somebody else may have put there.
 bool isFolder(const std::string& path, const FileCalls& calls, struct stat& facts) {
-    return calls.lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    return retried([&] { return calls.lstat(path.c_str(), &facts); }) == 0 && S_ISDIR(facts.st_mode);
 }
 
 std::string topOfDisk(std::string folder, const FileCalls& calls) {
@@ -115,10 +116,8 @@ QByteArray infoText(const std::string& origin, const TrashFolder& trash) {
 class TrashInfo {
 public:
     TrashInfo(std::string path, const FileCalls& calls) : path_(std::move(path)), calls_(calls) {
-        int file = -1;
-        do {
-            file = calls_.open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        } while (file < 0 && errno == EINTR);
+        const int file = retried(
+            [&] { return calls_.open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); });
         if (file < 0 && errno != EEXIST) throw FileError(errno);
         isOurs_ = file >= 0;
         if (isOurs_) calls_.close(file);
@@ -152,11 +151,11 @@ void moveToTrash(const QString& path, const QString& name, const QString& folder
         TrashInfo info(infoPath, calls);
         struct stat facts {};
         // A file that has no record must not be replaced either.
-        if (!info.isOurs() || calls.lstat(filePath.c_str(), &facts) == 0) continue;
+        if (!info.isOurs() || retried([&] { return calls.lstat(filePath.c_str(), &facts); }) == 0) continue;
         if (errno != ENOENT) throw FileError(errno);
         const QByteArray text = infoText(encoded(QDir(folder).filePath(fittingName(name, 1))), trash);
         writeAtomically(QFile::decodeName(infoPath.c_str()), bytesOf(text));
-        if (calls.rename(encoded(path).c_str(), filePath.c_str()) < 0) throw FileError(errno);
+        checked([&] { return calls.rename(encoded(path).c_str(), filePath.c_str()); });
         info.keep();
         return;
     }

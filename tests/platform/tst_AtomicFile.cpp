@@ -75,32 +75,6 @@ FileCalls callsWith(Unnamed unnamed) {
     return calls;
 }
 
-/// The same calls with one that fails.
-FileCalls withFailing(FileCalls calls, const QString& call, int error) {
-    const auto fail = [=](auto...) { return failWith(error); };
-    if (call == "readlink") calls.readlink = fail;
-    if (call == "stat") calls.stat = fail;
-    if (call == "access") calls.access = fail;
-    if (call.startsWith("open")) {
-        calls.open = [=, open = calls.open](const char* path, int flags, mode_t mode) {
-            const bool isFolder = (flags & O_DIRECTORY) && !isUnnamed(flags);
-            return isFolder == (call == "open folder") ? failWith(error) : open(path, flags, mode);
-        };
-    }
-    if (call == "fchmod") calls.fchmod = fail;
-    if (call == "write") calls.write = fail;
-    if (call == "write nothing") calls.write = [](auto...) { return 0; };
-    if (call == "fsync") calls.fsync = fail;
-    if (call == "close") {
-        calls.close = [=](int file) {
-            ::close(file);
-            return failWith(error);
-        };
-    }
-    if (call == "rename") calls.rename = fail;
-    return calls;
-}
-
 } // namespace
 
 class tst_AtomicFile : public QObject {
@@ -120,54 +94,6 @@ private Q_SLOTS:
         writeAtomically(longest, bytesOf(kNew));
         QCOMPARE(contentOf(longest), kNew);
         QCOMPARE(names().size(), 2);
-    }
-
-    void aFailingCallLeavesTheOldFileWhole() {
-        constexpr std::pair<const char*, int> kFailures[] = {
-            {"readlink", EACCES},  {"stat", EIO},      {"access", EROFS}, {"open folder", EMFILE},
-            {"open file", ENOSPC}, {"fchmod", EIO},    {"write", ENOSPC}, {"write nothing", ENOSPC},
-            {"fsync", EIO},        {"rename", EACCES}, {"close", EDQUOT}};
-        const QString path = at("picture");
-        for (const auto& [system, unnamed] : kSystems) {
-            for (const auto& [call, error] : kFailures) {
-                const FileCalls failing = withFailing(callsWith(unnamed), call, error);
-                writeFile(path, kOld);
-                QVERIFY2(errorOf(path, failing) == error, call);
-                QCOMPARE(contentOf(path), kOld);
-                QCOMPARE(names(), QStringList("picture"));
-                // Nor does it leave anything where there was nothing; a mode and rights are not asked for then.
-                QVERIFY(QFile::remove(path));
-                if (errorOf(path, failing) != 0) QCOMPARE(names(), QStringList());
-                QCOMPARE(errorOf(path, callsWith(unnamed)), 0);
-                QCOMPARE(contentOf(path), kNew);
-                QCOMPARE(names(), QStringList("picture"));
-            }
-        }
-    }
-
-    void interruptedCallsAreRepeatedAndShortWritesContinued() {
-        writeFile(at("picture"), kOld);
-        FileCalls calls = FileCalls::ofSystem();
-        int interruptions = 0;
-        std::size_t room = 60'000; // on the disk
-        const auto everyOther = [&interruptions] { return ++interruptions % 2 == 1; };
-        calls.open = [=](const char* path, int flags, mode_t mode) {
-            return everyOther() ? failWith(EINTR) : ::open(path, flags, mode);
-        };
-        calls.write = [=, &room](int file, const void* bytes, std::size_t count) -> ssize_t {
-            if (everyOther()) return failWith(EINTR);
-            if (room == 0) return failWith(ENOSPC);
-            const ssize_t written = ::write(file, bytes, std::min({count, room, std::size_t{7777}}));
-            room -= static_cast<std::size_t>(written);
-            return written;
-        };
-        calls.fsync = [=](int file) { return everyOther() ? failWith(EINTR) : ::fsync(file); };
-        QCOMPARE(errorOf(at("picture"), calls), ENOSPC);
-        QCOMPARE(contentOf(at("picture")), kOld);
-        QCOMPARE(names(), QStringList("picture"));
-        room = 1'000'000;
-        QCOMPARE(errorOf(at("picture"), calls), 0);
-        QCOMPARE(contentOf(at("picture")), kNew);
     }
 
     void contentIsFlushedBeforeTheRenameAndTheFolderAfter() {

@@ -89,24 +89,27 @@ bool UserFile::replace(const Next& next) const {
         isAbsent = error.systemError() == ENOENT;
     }
     if (wanted && wanted == there) return true;
-    if (!wanted && !isAbsent && !moveAside()) return false;
+    QByteArray aside;
+    if (!wanted && !isAbsent && (aside = moveAside()).isEmpty()) return false;
     if (!wanted) wanted = next({});
     try {
         writeOwnFile(path_, bytesOf(*wanted), UsersLinks::followed);
         return true;
-    } catch (const FileError&) {
+    } catch (const FileError& error) {
+        // Better one that can perhaps be read the next time than none.
+        if (!aside.isEmpty() && !error.isWritten())
+            FileCalls::inUse().rename(aside.constData(), bytesOfPath(path_).constData());
         return false;
     }
 }
 
-bool UserFile::moveAside() const {
+QByteArray UserFile::moveAside() const {
     const QFileInfo info(path_);
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm.ss.zzz"));
-    const QString aside = info.dir().filePath(
-        QStringLiteral("%1 (unreadable, %2).%3").arg(info.completeBaseName(), stamp, info.suffix()));
-    const int moved =
-        FileCalls::inUse().rename(bytesOfPath(path_).constData(), bytesOfPath(aside).constData());
-    return moved == 0 || errno == ENOENT;
+    const QByteArray aside = bytesOfPath(info.dir().filePath(
+        QStringLiteral("%1 (unreadable, %2).%3").arg(info.completeBaseName(), stamp, info.suffix())));
+    const int moved = FileCalls::inUse().rename(bytesOfPath(path_).constData(), aside.constData());
+    return moved == 0 || errno == ENOENT ? aside : QByteArray();
 }
 
 } // namespace qirn

@@ -27,7 +27,7 @@ public:
     bool replace(const Next& next) const;
 
 private:
-    bool moveAside() const;
+    QByteArray moveAside() const; // where to; empty: it could not
 
     QString path_;
 };

@@ -23,7 +23,7 @@ constexpr double kWritten = 0.8; // of the work, where the disk still has to flu
 std::string followLinks(std::string path, const FileCalls& calls) {
     for (int links = 0; links < kMostLinks; ++links) {
         char target[4096];
-        const ssize_t length = calls.readlink(path.c_str(), target, sizeof target);
+        const ssize_t length = retried([&] { return calls.readlink(path.c_str(), target, sizeof target); });
         if (length < 0 && (errno == EINVAL || errno == ENOENT)) return path;
         if (length < 0) throw FileError(errno);
         if (checkedSize(length) >= sizeof target) throw FileError(ENAMETOOLONG);

@@ -108,7 +108,7 @@ bool giveOwner(const FileAccess& access, const OpenFile& file) {
 
 std::optional<FileAccess> FileAccess::of(const std::string& path, const FileCalls& calls) {
     struct stat facts {};
-    if (calls.stat(path.c_str(), &facts) < 0) {
+    if (retried([&] { return calls.stat(path.c_str(), &facts); }) < 0) {
         if (errno == ENOENT) return std::nullopt;
         throw FileError(errno);
     }
@@ -139,7 +139,7 @@ void FileAccess::giveTo(const OpenFile& file) const {
     }
     if (!hasGroup) rights.group = rights.others = rights.group & rights.others;
     // A folder may have given the new file a list of its own, of which the mode's group would be the mask.
-    const int removed = calls.fremovexattr(descriptor, kList);
+    const int removed = retried([&] { return calls.fremovexattr(descriptor, kList); });
     if (removed < 0 && !isOneOf(kAbsent, errno)) rights.group = 0;
     tried(kRefused, [&] { return calls.fchmod(descriptor, rights.inMode(mode)); });
 }

@@ -31,14 +31,14 @@ void handOver(const std::string& path, const OpenFile& parent, const FileCalls& 
 
 bool make(const std::string& path, const FileCalls& calls) {
     struct stat facts {};
-    if (calls.stat(path.c_str(), &facts) == 0) {
+    if (retried([&] { return calls.stat(path.c_str(), &facts); }) == 0) {
         errno = ENOTDIR;
         return S_ISDIR(facts.st_mode);
     }
     const std::size_t slash = path.rfind('/');
     const std::string parent = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
     if (errno != ENOENT || !make(parent, calls)) return false;
-    if (calls.mkdir(path.c_str(), 0700) < 0) return errno == EEXIST;
+    if (retried([&] { return calls.mkdir(path.c_str(), 0700); }) < 0) return errno == EEXIST;
     const OpenFile above = openFolder(parent, calls);
     if (above.isOpen()) {
         handOver(path, above, calls);

@@ -2,6 +2,7 @@
 
 #include "platform/CheckedMath.h"
 #include "platform/files/FileCalls.h"
+#include "platform/files/FileError.h"
 #include "platform/files/FilePath.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ Descriptor openAtOnce(const QString& path) {
 /// What the descriptor is of; throws for what is no file.
 struct stat factsOfFile(const Descriptor& file) {
     struct stat facts {};
-    if (file.number < 0 || file.calls.fstat(file.number, &facts) < 0) fail(errno);
+    if (file.number < 0 || retried([&] { return file.calls.fstat(file.number, &facts); }) < 0) fail(errno);
     if (S_ISDIR(facts.st_mode)) refuse(QT_TRANSLATE_NOOP("ReadError", "This is a folder."));
     if (!S_ISREG(facts.st_mode))
         refuse(QT_TRANSLATE_NOOP("ReadError", "This is a device or a pipe, not a file."));
