@@ -1,6 +1,7 @@
 // Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves pictures of it in each
 // theme at several zooms, of each tool's options, each panel, menu, sheet and further window, at the display's scale:
 //     studio_pictures FOLDER
+#include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
 #include "app/edits/LayerEdits.h"
 #include "app/files/DocSession.h"
@@ -19,6 +20,7 @@
 #include <cstdio>
 
 #include <QDir>
+#include <QFile>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -140,9 +142,10 @@ void pictureSheets(Window& window, Album& album) {
     for (const char* name : {"Sea at dawn", "A name that is longer than the place for it in the list"}) {
         DocSession lost(std::make_unique<PaintDocument>(1600, 900, 72, PaintColor(0.2, 0.4, 0.6)), name, {},
                         QUuid::createUuid(), DocSession::Dirty::yes);
-        lost.fileURL = QUrl::fromLocalFile(QCoreApplication::applicationFilePath());
-        lost.fileStamp = FileStamp(); // so it was saved since
+        QFile file(QDir(AppFolders::base()).filePath(lost.name));
+        lost.fileURL = QUrl::fromLocalFile(file.fileName());
         Recovery::write(lost, Recovery::Synchronously::yes);
+        if (!file.open(QIODevice::WriteOnly)) return; // it was saved since
         lost.copy.files.reset();
     }
     for (const NamedSheet& named : kSheets) {

@@ -35,7 +35,7 @@ struct TrashFolder {
 };
 
 std::string encoded(const QString& path) {
-    return QFile::encodeName(path).toStdString();
+    return bytesOfPath(path).toStdString();
 }
 
 dev_t diskOf(const std::string& path, const FileCalls& calls) {

@@ -9,6 +9,8 @@
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FileCalls.h"
 #include "platform/files/FilePath.h"
+#include "platform/files/FileStamp.h"
+#include "platform/files/Folders.h"
 
 #include <cerrno>
 
@@ -30,6 +32,10 @@ void removeFile(const QString& path) {
     }
 }
 
+FileStamp stampOrNone(const QString& path) {
+    return FileStamp::at(path).value_or(FileStamp());
+}
+
 } // namespace
 
 CopyFiles::CopyFiles(const QUuid& id, std::shared_ptr<CopyLock> lock)
@@ -38,11 +44,13 @@ CopyFiles::CopyFiles(const QUuid& id, std::shared_ptr<CopyLock> lock)
       lockPath_(Recovery::lockURL(id)),
       lock_(std::move(lock)) {}
 
-void CopyFiles::write(const DocumentSnapshot& picture, const Recovery::Info& info) {
-    // Somebody may have cleared the folder away.
-    FileCalls::inUse().mkdir(bytesOfPath(QFileInfo(document_).path()).constData(), 0700);
+void CopyFiles::write(const DocumentSnapshot& picture, const Recovery::Info& taken) {
+    // Somebody may have cleared the folder away, or the lock in it.
+    makeOwnFolder(QFileInfo(document_).path());
     if (!lock_ || !lock_->isHeld()) lock_ = CopyLock::take(lockPath_);
     if (!lock_) throw FileError(EBUSY); // another program has this copy
+    Recovery::Info info = taken;
+    if (info.originalPath) info.originalStamp = stampOrNone(*info.originalPath);
     const bool hadRecord = isThere(record_);
     if (!hadRecord) writeRecord(info);
     writeOwnFile(document_, bytesOf(PaintFile::encode(picture, PaintFile::kPreviewSide)),
@@ -50,15 +58,34 @@ void CopyFiles::write(const DocumentSnapshot& picture, const Recovery::Info& inf
     if (hadRecord) writeRecord(info);
 }
 
-void CopyFiles::writeRecord(const Recovery::Info& info) const {
+void CopyFiles::writeRecord(Recovery::Info info) {
+    const std::lock_guard lock(mutex_);
+    if (saving_) {
+        info.originalPath = saving_->path;
+        info.originalStamp = saving_->stamp;
+    }
     writeOwnFile(record_, bytesOf(Recovery::recordOf(info)), UsersLinks::replaced);
 }
 
-void CopyFiles::renewRecord(const Recovery::Info& info) {
-    if (isThere(document_)) writeRecord(info);
+void CopyFiles::noteSaving(const QString& path) {
+    {
+        const std::lock_guard lock(mutex_);
+        saving_ = Original{path, stampOrNone(path)};
+    }
+    try {
+        if (const auto info = Recovery::readRecord(record_)) writeRecord(*info);
+    } catch (const FileError&) {
+        // It only makes what the list of copies says less exact.
+    }
+}
+
+void CopyFiles::saveEnded() {
+    const std::lock_guard lock(mutex_);
+    saving_.reset();
 }
 
 void CopyFiles::remove() {
+    if (!lock_) return; // nothing was written, or what is there is another program's
     removeFile(document_);
     removeRecordAndLock();
 }
@@ -78,6 +105,12 @@ void CopyFiles::moveToTrash(const Recovery::Info& info) {
 void CopyFiles::removeRecordAndLock() {
     try {
         removeFile(record_);
+        const bool removesItsFile = lock_->isHeld();
+        lock_.reset();
+        if (removesItsFile) return;
+        // Where there are no locks the file would stay.
+        const auto left = CopyLock::take(lockPath_);
+        if (left && !left->isHeld()) removeFile(lockPath_);
     } catch (const FileError&) {
         // A record alone means nothing; the next listing sweeps it.
     }

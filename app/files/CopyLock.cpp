@@ -51,6 +51,10 @@ std::shared_ptr<CopyLock> CopyLock::take(const QString& path) {
     }
 }
 
+bool CopyLock::isHeld() const {
+    return file_ >= 0 && isFileAt(path_, file_).value_or(true);
+}
+
 CopyLock::~CopyLock() {
     if (file_ < 0) return;
     const FileCalls& calls = FileCalls::inUse();

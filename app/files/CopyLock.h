@@ -19,7 +19,8 @@ public:
     CopyLock& operator=(const CopyLock&) = delete;
     ~CopyLock();
 
-    bool isHeld() const { return file_ >= 0; } ///< False for one that excludes nobody.
+    /// False for one that excludes nobody, as when its file was removed by somebody. Asks the disk.
+    bool isHeld() const;
 
 private:
     QByteArray path_;

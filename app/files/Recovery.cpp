@@ -66,9 +66,7 @@ Recovery::Info infoOf(const DocSession& session, const QDateTime& date, const Ti
                         .height = grid.height,
                         .layers = static_cast<int64_t>(layers)};
     const QString path = session.fileURL.isEmpty() ? session.originalPath : session.fileURL.toLocalFile();
-    if (path.isEmpty()) return info;
-    info.originalPath = path;
-    info.originalStamp = session.fileStamp;
+    if (!path.isEmpty()) info.originalPath = path;
     return info;
 }
 
@@ -86,6 +84,7 @@ void handOver(DocSession& session, std::function<void()> ended) {
     const QDateTime date = QDateTime::currentDateTime();
     const Recovery::Info info = infoOf(session, date, picture.grid, picture.layers.size());
     if (!copy.files) copy.files = std::make_shared<CopyFiles>(session.id);
+    copy.files->saveEnded();
     auto job = [files = copy.files, info, picture = std::move(picture)] {
         try {
             files->write(picture, info);
@@ -132,7 +131,6 @@ SessionRef owning(SessionRef session, const Recovery::Item& item) {
     session->autosavedChange = session->doc().changeCount();
     session->lastAutosave = item.info.date;
     session->originalPath = item.info.originalPath.value_or(QString());
-    session->fileStamp = item.info.originalStamp;
     session->moveToThread(QCoreApplication::instance()->thread());
     return session;
 }
@@ -207,15 +205,6 @@ bool Recovery::isUpToDate(const DocSession& session) {
     return session.lastAutosave.isValid() && session.autosavedChange == session.doc().changeCount();
 }
 
-void Recovery::noteSaving(DocSession& session, const QString& path) {
-    Info info = infoOf(session);
-    if (!session.lastAutosave.isValid() || info.originalPath == path) return; // its record knows already
-    info.originalPath = path;
-    info.originalStamp = FileStamp::at(path).value_or(FileStamp());
-    BackgroundQueue::files().run([files = session.copy.files, info] { files->renewRecord(info); },
-                                 session.id);
-}
-
 void Recovery::discard(DocSession& session) {
     SafetyCopy& copy = session.copy;
     session.lastAutosave = {};
@@ -230,7 +219,8 @@ void Recovery::moveToTrash(DocSession& session) {
     BackgroundQueue& queue = BackgroundQueue::files();
     queue.finish(session.id);
     settle(session);
-    if (!isUpToDate(session)) {
+    // It may have been removed by somebody, while the work is still here.
+    if (!isUpToDate(session) || !isThere(fileURL(session.id))) {
         handOver(session, {});
         const std::shared_future<void> written = session.copy.underWay.back().ended;
         queue.finish(session.id);

@@ -48,9 +48,6 @@ bool isUnderWay(
     const DocSession& session); ///< A copy of the last commit was handed over and not yet settled.
 bool isUpToDate(const DocSession& session); ///< A copy of the last commit is on disk.
 
-/// The picture is about to be written to this file, its own or another: from then on a copy that is left over is told as
-/// one of a picture that was saved since.
-void noteSaving(DocSession& session, const QString& path);
 /// Removes the copy, if there can be one, after a write of it that has begun. The lock goes with it.
 void discard(DocSession& session);
 

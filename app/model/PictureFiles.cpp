@@ -5,6 +5,7 @@
 #include "app/desktop/FileTypes.h"
 #include "app/desktop/Store.h"
 #include "app/desktop/Trash.h"
+#include "app/files/CopyFiles.h"
 #include "app/files/LongTask.h"
 #include "app/files/Recovery.h"
 #include "app/files/SalvagedPicture.h"
@@ -204,11 +205,13 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
         }
     }
     std::optional<FileStamp> stamp;
+    const int64_t change = session->doc().changeCount();
     try {
-        Recovery::noteSaving(*session, path);
-        const auto save = [&, picture = snapshot(session->doc())](const Progress& progress) {
+        const auto save = [&, picture = snapshot(session->doc()),
+                           copy = session->copy.files](const Progress& progress) {
             const QByteArray bytes =
                 PaintFile::encode(picture, PaintFile::kPreviewSide, {}, progress.part(0, kEncoded));
+            if (copy) copy->noteSaving(path);
             stamp = write(path, bytes, progress.part(kEncoded, 1));
         };
         if (!model_.longTask().run(tr("Saving %1…").arg(QFileInfo(path).fileName()), save)) return false;
@@ -228,7 +231,7 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
     session->name = info.completeBaseName();
     session->originalPath.clear();
     session->remark.clear();
-    session->savedChange = session->autosavedChange = session->doc().changeCount();
+    session->savedChange = session->autosavedChange = change;
     Recovery::discard(*session);
     session->announceChange();
     model_.announce();

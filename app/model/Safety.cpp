@@ -1,6 +1,7 @@
 #include "app/model/Safety.h"
 
 #include "app/desktop/BackgroundQueue.h"
+#include "app/desktop/Failures.h"
 #include "app/desktop/HostWords.h"
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
@@ -11,7 +12,6 @@
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
-#include "app/model/PendingTransform.h"
 
 #include <algorithm>
 #include <utility>
@@ -30,10 +30,6 @@ constexpr int kLastAttempts = 2;
 
 Safety::Safety(PaintModel& model) : model_(model) {
     connect(&timer_, &QTimer::timeout, this, guarding(model_, [this] { autosaveTick(); }));
-    // Pixels that floated have been put down, perhaps.
-    connect(&model_, &PaintModel::changed, this, guarding(model_, [this] {
-        if (isWaiting_) takeSoon();
-    }));
 }
 
 void Safety::startAutosave(std::chrono::milliseconds tick) {
@@ -76,16 +72,11 @@ bool Safety::isDue(const DocSession& session) const {
     return copy.failures > 0 || !copy.taken || now - *copy.taken >= std::chrono::duration<double>(interval);
 }
 
-bool Safety::mustWait(const DocSession& session) const {
-    // Floating pixels are in no layer, so a copy made now would lack them.
-    return model_.canvas().isBusy() || (model_.transform().isPending() && &session == model_.current());
-}
-
 void Safety::takeDueCopies() {
     isWaiting_ = false;
     for (const SessionRef& session : model_.pictures().sessions()) {
         if (!isDue(*session)) continue;
-        if (mustWait(*session)) {
+        if (model_.canvas().isBusy()) {
             isWaiting_ = true;
             continue;
         }
@@ -142,9 +133,12 @@ void Safety::keepWork() {
     model_.store().write(); // first, since it is quick
     for (int attempt = 0; attempt < kLastAttempts; ++attempt) {
         for (const SessionRef& session : model_.pictures().sessions()) {
-            Recovery::settle(*session);
-            if (session->isDirty() && !Recovery::isUpToDate(*session) && !Recovery::isUnderWay(*session))
-                Recovery::write(*session, Recovery::Synchronously::no);
+            // One that fails, of memory even for the words, must not cost the others theirs.
+            contained([&] {
+                Recovery::settle(*session);
+                if (session->isDirty() && !Recovery::isUpToDate(*session) && !Recovery::isUnderWay(*session))
+                    Recovery::write(*session, Recovery::Synchronously::no);
+            });
         }
         BackgroundQueue::files().finish();
     }

@@ -14,8 +14,8 @@ class PaintModel;
 
 /// Safety copies of unsaved work: on a timer, and when the process is made to end.
 ///
-/// A copy that falls due in a stroke or while pixels float waits for the turn of the main loop after it, so that none is
-/// taken inside a pen event. What it is of is the last commit.
+/// A copy that falls due in a stroke waits for the turn of the main loop after it, so that none is taken inside a pen
+/// event. What it is of is the last commit, also while pixels float.
 class Safety : public QObject {
     Q_OBJECT
 public:
@@ -36,7 +36,6 @@ public:
 
 private:
     bool isDue(const DocSession& session) const;
-    bool mustWait(const DocSession& session) const;
     void takeDueCopies();
     void takeSoon();     ///< Once this event is over, and long work.
     void settleCopies(); ///< Of what the background has done since.

@@ -1,10 +1,13 @@
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
+#include "app/files/CopyFiles.h"
 #include "app/files/CopyLock.h"
 #include "app/files/DocSession.h"
 #include "app/files/Recovery.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/FilePath.h"
 #include "support/FileFaults.h"
 #include "support/Files.h"
 #include "support/NativeFiles.h"
@@ -104,10 +107,9 @@ private Q_SLOTS:
         const QString upper = id.toString(QUuid::WithoutBraces).toUpper();
         QCOMPARE(copiesOnDisk(), QStringList({upper + ".json", upper + ".lock", upper + ".qirnpaint"}));
         const QByteArray text = bytesAt(Recovery::infoURL(id));
-        QVERIFY2(
-            text.startsWith(
-                "{\"name\":\"Ébauche ✏️\",\"originalPath\":\"/home/a b/Sea.qirnpaint\",\"date\":\"20"),
-            text.constData());
+        QVERIFY2(text.startsWith("{\"name\":\"Ébauche ✏️\",\"originalPath\":\"/home/a "
+                                 "b/Sea.qirnpaint\",\"originalStamp\":[0,0,0],\"date\":\"20"),
+                 text.constData());
         QVERIFY2(text.endsWith("Z\",\"width\":300,\"height\":200,\"layers\":3}"), text.constData());
         session.reset(); // never closed
 
@@ -268,26 +270,46 @@ private Q_SLOTS:
             const auto items = Recovery::pending({});
             QVERIFY(items.size() == 1 && items[0].mayBeOpenElsewhere() == !hasLocks);
             QVERIFY(QFile::remove(items[0].file));
+            Recovery::write(*living, kWait);
+            Recovery::discard(*living);
+            BackgroundQueue::files().finish();
+            QVERIFY(!QFile::exists(Recovery::lockURL(living->id)));
             calls.reset();
         }
     }
 
+    void whatIsClearedAwayComesBack() {
+        const auto session = changedSession();
+        for (const bool isAll : {false, true}) {
+            Recovery::write(*session, kWait);
+            if (isAll) QVERIFY(QDir(AppFolders::base()).removeRecursively());
+            if (!isAll) QVERIFY(QFile::remove(Recovery::lockURL(session->id)));
+            Recovery::write(*session, kWait);
+            QCOMPARE(copiesOnDisk().size(), 3);
+            QVERIFY(Recovery::pending({}).empty()); // it is open
+        }
+        QVERIFY(QFile::remove(Recovery::fileURL(session->id)));
+        Recovery::moveToTrash(*session);
+        QCOMPARE(copiesOnDisk(), QStringList());
+    }
+
     void aCopyOfWhatWasSavedSinceSaysSo() {
-        for (const bool isFirstSave : {false, true}) {
+        for (const int kind : {0, 1, 2, 3}) {
+            const bool isFirstSave = kind % 2, isEarly = kind / 2;
             init();
-            const QString path = world_->filePath("Sea.qirnpaint");
+            const QString path = pathFromBytes(bytesOfPath(world_->path()) + "/Sea \xff.qirnpaint");
             auto session = changedSession();
             if (!isFirstSave) {
-                writeFile(path, "as it was");
+                writeAtomically(path, bytesOf(QByteArray("as it was")));
                 session->fileURL = QUrl::fromLocalFile(path);
-                session->fileStamp = FileStamp::at(path);
             }
-            Recovery::write(*session, kWait);
-            Recovery::noteSaving(*session, path);
+            // Also where the save comes while the copy is being written.
+            Recovery::write(*session, isEarly ? Recovery::Synchronously::no : kWait);
+            session->copy.files->noteSaving(path);
             BackgroundQueue::files().finish();
             session.reset(); // killed in the save
             QVERIFY(!Recovery::pending({})[0].info.isSavedSince());
-            writeFile(path, "saved"); // or just after it
+            writeAtomically(path, bytesOf(QByteArray("saved"))); // or just after it
             const Recovery::Item item = Recovery::pending({})[0];
             QVERIFY(item.info.isSavedSince());
             QCOMPARE(Recovery::restore(item)->originalPath, path);

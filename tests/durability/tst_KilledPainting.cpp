@@ -245,7 +245,6 @@ private:
         for (const Recovery::Item& item : Recovery::pending({})) try {
                 restored[item.info.name] = Recovery::restore(item)->doc().fingerprint();
             } catch (const std::exception& error) {
-                QFile::copy(item.file, "/tmp/b_bad.qirnpaint");
                 QFAIL(qPrintable(
                     QStringLiteral("%1: %2").arg(QLatin1String(way), QLatin1String(error.what()))));
             }

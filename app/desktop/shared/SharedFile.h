@@ -52,12 +52,13 @@ public:
         take();
         isWanted_ = job_ != nullptr;
         if (job_ || path_.isEmpty() || content_ == base_) return;
-        job_ = std::make_shared<Job>(path_, base_, content_);
-        done_ = BackgroundQueue::ownFiles().run([job = job_, this] {
+        const auto job = std::make_shared<Job>(path_, base_, content_);
+        done_ = BackgroundQueue::ownFiles().run([job, this] {
             job->run();
             QMetaObject::invokeMethod(
                 &context_, [this] { contained([this] { take(); }); }, Qt::QueuedConnection);
         });
+        job_ = job; // not before: one that could not be handed over never ends
     }
     /// Writes what has changed and waits for it.
     void flush() {

@@ -22,6 +22,7 @@ constexpr Reason kReasons[] = {
     {ENOTDIR, QT_TRANSLATE_NOOP("FileError", "The folder does not exist.")},
     {EISDIR, QT_TRANSLATE_NOOP("FileError", "A folder of this name is in the way.")},
     {ENAMETOOLONG, QT_TRANSLATE_NOOP("FileError", "The name is too long.")},
+    {EBUSY, QT_TRANSLATE_NOOP("FileError", "Another program is using the file.")},
     {EIO, QT_TRANSLATE_NOOP("FileError", "The disk reported an error.")},
 };
 

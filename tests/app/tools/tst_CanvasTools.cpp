@@ -1,6 +1,9 @@
 #include "app/canvas/FloatingImage.h"
+#include "app/desktop/BackgroundQueue.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
+#include "app/files/DocSession.h"
+#include "app/files/Recovery.h"
 #include "app/model/Clipboard.h"
 #include "app/model/Colors.h"
 #include "app/model/Messages.h"
@@ -8,6 +11,9 @@
 #include "app/model/PictureFiles.h"
 #include "app/model/Safety.h"
 #include "app/text/TextSpec.h"
+#include "formats/native/PaintFile.h"
+#include "platform/Bytes.h"
+#include "platform/files/ReadFile.h"
 #include "support/Studio.h"
 
 #include <cmath>
@@ -271,10 +277,14 @@ private Q_SLOTS:
             SquareStudio studio;
             LayerEdits::toggleAlphaLock(studio.model); // which the move neither heeds nor takes away
             studio.model.setTool(Tool::move);
+            const uint64_t committed = studio.doc().fingerprint();
             studio.mouseDrag({110, 90}, {160, 120});
             QCOMPARE(studio.doc().undoDepth(), int64_t{2});
-            studio.model.safety().autosaveTick();
-            QVERIFY(!studio.model.safety().lastAutosaveText()); // no copy of floating pixels
+            studio.model.safety().autosaveTick(); // of the last step, with the pixels where they were
+            BackgroundQueue::files().finish();
+            QVERIFY(studio.model.safety().isAutosaved(*studio.model.current()));
+            const QString copy = Recovery::fileURL(studio.model.current()->id);
+            QCOMPARE(PaintFile::decode(bytesOf(readFile(copy)))->fingerprint(), committed);
             end(studio);
             QVERIFY(!studio.model.transform().state());
             QCOMPARE(studio.doc().layer(1).contentBounds(), std::optional(IRect{150, 110, 40, 30}));
