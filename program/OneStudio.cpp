@@ -1,5 +1,6 @@
 #include "program/OneStudio.h"
 
+#include "app/desktop/Failures.h"
 #include "platform/files/FilePath.h"
 
 #include <cerrno>
@@ -170,16 +171,19 @@ OneStudio::Answer OneStudio::offer(const QByteArray& message, Clock::time_point 
 
 void OneStudio::answer() {
     if (!listener_) return;
-    thread_ = std::thread([this] {
-        while (!isStopping_) {
-            waitFor(listener_->descriptor(), POLLIN, Clock::now() + kBetweenTries);
-            serve();
-        }
+    // Without memory, or without threads, others wait for the event loop, and in the end open their files themselves.
+    contained([this] {
+        thread_ = std::thread([this] {
+            while (!isStopping_) {
+                waitFor(listener_->descriptor(), POLLIN, Clock::now() + kBetweenTries);
+                if (!contained([this] { serve(); })) std::this_thread::sleep_for(kBetweenTries);
+            }
+        });
     });
 }
 
 void OneStudio::serve() {
-    for (HandOver& request : listener_->serve()) waiting_.push_back(std::move(request));
+    waiting_.splice(waiting_.end(), listener_->serve());
 }
 
 void OneStudio::stopThread() {
@@ -193,19 +197,21 @@ void OneStudio::deliverTo(std::function<void(const HandOver&)> deliver) {
     deliver_ = std::move(deliver);
     notifier_ = std::make_unique<QSocketNotifier>(listener_->descriptor(), QSocketNotifier::Read);
     const auto hear = [this] {
-        serve();
-        for (const HandOver& request : std::exchange(waiting_, {})) deliver_(request);
+        contained([this] { serve(); });
+        contained([this] {
+            for (; !waiting_.empty(); waiting_.pop_front()) deliver_(waiting_.front());
+        });
     };
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), hear);
     hear();
 }
 
-std::vector<HandOver> OneStudio::close() {
+std::list<HandOver> OneStudio::close() noexcept {
     stopThread();
     notifier_.reset();
     if (listener_) {
-        ::unlinkat(folder_, (name_ + ".socket").constData(), 0);
-        for (HandOver& request : listener_->close()) waiting_.push_back(std::move(request));
+        contained([this] { ::unlinkat(folder_, (name_ + ".socket").constData(), 0); });
+        waiting_.splice(waiting_.end(), listener_->close());
         listener_.reset();
     }
     for (int* file : {&lock_, &folder_})

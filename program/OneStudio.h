@@ -4,10 +4,10 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <thread>
-#include <vector>
 
 #include <QByteArray>
 #include <QString>
@@ -31,14 +31,14 @@ public:
     /// as the one studio, or on its own when the other one has not answered for so long, or is of another version.
     bool handsOver(const HandOver& request,
                    std::chrono::milliseconds patience = std::chrono::milliseconds(3000));
-    bool isTheOne() const { return listener_ != nullptr; }
 
     /// Begins to answer other starts, on a thread of its own, until the event loop does so.
     void answer();
-    /// From here on the event loop answers, and `deliver` gets what was handed over, in order.
+    /// From here on the event loop answers, and `deliver` gets what was handed over, in order. What it throws means that it
+    /// gets the same again later.
     void deliverTo(std::function<void(const HandOver&)> deliver);
     /// Ends it: a start that comes now is another studio. What has been taken and not delivered.
-    std::vector<HandOver> close();
+    std::list<HandOver> close() noexcept;
 
 private:
     enum class Answer { none, refused, taken };
@@ -52,7 +52,7 @@ private:
     int lock_ = -1;
     QByteArray name_; // of lock and socket, in that folder and without their endings
     std::unique_ptr<StudioListener> listener_;
-    std::vector<HandOver> waiting_; // taken and not delivered
+    std::list<HandOver> waiting_; // taken and not delivered
     std::thread thread_;
     std::atomic<bool> isStopping_ = false;
     std::unique_ptr<QSocketNotifier> notifier_;

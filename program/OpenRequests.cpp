@@ -30,9 +30,9 @@ void OpenRequests::open(const QStringList& paths) {
 }
 
 bool OpenRequests::isFree() const {
-    return !isOpening_ && !model_.sheet() && !model_.longTask().isRunning() && !model_.canvas().isBusy() &&
-           !QApplication::activeModalWidget() && !QApplication::activePopupWidget() &&
-           QGuiApplication::mouseButtons() == Qt::NoButton;
+    return !isOpening_ && !model_.sheet() && !model_.longTask().isRunning() &&
+           !model_.canvas().isInGesture() && !QApplication::activeModalWidget() &&
+           !QApplication::activePopupWidget() && QGuiApplication::mouseButtons() == Qt::NoButton;
 }
 
 void OpenRequests::openWaiting() {

@@ -30,6 +30,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <list>
 #include <span>
 #include <vector>
 
@@ -102,7 +103,8 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::FileOpen) {
-            requests_.open({static_cast<QFileOpenEvent*>(event)->file()});
+            const auto open = [&] { requests_.open({static_cast<QFileOpenEvent*>(event)->file()}); };
+            if (PaintModel* const model = PaintModel::shared) guarded(*model, open);
             return true;
         }
         return QObject::eventFilter(watched, event);
@@ -127,7 +129,7 @@ QByteArray activationToken() {
 
 /// The studio, until it is quit. What has been taken from other starts and not opened is added to `left`.
 int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studio,
-              std::vector<HandOver>& left) {
+              std::list<HandOver>& left) {
     // Each pen point is painted; none is merged with the next.
     QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
     QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
@@ -160,12 +162,12 @@ int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studi
     });
     const int result = app.exec();
     left = studio.close();
-    if (!requests.waiting().isEmpty()) left.insert(left.begin(), {{}, {}, bytesOf(requests.waiting())});
+    if (!requests.waiting().isEmpty()) left.push_front({{}, {}, bytesOf(requests.waiting())});
     return result;
 }
 
 /// Whoever handed it over while the studio was quit has ended, trusting that it is opened.
-void startAgain(const QStringList& options, const std::vector<HandOver>& left) {
+void startAgain(const QStringList& options, const std::list<HandOver>& left) {
     QByteArrayList words{"QirnPaint"};
     words << bytesOf(options) << "--";
     for (const HandOver& request : left) words << request.paths;
@@ -174,6 +176,10 @@ void startAgain(const QStringList& options, const std::vector<HandOver>& left) {
     arguments.push_back(nullptr);
     const QString program = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalFilePath();
     ::execv(bytesOfPath(program).constData(), arguments.data());
+    ::execv("/proc/self/exe", arguments.data()); // where that file has been replaced or removed since
+    std::fputs("Qirn Paint could not start again to open what it was handed while it quit:\n", stderr);
+    for (const HandOver& request : left)
+        for (const QByteArray& path : request.paths) std::fprintf(stderr, "%s\n", path.constData());
 }
 
 } // namespace
@@ -201,7 +207,7 @@ int runStudio(int& argc, char** argv) {
     const QStringList files = CommandLine::parsed(arguments.others).files;
     OneStudio studio(arguments.display, AppFolders::base());
     if (studio.handsOver({PaintEngine::version, activationToken(), bytesOf(files)})) return 0;
-    std::vector<HandOver> left;
+    std::list<HandOver> left;
     const int result = runWindow(argc, argv, files, studio, left);
     if (!left.empty()) startAgain(arguments.taken, left);
     return result;

@@ -16,7 +16,7 @@ namespace qirn {
 
 namespace {
 
-constexpr qsizetype kAtOnce = 64 * 1024; // bytes of one peer, so that nobody keeps the others waiting
+constexpr std::size_t kAtOnce = 64 * 1024; // bytes of one peer, so that nobody keeps the others waiting
 
 void watch(int events, int socket) {
     epoll_event event{};
@@ -41,7 +41,7 @@ StudioListener::~StudioListener() {
     close();
 }
 
-std::vector<HandOver> StudioListener::serve() {
+std::list<HandOver> StudioListener::serve() {
     std::array<epoll_event, kMostPeers + 1> events{};
     const int count = ::epoll_wait(events_, events.data(), static_cast<int>(events.size()), 0);
     for (int i = 0; i < count; ++i) {
@@ -61,7 +61,7 @@ std::vector<HandOver> StudioListener::serve() {
     return std::exchange(taken_, {});
 }
 
-std::vector<HandOver> StudioListener::close() {
+std::list<HandOver> StudioListener::close() noexcept {
     while (!peers_.empty()) letGo(peers_.begin());
     for (int* file : {&socket_, &events_})
         if (*file >= 0) ::close(std::exchange(*file, -1));
@@ -69,29 +69,31 @@ std::vector<HandOver> StudioListener::close() {
 }
 
 void StudioListener::accept() {
-    const int socket = ::accept4(socket_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (socket < 0) return;
-    if (peers_.size() >= kMostPeers || !isOfSameUser(socket)) {
-        ::close(socket);
+    std::list<Peer> next(1); // asks for its memory before it comes
+    Peer& peer = next.front();
+    peer.socket = ::accept4(socket_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (peer.socket < 0) return;
+    if (peers_.size() >= kMostPeers || !isOfSameUser(peer.socket)) {
+        ::close(peer.socket);
         return;
     }
-    peers_.push_back({socket, std::chrono::steady_clock::now() + patience, {}});
-    watch(events_, socket);
+    peer.end = std::chrono::steady_clock::now() + patience;
+    watch(events_, peer.socket);
+    peers_.splice(peers_.end(), next);
 }
 
 void StudioListener::hear(Peer& peer) {
-    QByteArray bytes(kAtOnce, Qt::Uninitialized);
-    const ssize_t count = ::recv(peer.socket, bytes.data(), static_cast<std::size_t>(bytes.size()), 0);
+    std::array<char, kAtOnce> bytes;
+    const ssize_t count = ::recv(peer.socket, bytes.data(), bytes.size(), 0);
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    bytes.resize(std::max<ssize_t>(count, 0));
-    if (count > 0 && advance(peer, bytes) == Heard::more) return;
+    if (count > 0 && advance(peer, {bytes.data(), count}) == Heard::more) return;
     ::close(std::exchange(peer.socket, -1));
 }
 
-StudioListener::Heard StudioListener::advance(Peer& peer, const QByteArray& bytes) {
-    if (peer.isOffered) {
-        if (bytes != QByteArray(1, HandOver::kTaken)) return Heard::nonsense;
-        taken_.push_back(*HandOver::decoded(peer.received));
+StudioListener::Heard StudioListener::advance(Peer& peer, QByteArrayView bytes) {
+    if (!peer.offered.empty()) {
+        if (bytes.size() != 1 || bytes.front() != HandOver::kTaken) return Heard::nonsense;
+        taken_.splice(taken_.end(), peer.offered);
         return Heard::all;
     }
     peer.received += bytes;
@@ -99,19 +101,20 @@ StudioListener::Heard StudioListener::advance(Peer& peer, const QByteArray& byte
     const std::size_t wanted = HandOver::lengthOf(peer.received).value_or(HandOver::kMostBytes);
     if (wanted > HandOver::kMostBytes || size > wanted) return Heard::nonsense;
     if (size < wanted) return Heard::more;
-    const auto request = HandOver::decoded(peer.received);
+    auto request = HandOver::decoded(peer.received);
     if (!request) return Heard::nonsense;
-    peer.isOffered = request->version == PaintEngine::version;
-    const char answer = peer.isOffered ? HandOver::kTakes : HandOver::kRefuses;
+    const bool isTaken = request->version == PaintEngine::version;
+    if (isTaken) peer.offered.push_back(std::move(*request));
+    const char answer = isTaken ? HandOver::kTakes : HandOver::kRefuses;
     const bool isTold = ::send(peer.socket, &answer, 1, MSG_NOSIGNAL) == 1;
-    return isTold && peer.isOffered ? Heard::more : Heard::all;
+    return isTold && isTaken ? Heard::more : Heard::all;
 }
 
 void StudioListener::letGo(std::list<Peer>::iterator peer) {
     if (peer->socket >= 0) {
         // From here on it cannot send that it agrees; what it has sent before is read.
         ::shutdown(peer->socket, SHUT_RD);
-        if (peer->isOffered) hear(*peer);
+        if (!peer->offered.empty()) hear(*peer);
         if (peer->socket >= 0) ::close(peer->socket);
     }
     peers_.erase(peer);

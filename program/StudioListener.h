@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <list>
-#include <vector>
 
 namespace qirn {
 
@@ -18,30 +17,32 @@ public:
     StudioListener& operator=(const StudioListener&) = delete;
 
     int descriptor() const { return events_; }
-    std::vector<HandOver> serve(); ///< What has been handed over since: none, one or more.
+    /// What has been handed over since: none, one or more. Where memory is out it throws, and loses nothing that it has
+    /// agreed to take: from then on no memory is asked for.
+    std::list<HandOver> serve();
     /// Hears nobody any more; the last that was handed over. Nothing is lost: who has not come so far knows it.
-    std::vector<HandOver> close();
+    std::list<HandOver> close() noexcept;
 
     static constexpr std::size_t kMostPeers = 16;
     std::chrono::milliseconds patience{5000}; ///< With each; longer than a start waits.
 
 private:
     struct Peer {
-        int socket;
+        int socket = -1;
         std::chrono::steady_clock::time_point end;
         QByteArray received;
-        bool isOffered = false; // it was told that what it sent is taken
+        std::list<HandOver> offered; // one, from when it was told that it is taken
     };
     enum class Heard { more, all, nonsense };
     void accept();
     void hear(Peer& peer);
-    Heard advance(Peer& peer, const QByteArray& bytes);
+    Heard advance(Peer& peer, QByteArrayView bytes);
     void letGo(std::list<Peer>::iterator peer);
 
     int socket_;
     int events_; // an epoll of the socket and the peers
     std::list<Peer> peers_;
-    std::vector<HandOver> taken_;
+    std::list<HandOver> taken_;
 };
 
 /// Whether the process at the other end belongs to the same user.

@@ -260,6 +260,10 @@ bool CanvasView::isBusy() const {
     return phase_.isPainting();
 }
 
+bool CanvasView::isInGesture() const {
+    return !phase_.isIdle();
+}
+
 void CanvasView::endStroke() {
     if (phase_.isPainting()) endGesture();
 }

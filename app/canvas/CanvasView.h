@@ -40,6 +40,7 @@ public:
     void refresh(AllTiles all) override;
     void choicesChanged() override;
     bool isBusy() const override;
+    bool isInGesture() const override;
     void endStroke() override;
     void endGesture() override;
     void dropUncommitted() override;
