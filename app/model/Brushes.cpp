@@ -148,8 +148,8 @@ void Brushes::updateUserBrush() {
     const auto found = std::find_if(own.begin(), own.end(), same);
     if (found == own.end()) return;
     *found = activeBrush();
-    userBrushes_.write();
-    model_.messages().flash(tr("Updated \"%1\"").arg(found->name));
+    userBrushes_.write(); // after which others' may be in its place
+    model_.messages().flash(tr("Updated \"%1\"").arg(activeBrush().name));
 }
 
 void Brushes::deleteUserBrush(const BrushSettings& preset) {

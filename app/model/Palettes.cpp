@@ -155,10 +155,11 @@ void Palettes::importPalette() {
         const QString file = QFileInfo(path).fileName();
         try {
             const QByteArray bytes = readFile(path);
-            const std::size_t index = addOwnPalette(PaletteLibrary::read(bytesOf(bytes), file));
-            savePalettes();
-            colors += userPalettes()[index].colors.size();
-            names << userPalettes()[index].name;
+            const Palette& palette =
+                userPalettes()[addOwnPalette(PaletteLibrary::read(bytesOf(bytes), file))];
+            colors += palette.colors.size();
+            names << palette.name;
+            savePalettes(); // after which others' may be in its place
             model_.desktop().noteUsedFile(path);
         } catch (const DescribedError& error) {
             model_.messages().alert(tr("Couldn't import %1").arg(file), error.description());
