@@ -11,7 +11,8 @@ namespace qirn {
 
 /// The system calls by which the program meets a disk, each with the meaning and the results of the call of that name.
 /// Whatever reads, writes, locks, moves or removes a file takes them from `inUse`, so that a test can count them, let one
-/// fail, end the process between two, or keep a disk of its own behind them.
+/// fail, end the process between two, or keep a disk of its own behind them. Outside it are what Qt asks by itself (for
+/// the file panel, a path's real name, an older version's settings) and the lock and socket of the one studio.
 struct FileCalls {
     // By name
     std::function<ssize_t(const char* path, char* target, std::size_t size)> readlink;
