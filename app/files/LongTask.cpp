@@ -1,5 +1,7 @@
 #include "app/files/LongTask.h"
 
+#include "app/desktop/Failures.h"
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -13,6 +15,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QEventLoop>
+#include <QScopeGuard>
 #include <QTimer>
 
 namespace qirn {
@@ -112,6 +115,7 @@ bool LongTask::run(const QString& what, const std::function<void(const Progress&
     }
     if (!job->isDone(kAtOnce)) {
         isRunning_ = true;
+        const auto end = qScopeGuard([this] { endWaiting(); });
         qApp->installEventFilter(this);
         QTimer later;
         later.setSingleShot(true);
@@ -119,10 +123,6 @@ bool LongTask::run(const QString& what, const std::function<void(const Progress&
         later.start(kUnseen - kAtOnce);
         waiting.exec(QEventLoop::ExcludeUserInputEvents);
         if (!job->isDone()) waitCovered(*job, waiting, what);
-        qApp->removeEventFilter(this);
-        isRunning_ = false;
-        for (auto& call : std::exchange(waiting_, {}))
-            QMetaObject::invokeMethod(this, std::move(call), Qt::QueuedConnection);
     }
     try {
         job->takeResult();
@@ -133,12 +133,21 @@ bool LongTask::run(const QString& what, const std::function<void(const Progress&
 }
 
 void LongTask::waitCovered(Job& job, QEventLoop& waiting, const QString& what) {
+    const auto fall = qScopeGuard([this] { contained([this] { cover_->fall(); }); });
     cover_->rise(what, [&job] { job.cancel(); });
     QTimer showing;
     connect(&showing, &QTimer::timeout, this, [&] { cover_->showDone(job.fraction()); });
     showing.start(kShownEvery);
     waiting.exec();
-    cover_->fall();
+}
+
+void LongTask::endWaiting() noexcept {
+    qApp->removeEventFilter(this);
+    isRunning_ = false;
+    contained([this] { // what is not handed on for want of memory goes with the next
+        for (; !waiting_.empty(); waiting_.erase(waiting_.begin()))
+            QMetaObject::invokeMethod(this, waiting_.front(), Qt::QueuedConnection);
+    });
 }
 
 void LongTask::afterwards(std::function<void()> call) {

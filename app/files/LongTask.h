@@ -46,6 +46,7 @@ protected:
 private:
     class Job;
     void waitCovered(Job& job, QEventLoop& waiting, const QString& what);
+    void endWaiting() noexcept; // the window takes input again, however the wait has ended
 
     LongTaskCover* cover_ = nullptr;
     bool isRunning_ = false;

@@ -21,10 +21,14 @@ namespace {
 
 /// Notes each rise.
 struct NotedCover : LongTaskCover {
-    int risen = 0;
-    void rise(const QString&, const std::function<void()>&) override { ++risen; }
+    int risen = 0, fallen = 0;
+    bool fails = false;
+    void rise(const QString&, const std::function<void()>&) override {
+        ++risen;
+        if (fails) throw std::bad_alloc();
+    }
     void showDone(double) override {}
-    void fall() override {}
+    void fall() override { ++fallen; }
     bool isPart(const QObject&) const override { return false; }
 };
 
@@ -62,6 +66,12 @@ private Q_SLOTS:
         QCOMPARE(cover.risen, 1);
         QVERIFY_THROWS_EXCEPTION(std::bad_alloc,
                                  task.run({}, [](const Progress&) { throw std::bad_alloc(); }));
+        cover.fails = true;
+        QVERIFY_THROWS_EXCEPTION(std::bad_alloc, task.run({}, lasting(30s)));
+        QVERIFY(!task.isRunning() && cover.fallen == 2);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_A, {});
+        QObject receiver;
+        QVERIFY2(!QCoreApplication::sendEvent(&receiver, &key), "the filter is still there");
     }
 
     void theWindowPaintsAndTakesNoInputButCancel() {
