@@ -1,11 +1,14 @@
 #include "shell/sheets/RecoveryRow.h"
 
+#include "app/desktop/BackgroundQueue.h"
+#include "app/desktop/Failures.h"
 #include "app/desktop/FilePreview.h"
 #include "app/desktop/HostWords.h"
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
 #include "kit/style/ChromePaint.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
@@ -33,7 +36,9 @@ QLabel* dimLabel(const QString& text, QWidget* parent) {
 
 } // namespace
 
-RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent) : QWidget(parent) {
+RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
+    : QWidget(parent),
+      date_(dimLabel(whenOf(item.info.date.toLocalTime()), this)) {
     const Recovery::Info& info = item.info;
     setAccessibleName(info.name);
     auto* recover = new QPushButton(tr("Recover"), this);
@@ -49,9 +54,7 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent) : QWidget(
     auto* words = new QVBoxLayout;
     words->addStretch();
     words->addWidget(name);
-    const QString when = whenOf(info.date.toLocalTime());
-    auto* date = dimLabel(item.info.isSavedSince() ? tr("%1 · saved since").arg(when) : when, this);
-    words->addWidget(date);
+    words->addWidget(date_);
     words->addWidget(
         dimLabel(tr("%1 × %2 px · %3 layer(s)").arg(info.width).arg(info.height).arg(info.layers), this));
     words->addStretch();
@@ -71,6 +74,20 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent) : QWidget(
         name->setToolTip(name->text() == text ? QString() : plainTip(text));
     });
     preview->setFile(item.file);
+    // After the previews of all rows, which shall not wait for a folder that does not answer.
+    QMetaObject::invokeMethod(
+        this, [this, info] { contained([&] { askWhetherSaved(info); }); }, Qt::QueuedConnection);
+}
+
+void RecoveryRow::askWhetherSaved(const Recovery::Info& info) {
+    BackgroundQueue::previews().run([this, info, life = std::weak_ptr(life_)] {
+        if (life.expired() || !info.isSavedSince()) return;
+        const auto say = [this, life] { // as it would be where this is gone
+            if (!life.expired()) date_->setText(tr("%1 · saved since").arg(date_->text()));
+        };
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [say] { contained(say); }, Qt::QueuedConnection);
+    });
 }
 
 void RecoveryRow::paintEvent(QPaintEvent*) {

@@ -13,8 +13,12 @@
 #include "platform/DescribedError.h"
 #include "shell/sheets/RecoveryRow.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include <QApplication>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -49,14 +53,14 @@ void RecoverySheet::reload() {
     auto* column = new QVBoxLayout(rows);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    for (std::size_t i = 0; i < items_.size(); ++i) {
-        auto* row = new RecoveryRow(items_[i], rows);
+    for (const Recovery::Item& item : items_) {
+        auto* row = new RecoveryRow(item, rows);
         column->addWidget(row);
         // Later: the pressed button goes with its row.
-        connect(row, &RecoveryRow::recoverPressed, this, guarding(model(), [this, i] { recover(i); }),
-                Qt::QueuedConnection);
-        connect(row, &RecoveryRow::trashPressed, this, guarding(model(), [this, i] { moveToTrash(i); }),
-                Qt::QueuedConnection);
+        connect(row, &RecoveryRow::recoverPressed, this,
+                guarding(model(), [this, id = item.id] { recover(id); }), Qt::QueuedConnection);
+        connect(row, &RecoveryRow::trashPressed, this,
+                guarding(model(), [this, id = item.id] { moveToTrash(id); }), Qt::QueuedConnection);
     }
     column->addStretch();
     const bool hadFocus = list_->isAncestorOf(QApplication::focusWidget());
@@ -95,38 +99,62 @@ bool RecoverySheet::mayTake(const std::vector<Recovery::Item>& items, const QStr
     for (const Recovery::Item& item : items)
         if (item.mayBeOpenElsewhere()) names << item.info.name;
     if (names.isEmpty()) return true;
-    return model().desktop().ask(names.size() == 1
-                                     ? tr("Is \"%1\" open in another window?").arg(names.front())
-                                     : tr("Is one of these open in another window?"),
-                                 tr("The disk of the autosave copies has no locks, so Qirn Paint cannot "
-                                    "tell. A picture that is open "
-                                    "in another window would lose its copy."),
-                                 {tr("Cancel"), doIt}, 0) == 1;
+    return model().desktop().ask(
+               names.size() == 1 ? tr("Is \"%1\" open in another window?").arg(names.front())
+                                 : tr("Is one of these open in another window?"),
+               tr("Qirn Paint cannot tell, because no lock could be had on the autosave copy. "
+                  "A picture that is open in another window would lose its copy."),
+               {tr("Cancel"), doIt}, 0) == 1;
 }
 
-void RecoverySheet::recover(std::size_t row) {
-    if (row >= items_.size() || !mayTake({items_[row]}, tr("Recover"))) return;
-    restore(items_[row]);
-    reload();
-    if (items_.empty()) model().closeSheet();
+void RecoverySheet::alone(const std::function<void()>& body) {
+    if (isAtWork_ || model().longTask().isRunning()) return;
+    const QScopedValueRollback atWork(isAtWork_, true);
+    body();
+}
+
+std::vector<Recovery::Item> RecoverySheet::itemsOf(const QUuid& id) const {
+    std::vector<Recovery::Item> found;
+    std::ranges::copy_if(items_, std::back_inserter(found),
+                         [&](const Recovery::Item& item) { return item.id == id; });
+    return found;
+}
+
+void RecoverySheet::recover(const QUuid& id) {
+    alone([&] {
+        {
+            const std::vector<Recovery::Item> chosen = itemsOf(id); // until `reload` takes the locks anew
+            if (chosen.empty() || !mayTake(chosen, tr("Recover"))) return;
+            restore(chosen.front());
+        }
+        reload();
+        if (items_.empty()) model().closeSheet();
+    });
 }
 
 void RecoverySheet::recoverAll() {
-    if (!mayTake(items_, tr("Recover All"))) return;
-    for (const Recovery::Item& item : items_) restore(item);
-    model().closeSheet();
+    alone([&] {
+        const std::vector<Recovery::Item> chosen = items_;
+        if (!mayTake(chosen, tr("Recover All"))) return;
+        for (const Recovery::Item& item : chosen) restore(item);
+        model().closeSheet();
+    });
 }
 
-void RecoverySheet::moveToTrash(std::size_t row) {
-    if (row >= items_.size() || !mayTake({items_[row]}, tr("Move to Trash"))) return;
-    const Recovery::Item item = items_[row];
-    try {
-        Recovery::moveToTrash(item);
-    } catch (const DescribedError& error) {
-        return model().messages().alert(tr("Couldn't move %1 to the Trash").arg(item.info.name),
-                                        error.description());
-    }
-    reload();
+void RecoverySheet::moveToTrash(const QUuid& id) {
+    alone([&] {
+        {
+            const std::vector<Recovery::Item> chosen = itemsOf(id);
+            if (chosen.empty() || !mayTake(chosen, tr("Move to Trash"))) return;
+            try {
+                Recovery::moveToTrash(chosen.front());
+            } catch (const DescribedError& error) {
+                return model().messages().alert(
+                    tr("Couldn't move %1 to the Trash").arg(chosen.front().info.name), error.description());
+            }
+        }
+        reload();
+    });
 }
 
 } // namespace qirn

@@ -2,6 +2,7 @@
 #include "app/files/Recovery.h"
 #include "shell/sheets/Sheet.h"
 
+#include <functional>
 #include <vector>
 
 class QPushButton;
@@ -19,11 +20,14 @@ public:
     RecoverySheet(PaintModel& model, QWidget* parent);
 
     void recoverAll();
-    void recover(std::size_t row);
-    void moveToTrash(std::size_t row);
+    void recover(const QUuid& id);
+    void moveToTrash(const QUuid& id);
 
 private:
     void reload();
+    /// Runs `body`, unless something is being done here or long work runs: presses that were made before come even then.
+    void alone(const std::function<void()>& body);
+    std::vector<Recovery::Item> itemsOf(const QUuid& id) const; ///< One, or none where its row is gone.
     using Read = SessionRef (*)(const Recovery::Item& item, const Progress& progress);
     void restore(const Recovery::Item& item);
     void add(const Recovery::Item& item, Read read); ///< Throws why it cannot be read.
@@ -34,6 +38,7 @@ private:
     QScrollArea* list_;
     QPushButton* later_;
     QPushButton* recoverAll_;
+    bool isAtWork_ = false;
 };
 
 } // namespace qirn
