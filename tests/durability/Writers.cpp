@@ -7,6 +7,7 @@
 #include "app/model/OpenPictures.h"
 #include "app/model/Palettes.h"
 #include "app/model/PictureFiles.h"
+#include "durability/Row.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "platform/Json.h"
@@ -23,7 +24,10 @@ namespace qirn::test {
 
 namespace {
 
-constexpr int kSide = 120; // of noise, which does not get smaller: 60 KB
+/// Of noise, which does not get smaller: 60 KB, or 230.
+int side() {
+    return isLongForm() ? 240 : 120;
+}
 
 QString at(const QString& folder, const char* name) {
     return QDir(folder).filePath(QString::fromUtf8(name));
@@ -66,7 +70,7 @@ QString copyIn(const QString& folder) {
 
 void openPicture(WritingWorld& world) {
     writeAtomically(world.path("picture.qirnpaint"),
-                    bytesOf(PaintFile::encode(*documentOf(*noise(kSide, kSide, 1)))));
+                    bytesOf(PaintFile::encode(*documentOf(*noise(side(), side(), 1)))));
     world.model.files().open(world.path("picture.qirnpaint"));
     world.fill({0, 0, 9, 9});
 }

@@ -20,6 +20,7 @@ int exitsBeforeCall(const QStringList& arguments) {
     const System system = kSystems[arguments[1].toInt()];
     WritingWorld world;
     std::puts(qPrintable(world.folder.path()));
+    std::fflush(stdout);
     {
         const FileCallsInstead fast(callsOf(system));
         writer.prepare(world);
@@ -80,7 +81,7 @@ private Q_SLOTS:
                     QProcess process;
                     startHelper(process, QStringLiteral("exitsBeforeCall"),
                                 {QString::number(i), QString::number(static_cast<int>(system)),
-                                 QString::number(number)},
+                                 QString::number(number), "--", "long"},
                                 folder.path());
                     const QString world = QString::fromUtf8(nextLine(process).value_or(""));
                     process.waitForFinished(60'000);

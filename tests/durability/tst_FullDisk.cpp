@@ -56,6 +56,7 @@ int writesOnFullDisks(const QStringList& arguments) {
         return 0;
     }
     qputenv("TMPDIR", folder);
+    qInstallMessageHandler([](auto...) {}); // of copies that fail
     int64_t full = 0;
     for (const Writer& writer : kWriters) {
         for (const System system : kSystems) {
@@ -94,7 +95,9 @@ private Q_SLOTS:
     void theOldContentStaysOrTheNewIsWhole() {
         const QTemporaryDir folder, disk;
         QProcess process;
-        startHelper(process, QStringLiteral("writesOnFullDisks"), {disk.path(), isLongForm() ? "1" : "5"},
+        startHelper(process, QStringLiteral("writesOnFullDisks"),
+                    isLongForm() ? QStringList{disk.path(), "1", "--", "long"}
+                                 : QStringList{disk.path(), "5"},
                     folder.path());
         const QByteArray said = nextLine(process, 600'000).value_or("nothing");
         if (said == "not allowed") {
