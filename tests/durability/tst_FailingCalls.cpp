@@ -107,8 +107,8 @@ private Q_SLOTS:
             everywhere([&](std::size_t i, const Reference& reference, System system, int64_t number) {
                 int tries = 0;
                 QString failed;
-                for (const auto& kind : kErrors) {
-                    const int error = kind.second;
+                for (const auto& failure : kErrors) {
+                    const int error = failure.second;
                     for (const bool forGood : {false, true}) {
                         if (error == EINTR && forGood) continue; // would be tried again for ever
                         if (!failed.isEmpty() || !chosen()) continue;
@@ -124,7 +124,7 @@ private Q_SLOTS:
                         if (!wrong.isEmpty())
                             failed =
                                 QStringLiteral("%1 of %2%3: %4")
-                                    .arg(QLatin1String(kind.first), QString::fromStdString(at),
+                                    .arg(QLatin1String(failure.first), QString::fromStdString(at),
                                          forGood ? QLatin1String(" for good") : QLatin1String(""), wrong);
                     }
                 }
