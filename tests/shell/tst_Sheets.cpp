@@ -346,12 +346,10 @@ private Q_SLOTS:
         for (const char* name : {"One", "Two", "Three", "Four"}) {
             DocSession lost(std::make_unique<PaintDocument>(300, 200, 72, PaintColor(0, 0, 1)), name, {},
                             QUuid::createUuid(), DocSession::Dirty::yes);
-            if (name == QLatin1String("Four")) {
-                writeFile(w.path(name), "as it was");
-                lost.fileURL = QUrl::fromLocalFile(w.path(name));
-                lost.fileStamp = FileStamp{};
-            }
+            const bool isSaved = name == QLatin1String("Four");
+            if (isSaved) lost.fileURL = QUrl::fromLocalFile(w.path(name));
             Recovery::write(lost, Recovery::Synchronously::yes);
+            if (isSaved) writeFile(w.path(name), "by another program, perhaps");
             lost.copy.files.reset();
             copyOfFour = Recovery::fileURL(lost.id);
         }
