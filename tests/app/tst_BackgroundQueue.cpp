@@ -54,6 +54,7 @@ private Q_SLOTS:
                 go.get_future().wait();
             },
             another);
+        // For the job to begin, however late its low priority lets it: looked at, since a queue tells of ends alone.
         while (!hasBegun) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         std::vector<int> order; // unguarded: one subject's jobs come one after the other
         bool isEnded = false;
@@ -122,8 +123,10 @@ private Q_SLOTS:
                 else
                     concurrentPerform(100, [&](int64_t) { ++done; });
             });
+            // For the first piece, however late. That no second one follows has no event to wait for: in this time the
+            // loop would have done all.
             while (done == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            std::this_thread::sleep_for(std::chrono::milliseconds(50)); // in which it would have done all
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
             QCOMPARE(done.load(), 1);
             isAwaited ? queue.finish() : hand.reset();
             end.get();

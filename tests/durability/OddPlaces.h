@@ -267,6 +267,7 @@ inline void failsOn(std::function<int(const char*, int, mode_t)>& call, std::str
         return -1;
     };
 }
+/// A call that takes its time, as on a share far away: the delay is what is tried, and nothing waits for it to be over.
 template <class Call, class... Arguments> void slow(std::function<Call(Arguments...)>& call) {
     call = [made = call](Arguments... arguments) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

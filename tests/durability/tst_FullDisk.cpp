@@ -100,6 +100,8 @@ private Q_SLOTS:
                                  : QStringList{disk.path(), "5"},
                     folder.path());
         const QByteArray said = nextLine(process, 600'000).value_or("nothing");
+        // A disk of a few kilobytes has to be mounted, for which the system wants root or name spaces of the user's own. The
+        // row of failing calls has every writer meet ENOSPC all the same.
         if (said == "not allowed") {
             tellRow(QStringLiteral("really full disk"), 0, QStringLiteral("not tried"),
                     QStringLiteral("this user may not mount a disk"));
