@@ -10,7 +10,7 @@ namespace qirn {
 /// without linearization, rows from the top without padding.
 namespace PaintEngine {
 
-inline constexpr const char* version = "1.0";
+extern const char* const version; ///< As the first lines of CMakeLists.txt say it.
 inline constexpr QImage::Format imageFormat = QImage::Format_RGBA8888_Premultiplied;
 inline constexpr int maxCanvasSide = 30000; ///< Pixels; larger files are refused.
 
