@@ -134,8 +134,9 @@ struct Target {
     Files (*files)();
 };
 constexpr Target kTargets[] = {
-    {"brushes", brushes},    {"document", documents}, {"gpl", gplFiles},       {"hexlist", hexLists},
-    {"handover", handOvers}, {"image", pictures},     {"psd", photoshopFiles}, {"swatches", swatches},
+    {"brushes", brushes},    {"document", documents}, {"gpl", gplFiles},
+    {"hexlist", hexLists},   {"handover", handOvers}, {"image", pictures},
+    {"psd", photoshopFiles}, {"swatches", swatches},  {"thumbnail", documents},
 };
 
 bool write(const Target& target, const QString& folder) {

@@ -22,7 +22,10 @@ namespace {
 constexpr int64_t kMostBytes = 16 * 1024 * 1024; // of a picture that is decoded for its preview
 
 QImage previewIn(const QString& path) {
-    if (FileTypes::isNative(path)) return storedPreview(path).value_or(QImage());
+    if (FileTypes::isNative(path)) {
+        const auto preview = storedPreview(path);
+        return preview ? preview->makeImage() : QImage();
+    }
     const QByteArray bytes = readFile(path, kMostBytes);
     const auto document = ImageImport::document(bytesOf(bytes), {});
     return previewOf(snapshot(*document), PaintFile::kPreviewSide);

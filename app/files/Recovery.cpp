@@ -139,7 +139,8 @@ SessionRef owning(SessionRef session, const Recovery::Item& item) {
 
 QImage Recovery::Item::thumbnail() const {
     try {
-        return storedPreview(file).value_or(QImage());
+        const auto preview = storedPreview(file);
+        return preview ? preview->makeImage() : QImage();
     } catch (const ReadError&) {
         return {};
     }

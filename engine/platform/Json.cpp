@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 #include <QStringDecoder>
@@ -10,10 +13,16 @@ namespace qirn {
 
 namespace {
 
+constexpr int kMostKept = 4096; // values of the one member that is wanted
+
 /// Builds the value from parser events, counting the depth as it goes: the parser itself does not recurse, so a
 /// file of a million brackets ends here and not in the stack.
 class DepthLimitedBuilder {
 public:
+    DepthLimitedBuilder() = default;
+    /// Keeps only that member of the object that is the text.
+    explicit DepthLimitedBuilder(std::string_view member) : member_(member) {}
+
     using number_integer_t = Json::number_integer_t;
     using number_unsigned_t = Json::number_unsigned_t;
     using number_float_t = Json::number_float_t;
@@ -22,24 +31,32 @@ public:
 
     Json root;
 
-    bool null() { return put(Json(nullptr)) != nullptr; }
-    bool boolean(bool v) { return put(Json(v)) != nullptr; }
-    bool number_integer(number_integer_t v) { return put(Json(v)) != nullptr; }
-    bool number_unsigned(number_unsigned_t v) { return put(Json(v)) != nullptr; }
-    bool number_float(number_float_t v, const string_t&) { return put(Json(v)) != nullptr; }
-    bool string(string_t& v) { return put(Json(std::move(v))) != nullptr; }
+    bool null() { return add(nullptr); }
+    bool boolean(bool v) { return add(v); }
+    bool number_integer(number_integer_t v) { return add(v); }
+    bool number_unsigned(number_unsigned_t v) { return add(v); }
+    bool number_float(number_float_t v, const string_t&) { return add(v); }
+    bool string(string_t& v) { return add(std::move(v)); }
     bool binary(binary_t&) { return false; }
     bool start_object(std::size_t) { return open(Json::object()); }
     bool start_array(std::size_t) { return open(Json::array()); }
     bool end_object() { return close(); }
     bool end_array() { return close(); }
     bool key(string_t& name) {
-        keys_.back() = std::move(name);
+        if (member_ && depth_ == 1) isSkipping_ = name != *member_;
+        if (!isSkipping_) keys_.back() = std::move(name);
         return true;
     }
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) { return false; }
 
 private:
+    template <class Value> bool add(Value&& value) {
+        if (isSkipping_) return true;
+        if (!mayGrow()) return false;
+        put(Json(std::forward<Value>(value)));
+        return true;
+    }
+    bool mayGrow() { return !member_ || ++kept_ <= kMostKept; }
     Json* put(Json value) {
         if (open_.empty()) {
             root = std::move(value);
@@ -55,12 +72,17 @@ private:
         return &member;
     }
     bool open(Json container) {
-        if (open_.size() >= kJsonMaxDepth) return false;
+        if (depth_ >= kJsonMaxDepth || (member_ && depth_ == 0 && !container.is_object())) return false;
+        ++depth_;
+        if (isSkipping_) return true;
+        if (!mayGrow()) return false;
         open_.push_back(put(std::move(container)));
         keys_.emplace_back();
         return true;
     }
     bool close() {
+        --depth_;
+        if (isSkipping_) return true;
         open_.pop_back();
         keys_.pop_back();
         return true;
@@ -68,6 +90,57 @@ private:
 
     std::vector<Json*> open_; // an element's parent grows only after the element was closed
     std::vector<std::string> keys_;
+    int depth_ = 0; // of all that is open, kept or not
+    std::optional<std::string> member_;
+    bool isSkipping_ = false; // up to the next key of the outermost object
+    int kept_ = 0;
+};
+
+/// The bytes of a text that comes in pieces. A zero byte, at which the parser would stop, is noted.
+class Pieces {
+public:
+    explicit Pieces(const std::function<std::span<const uint8_t>()>& next) : next_(next) { fetch(); }
+
+    bool isAtEnd() const { return rest_.empty(); }
+    uint8_t front() const { return rest_.front(); }
+    void advance() {
+        rest_ = rest_.subspan(1);
+        if (rest_.empty()) fetch();
+    }
+    bool hadZero() const { return hadZero_; }
+
+private:
+    void fetch() {
+        rest_ = next_();
+        hadZero_ = hadZero_ || std::find(rest_.begin(), rest_.end(), 0) != rest_.end();
+    }
+
+    const std::function<std::span<const uint8_t>()>& next_;
+    std::span<const uint8_t> rest_;
+    bool hadZero_ = false;
+};
+
+/// As the parser wants it; the end has no pieces.
+struct PieceIterator {
+    using iterator_category = std::input_iterator_tag;
+    using value_type = uint8_t;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const uint8_t*;
+    using reference = uint8_t;
+
+    uint8_t operator*() const { return pieces->front(); }
+    PieceIterator& operator++() {
+        pieces->advance();
+        return *this;
+    }
+    PieceIterator operator++(int) {
+        pieces->advance();
+        return *this;
+    }
+    bool isAtEnd() const { return !pieces || pieces->isAtEnd(); }
+    bool operator==(const PieceIterator& other) const { return isAtEnd() == other.isAtEnd(); }
+
+    Pieces* pieces = nullptr;
 };
 
 [[noreturn]] void wrongType(const char* wanted) {
@@ -82,6 +155,16 @@ std::optional<Json> parseJson(std::span<const uint8_t> text) {
     DepthLimitedBuilder builder;
     if (!Json::sax_parse(text.begin(), text.end(), &builder)) return std::nullopt;
     return std::move(builder.root);
+}
+
+std::optional<Json> parseJsonMember(const std::function<std::span<const uint8_t>()>& nextPiece,
+                                    std::string_view key) {
+    Pieces pieces(nextPiece);
+    DepthLimitedBuilder builder(key);
+    if (!Json::sax_parse(PieceIterator{&pieces}, PieceIterator{}, &builder) || pieces.hadZero())
+        return std::nullopt;
+    const auto found = builder.root.find(key);
+    return found == builder.root.end() ? Json() : std::move(*found);
 }
 
 const Json& jsonMember(const Json& object, const char* key) {

@@ -1,10 +1,12 @@
 #pragma once
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include <QString>
 #include <QUuid>
@@ -23,6 +25,12 @@ inline constexpr int kJsonMaxDepth = 32;
 /// Parses UTF-8 text; nothing for malformed text, broken UTF-8, bytes behind the value, or nesting deeper than
 /// `kJsonMaxDepth`. Memory stays in proportion to the text.
 std::optional<Json> parseJson(std::span<const uint8_t> text);
+
+/// One member of the object that a text is, of a few thousand values at most; null where it has none. The text comes in pieces, of which
+/// an empty one is its end. All of it is judged as by `parseJson`, but only the member is kept: what it takes does not grow
+/// with the text, apart from its longest string.
+std::optional<Json> parseJsonMember(const std::function<std::span<const uint8_t>()>& nextPiece,
+                                    std::string_view key);
 
 /// A value of the wrong type, or a required key that is missing.
 struct JsonTypeError : std::runtime_error {

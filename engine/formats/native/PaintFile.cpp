@@ -5,8 +5,8 @@
 #include "core/StoredForm.h"
 #include "formats/native/IncomingTiles.h"
 #include "formats/native/PaintPreview.h"
+#include "formats/native/StoredPreview.h"
 #include "formats/native/StoredTiles.h"
-#include "formats/pictures/PngReader.h"
 #include "formats/pictures/PngWriter.h"
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
@@ -22,7 +22,6 @@ namespace {
 
 using namespace PaintFile;
 
-constexpr std::size_t kHeaderBytes = magic.size() + 4;
 constexpr double kPreviewDpi = 72;
 constexpr double kTilesEncoded = 0.8, kPreviewMade = 0.95; // of the work of writing, about
 
@@ -71,7 +70,7 @@ QByteArray assembled(const std::string& manifest, const Blob& blob, const Progre
     if (manifest.size() > std::numeric_limits<uint32_t>::max()) throw PaintFileError::tooLarge();
     const auto length = static_cast<uint32_t>(manifest.size());
     QByteArray file;
-    file.reserve(static_cast<qsizetype>(kHeaderBytes + manifest.size()) + blob.length());
+    file.reserve(static_cast<qsizetype>(kHeaderBytes) + std::ssize(manifest) + blob.length());
     append(file, magic);
     for (int shift = 0; shift < 32; shift += 8) file.append(static_cast<char>(length >> shift & 255));
     file.append(manifest.data(), static_cast<qsizetype>(manifest.size()));
@@ -161,29 +160,24 @@ DocumentSnapshot snapshotOfLastCommit(const PaintDocument& doc) {
 }
 
 PaintFile::LocatedManifest PaintFile::manifestOf(std::span<const uint8_t> file) {
-    if (file.size() < kHeaderBytes || !std::equal(magic.begin(), magic.end(), file.begin())) {
-        throw PaintFileError::notPaintFile();
-    }
-    const std::size_t length = std::size_t{file[8]} | std::size_t{file[9]} << 8 |
-                               std::size_t{file[10]} << 16 | std::size_t{file[11]} << 24;
-    if (length == 0 || file.size() - kHeaderBytes < length) {
+    const std::optional<int64_t> length = manifestLength(file);
+    if (!length) throw PaintFileError::notPaintFile();
+    if (*length == 0 || std::ssize(file) - kHeaderBytes < *length)
         throw PaintFileError::damaged(QStringLiteral("manifest size"));
-    }
-    std::optional<Manifest> manifest = parseManifest(file.subspan(kHeaderBytes, length));
+    std::optional<Manifest> manifest = parseManifest(file.subspan(kHeaderBytes, checkedSize(*length)));
     if (!manifest) throw PaintFileError::damaged(QStringLiteral("manifest"));
-    return {std::move(*manifest), static_cast<int64_t>(kHeaderBytes + length)};
+    return {std::move(*manifest), kHeaderBytes + *length};
 }
 
 std::optional<QImage> PaintFile::thumbnailOf(std::span<const uint8_t> file) {
-    try {
-        const auto [manifest, blobOffset] = manifestOf(file);
-        if (!manifest.thumbnail) return std::nullopt;
-        const auto png = storedBytes(file.subspan(checkedSize(blobOffset)), *manifest.thumbnail);
-        if (!png || !matches(*png, manifest.thumbnail->k)) return std::nullopt;
-        return decodePNG(*png);
-    } catch (const PaintFileError&) {
-        return std::nullopt;
-    }
+    const auto preview = storedPreview([file](int64_t offset, std::span<uint8_t> target) {
+        if (offset >= std::ssize(file)) return std::size_t{0};
+        const auto bytes = file.subspan(checkedSize(offset));
+        const std::size_t count = std::min(bytes.size(), target.size());
+        std::copy_n(bytes.begin(), count, target.begin());
+        return count;
+    });
+    return preview ? std::optional(preview->makeImage()) : std::nullopt;
 }
 
 std::optional<PaintFile::Info> PaintFile::infoOf(std::span<const uint8_t> file) {

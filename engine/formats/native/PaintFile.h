@@ -6,7 +6,6 @@
 #include "formats/native/PaintFileManifest.h"
 #include "platform/Progress.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -49,7 +48,6 @@ namespace PaintFile {
 
 inline constexpr const char* fileExtension = "qirnpaint";
 inline constexpr const char* typeIdentifier = "example.qirnpaint.qirnpaint";
-inline constexpr std::array<uint8_t, 8> magic{'Q', 'I', 'R', 'N', 'P', 'N', 'T', 1};
 inline constexpr int64_t kPreviewSide = 320; ///< Pixels on the larger side of a preview.
 
 /// The whole file. `saved` is the moment that it notes, now if none is given: equal pictures with an equal moment

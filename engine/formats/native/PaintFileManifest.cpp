@@ -130,11 +130,29 @@ std::string manifestText(const Manifest& manifest) {
     return jsonBytes(json);
 }
 
+std::optional<int64_t> manifestLength(std::span<const uint8_t> file) {
+    if (std::ssize(file) < kHeaderBytes || !std::equal(magic.begin(), magic.end(), file.begin()))
+        return std::nullopt;
+    int64_t length = 0;
+    for (std::size_t i = checkedSize(kHeaderBytes); i-- > magic.size();) length = length << 8 | file[i];
+    return length;
+}
+
 std::optional<Manifest> parseManifest(std::span<const uint8_t> text) {
     const std::optional<Json> json = parseJson(text);
     if (!json) return std::nullopt;
     try {
         return readManifest(*json);
+    } catch (const JsonTypeError&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<TileEntry> previewEntryIn(const std::function<std::span<const uint8_t>()>& nextPiece) {
+    const std::optional<Json> entry = parseJsonMember(nextPiece, "thumbnail");
+    if (!entry || entry->is_null()) return std::nullopt;
+    try {
+        return readTile(*entry);
     } catch (const JsonTypeError&) {
         return std::nullopt;
     }

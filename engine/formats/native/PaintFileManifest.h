@@ -1,7 +1,9 @@
 #pragma once
 #include "core/OnionSkin.h"
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,6 +14,12 @@
 #include <QUuid>
 
 namespace qirn::PaintFile {
+
+inline constexpr std::array<uint8_t, 8> magic{'Q', 'I', 'R', 'N', 'P', 'N', 'T', 1};
+inline constexpr int64_t kHeaderBytes = 12; ///< In front of the manifest.
+
+/// The length of the manifest as the header states it; nothing for what does not begin as a document.
+std::optional<int64_t> manifestLength(std::span<const uint8_t> file);
 
 /// Where the bytes of a tile, or of the preview, lie.
 struct TileEntry {
@@ -59,6 +67,10 @@ std::string manifestText(const Manifest& manifest);
 /// Nothing for text that is not JSON, lacks a required key or has a value of the wrong type. Unknown keys are
 /// passed over.
 std::optional<Manifest> parseManifest(std::span<const uint8_t> text);
+
+/// The preview's entry in a manifest that comes in pieces, of which an empty one is its end, and is not held. Nothing for
+/// text that is not JSON, and where there is no such entry.
+std::optional<TileEntry> previewEntryIn(const std::function<std::span<const uint8_t>()>& nextPiece);
 
 /// The bytes that an entry names in what lies behind the manifest; nothing when they are not all there.
 std::optional<std::span<const uint8_t>> storedBytes(std::span<const uint8_t> blob, const TileEntry& entry);

@@ -231,18 +231,4 @@ std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progr
     return DecodedPicture{std::move(layer), dpi};
 }
 
-std::optional<QImage> decodePNG(std::span<const uint8_t> png) {
-    constexpr int64_t kLongestSide = 4096;
-    if (!isPng(png)) return std::nullopt;
-    const auto picture = readPng(png);
-    if (!picture || picture->layer->grid().width > kLongestSide ||
-        picture->layer->grid().height > kLongestSide)
-        return std::nullopt;
-    QImage image = picture->layer->toBuffer()->makeImage();
-    const auto perMeter = static_cast<int>(std::lround(picture->dpi / 0.0254));
-    image.setDotsPerMeterX(perMeter);
-    image.setDotsPerMeterY(perMeter);
-    return image;
-}
-
 } // namespace qirn

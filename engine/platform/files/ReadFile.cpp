@@ -1,7 +1,6 @@
 #include "platform/files/ReadFile.h"
 
 #include "platform/CheckedMath.h"
-#include "platform/files/FileCalls.h"
 #include "platform/files/FileError.h"
 #include "platform/files/FilePath.h"
 
@@ -10,6 +9,7 @@
 #include <cstdio>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <QCoreApplication>
 #include <fcntl.h>
@@ -57,7 +57,7 @@ struct Descriptor {
     ~Descriptor() {
         if (number >= 0) calls.close(number);
     }
-    const int number;
+    int number; // negative: none
     const FileCalls& calls;
 };
 
@@ -109,22 +109,28 @@ QByteArray readFile(const QString& path, int64_t mostBytes, const Progress& prog
     return bytes;
 }
 
-QByteArray readFilePart(const QString& path, int64_t offset, int64_t count) {
-    const Descriptor file = openAtOnce(path);
-    const struct stat facts = factsOfFile(file);
-    const int64_t there = std::clamp<int64_t>(facts.st_size - offset, 0, count);
-    QByteArray bytes(static_cast<qsizetype>(there), Qt::Uninitialized);
-    qsizetype length = 0;
-    while (length < bytes.size()) {
-        const ssize_t got = file.calls.pread(file.number, bytes.data() + length,
-                                             checkedSize(bytes.size() - length), offset + length);
-        if (got < 0 && errno == EINTR) continue;
+FileParts::FileParts(const QString& path) : calls_(FileCalls::inUse()), descriptor_(-1) {
+    Descriptor file = openAtOnce(path);
+    factsOfFile(file);
+    descriptor_ = std::exchange(file.number, -1);
+}
+
+FileParts::~FileParts() {
+    calls_.close(descriptor_);
+}
+
+std::size_t FileParts::read(int64_t offset, std::span<uint8_t> target) const {
+    std::size_t length = 0;
+    while (length < target.size()) {
+        const std::span<uint8_t> rest = target.subspan(length);
+        const ssize_t got = retried([&] {
+            return calls_.pread(descriptor_, rest.data(), rest.size(), offset + static_cast<int64_t>(length));
+        });
         if (got < 0) fail(errno);
-        if (got == 0) break; // it has become shorter
-        length += got;
+        if (got == 0) break;
+        length += checkedSize(got);
     }
-    bytes.truncate(length);
-    return bytes;
+    return length;
 }
 
 } // namespace qirn

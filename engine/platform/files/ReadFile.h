@@ -1,10 +1,12 @@
 #pragma once
 #include "platform/DescribedError.h"
 #include "platform/Progress.h"
+#include "platform/files/FileCalls.h"
 #include "platform/files/FileStamp.h"
 
 #include <cstdint>
 #include <limits>
+#include <span>
 
 #include <QByteArray>
 #include <QString>
@@ -32,7 +34,21 @@ inline constexpr int64_t kAnyLength = std::numeric_limits<int64_t>::max();
 QByteArray readFile(const QString& path, int64_t mostBytes = kAnyLength, const Progress& progress = {},
                     FileStamp* stamp = nullptr);
 
-/// `count` bytes from `offset` on, fewer where the file ends. Throws as above.
-QByteArray readFilePart(const QString& path, int64_t offset, int64_t count);
+/// A file that is open to be read in parts, refused as above; all parts are of the same file, whatever takes its name
+/// meanwhile.
+class FileParts {
+public:
+    explicit FileParts(const QString& path); ///< Throws ReadError.
+    FileParts(const FileParts&) = delete;
+    FileParts& operator=(const FileParts&) = delete;
+    ~FileParts();
+
+    /// Fills the target from `offset` on; how many bytes there were, fewer where the file ends. Throws ReadError.
+    std::size_t read(int64_t offset, std::span<uint8_t> target) const;
+
+private:
+    const FileCalls& calls_;
+    int descriptor_;
+};
 
 } // namespace qirn
