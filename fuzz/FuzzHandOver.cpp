@@ -1,4 +1,4 @@
-// What another start hands over: what is taken is absolute paths, and comes back from its own bytes.
+// What another start hands over: what is taken is absolute paths and a sheet that is known, and comes back from its own bytes.
 #include "platform/Require.h"
 #include "program/HandOver.h"
 

@@ -85,12 +85,12 @@ Files brushes() {
 }
 
 Files handOvers() {
-    return {QByteArray("\0\0\0\5"
-                       "1.0\0\0",
-                       9),
-            QByteArray("\0\0\0\x0c"
-                       "1.0\0t\0/a\0/b\0",
-                       16)};
+    return {QByteArray("\0\0\0\6"
+                       "1.0\0\0\0",
+                       10),
+            QByteArray("\0\0\0\x14"
+                       "1.0\0t\0recover\0/a\0/b\0",
+                       24)};
 }
 
 Files photoshopFiles() {

@@ -1,12 +1,20 @@
 #include "program/HandOver.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <QtEndian>
 
 namespace qirn {
 
 namespace {
+
+struct SheetName {
+    const char* name;
+    std::optional<PaintSheet::Kind> sheet;
+};
+const SheetName kSheetNames[] = {
+    {"", {}}, {"new-canvas", PaintSheet::Kind::newDocument}, {"recover", PaintSheet::Kind::recovery}};
 
 bool isAbsolute(const QByteArray& path) {
     return path.startsWith('/');
@@ -15,8 +23,10 @@ bool isAbsolute(const QByteArray& path) {
 } // namespace
 
 std::optional<QByteArray> HandOver::encoded() const {
+    const auto* const named = std::ranges::find(kSheetNames, sheet, &SheetName::sheet);
+    if (named == std::end(kSheetNames)) return std::nullopt;
     QByteArray message(kLengthBytes, '\0');
-    for (const QByteArray& field : QByteArrayList{version, token} + paths) {
+    for (const QByteArray& field : QByteArrayList{version, token, named->name} + paths) {
         if (field.contains('\0')) return std::nullopt;
         message += field;
         message += '\0';
@@ -37,8 +47,10 @@ std::optional<HandOver> HandOver::decoded(const QByteArray& message) {
     if (lengthOf(message) != size || size > kMostBytes || !message.endsWith('\0')) return std::nullopt;
     QByteArrayList fields = message.sliced(kLengthBytes).split('\0');
     fields.removeLast(); // behind the last zero
-    if (fields.size() < 2) return std::nullopt;
-    const HandOver read{fields[0], fields[1], fields.mid(2)};
+    if (fields.size() < 3) return std::nullopt;
+    const auto* const named = std::ranges::find(kSheetNames, fields[2], &SheetName::name);
+    if (named == std::end(kSheetNames)) return std::nullopt;
+    const HandOver read{fields[0], fields[1], fields.mid(3), named->sheet};
     return std::ranges::all_of(read.paths, isAbsolute) ? std::optional(read) : std::nullopt;
 }
 

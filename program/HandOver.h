@@ -1,4 +1,6 @@
 #pragma once
+#include "app/model/PaintSheet.h"
+
 #include <cstddef>
 #include <optional>
 
@@ -12,6 +14,7 @@ namespace qirn {
 ///     4 bytes     the length of what follows, big-endian, at most 1 MB
 ///     version     the program's, and like every field ended by a zero byte
 ///     token       by which the desktop lets the window come forward; may be empty
+///     sheet       "new-canvas" or "recover", to be shown once the files are open; may be empty
 ///     paths       of the files to open, absolute, none or more
 ///
 /// The studio answers with one byte; to `takes` the start answers `taken` and ends. Until it has, nothing is handed over, so
@@ -20,6 +23,7 @@ struct HandOver {
     QByteArray version;
     QByteArray token;
     QByteArrayList paths; ///< As the system has them, of any bytes.
+    std::optional<PaintSheet::Kind> sheet = {};
 
     static constexpr std::size_t kLengthBytes = 4, kMostBytes = 1'000'000; // with the length
     static constexpr char kTakes = 'y', kRefuses = 'n', kTaken = 'k';

@@ -6,6 +6,7 @@
 #include "app/model/PaintModel.h"
 #include "app/model/PictureFiles.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QApplication>
@@ -20,12 +21,19 @@ constexpr int kLookEvery = 50; // milliseconds
 
 OpenRequests::OpenRequests(PaintModel& model, QWidget& window) : model_(model), window_(&window) {
     timer_.setInterval(kLookEvery);
-    connect(&timer_, &QTimer::timeout, this, [this] { openWaiting(); });
+    connect(&timer_, &QTimer::timeout, this, [this] { serve(); });
 }
 
 void OpenRequests::open(const QStringList& paths) {
     if (paths.isEmpty()) return;
     waiting_ << paths;
+    timer_.start();
+}
+
+void OpenRequests::show(PaintSheet::Kind sheet) {
+    const bool isUp = model_.sheet() && model_.sheet()->kind == sheet;
+    if (isUp || std::ranges::find(waitingSheets_, sheet) != waitingSheets_.end()) return;
+    waitingSheets_.push_back(sheet);
     timer_.start();
 }
 
@@ -35,12 +43,17 @@ bool OpenRequests::isFree() const {
            !QApplication::activePopupWidget() && QGuiApplication::mouseButtons() == Qt::NoButton;
 }
 
-void OpenRequests::openWaiting() {
+void OpenRequests::serve() {
     if (!isFree()) return;
-    timer_.stop();
     isOpening_ = true; // questions are asked meanwhile, in loops of their own
     guarded(model_, [this] { model_.files().open(std::exchange(waiting_, {})); });
     isOpening_ = false;
+    if (waiting_.isEmpty() && !waitingSheets_.empty() && isFree()) {
+        const PaintSheet sheet{waitingSheets_.front()};
+        waitingSheets_.erase(waitingSheets_.begin());
+        guarded(model_, [&] { model_.showSheet(sheet); });
+    }
+    if (waiting_.isEmpty() && waitingSheets_.empty()) timer_.stop();
 }
 
 void OpenRequests::comeForward(const QByteArray& token) {

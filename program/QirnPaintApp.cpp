@@ -18,12 +18,13 @@
 #include "platform/DescribedError.h"
 #include "platform/files/FilePath.h"
 #include "program/Benchmark.h"
-#include "program/CommandLine.h"
-#include "program/DisplayArguments.h"
 #include "program/OneStudio.h"
 #include "program/OpenRequests.h"
 #include "program/PaintSample.h"
+#include "program/ProgramIcon.h"
 #include "program/SelfTest.h"
+#include "program/arguments/CommandLine.h"
+#include "program/arguments/DisplayArguments.h"
 #include "shell/MainView.h"
 #include "shell/help/AboutLines.h"
 #include "shell/help/PaintHelp.h"
@@ -87,11 +88,14 @@ public:
         });
     }
 
-    void didFinishLaunching(const QStringList& paths) {
+    void didFinishLaunching(const CommandLine& line) {
         PaintModel* const model = PaintModel::shared;
         if (!model) return;
         model->safety().startAutosave();
-        soon(*model, [model, paths] { model->files().open(paths); });
+        soon(*model, [this, model, line] {
+            model->files().open(line.files);
+            if (line.sheet()) requests_.show(*line.sheet()); // which copies may have brought up already
+        });
     }
 
     static bool shouldTerminate() {
@@ -128,8 +132,7 @@ QByteArray activationToken() {
 }
 
 /// The studio, until it is quit. What has been taken from other starts and not opened is added to `left`.
-int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studio,
-              std::list<HandOver>& left) {
+int runWindow(int& argc, char** argv, const CommandLine& line, OneStudio& studio, std::list<HandOver>& left) {
     // Each pen point is painted; none is merged with the next.
     QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
     QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
@@ -140,6 +143,7 @@ int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studi
     studio.answer(); // not before: who hands over to a program that finds no display would wait for nothing
     app.setApplicationName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));
+    app.setWindowIcon(programIcon()); // where the desktop has none of the name above
     Store store(AppFolders::storeFile(), AppFolders::olderStoreFile());
     QirnKit::useStore(store.forKit());
     QirnKit::install(QStringLiteral("Qirn Paint"), PaintHelp::topics());
@@ -153,15 +157,17 @@ int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studi
     model.pictures().ensureDocument();
     window.show();
     const SuddenEnd suddenEnd([&model] { model.safety().keepWork(); });
-    delegate.didFinishLaunching(files);
+    delegate.didFinishLaunching(line);
     studio.deliverTo([&requests](const HandOver& request) {
         requests.comeForward(request.token);
         QStringList paths;
         for (const QByteArray& path : request.paths) paths << pathFromBytes(path);
         requests.open(paths);
+        if (request.sheet) requests.show(*request.sheet);
     });
     const int result = app.exec();
     left = studio.close();
+    for (const PaintSheet::Kind sheet : requests.waitingSheets()) left.push_front({{}, {}, {}, sheet});
     if (!requests.waiting().isEmpty()) left.push_front({{}, {}, bytesOf(requests.waiting())});
     return result;
 }
@@ -169,7 +175,10 @@ int runWindow(int& argc, char** argv, const QStringList& files, OneStudio& studi
 /// Whoever handed it over while the studio was quit has ended, trusting that it is opened.
 void startAgain(const QStringList& options, const std::list<HandOver>& left) {
     QByteArrayList words{"QirnPaint"};
-    words << bytesOf(options) << "--";
+    words << bytesOf(options);
+    for (const HandOver& request : left)
+        if (request.sheet) words << CommandLine::optionOf(*request.sheet);
+    words << "--";
     for (const HandOver& request : left) words << request.paths;
     std::vector<char*> arguments;
     for (QByteArray& word : words) arguments.push_back(word.data());
@@ -204,11 +213,12 @@ int runStudio(int& argc, char** argv) {
     QStringList words;
     for (const char* word : std::span(argv, checkedSize(argc))) words << pathFromBytes(word);
     const DisplayArguments arguments(words);
-    const QStringList files = CommandLine::parsed(arguments.others).files;
+    const CommandLine line = CommandLine::parsed(arguments.others);
     OneStudio studio(arguments.display, AppFolders::base());
-    if (studio.handsOver({PaintEngine::version, activationToken(), bytesOf(files)})) return 0;
+    if (studio.handsOver({PaintEngine::version, activationToken(), bytesOf(line.files), line.sheet()}))
+        return 0;
     std::list<HandOver> left;
-    const int result = runWindow(argc, argv, files, studio, left);
+    const int result = runWindow(argc, argv, line, studio, left);
     if (!left.empty()) startAgain(arguments.taken, left);
     return result;
 }

@@ -17,7 +17,7 @@
 #include "kit/controls/ChromeSlider.h"
 #include "platform/Bytes.h"
 #include "platform/files/FilePath.h"
-#include "program/CommandLine.h"
+#include "program/arguments/CommandLine.h"
 #include "support/FullDisk.h"
 #include "support/PSDFiles.h"
 #include "support/Studio.h"
@@ -222,11 +222,14 @@ private Q_SLOTS:
             {{"--benchmark", "--selftest"}, Mode::selfTest, {}},
             {{"--make-sample"}, Mode::none, {}},
             {{"--version", "--help"}, Mode::help, {}},
+            {{"--recover", "--benchmark"}, Mode::benchmark, {}},
+            {{"--recover", "/a", "--new-canvas", "--help"}, Mode::newCanvas, {"/a"}},
         };
         for (const auto& [arguments, mode, files] : cases) {
             const CommandLine line = CommandLine::parsed(QStringList("QirnPaint") + arguments);
             QVERIFY2(line.mode == mode, qPrintable(arguments.join(u' ')));
-            if (mode == Mode::none) QCOMPARE(line.files, files);
+            if (line.opensStudio()) QCOMPARE(line.files, files);
+            QCOMPARE(line.sheet().has_value(), mode == Mode::newCanvas);
         }
         QCOMPARE(CommandLine::parsed({"QirnPaint", "--make-sample", "/x"}).samplePath, "/x");
         QVERIFY(CommandLine::parsed({}).files.isEmpty());

@@ -1,9 +1,9 @@
 #include "app/model/OpenPictures.h"
 #include "core/PaintEngine.h"
 #include "core/SeededRandom.h"
-#include "program/DisplayArguments.h"
 #include "program/OneStudio.h"
 #include "program/OpenRequests.h"
+#include "program/arguments/DisplayArguments.h"
 #include "support/Files.h"
 #include "support/Studio.h"
 
@@ -22,7 +22,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const HandOver kRequest{PaintEngine::version, "token", {"/a b", "/\xff\n\x01", "/tmp/\xc3\xa4.png"}};
+const HandOver kRequest{
+    PaintEngine::version, "token", {"/a b", "/\xff\n\x01", "/tmp/\xc3\xa4.png"}, PaintSheet::Kind::recovery};
 
 } // namespace
 
@@ -73,6 +74,8 @@ private Q_SLOTS:
         other.paths = {"relative"};
         QVERIFY(!other.encoded());
         other.paths = {QByteArray("/a\0b", 4)};
+        QVERIFY(!other.encoded());
+        other = {PaintEngine::version, {}, {}, PaintSheet::Kind::text}; // which no start asks for
         QVERIFY(!other.encoded());
     }
 
@@ -210,11 +213,20 @@ private Q_SLOTS:
             const std::size_t before = studio.model.pictures().sessions().size();
             begin();
             for (const QString& path : paths) requests.open({path});
+            for (const auto sheet : {PaintSheet::Kind::newDocument, PaintSheet::Kind::recovery})
+                for (int times = 0; times < 2; ++times) requests.show(sheet);
             QTest::qWait(200);
             QCOMPARE(requests.waiting(), paths);
+            QCOMPARE(requests.waitingSheets().size(), studio.model.sheet() ? 1u : 2u); // once each
             end();
-            QTRY_COMPARE(studio.model.pictures().sessions().size(), before + 2);
-            QVERIFY(requests.waiting().isEmpty());
+            for (std::size_t left = requests.waitingSheets().size(); left > 0; --left) {
+                QTRY_COMPARE(requests.waitingSheets().size(), left - 1);
+                QTest::qWait(120);
+                QCOMPARE(requests.waitingSheets().size(), left - 1); // one after the other, behind the files
+                QVERIFY(studio.model.sheet() && requests.waiting().isEmpty());
+                studio.model.closeSheet();
+            }
+            QCOMPARE(studio.model.pictures().sessions().size(), before + 2);
             QVERIFY(studio.session().name.startsWith(QString("%1 2").arg(name)));
         }
     }

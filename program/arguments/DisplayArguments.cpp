@@ -1,4 +1,4 @@
-#include "program/DisplayArguments.h"
+#include "program/arguments/DisplayArguments.h"
 
 #include <algorithm>
 
