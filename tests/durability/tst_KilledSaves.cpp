@@ -66,9 +66,9 @@ private Q_SLOTS:
             int side; // of noise, which does not get smaller
             int64_t kills;
         };
-        const Size sizes[] = {{256, times(20, 6000)},
-                              {1024 + 256, times(5, 3000)},
-                              {3584, times(1, 1000)}}; // 0.3, 6.5 and 51 MB
+        const Size sizes[] = {{256, times(20, 8000)},
+                              {1024 + 256, times(5, 1700)},
+                              {3584, times(1, 300)}}; // 0.3, 6.5 and 51 MB
         SeededRandom random(firstSeed());
         int64_t kills = 0, unreported = 0;
         for (const auto& [side, wanted] : sizes) {
