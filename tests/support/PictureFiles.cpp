@@ -98,7 +98,11 @@ QByteArray withJpegSegment(const QByteArray& jpeg, uint8_t marker, const QByteAr
 }
 
 QByteArray withJpegProfile(const QByteArray& jpeg, const QByteArray& profile) {
-    return withJpegSegment(jpeg, 0xE2, QByteArray("ICC_PROFILE\0\1\1", 14) + profile);
+    QByteArray bare = jpeg;
+    const qsizetype own = bare.indexOf("\xFF\xE2");
+    if (own >= 0)
+        bare.remove(own, 2 + static_cast<uint8_t>(bare[own + 2]) * 256 + static_cast<uint8_t>(bare[own + 3]));
+    return withJpegSegment(bare, 0xE2, QByteArray("ICC_PROFILE\0\1\1", 14) + profile);
 }
 
 QByteArray cmykJpeg(const QByteArray& inks, int width, int height, bool isAdobe) {

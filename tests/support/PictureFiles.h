@@ -27,7 +27,7 @@ QByteArray bigEndianWords(const std::vector<uint32_t>& words);
 
 /// With one more segment right behind the start mark; 0xE1 is EXIF's, 0xE2 that of profiles.
 QByteArray withJpegSegment(const QByteArray& jpeg, uint8_t marker, const QByteArray& body);
-QByteArray withJpegProfile(const QByteArray& jpeg, const QByteArray& profile);
+QByteArray withJpegProfile(const QByteArray& jpeg, const QByteArray& profile); ///< In place of its own.
 /// A JPEG of these inks (four bytes a pixel, as they lie in the file), of full quality; with Adobe's mark or without.
 QByteArray cmykJpeg(const QByteArray& inks, int width, int height, bool isAdobe);
 

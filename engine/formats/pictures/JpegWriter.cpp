@@ -1,5 +1,6 @@
 #include "formats/pictures/JpegWriter.h"
 
+#include "formats/common/SrgbIccProfile.h"
 #include "formats/pictures/JpegErrors.h"
 
 #include <algorithm>
@@ -74,6 +75,8 @@ bool encode(Encoder& encoder, const RGBABuffer& picture, int quality, int dpi) {
     encoder.monitor.base.progress_monitor = tellProgress;
     jpeg.progress = &encoder.monitor.base;
     jpeg_start_compress(&jpeg, TRUE);
+    const auto profile = srgbIccProfile();
+    jpeg_write_icc_profile(&jpeg, profile.data(), static_cast<unsigned>(profile.size()));
     while (jpeg.next_scanline < jpeg.image_height) {
         // The library does not write to the rows that it is given.
         JSAMPROW row = const_cast<JSAMPROW>(picture.row(jpeg.next_scanline));

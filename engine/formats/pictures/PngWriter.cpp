@@ -2,6 +2,7 @@
 
 #include "core/PaintEngine.h"
 #include "formats/common/ByteReader.h"
+#include "formats/common/StraightPixels.h"
 #include "platform/Bytes.h"
 #include "platform/CheckedMath.h"
 #include "platform/Parallel.h"
@@ -36,40 +37,41 @@ constexpr int64_t kBandBytes = 1 << 20;
 enum class Filter : uint8_t { none, sub, up, average, paeth };
 constexpr std::size_t kFilterCount = 5;
 
-/// Reads the picture's rows as PNG stores them: straight, with three or four bytes a pixel.
+bool isOpaque(const PictureRows& picture) {
+    std::atomic<bool> isOpaque = true;
+    concurrentPerform(picture.height, [&](int64_t y) {
+        if (!isOpaque) return;
+        Bytes room(checkedSize(picture.width * 4));
+        const uint8_t* row = picture.row(y, room.data());
+        for (int64_t x = 0; x < picture.width && isOpaque; ++x) {
+            if (row[x * 4 + 3] != 255) isOpaque = false;
+        }
+    });
+    return isOpaque;
+}
+
+/// The picture's rows as PNG stores them: straight, with three or four bytes a pixel.
 class StraightRows {
 public:
-    explicit StraightRows(const QImage& picture) : picture_(picture) {
-        std::atomic<bool> isOpaque = true;
-        concurrentPerform(picture.height(), [&](int64_t y) {
-            const uint8_t* row = picture_.constScanLine(static_cast<int>(y));
-            for (int x = 0; x < picture_.width() && isOpaque; ++x) {
-                if (row[x * 4 + 3] != 255) isOpaque = false;
-            }
-        });
-        channels_ = isOpaque ? 3 : 4;
-    }
+    StraightRows(const PictureRows& picture, PngAlpha alpha)
+        : picture_(picture),
+          channels_(alpha == PngAlpha::whereNeeded && isOpaque(picture) ? 3 : 4) {}
 
     int channels() const { return channels_; }
-    int64_t rowBytes() const { return int64_t{picture_.width()} * channels_; }
+    int64_t rowBytes() const { return picture_.width * channels_; }
 
-    void read(int64_t y, uint8_t* out) const {
-        const uint8_t* in = picture_.constScanLine(static_cast<int>(y));
-        for (int x = 0; x < picture_.width(); ++x, in += 4, out += channels_) {
-            const int alpha = in[3];
-            if (alpha == 255 || alpha == 0) {
-                for (int c = 0; c < 3; ++c) out[c] = alpha == 0 ? 0 : in[c];
-            } else {
-                for (int c = 0; c < 3; ++c)
-                    out[c] = static_cast<uint8_t>(std::min(255, (in[c] * 255 + alpha / 2) / alpha));
-            }
+    /// `room` has four bytes for each pixel.
+    void read(int64_t y, uint8_t* room, uint8_t* out) const {
+        const uint8_t* in = picture_.row(y, room);
+        for (int64_t x = 0; x < picture_.width; ++x, in += 4, out += channels_) {
+            for (int c = 0; c < 3; ++c) out[c] = in[3] == 255 ? in[c] : straight(in[c], in[3]);
             if (channels_ == 4) out[3] = in[3];
         }
     }
 
 private:
-    const QImage& picture_;
-    int channels_ = 4;
+    const PictureRows& picture_;
+    int channels_;
 };
 
 int paeth(int left, int above, int corner) {
@@ -119,13 +121,14 @@ Bytes filtered(const StraightRows& rows, int64_t top, int64_t count) {
     const auto rowBytes = checkedSize(rows.rowBytes());
     Bytes result;
     result.reserve((rowBytes + 1) * checkedSize(count));
+    Bytes room(checkedSize(rows.rowBytes() / rows.channels() * 4));
     Bytes above(rowBytes);
     Bytes row(rowBytes);
     Bytes best(rowBytes);
     Bytes trial(rowBytes);
-    if (top > 0) rows.read(top - 1, above.data());
+    if (top > 0) rows.read(top - 1, room.data(), above.data());
     for (int64_t y = top; y < top + count; ++y) {
-        rows.read(y, row.data());
+        rows.read(y, room.data(), row.data());
         int64_t least = std::numeric_limits<int64_t>::max();
         std::size_t chosen = 0;
         for (std::size_t f = 0; f < kFilterCount; ++f) {
@@ -181,16 +184,19 @@ void addChunk(BEWriter& out, const char* type, std::span<const uint8_t> body) {
         static_cast<uint32_t>(body.empty() ? sum : crc32(sum, body.data(), static_cast<uInt>(body.size()))));
 }
 
-void addHeader(BEWriter& out, const QImage& picture, int channels, double dpi) {
+void addHeader(BEWriter& out, const PictureRows& picture, int channels, double dpi) {
     constexpr std::array<uint8_t, 8> signature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
     out.bytes(signature);
     BEWriter header;
-    header.u32(static_cast<uint32_t>(picture.width()));
-    header.u32(static_cast<uint32_t>(picture.height()));
+    header.u32(static_cast<uint32_t>(picture.width));
+    header.u32(static_cast<uint32_t>(picture.height));
     header.u8(8);                     // bits a channel
     header.u8(channels == 3 ? 2 : 6); // RGB, with alpha
     header.zeros(3);                  // the only compression, the only filters, not interlaced
     addChunk(out, "IHDR", bytesOf(header.data()));
+    constexpr std::array<uint8_t, 1> perceptual{
+        0}; // what converts to another space is to keep the impression
+    addChunk(out, "sRGB", perceptual);
     const double perMeter = std::round(dpi / kMetersPerInch);
     if (!(perMeter >= 1 && perMeter <= std::numeric_limits<int32_t>::max())) return;
     BEWriter density;
@@ -202,10 +208,20 @@ void addHeader(BEWriter& out, const QImage& picture, int channels, double dpi) {
 
 } // namespace
 
-QByteArray pngBytes(const QImage& picture, double dpi, const Progress& progress) {
+PictureRows rowsOf(const QImage& picture) {
     require(picture.format() == PaintEngine::imageFormat && !picture.isNull());
-    const StraightRows rows(picture);
-    const int64_t height = picture.height();
+    return {picture.width(), picture.height(),
+            [&picture](int64_t y, uint8_t*) { return picture.constScanLine(static_cast<int>(y)); }};
+}
+
+QByteArray pngBytes(const QImage& picture, double dpi, const Progress& progress) {
+    return pngBytes(rowsOf(picture), PngAlpha::whereNeeded, dpi, progress);
+}
+
+QByteArray pngBytes(const PictureRows& picture, PngAlpha alpha, double dpi, const Progress& progress) {
+    require(picture.width >= 1 && picture.height >= 1);
+    const StraightRows rows(picture, alpha);
+    const int64_t height = picture.height;
     const int64_t bandRows = std::clamp<int64_t>(kBandBytes / rows.rowBytes(), 1, height);
     std::vector<Band> bands(checkedSize((height + bandRows - 1) / bandRows));
     const auto pack = [&](int64_t i) {

@@ -1,5 +1,6 @@
 #include "formats/pictures/tiff/TiffWriter.h"
 
+#include "formats/common/SrgbIccProfile.h"
 #include "formats/pictures/tiff/TiffMemory.h"
 #include "platform/CheckedMath.h"
 
@@ -19,6 +20,7 @@ constexpr int64_t kLargestPlainPicture = 2'800'000'000;
 bool setTags(TIFF* tiff, const RGBABuffer& picture, double dpi) {
     const auto rows = static_cast<uint32_t>(std::max<int64_t>(1, kStripBytes / (picture.width() * 4)));
     const uint16_t alpha = EXTRASAMPLE_ASSOCALPHA; // premultiplied, as the pixels are
+    const auto profile = srgbIccProfile();
     return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(picture.width())) &&
            TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(picture.height())) &&
            TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8) && TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 4) &&
@@ -28,6 +30,7 @@ bool setTags(TIFF* tiff, const RGBABuffer& picture, double dpi) {
            TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_LZW) &&
            TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) &&
            TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, rows) &&
+           TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(profile.size()), profile.data()) &&
            TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH) &&
            TIFFSetField(tiff, TIFFTAG_XRESOLUTION, dpi) && TIFFSetField(tiff, TIFFTAG_YRESOLUTION, dpi);
 }
