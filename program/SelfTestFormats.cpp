@@ -22,7 +22,7 @@ QByteArray exported(const PaintDocument& doc, ExportFormat format, const PaintCo
 /// How far a channel may come back from what it was, of 255: JPEG loses detail, and Photoshop's layers keep their
 /// opacity in 8 bits.
 int tolerance(ExportFormat format) {
-    return format == ExportFormat::jpeg ? 24 : format == ExportFormat::psdLayered ? 2 : 0;
+    return rowOf(format).asksQuality ? 24 : format == ExportFormat::psdLayered ? 2 : 0;
 }
 
 /// Each channel within so many steps; where any are allowed, a few may be further off.
@@ -53,7 +53,6 @@ void SelfTestEngine::exports(SelfTestReport& report) {
     const auto picture = flattened(*doc);
     const PaintColor black = PaintColor::black();
     for (const ExportFormatRow& row : kExportFormats) {
-        const bool isJpeg = row.format == ExportFormat::jpeg;
         const QByteArray file = exported(*doc, row.format, black);
         std::unique_ptr<PaintDocument> read;
         try {
@@ -61,7 +60,7 @@ void SelfTestEngine::exports(SelfTestReport& report) {
         } catch (const DescribedError&) {
             // Counted as failed below.
         }
-        const auto expected = isJpeg ? ImageExport::onBackground(*picture, black) : picture;
+        const auto expected = row.asksBackground ? ImageExport::onBackground(*picture, black) : picture;
         report.check(QStringLiteral("%1: opens with the same colors").arg(displayName(row.format)),
                      read && near(*flattened(*read), *expected, tolerance(row.format)));
         report.check(QStringLiteral("%1: keeps size and resolution").arg(displayName(row.format)),

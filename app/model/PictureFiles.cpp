@@ -240,7 +240,7 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
     return true;
 }
 
-void PictureFiles::exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground) {
+void PictureFiles::exportPicture(ExportFormat format, double quality, const PaintColor& background) {
     const DocSession* session = model_.current();
     if (!session) return;
     model_.finishGesture();
@@ -252,7 +252,7 @@ void PictureFiles::exportPicture(ExportFormat format, double jpegQuality, const 
         const std::shared_ptr<PaintDocument> picture = session->doc().draft();
         const auto save = [&](const Progress& progress) {
             const QByteArray bytes =
-                ImageExport::data(*picture, format, jpegQuality, jpegBackground, progress.part(0, kEncoded));
+                ImageExport::data(*picture, format, quality, background, progress.part(0, kEncoded));
             write(place->path, bytes, progress.part(kEncoded, 1));
         };
         if (!model_.longTask().run(tr("Exporting %1…").arg(QFileInfo(place->path).fileName()), save)) return;

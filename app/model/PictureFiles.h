@@ -27,7 +27,7 @@ public:
     enum class SaveAs { no, yes };
     bool save(DocSession* session, SaveAs as); ///< Null: the current one. False when cancelled or failed.
     /// Writes a copy in another format; the picture stays as dirty as it was.
-    void exportPicture(ExportFormat format, double jpegQuality, const PaintColor& jpegBackground);
+    void exportPicture(ExportFormat format, double quality, const PaintColor& background);
 
     QStringList recentFiles() const; ///< Paths of opened and saved files that are still there, newest first.
     void forgetRecentFiles();

@@ -4,6 +4,7 @@
 #include "formats/ImageExport.h"
 #include "formats/pictures/JpegWriter.h"
 #include "formats/pictures/PngWriter.h"
+#include "formats/pictures/WebPWriter.h"
 #include "formats/pictures/tiff/TiffWriter.h"
 #include "formats/psd/PSDFile.h"
 
@@ -25,30 +26,42 @@ std::optional<QByteArray> psd(const PaintDocument& doc, PSDFile::Layered layered
 
 } // namespace
 
-std::optional<QByteArray> ExportEncoders::png(const PaintDocument& doc, const JpegOptions&,
+std::optional<QByteArray> ExportEncoders::png(const PaintDocument& doc, const LossyOptions&,
                                               const Progress& progress) {
     return pngBytes(flattened(doc, progress.part(0, kFlattened))->imageOverBytes(), doc.dpi,
                     progress.part(kFlattened, 1));
 }
 
-std::optional<QByteArray> ExportEncoders::jpeg(const PaintDocument& doc, const JpegOptions& jpeg,
+std::optional<QByteArray> ExportEncoders::jpeg(const PaintDocument& doc, const LossyOptions& lossy,
                                                const Progress& progress) {
     const auto picture = flattened(doc, progress.part(0, kFlattened));
-    return jpegBytes(*ImageExport::onBackground(*picture, jpeg.background), jpeg.quality, doc.dpi,
+    return jpegBytes(*ImageExport::onBackground(*picture, lossy.background), lossy.quality, doc.dpi,
                      progress.part(kFlattened, 1));
 }
 
-std::optional<QByteArray> ExportEncoders::tiff(const PaintDocument& doc, const JpegOptions&,
+std::optional<QByteArray> ExportEncoders::tiff(const PaintDocument& doc, const LossyOptions&,
                                                const Progress& progress) {
     return tiffBytes(*flattened(doc, progress.part(0, kFlattened)), doc.dpi, progress.part(kFlattened, 1));
 }
 
-std::optional<QByteArray> ExportEncoders::psdLayered(const PaintDocument& doc, const JpegOptions&,
+std::optional<QByteArray> ExportEncoders::webp(const PaintDocument& doc, const LossyOptions&,
+                                               const Progress& progress) {
+    return webpBytes(flattened(doc, progress.part(0, kFlattened)), std::nullopt, doc.dpi,
+                     progress.part(kFlattened, 1));
+}
+
+std::optional<QByteArray> ExportEncoders::webpLossy(const PaintDocument& doc, const LossyOptions& lossy,
+                                                    const Progress& progress) {
+    return webpBytes(flattened(doc, progress.part(0, kFlattened)), lossy.quality, doc.dpi,
+                     progress.part(kFlattened, 1));
+}
+
+std::optional<QByteArray> ExportEncoders::psdLayered(const PaintDocument& doc, const LossyOptions&,
                                                      const Progress& progress) {
     return psd(doc, PSDFile::Layered::yes, progress);
 }
 
-std::optional<QByteArray> ExportEncoders::psdFlat(const PaintDocument& doc, const JpegOptions&,
+std::optional<QByteArray> ExportEncoders::psdFlat(const PaintDocument& doc, const LossyOptions&,
                                                   const Progress& progress) {
     return psd(doc, PSDFile::Layered::no, progress);
 }

@@ -1,9 +1,12 @@
 #pragma once
+#include "core/PaintEngine.h"
+#include "formats/pictures/WebPWriter.h"
 #include "platform/Progress.h"
 #include "platform/RowOrder.h"
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include <QByteArray>
@@ -15,24 +18,27 @@ class PaintDocument;
 struct PaintColor;
 
 /// What a picture can be saved as beside the native document, in the order of the list that a user chooses from.
-enum class ExportFormat { png, jpeg, tiff, psdLayered, psdFlat };
+enum class ExportFormat { png, jpeg, tiff, webp, webpLossy, psdLayered, psdFlat };
 
-/// What JPEG alone asks for.
-struct JpegOptions {
+/// What formats ask for that lose something.
+struct LossyOptions {
     double quality;               ///< Brought into 0.05 to 1.
     const PaintColor& background; ///< Under what is transparent; its own alpha is not looked at.
 };
 
 /// The whole file of a document's finished picture; nothing where the format or the memory does not hold it.
-using ExportEncoder = std::optional<QByteArray> (*)(const PaintDocument& doc, const JpegOptions& jpeg,
+using ExportEncoder = std::optional<QByteArray> (*)(const PaintDocument& doc, const LossyOptions& lossy,
                                                     const Progress& progress);
 namespace ExportEncoders {
-std::optional<QByteArray> png(const PaintDocument& doc, const JpegOptions& jpeg, const Progress& progress);
-std::optional<QByteArray> jpeg(const PaintDocument& doc, const JpegOptions& jpeg, const Progress& progress);
-std::optional<QByteArray> tiff(const PaintDocument& doc, const JpegOptions& jpeg, const Progress& progress);
-std::optional<QByteArray> psdLayered(const PaintDocument& doc, const JpegOptions& jpeg,
+std::optional<QByteArray> png(const PaintDocument& doc, const LossyOptions& lossy, const Progress& progress);
+std::optional<QByteArray> jpeg(const PaintDocument& doc, const LossyOptions& lossy, const Progress& progress);
+std::optional<QByteArray> tiff(const PaintDocument& doc, const LossyOptions& lossy, const Progress& progress);
+std::optional<QByteArray> webp(const PaintDocument& doc, const LossyOptions& lossy, const Progress& progress);
+std::optional<QByteArray> webpLossy(const PaintDocument& doc, const LossyOptions& lossy,
+                                    const Progress& progress);
+std::optional<QByteArray> psdLayered(const PaintDocument& doc, const LossyOptions& lossy,
                                      const Progress& progress);
-std::optional<QByteArray> psdFlat(const PaintDocument& doc, const JpegOptions& jpeg,
+std::optional<QByteArray> psdFlat(const PaintDocument& doc, const LossyOptions& lossy,
                                   const Progress& progress);
 } // namespace ExportEncoders
 
@@ -43,6 +49,9 @@ struct ExportFormatRow {
     const char* explanation; ///< What the format is good for, in a sentence or two.
     const char* fileExtension;
     ExportEncoder encode;
+    bool asksQuality = false;
+    bool asksBackground = false; ///< It has no transparency.
+    int64_t longestSide = PaintEngine::maxCanvasSide;
 };
 
 inline constexpr std::array kExportFormats{
@@ -55,11 +64,23 @@ inline constexpr std::array kExportFormats{
                     QT_TRANSLATE_NOOP("ExportFormat",
                                       "Smallest files for photos and sharing. JPEG has no transparency, so "
                                       "see-through areas get a background color."),
-                    "jpg", ExportEncoders::jpeg},
+                    "jpg", ExportEncoders::jpeg, true, true},
     ExportFormatRow{
         ExportFormat::tiff, "tiff", QT_TRANSLATE_NOOP("ExportFormat", "TIFF (print, lossless)"),
         QT_TRANSLATE_NOOP("ExportFormat", "Lossless (LZW) with the canvas DPI — good for print shops."),
         "tiff", ExportEncoders::tiff},
+    ExportFormatRow{
+        ExportFormat::webp, "webp", QT_TRANSLATE_NOOP("ExportFormat", "WebP (web, lossless)"),
+        QT_TRANSLATE_NOOP("ExportFormat",
+                          "Lossless and smaller than PNG. Keeps transparent areas. For sides of up to "
+                          "16,383 pixels."),
+        "webp", ExportEncoders::webp, false, false, kLongestWebPSide},
+    ExportFormatRow{
+        ExportFormat::webpLossy, "webpLossy", QT_TRANSLATE_NOOP("ExportFormat", "WebP (web, smallest)"),
+        QT_TRANSLATE_NOOP("ExportFormat",
+                          "Smallest files for the web. Keeps transparent areas. For sides of up to 16,383 "
+                          "pixels."),
+        "webp", ExportEncoders::webpLossy, true, false, kLongestWebPSide},
     ExportFormatRow{
         ExportFormat::psdLayered, "psdLayered",
         QT_TRANSLATE_NOOP("ExportFormat", "Photoshop PSD (layers kept)"),

@@ -1,5 +1,6 @@
 #include "formats/ImageExport.h"
 
+#include "core/PaintDocument.h"
 #include "core/PaintEngine.h"
 #include "formats/common/AreaReducer.h"
 #include "formats/pictures/PngWriter.h"
@@ -18,9 +19,12 @@ constexpr int kBandRows = 16; // of a reduced picture
 
 } // namespace
 
-QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
-                             const PaintColor& jpegBackground, const Progress& progress) {
-    std::optional<QByteArray> bytes = rowOf(format).encode(doc, {jpegQuality, jpegBackground}, progress);
+QByteArray ImageExport::data(const PaintDocument& doc, ExportFormat format, double quality,
+                             const PaintColor& background, const Progress& progress) {
+    const ExportFormatRow& row = rowOf(format);
+    if (std::max(doc.grid().width, doc.grid().height) > row.longestSide)
+        throw ExportError::tooLongASide(displayName(format), row.longestSide);
+    std::optional<QByteArray> bytes = row.encode(doc, {quality, background}, progress);
     if (!bytes) throw ExportError::cannotEncode(displayName(format));
     return *std::move(bytes);
 }

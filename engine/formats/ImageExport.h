@@ -17,11 +17,12 @@ class PaintDocument;
 /// Finished pictures as bytes of files.
 namespace ImageExport {
 
-/// The finished picture, without hidden layers, as the bytes of a file that notes the document's resolution and nothing
-/// else. JPEG alone asks for a quality, brought into 0.05 to 1, and for the color under what is transparent. On any
-/// thread where nobody writes to the document, as to a draft; throws ExportError.
-QByteArray data(const PaintDocument& doc, ExportFormat format, double jpegQuality,
-                const PaintColor& jpegBackground, const Progress& progress = {});
+/// The finished picture, without hidden layers, as the bytes of a file that notes the document's resolution and color
+/// space and nothing else. Formats that lose something ask for a quality, brought into 0.05 to 1, those without
+/// transparency for the color under it. On any thread where nobody writes to the document, as to a draft; throws
+/// ExportError.
+QByteArray data(const PaintDocument& doc, ExportFormat format, double quality, const PaintColor& background,
+                const Progress& progress = {});
 
 /// The picture laid over an opaque color, whose own alpha is not looked at.
 std::shared_ptr<RGBABuffer> onBackground(const RGBABuffer& picture, const PaintColor& background);

@@ -38,25 +38,26 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
             parent),
       formats_(new QListWidget(this)),
       explanation_(paragraph()),
-      jpegOptions_(new QWidget(this)),
+      lossyOptions_(new QWidget(this)),
       quality_(
-          new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, NumberFormat::percent(), jpegOptions_)),
+          new ChromeSlider(tr("Quality"), {kLeastQuality, 1, 0.01}, NumberFormat::percent(), lossyOptions_)),
+      backgroundLabel_(new QLabel(tr("Background"), lossyOptions_)),
       background_(new ChromeSegments(tr("Background"), {tr("White"), tr("Black"), tr("Second color")},
-                                     jpegOptions_)) {
+                                     lossyOptions_)) {
     formats_->setAccessibleName(tr("Format"));
     formats_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     formats_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (const ExportFormatRow& row : kExportFormats) formats_->addItem(displayName(row.format));
-    auto* jpeg = new QHBoxLayout(jpegOptions_);
-    jpeg->setContentsMargins(0, 0, 0, 0);
-    jpeg->addWidget(quality_, 1);
-    jpeg->addWidget(new QLabel(tr("Background"), jpegOptions_));
-    jpeg->addWidget(background_);
+    auto* lossy = new QHBoxLayout(lossyOptions_);
+    lossy->setContentsMargins(0, 0, 0, 0);
+    lossy->addWidget(quality_, 1);
+    lossy->addWidget(backgroundLabel_);
+    lossy->addWidget(background_);
     auto* details = new QWidget(this);
     auto* detailRows = new QVBoxLayout(details);
     detailRows->setContentsMargins(0, 0, 0, 0);
     detailRows->addWidget(explanation_);
-    detailRows->addWidget(jpegOptions_);
+    detailRows->addWidget(lossyOptions_);
     detailRows->addStretch();
 
     const PaintDocument& doc = model.current()->doc();
@@ -81,7 +82,7 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
         // As high as the longest text needs, so that the sheet keeps its size whichever format is chosen.
         const int line = explanation_->fontMetrics().lineSpacing();
         details->setFixedHeight(std::max(4 * line, 2 * line + m.groupGap + m.controlHeight));
-        for (QLayout* rows : std::initializer_list<QLayout*>{jpeg, detailRows}) rows->setSpacing(m.groupGap);
+        for (QLayout* rows : std::initializer_list<QLayout*>{lossy, detailRows}) rows->setSpacing(m.groupGap);
     });
 
     const ExportFormat last = formatNamed(model.store().text(kFormatKey).value_or(QString()));
@@ -117,7 +118,11 @@ PaintColor ExportSheet::background() const {
 
 void ExportSheet::refresh() {
     explanation_->setText(explanation(format()));
-    jpegOptions_->setVisible(format() == ExportFormat::jpeg);
+    const ExportFormatRow& row = rowOf(format());
+    lossyOptions_->setVisible(row.asksQuality || row.asksBackground);
+    quality_->setVisible(row.asksQuality);
+    for (QWidget* part : std::initializer_list<QWidget*>{backgroundLabel_, background_})
+        part->setVisible(row.asksBackground);
 }
 
 void ExportSheet::exportPicture() {

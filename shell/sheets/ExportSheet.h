@@ -12,7 +12,7 @@ class ChromeSegments;
 class ChromeSlider;
 class PaintModel;
 
-/// Asks for the format of an export, and for quality and background where JPEG needs them. Format and quality are kept for
+/// Asks for the format of an export, and for quality and background where the format needs them. Format and quality are kept for
 /// the next time as soon as they are chosen.
 class ExportSheet : public Sheet {
     Q_OBJECT
@@ -28,8 +28,9 @@ private:
 
     QListWidget* formats_; // in the order of the formats
     QLabel* explanation_;
-    QWidget* jpegOptions_;
+    QWidget* lossyOptions_;
     ChromeSlider* quality_;
+    QLabel* backgroundLabel_;
     ChromeSegments* background_;
 };
 

@@ -1,6 +1,7 @@
 #include "formats/common/FormatErrors.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
 namespace qirn {
 
@@ -37,6 +38,12 @@ PaintFileError PaintFileError::damagedTile(int64_t slot, const char* what) {
 
 ExportError ExportError::cannotEncode(const QString& formatName) {
     return ExportError(translated("ExportError", "The picture could not be saved as %1.").arg(formatName));
+}
+
+ExportError ExportError::tooLongASide(const QString& formatName, int64_t longest) {
+    return ExportError(
+        translated("ExportError", "The picture could not be saved as %1: no side may exceed %2 pixels.")
+            .arg(formatName, QLocale().toString(longest)));
 }
 
 ExportError ExportError::cannotRead() {

@@ -27,6 +27,7 @@ class ExportError : public DescribedError {
 public:
     /// As the user reads it in the list of formats.
     static ExportError cannotEncode(const QString& formatName);
+    static ExportError tooLongASide(const QString& formatName, int64_t longest);
     static ExportError cannotRead();
 
 private:
