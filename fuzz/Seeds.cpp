@@ -102,6 +102,13 @@ Files photoshopFiles() {
     return files;
 }
 
+Files openRasterFiles() {
+    Files files;
+    for (const auto& doc : {richDocument(), randomDocument(40, 30, 6, 7)})
+        files.push_back(ImageExport::data(*doc, ExportFormat::openRaster, 1, PaintColor::white()));
+    return files;
+}
+
 Files pictures() {
     const auto doc = randomDocument(24, 17, 1, 3);
     Files files;
@@ -134,9 +141,16 @@ struct Target {
     Files (*files)();
 };
 constexpr Target kTargets[] = {
-    {"brushes", brushes},    {"document", documents}, {"gpl", gplFiles},
-    {"hexlist", hexLists},   {"handover", handOvers}, {"image", pictures},
-    {"psd", photoshopFiles}, {"swatches", swatches},  {"thumbnail", documents},
+    {"brushes", brushes},
+    {"document", documents},
+    {"gpl", gplFiles},
+    {"hexlist", hexLists},
+    {"handover", handOvers},
+    {"image", pictures},
+    {"openraster", openRasterFiles},
+    {"psd", photoshopFiles},
+    {"swatches", swatches},
+    {"thumbnail", documents},
 };
 
 bool write(const Target& target, const QString& folder) {

@@ -21,8 +21,8 @@ struct TypeRow {
 
 constexpr TypeRow kPictures[] = {
     // in the order in which the panel shows them
-    {"PNG", "png"}, {"JPEG", "jpg jpeg"}, {"TIFF", "tiff tif"}, {"HEIC", "heic heif"},
-    {"GIF", "gif"}, {"BMP", "bmp"},       {"Photoshop", "psd"}, {"WebP", "webp"},
+    {"PNG", "png"}, {"JPEG", "jpg jpeg"}, {"TIFF", "tiff tif"}, {"HEIC", "heic heif"}, {"GIF", "gif"},
+    {"BMP", "bmp"}, {"Photoshop", "psd"}, {"WebP", "webp"},     {"OpenRaster", "ora"},
 };
 
 QString words(const char* text) {

@@ -260,7 +260,12 @@ void PictureFiles::exportPicture(ExportFormat format, double quality, const Pain
         return model_.messages().alert(tr("Couldn't export"), failureText(error));
     }
     model_.desktop().noteUsedFile(place->path);
-    model_.messages().flash(tr("Exported %1").arg(QFileInfo(place->path).fileName()));
+    const QString name = QFileInfo(place->path).fileName();
+    const auto shownDifferently = rowOf(format).shownDifferently;
+    const QString what = shownDifferently ? shownDifferently(session->doc()) : QString();
+    model_.messages().flash(
+        what.isEmpty() ? tr("Exported %1").arg(name)
+                       : tr("Exported %1. Other programs may show differently: %2.").arg(name, what));
 }
 
 // --- Recent files

@@ -56,6 +56,21 @@ std::optional<QByteArray> ExportEncoders::webpLossy(const PaintDocument& doc, co
                      progress.part(kFlattened, 1));
 }
 
+std::optional<QByteArray> ExportEncoders::openRaster(const PaintDocument& doc, const LossyOptions&,
+                                                     const Progress& progress) {
+    constexpr double kPreviewsMade = 0.2;
+    OpenRaster::Previews previews;
+    {
+        const auto picture = flattened(doc, progress.part(0, kPreviewsMade / 2));
+        const QImage image = picture->imageOverBytes();
+        previews.finished = pngBytes(rowsOf(image), PngAlpha::always, doc.dpi,
+                                     progress.part(kPreviewsMade / 2, kPreviewsMade));
+        const QImage thumbnail = ImageExport::scaled(image, OpenRaster::kThumbnailSide);
+        previews.thumbnail = pngBytes(rowsOf(thumbnail), PngAlpha::always, doc.dpi);
+    }
+    return OpenRaster::write(doc, previews, progress.part(kPreviewsMade, 1));
+}
+
 std::optional<QByteArray> ExportEncoders::psdLayered(const PaintDocument& doc, const LossyOptions&,
                                                      const Progress& progress) {
     return psd(doc, PSDFile::Layered::yes, progress);

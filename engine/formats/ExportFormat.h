@@ -1,5 +1,6 @@
 #pragma once
 #include "core/PaintEngine.h"
+#include "formats/openraster/OpenRaster.h"
 #include "formats/pictures/WebPWriter.h"
 #include "platform/Progress.h"
 #include "platform/RowOrder.h"
@@ -18,7 +19,7 @@ class PaintDocument;
 struct PaintColor;
 
 /// What a picture can be saved as beside the native document, in the order of the list that a user chooses from.
-enum class ExportFormat { png, jpeg, tiff, webp, webpLossy, psdLayered, psdFlat };
+enum class ExportFormat { png, jpeg, tiff, webp, webpLossy, openRaster, psdLayered, psdFlat };
 
 /// What formats ask for that lose something.
 struct LossyOptions {
@@ -36,6 +37,8 @@ std::optional<QByteArray> tiff(const PaintDocument& doc, const LossyOptions& los
 std::optional<QByteArray> webp(const PaintDocument& doc, const LossyOptions& lossy, const Progress& progress);
 std::optional<QByteArray> webpLossy(const PaintDocument& doc, const LossyOptions& lossy,
                                     const Progress& progress);
+std::optional<QByteArray> openRaster(const PaintDocument& doc, const LossyOptions& lossy,
+                                     const Progress& progress);
 std::optional<QByteArray> psdLayered(const PaintDocument& doc, const LossyOptions& lossy,
                                      const Progress& progress);
 std::optional<QByteArray> psdFlat(const PaintDocument& doc, const LossyOptions& lossy,
@@ -52,6 +55,8 @@ struct ExportFormatRow {
     bool asksQuality = false;
     bool asksBackground = false; ///< It has no transparency.
     int64_t longestSide = PaintEngine::maxCanvasSide;
+    /// What of a document other programs may show in another way, in words; null: nothing of any.
+    QString (*shownDifferently)(const PaintDocument& doc) = nullptr;
 };
 
 inline constexpr std::array kExportFormats{
@@ -81,6 +86,13 @@ inline constexpr std::array kExportFormats{
                           "Smallest files for the web. Keeps transparent areas. For sides of up to 16,383 "
                           "pixels."),
         "webp", ExportEncoders::webpLossy, true, false, kLongestWebPSide},
+    ExportFormatRow{
+        ExportFormat::openRaster, "openRaster", QT_TRANSLATE_NOOP("ExportFormat", "OpenRaster (layers kept)"),
+        QT_TRANSLATE_NOOP("ExportFormat",
+                          "Opens in Krita, GIMP and MyPaint with your layers: pixels, names, opacity, most "
+                          "blend modes, hidden layers, clipping and locks are kept."),
+        "ora", ExportEncoders::openRaster, false, false, PaintEngine::maxCanvasSide,
+        OpenRaster::shownDifferently},
     ExportFormatRow{
         ExportFormat::psdLayered, "psdLayered",
         QT_TRANSLATE_NOOP("ExportFormat", "Photoshop PSD (layers kept)"),

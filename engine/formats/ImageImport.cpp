@@ -2,6 +2,7 @@
 
 #include "formats/common/FormatErrors.h"
 #include "formats/native/PaintFile.h"
+#include "formats/openraster/OpenRaster.h"
 #include "formats/pictures/BmpReader.h"
 #include "formats/pictures/GifReader.h"
 #include "formats/pictures/HeifReader.h"
@@ -16,6 +17,8 @@
 #include <new>
 #include <utility>
 #include <vector>
+
+#include <QCoreApplication>
 
 namespace qirn {
 
@@ -34,6 +37,7 @@ constexpr Reader kReaders[] = {
     {isTiff, readTiff},
     {isWebP, readWebP},
     {isPhotoshopFile, MergedReader::decode},
+    {OpenRaster::isArchive, OpenRaster::finishedPicture},
     {isHeif, readHeif},
     {isGif, readGif},
     {isBmp, readBmp},
@@ -56,6 +60,12 @@ ImageImport::Imported ImageImport::imported(Bytes file, const Progress& progress
         } catch (const std::exception&) {
             result.remarks = MergedReader::remarks(file, {});
         }
+    }
+    if (OpenRaster::isArchive(file)) {
+        result.document = OpenRaster::read(file, &result.remarks, progress);
+        if (result.document) return result;
+        result.remarks = {{ImportRemark::Kind::asOneLayer,
+                           QCoreApplication::translate("ImportRemark", "damaged list of layers")}};
     }
     auto picture = decode(file, progress);
     if (!picture) throw ExportError::cannotRead();

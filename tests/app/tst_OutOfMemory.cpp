@@ -189,12 +189,15 @@ constexpr Command kCommands[] = {
     {"PNG", [](Work& work) { work.exportAs(ExportFormat::png); }},
     {"JPEG", [](Work& work) { work.exportAs(ExportFormat::jpeg); }},
     {"TIFF", [](Work& work) { work.exportAs(ExportFormat::tiff); }},
+    {"WebP", [](Work& work) { work.exportAs(ExportFormat::webp); }},
+    {"OpenRaster", [](Work& work) { work.exportAs(ExportFormat::openRaster); }},
     {"layered PSD", [](Work& work) { work.exportAs(ExportFormat::psdLayered); }},
     {"flat PSD", [](Work& work) { work.exportAs(ExportFormat::psdFlat); }},
     {"open document", [](Work& work) { work.open("open", "saved.qirnpaint"); }},
     {"open PNG", [](Work& work) { work.open("open", "a.png"); }},
     {"open JPEG", [](Work& work) { work.open("open", "a.jpg"); }},
     {"open TIFF", [](Work& work) { work.open("open", "a.tiff"); }},
+    {"open OpenRaster", [](Work& work) { work.open("open", "layered.ora"); }},
     {"open layered PSD", [](Work& work) { work.open("open", "layered.psd"); }},
     {"open flat PSD", [](Work& work) { work.open("open", "flat.psd"); }},
     {"import", [](Work& work) { work.open("importLayer", "a.png"); }},
@@ -239,6 +242,7 @@ private Q_SLOTS:
         work.exportAs(ExportFormat::png, at("a"));
         work.exportAs(ExportFormat::jpeg, at("a"));
         work.exportAs(ExportFormat::tiff, at("a"));
+        work.exportAs(ExportFormat::openRaster, at("layered"));
         work.exportAs(ExportFormat::psdLayered, at("layered"));
         work.exportAs(ExportFormat::psdFlat, at("flat"));
     }

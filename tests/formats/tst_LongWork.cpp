@@ -112,6 +112,9 @@ std::vector<Row> operations() {
         {"export PNG", exportAs(ExportFormat::png), 7},
         {"export JPEG", exportAs(ExportFormat::jpeg), 100},
         {"export TIFF", exportAs(ExportFormat::tiff), 290},
+        {"export WebP", exportAs(ExportFormat::webp), 5},
+        {"export lossy WebP", exportAs(ExportFormat::webpLossy), 5},
+        {"export OpenRaster", exportAs(ExportFormat::openRaster), 8},
         {"export layered PSD", exportAs(ExportFormat::psdLayered), 80},
         {"export flat PSD", exportAs(ExportFormat::psdFlat), 30},
         {"open native", opening(PaintFile::encode(*picture())), 4},
@@ -124,6 +127,7 @@ std::vector<Row> operations() {
         {"open TIFF", opening(exported(ExportFormat::tiff)), 290},
         {"open BMP", opening(written(image, "bmp")), 290},
         {"open WebP", opening(written(image, "webp")), 290},
+        {"open OpenRaster", opening(exported(ExportFormat::openRaster)), 500},
         {"open layered PSD", opening(exported(ExportFormat::psdLayered)), 4},
         {"open merged PSD", opening(gray.joined()), 1},
     };

@@ -59,12 +59,23 @@ PixelMap Orientation::toStored(int64_t storedWidth, int64_t storedHeight) const 
 
 PictureBuilder::PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation,
                                const Progress& progress)
+    : PictureBuilder(width, height, std::move(profile), orientation.toStored(width, height),
+                     orientation.swapsSides() ? TileGrid(height, width) : TileGrid(width, height), progress) {
+}
+
+PictureBuilder::PictureBuilder(const OnCanvas& place, int64_t width, int64_t height, ColorProfile profile,
+                               const Progress& progress)
+    : PictureBuilder(width, height, std::move(profile), PixelMap::moved(place.x, place.y), place.canvas,
+                     progress) {}
+
+PictureBuilder::PictureBuilder(int64_t width, int64_t height, ColorProfile profile, const PixelMap& toStored,
+                               const TileGrid& grid, const Progress& progress)
     : width_(width),
       height_(height),
       profile_(std::move(profile)),
-      toStored_(orientation.toStored(width, height)),
+      toStored_(toStored),
       toUpright_(toStored_.inverse()),
-      grid_(orientation.swapsSides() ? TileGrid(height, width) : TileGrid(width, height)),
+      grid_(grid),
       growing_(checkedSize(grid_.count())),
       progress_(progress) {
     require(isReadableSize(width, height));

@@ -31,6 +31,13 @@ private:
     int number_ = 1;
 };
 
+/// Where a picture's corner lies on a canvas, anywhere; what lies outside of it is cut off.
+struct OnCanvas {
+    TileGrid canvas;
+    int64_t x = 0;
+    int64_t y = 0;
+};
+
 /// Builds a layer from the rows of a file, which a decoder delivers from the top: converts colors, premultiplies, and
 /// rotates the picture upright. Of the file's own pixels it keeps a few rows at a time, which several processors
 /// convert.
@@ -41,6 +48,9 @@ class PictureBuilder {
 public:
     PictureBuilder(int64_t width, int64_t height, ColorProfile profile, Orientation orientation = {},
                    const Progress& progress = {});
+    /// The same as it is stored, for a layer of a canvas.
+    PictureBuilder(const OnCanvas& place, int64_t width, int64_t height, ColorProfile profile,
+                   const Progress& progress);
 
     /// Memory for the next stored row in the profile's layout; it counts once `rowDone` is called. Not to be asked for
     /// after the last row.
@@ -55,6 +65,8 @@ private:
         std::optional<PixelBytes> pixel;
         TileRef tile;
     };
+    PictureBuilder(int64_t width, int64_t height, ColorProfile profile, const PixelMap& toStored,
+                   const TileGrid& grid, const Progress& progress);
     void convertRows();
     void addPart(int64_t slot, const IRect& stored);
     const uint8_t* storedPixel(int64_t x, int64_t y) const;
@@ -67,7 +79,7 @@ private:
     ColorProfile profile_;
     PixelMap toStored_;
     PixelMap toUpright_;
-    TileGrid grid_; // of the upright picture
+    TileGrid grid_; // of the upright picture, or the canvas
     std::vector<Growing> growing_;
     int64_t rowBytes_;
     int64_t rowsAtOnce_;

@@ -191,13 +191,9 @@ double dpiOf(const Decoder& decoder) {
     return kUnknownDpi;
 }
 
-} // namespace
-
-bool isPng(std::span<const uint8_t> file) {
-    return file.size() >= 8 && png_sig_cmp(file.data(), 0, 8) == 0;
-}
-
-std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progress& progress) {
+/// Where no place is given, upright.
+std::optional<DecodedPicture> decoded(std::span<const uint8_t> file, const OnCanvas* place,
+                                      const Progress& progress) {
     const auto chunks = pngChunks(file);
     if (!chunks) return std::nullopt;
     Decoder decoder(*chunks);
@@ -215,8 +211,10 @@ std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progr
     const std::size_t rowBytes = png_get_rowbytes(decoder.png, decoder.info);
     if (rowBytes != checkedSize(width * layout.pixelBytes())) return std::nullopt;
     const bool isInterlaced = png_get_interlace_type(decoder.png, decoder.info) != PNG_INTERLACE_NONE;
-    PictureBuilder builder(width, height, profileOf(decoder, layout), orientation,
-                           isInterlaced ? progress.part(kPassesBegun, 1) : progress);
+    const Progress building = isInterlaced ? progress.part(kPassesBegun, 1) : progress;
+    const ColorProfile profile = profileOf(decoder, layout);
+    PictureBuilder builder = place ? PictureBuilder(*place, width, height, profile, building)
+                                   : PictureBuilder(width, height, profile, orientation, building);
     if (!isInterlaced) {
         for (int64_t y = 0; y < height && readRow(decoder, builder.row()); ++y) builder.rowDone();
     } else {
@@ -229,6 +227,21 @@ std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progr
     auto layer = builder.finish();
     if (!layer) return std::nullopt;
     return DecodedPicture{std::move(layer), dpi};
+}
+
+} // namespace
+
+bool isPng(std::span<const uint8_t> file) {
+    return file.size() >= 8 && png_sig_cmp(file.data(), 0, 8) == 0;
+}
+
+std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progress& progress) {
+    return decoded(file, nullptr, progress);
+}
+
+LayerRef readPngOnto(const OnCanvas& place, std::span<const uint8_t> file, const Progress& progress) {
+    auto picture = decoded(file, &place, progress);
+    return picture ? std::move(picture->layer) : nullptr;
 }
 
 } // namespace qirn

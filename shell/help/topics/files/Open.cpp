@@ -3,11 +3,11 @@
 namespace qirn::PaintHelp {
 
 const TopicText kOpen{"open", QIRN_HELP("Opening and importing pictures"),
-                      QIRN_HELP("open, import, psd, photo, heic, png, jpeg, drag, paste, picture"),
+                      QIRN_HELP("open, import, psd, ora, photo, heic, png, jpeg, drag, paste, picture"),
                       QIRN_HELP(R"(
 ## Open
-File → Open… ({open}) opens Qirn Paint documents, PNG, JPEG, TIFF, HEIC, GIF, BMP, WebP and Photoshop PSD, each
-on a tab of its own. You can choose several at once. A file that is already open shows its tab instead of a
+File → Open… ({open}) opens Qirn Paint documents, PNG, JPEG, TIFF, HEIC, GIF, BMP, WebP, OpenRaster and Photoshop PSD,
+each on a tab of its own. You can choose several at once. A file that is already open shows its tab instead of a
 second one. What counts is the content of a file, not its extension.
 • A file that you open on the desktop, or with the program's name in a terminal, comes to the window that is open
   already. It waits there until a question, a sheet or a stroke is over.

@@ -44,7 +44,7 @@ the panels: Color, Brush and Palettes on three tabs, and the layers below them. 
 
 ## 7. Keep it (2 minutes)
 • {save} saves a Qirn Paint document (.qirnpaint), which keeps every layer. Save your work in this form.
-• {export} writes a copy as PNG, JPEG, TIFF or Photoshop PSD, for showing it to others.
+• {export} writes a copy as PNG, JPEG, TIFF, WebP, OpenRaster or Photoshop PSD, for showing it to others.
 
 ## Where to go on
 • «tutorial-paint» takes you through a whole picture.
