@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include <QColorSpace>
+#include <QCryptographicHash>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -145,6 +146,10 @@ private Q_SLOTS:
         const auto icc = srgbIccProfile();
         const QByteArray profile(reinterpret_cast<const char*>(icc.data()), std::ssize(icc));
         QCOMPARE(QColorSpace::fromIccProfile(profile), QColorSpace(QColorSpace::SRgb));
+        QByteArray hashed = profile; // without its flags, its intent and the number that this is
+        for (const auto& [at, count] : {std::pair(44, 4), {64, 4}, {84, 16}})
+            hashed.replace(at, count, QByteArray(count, '\0'));
+        QCOMPARE(QCryptographicHash::hash(hashed, QCryptographicHash::Md5), profile.mid(84, 16));
         for (const ExportFormatRow& row : kExportFormats) {
             if (QByteArray(row.fileExtension) == "psd") continue; // has none, which means the same
             const QByteArray file = exported(doc, row.format), mark("sRGB\0\xAE\xCE\x1C\xE9", 9);
