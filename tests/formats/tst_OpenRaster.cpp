@@ -34,7 +34,7 @@ QByteArray archive(const std::vector<Entry>& entries) {
     std::vector<int64_t> starts;
     for (const Entry& entry : entries) {
         // zlib's wrapping, two bytes and four, is not ZIP's.
-        const QByteArray body = entry.isPacked ? qCompress(entry.bytes, 1).mid(6).chopped(4) : entry.bytes;
+        const QByteArray body = entry.isPacked ? qCompress(entry.bytes, 9).mid(6).chopped(4) : entry.bytes;
         const uLong sum = crc32(0, reinterpret_cast<const Bytef*>(entry.bytes.constData()),
                                 static_cast<uInt>(entry.bytes.size()));
         const QByteArray facts =
