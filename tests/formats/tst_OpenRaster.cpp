@@ -191,7 +191,8 @@ private Q_SLOTS:
             const QByteArray where = QString("x='%1' y='%2'").arg(x).arg(y).toLatin1();
             const auto doc = OpenRaster::read(
                 bytesOf(fileOf("<image w='600' h='517'><stack>" + layer("a", where) + kEnd)));
-            QCOMPARE(doc->layer(0).contentBounds(), IRect(x, y, 8, 8).intersection(doc->grid().bounds()));
+            const IRect dotAt{x, y, 8, 8};
+            QCOMPARE(doc->layer(0).contentBounds(), dotAt.intersection(doc->grid().bounds()));
             QCOMPARE(text(doc->layer(0).pixel(x + 4, y + 4)), "100,50,25,128");
         }
         // 16 bits become 8.
