@@ -89,8 +89,8 @@ inline constexpr std::array kExportFormats{
     ExportFormatRow{
         ExportFormat::openRaster, "openRaster", QT_TRANSLATE_NOOP("ExportFormat", "OpenRaster (layers kept)"),
         QT_TRANSLATE_NOOP("ExportFormat",
-                          "Opens in Krita, GIMP and MyPaint with your layers: pixels, names, opacity, most "
-                          "blend modes, hidden layers, clipping and locks are kept."),
+                          "Opens in Krita, GIMP and MyPaint with your layers: pixels, names, opacity, hidden "
+                          "layers and most blend modes are kept, in Krita and MyPaint clipping as well."),
         "ora", ExportEncoders::openRaster, false, false, PaintEngine::maxCanvasSide,
         OpenRaster::shownDifferently},
     ExportFormatRow{

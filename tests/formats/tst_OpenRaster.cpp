@@ -144,7 +144,7 @@ private Q_SLOTS:
         documents[1]->layer(0).name = QString(5000, '"') + QChar(1);
         QCOMPARE(OpenRaster::read(bytesOf(exported(*documents[1])))->layer(0).name, QString(4000, '"'));
         QCOMPARE(OpenRaster::shownDifferently(*documents[0]),
-                 "blend modes of clipped layers, Exclusion, Subtract, Linear Burn");
+                 "clipping (GIMP), blend modes of clipped layers, Exclusion, Subtract, Linear Burn");
     }
 
     void whatOthersWriteBecomesOurLayers() {

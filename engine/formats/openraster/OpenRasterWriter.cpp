@@ -66,6 +66,7 @@ QString OpenRaster::shownDifferently(const PaintDocument& doc) {
     for (int64_t i = 0; i < doc.layerCount(); ++i) {
         const Layer& layer = doc.layer(i);
         const bool isClipped = i > 0 && layer.isClipping;
+        if (isClipped) say(QCoreApplication::translate("OpenRaster", "clipping (GIMP)"));
         if (isClipped && layer.blendMode != BlendMode::normal)
             say(QCoreApplication::translate("OpenRaster", "blend modes of clipped layers"));
         else if (!nameOf(layer.blendMode).startsWith(QLatin1String("svg:")))

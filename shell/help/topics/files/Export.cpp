@@ -15,8 +15,8 @@ document is not changed, and a picture that was only exported still counts as un
 • TIFF (print, lossless): lossless with the canvas DPI, good for print shops.
 • WebP (web, lossless) and WebP (web, smallest): the first smaller than PNG, the second as small as JPEG, with a
   Quality; both keep transparent areas. For sides of up to 16,383 pixels.
-• OpenRaster (layers kept): for Krita, GIMP and MyPaint. Pixels, names, opacity, most blend modes, hidden layers,
-  clipping and locks are kept. Afterwards a message tells what those programs may show differently.
+• OpenRaster (layers kept): for Krita, GIMP and MyPaint. Pixels, names, opacity, hidden layers and most blend
+  modes are kept, in Krita and MyPaint clipping as well. A message tells what may be shown differently.
 • Photoshop PSD (layers kept): for Photoshop, Affinity, GIMP, Krita, Procreate and ibis Paint. Pixels, names,
   opacity, blend modes, hidden layers and clipping are kept. Text and shapes are already pixels.
 • Photoshop PSD (flattened): one flat picture in Photoshop's format.
