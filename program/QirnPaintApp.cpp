@@ -25,6 +25,7 @@
 #include "program/SelfTest.h"
 #include "program/arguments/CommandLine.h"
 #include "program/arguments/DisplayArguments.h"
+#include "program/exporting/ExportPictures.h"
 #include "shell/MainView.h"
 #include "shell/help/AboutLines.h"
 #include "shell/help/PaintHelp.h"
@@ -202,6 +203,8 @@ int runMode(const CommandLine& line) {
         return 0;
     case CommandLine::Mode::makeSample:
         return makeSample(line.samplePath);
+    case CommandLine::Mode::exportPictures:
+        return exportPictures(line.words);
     case CommandLine::Mode::version:
         return print(CommandLine::version());
     default:

@@ -7,19 +7,17 @@
 #include "app/desktop/Trash.h"
 #include "app/files/CopyFiles.h"
 #include "app/files/LongTask.h"
+#include "app/files/PictureOnDisk.h"
 #include "app/files/Recovery.h"
 #include "app/files/SalvagedPicture.h"
 #include "app/model/Messages.h"
 #include "app/model/OpenPictures.h"
 #include "app/model/PaintModel.h"
 #include "app/model/Safety.h"
-#include "formats/ImageExport.h"
-#include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FilePath.h"
-#include "platform/files/ReadFile.h"
 
 #include <algorithm>
 
@@ -30,7 +28,7 @@ namespace qirn {
 
 namespace {
 
-constexpr double kFileRead = 0.1, kEncoded = 0.8; // of the work of opening and of saving, about
+constexpr double kEncoded = 0.8; // of the work of saving, about
 const QString kRecentFilesKey = QStringLiteral("qirn.pt.recentFiles");
 constexpr qsizetype kRecentFiles = 10;
 constexpr std::size_t kReasonsShown = 10; // in one message
@@ -50,25 +48,6 @@ QStringList storedRecentFiles(const Store& store) {
             paths << pathOfAddress(QUrl(text)).value_or(text);
         }
     return paths;
-}
-
-struct ReadPicture : ImageImport::Imported {
-    bool isDocument = false; ///< By its content: a save may take its place.
-    FileStamp stamp;
-};
-
-/// Throws ReadError, or the format layer's typed error.
-ReadPicture readPicture(const QString& path, const Progress& progress) {
-    FileStamp stamp;
-    const QByteArray bytes = readFile(path, kAnyLength, progress.part(0, kFileRead), &stamp);
-    const auto& magic = PaintFile::magic;
-    const bool isDocument = bytesOf(bytes).size() >= magic.size() &&
-                            std::equal(magic.begin(), magic.end(), bytesOf(bytes).begin());
-    return {ImageImport::imported(bytesOf(bytes), progress.part(kFileRead, 1)), isDocument, stamp};
-}
-
-std::optional<FileStamp> write(const QString& path, const QByteArray& bytes, const Progress& progress) {
-    return writeAtomically(path, bytesOf(bytes), progress);
 }
 
 } // namespace
@@ -212,7 +191,7 @@ bool PictureFiles::save(DocSession* session, SaveAs as) {
             const QByteArray bytes =
                 PaintFile::encode(picture, PaintFile::kPreviewSide, {}, progress.part(0, kEncoded));
             if (copy) copy->noteSaving(path);
-            stamp = write(path, bytes, progress.part(kEncoded, 1));
+            stamp = writeAtomically(path, bytesOf(bytes), progress.part(kEncoded, 1));
         };
         if (!model_.longTask().run(tr("Saving %1…").arg(QFileInfo(path).fileName()), save)) return false;
     } catch (const std::exception& error) {
@@ -251,9 +230,7 @@ void PictureFiles::exportPicture(ExportFormat format, double quality, const Pain
     try {
         const std::shared_ptr<PaintDocument> picture = session->doc().draft();
         const auto save = [&](const Progress& progress) {
-            const QByteArray bytes =
-                ImageExport::data(*picture, format, quality, background, progress.part(0, kEncoded));
-            write(place->path, bytes, progress.part(kEncoded, 1));
+            writeExported(*picture, place->path, format, quality, background, progress);
         };
         if (!model_.longTask().run(tr("Exporting %1…").arg(QFileInfo(place->path).fileName()), save)) return;
     } catch (const std::exception& error) {

@@ -3,8 +3,10 @@
 #include "core/PaintEngine.h"
 #include "platform/files/FilePath.h"
 #include "program/arguments/Manual.h"
+#include "program/exporting/ExportOrder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QCoreApplication>
 
@@ -34,6 +36,8 @@ constexpr OptionRow kOptions[] = {
     {Mode::recover, "--recover", "",
      QT_TRANSLATE_NOOP("qirn::CommandLine",
                        "List the safety copies that a crash, power cut or forced quit left behind.")},
+    {Mode::exportPictures, "--export", "FORMAT",
+     QT_TRANSLATE_NOOP("qirn::CommandLine", "Write pictures in another format, as it is told below.")},
     {Mode::help, "--help", "", QT_TRANSLATE_NOOP("qirn::CommandLine", "Print this text.")},
     {Mode::version, "--version", "",
      QT_TRANSLATE_NOOP("qirn::CommandLine", "Print the name and version of the program.")},
@@ -51,6 +55,7 @@ QString pathOf(const QString& argument) {
 
 CommandLine CommandLine::parsed(const QStringList& arguments) {
     CommandLine line;
+    line.words = arguments;
     const auto end = std::find(arguments.begin() + std::min<qsizetype>(1, arguments.size()), arguments.end(),
                                QStringLiteral("--"));
     const auto options = QStringList(arguments.begin(), end);
@@ -86,23 +91,35 @@ Manual Manual::ofProgram() {
     const auto rows = [](bool inStudio) {
         std::vector<Row> those;
         for (const OptionRow& row : kOptions)
-            if (CommandLine{row.mode, {}, {}}.opensStudio() == inStudio)
+            if (CommandLine{row.mode, {}, {}, {}}.opensStudio() == inStudio)
                 those.push_back({QStringLiteral("%1 %2")
                                      .arg(QLatin1String(row.option), QLatin1String(row.operand))
                                      .trimmed(),
                                  tr(row.what)});
         return those;
     };
-    return {tr("paint and draw on layered pictures of any size"),
-            {QStringLiteral("QirnPaint [OPTION] [FILE]...")},
-            {{tr("Description"),
-              {tr("Qirn Paint is a painting studio for pressure-sensitive pens, on layered pictures of any "
-                  "size."),
-               tr("Opens the files, paths or file:// addresses, in the studio: in the one that is open "
-                  "already, if there is one. What follows \"--\" is a file even if it begins with \"-\".")},
-              {}},
-             {tr("In the studio, once the files are open"), {}, rows(true)},
-             {tr("Without a window"), {}, rows(false)}}};
+    Manual manual{
+        tr("paint and draw on layered pictures of any size"),
+        {QStringLiteral("QirnPaint [OPTION] [FILE]..."),
+         QStringLiteral("QirnPaint --export FORMAT [OPTION]... FILE OUT"),
+         QStringLiteral("QirnPaint --export FORMAT [OPTION]... FILE... FOLDER")},
+        {{tr("Description"),
+          {tr("Qirn Paint is a painting studio for pressure-sensitive pens, on layered pictures of any "
+              "size."),
+           tr("Opens the files, paths or file:// addresses, in the studio: in the one that is open "
+              "already, if there is one. What follows \"--\" is a file even if it begins with \"-\".")},
+          {}},
+         {tr("In the studio, once the files are open"), {}, rows(true)},
+         {tr("Without a window"), {}, rows(false)}}};
+    for (Section& section : ExportOrder::manual()) manual.sections.push_back(std::move(section));
+    manual.sections.push_back(
+        {tr("Exit status"),
+         {},
+         {{QStringLiteral("0"), tr("All that was asked for is done.")},
+          {QStringLiteral("1"),
+           tr("A check failed, a file could not be written, or there is no display to open the studio on.")},
+          {QStringLiteral("2"), tr("--export was called in another way than above; nothing was written.")}}});
+    return manual;
 }
 
 QString CommandLine::help() {

@@ -11,9 +11,20 @@ namespace qirn {
 /// What the arguments of the program ask for.
 struct CommandLine {
     /// The first three open the studio, the others no window.
-    enum class Mode { none, newCanvas, recover, selfTest, benchmark, makeSample, help, version };
+    enum class Mode {
+        none,
+        newCanvas,
+        recover,
+        selfTest,
+        benchmark,
+        makeSample,
+        exportPictures,
+        help,
+        version
+    };
     Mode mode = Mode::none;
     QString samplePath; ///< Of `makeSample`.
+    QStringList words;  ///< All of them, with the program's name.
     QStringList files;  ///< Absolute paths to open, in order.
 
     bool opensStudio() const { return mode <= Mode::recover; }

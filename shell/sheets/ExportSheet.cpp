@@ -2,6 +2,7 @@
 
 #include "app/desktop/Store.h"
 #include "app/files/DocSession.h"
+#include "app/files/PictureOnDisk.h"
 #include "app/model/Colors.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PictureFiles.h"
@@ -20,7 +21,6 @@ namespace {
 
 const QString kFormatKey = QStringLiteral("qirn.pt.exportFormat");
 const QString kQualityKey = QStringLiteral("qirn.pt.jpegQuality");
-constexpr double kLeastQuality = 0.3, kUsualQuality = 0.9;
 
 /// The format of a stored name; PNG for an unknown one.
 ExportFormat formatNamed(const QString& id) {
