@@ -1,4 +1,4 @@
-// Pen, mouse, scroll and touchpad events of the canvas, from the event to the gesture of a tool or to the view.
+// Pen and mouse events of the canvas, from the event to the gesture of a tool.
 #include "app/canvas/CanvasView.h"
 
 #include "app/model/CanvasStatus.h"
@@ -10,58 +10,62 @@
 #include <cmath>
 #include <utility>
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QMouseEvent>
-#include <QNativeGestureEvent>
 #include <QPointingDevice>
+#include <QScreen>
 #include <QTabletEvent>
-#include <QWheelEvent>
 
 namespace qirn {
 
 namespace {
 
-constexpr double kWheelNotch = 120; // Qt's angle for one notch of a wheel
-
 bool isEraser(const QTabletEvent& event) {
     return event.pointerType() == QPointingDevice::PointerType::Eraser;
+}
+
+bool isFinite(QPointF point) {
+    return std::isfinite(point.x()) && std::isfinite(point.y());
 }
 
 } // namespace
 
 // --- Events
 
-bool CanvasView::event(QEvent* event) {
-    bool taken = false;
-    guarded(model_, [&] { taken = handleTouchpadOrWindow(event); });
-    return taken || QWidget::event(event);
-}
-
-bool CanvasView::handleTouchpadOrWindow(QEvent* event) {
-    if (event->type() == QEvent::NativeGesture && session_) {
-        auto* gesture = static_cast<QNativeGestureEvent*>(event);
-        const QPointF around = toView(gesture->position());
-        if (gesture->gestureType() == Qt::ZoomNativeGesture) {
-            setZoom(session_->view.zoom * (1 + gesture->value()), around);
-            return true;
-        }
-        if (gesture->gestureType() == Qt::RotateNativeGesture) {
-            setRotation(std::fmod(session_->view.rotation - gesture->value(), 360));
-            return true;
-        }
-    }
-    if (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride)
-        return handleKeyOfWindow(static_cast<QKeyEvent*>(event));
-    if (event->type() == QEvent::WindowDeactivate) inputLost();
-    return false;
+/// False where no hand can be: drivers can send such a point between good ones. A tablet may reach over the rectangle that
+/// holds all screens. Wayland does not tell where on them a window is, so that nothing is known of points outside it.
+bool CanvasView::isPlace(QPointF widgetPoint, QPointF onScreen) const {
+    if (!isFinite(widgetPoint) || !isFinite(onScreen)) return false;
+    static const bool knowsScreens = !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+    return !knowsScreens || QRectF(rect()).contains(widgetPoint) ||
+           QRectF(screen()->virtualGeometry()).contains(onScreen);
 }
 
 bool CanvasView::isPressed() const {
     return input_.isPenDown() || !phase_.isIdle();
 }
 
+/// Of the whole application: a pen over a panel is near as well, and a key is held whoever has the keyboard.
 bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == qApp) enter(&CanvasView::handleProximity, event);
+    switch (event->type()) {
+    case QEvent::TabletEnterProximity:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+        enter(&CanvasView::penIsNear);
+        [[fallthrough]];
+    case QEvent::TabletLeaveProximity:
+        if (watched == qApp) enter(&CanvasView::handleProximity, event);
+        break;
+    case QEvent::KeyPress:
+        input_.keyPressed(static_cast<QKeyEvent*>(event)->key());
+        break;
+    case QEvent::KeyRelease:
+        input_.keyReleased(static_cast<QKeyEvent*>(event)->key());
+        break;
+    default:
+        break;
+    }
     return QWidget::eventFilter(watched, event);
 }
 
@@ -69,13 +73,15 @@ void CanvasView::handleProximity(QEvent* event) {
     if (event->type() == QEvent::TabletEnterProximity) {
         penEndChanged(isEraser(*static_cast<QTabletEvent*>(event)));
     } else if (event->type() == QEvent::TabletLeaveProximity) {
-        // A pen that is out of reach is up, even when its release was lost.
-        if (input_.isPenDown()) {
-            input_.setPenDown(false);
-            endGesture();
-        }
+        penLifted(); // out of reach it is up, even when its release was lost
         penEndChanged(false);
     }
+}
+
+void CanvasView::penLifted() {
+    if (!input_.isPenDown()) return;
+    input_.setPenDown(false);
+    endGesture();
 }
 
 void CanvasView::penEndChanged(bool eraser) {
@@ -97,28 +103,23 @@ void CanvasView::penMoved(QTabletEvent* event) {
     // Always accepted: Qt sends an ignored pen event again as a mouse event.
     event->accept();
     const PenSample sample = input_.sampleOf(*event, toView(event->position()), now());
+    const bool placed = isPlace(event->position(), event->globalPosition());
+    const bool tip = event->button() == Qt::LeftButton;
+    if (event->type() == QEvent::TabletMove && !event->buttons().testFlag(Qt::LeftButton))
+        penLifted(); // its release went to a window or a wait that took the input
     // Each event tells the end of the pen; proximity events exist only with some drivers.
     if (!input_.isPenDown()) penEndChanged(isEraser(*event));
-    switch (event->type()) {
-    case QEvent::TabletPress:
-        if (event->button() == Qt::LeftButton) {
-            input_.setPenDown(true);
-            press(sample);
-        } else if (event->button() == Qt::RightButton) {
-            pressRightButton(sample);
-        }
-        break;
-    case QEvent::TabletMove:
+    if (event->type() == QEvent::TabletPress && tip) input_.setPenDown(true);
+    if (placed && input_.takePress()) {
+        press(sample);
+    } else if (event->type() == QEvent::TabletPress && placed && event->button() == Qt::RightButton) {
+        pressRightButton(sample);
+    } else if (event->type() == QEvent::TabletMove && placed) {
         input_.isPenDown() ? drag(sample) : hover(sample);
-        break;
-    case QEvent::TabletRelease:
-        if (event->button() == Qt::LeftButton && input_.isPenDown()) {
-            input_.setPenDown(false);
-            release(sample);
-        }
-        break;
-    default:
-        break;
+    }
+    if (event->type() == QEvent::TabletRelease && tip && input_.isPenDown()) {
+        input_.setPenDown(false);
+        placed ? release(sample) : endGesture();
     }
     input_.penHandled(now());
 }
@@ -170,27 +171,10 @@ void CanvasView::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
 }
 
-void CanvasView::wheelTurned(QWheelEvent* event) {
-    event->accept();
-    if (!session_) return;
-    const bool precise = !event->pixelDelta().isNull();
-    const bool command = event->modifiers().testFlag(Qt::ControlModifier);
-    const QPointF around = toView(event->position());
-    if (precise && !command) {
-        const QPointF delta = QPointF(event->pixelDelta()) * pixelRatio();
-        setPan(session_->view.pan + QPointF(delta.x(), -delta.y()));
-    } else {
-        const double lines = event->angleDelta().y() / kWheelNotch * QApplication::wheelScrollLines();
-        const double exponent = precise ? event->pixelDelta().y() / 100.0 : lines / 10;
-        setZoom(session_->view.zoom * std::exp2(exponent), around);
-    }
-    lastMouseView_ = around;
-    updateCursor(around);
-}
-
 // --- Gestures
 
 void CanvasView::press(const PenSample& sample) {
+    restFingers();
     setFocus(Qt::MouseFocusReason);
     if (!session_) return;
     endGesture(); // of a press whose release was lost
@@ -293,7 +277,8 @@ void CanvasView::dropUncommitted() {
 }
 
 void CanvasView::inputLost() {
-    input_.reset();
+    input_.setPenDown(false);
+    restFingers();
     endGesture();
     setSpaceDown(false);
 }

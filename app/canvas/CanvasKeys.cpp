@@ -97,7 +97,6 @@ bool CanvasView::handleKeyOfWindow(QKeyEvent* event) {
 }
 
 bool CanvasView::keyPressed(QKeyEvent* event) {
-    input_.keyPressed(event->key());
     if (event->key() == Qt::Key_Space) {
         if (!event->isAutoRepeat()) setSpaceDown(true);
         return true;
@@ -107,7 +106,6 @@ bool CanvasView::keyPressed(QKeyEvent* event) {
 }
 
 bool CanvasView::keyReleased(QKeyEvent* event) {
-    input_.keyReleased(event->key());
     if (event->key() != Qt::Key_Space) return false;
     if (!event->isAutoRepeat()) setSpaceDown(false);
     return true;

@@ -52,6 +52,7 @@ CanvasView::CanvasView(PaintModel& model, const ToolTable& tools, QWidget* paren
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setTabletTracking(true);
+    setAttribute(Qt::WA_AcceptTouchEvents);
     setAcceptDrops(true);
     connect(&antsTimer_, &QTimer::timeout, this, guarding(model_, [this] {
         overlay_.advanceAnts(antsTimer_.interval() / 1000.0);
@@ -70,7 +71,7 @@ CanvasView::CanvasView(PaintModel& model, const ToolTable& tools, QWidget* paren
         update();
     });
     presentation_.setCheckerSize(model.prefs().checkerSize);
-    // Qt sends proximity events of the pen to the application, not to a widget.
+    // Qt sends proximity events of the pen to the application; keys and pen events concern the canvas wherever they go.
     qApp->installEventFilter(this);
     updateMouseCursor();
     model_.setCanvas(this);
@@ -85,6 +86,7 @@ CanvasView::~CanvasView() {
 
 void CanvasView::showSession(DocSession& session) {
     endGesture();
+    restFingers();
     if (session_) session_->doc().onGridChange = nullptr;
     session_ = &session;
     session.doc().onGridChange = [this] { followCanvas(); };
@@ -98,6 +100,7 @@ void CanvasView::showSession(DocSession& session) {
 void CanvasView::forgetSession(const DocSession& session) {
     if (session_ != &session) return;
     endGesture();
+    restFingers();
     session_->doc().onGridChange = nullptr;
     session_ = nullptr;
     presentation_.show(nullptr);

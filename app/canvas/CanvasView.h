@@ -3,6 +3,7 @@
 #include "app/canvas/CanvasPhase.h"
 #include "app/canvas/CanvasPresentation.h"
 #include "app/canvas/CanvasTool.h"
+#include "app/canvas/FingerGrip.h"
 #include "app/canvas/PenInput.h"
 #include "app/files/DocSession.h"
 #include "app/files/ViewTransform.h"
@@ -17,6 +18,7 @@
 #include <QTimer>
 #include <QWidget>
 
+class QNativeGestureEvent;
 class QTabletEvent;
 
 namespace qirn {
@@ -106,8 +108,8 @@ private:
     template <class Handler, class... Event> void enter(Handler handler, Event*... event) {
         guarded(model_, [&] { (this->*handler)(event...); });
     }
-    bool handleTouchpadOrWindow(QEvent* event); ///< True when the event is taken.
-    bool handleKeyOfWindow(QKeyEvent* event);   ///< The same, of keys that the window would take first.
+    bool handleTouchOrWindow(QEvent* event);  ///< True when the event is taken.
+    bool handleKeyOfWindow(QKeyEvent* event); ///< The same, of keys that the window would take first.
     void handleProximity(QEvent* event);
     void viewResized();
     void viewShown();
@@ -117,7 +119,6 @@ private:
     void mouseDoubleClicked(QMouseEvent* event);
     void penMoved(QTabletEvent* event);
     void pointerLeft();
-    void wheelTurned(QWheelEvent* event);
     bool keyPressed(QKeyEvent* event);
     bool keyReleased(QKeyEvent* event);
     void dragged(QDragMoveEvent* event);
@@ -127,6 +128,8 @@ private:
     void press(const PenSample& sample);
     void pressRightButton(const PenSample& sample);
     bool isPressed() const; ///< A pen is down, or a gesture is in progress.
+    bool isPlace(QPointF widgetPoint, QPointF onScreen) const;
+    void penLifted(); ///< Also where its release was lost.
     std::optional<Tool>
     lentTool(const PenSample& sample) const; ///< What held keys give in place of the model's tool.
     void beginGesture(Tool tool, bool isLent, const PenSample& sample);
@@ -134,9 +137,17 @@ private:
     void release(const PenSample& sample);
     void hover(const PenSample& sample);
     void cancelGesture(); ///< As if it had not been begun, but for the view.
-    void inputLost();     ///< Releases that come from now on go elsewhere.
+    void inputLost();     ///< What comes from now on of pen and fingers goes elsewhere.
     void penEndChanged(bool eraser);
     double now() const { return clock(); }
+
+    // Wheel, touchpad and fingers (CanvasTouch.cpp).
+    void wheelTurned(QWheelEvent* event);
+    bool turnedOnTouchpad(const QNativeGestureEvent& gesture);
+    bool touched(const QTouchEvent& event);
+    void endGrip(bool lifted);
+    void penIsNear();
+    void restFingers(); ///< Until all have been lifted.
 
     // Keys (CanvasKeys.cpp).
     bool handleNamedKey(QKeyEvent* event);
@@ -183,6 +194,8 @@ private:
 
     CanvasPhase phase_;
     PenInput input_;
+    std::optional<FingerGrip> grip_;
+    bool fingersRest_ = false;
     bool spaceDown_ = false;
     std::optional<QPointF> lastMouseView_;
     std::optional<QPointF> lastStrokeEnd_; // canvas

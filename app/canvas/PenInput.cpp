@@ -38,7 +38,8 @@ Qt::KeyboardModifier modifierOf(int key) {
 PenSample PenInput::sampleOf(const QTabletEvent& event, QPointF view, double now) const {
     PenSample sample;
     sample.view = view;
-    sample.pressure = event.pressure();
+    sample.pressure =
+        std::isfinite(event.pressure()) ? event.pressure() : 1; // a device without a range of its own
     sample.fromPen = true;
     sample.tiltX = event.xTilt();
     sample.tiltY = event.yTilt();
@@ -48,13 +49,16 @@ PenSample PenInput::sampleOf(const QTabletEvent& event, QPointF view, double now
 }
 
 std::optional<PenSample> PenInput::sampleOf(const QMouseEvent& event, QPointF view, double now) {
-    const bool follows = event.source() != Qt::MouseEventNotSynthesized ||
-                         event.pointingDevice()->type() == QInputDevice::DeviceType::Stylus ||
-                         now - lastPenTime_ < kMouseAfterPen;
+    const QInputDevice::DeviceType device = event.pointingDevice()->type();
+    const bool follows =
+        event.source() != Qt::MouseEventNotSynthesized || device == QInputDevice::DeviceType::Stylus ||
+        device == QInputDevice::DeviceType::TouchScreen || now - lastPenTime_ < kMouseAfterPen;
     if (follows) return std::nullopt;
-    // A hand that presses a mouse has put the pen away: its release was lost.
-    if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick)
-        penDown_ = false;
+    // A hand that presses a mouse has put the pen away: its release was lost. While the pen still moves, the press is
+    // that of a mouse that was pushed.
+    if ((event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick) &&
+        now - lastPenTime_ >= kPenNear)
+        setPenDown(false);
     if (penDown_) return std::nullopt;
     PenSample sample;
     sample.view = view;
@@ -69,11 +73,6 @@ void PenInput::keyPressed(int key) {
 
 void PenInput::keyReleased(int key) {
     keysHeld_ &= ~Qt::KeyboardModifiers(modifierOf(key));
-}
-
-void PenInput::reset() {
-    penDown_ = false;
-    keysHeld_ = {};
 }
 
 void SpeedPressure::follow(double time, QPointF point) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <optional>
+#include <utility>
 
 #include <QPointF>
 #include <Qt>
@@ -26,18 +27,27 @@ struct PenSample {
 class PenInput {
 public:
     PenSample sampleOf(const QTabletEvent& event, QPointF view, double now) const;
-    /// Nothing for a mouse event that the desktop made of a pen event. A real press of the mouse tells that the pen is up.
+    /// Nothing for a mouse event that the desktop made of a pen or touch event. A real press of the mouse tells that a pen
+    /// that has long said nothing is up.
     std::optional<PenSample> sampleOf(const QMouseEvent& event, QPointF view, double now);
 
     bool isPenDown() const { return penDown_; }
-    void setPenDown(bool down) { penDown_ = down; }
+    void setPenDown(bool down) { penDown_ = pressWaits_ = down; }
+    bool takePress() { return std::exchange(pressWaits_, false); } ///< True once after the pen came down.
     void penHandled(double now) { lastPenTime_ = now; } ///< After a pen event and all that it painted.
+    /// Touch is the hand that holds it then, or about to.
+    bool isPenNear(double now) const { return penDown_ || now - lastPenTime_ < kPenNear; }
     void keyPressed(int key);
     void keyReleased(int key);
-    void reset(); ///< The pen is up and no key is held: releases that come from now on go elsewhere.
+    void setKeysHeld(Qt::KeyboardModifiers keys) { keysHeld_ = keys; }
+
+    /// Seconds for which a pen that says nothing is still near. A pen in a hand reports without a pause, and between the
+    /// strokes of one drawing is out of reach for less; to change from it to the fingers takes a hand longer.
+    static constexpr double kPenNear = 0.5;
 
 private:
     bool penDown_ = false;
+    bool pressWaits_ = false;
     double lastPenTime_ = -1;
     Qt::KeyboardModifiers keysHeld_; // pen events have no modifiers on some desktops
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <numbers>
 
 namespace qirn {
 
@@ -40,8 +41,11 @@ ViewTransform::ViewTransform(QSizeF viewSize, QSizeF canvasSize, const ViewState
 
 ViewState ViewTransform::holding(QPointF viewPoint, ViewState next) const {
     // Without the snap: its rounding would add up over many small steps and let the point wander.
-    const QPointF under = unsnapped(viewSize_, canvasSize_, state_).inverted().map(viewPoint);
-    next.pan += viewPoint - unsnapped(viewSize_, canvasSize_, next).map(under);
+    return moved(unsnapped(viewSize_, canvasSize_, state_).inverted().map(viewPoint), viewPoint, next);
+}
+
+ViewState ViewTransform::moved(QPointF canvasPoint, QPointF viewPoint, ViewState next) const {
+    next.pan += viewPoint - unsnapped(viewSize_, canvasSize_, next).map(canvasPoint);
     return next;
 }
 
@@ -56,6 +60,19 @@ ViewState ViewTransform::turnedTo(double rotation, bool flipView) const {
     next.rotation = rotation;
     next.flipView = flipView;
     return next.pan.isNull() ? next : holding(viewMiddle(), next); // nothing is rounded round the middle
+}
+
+ViewState ViewTransform::gripped(const std::array<QPointF, 2>& canvas,
+                                 const std::array<QPointF, 2>& view) const {
+    const QPointF from = viewPoint(canvas[1]) - viewPoint(canvas[0]), to = view[1] - view[0];
+    const double lengthBefore = std::hypot(from.x(), from.y()), length = std::hypot(to.x(), to.y());
+    ViewState next = state_;
+    if (lengthBefore >= 1 && length >= 1) { // of fingers that lie on each other nothing can be told
+        next.zoom = std::clamp(state_.zoom * length / lengthBefore, kMinZoom, kMaxZoom);
+        const double turn = std::atan2(from.y(), from.x()) - std::atan2(to.y(), to.x()); // clockwise
+        next.rotation = std::fmod(state_.rotation + std::remainder(turn * 180 / std::numbers::pi, 360), 360);
+    }
+    return moved((canvas[0] + canvas[1]) / 2, (view[0] + view[1]) / 2, next);
 }
 
 ViewState ViewTransform::fitted(double margin) const {

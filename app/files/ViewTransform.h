@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <optional>
 
 #include <QPointF>
@@ -40,12 +41,17 @@ public:
     ViewState zoomedTo(double zoom, std::optional<QPointF> around) const;
     /// The state turned to `rotation` and mirrored or not. The canvas point under the view's middle stays there.
     ViewState turnedTo(double rotation, bool flipView) const;
+    /// The state in which two canvas points lie under two view points, mirrored as it is. Where that is beyond the zoom's
+    /// limits, the middle of the one pair lies under that of the other.
+    ViewState gripped(const std::array<QPointF, 2>& canvas, const std::array<QPointF, 2>& view) const;
     /// The whole picture in the view, upright, with `margin` view points free in both directions together.
     ViewState fitted(double margin) const;
 
 private:
     /// Moved so that the canvas point under a view point stays there.
     ViewState holding(QPointF viewPoint, ViewState next) const;
+    ViewState moved(QPointF canvasPoint, QPointF viewPoint,
+                    ViewState next) const; ///< The one under the other.
 
     QSizeF viewSize_{1, 1};
     QSizeF canvasSize_{1, 1};

@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include <QApplication>
@@ -506,10 +507,74 @@ private Q_SLOTS:
         QVERIFY(studio.session().view.zoom > 1.05);
         const QPointF now = studio.widgetPoint(place);
         QVERIFY(std::hypot(now.x() - at.x(), now.y() - at.y()) < 1.5);
-        const ViewState before = studio.session().view;
-        sendWheel(studio.canvas, at, {40, 80}, {10, 20}, Qt::ScrollUpdate);
-        QCOMPARE(studio.session().view.zoom, before.zoom);
-        QCOMPARE(studio.session().view.pan, before.pan + QPointF(10, -20));
+    }
+
+    void onlyWhatIsFinerThanNotchesPans() {
+        const QPointingDevice touchpad("touchpad", 9, QInputDevice::DeviceType::TouchPad,
+                                       QPointingDevice::PointerType::Finger, {}, 2, 0);
+        const QPointingDevice* const mouse = QPointingDevice::primaryPointingDevice();
+        const struct {
+            const QPointingDevice* device;
+            QPoint angle, pixels;
+            Qt::ScrollPhase phase;
+            std::optional<QPointF> pan; // of none it zooms
+        } cases[] = {
+            {mouse, {0, -240}, {}, Qt::NoScrollPhase, {}},
+            {mouse, {0, 120}, {0, 120}, Qt::NoScrollPhase, {}}, // as X11 tells a wheel
+            {mouse, {120, 120}, {5, 5}, Qt::NoScrollPhase, {}},
+            {mouse, {40, 80}, {10, 20}, Qt::NoScrollPhase, QPointF(10, -20)},
+            {mouse, {0, 120}, {10, 20}, Qt::ScrollUpdate, QPointF(10, -20)},
+            {mouse, {16, 24}, {16, 24}, Qt::NoScrollPhase, QPointF(2, -3)}, // as X11 tells a touchpad
+            {&touchpad, {0, 120}, {}, Qt::NoScrollPhase, QPointF(0, -15)}};
+        for (const auto& [device, angle, pixels, phase, pan] : cases) {
+            Studio studio;
+            QWheelEvent event({400, 300}, {400, 300}, pixels, angle, Qt::NoButton, {}, phase, false,
+                              Qt::MouseEventNotSynthesized, device);
+            QApplication::sendEvent(&studio.canvas, &event);
+            QCOMPARE(studio.session().view.zoom != 1, !pan.has_value());
+            QCOMPARE(studio.session().view.pan, pan.value_or(QPointF()));
+        }
+    }
+
+    void onlyPointsThatNoHandCanReachAreDropped() {
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const QPointF far(1e7, 50);
+        for (const QPointF& bad :
+             {QPointF(nan, 50), QPointF(50, std::numeric_limits<double>::infinity()), far}) {
+            Studio studio, direct;
+            const auto send = [&](QEvent::Type type, QPointF at) { studio.penEvent(type, at, 1); };
+            for (const bool atTheEnds : {false, true}) {
+                send(QEvent::TabletPress, atTheEnds ? bad : QPointF(50, 50));
+                send(QEvent::TabletMove, bad);
+                if (atTheEnds) send(QEvent::TabletMove, {50, 50});
+                for (const QPointF& at : {QPointF(90, 70), bad, QPointF(-70, 60)})
+                    send(QEvent::TabletMove, at);
+                send(QEvent::TabletRelease, atTheEnds ? bad : QPointF(-70, 60));
+                direct.penStroke({{50, 50}, {90, 70}, {-70, 60}});
+                QCOMPARE(studio.doc().fingerprint(), direct.doc().fingerprint());
+            }
+        }
+        Studio studio; // of a device whose range is nothing
+        studio.model.brushes().setActiveBrush(dot(20, true));
+        studio.penEvent(QEvent::TabletPress, {50, 50}, nan);
+        QCOMPARE(studio.layer().pixel(50, 50)[3], uint8_t{255});
+    }
+
+    void keysThatAreHeldCountForAPenWhoeverHasTheKeyboard() {
+        Studio studio;
+        paintRect(studio.doc(), studio.layer(), {0, 0, 99, 99}, {0, 128, 0, 255});
+        QWidget field;
+        const auto press = [&](QEvent::Type type) {
+            QKeyEvent event(type, Qt::Key_Alt, {});
+            QApplication::sendEvent(&field, &event);
+        };
+        press(QEvent::KeyPress);
+        studio.penStroke({{50, 50}});
+        QCOMPARE(studio.model.colors().primary().hex(), "#008000");
+        QCOMPARE(studio.doc().undoDepth(), int64_t{0});
+        press(QEvent::KeyRelease);
+        studio.penStroke({{50, 50}});
+        QCOMPARE(studio.doc().undoDepth(), int64_t{1});
     }
 };
 
