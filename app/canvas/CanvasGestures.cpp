@@ -58,10 +58,8 @@ bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
         if (watched == qApp) enter(&CanvasView::handleProximity, event);
         break;
     case QEvent::KeyPress:
-        input_.keyPressed(static_cast<QKeyEvent*>(event)->key());
-        break;
     case QEvent::KeyRelease:
-        input_.keyReleased(static_cast<QKeyEvent*>(event)->key());
+        input_.follow(*static_cast<QKeyEvent*>(event));
         break;
     default:
         break;

@@ -65,11 +65,8 @@ bool CanvasView::handleTouchOrWindow(QEvent* event) {
     case QEvent::KeyPress:
     case QEvent::ShortcutOverride:
         return handleKeyOfWindow(static_cast<QKeyEvent*>(event));
-    case QEvent::WindowActivate:
-        input_.setKeysHeld(QGuiApplication::queryKeyboardModifiers());
-        return false;
     case QEvent::WindowDeactivate:
-        input_.setKeysHeld({}); // their releases go elsewhere
+        input_.keysLost();
         inputLost();
         return false;
     default:

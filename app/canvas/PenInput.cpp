@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointingDevice>
 #include <QTabletEvent>
@@ -67,12 +68,12 @@ std::optional<PenSample> PenInput::sampleOf(const QMouseEvent& event, QPointF vi
     return sample;
 }
 
-void PenInput::keyPressed(int key) {
-    keysHeld_ |= modifierOf(key);
-}
-
-void PenInput::keyReleased(int key) {
-    keysHeld_ &= ~Qt::KeyboardModifiers(modifierOf(key));
+void PenInput::follow(const QKeyEvent& event) {
+    const Qt::KeyboardModifier own = modifierOf(event.key());
+    if (own != Qt::NoModifier)
+        keysHeld_.setFlag(own, event.type() == QEvent::KeyPress);
+    else if (event.spontaneous()) // tells of the others as well, should the desktop have kept a release
+        keysHeld_ &= event.modifiers();
 }
 
 void SpeedPressure::follow(double time, QPointF point) {

@@ -5,6 +5,7 @@
 #include <QPointF>
 #include <Qt>
 
+class QKeyEvent;
 class QMouseEvent;
 class QTabletEvent;
 
@@ -37,9 +38,8 @@ public:
     void penHandled(double now) { lastPenTime_ = now; } ///< After a pen event and all that it painted.
     /// Touch is the hand that holds it then, or about to.
     bool isPenNear(double now) const { return penDown_ || now - lastPenTime_ < kPenNear; }
-    void keyPressed(int key);
-    void keyReleased(int key);
-    void setKeysHeld(Qt::KeyboardModifiers keys) { keysHeld_ = keys; }
+    void follow(const QKeyEvent& event);
+    void keysLost() { keysHeld_ = {}; } ///< Their releases go elsewhere.
 
     /// Seconds for which a pen that says nothing is still near. A pen in a hand reports without a pause, and between the
     /// strokes of one drawing is out of reach for less; to change from it to the fingers takes a hand longer.

@@ -3,6 +3,7 @@
 #include "XDevices.h"
 
 #include "app/model/Brushes.h"
+#include "app/model/CanvasStatus.h"
 #include "app/model/Colors.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushStroke.h"
@@ -16,6 +17,7 @@
 #include <optional>
 #include <utility>
 
+#include <QElapsedTimer>
 #include <QScreen>
 #include <QTabletEvent>
 
@@ -72,10 +74,13 @@ struct Studio : Window, QObject {
         return {{0, screenPoint.x() * XDevice::kMost / kScreen.width()},
                 {1, screenPoint.y() * XDevice::kMost / kScreen.height()}};
     }
-    void movePen(const StrokePoint& point) { ///< Of the canvas.
+    XDevice::Axes penAt(const StrokePoint& point) { ///< Of the canvas.
         XDevice::Axes axes = axesAt(onScreen({point.x, point.y}));
         axes[XDevice::kPressure] = point.pressure * 1000;
-        hear([&] { pen.move(axes); });
+        return axes;
+    }
+    void movePen(const StrokePoint& point) {
+        hear([&] { pen.move(penAt(point)); });
     }
     void pressPen(bool down) {
         hear([&] { pen.button(1, down); });
@@ -125,12 +130,16 @@ private:
     int heard_ = 0;
 };
 
-/// In eighths, which a pen of 1,000 steps has.
+/// In eighths, which a pen of 1,000 steps has; in one place the pressure alone changes.
 std::vector<StrokePoint> swellingZigzag() {
     std::vector<StrokePoint> points = zigzag();
     for (StrokePoint& point : points) {
         point.x *= 0.7;
         point.pressure = std::clamp(std::round(32 * point.pressure), 1.0, 8.0) / 8;
+    }
+    for (const double pressure : {0.25, 0.5, 1.0}) {
+        points.insert(points.begin() + 30, points[30]);
+        points[30].pressure = pressure;
     }
     return points;
 }
@@ -170,6 +179,42 @@ private Q_SLOTS:
             QCOMPARE(studio.lastStep(), "1 Brush Stroke");
             keepPicture(studio, brush);
         }
+    }
+
+    void noPointIsLostOrDoubledAndEachIsSoonOnTheScreen() {
+        Studio studio(devices_);
+        studio.model.pictures().newDocument(3840, 2160, 72, PaintColor::white(), "4K");
+        studio.canvas().actualPixels();
+        studio.set(&BrushSettings::stabilizer, 0);
+        studio.set(&BrushSettings::hardness, 1);
+        const auto pointAt = [](int i) { return StrokePoint(1500 + i % 60 * 14, 800 + i / 60 * 14, 1); };
+        const QRgb color = QColor(studio.model.colors().primary().hex()).rgb();
+        studio.movePen(pointAt(0));
+        studio.pressPen(true);
+        std::vector<double> times;
+        for (int i = 1; i <= 600; ++i) {
+            const QPoint place = studio.onScreen({pointAt(i).x, pointAt(i).y}).toPoint();
+            QElapsedTimer timer;
+            timer.start();
+            studio.pen.moveSoon(studio.penAt(pointAt(i)));
+            while (studio.view.screen()->grabWindow(0, place.x(), place.y(), 1, 1).toImage().pixel(0, 0) !=
+                   color) {
+                QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(i)));
+                QCoreApplication::processEvents();
+            }
+            times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        }
+        const int before = studio.received[QEvent::TabletMove], burst = 3000;
+        for (int i = 0; i < burst; ++i)
+            studio.pen.moveSoon(studio.penAt({1500 + i % 500 * 1.5, 1200 + i * 0.04, 1}));
+        studio.pressPen(false);
+        QTRY_COMPARE(studio.received[QEvent::TabletRelease], 1);
+        QCOMPARE(studio.received[QEvent::TabletMove], before + burst);
+        QVERIFY(studio.model.status().lastStrokeStats()->startsWith(
+            QStringLiteral("Last stroke: %1 points").arg(1 + 600 + burst + 1))); // press, moves and the end
+        std::ranges::sort(times);
+        std::printf("Pen to pixel: median %.2f, 99%% %.2f, at most %.2f ms\n", times[300], times[593],
+                    times.back());
     }
 
     void aHoveringPenShowsItsRing() {

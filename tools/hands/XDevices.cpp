@@ -206,8 +206,12 @@ void XDevice::read(void* bytes, std::size_t count) {
         qFatal("The X server gave no answer");
 }
 
-void XDevice::move(const Axes& axes) {
+void XDevice::moveSoon(const Axes& axes) {
     send(motion, Motion{{}, isAbsolute_, Values(axes)});
+}
+
+void XDevice::move(const Axes& axes) {
+    moveSoon(axes);
     sync();
 }
 

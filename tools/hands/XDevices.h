@@ -42,6 +42,7 @@ public:
     static constexpr double kMost = 65535;
 
     void move(const Axes& axes);
+    void moveSoon(const Axes& axes); ///< Returns at once.
     void button(int number, bool down);
     void proximity(bool in);
     void key(int code, bool down); ///< X11's code.
