@@ -200,6 +200,14 @@ private Q_SLOTS:
                     QMouseEvent move(QEvent::MouseMove, {}, {}, Qt::NoButton, Qt::NoButton, {});
                     QApplication::sendEvent(&s.canvas, &move);
                 },
+                [](Studio& s) { // a mouse and a pen that move with nothing down
+                    QMouseEvent move(QEvent::MouseMove, {}, {}, Qt::NoButton, Qt::NoButton, {});
+                    QApplication::sendEvent(&s.canvas, &move);
+                    if (!s.canvas.isInGesture()) return;
+                    QTabletEvent hover(QEvent::TabletMove, &s.penTip, {}, {}, 0, 0, 0, 0, 0, 0, {},
+                                       Qt::NoButton, Qt::NoButton);
+                    QApplication::sendEvent(&s.canvas, &hover);
+                },
             };
             for (const auto& end : ends) {
                 Studio studio;
