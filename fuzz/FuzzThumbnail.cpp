@@ -33,18 +33,16 @@ std::shared_ptr<RGBABuffer> previewIn(std::span<const uint8_t> file) {
     return preview;
 }
 
-/// By the reader of whole documents; nothing for what it refuses.
+/// By the reader of whole manifests; nothing for one that it refuses.
 std::optional<std::shared_ptr<RGBABuffer>> previewOfWhole(std::span<const uint8_t> file) {
-    try {
-        const auto [manifest, blob] = PaintFile::manifestOf(file);
-        if (!manifest.thumbnail) return nullptr;
-        const auto png = PaintFile::storedBytes(file.subspan(checkedSize(blob)), *manifest.thumbnail);
-        return png && PaintFile::matches(*png, manifest.thumbnail->k)
-                   ? readSmallPng(*png, PaintFile::kPreviewSide)
-                   : nullptr;
-    } catch (const PaintFileError&) {
-        return std::nullopt;
-    }
+    using namespace PaintFile;
+    const int64_t length = manifestLength(file).value_or(0);
+    if (length == 0 || length > std::ssize(file) - kHeaderBytes) return std::nullopt;
+    const auto manifest = parseManifest(file.subspan(checkedSize(kHeaderBytes), checkedSize(length)));
+    if (!manifest) return std::nullopt;
+    if (!manifest->thumbnail) return nullptr;
+    const auto png = storedBytes(file.subspan(checkedSize(kHeaderBytes + length)), *manifest->thumbnail);
+    return png && matches(*png, manifest->thumbnail->k) ? readSmallPng(*png, kPreviewSide) : nullptr;
 }
 
 } // namespace
