@@ -1,6 +1,9 @@
 // Paints strokes of ten presets in the real window, by pen events with swelling pressure, and saves pictures of it in each
 // theme at several zooms, of each tool's options, each panel, menu, sheet and further window, at the display's scale:
-//     studio_pictures FOLDER
+//     studio_pictures FOLDER [--rtl] [--pseudo TEXTS.ts]
+// Right to left, or with every text accented and half as long again, which shows what has no room in other languages. A line
+// is printed for each text that is clipped, and with --pseudo for each that lupdate did not find; the exit code tells of
+// any.
 #include "app/desktop/AppFolders.h"
 #include "app/desktop/BackgroundQueue.h"
 #include "app/edits/LayerEdits.h"
@@ -16,6 +19,8 @@
 #include "shell/help/PaintHelp.h"
 #include "shell/options/ToolOptionsBar.h"
 #include "support/Window.h"
+#include "tools/ClippedTexts.h"
+#include "tools/PseudoTexts.h"
 
 #include <cstdio>
 
@@ -65,18 +70,17 @@ void paintTenPresets(Window& window) {
     }
 }
 
-/// The window, and what stands open on it.
-QPixmap pictureOf(Window& window, QMenu* open = nullptr) {
+/// The window with a menu of it open.
+QPixmap pictureOf(Window& window, QMenu& open) {
     QCoreApplication::processEvents();
     QPixmap picture = window.view.grab();
-    if (!open) return picture;
-    const QAction* title = open->menuAction();
-    open->popup(window.view.menuBar()->mapToGlobal(
+    const QAction* title = open.menuAction();
+    open.popup(window.view.menuBar()->mapToGlobal(
         window.view.menuBar()->actionGeometry(const_cast<QAction*>(title)).bottomLeft()));
     QCoreApplication::processEvents();
     QPainter painter(&picture);
-    painter.drawPixmap(window.view.mapFromGlobal(open->pos()), open->grab());
-    open->close();
+    painter.drawPixmap(window.view.mapFromGlobal(open.pos()), open.grab());
+    open.close();
     return picture;
 }
 
@@ -93,7 +97,7 @@ const NamedSheet kSheets[] = {
     {"sheet-recovery", {PaintSheet::Kind::recovery}},
 };
 
-/// Saves pictures into a folder, and remembers whether all of them could be.
+/// Saves pictures into a folder, remembers whether all of them could be, and tells what is clipped in them.
 class Album {
 public:
     explicit Album(const QString& folder) : folder_(folder), isWhole_(folder_.mkpath(QStringLiteral("."))) {}
@@ -101,11 +105,23 @@ public:
     void save(const QString& name, const QPixmap& picture) {
         isWhole_ = picture.save(folder_.filePath(name + QStringLiteral(".png"))) && isWhole_;
     }
+    void save(const QString& name, QWidget& widget) {
+        QCoreApplication::processEvents();
+        save(name, widget.grab());
+        for (const QString& line : clippedIn(widget)) tell(name, line);
+    }
     bool isWhole() const { return isWhole_; }
+    void tell(const QString& name, const QString& line) {
+        if (told_.contains(line)) return;
+        told_ << line;
+        std::printf("%s: %s\n", qPrintable(name), qPrintable(line));
+    }
+    bool hasTold() const { return !told_.isEmpty(); }
 
 private:
     QDir folder_;
     bool isWhole_;
+    QStringList told_;
 };
 
 void pictureThemesAndZooms(Window& window, Album& album) {
@@ -113,7 +129,7 @@ void pictureThemesAndZooms(Window& window, Album& album) {
         QirnThemes::setCurrentID(theme.id);
         for (const int level : {85, 100, 150, 200}) {
             QrZoom::setValue(level / 100.0);
-            album.save(QStringLiteral("window-%1-%2").arg(theme.id).arg(level), pictureOf(window));
+            album.save(QStringLiteral("window-%1-%2").arg(theme.id).arg(level), window.view);
         }
     }
     QirnThemes::setCurrentID(QirnThemes::kDefaultID);
@@ -125,17 +141,17 @@ void pictureTheParts(Window& window, Album& album) {
         window.model.setTool(row.tool);
         QCoreApplication::processEvents();
         album.save(QStringLiteral("options-") + QLatin1String(row.id),
-                   window.view.findChild<ToolOptionsBar*>()->grab());
+                   *window.view.findChild<ToolOptionsBar*>());
     }
     window.model.setTool(Tool::brush);
     for (const char* panel : {"colorPanel", "brushPanel", "palettesPanel"}) {
         window.view.findChild<QAction*>(panel)->trigger();
         QCoreApplication::processEvents();
         BackgroundQueue::previews().finish();
-        album.save(QLatin1String(panel), pictureOf(window));
+        album.save(QLatin1String(panel), window.view);
     }
     for (QAction* title : window.view.menuBar()->actions())
-        album.save("menu-" + title->text().remove(u'&').toLower(), pictureOf(window, title->menu()));
+        album.save("menu-" + title->menu()->objectName().toLower(), pictureOf(window, *title->menu()));
 }
 
 void pictureSheets(Window& window, Album& album) {
@@ -154,7 +170,7 @@ void pictureSheets(Window& window, Album& album) {
             words->setPlainText("Ten brushes\nand a text");
         QCoreApplication::processEvents();
         BackgroundQueue::previews().finish();
-        album.save(QLatin1String(named.name), pictureOf(window));
+        album.save(QLatin1String(named.name), window.view);
         window.model.closeSheet();
     }
 }
@@ -166,7 +182,7 @@ void pictureOtherWindows(Window& window, Album& album) {
         QCoreApplication::processEvents();
         for (QWidget* other : QApplication::topLevelWidgets()) {
             if (other == &window.view || !other->isVisible() || other->windowType() == Qt::Popup) continue;
-            album.save(QStringLiteral("window-") + QLatin1String(command), other->grab());
+            album.save(QStringLiteral("window-") + QLatin1String(command), *other);
             other->close();
         }
     }
@@ -181,6 +197,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "Which folder are the pictures to go to?\n");
         return 1;
     }
+    const QStringList options = app.arguments().mid(2);
+    PseudoTexts pseudo;
+    const qsizetype texts = options.indexOf("--pseudo") + 1;
+    if (texts > 0) QCoreApplication::installTranslator(&pseudo);
+    QGuiApplication::setLayoutDirection(options.contains("--rtl") ? Qt::RightToLeft : Qt::LeftToRight);
     Album album(QString::fromLocal8Bit(argv[1]));
     QirnKit::install("Qirn Paint", PaintHelp::topics());
     Window window;
@@ -189,10 +210,13 @@ int main(int argc, char** argv) {
     window.model.pictures().close(*window.model.pictures().sessions().front());
     QCoreApplication::processEvents();
     paintTenPresets(window);
-    album.save("studio", pictureOf(window));
+    album.save("studio", window.view);
     pictureThemesAndZooms(window, album);
     pictureTheParts(window, album);
     pictureSheets(window, album);
     pictureOtherWindows(window, album);
-    return album.isWhole() ? 0 : 1;
+    if (texts > 0)
+        for (const QString& text : pseudo.missingIn(options.value(texts)))
+            album.tell(QStringLiteral("lupdate misses"), text);
+    return album.isWhole() && !album.hasTold() ? 0 : 1;
 }
