@@ -39,7 +39,9 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QFileOpenEvent>
+#include <QLocale>
 #include <QSessionManager>
+#include <QTranslator>
 #include <unistd.h>
 
 namespace qirn {
@@ -141,6 +143,11 @@ int runWindow(int& argc, char** argv, const CommandLine& line, OneStudio& studio
     const QtMessageHandler usual = qInstallMessageHandler(sayThereIsNoDisplay);
     QApplication app(argc, argv);
     qInstallMessageHandler(usual);
+    QTranslator words;
+    if (words.load(QLocale(), QStringLiteral("qirnpaint"), QStringLiteral("_"),
+                   QCoreApplication::applicationDirPath() +
+                       QStringLiteral("/../share/qirnpaint/translations")))
+        QCoreApplication::installTranslator(&words);
     studio.answer(); // not before: who hands over to a program that finds no display would wait for nothing
     app.setApplicationName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));

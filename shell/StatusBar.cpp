@@ -54,8 +54,8 @@ StatusBar::StatusBar(PaintModel& model, QWidget* parent)
     });
     connect(&model, &PaintModel::changed, this, &StatusBar::refresh);
     connect(&model.status(), &CanvasStatus::changed, this, &StatusBar::followCursor);
-    zoom_->setWidest(tr("Zoom %1%").arg(std::lround(100 * kMaxZoom)));
-    rotation_->setWidest(tr("View rotated %1°").arg(-180));
+    zoom_->setWidest(tr("Zoom %L1%").arg(std::lround(100 * kMaxZoom)));
+    rotation_->setWidest(tr("View rotated %L1°").arg(-180));
     refresh();
 }
 
@@ -82,11 +82,12 @@ void StatusBar::refresh() {
     const DocSession* session = model_.current();
     if (session) {
         const PaintDocument& doc = session->doc();
-        size_->setText(tr("%1 × %2 px · %3 DPI").arg(doc.grid().width).arg(doc.grid().height).arg(doc.dpi));
+        size_->setText(
+            tr("%L1 × %L2 px · %L3 DPI").arg(doc.grid().width).arg(doc.grid().height).arg(doc.dpi));
         layer_->setText(tr("Layer: %1").arg(doc.activeLayer().name));
-        undo_->setText(tr("Undo: %1 steps").arg(doc.undoDepth()));
-        undo_->setWidest(tr("Undo: %1 steps").arg(model_.prefs().undoSteps));
-        cursor_->setWidest(tr("X %1  Y %2").arg(doc.grid().width).arg(doc.grid().height));
+        undo_->setText(tr("Undo: %Ln steps", nullptr, static_cast<int>(doc.undoDepth())));
+        undo_->setWidest(tr("Undo: %Ln steps", nullptr, static_cast<int>(model_.prefs().undoSteps)));
+        cursor_->setWidest(tr("X %L1  Y %L2").arg(doc.grid().width).arg(doc.grid().height));
     }
     autosave_->setText(model_.safety().lastAutosaveText().value_or(QString()));
     refreshCursor();
@@ -103,10 +104,10 @@ void StatusBar::refreshCursor() {
     const CanvasStatus::View& view = model_.status().view();
     const CanvasStatus::Cursor& cursor = model_.status().cursor();
     const long degrees = std::lround(std::remainder(view.rotation, 360));
-    zoom_->setText(tr("Zoom %1%").arg(std::lround(view.zoom * 100)));
-    rotation_->setText(view.rotation != 0 ? tr("View rotated %1°").arg(degrees) : QString());
+    zoom_->setText(tr("Zoom %L1%").arg(std::lround(view.zoom * 100)));
+    rotation_->setText(view.rotation != 0 ? tr("View rotated %L1°").arg(degrees) : QString());
     flip_->setText(view.flipped ? tr("View flipped") : QString());
-    cursor_->setText(cursor.inside ? tr("X %1  Y %2").arg(cursor.x).arg(cursor.y) : tr("X –  Y –"));
+    cursor_->setText(cursor.inside ? tr("X %L1  Y %L2").arg(cursor.x).arg(cursor.y) : tr("X –  Y –"));
     pressure_->setPressure(cursor.pressure);
     const auto& stats = model_.status().lastStrokeStats();
     stroke_->setText(model_.prefs().showPerformance && stats ? *stats : QString());

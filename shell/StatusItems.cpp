@@ -104,11 +104,13 @@ void PressureMeter::paintEvent(QPaintEvent*) {
     ChromePaint::text(painter, rect(), Qt::AlignLeft | Qt::AlignVCenter, label_, c.dim);
     QRectF bar(QPointF(), meterSize());
     bar.moveTopLeft({width() - bar.width(), (height() - bar.height()) / 2});
+    bar = ChromePaint::visual(rect(), bar);
     const double radius = bar.height() / 2;
     ChromePaint::box(painter, bar, radius, c.well, c.edge);
     if (pressure_ <= 0) return;
-    bar.setWidth(std::max(bar.height(), bar.width() * std::min(pressure_, 1.0)));
-    ChromePaint::box(painter, bar, radius, c.focus);
+    QRectF filled = bar;
+    filled.setWidth(std::max(bar.height(), bar.width() * std::min(pressure_, 1.0)));
+    ChromePaint::box(painter, ChromePaint::visual(bar, filled), radius, c.focus);
 }
 
 } // namespace qirn

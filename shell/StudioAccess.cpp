@@ -22,7 +22,7 @@ public:
         const DocSession* session = static_cast<CanvasView*>(object())->session();
         if (kind != QAccessible::Description || !session) return QAccessibleWidget::text(kind);
         const PaintDocument& doc = session->doc();
-        return QCoreApplication::translate("qirn::StudioAccess", "%1, %2 × %3 px, zoom %4%, layer %5")
+        return QCoreApplication::translate("qirn::StudioAccess", "%1, %L2 × %L3 px, zoom %L4%, layer %5")
             .arg(session->name)
             .arg(doc.grid().width)
             .arg(doc.grid().height)

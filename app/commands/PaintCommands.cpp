@@ -49,7 +49,8 @@ PaintCommands::PaintCommands(PaintModel& model, CanvasView& view, QMenuBar& menu
       window_(*menuBar.window()) {
     forgetUnknownKeys(model);
     for (const char* menuTitle : kMenuTitles) {
-        QMenu* menu = menuBar.addMenu(QStringLiteral("&") + tr(menuTitle));
+        const QString title = tr(menuTitle); // a translation may choose its own key
+        QMenu* menu = menuBar.addMenu(title.contains(u'&') ? title : u'&' + title);
         menu->setObjectName(QLatin1String(menuTitle));
         for (const CommandRow& row : commandRows()) {
             if (qstrcmp(row.menu, menuTitle) != 0) continue;

@@ -15,7 +15,7 @@ QString wordsOf(const PaintFile::Salvaged& salvaged) {
     QStringList layers;
     for (std::size_t i = 0; i < salvaged.lostTiles.size(); ++i) {
         if (salvaged.lostTiles[i] == 0) continue;
-        layers << QCoreApplication::translate("SalvagedPicture", "%1 (%2)")
+        layers << QCoreApplication::translate("SalvagedPicture", "%1 (%L2)")
                       .arg(salvaged.document->layer(static_cast<int64_t>(i)).name)
                       .arg(salvaged.lostTiles[i]);
     }

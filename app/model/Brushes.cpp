@@ -180,7 +180,7 @@ void Brushes::exportBrushes() {
         return model_.messages().alert(tr("Couldn't export brushes"), error.description());
     }
     model_.desktop().noteUsedFile(place->path);
-    model_.messages().flash(tr("Exported %1 brush(es)").arg(brushes.size()));
+    model_.messages().flash(tr("Exported %Ln brush(es)", nullptr, static_cast<int>(brushes.size())));
 }
 
 void Brushes::importBrushes() {
@@ -200,7 +200,7 @@ void Brushes::importBrushes() {
     own.insert(own.end(), brushes->begin(), brushes->end());
     userBrushes_.write();
     model_.desktop().noteUsedFile(paths.front());
-    model_.messages().flash(tr("Imported %1 brush(es)").arg(brushes->size()));
+    model_.messages().flash(tr("Imported %Ln brush(es)", nullptr, static_cast<int>(brushes->size())));
 }
 
 } // namespace qirn

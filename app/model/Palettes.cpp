@@ -166,8 +166,8 @@ void Palettes::importPalette() {
         }
     }
     if (!names.isEmpty())
-        model_.messages().flash(
-            tr("Imported %1 colors from %2").arg(colors).arg(names.join(QStringLiteral(", "))));
+        model_.messages().flash(tr("Imported %Ln colors from %1", nullptr, static_cast<int>(colors))
+                                    .arg(names.join(QStringLiteral(", "))));
 }
 
 void Palettes::exportPalette(PaletteFile file) {

@@ -81,8 +81,9 @@ bool PictureFiles::tellsOf(const std::vector<Refusal>& refusals) {
         QStringList lines;
         for (std::size_t i = 0; i < std::min(refusals.size(), kReasonsShown); ++i)
             lines << tr("%1: %2").arg(name(refusals[i]), refusals[i].reason);
-        if (refusals.size() > kReasonsShown) lines << tr("And %1 more.").arg(refusals.size() - kReasonsShown);
-        title = tr("Couldn't open %1 files").arg(refusals.size());
+        if (refusals.size() > kReasonsShown)
+            lines << tr("And %Ln more.", nullptr, static_cast<int>(refusals.size() - kReasonsShown));
+        title = tr("Couldn't open %Ln files", nullptr, static_cast<int>(refusals.size()));
         text = lines.join(u'\n');
     }
     if (std::ranges::any_of(refusals, &Refusal::canBeSalvaged))

@@ -18,15 +18,16 @@ bool CanvasLimits::allow(int64_t width, int64_t height) {
 
 QString CanvasLimits::warning(int64_t width, int64_t height) {
     if (!allow(width, height) || width * height <= kLargePixels) return {};
-    return tr("This is a very large canvas. Each layer uses about %1 MB of memory.")
+    return tr("This is a very large canvas. Each layer uses about %L1 MB of memory.")
         .arg(width * height / kPixelsAMegabyte);
 }
 
 QString CanvasLimits::warning(int64_t width, int64_t height, int64_t layers) {
     const QString each = warning(width, height);
     if (each.isEmpty()) return {};
-    return each +
-           tr(" All %1 layers: up to %2 MB.").arg(layers).arg(width * height * layers / kPixelsAMegabyte);
+    return each + u' ' +
+           tr("All %Ln layers: up to %L1 MB.", nullptr, static_cast<int>(layers))
+               .arg(width * height * layers / kPixelsAMegabyte);
 }
 
 } // namespace qirn

@@ -154,11 +154,11 @@ void StrokeTool::release(const PenSample& sample, QPointF) {
 
 void StrokeTool::tellTimes(int64_t dabs) const {
     press_.model.status().setLastStrokeStats(
-        tr("Last stroke: %1 points, avg %2 ms, max %3 ms per point, %4 dabs")
-            .arg(times_.count)
+        tr("Last stroke: %1, avg %L2 ms, max %L3 ms per point, %4")
+            .arg(tr("%Ln points", nullptr, static_cast<int>(times_.count)))
             .arg(times_.sum / static_cast<double>(times_.count), 0, 'f', 1)
             .arg(times_.most, 0, 'f', 1)
-            .arg(dabs));
+            .arg(tr("%Ln dabs", nullptr, static_cast<int>(dabs))));
 }
 
 void StrokeTool::drop() {

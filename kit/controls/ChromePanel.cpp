@@ -20,9 +20,10 @@ void ChromePanel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), surface_ == Surface::bar ? c.bar : c.panel);
     using ChromePaint::Side;
-    for (const auto& [edge, side] : {std::pair{Qt::LeftEdge, Side::left},
+    const bool mirrored = isRightToLeft();
+    for (const auto& [edge, side] : {std::pair{Qt::LeftEdge, mirrored ? Side::right : Side::left},
                                      {Qt::TopEdge, Side::top},
-                                     {Qt::RightEdge, Side::right},
+                                     {Qt::RightEdge, mirrored ? Side::left : Side::right},
                                      {Qt::BottomEdge, Side::bottom}})
         if (lines_.testFlag(edge)) ChromePaint::line(painter, rect(), side, c.seam);
 }

@@ -22,6 +22,12 @@ constexpr int kRestTime = 400; // milliseconds without a key or wheel step
 constexpr double kFineDrag = 0.1;
 constexpr int kPageSteps = 10;
 constexpr int kWheelNotch = 120; // eighths of a degree
+
+/// How far the pointer is from where the slider begins.
+double along(const QWidget& slider, const QMouseEvent& event) {
+    const double x = event.position().x();
+    return slider.isRightToLeft() ? slider.width() - x : x;
+}
 } // namespace
 
 ChromeSlider::ChromeSlider(const QString& label, const SliderScale& scale, const NumberFormat& format,
@@ -86,7 +92,7 @@ void ChromeSlider::mousePressEvent(QMouseEvent* event) {
     if (atRest_.isActive()) finish();
     dragging_ = true;
     valueBefore_ = value_;
-    pressX_ = dragX_ = event->position().x();
+    pressX_ = dragX_ = along(*this, *event);
     dragPlace_ = scale_.placeOf(value_);
     if (!event->modifiers().testFlag(Qt::ShiftModifier)) {
         dragPlace_ = std::clamp(dragX_ / std::max(1, width()), 0.0, 1.0);
@@ -96,7 +102,7 @@ void ChromeSlider::mousePressEvent(QMouseEvent* event) {
 }
 
 void ChromeSlider::drag(const QMouseEvent& event) {
-    const double x = event.position().x();
+    const double x = along(*this, event);
     const double moved = (x - dragX_) / std::max(1, width());
     if (moved == 0) return; // a value beyond the range stays
     dragX_ = x;
@@ -114,7 +120,7 @@ void ChromeSlider::mouseReleaseEvent(QMouseEvent* event) {
     drag(*event);
     dragging_ = false;
     update();
-    if (std::abs(event->position().x() - pressX_) >= QApplication::startDragDistance())
+    if (std::abs(along(*this, *event) - pressX_) >= QApplication::startDragDistance())
         finish();
     else
         atRest_.start(QApplication::doubleClickInterval()); // it may be the first half of a double click
@@ -142,12 +148,17 @@ void ChromeSlider::keyPressEvent(QKeyEvent* event) {
     const bool typed = !event->text().isEmpty() &&
                        (event->text().front().isDigit() || event->text() == u"-") &&
                        !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
+    const int right = isRightToLeft() ? -1 : 1;
     switch (event->key()) {
     case Qt::Key_Left:
+        step(-right);
+        return;
+    case Qt::Key_Right:
+        step(right);
+        return;
     case Qt::Key_Down:
         step(-1);
         return;
-    case Qt::Key_Right:
     case Qt::Key_Up:
         step(1);
         return;
@@ -224,7 +235,7 @@ void ChromeSlider::changeEvent(QEvent* event) {
 QRect ChromeSlider::fieldRect() const {
     const Metrics& m = QirnKitHost::metrics();
     const int wide = std::min(width(), valueWidth() + 3 * m.groupGap);
-    return {width() - wide, 0, wide, height()};
+    return ChromePaint::visual(rect(), QRect(width() - wide, 0, wide, height()));
 }
 
 int ChromeSlider::valueWidth() const {
@@ -262,8 +273,8 @@ void ChromeSlider::paintLevel(QPainter& painter, const QRectF& bar) const {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setClipPath(inside);
-    painter.fillRect(ChromePaint::snapped(painter, level), c.level);
-    painter.fillRect(ChromePaint::snapped(painter, line), c.focus);
+    painter.fillRect(ChromePaint::snapped(painter, ChromePaint::visual(bar, level)), c.level);
+    painter.fillRect(ChromePaint::snapped(painter, ChromePaint::visual(bar, line)), c.focus);
     painter.restore();
 }
 
@@ -281,10 +292,10 @@ void ChromeSlider::paintEvent(QPaintEvent*) {
     const QRectF texts = bar.adjusted(m.controlPadding, 0, -m.controlPadding, 0);
     const QRectF labelRect =
         texts.adjusted(0, 0, -(fontMetrics().horizontalAdvance(valueText()) + m.tightGap), 0);
-    ChromePaint::text(painter, labelRect, Qt::AlignLeft | Qt::AlignVCenter, label_,
+    ChromePaint::text(painter, ChromePaint::visual(bar, labelRect), Qt::AlignLeft | Qt::AlignVCenter, label_,
                       isEnabled() ? c.dim : c.faint);
-    ChromePaint::text(painter, texts, Qt::AlignRight | Qt::AlignVCenter, valueText(),
-                      isEnabled() ? c.text : c.faint);
+    ChromePaint::text(painter, texts, Qt::AlignRight | Qt::AlignVCenter | Qt::TextForceLeftToRight,
+                      valueText(), isEnabled() ? c.text : c.faint);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
         ChromePaint::focusRing(painter, bar, m.radius);
 }

@@ -69,12 +69,15 @@ void ChromeToggle::paintEvent(QPaintEvent*) {
     const bool on = isChecked();
     const double radius = m.switchHeight / 2.0;
     const QRectF track(0, (height() - m.switchHeight) / 2.0, m.switchWidth, m.switchHeight);
+    const auto visual = [this](const QRectF& part) { return ChromePaint::visual(rect(), part); };
     if (!isEnabled())
-        ChromePaint::box(painter, track, radius, c.bar, c.divider);
+        ChromePaint::box(painter, visual(track), radius, c.bar, c.divider);
     else if (on)
-        ChromePaint::box(painter, track, radius, underMouse() ? c.accentHover : c.accent, c.accentEdge);
+        ChromePaint::box(painter, visual(track), radius, underMouse() ? c.accentHover : c.accent,
+                         c.accentEdge);
     else
-        ChromePaint::box(painter, track, radius, c.well, underMouse() || isDown() ? c.edgeHover : c.edge);
+        ChromePaint::box(painter, visual(track), radius, c.well,
+                         underMouse() || isDown() ? c.edgeHover : c.edge);
 
     const double inset = m.px(3);
     const double side = m.switchHeight - 2 * inset;
@@ -82,9 +85,9 @@ void ChromeToggle::paintEvent(QPaintEvent*) {
     const bool moves = knob_.state() == QAbstractAnimation::Running;
     const double away = moves ? knob_.currentValue().toDouble() * (track.width() - 2 * inset - side) : 0;
     const QColor knob = !isEnabled() ? c.faint : on ? c.onAccent : c.dim;
-    ChromePaint::box(painter, QRectF(left + away, track.top() + inset, side, side), side / 2, knob);
+    ChromePaint::box(painter, visual({left + away, track.top() + inset, side, side}), side / 2, knob);
 
-    const QRectF label(labelLeft(), 0, width() - labelLeft(), height());
+    const QRectF label = visual({1.0 * labelLeft(), 0, 1.0 * width() - labelLeft(), 1.0 * height()});
     const int place = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic;
     const QColor color = isEnabled() ? c.text : c.faint;
     if (wraps_) {
@@ -94,7 +97,7 @@ void ChromeToggle::paintEvent(QPaintEvent*) {
         ChromePaint::text(painter, label, place, text(), color);
     }
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        ChromePaint::focusRing(painter, label.adjusted(-m.tightGap, 0, 0, 0),
+        ChromePaint::focusRing(painter, visual(visual(label).adjusted(-m.tightGap, 0, 0, 0)),
                                m.radius); // the switch stays whole
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QLocale>
 #include <QRegularExpression>
 
 namespace qirn {
@@ -19,12 +20,14 @@ QString NumberFormat::text(double value) const {
 QString NumberFormat::number(double value) const {
     double shown = value * scale;
     if (std::abs(shown) * std::pow(10, decimals) < 0.5) shown = 0; // never "-0"
-    QString text = QString::number(shown, 'f', decimals);
-    if (trimmed && decimals > 0) {
-        while (text.endsWith(u'0')) text.chop(1);
-        if (text.endsWith(u'.')) text.chop(1);
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator); // in the way of whoever changes a digit
+    int places = decimals;
+    if (trimmed) {
+        const QString digits = QString::number(shown, 'f', decimals);
+        while (places > 0 && digits[digits.size() - 1 - (decimals - places)] == u'0') --places;
     }
-    return text;
+    return locale.toString(shown, 'f', places);
 }
 
 std::optional<double> NumberFormat::value(const QString& text) const {
@@ -36,8 +39,10 @@ std::optional<double> NumberFormat::value(const QString& text) const {
     static const QRegularExpression grouped(QStringLiteral("^-?[1-9]\\d{0,2}([,.\\s]\\d{3})+$"));
     static const QRegularExpression separators(QStringLiteral("[,.\\s]"));
     if (groups && grouped.match(digits).hasMatch()) digits.remove(separators);
+    // As the locale has it; and else with a point or a comma, whichever of them it knows.
     bool ok = false;
-    const double shown = digits.replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
+    double shown = QLocale().language() == QLocale::C ? 0 : QLocale().toDouble(digits, &ok);
+    if (!ok) shown = digits.replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
     if (!ok || !std::isfinite(shown)) return {};
     return shown / scale;
 }

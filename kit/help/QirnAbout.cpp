@@ -19,7 +19,7 @@ QString& extraLines() {
 }
 
 QString tr(const char* text) {
-    return QCoreApplication::translate("QirnAbout", text);
+    return QCoreApplication::translate("qirn::QirnAbout", text);
 }
 
 } // namespace

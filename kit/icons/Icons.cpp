@@ -1,6 +1,7 @@
 #include "kit/icons/Icons.h"
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
 #include <QPixmapCache>
@@ -87,11 +88,18 @@ const char* name(Icon icon) {
     return kRows[static_cast<size_t>(icon)].file;
 }
 
+/// What points on or back, as reading goes.
+bool followsReading(Icon icon) {
+    return icon == Icon::chevronRight || icon == Icon::arrowLeft || icon == Icon::arrowRight ||
+           icon == Icon::undo || icon == Icon::redo;
+}
+
 /// A square of device pixels, ratio 1. The outline files say "currentColor" where the color goes.
 QPixmap rendered(Icon icon, int pixels, const QColor& color) {
-    const QString key =
-        QStringLiteral("qirn-icon %1 %2 %3")
-            .arg(QLatin1String(name(icon)), QString::number(pixels), color.name(QColor::HexArgb));
+    const bool isMirrored = followsReading(icon) && QGuiApplication::isRightToLeft();
+    const QString key = QStringLiteral("qirn-icon %1 %2 %3 %4")
+                            .arg(QLatin1String(name(icon)), QString::number(pixels),
+                                 color.name(QColor::HexArgb), isMirrored ? u"mirrored" : u"");
     QPixmap result;
     if (QPixmapCache::find(key, &result)) return result;
     QFile source(file(icon));
@@ -101,6 +109,7 @@ QPixmap rendered(Icon icon, int pixels, const QColor& color) {
     result.fill(Qt::transparent);
     QPainter painter(&result);
     painter.setOpacity(color.alphaF());
+    if (isMirrored) painter.setTransform(QTransform(-1, 0, 0, 1, pixels, 0));
     renderer.render(&painter);
     painter.end();
     QPixmapCache::insert(key, result);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QGuiApplication>
+
 #include "kit/Metrics.h"
 #include "kit/QirnKit.h"
 
@@ -18,6 +20,13 @@ void place(QPainter& painter, const QRectF& within, const QPixmap& pixmap) {
     const QPointF device = toDevice.map(corner);
     const QPointF onPixel(std::round(device.x()), std::round(device.y()));
     painter.drawPixmap(toDevice.inverted().map(onPixel), pixmap);
+}
+
+/// The left is the right where the application is read from right to left.
+int visualFlags(int flags) {
+    if (!QGuiApplication::isRightToLeft()) return flags;
+    constexpr int sides = int{Qt::AlignLeft} | int{Qt::AlignRight};
+    return (flags & sides ? flags ^ sides : flags) | int{Qt::AlignAbsolute};
 }
 
 } // namespace
@@ -37,6 +46,15 @@ QRectF snapped(const QPainter& painter, const QRectF& rect) {
     const QPointF topLeft(std::round(device.left()), std::round(device.top()));
     const QPointF bottomRight(std::round(device.right()), std::round(device.bottom()));
     return toDevice.inverted().mapRect(QRectF(topLeft, bottomRight));
+}
+
+QRectF visual(const QRectF& within, const QRectF& rect) {
+    if (!QGuiApplication::isRightToLeft()) return rect;
+    return {within.left() + within.right() - rect.right(), rect.top(), rect.width(), rect.height()};
+}
+
+QRect visual(const QRect& within, const QRect& rect) {
+    return visual(QRectF(within), QRectF(rect)).toRect();
 }
 
 void box(QPainter& painter, const QRectF& rect, double radius, const QColor& fill, const QColor& edge) {
@@ -110,7 +128,7 @@ void text(QPainter& painter, const QRectF& rect, int flags, const QString& text,
     const QString fitting =
         painter.fontMetrics().elidedText(text, Qt::ElideRight, static_cast<int>(std::ceil(rect.width())),
                                          mnemonics ? Qt::TextShowMnemonic : 0);
-    painter.drawText(rect, flags | Qt::TextSingleLine, fitting);
+    painter.drawText(rect, visualFlags(flags) | Qt::TextSingleLine, fitting);
     painter.restore();
 }
 

@@ -69,9 +69,11 @@ void ChromeStyle::drawPushLabel(const QStyleOptionButton& option, QPainter& pain
         const double both = option.iconSize.width() + gap + textWidth;
         QRectF mark(rect.center().x() - both / 2, rect.top(), option.iconSize.width(), rect.height());
         const auto state = isOn(option) ? QIcon::On : QIcon::Off;
-        ChromePaint::icon(painter, mark, option.icon, option.iconSize, iconMode(option), state);
+        ChromePaint::icon(painter, ChromePaint::visual(option.rect, mark), option.icon, option.iconSize,
+                          iconMode(option), state);
         rect.setLeft(mark.right() + gap);
         rect.setWidth(textWidth + 1);
+        rect = ChromePaint::visual(option.rect, rect);
     }
     ChromePaint::text(painter, rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text, face.text);
 }
@@ -105,8 +107,10 @@ void ChromeStyle::drawToolLabel(const QStyleOptionToolButton& option, QPainter& 
     QRectF rect = QRectF(option.rect).adjusted(m.gap, 0, -m.gap, 0);
     if (showsIcon) {
         const QRectF mark(rect.left(), rect.top(), option.iconSize.width(), rect.height());
-        ChromePaint::icon(painter, mark, option.icon, option.iconSize, iconMode(option), iconState(option));
+        ChromePaint::icon(painter, ChromePaint::visual(option.rect, mark), option.icon, option.iconSize,
+                          iconMode(option), iconState(option));
         rect.setLeft(mark.right() + m.px(6));
+        rect = ChromePaint::visual(option.rect, rect);
     }
     const int align = showsIcon || option.features.testFlag(QStyleOptionToolButton::HasMenu)
                           ? Qt::AlignLeft
@@ -125,9 +129,10 @@ void ChromeStyle::drawToolButton(const QStyleOptionToolButton& option, QPainter&
         const QRect arrow(option.rect.right() - m.chevron - m.tightGap, option.rect.top(), m.chevron,
                           option.rect.height());
         const ChromeColors& c = QirnKitHost::colors();
-        ChromePaint::icon(painter, arrow, Icon::chevronDown, m.chevron,
+        ChromePaint::icon(painter, ChromePaint::visual(option.rect, arrow), Icon::chevronDown, m.chevron,
                           option.state.testFlag(State_Enabled) ? c.dim : c.faint);
         face.rect.setRight(arrow.left() + m.tightGap);
+        face.rect = ChromePaint::visual(option.rect, face.rect);
     }
     drawToolLabel(face, painter);
 }

@@ -51,9 +51,9 @@ void ChromeStyle::drawComboLabel(const QStyleOptionComboBox& option, QPainter& p
     QRectF rect = proxy()->subControlRect(CC_ComboBox, &option, SC_ComboBoxEditField, widget);
     if (!option.currentIcon.isNull()) {
         const QRectF mark(rect.left(), rect.top(), option.iconSize.width(), rect.height());
-        ChromePaint::icon(painter, mark, option.currentIcon, option.iconSize,
+        ChromePaint::icon(painter, ChromePaint::visual(rect, mark), option.currentIcon, option.iconSize,
                           enabled ? QIcon::Normal : QIcon::Disabled, QIcon::Off);
-        rect.setLeft(mark.right() + m.tightGap);
+        rect = ChromePaint::visual(rect, rect.adjusted(mark.width() + m.tightGap, 0, 0, 0));
     }
     ChromePaint::text(painter, rect, Qt::AlignLeft | Qt::AlignVCenter, option.currentText,
                       enabled ? c.text : c.faint);
@@ -87,11 +87,12 @@ void ChromeStyle::drawGroup(const QStyleOptionGroupBox& option, QPainter& painte
         const QColor color = option.state.testFlag(State_Enabled) ? c.dim : c.faint;
         ChromePaint::text(painter, label, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextHideMnemonic,
                           option.text, color);
-        left = label.left() + painter.fontMetrics().size(Qt::TextShowMnemonic, option.text).width() + m.gap;
+        left = ChromePaint::visual(option.rect, label).left() +
+               painter.fontMetrics().size(Qt::TextShowMnemonic, option.text).width() + m.gap;
         painter.restore();
     }
     const QRectF rule(left, label.top() + label.height() / 2.0, option.rect.right() + 1 - left, 1);
-    ChromePaint::line(painter, rule, ChromePaint::Side::top, c.divider);
+    ChromePaint::line(painter, ChromePaint::visual(option.rect, rule), ChromePaint::Side::top, c.divider);
     if (option.subControls.testFlag(SC_GroupBoxCheckBox)) {
         QStyleOption box = option;
         box.rect = proxy()->subControlRect(CC_GroupBox, &option, SC_GroupBoxCheckBox, widget);

@@ -24,7 +24,7 @@ void drawSeparator(const QStyleOptionMenuItem& option, QPainter& painter) {
         painter.restore();
     }
     const QRectF rule(left, rect.center().y(), rect.right() - left, 1);
-    ChromePaint::line(painter, rule, ChromePaint::Side::top, c.divider);
+    ChromePaint::line(painter, ChromePaint::visual(rect, rule), ChromePaint::Side::top, c.divider);
 }
 
 } // namespace
@@ -43,6 +43,7 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
         ChromePaint::box(painter, QRectF(option.rect).adjusted(m.tightGap, m.px(1), -m.tightGap, -m.px(1)),
                          m.smallRadius, c.selected);
 
+    const auto visual = [&option](const QRectF& part) { return ChromePaint::visual(option.rect, part); };
     QRectF rect = QRectF(option.rect).adjusted(m.groupGap, 0, -m.groupGap, 0);
     const QSize picture = PictureMenu::pictureOf(option, menu);
     const bool markColumn = option.menuHasCheckableItems || option.maxIconWidth > 0;
@@ -50,16 +51,16 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
         const QRectF mark(rect.left(), rect.top(), m.smallIcon, rect.height());
         const QColor color = enabled ? c.text : c.faint;
         if (option.checked)
-            ChromePaint::icon(painter, mark, Icon::check, m.smallIcon, color);
+            ChromePaint::icon(painter, visual(mark), Icon::check, m.smallIcon, color);
         else if (!option.icon.isNull() && picture.isEmpty())
-            ChromePaint::icon(painter, mark, option.icon, {m.smallIcon, m.smallIcon},
+            ChromePaint::icon(painter, visual(mark), option.icon, {m.smallIcon, m.smallIcon},
                               enabled ? QIcon::Normal : QIcon::Disabled, QIcon::Off);
         rect.setLeft(mark.right() + m.gap);
     }
     if (!picture.isEmpty()) {
         QRectF place({}, picture);
         place.moveTopLeft({rect.left(), rect.center().y() - place.height() / 2});
-        option.icon.paint(&painter, place.toRect());
+        option.icon.paint(&painter, visual(place).toRect());
         rect.setLeft(place.right() + m.gap);
     }
 
@@ -67,16 +68,17 @@ void ChromeStyle::drawMenuRow(const QStyleOptionMenuItem& option, QPainter& pain
     painter.setFont(option.font);
     const QStringList parts = option.text.split(QLatin1Char('\t'));
     const int line = Qt::AlignVCenter | Qt::TextShowMnemonic;
-    ChromePaint::text(painter, rect, line | Qt::AlignLeft, parts.first(), enabled ? c.text : c.faint);
+    ChromePaint::text(painter, visual(rect), line | Qt::AlignLeft, parts.first(), enabled ? c.text : c.faint);
     if (parts.size() > 1)
-        ChromePaint::text(painter, rect, line | Qt::AlignRight, parts.last(),
+        ChromePaint::text(painter, visual(rect), line | Qt::AlignRight | Qt::TextForceLeftToRight,
+                          parts.last(),
                           !enabled   ? c.faint
                           : selected ? c.text
                                      : c.dim);
     painter.restore();
     if (option.menuItemType == QStyleOptionMenuItem::SubMenu) {
         const QRectF arrow(rect.right() - m.chevron + m.tightGap, rect.top(), m.chevron, rect.height());
-        ChromePaint::icon(painter, arrow, Icon::chevronRight, m.chevron,
+        ChromePaint::icon(painter, visual(arrow), Icon::chevronRight, m.chevron,
                           !enabled   ? c.faint
                           : selected ? c.text
                                      : c.dim);

@@ -188,20 +188,21 @@ QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
     const Metrics& m = QirnKitHost::metrics();
     const QRect rect = option->rect;
     const int arrow = m.chevron + m.gap;
+    const auto visual = [&](const QRect& part) { return visualRect(option->direction, rect, part); };
     if (control == CC_ComboBox && part == SC_ComboBoxArrow)
-        return {rect.right() + 1 - arrow, rect.top(), arrow - m.tightGap, rect.height()};
+        return visual({rect.right() + 1 - arrow, rect.top(), arrow - m.tightGap, rect.height()});
     if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
         const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
         const int left = combo && combo->editable ? m.tightGap : m.controlPadding;
-        return rect.adjusted(left, 1, -arrow, -1);
+        return visual(rect.adjusted(left, 1, -arrow, -1));
     }
     if (control == CC_SpinBox) {
         const int half = rect.height() / 2;
         const int left = rect.right() + 1 - arrow;
         const int border = m.px(3);
-        if (part == SC_SpinBoxUp) return {left, rect.top() + border, arrow - border, half - border};
-        if (part == SC_SpinBoxDown) return {left, rect.top() + half, arrow - border, half - border};
-        if (part == SC_SpinBoxEditField) return rect.adjusted(m.tightGap, 1, -arrow, -1);
+        if (part == SC_SpinBoxUp) return visual({left, rect.top() + border, arrow - border, half - border});
+        if (part == SC_SpinBoxDown) return visual({left, rect.top() + half, arrow - border, half - border});
+        if (part == SC_SpinBoxEditField) return visual(rect.adjusted(m.tightGap, 1, -arrow, -1));
     }
     if (control == CC_ScrollBar) {
         // No arrows: the groove is the whole bar.
@@ -232,9 +233,9 @@ QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
                             option->subControls.testFlag(SC_GroupBoxCheckBox);
         const int title = titled ? m.margin + m.tightGap : 1;
         const int box = option->subControls.testFlag(SC_GroupBoxCheckBox) ? m.checkBox : 0;
-        if (part == SC_GroupBoxCheckBox) return {rect.left(), rect.top() + m.inset, box, box};
+        if (part == SC_GroupBoxCheckBox) return visual({rect.left(), rect.top() + m.inset, box, box});
         if (part == SC_GroupBoxLabel)
-            return {rect.left() + (box ? box + m.gap : 0), rect.top(), rect.width() - box, title};
+            return visual({rect.left() + (box ? box + m.gap : 0), rect.top(), rect.width() - box, title});
         if (part == SC_GroupBoxContents) return rect.adjusted(0, title, 0, 0);
     }
     return QProxyStyle::subControlRect(control, option, part, widget);

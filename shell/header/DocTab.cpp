@@ -115,9 +115,9 @@ QSize DocTab::minimumSizeHint() const {
 
 void DocTab::resizeEvent(QResizeEvent*) {
     const Metrics& m = QirnKitHost::metrics();
-    dot_->setGeometry(0, 0, padding(), height());
-    const int top = (height() - m.smallButton) / 2;
-    close_->setGeometry(closeLeft(width()), top, m.smallButton, m.smallButton);
+    dot_->setGeometry(ChromePaint::visual(rect(), QRect(0, 0, padding(), height())));
+    const QRect cross(closeLeft(width()), (height() - m.smallButton) / 2, m.smallButton, m.smallButton);
+    close_->setGeometry(ChromePaint::visual(rect(), cross));
 }
 
 void DocTab::mouseReleaseEvent(QMouseEvent* event) {
@@ -128,7 +128,8 @@ void DocTab::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void DocTab::keyPressEvent(QKeyEvent* event) {
-    const int step = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
+    const int right = isRightToLeft() ? -1 : 1;
+    const int step = event->key() == Qt::Key_Right ? right : event->key() == Qt::Key_Left ? -right : 0;
     guarded(model_, [&] {
         if (event->key() == Qt::Key_Delete)
             closeSession();
@@ -147,8 +148,8 @@ void DocTab::paintEvent(QPaintEvent*) {
         ChromePaint::box(painter, rect(), m.radius, c.raised, c.edge);
     else if (underMouse())
         ChromePaint::box(painter, rect(), m.radius, c.panel, c.divider);
-    const QRectF name(padding(), 0, close_->x() - m.tightGap - padding(), height());
-    ChromePaint::text(painter, name, Qt::AlignLeft | Qt::AlignVCenter, text(),
+    const QRectF name(padding(), 0, closeLeft(width()) - m.tightGap - padding(), height());
+    ChromePaint::text(painter, ChromePaint::visual(rect(), name), Qt::AlignLeft | Qt::AlignVCenter, text(),
                       isChecked() || underMouse() ? c.text : c.dim);
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
         ChromePaint::focusRing(painter, rect(), m.radius);

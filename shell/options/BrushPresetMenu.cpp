@@ -52,7 +52,7 @@ void BrushPresetMenu::refresh() {
     const QString name = model_.brushes().activeBrush().name;
     setText(name);
     setShortcut({}); // which a "&" in the name would be
-    setAccessibleName(tr("Brush preset") + u' ' + name);
+    setAccessibleName(tr("Brush preset %1").arg(name));
 }
 
 QSize BrushPresetMenu::sizeHint() const {

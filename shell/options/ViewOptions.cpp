@@ -70,7 +70,7 @@ ViewOptions::ViewOptions(PaintModel& model, CanvasView& view, QWidget* parent)
 
 void ViewOptions::refresh() {
     const CanvasStatus::View& view = model_.status().view();
-    zoom_->setText(tr("%1%").arg(std::lround(view.zoom * 100)));
+    zoom_->setText(tr("%L1%").arg(std::lround(view.zoom * 100)));
     rotation_->setValue(std::remainder(view.rotation, 360));
     flip_->setText(view.flipped ? tr("Unflip view (W)") : tr("Flip view (W)"));
 }

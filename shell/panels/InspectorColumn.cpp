@@ -3,6 +3,7 @@
 #include "app/desktop/Store.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
+#include "kit/style/ChromePaint.h"
 #include "shell/panels/InspectorTabs.h"
 #include "shell/panels/SplitGrip.h"
 #include "shell/panels/layers/LayersPanel.h"
@@ -81,10 +82,13 @@ void InspectorColumn::arrange() {
     const Metrics& m = QirnKitHost::metrics();
     const int left = m.groupGap, wide = width() - left;
     const int top = m.tightGap, split = top + tabsHeight(), layers = split + m.groupGap;
-    side_->setGeometry(0, 0, m.px(6), height());
-    tabs_->setGeometry(left, top, wide, split - top); // up to the side, where it may have a scroll bar
-    between_->setGeometry(left, split, wide - m.groupGap, m.groupGap);
-    layers_->setGeometry(left, layers, wide - m.groupGap, std::max(0, height() - m.groupGap - layers));
+    const auto place = [this](QWidget* part, int x, int y, int w, int h) {
+        part->setGeometry(ChromePaint::visual(rect(), QRect(x, y, w, h)));
+    };
+    place(side_, 0, 0, m.px(6), height());
+    place(tabs_, left, top, wide, split - top); // up to the side, where it may have a scroll bar
+    place(between_, left, split, wide - m.groupGap, m.groupGap);
+    place(layers_, left, layers, wide - m.groupGap, std::max(0, height() - m.groupGap - layers));
 }
 
 bool InspectorColumn::event(QEvent* event) {

@@ -23,7 +23,8 @@ SplitGrip::SplitGrip(Qt::Edge edge, const QString& name, const Size& size, QWidg
 }
 
 double SplitGrip::place(const QMouseEvent& event) const {
-    return isUpright() ? -event.globalPosition().x() : event.globalPosition().y();
+    if (!isUpright()) return event.globalPosition().y();
+    return isRightToLeft() ? event.globalPosition().x() : -event.globalPosition().x();
 }
 
 void SplitGrip::mousePressEvent(QMouseEvent* event) {
@@ -44,8 +45,9 @@ void SplitGrip::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void SplitGrip::keyPressEvent(QKeyEvent* event) {
-    const int grows = isUpright() ? Qt::Key_Left : Qt::Key_Down;
-    const int shrinks = isUpright() ? Qt::Key_Right : Qt::Key_Up;
+    int grows = isUpright() ? Qt::Key_Left : Qt::Key_Down;
+    int shrinks = isUpright() ? Qt::Key_Right : Qt::Key_Up;
+    if (isUpright() && isRightToLeft()) std::swap(grows, shrinks);
     if (event->key() != grows && event->key() != shrinks) return QWidget::keyPressEvent(event);
     const int step = QirnKitHost::metrics().gap;
     size_.set(size_.get() + (event->key() == grows ? step : -step));
@@ -63,7 +65,7 @@ void SplitGrip::paintEvent(QPaintEvent*) {
     if (underMouse() || dragging_) {
         const QRectF mark = isUpright() ? QRectF(0, 0, m.focusWidth, height())
                                         : QRectF(0, (height() - m.focusWidth) / 2.0, width(), m.focusWidth);
-        painter.fillRect(ChromePaint::snapped(painter, mark), c.edgeHover);
+        painter.fillRect(ChromePaint::snapped(painter, ChromePaint::visual(rect(), mark)), c.edgeHover);
     }
     if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
         ChromePaint::focusRing(painter, rect(), m.smallRadius);

@@ -125,8 +125,9 @@ std::vector<double> autosaveChoices(double stored) {
 QString autosaveText(double seconds) {
     if (seconds == 0) return PreferencesView::tr("Off (not recommended)");
     if (seconds == 60) return PreferencesView::tr("Every minute");
-    if (std::fmod(seconds, 60) == 0) return PreferencesView::tr("Every %1 minutes").arg(seconds / 60);
-    return PreferencesView::tr("Every %1 seconds").arg(seconds);
+    const auto whole = static_cast<int>(std::lround(seconds));
+    if (std::fmod(seconds, 60) == 0) return PreferencesView::tr("Every %Ln minutes", nullptr, whole / 60);
+    return PreferencesView::tr("Every %Ln seconds", nullptr, whole);
 }
 
 } // namespace qirn::PreferenceRows

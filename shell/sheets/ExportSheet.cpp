@@ -61,12 +61,12 @@ ExportSheet::ExportSheet(PaintModel& model, QWidget* parent)
     detailRows->addStretch();
 
     const PaintDocument& doc = model.current()->doc();
-    auto* facts = new QLabel(tr("%1 × %2 px · %3 DPI · %4 layer(s)")
-                                 .arg(doc.grid().width)
-                                 .arg(doc.grid().height)
-                                 .arg(doc.dpi)
-                                 .arg(doc.layerCount()),
-                             this);
+    auto* facts =
+        new QLabel(tr("%L1 × %L2 px · %L3 DPI · %Ln layer(s)", nullptr, static_cast<int>(doc.layerCount()))
+                       .arg(doc.grid().width)
+                       .arg(doc.grid().height)
+                       .arg(doc.dpi),
+                   this);
     facts->setObjectName(QStringLiteral("facts"));
     facts->setForegroundRole(QPalette::PlaceholderText);
     addButton(tr("Cancel"), Role::cancel);

@@ -75,7 +75,7 @@ QWidget* ImageSizeSheet::percentButtons() {
     auto* across = new QHBoxLayout(buttons);
     across->setContentsMargins(0, 0, 0, 0);
     for (const int percent : kPercents) {
-        auto* button = new QPushButton(tr("%1%").arg(percent), buttons);
+        auto* button = new QPushButton(tr("%L1%").arg(percent), buttons);
         across->addWidget(button);
         connect(button, &QPushButton::clicked, this, [this, percent] {
             const TileGrid& grid = model().current()->doc().grid();

@@ -194,7 +194,7 @@ void NewDocumentSheet::refresh() {
 
     const int64_t w = canvas_.pixelsW(), h = canvas_.pixelsH();
     const double megapixels = static_cast<double>(w) * static_cast<double>(h) / 1e6;
-    summary_->setText(tr("%1 × %2 pixels · %3 megapixels").arg(w).arg(h).arg(megapixels, 0, 'f', 1));
+    summary_->setText(tr("%L1 × %L2 pixels · %L3 megapixels").arg(w).arg(h).arg(megapixels, 0, 'f', 1));
     remark_->setText(canvas_.valid() ? CanvasLimits::warning(w, h)
                                      : tr("Width and height must be 1 to 30,000 pixels."));
     create_->setEnabled(canvas_.valid());

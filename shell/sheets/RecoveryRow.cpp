@@ -55,8 +55,10 @@ RecoveryRow::RecoveryRow(const Recovery::Item& item, QWidget* parent)
     words->addStretch();
     words->addWidget(name);
     words->addWidget(date_);
-    words->addWidget(
-        dimLabel(tr("%1 × %2 px · %3 layer(s)").arg(info.width).arg(info.height).arg(info.layers), this));
+    words->addWidget(dimLabel(tr("%L1 × %L2 px · %Ln layer(s)", nullptr, static_cast<int>(info.layers))
+                                  .arg(info.width)
+                                  .arg(info.height),
+                              this));
     words->addStretch();
     auto* preview = new FilePreview(this);
     auto* across = new QHBoxLayout(this);

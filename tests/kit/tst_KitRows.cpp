@@ -137,6 +137,13 @@ private Q_SLOTS:
             QCOMPARE(NumberFormat::pixels().value(typed), std::optional(value));
         QVERIFY(!NumberFormat::pixels().value("1,92,0") && NumberFormat::plain().value("1,920") == 1.92);
         QVERIFY(NumberFormat::upTo(2).text(10.5) == "10.5" && NumberFormat::upTo(2).text(100) == "100");
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German)); // its point groups
+        QCOMPARE(NumberFormat::upTo(2).text(-10'000.5), "-10000,5");
+        for (const auto& [typed, value] :
+             {std::pair{"1.920", 1920.0}, {"1.920,5", 1920.5}, {"1.5", 1.5}, {"1,5", 1.5}})
+            QCOMPARE(NumberFormat::plain(2).value(typed), std::optional(value));
+        QLocale::setDefault(before);
         field.setValue(4.0 / 3);
         changed.clear();
         QTest::keyClick(&field, Qt::Key_Return);

@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QLocale>
 
 namespace qirn::test {
 
@@ -47,6 +48,7 @@ extern std::unique_ptr<QCoreApplication> makeTestApplication(int& argc, char** a
 /// reads itself. Without a name every class runs.
 int main(int argc, char** argv) {
     const auto app = makeTestApplication(argc, argv);
+    QLocale::setDefault(QLocale::c()); // numbers as on no desktop in particular
     if (argc > 2 && std::strcmp(argv[1], "--helper") == 0)
         return qirn::test::helpers().at(argv[2])(QCoreApplication::arguments().mid(3));
     const char* wanted = argc > 1 && std::strncmp(argv[1], "tst_", 4) == 0 ? argv[1] : nullptr;

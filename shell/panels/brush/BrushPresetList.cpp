@@ -43,6 +43,8 @@ struct Places {
             name = QRectF(inside.topLeft(), QSizeF(inside.width(), line));
             plate = QRectF(inside.left(), name.bottom(), inside.width(), picture.height());
         }
+        plate = ChromePaint::visual(inside, plate);
+        name = ChromePaint::visual(inside, name);
     }
 };
 

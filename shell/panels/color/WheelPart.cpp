@@ -68,8 +68,8 @@ WheelPart::WheelPart(Kind kind, ColorWheel& wheel, QWidget* parent)
 
 QString WheelPart::valueText() const {
     const HueColor& color = wheel_.color();
-    if (kind_ == Kind::hue) return tr("%1°").arg(std::lround(color.h * 360));
-    return tr("Saturation %1%, brightness %2%")
+    if (kind_ == Kind::hue) return tr("%L1°").arg(std::lround(color.h * 360));
+    return tr("Saturation %L1%, brightness %L2%")
         .arg(std::lround(color.s * 100))
         .arg(std::lround(color.v * 100));
 }

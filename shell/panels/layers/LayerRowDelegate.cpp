@@ -32,7 +32,7 @@ QRect thumbnailRoom(const QRect& cell, bool isClipping) {
 
 /// "100%", or "50% · Multiply".
 QString detailOf(const LayerState& layer) {
-    const QString opacity = LayerRowDelegate::tr("%1%").arg(std::lround(layer.opacity * 100));
+    const QString opacity = LayerRowDelegate::tr("%L1%").arg(std::lround(layer.opacity * 100));
     if (layer.blendMode == BlendMode::normal) return opacity;
     const char* mode = kBlendModes[static_cast<std::size_t>(layer.blendMode)].displayName;
     return QStringLiteral("%1 · %2").arg(opacity, QCoreApplication::translate("BlendMode", mode));
@@ -87,16 +87,22 @@ bool LayerRowDelegate::isShown(const LayerMark& mark, int row) const {
 
 QRect LayerRowDelegate::nameRoom(int row) const {
     const Metrics& m = QirnKitHost::metrics();
-    const QRect cell = list_.visualRect(rows_.index(row, static_cast<int>(LayerColumn::name)));
-    int right = list_.rowRect(row).right() - m.gap;
+    const QRect whole = list_.rowRect(row);
+    const QRect cell = cellRoom(row, LayerColumn::name);
+    int right = whole.right() - m.gap;
     for (const LayerMark& mark : kLayerMarks) {
-        const int left = list_.visualRect(rows_.index(row, static_cast<int>(mark.column))).left();
+        const int left = cellRoom(row, mark.column).left();
         if (left > cell.left() && isShown(mark, row)) right = std::min(right, left - m.inset);
     }
     QRect room = cell;
     room.setLeft(thumbnailRoom(cell, rows_.layer(row).isClipping).right() + 1 + m.gap);
     room.setRight(right);
-    return room;
+    return ChromePaint::visual(whole, room);
+}
+
+QRect LayerRowDelegate::cellRoom(int row, LayerColumn column) const {
+    return ChromePaint::visual(list_.rowRect(row),
+                               list_.visualRect(rows_.index(row, static_cast<int>(column))));
 }
 
 void LayerRowDelegate::paintMark(QPainter& painter, const QRect& cell, const LayerMark& mark, int row) const {
@@ -119,7 +125,11 @@ void LayerRowDelegate::paintName(QPainter& painter, const QStyleOptionViewItem& 
     const LayerState& layer = rows_.layer(row);
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     const QRect cell = list_.visualRect(rows_.index(row, static_cast<int>(LayerColumn::name)));
-    if (option.rect == cell) paintThumbnail(painter, thumbnailRoom(cell, layer.isClipping), row);
+    if (option.rect == cell)
+        paintThumbnail(painter,
+                       ChromePaint::visual(list_.rowRect(row),
+                                           thumbnailRoom(cellRoom(row, LayerColumn::name), layer.isClipping)),
+                       row);
     const QFont caption = ChromeFont::caption();
     const int top = QFontMetrics(option.font).height(), bottom = QFontMetrics(caption).height();
     QRect text = nameRoom(row);
@@ -165,10 +175,11 @@ QWidget* LayerRowDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
 void LayerRowDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem&,
                                             const QModelIndex& index) const {
     const Metrics& m = QirnKitHost::metrics();
-    QRect room = nameRoom(index.row());
+    const QRect whole = list_.rowRect(index.row());
+    QRect room = ChromePaint::visual(whole, nameRoom(index.row()));
     room.setLeft(room.left() - m.gap); // its text begins where the name does
-    room.setRight(list_.rowRect(index.row()).right() - m.inset);
-    editor->setGeometry(room.adjusted(0, m.inset, 0, -m.inset));
+    room.setRight(whole.right() - m.inset);
+    editor->setGeometry(ChromePaint::visual(whole, room.adjusted(0, m.inset, 0, -m.inset)));
 }
 
 } // namespace qirn

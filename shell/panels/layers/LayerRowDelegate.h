@@ -32,6 +32,8 @@ public:
 private:
     bool isShown(const LayerMark& mark, int row) const;
     QRect nameRoom(int row) const; ///< Up to the first mark that is shown.
+    /// As it would be read from left to right.
+    QRect cellRoom(int row, LayerColumn column) const;
     void paintMark(QPainter& painter, const QRect& cell, const LayerMark& mark, int row) const;
     void paintName(QPainter& painter, const QStyleOptionViewItem& option, int row) const;
     void paintThumbnail(QPainter& painter, const QRectF& room, int row) const;

@@ -57,7 +57,7 @@ QString spoken(const LayerState& layer) {
     QStringList words{layer.name};
     for (const LayerMark& mark : kLayerMarks)
         if (const char* word = layer.*mark.flag ? mark.word : mark.wordOff) words << LayerMark::text(word);
-    words << LayersModel::tr("opacity %1%").arg(std::lround(layer.opacity * 100));
+    words << LayersModel::tr("opacity %L1%").arg(std::lround(layer.opacity * 100));
     return words.join(QStringLiteral(", "));
 }
 

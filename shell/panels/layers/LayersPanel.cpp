@@ -156,7 +156,7 @@ void LayersPanel::refresh() {
     setEnabled(session != nullptr);
     if (!list_->refresh() || !session) return;
     const PaintDocument& doc = session->doc();
-    title_->setText(tr("Layers (%1)").arg(doc.layerCount()));
+    title_->setText(tr("Layers (%L1)").arg(doc.layerCount()));
     const QSignalBlocker blocked(blend_);
     blend_->setCurrentIndex(static_cast<int>(doc.activeLayer().blendMode));
     opacity_->setValue(doc.activeLayer().opacity);

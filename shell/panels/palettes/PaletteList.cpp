@@ -40,14 +40,15 @@ public:
         QRectF strip(name.right() - wide * kShownColors, row.rect.center().y() - high / 2,
                      wide * kShownColors, high);
         name.setRight(strip.left() - m.gap);
-        ChromePaint::text(*painter, name, Qt::AlignLeft | Qt::AlignVCenter, row.text, c.text);
+        ChromePaint::text(*painter, ChromePaint::visual(row.rect, name), Qt::AlignLeft | Qt::AlignVCenter,
+                          row.text, c.text);
         if (colors.isEmpty()) return;
         strip.setWidth(wide * static_cast<double>(colors.size()));
         for (qsizetype i = 0; i < colors.size(); ++i) {
             const QRectF part(strip.left() + wide * static_cast<double>(i), strip.top(), wide, high);
-            painter->fillRect(ChromePaint::snapped(*painter, part), colors[i]);
+            painter->fillRect(ChromePaint::snapped(*painter, ChromePaint::visual(row.rect, part)), colors[i]);
         }
-        ChromePaint::box(*painter, strip, 0, {}, c.edge);
+        ChromePaint::box(*painter, ChromePaint::visual(row.rect, strip), 0, {}, c.edge);
     }
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
         return {0, QirnKitHost::metrics().rowHeight};
@@ -82,7 +83,9 @@ public:
     }
     QVariant data(const QModelIndex& index, int role) const override {
         const Row& row = rows_[static_cast<std::size_t>(index.row())];
-        const auto words = [&row] { return PaletteList::tr("%1, %2 colors").arg(row.name).arg(row.count); };
+        const auto words = [&row] {
+            return PaletteList::tr("%1, %Ln colors", nullptr, static_cast<int>(row.count)).arg(row.name);
+        };
         switch (role) {
         case Qt::DisplayRole:
             return row.name;
