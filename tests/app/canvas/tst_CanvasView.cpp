@@ -127,6 +127,13 @@ private Q_SLOTS:
         studio.waitForPenEcho();
         studio.mouseDrag({100, 100}, {150, 100});
         QCOMPARE(studio.doc().undoDepth(), int64_t{2});
+        // Nor does one that is pushed during a stroke.
+        studio.penEvent(QEvent::TabletPress, {50, 150}, 1);
+        studio.canvas.clock = [before = studio.canvas.clock] { return before() + 0.2; };
+        studio.mouseDrag({300, 20}, {350, 20});
+        studio.penEvent(QEvent::TabletMove, {90, 150}, 1);
+        studio.penEvent(QEvent::TabletRelease, {90, 150}, 0);
+        QVERIFY(studio.layer().pixel(320, 20)[3] == 0 && studio.layer().pixel(70, 150)[3] == 255);
     }
 
     void theEraserEndErasesAndGivesTheToolBack() {
