@@ -188,7 +188,7 @@ QRect ChromeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
     const Metrics& m = QirnKitHost::metrics();
     const QRect rect = option->rect;
     const int arrow = m.chevron + m.gap;
-    const auto visual = [&](const QRect& part) { return visualRect(option->direction, rect, part); };
+    const auto visual = [&](const QRect& room) { return visualRect(option->direction, rect, room); };
     if (control == CC_ComboBox && part == SC_ComboBoxArrow)
         return visual({rect.right() + 1 - arrow, rect.top(), arrow - m.tightGap, rect.height()});
     if (control == CC_ComboBox && part == SC_ComboBoxEditField) {
