@@ -143,6 +143,9 @@ int runWindow(int& argc, char** argv, const CommandLine& line, OneStudio& studio
     const QtMessageHandler usual = qInstallMessageHandler(sayThereIsNoDisplay);
     QApplication app(argc, argv);
     qInstallMessageHandler(usual);
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator); // sizes read as painters write them: 1920 × 1080
+    QLocale::setDefault(locale);
     QTranslator words;
     if (words.load(QLocale(), QStringLiteral("qirnpaint"), QStringLiteral("_"),
                    QCoreApplication::applicationDirPath() +
