@@ -18,6 +18,7 @@
 #include <utility>
 
 #include <QElapsedTimer>
+#include <QLocale>
 #include <QScreen>
 #include <QTabletEvent>
 
@@ -429,6 +430,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setAttribute(Qt::AA_CompressTabletEvents, false);
     int one = 1;
     QApplication app(one, argv);
+    QLocale::setDefault(QLocale::c()); // numbers as on no desktop in particular
     qirn::QirnKit::install(QStringLiteral("Qirn Paint"));
     HandsOnX11 hands(server.folder(), QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
     return QTest::qExec(&hands, QStringList(app.arguments().first()));
