@@ -221,7 +221,7 @@ private Q_SLOTS:
             end();
             for (std::size_t left = requests.waitingSheets().size(); left > 0; --left) {
                 QTRY_COMPARE(requests.waitingSheets().size(), left - 1);
-                QTest::qWait(120);
+                QTest::qWait(120); // two looks of the timer, in which no other may come
                 QCOMPARE(requests.waitingSheets().size(), left - 1); // one after the other, behind the files
                 QVERIFY(studio.model.sheet() && requests.waiting().isEmpty());
                 studio.model.closeSheet();
