@@ -1,4 +1,5 @@
 #include "MemoryWatch.h"
+#include "OpenedDocument.h"
 #include "core/PaintDocument.h"
 #include "formats/openraster/OpenRaster.h"
 #include "platform/Bytes.h"
@@ -12,22 +13,6 @@
 using namespace qirn;
 
 namespace {
-
-/// Pictures that would take the run too long to compare, though the program opens them.
-bool isSmall(const PaintDocument& doc) {
-    constexpr int64_t kMostTiles = 64;
-    return doc.grid().count() * doc.layerCount() <= kMostTiles;
-}
-
-/// Tiles, and arrays of slots of 16 bytes.
-int64_t bytesHeldBy(const PaintDocument& doc) {
-    int64_t bytes = 0;
-    for (const LayerRef& layer : doc.layers()) {
-        if (!layer->tiles().holdsNothing()) bytes += doc.grid().count() * 16;
-        layer->tiles().forEachTile([&](int64_t, const Tile&) { bytes += kTileBytes; });
-    }
-    return bytes;
-}
 
 /// Premultiplied, and settings in their range.
 void check(const PaintDocument& doc) {
@@ -51,10 +36,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     {
         fuzz::MemoryWatch memory;
         doc = OpenRaster::read({data, size});
-        memory.requireWithin((doc ? bytesHeldBy(*doc) : 0) +
+        memory.requireWithin((doc ? fuzz::bytesHeldBy(*doc) : 0) +
                              fuzz::kMostFromOneByte * static_cast<int64_t>(size));
     }
-    if (!doc || !isSmall(*doc)) return 0;
+    if (!doc || !fuzz::isSmall(*doc)) return 0;
     check(*doc);
     const auto again = OpenRaster::read(bytesOf(OpenRaster::write(*doc, {})));
     require(again && again->grid() == doc->grid() && again->layerCount() == doc->layerCount());

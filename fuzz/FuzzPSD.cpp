@@ -1,4 +1,5 @@
 #include "MemoryWatch.h"
+#include "OpenedDocument.h"
 #include "core/PaintDocument.h"
 #include "formats/common/ByteReader.h"
 #include "formats/psd/PSDFile.h"
@@ -24,22 +25,6 @@ std::unique_ptr<PaintDocument> opened(std::span<const uint8_t> file) {
     }
 }
 
-/// Pictures that would take the run too long to compare, though the program opens them.
-bool isSmall(const PaintDocument& doc) {
-    constexpr int64_t kMostTiles = 64;
-    return doc.grid().count() * doc.layerCount() <= kMostTiles;
-}
-
-/// Tiles, and arrays of slots of 16 bytes.
-int64_t bytesHeldBy(const PaintDocument& doc) {
-    int64_t bytes = 0;
-    for (const LayerRef& layer : doc.layers()) {
-        if (!layer->tiles().holdsNothing()) bytes += doc.grid().count() * 16;
-        layer->tiles().forEachTile([&](int64_t, const Tile&) { bytes += kTileBytes; });
-    }
-    return bytes;
-}
-
 /// A name's zeros at its ends are not kept by the format, and a layer without a name gets one.
 void makeNamesPlain(const PaintDocument& doc) {
     for (const LayerRef& layer : doc.layers()) {
@@ -56,9 +41,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     {
         fuzz::MemoryWatch memory;
         doc = opened({data, size});
-        memory.requireWithin(doc ? bytesHeldBy(*doc) : fuzz::kMostFromOneByte * static_cast<int64_t>(size));
+        memory.requireWithin(doc ? fuzz::bytesHeldBy(*doc)
+                                 : fuzz::kMostFromOneByte * static_cast<int64_t>(size));
     }
-    if (!doc || !isSmall(*doc)) return 0;
+    if (!doc || !fuzz::isSmall(*doc)) return 0;
     makeNamesPlain(*doc);
     const auto again = opened(bytesOf(PSDFile::write(*doc, PSDFile::Layered::yes)));
     require(again && again->fingerprint() == doc->fingerprint());
