@@ -1,5 +1,6 @@
 #include "app/canvas/CanvasView.h"
 #include "app/commands/CommandRows.h"
+#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/Store.h"
 #include "app/edits/CanvasEdits.h"
 #include "app/edits/LayerEdits.h"
@@ -58,6 +59,19 @@ struct SheetWindow : Window {
         QTest::keyClick(QApplication::focusWidget(), key);
         QCoreApplication::processEvents();
     }
+};
+
+/// Other calls under a window, whose previews are read in the background: they end before the calls do.
+struct CallsUnderWindow {
+    explicit CallsUnderWindow(FileCalls changed) : calls(std::move(changed)) {}
+    CallsUnderWindow(const CallsUnderWindow&) = delete;
+    CallsUnderWindow& operator=(const CallsUnderWindow&) = delete;
+    ~CallsUnderWindow() {
+        for (BackgroundQueue* queue :
+             {&BackgroundQueue::files(), &BackgroundQueue::ownFiles(), &BackgroundQueue::previews()})
+            queue->finish();
+    }
+    FileCallsInstead calls;
 };
 
 } // namespace
@@ -359,7 +373,7 @@ private Q_SLOTS:
             return open.join(u' ');
         };
         const auto main = std::this_thread::get_id();
-        std::optional<FileCallsInstead> calls(
+        std::optional<CallsUnderWindow> calls(
             std::in_place, withEachCall(FileCalls::ofSystem(), [&](const char* call) {
                 // A folder that may not answer.
                 return qstrcmp(call, "stat") == 0 && std::this_thread::get_id() == main ? EIO : 0;
@@ -389,7 +403,7 @@ private Q_SLOTS:
             w.model.showSheet({PaintSheet::Kind::recovery});
         };
         {
-            const FileCallsInstead noLocks(withEachCall(FileCalls::ofSystem(), [](const char* name) {
+            const CallsUnderWindow noLocks(withEachCall(FileCalls::ofSystem(), [](const char* name) {
                 return qstrcmp(name, "flock") == 0 ? ENOLCK : 0;
             }));
             reopen();
