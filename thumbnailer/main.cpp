@@ -4,15 +4,18 @@
 #include "platform/Bytes.h"
 #include "platform/files/FileError.h"
 #include "platform/files/FilePath.h"
+#include "platform/files/OpenFile.h"
 #include "platform/files/ReadFile.h"
-#include "platform/files/TemporaryFile.h"
 #include "thumbnailer/Thumbnail.h"
 
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <new>
 #include <optional>
+
+#include <fcntl.h>
 
 using namespace qirn;
 
@@ -29,11 +32,14 @@ std::optional<int64_t> sideIn(const char* text) {
     return error == std::errc() && *end == '\0' && side >= 1 ? std::optional(side) : std::nullopt;
 }
 
-/// Under another name beside its own first. Not flushed to the disk: a thumbnail is made again.
+/// Into the file that is there: some file managers open one before the call and read from what they opened. Not flushed
+/// to the disk: a thumbnail is made again.
 void write(const char* path, const QByteArray& bytes) {
-    TemporaryFile file = TemporaryFile::hidden(path, 0600, FileCalls::inUse());
-    file.file().write(bytesOf(bytes), {});
-    file.moveTo(path);
+    const FileCalls& calls = FileCalls::inUse();
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    OpenFile file(checked([&] { return calls.open(path, kFlags, 0600); }), calls);
+    file.write(bytesOf(bytes), {});
+    file.close();
 }
 
 Exit failed(Exit how, const char* path, const char* words) {
@@ -45,6 +51,9 @@ Exit run(int64_t side, const char* document, const char* picture) {
     try {
         const auto preview = storedPreview(pathFromBytes(document));
         if (!preview) return failed(noPreview, document, "There is no preview in this file.");
+        std::error_code notThere;
+        if (std::filesystem::equivalent(document, picture, notThere))
+            return failed(notWritten, picture, "This is the document itself.");
         write(picture, thumbnail(*preview, side));
         return made;
     } catch (const ReadError& error) {

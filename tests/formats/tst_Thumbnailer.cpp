@@ -44,9 +44,11 @@ class tst_Thumbnailer : public QObject {
     QTemporaryDir folder_;
     QString output_ = folder_.filePath("out.png");
 
-    /// The exit code; on failure there is one line of words and no file, not even a hidden one.
+    /// The exit code. What is made comes into the file that was there, as a file manager holds it open; on failure there
+    /// is one line of words, and nothing in the file.
     int made(const QString& side, const QString& document, const QString& output) {
-        QFile::remove(output_);
+        QFile held(output_);
+        if (!held.open(QIODevice::ReadWrite | QIODevice::Truncate)) return -4;
         QProcess program;
         if (!isSanitized)
             program.setChildProcessModifier([] {
@@ -60,7 +62,7 @@ class tst_Thumbnailer : public QObject {
         const QByteArray words = program.readAllStandardError();
         const auto names = QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden);
         if (words.count('\n') != (isMade ? 0 : program.exitCode() == 2 ? 2 : 1)) return -2;
-        if (names.contains("out.png") != isMade || names.filter("qirn-").size() != 0) return -3;
+        if ((held.size() > 0) != isMade || names.filter("qirn-").size() != 0) return -3;
         return program.exitCode();
     }
     int made(const QString& side, const QByteArray& document) {
@@ -136,7 +138,8 @@ private Q_SLOTS:
 
     void wrongPlacesAndSizesEndAtOnce() {
         const QString document = folder_.filePath("good.qirnpaint"), pipe = folder_.filePath("pipe");
-        writeFile(document, PaintFile::encode(*richDocument()));
+        const QByteArray whole = PaintFile::encode(*richDocument());
+        writeFile(document, whole);
         QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
         forRows<QString, QString, QString, int>(
             {
@@ -145,12 +148,15 @@ private Q_SLOTS:
                 {"a folder", "128", folder_.path(), output_, 3},
                 {"no file", "128", "/no/such", output_, 3},
                 {"no folder for it", "128", document, "/no/such/out.png", 4},
+                {"a full disk for it", "128", document, "/dev/full", 4},
+                {"the document itself", "128", document, folder_.path() + "/./good.qirnpaint", 4},
                 {"no size", "0", document, output_, 2},
                 {"no number", "12x", document, output_, 2},
             },
             [&](const QString& side, const QString& in, const QString& out, const int& code) {
                 QCOMPARE(made(side, in, out), code);
             });
+        QCOMPARE(bytesAt(document), whole);
     }
 
     void itLoadsNoLibraryOfPicturesOrWindows() {
