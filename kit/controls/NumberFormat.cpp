@@ -11,7 +11,14 @@ namespace qirn {
 namespace {
 constexpr double kPlaceStep =
     0.01; // of the length: the least that a key moves where small values take more of it
+
+QString inPlainDigits(QString text) {
+    for (QChar& c : text)
+        if (c.isDigit()) c = QChar(u'0' + c.digitValue());
+    return text;
 }
+
+} // namespace
 
 QString NumberFormat::text(double value) const {
     return words ? words(value) : number(value) + QString::fromUtf8(suffix);
@@ -39,10 +46,13 @@ std::optional<double> NumberFormat::value(const QString& text) const {
     static const QRegularExpression grouped(QStringLiteral("^-?[1-9]\\d{0,2}([,.\\s]\\d{3})+$"));
     static const QRegularExpression separators(QStringLiteral("[,.\\s]"));
     if (groups && grouped.match(digits).hasMatch()) digits.remove(separators);
-    // As the locale has it; and else with a point or a comma, whichever of them it knows.
+    // As the locale has it, whose groups no zero begins; and else in any digits with a point or a comma.
+    static const QRegularExpression belowOne(QStringLiteral("^-?0[,.]"));
     bool ok = false;
-    double shown = QLocale().language() == QLocale::C ? 0 : QLocale().toDouble(digits, &ok);
-    if (!ok) shown = digits.replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
+    double shown = 0;
+    if (QLocale().language() != QLocale::C && !belowOne.match(digits).hasMatch())
+        shown = QLocale().toDouble(digits, &ok);
+    if (!ok) shown = inPlainDigits(digits).replace(u',', u'.').toDouble(&ok);
     if (!ok || !std::isfinite(shown)) return {};
     return shown / scale;
 }

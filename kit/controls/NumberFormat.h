@@ -31,7 +31,7 @@ struct NumberFormat {
     QString number(double value) const; ///< Without the suffix, by the user's locale.
     QString text(double value) const;
     /// The value meant by a typed text, with or without the suffix: by the user's locale, and where that does not know it
-    /// with a point or a comma; nothing if it is no number.
+    /// in any digits with a point or a comma; nothing if it is no number.
     std::optional<double> value(const QString& text) const;
 };
 

@@ -140,8 +140,12 @@ private Q_SLOTS:
         const QLocale before;
         QLocale::setDefault(QLocale(QLocale::German)); // its point groups
         QCOMPARE(NumberFormat::upTo(2).text(-10'000.5), "-10000,5");
-        for (const auto& [typed, value] :
-             {std::pair{"1.920", 1920.0}, {"1.920,5", 1920.5}, {"1.5", 1.5}, {"1,5", 1.5}})
+        for (const auto& [typed, value] : {std::pair{"1.920", 1920.0},
+                                           {"1.920,5", 1920.5},
+                                           {"1.5", 1.5},
+                                           {"1,5", 1.5},
+                                           {"0.125", 0.125},
+                                           {"٣,٥", 3.5}})
             QCOMPARE(NumberFormat::plain(2).value(typed), std::optional(value));
         QLocale::setDefault(before);
         field.setValue(4.0 / 3);
