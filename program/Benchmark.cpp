@@ -68,7 +68,8 @@ CanvasPresentation onScreen(PaintDocument& doc) {
     CanvasPresentation presentation;
     presentation.show(&doc);
     doc.takeDirtyParts(); // all are new to the screen
-    presentation.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}), 1);
+    presentation.prepare(ViewTransform(QSizeF(kWidth, kHeight), QSizeF(kWidth, kHeight), {1, {}, 0, false}),
+                         1);
     return presentation;
 }
 

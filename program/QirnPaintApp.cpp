@@ -23,6 +23,7 @@
 #include "program/PaintSample.h"
 #include "program/ProgramIcon.h"
 #include "program/SelfTest.h"
+#include "program/UserLanguage.h"
 #include "program/arguments/CommandLine.h"
 #include "program/arguments/DisplayArguments.h"
 #include "program/exporting/ExportPictures.h"
@@ -41,7 +42,6 @@
 #include <QFileOpenEvent>
 #include <QLocale>
 #include <QSessionManager>
-#include <QTranslator>
 #include <unistd.h>
 
 namespace qirn {
@@ -143,14 +143,8 @@ int runWindow(int& argc, char** argv, const CommandLine& line, OneStudio& studio
     const QtMessageHandler usual = qInstallMessageHandler(sayThereIsNoDisplay);
     QApplication app(argc, argv);
     qInstallMessageHandler(usual);
-    QLocale locale;
-    locale.setNumberOptions(QLocale::OmitGroupSeparator); // sizes read as painters write them: 1920 × 1080
-    QLocale::setDefault(locale);
-    QTranslator words;
-    if (words.load(QLocale(), QStringLiteral("qirnpaint"), QStringLiteral("_"),
-                   QCoreApplication::applicationDirPath() +
-                       QStringLiteral("/../share/qirnpaint/translations")))
-        QCoreApplication::installTranslator(&words);
+    const UserLanguage language(QLocale(), QCoreApplication::applicationDirPath() +
+                                               QStringLiteral("/../share/qirnpaint/translations"));
     studio.answer(); // not before: who hands over to a program that finds no display would wait for nothing
     app.setApplicationName(QStringLiteral("Qirn Paint"));
     app.setDesktopFileName(QStringLiteral("example.qirnpaint.QirnPaint"));

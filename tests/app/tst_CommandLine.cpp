@@ -4,6 +4,7 @@
 #include "formats/ImageImport.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
+#include "program/UserLanguage.h"
 #include "program/arguments/CommandLine.h"
 #include "program/exporting/ExportPictures.h"
 #include "support/FileFaults.h"
@@ -17,6 +18,9 @@
 
 #include <QMimeDatabase>
 #include <QTemporaryDir>
+#include <poll.h>
+#include <pty.h>
+#include <unistd.h>
 
 using namespace qirn;
 using namespace qirn::test;
@@ -24,6 +28,34 @@ using namespace qirn::test;
 namespace {
 
 volatile std::sig_atomic_t theSignals = 0;
+
+constexpr int kColumns = 32;
+
+/// Standard error is a terminal as long as it lives.
+class Terminal {
+public:
+    Terminal() {
+        const winsize size{24, kColumns, 0, 0};
+        if (::openpty(&screen_, &errors_, nullptr, nullptr, &size) < 0) qFatal("There is no terminal.");
+        ::dup2(errors_, STDERR_FILENO);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal() {
+        ::dup2(before_, STDERR_FILENO);
+        for (const int file : {before_, screen_, errors_}) ::close(file);
+    }
+    QByteArray told() const {
+        QByteArray all;
+        std::array<char, 4096> piece{};
+        for (pollfd ready{screen_, POLLIN, 0}; ::poll(&ready, 1, 0) > 0;)
+            all.append(piece.data(), std::max<ssize_t>(0, ::read(screen_, piece.data(), piece.size())));
+        return all;
+    }
+
+private:
+    int before_ = ::dup(STDERR_FILENO), screen_ = -1, errors_ = -1;
+};
 
 } // namespace
 
@@ -55,9 +87,18 @@ private Q_SLOTS:
 
     void whatFailsLetsTheOthersBeWritten() {
         const QString a = at("a.png"), b = QUrl::fromLocalFile(at("b.qirnpaint")).toString();
+        QVERIFY(QFile::copy(at("b.qirnpaint"), at("a name of more than one line.qirnpaint")));
+        Terminal terminal;
         QCOMPARE(exported({"JPG", "--quality", "50", a, at("broken.png"), "--background=#f00",
-                           at("missing.png"), b, at("out")}),
+                           at("missing.png"), b, at("a name of more than one line.qirnpaint"), at("out")}),
                  1);
+        const QByteArray told = terminal.told();
+        for (const char* name : {"broken.png", "missing.png"})
+            QVERIFY2(told.contains(("Couldn't open " + at(name) + ": ").toUtf8()), told.constData());
+        for (const QByteArray& shown : told.split('\x1b'))
+            if (shown.contains('%')) QVERIFY(QString::fromUtf8(shown.mid(2).trimmed()).size() < kColumns);
+        QVERIFY2(told.contains("Exporting a …"), told.constData());
+        QVERIFY(QFile::remove(at("out/a name of more than one line.jpg")));
         QCOMPARE(QDir(at("out")).entryList(QDir::Files), QStringList({"a.jpg", "b.jpg"}));
         const PaintColor red(1, 0, 0);
         QCOMPARE(bytesAt(at("out/a.jpg")), expected("a.png", ExportFormat::jpeg, 0.5, red));
@@ -124,6 +165,31 @@ private Q_SLOTS:
         QCOMPARE(names(), files);
         QVERIFY(
             QDir(at("out")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot));
+    }
+
+    void theWindowSpeaksTheUsersLanguageWhereItCan() {
+        QByteArray words =
+            QByteArray::fromHex("3cb86418caef9c95cd211cbf60a1bddd"); // of a file that holds nothing
+        words += QByteArray::fromHex("4200000008 0000000000000000 6900000001 01");
+        writeFile(at("qirnpaint_ar.qm"), words);
+        const QLocale before;
+        const struct {
+            const char* user;
+            QString folder, number;
+            Qt::LayoutDirection direction;
+        } rows[] = {
+            {"ar_EG", folder_->path(), QStringLiteral("١٩٢٠٫٥"), Qt::RightToLeft},
+            {"ar_EG", at("out"), "1920.5", Qt::LeftToRight},
+            {"de_DE", folder_->path(), "1920,5", Qt::LeftToRight},
+        };
+        for (const auto& row : rows) {
+            QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+            const UserLanguage language(QLocale(row.user), row.folder);
+            QCOMPARE(QLocale().toString(1920.5, 'f', 1), row.number);
+            QCOMPARE(QGuiApplication::layoutDirection(), row.direction);
+        }
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+        QLocale::setDefault(before);
     }
 
     void theDesktopKnowsWhatTheProgramDoes() {
