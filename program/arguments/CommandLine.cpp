@@ -59,10 +59,15 @@ CommandLine CommandLine::parsed(const QStringList& arguments) {
     const auto end = std::find(arguments.begin() + std::min<qsizetype>(1, arguments.size()), arguments.end(),
                                QStringLiteral("--"));
     const auto options = QStringList(arguments.begin(), end);
+    if (options.isEmpty()) return line;
     for (const OptionRow& row : kOptions) {
-        const qsizetype at = options.indexOf(QLatin1String(row.option), 1);
-        if (at < 0 || line.mode != Mode::none) continue;
-        if (row.mode == Mode::makeSample) line.samplePath = options.value(at + 1);
+        const auto at = std::find_if(options.begin() + 1, options.end(), [&](const QString& word) {
+            return word.section(u'=', 0, 0) == QLatin1String(row.option);
+        });
+        if (at == options.end() || line.mode != Mode::none) continue;
+        if (row.mode == Mode::makeSample)
+            line.samplePath =
+                at->contains(u'=') ? at->section(u'=', 1) : options.value(at - options.begin() + 1);
         if (row.mode != Mode::makeSample || !line.samplePath.isEmpty()) line.mode = row.mode;
     }
     for (qsizetype i = 1; i < arguments.size(); ++i) {

@@ -3,8 +3,10 @@
 #include "platform/files/FilePath.h"
 #include "program/exporting/Interruption.h"
 
+#include <algorithm>
 #include <cstdio>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace qirn {
@@ -22,6 +24,22 @@ QByteArray printable(QString text) {
     return bytesOfPath(text);
 }
 
+/// Cut in the middle, so that it and the percents have one line of the terminal: only that can be taken back. Signs
+/// beyond Latin may be two columns wide.
+QString fitted(QString text) {
+    constexpr int kPercents = 6;
+    winsize size{};
+    const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    const int room = (isKnown ? size.ws_col : 80) - kPercents;
+    const auto width = [&text] {
+        return text.size() +
+               std::count_if(text.begin(), text.end(), [](QChar c) { return c > u'ɏ' && c != u'…'; });
+    };
+    if (width() <= room) return text;
+    while (!text.isEmpty() && width() >= room) text.remove(text.size() / 2, 1);
+    return text.insert(text.size() / 2, u'…');
+}
+
 } // namespace
 
 ExportConsole::ExportConsole() : isTerminal_(::isatty(STDERR_FILENO) == 1) {}
@@ -33,7 +51,7 @@ void ExportConsole::say(const QString& line) {
 
 void ExportConsole::begin(const QString& work) {
     const std::lock_guard lock(writing_);
-    work_ = printable(work);
+    work_ = printable(fitted(work));
     shown_ = {};
 }
 

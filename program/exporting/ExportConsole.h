@@ -14,7 +14,7 @@ public:
     ExportConsole();
 
     void say(const QString& line);   ///< Names in it may hold any bytes and signs.
-    void begin(const QString& work); ///< What is shown with the percents from now on.
+    void begin(const QString& work); ///< What is shown with the percents from now on, cut to one line.
     void end();                      ///< The line that changes goes.
     bool isTerminal() const { return isTerminal_; }
 

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <sys/stat.h>
 
 namespace qirn {
@@ -45,7 +46,7 @@ public:
         QString failing = PictureFiles::tr("Couldn't export") + u' ' + place; // what is about to be tried
         try {
             if (const QString reason = whyNotTo(place); !reason.isEmpty()) return fail(failing, reason);
-            console_.begin(PictureFiles::tr("Exporting %1…").arg(place));
+            console_.begin(PictureFiles::tr("Exporting %1…").arg(QFileInfo(place).fileName()));
             const Progress progress(console_);
             const QString writing = std::exchange(failing, PictureFiles::tr("Couldn't open %1").arg(picture));
             const ReadPicture read = readPicture(picture, progress.part(0, kRead));
@@ -66,8 +67,7 @@ private:
     QString whyNotTo(const QString& place) const {
         const auto identity = identityOf(place);
         if (identity && read_.contains(*identity)) return tr("It is one of the pictures that are exported.");
-        if (identity && written_.contains(*identity))
-            return tr("It was written just now, from another picture.");
+        if (identity && written_.contains(*identity)) return tr("It was written just now.");
         return {};
     }
 

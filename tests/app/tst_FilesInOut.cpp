@@ -221,6 +221,7 @@ private Q_SLOTS:
              {"/a", absolutePath("-b"), absolutePath("--selftest"), absolutePath("--")}},
             {{"--benchmark", "--selftest"}, Mode::selfTest, {}},
             {{"--make-sample"}, Mode::none, {}},
+            {{"--export=png", "/a", "/b"}, Mode::exportPictures, {}},
             {{"--version", "--help"}, Mode::help, {}},
             {{"--recover", "--benchmark"}, Mode::benchmark, {}},
             {{"--recover", "/a", "--new-canvas", "--help"}, Mode::newCanvas, {"/a"}},
