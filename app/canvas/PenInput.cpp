@@ -42,8 +42,8 @@ PenSample PenInput::sampleOf(const QTabletEvent& event, QPointF view, double now
     sample.pressure =
         std::isfinite(event.pressure()) ? event.pressure() : 1; // a device without a range of its own
     sample.fromPen = true;
-    sample.tiltX = event.xTilt();
-    sample.tiltY = event.yTilt();
+    sample.tiltX = std::isfinite(event.xTilt()) ? event.xTilt() : 0;
+    sample.tiltY = std::isfinite(event.yTilt()) ? event.yTilt() : 0;
     sample.time = secondsOf(event, now);
     sample.modifiers = event.modifiers() | keysHeld_;
     return sample;

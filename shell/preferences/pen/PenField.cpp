@@ -62,18 +62,18 @@ void PenField::mouseReleaseEvent(QMouseEvent* event) {
 void PenField::penEvent(const QTabletEvent& event) {
     if (event.type() == QEvent::TabletPress) input_.setPenDown(true);
     if (event.type() == QEvent::TabletRelease) input_.setPenDown(false);
-    const double time = now();
+    const PenSample sample = input_.sampleOf(event, event.position(), now());
     PenReading reading;
     reading.device = event.pointingDevice()->name();
     reading.pointer = event.pointerType();
     reading.fromPen = true;
-    reading.pressure = event.pressure();
-    reading.shaped = shapedPressure(event.pressure(), model_.prefs().pressureCurve);
-    reading.tiltX = event.xTilt();
-    reading.tiltY = event.yTilt();
+    reading.pressure = sample.pressure;
+    reading.shaped = shapedPressure(sample.pressure, model_.prefs().pressureCurve);
+    reading.tiltX = sample.tiltX;
+    reading.tiltY = sample.tiltY;
     const bool isEraser = event.pointerType() == QPointingDevice::PointerType::Eraser;
     reading.erases = isEraser && model_.prefs().tabletEraserSwitches;
-    follow(event.type(), input_.sampleOf(event, event.position(), time), event.position(), reading);
+    follow(event.type(), sample, event.position(), reading);
     input_.penHandled(now());
 }
 
