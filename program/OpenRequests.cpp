@@ -5,6 +5,7 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "app/model/PictureFiles.h"
+#include "program/X11Activation.h"
 
 #include <algorithm>
 #include <utility>
@@ -66,7 +67,8 @@ void OpenRequests::comeForward(const QByteArray& token) {
     window_->show();
     front.raise();
     front.activateWindow();
-    QApplication::alert(&front); // where the desktop does not let it come
+    if (!comeForwardOnX11(front, token))
+        QApplication::alert(&front); // where the desktop does not let it come
 }
 
 } // namespace qirn
