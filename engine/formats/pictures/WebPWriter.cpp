@@ -131,7 +131,7 @@ std::optional<QByteArray> webpBytes(std::shared_ptr<const RGBABuffer> source, st
     WebPPicture picture;
     if (!choose(config, quality) || !WebPPictureInit(&picture)) return std::nullopt;
     const std::unique_ptr<WebPPicture, Releaser<WebPPictureFree>> release(&picture);
-    if (!fill(picture, *source)) return std::nullopt;
+    if (!fill(picture, *source)) throw std::bad_alloc();
     source.reset();
     picture.progress_hook = tellProgress;
     picture.user_data = &work;
@@ -139,6 +139,10 @@ std::optional<QByteArray> webpBytes(std::shared_ptr<const RGBABuffer> source, st
     picture.custom_ptr = &work;
     const bool isDone = WebPEncode(&config, &picture) != 0;
     if (work.isCancelled) throw Cancelled();
+    constexpr WebPEncodingError kNoMemory[] = {
+        VP8_ENC_ERROR_OUT_OF_MEMORY, VP8_ENC_ERROR_BITSTREAM_OUT_OF_MEMORY, VP8_ENC_ERROR_BAD_WRITE};
+    if (!isDone && std::ranges::find(kNoMemory, picture.error_code) != std::end(kNoMemory))
+        throw std::bad_alloc();
     if (!isDone) return std::nullopt;
     WebPPictureFree(&picture);
 
