@@ -13,15 +13,49 @@ namespace qirn {
 
 namespace {
 
-constexpr int kMostKept = 4096; // values of the one member that is wanted
+// Of the one member that is wanted: its values, and 16 bytes of text each time.
+constexpr std::size_t kMostKept = 4096, kTextBytes = 16;
+constexpr int64_t kLongestWord = 1 << 20; // bytes; the parser keeps a text or a number until it ends
+
+/// The bytes of a text that comes in pieces. It ends within a word that is too long; that is noted, and a zero byte, at
+/// which the parser would stop.
+class Pieces {
+public:
+    explicit Pieces(const std::function<std::span<const uint8_t>()>& next) : next_(next) { fetch(); }
+
+    bool isAtEnd() const { return rest_.empty(); }
+    uint8_t front() const { return rest_.front(); }
+    void advance() {
+        rest_ = rest_.subspan(1);
+        if (++wordBytes_ > kLongestWord) {
+            isSound_ = false;
+            rest_ = {};
+        } else if (rest_.empty()) {
+            fetch();
+        }
+    }
+    void wordEnds() { wordBytes_ = 0; }
+    bool isSound() const { return isSound_; }
+
+private:
+    void fetch() {
+        rest_ = next_();
+        isSound_ = isSound_ && std::find(rest_.begin(), rest_.end(), 0) == rest_.end();
+    }
+
+    const std::function<std::span<const uint8_t>()>& next_;
+    std::span<const uint8_t> rest_;
+    int64_t wordBytes_ = 0;
+    bool isSound_ = true;
+};
 
 /// Builds the value from parser events, counting the depth as it goes: the parser itself does not recurse, so a
 /// file of a million brackets ends here and not in the stack.
 class DepthLimitedBuilder {
 public:
     DepthLimitedBuilder() = default;
-    /// Keeps only that member of the object that is the text.
-    explicit DepthLimitedBuilder(std::string_view member) : member_(member) {}
+    /// Keeps only that member of the object that is the text, and tells the pieces of each event.
+    DepthLimitedBuilder(std::string_view member, Pieces& pieces) : member_(member), pieces_(&pieces) {}
 
     using number_integer_t = Json::number_integer_t;
     using number_unsigned_t = Json::number_unsigned_t;
@@ -36,27 +70,34 @@ public:
     bool number_integer(number_integer_t v) { return add(v); }
     bool number_unsigned(number_unsigned_t v) { return add(v); }
     bool number_float(number_float_t v, const string_t&) { return add(v); }
-    bool string(string_t& v) { return add(std::move(v)); }
+    bool string(string_t& v) { return mayKeep(v) && add(std::move(v)); }
     bool binary(binary_t&) { return false; }
     bool start_object(std::size_t) { return open(Json::object()); }
     bool start_array(std::size_t) { return open(Json::array()); }
     bool end_object() { return close(); }
     bool end_array() { return close(); }
     bool key(string_t& name) {
+        heard();
         if (member_ && depth_ == 1) isSkipping_ = name != *member_;
+        if (!mayKeep(name)) return false;
         if (!isSkipping_) keys_.back() = std::move(name);
         return true;
     }
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) { return false; }
 
 private:
+    void heard() {
+        if (pieces_) pieces_->wordEnds();
+    }
     template <class Value> bool add(Value&& value) {
+        heard();
         if (isSkipping_) return true;
         if (!mayGrow()) return false;
         put(Json(std::forward<Value>(value)));
         return true;
     }
-    bool mayGrow() { return !member_ || ++kept_ <= kMostKept; }
+    bool mayGrow(std::size_t by = 1) { return !member_ || (kept_ += by) <= kMostKept; }
+    bool mayKeep(const string_t& text) { return isSkipping_ || mayGrow(text.size() / kTextBytes); }
     Json* put(Json value) {
         if (open_.empty()) {
             root = std::move(value);
@@ -72,6 +113,7 @@ private:
         return &member;
     }
     bool open(Json container) {
+        heard();
         if (depth_ >= kJsonMaxDepth || (member_ && depth_ == 0 && !container.is_object())) return false;
         ++depth_;
         if (isSkipping_) return true;
@@ -81,6 +123,7 @@ private:
         return true;
     }
     bool close() {
+        heard();
         --depth_;
         if (isSkipping_) return true;
         open_.pop_back();
@@ -92,32 +135,9 @@ private:
     std::vector<std::string> keys_;
     int depth_ = 0; // of all that is open, kept or not
     std::optional<std::string> member_;
+    Pieces* pieces_ = nullptr;
     bool isSkipping_ = false; // up to the next key of the outermost object
-    int kept_ = 0;
-};
-
-/// The bytes of a text that comes in pieces. A zero byte, at which the parser would stop, is noted.
-class Pieces {
-public:
-    explicit Pieces(const std::function<std::span<const uint8_t>()>& next) : next_(next) { fetch(); }
-
-    bool isAtEnd() const { return rest_.empty(); }
-    uint8_t front() const { return rest_.front(); }
-    void advance() {
-        rest_ = rest_.subspan(1);
-        if (rest_.empty()) fetch();
-    }
-    bool hadZero() const { return hadZero_; }
-
-private:
-    void fetch() {
-        rest_ = next_();
-        hadZero_ = hadZero_ || std::find(rest_.begin(), rest_.end(), 0) != rest_.end();
-    }
-
-    const std::function<std::span<const uint8_t>()>& next_;
-    std::span<const uint8_t> rest_;
-    bool hadZero_ = false;
+    std::size_t kept_ = 0;
 };
 
 /// As the parser wants it; the end has no pieces.
@@ -160,8 +180,8 @@ std::optional<Json> parseJson(std::span<const uint8_t> text) {
 std::optional<Json> parseJsonMember(const std::function<std::span<const uint8_t>()>& nextPiece,
                                     std::string_view key) {
     Pieces pieces(nextPiece);
-    DepthLimitedBuilder builder(key);
-    if (!Json::sax_parse(PieceIterator{&pieces}, PieceIterator{}, &builder) || pieces.hadZero())
+    DepthLimitedBuilder builder(key, pieces);
+    if (!Json::sax_parse(PieceIterator{&pieces}, PieceIterator{}, &builder) || !pieces.isSound())
         return std::nullopt;
     const auto found = builder.root.find(key);
     return found == builder.root.end() ? Json() : std::move(*found);

@@ -26,9 +26,9 @@ inline constexpr int kJsonMaxDepth = 32;
 /// `kJsonMaxDepth`. Memory stays in proportion to the text.
 std::optional<Json> parseJson(std::span<const uint8_t> text);
 
-/// One member of the object that a text is, of a few thousand values at most; null where it has none. The text comes in pieces, of which
-/// an empty one is its end. All of it is judged as by `parseJson`, but only the member is kept: what it takes does not grow
-/// with the text, apart from its longest string.
+/// One member of the object that a text is, of 64 KB or a few thousand values at most; null where it has none. The text
+/// comes in pieces, of which an empty one is its end. All of it is judged as by `parseJson`, and more than 1 MB of one
+/// string, of one number or of blanks refused; only the member is kept: memory does not grow with the text.
 std::optional<Json> parseJsonMember(const std::function<std::span<const uint8_t>()>& nextPiece,
                                     std::string_view key);
 
