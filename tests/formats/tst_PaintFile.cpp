@@ -6,6 +6,7 @@
 #include "platform/Bytes.h"
 #include "platform/Parallel.h"
 #include "support/NativeFiles.h"
+#include "support/PictureFiles.h"
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
@@ -137,8 +138,10 @@ private Q_SLOTS:
         for (const auto& [width, height] :
              {std::pair{319, 200}, {320, 320}, {333, 222}, {1111, 777}, {3, 5000}}) {
             const auto doc = randomDocument(width, height, 3, 11);
-            const auto preview = PaintFile::thumbnailOf(bytesOf(PaintFile::encode(*doc)));
+            const QByteArray file = PaintFile::encode(*doc);
+            const auto preview = PaintFile::thumbnailOf(bytesOf(file));
             QVERIFY(preview);
+            QVERIFY(file.contains("pHYs" + bigEndianWords({2835, 2835}) + '\1')); // 72 dots an inch
             const QImage expected = ImageExport::scaled(flattenedImage(*doc), PaintFile::kPreviewSide);
             QCOMPARE(firstDifference(*RGBABuffer::fromImage(*preview), *RGBABuffer::fromImage(expected)),
                      QString());
