@@ -10,6 +10,7 @@
 #include "kit/QirnKit.h"
 #include "kit/style/ChromePaint.h"
 #include "platform/Bytes.h"
+#include "platform/Progress.h"
 #include "platform/files/ReadFile.h"
 
 #include <QCoreApplication>
@@ -21,14 +22,24 @@ namespace {
 
 constexpr int64_t kMostBytes = 16 * 1024 * 1024; // of a picture that is decoded for its preview
 
-QImage previewIn(const QString& path) {
+/// Stops what is not wanted any more.
+class Wanted : public ProgressWatcher {
+public:
+    explicit Wanted(const std::atomic<bool>& wanted) : wanted_(wanted) {}
+    bool goesOn(double) override { return wanted_; }
+
+private:
+    const std::atomic<bool>& wanted_;
+};
+
+QImage previewIn(const QString& path, const Progress& progress) {
     if (FileTypes::isNative(path)) {
         const auto preview = storedPreview(path);
         return preview ? preview->makeImage() : QImage();
     }
     const QByteArray bytes = readFile(path, kMostBytes);
-    const auto document = ImageImport::document(bytesOf(bytes), {});
-    return previewOf(snapshot(*document), PaintFile::kPreviewSide);
+    const auto document = ImageImport::imported(bytesOf(bytes), progress).document;
+    return previewOf(snapshot(*document), PaintFile::kPreviewSide, progress);
 }
 
 } // namespace
@@ -52,7 +63,8 @@ void FilePreview::setFile(const QString& path) {
     BackgroundQueue::previews().run([this, path, wanted = wanted_] {
         if (!*wanted) return; // another has been chosen, or the panel is gone
         QImage read;
-        contained([&] { read = previewIn(path); });
+        Wanted watcher(*wanted);
+        contained([&] { read = previewIn(path, Progress(watcher)); });
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [this, read, wanted] {

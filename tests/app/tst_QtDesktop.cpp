@@ -7,9 +7,11 @@
 #include "formats/native/PaintFile.h"
 #include "kit/controls/MessageBox.h"
 #include "support/Files.h"
+#include "support/PictureFiles.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -135,6 +137,19 @@ private Q_SLOTS:
             QVERIFY2(preview.image().isNull() != shows, name);
             if (shows) QCOMPARE(preview.image().pixelColor(10, 10), QColor(Qt::blue));
         }
+        writeFile(folder.filePath("d.png"),
+                  pngFile(20'000, 20'000, QByteArray("\1\0\0\0\0", 5), QByteArray(20'000 * 2501, 0)));
+        qint64 taken[2];
+        for (const bool isWanted : {true, false}) {
+            QElapsedTimer timer;
+            timer.start();
+            preview.setFile(folder.filePath("d.png"));
+            QTest::qSleep(20);
+            if (!isWanted) preview.setFile({});
+            BackgroundQueue::previews().finish();
+            taken[isWanted] = timer.elapsed();
+        }
+        QVERIFY(taken[false] < taken[true] / 2);
         auto labels = panel.findChildren<QLabel*>();
         QVERIFY(std::any_of(labels.begin(), labels.end(),
                             [](QLabel* label) { return label->text() == "A message"; }));
