@@ -2,6 +2,7 @@
 #include "compositing/CompositeInputs.h"
 #include "formats/common/AreaReducer.h"
 #include "formats/openraster/OpenRaster.h"
+#include "formats/pictures/PngReader.h"
 #include "formats/pictures/PngWriter.h"
 #include "platform/Parallel.h"
 #include "support/Files.h"
@@ -23,6 +24,7 @@ struct Entry {
     uint32_t claimed = 0; ///< Its size; 0: the true one.
     uint16_t flags = 0;   ///< 1: encrypted.
     int at = -1;          ///< Whose bytes it names; -1: its own.
+    uint64_t method = 0;  ///< Of packing; 0: as it is, or Deflate.
 };
 QByteArray number(uint64_t value, int bytes) { // low byte first
     QByteArray result;
@@ -38,7 +40,7 @@ QByteArray archive(const std::vector<Entry>& entries) {
         const uLong sum = crc32(0, reinterpret_cast<const Bytef*>(entry.bytes.constData()),
                                 static_cast<uInt>(entry.bytes.size()));
         const QByteArray facts =
-            number(20, 2) + number(entry.flags, 2) + number(entry.isPacked ? 8 : 0, 2) +
+            number(20, 2) + number(entry.flags, 2) + number(entry.isPacked ? 8 : entry.method, 2) +
             number(0x21 << 16, 4) + number(sum, 4) + number(static_cast<uint64_t>(body.size()), 4) +
             number(entry.claimed ? entry.claimed : static_cast<uint64_t>(entry.bytes.size()), 4) +
             number(static_cast<uint64_t>(entry.name.size()), 2) + number(0, 2);
@@ -195,6 +197,19 @@ private Q_SLOTS:
             QCOMPARE(doc->layer(0).contentBounds(), dotAt.intersection(doc->grid().bounds()));
             QCOMPARE(text(doc->layer(0).pixel(x + 4, y + 4)), "100,50,25,128");
         }
+        // Of the profiles that differ the first four count in a small file, and each for all that have it.
+        std::vector<Entry> pictures;
+        QByteArray list = kEnd;
+        for (const uint32_t gamma : {1, 1, 2, 3, 4, 1, 5}) {
+            list.prepend("<layer src='" + QByteArray::number(pictures.size()) + "'/>");
+            pictures.push_back({QByteArray::number(pictures.size()),
+                                withPngChunk(dot(), "gAMA", bigEndianWords({99'999 + gamma}))});
+        }
+        const auto several = OpenRaster::read(bytesOf(fileOf(kImage + list, pictures)));
+        for (int64_t i = 0; i < 7; ++i)
+            QCOMPARE(text(several->layer(i).pixel(4, 4)), i == 6 ? "100,50,25,128" : "115,84,61,128");
+        PngProfiles profiles(1);
+        QCOMPARE(profiles.of(bytesOf(pictures[0].bytes)), profiles.of(bytesOf(pictures[1].bytes)));
         // 16 bits become 8.
         QImage deep(3, 3, QImage::Format_RGBA64);
         deep.fill(QColor::fromRgba64(65535, 32896, 0, 65535));
@@ -218,6 +233,15 @@ private Q_SLOTS:
             return fileOf(kImage + stack + kEnd, {entry});
         };
         const QByteArray odd = "<layer name='a' src='odd'/>";
+        const auto deep = [](const QByteArray& before) {
+            return archive({{"stack.xml", before + QByteArray("<a>").repeated(2'000'000), true}});
+        };
+        const auto attributes = [](int count) { // in UTF-16
+            QString tag = QChar(QChar::ByteOrderMark) + QString::fromLatin1(kImage + "<b");
+            for (int i = 0; i < count; ++i) tag += QString(" a%1=\"'>\"").arg(i);
+            tag += QString::fromLatin1("/>" + layer("a") + kEnd);
+            return QByteArray(reinterpret_cast<const char*>(tag.constData()), 2 * tag.size());
+        };
         forRows<QByteArray, QByteArray>(
             {{"no archive", "PK\3\4 and no more", "refused"},
              {"no list", archive({{"mimetype", "image/openraster"}}), "refused"},
@@ -232,6 +256,11 @@ private Q_SLOTS:
               "Background normal 1|Opened as one layer: damaged list of layers."},
              {"entities", fileOf("<!DOCTYPE image [<!ENTITY a 'aaa'>]>" + one), "refused"},
              {"too deep", fileOf(kImage + QByteArray("<stack>").repeated(100'000)), "refused"},
+             {"deep in the picture", deep("<image w='64' h='64'>"), "refused"},
+             {"deep in a group", deep(kImage), "refused"},
+             {"deep in a layer", deep(kImage + "<layer>"), "refused"},
+             {"64 attributes", fileOf(attributes(64)), opened},
+             {"65 attributes", fileOf(attributes(65)), "refused"},
              {"too many layers", fileOf(kImage + QByteArray("<layer/>").repeated(40'000) + kEnd), "refused"},
              {"a long tag", fileOf(kImage + "<layer name='" + QByteArray(40'000, 'a') + "'/>" + kEnd),
               "refused"},
@@ -245,8 +274,17 @@ private Q_SLOTS:
              {"a layer that is a bomb", with(odd, {"odd", blank, true}), missing},
              {"a picture that is a bomb", with(odd, {"odd", dot() + blank, true}),
               "a normal 1|Opened without: damaged parts of layers."},
+             {"layers of one picture with much behind it",
+              with(odd.repeated(3), {"odd", dot() + QByteArray(12 << 20, 0), true}),
+              "a normal 1|a normal 1|a normal 1|Opened without: damaged parts of layers."},
              {"far outside", with(layer("a", "x='-999999' y='123456789'"), {}), opened},
              {"a size that lies", with(odd, {"odd", dot(), true, 0xFFFFFFF0}), opened},
+             {"a type that is packed by bzip2, empty",
+              archive(
+                  {{"mimetype", QByteArray("BZh9\x17\x72\x45\x38\x50\x90\0\0\0\0", 14), false, 0, 0, -1, 12},
+                   {"stack.xml", one},
+                   {"data/dot.png", dot()}}),
+              opened},
              {"encrypted", with(odd, {"odd", dot(), false, 0, 1}), missing},
              {"names that lead out", with("<layer name='a' src='../../etc/passwd'/>", {"/etc/passwd", dot()}),
               missing},

@@ -20,6 +20,7 @@ struct PixelLayout {
     bool hasAlpha = false;
     bool isInverted = false; ///< CMYK only: 0 is full ink, as Adobe's programs store it.
 
+    bool operator==(const PixelLayout&) const = default;
     int colorChannels() const;
     int pixelBytes() const;
 };

@@ -49,7 +49,7 @@ struct LayerStack {
 inline constexpr int64_t kMostStackBytes = 6 << 20;
 
 /// Nothing where it is damaged, declares entities, nests deeper than 64, has more than 32,768 layers or a tag of more than
-/// 32 KiB, which takes parsers long.
+/// 32,768 letters or 64 attributes. Prefixes of names are taken as they are written.
 std::optional<LayerStack> readStack(const QByteArray& xml);
 
 /// The name of a layer's PNG.

@@ -23,11 +23,15 @@ namespace {
 
 constexpr int64_t kPngHead = 24; // to behind the size
 // An entry may be unpacked to so much: PNG is packed already, but blank pictures pack again.
+// Beyond what a layer's pixels need, all of them share that.
 constexpr int64_t kUnpackedBytes = 16 << 20, kUnpackedAByte = 64;
+constexpr int64_t kNeededAPixel = 8, kNeededAPicture = 4096; // of 16 bits; with a profile
+constexpr std::size_t kProfiles = 4, kBytesAProfile = 256 << 10;
 // The layers of a file may need so much: one layer of the largest canvas, and for each byte what it can hold in a PNG.
-constexpr int64_t kHarmlessBytes = int64_t{PaintEngine::maxCanvasSide} * PaintEngine::maxCanvasSide * 4;
+constexpr int64_t kMostColumns = (PaintEngine::maxCanvasSide + kTileSize - 1) / kTileSize;
 constexpr int64_t kBytesAByte = 4 * 1040;
 constexpr int64_t kSlotBytes = 16;
+constexpr int64_t kHarmlessBytes = kMostColumns * kMostColumns * (kTileBytes + kSlotBytes);
 constexpr int64_t kLayersAtOnce = 4; // each decoder has rows of its own, 4 MB
 
 int64_t mostUnpacked(std::span<const uint8_t> file) {
@@ -81,14 +85,37 @@ std::optional<std::vector<IRect>> placesOf(const LayerStack& stack, const ZipRea
 struct Packed {
     ZipReader::Unpacked png;
     bool isMissing = false; ///< There is none.
+    std::shared_ptr<const ColorProfile> colors;
 };
-Packed packedLayer(const ZipReader& archive, const StackLayer& layer, const IRect& place,
-                   const TileGrid& grid, int64_t most) {
-    if (place.isEmpty()) return {{}, true};
-    if (place.intersection(grid.bounds()).isEmpty()) return {};
-    auto png = archive.unpacked(layer.source, most);
-    return png ? Packed{*std::move(png)} : Packed{{}, true};
-}
+
+/// Unpacks the layers one after the other. What that takes grows with the file and the pixels only, whatever many layers
+/// name one entry: behind a picture, and in a profile, there may be much that is packed into next to nothing.
+class Unpacker {
+public:
+    Unpacker(const ZipReader& archive, std::span<const uint8_t> file, const TileGrid& grid)
+        : archive_(archive),
+          grid_(grid),
+          most_(mostUnpacked(file)),
+          profiles_(kProfiles + file.size() / kBytesAProfile) {}
+
+    Packed unpacked(const StackLayer& layer, const IRect& place) {
+        if (place.isEmpty()) return {{}, true, nullptr};
+        if (place.intersection(grid_.bounds()).isEmpty()) return {};
+        const int64_t needed = kNeededAPicture + kNeededAPixel * place.w * place.h;
+        auto png = archive_.unpacked(layer.source, std::min(most_, needed + spare_));
+        if (!png) return {{}, true, nullptr};
+        spare_ -= std::max<int64_t>(0, png->bytes.size() - needed);
+        auto colors = profiles_.of(bytesOf(png->bytes));
+        return {*std::move(png), false, std::move(colors)};
+    }
+
+private:
+    const ZipReader& archive_;
+    TileGrid grid_;
+    int64_t most_;          // of one
+    int64_t spare_ = most_; // beyond what pixels need
+    PngProfiles profiles_;
+};
 
 } // namespace
 
@@ -106,13 +133,13 @@ std::unique_ptr<PaintDocument> OpenRaster::read(std::span<const uint8_t> file, I
 
     const TileGrid grid(stack->width, stack->height);
     std::vector<LayerRef> layers(places->size());
+    Unpacker unpacker(*archive, file, grid);
     for (std::size_t next = 0; next < layers.size();) {
         // A few at a time, as far as their packed pictures take little memory.
         std::vector<Packed> batch;
         int64_t bytes = 0;
         for (; next < layers.size() && std::ssize(batch) < kLayersAtOnce && bytes < kUnpackedBytes; ++next) {
-            batch.push_back(
-                packedLayer(*archive, stack->layers[next], (*places)[next], grid, mostUnpacked(file)));
+            batch.push_back(unpacker.unpacked(stack->layers[next], (*places)[next]));
             bytes += batch.back().png.bytes.size();
             if (batch.back().isMissing) stack->losses.insert(Loss::missingLayers);
         }
@@ -126,7 +153,8 @@ std::unique_ptr<PaintDocument> OpenRaster::read(std::span<const uint8_t> file, I
             const std::size_t at = first + checkedSize(i);
             const IRect& place = (*places)[at];
             if (!packed.png.bytes.isEmpty())
-                layers[at] = readPngOnto({grid, place.x, place.y}, bytesOf(packed.png.bytes), decoding);
+                layers[at] = readPngOnto({grid, place.x, place.y}, bytesOf(packed.png.bytes),
+                                         packed.colors.get(), decoding);
         });
         for (std::size_t i = 0; i < batch.size(); ++i) {
             if (batch[i].png.bytes.isEmpty()) continue;

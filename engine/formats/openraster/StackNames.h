@@ -56,9 +56,9 @@ constexpr QLatin1String kClipped("svg:src-atop"); ///< In place of a mode: clipp
 /// Ours, for what the format cannot say; others pass it over.
 inline constexpr QLatin1String kOurNames("urn:qirnpaint:openraster");
 constexpr QLatin1String kOurPrefix("qirnpaint");
-constexpr QLatin1String kOurMode("composite-op"); ///< Of a clipped layer, in the names above.
-constexpr QLatin1String kOurAlphaLock("alpha-locked");
-constexpr QLatin1String kOurClipping("clipping"); ///< Of the bottom layer, where it shows nothing.
-constexpr QLatin1String kOurDpi("dpi");           ///< With its fraction.
+constexpr QLatin1String kOurMode("qirnpaint:composite-op"); ///< Of a clipped layer, in the names above.
+constexpr QLatin1String kOurAlphaLock("qirnpaint:alpha-locked");
+constexpr QLatin1String kOurClipping("qirnpaint:clipping"); ///< Of the bottom layer, where it shows nothing.
+constexpr QLatin1String kOurDpi("qirnpaint:dpi");           ///< With its fraction.
 
 } // namespace qirn::OpenRaster

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QStringDecoder>
 #include <QXmlStreamReader>
 
 namespace qirn::OpenRaster {
@@ -17,8 +18,9 @@ namespace {
 
 constexpr int kDeepest = 64;
 constexpr std::size_t kMostLayers = 32768;
-constexpr int64_t kLongestTag = 32 * 1024; // the parser compares each attribute with each
-constexpr double kFarthest = 1e6;          // pixels
+constexpr qsizetype kLongestTag = 32 * 1024; // letters, with what stands between it and the next
+constexpr int kMostAttributes = 64;          // of a tag; the parser compares each with each
+constexpr double kFarthest = 1e6;            // pixels
 
 /// In the order of `Loss`.
 constexpr const char* kWords[] = {
@@ -33,12 +35,25 @@ constexpr const char* kWords[] = {
 
 using Layers = std::vector<StackLayer>; // from the bottom
 
-/// What stands between two tags, and each tag, is short.
-bool hasShortTags(const QByteArray& xml) {
+/// By the values in quotes of a tag, which begins at its '<'.
+bool hasFewAttributes(QStringView tag) {
+    int count = 0;
+    for (qsizetype at = 0; at < tag.size() && tag[at] != u'>'; ++at) {
+        if (tag[at] != u'"' && tag[at] != u'\'') continue;
+        at = tag.indexOf(tag[at], at + 1);
+        if (at < 0) return true; // no value, and the end of the list
+        if (++count > kMostAttributes) return false;
+    }
+    return true;
+}
+
+/// Whether no tag takes the parser long.
+bool hasSmallTags(QStringView xml) {
     qsizetype tag = 0;
     for (qsizetype next = 0; next >= 0; tag = next) {
-        next = xml.indexOf('<', tag + 1);
-        if ((next < 0 ? xml.size() : next) - tag > kLongestTag) return false;
+        next = xml.indexOf(u'<', tag + 1);
+        const QStringView words = xml.sliced(tag, (next < 0 ? xml.size() : next) - tag);
+        if (words.size() > kLongestTag || !hasFewAttributes(words)) return false;
     }
     return true;
 }
@@ -68,7 +83,9 @@ std::vector<StackLayer*> basesOf(Layers& layers) {
 
 class StackReader {
 public:
-    explicit StackReader(const QByteArray& xml) : in_(xml) {}
+    explicit StackReader(const QString& xml) : in_(xml) {
+        in_.setNamespaceProcessing(false); // it looks for each prefix among all that are declared
+    }
 
     std::optional<LayerStack> read() {
         while (!in_.atEnd() && in_.readNext() != QXmlStreamReader::StartElement)
@@ -78,13 +95,13 @@ public:
         stack_.width = wholeNumber(image.value(QLatin1String("w")));
         stack_.height = wholeNumber(image.value(QLatin1String("h")));
         const double dots = number(image.value(QLatin1String("xres")), kUnknownDpi);
-        stack_.dpi = dpiInRange(number(image.value(kOurNames, kOurDpi), dpiFromInches(dots)));
+        stack_.dpi = dpiInRange(number(image.value(kOurDpi), dpiFromInches(dots)));
         if (!isReadableSize(stack_.width, stack_.height)) return std::nullopt;
         while (in_.readNextStartElement()) {
             if (in_.name() == u"stack" && stack_.layers.empty())
                 stack_.layers = readItems(true, 1);
             else
-                in_.skipCurrentElement();
+                skip();
         }
         if (in_.hasError()) return std::nullopt;
         for (std::size_t i = 0; i < stack_.layers.size(); ++i)
@@ -108,6 +125,15 @@ private:
         return static_cast<int64_t>(std::clamp(std::round(number(text, 0)), -kFarthest, kFarthest));
     }
 
+    /// The rest of an element. The parser keeps a record of each that is open.
+    void skip() {
+        for (int depth = 1; depth > 0 && !in_.atEnd();) {
+            in_.readNext();
+            depth += in_.isStartElement() ? 1 : in_.isEndElement() ? -1 : 0;
+            if (depth > kDeepest) in_.raiseError();
+        }
+    }
+
     Common readCommon() {
         const QXmlStreamAttributes attributes = in_.attributes();
         Common common;
@@ -116,11 +142,11 @@ private:
         settings.opacity = std::clamp(number(attributes.value(QLatin1String("opacity")), 1), 0.0, 1.0);
         settings.isVisible = attributes.value(QLatin1String("visibility")) != u"hidden";
         settings.isLocked = attributes.value(QLatin1String("edit-locked")) == u"true";
-        settings.alphaLocked = attributes.value(kOurNames, kOurAlphaLock) == u"true";
-        settings.isClipping = attributes.value(kOurNames, kOurClipping) == u"true";
+        settings.alphaLocked = attributes.value(kOurAlphaLock) == u"true";
+        settings.isClipping = attributes.value(kOurClipping) == u"true";
         const QStringView operation = attributes.value(QLatin1String("composite-op"));
         common.isClipped = operation == kClipped;
-        const auto mode = modeNamed(common.isClipped ? attributes.value(kOurNames, kOurMode) : operation);
+        const auto mode = modeNamed(common.isClipped ? attributes.value(kOurMode) : operation);
         if (!mode) stack_.losses.insert(Loss::blendModes);
         settings.blendMode = mode.value_or(BlendMode::normal);
         common.isIsolated = attributes.value(QLatin1String("isolation")) == u"isolate" ||
@@ -138,7 +164,7 @@ private:
         if (attributes.value(QLatin1String("selected")) == u"true" && selected_.isEmpty())
             selected_ = layer.source;
         if (++layerCount_ > kMostLayers) in_.raiseError();
-        in_.skipCurrentElement();
+        skip();
         Item item{{}, common.isClipped};
         item.layers.push_back(std::move(layer));
         return item;
@@ -163,7 +189,7 @@ private:
                 if (items.back().layers.empty()) items.pop_back();
             } else {
                 if (in_.name() == u"text" || in_.name() == u"filter") stack_.losses.insert(Loss::otherLayers);
-                in_.skipCurrentElement();
+                skip();
             }
         }
         Layers layers;
@@ -226,8 +252,9 @@ ImportRemarks remarksOf(const Losses& losses) {
 }
 
 std::optional<LayerStack> readStack(const QByteArray& xml) {
-    if (!hasShortTags(xml)) return std::nullopt;
-    return StackReader(xml).read();
+    const auto encoding = QStringConverter::encodingForData(xml, u'<').value_or(QStringConverter::Utf8);
+    const QString text = QStringDecoder(encoding)(xml);
+    return hasSmallTags(text) ? StackReader(text).read() : std::nullopt;
 }
 
 } // namespace qirn::OpenRaster

@@ -49,7 +49,7 @@ public:
         const double whole = std::max(1.0, std::round(doc_.dpi)); // others fail at a fraction
         out_.writeAttribute("xres", textOf(whole));
         out_.writeAttribute("yres", textOf(whole));
-        if (doc_.dpi != whole) out_.writeAttribute(kOurNames, kOurDpi, textOf(doc_.dpi));
+        if (doc_.dpi != whole) out_.writeAttribute(kOurDpi, textOf(doc_.dpi));
         out_.writeStartElement("stack");
         for (int64_t top = doc_.layerCount() - 1; top >= 0;) {
             int64_t base = top;
@@ -89,10 +89,10 @@ private:
         out_.writeAttribute("src", QString::fromLatin1(sourceOf(index)));
         if (settings.isLocked) out_.writeAttribute("edit-locked", "true");
         if (index == doc_.activeIndex()) out_.writeAttribute("selected", "true");
-        if (settings.alphaLocked) out_.writeAttribute(kOurNames, kOurAlphaLock, "true");
+        if (settings.alphaLocked) out_.writeAttribute(kOurAlphaLock, "true");
         if (isClipped && settings.blendMode != BlendMode::normal)
-            out_.writeAttribute(kOurNames, kOurMode, nameOf(settings.blendMode));
-        if (index == 0 && settings.isClipping) out_.writeAttribute(kOurNames, kOurClipping, "true");
+            out_.writeAttribute(kOurMode, nameOf(settings.blendMode));
+        if (index == 0 && settings.isClipping) out_.writeAttribute(kOurClipping, "true");
     }
 
     void writeCommon(const LayerSettings& settings, QLatin1String operation) {

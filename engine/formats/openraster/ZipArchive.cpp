@@ -42,6 +42,7 @@ std::optional<ZipReader::Unpacked> ZipReader::unpacked(const QByteArray& name, i
     const std::unique_ptr<zip_file_t, EntryCloser> entry(zip_fopen_index(archive_.get(), at, 0));
     zip_stat_t claims;
     if (!entry || zip_stat_index(archive_.get(), at, 0, &claims) != 0) return std::nullopt;
+    if (claims.comp_method != ZIP_CM_STORE && claims.comp_method != ZIP_CM_DEFLATE) return std::nullopt;
     Unpacked result;
     const auto packed = static_cast<int64_t>(std::min<zip_uint64_t>(claims.comp_size, UINT32_MAX));
     const auto claimed = static_cast<int64_t>(std::min<zip_uint64_t>(claims.size, UINT32_MAX));

@@ -23,7 +23,7 @@ public:
         bool isWhole = false; ///< To its end, and the checksum is right.
     };
     /// What there is of an entry, up to `most` bytes, whatever size it claims; nothing without such an entry and for one
-    /// that is encrypted or packed in an unknown way. Of several with one name the first counts.
+    /// that is encrypted or packed in another way than by Deflate. Of several with one name the first counts.
     std::optional<Unpacked> unpacked(const QByteArray& name, int64_t most) const;
 
 private:

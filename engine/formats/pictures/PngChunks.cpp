@@ -14,11 +14,11 @@ constexpr int64_t kSignatureBytes = 8;
 constexpr int64_t kFrameBytes = 12; // length, name and checksum
 constexpr int64_t kLargestChunk = 16 << 20;
 
-bool isNeeded(std::string_view name) {
-    constexpr std::string_view kNeeded[] = {"IHDR", "PLTE", "tRNS", "gAMA", "cHRM",
-                                            "sRGB", "iCCP", "eXIf", "pHYs"};
-    return std::find(std::begin(kNeeded), std::end(kNeeded), name) != std::end(kNeeded);
+bool isOneOf(std::span<const std::string_view> names, std::string_view name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
+constexpr std::string_view kColors[] = {"gAMA", "cHRM", "sRGB", "iCCP"};
+constexpr std::string_view kOthers[] = {"IHDR", "PLTE", "tRNS", "eXIf", "pHYs"};
 
 } // namespace
 
@@ -41,7 +41,9 @@ std::optional<PngChunks> pngChunks(std::span<const uint8_t> file) {
             }
             in.moveTo(at);
             const auto chunk = in.slice(length + kFrameBytes);
-            if (isNeeded(name) && length <= kLargestChunk) keep(chunk);
+            if (length > kLargestChunk) continue;
+            if (isOneOf(kColors, name)) chunks.colors.push_back(chunk);
+            if (isOneOf(kColors, name) || isOneOf(kOthers, name)) keep(chunk);
         }
     } catch (const BEReader::Short&) {
         return std::nullopt;

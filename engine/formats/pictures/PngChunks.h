@@ -10,6 +10,8 @@ namespace qirn {
 /// text: before the pixels only chunks that affect them, each of them complete.
 struct PngChunks {
     std::vector<uint8_t> head; ///< Signature and chunks.
+    /// Those chunks among them that say what the colors mean, in the file.
+    std::vector<std::span<const uint8_t>> colors;
     /// From the first chunk of pixels to the end of the file, which may come early.
     std::span<const uint8_t> rest;
 };

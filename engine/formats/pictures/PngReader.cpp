@@ -14,6 +14,7 @@
 #include <memory>
 #include <vector>
 
+#include <QCryptographicHash>
 #include <png.h>
 
 namespace qirn {
@@ -22,6 +23,9 @@ namespace {
 
 constexpr double kLargestInflation = 1040;             // Deflate turns one byte into at most 1,032.
 constexpr png_alloc_size_t kLargestProfile = 16 << 20; // unpacked
+constexpr png_alloc_size_t kLargestKept = 4 << 20;     // large printer profiles have 3 MB
+constexpr png_alloc_size_t kNoProfile = 0;
+constexpr char kProfileChunk[] = "iCCP";
 constexpr double kSrgbGamma = 0.45455;
 constexpr double kPasses = PNG_INTERLACE_ADAM7_PASSES;
 constexpr double kPassesBegun = 0.6; // of the work for an interlaced picture
@@ -55,13 +59,17 @@ void readBytes(png_structp png, png_bytep target, std::size_t count) {
     from = from.subspan(count);
 }
 
-bool readHeader(Decoder& decoder) {
+/// A larger profile is passed over.
+bool readHeader(Decoder& decoder, png_alloc_size_t mostProfile = kLargestProfile) {
     png_structp png = decoder.png;
     if (!decoder.info || setjmp(png_jmpbuf(png))) return false;
+    if (mostProfile == 0)
+        png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER,
+                                    reinterpret_cast<png_const_bytep>(kProfileChunk), 1);
     png_set_read_fn(png, &decoder, readBytes);
     png_set_user_limits(png, 0x7FFFFFFF,
                         0x7FFFFFFF); // sizes are checked by this reader, against the length of the file
-    png_set_chunk_malloc_max(png, kLargestProfile);
+    png_set_chunk_malloc_max(png, mostProfile == 0 ? kLargestProfile : mostProfile);
     png_set_crc_action(png, PNG_CRC_DEFAULT, PNG_CRC_WARN_DISCARD);
     png_read_info(png, decoder.info);
     return true;
@@ -98,7 +106,7 @@ public:
             const int64_t rows = PNG_PASS_ROWS(height, pass);
             if (PNG_PASS_COLS(width, pass) == 0 || rows == 0) continue;
             auto decoder = std::make_unique<Decoder>(chunks);
-            bool isThere = readHeader(*decoder) && chooseFormat(*decoder);
+            bool isThere = readHeader(*decoder, kNoProfile) && chooseFormat(*decoder);
             for (int64_t row = 0; isThere && row < rowsBefore; ++row) {
                 isThere = readRow(*decoder, line_.data());
                 progress.part(pass / kPasses, (pass + 1) / kPasses).done(row, rowsBefore);
@@ -191,13 +199,13 @@ double dpiOf(const Decoder& decoder) {
     return kUnknownDpi;
 }
 
-/// Where no place is given, upright.
+/// Where no place is given, upright. Colors that are given go before the file's own.
 std::optional<DecodedPicture> decoded(std::span<const uint8_t> file, const OnCanvas* place,
-                                      const Progress& progress) {
+                                      const ColorProfile* colors, const Progress& progress) {
     const auto chunks = pngChunks(file);
     if (!chunks) return std::nullopt;
     Decoder decoder(*chunks);
-    if (!readHeader(decoder)) return std::nullopt;
+    if (!readHeader(decoder, colors ? kNoProfile : kLargestProfile)) return std::nullopt;
     const int64_t width = png_get_image_width(decoder.png, decoder.info);
     const int64_t height = png_get_image_height(decoder.png, decoder.info);
     const int bits =
@@ -212,7 +220,8 @@ std::optional<DecodedPicture> decoded(std::span<const uint8_t> file, const OnCan
     if (rowBytes != checkedSize(width * layout.pixelBytes())) return std::nullopt;
     const bool isInterlaced = png_get_interlace_type(decoder.png, decoder.info) != PNG_INTERLACE_NONE;
     const Progress building = isInterlaced ? progress.part(kPassesBegun, 1) : progress;
-    const ColorProfile profile = profileOf(decoder, layout);
+    if (colors && colors->layout() != layout) return std::nullopt;
+    const ColorProfile profile = colors ? *colors : profileOf(decoder, layout);
     PictureBuilder builder = place ? PictureBuilder(*place, width, height, profile, building)
                                    : PictureBuilder(width, height, profile, orientation, building);
     if (!isInterlaced) {
@@ -236,12 +245,33 @@ bool isPng(std::span<const uint8_t> file) {
 }
 
 std::optional<DecodedPicture> readPng(std::span<const uint8_t> file, const Progress& progress) {
-    return decoded(file, nullptr, progress);
+    return decoded(file, nullptr, nullptr, progress);
 }
 
-LayerRef readPngOnto(const OnCanvas& place, std::span<const uint8_t> file, const Progress& progress) {
-    auto picture = decoded(file, &place, progress);
+LayerRef readPngOnto(const OnCanvas& place, std::span<const uint8_t> file, const ColorProfile* colors,
+                     const Progress& progress) {
+    auto picture = decoded(file, &place, colors, progress);
     return picture ? std::move(picture->layer) : nullptr;
+}
+
+std::shared_ptr<const ColorProfile> PngProfiles::of(std::span<const uint8_t> file) {
+    const auto chunks = pngChunks(file);
+    if (!chunks || chunks->colors.empty()) return nullptr;
+    const auto plain = [](const PixelLayout& layout) {
+        return std::make_shared<const ColorProfile>(ColorProfile::standard(layout));
+    };
+    Decoder head(*chunks);
+    if (!readHeader(head, kNoProfile) || !chooseFormat(head))
+        return plain({}); // its pixels cannot be read either
+    const PixelLayout layout = layoutOf(head);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (const auto& chunk : chunks->colors) hash.addData({chunk.data(), std::ssize(chunk)});
+    const Key key{hash.result(), layout.model, layout.sample, layout.hasAlpha};
+    if (const auto known = made_.find(key); known != made_.end()) return known->second;
+    Decoder decoder(*chunks);
+    if (made_.size() == most_ || !readHeader(decoder, kLargestKept) || !chooseFormat(decoder))
+        return plain(layout);
+    return made_[key] = std::make_shared<const ColorProfile>(profileOf(decoder, layout));
 }
 
 } // namespace qirn
