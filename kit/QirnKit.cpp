@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QEvent>
+#include <QLayout>
 #include <QToolTip>
 
 #include "kit/ChromeFont.h"
@@ -42,6 +43,18 @@ Applied& applied() {
 void applyFonts() {
     QApplication::setFont(ChromeFont::body());
     QToolTip::setFont(ChromeFont::small());
+}
+
+/// The parts first and laid out: what holds them asks at once how much room they need, and a row within a layout only
+/// knows once that has been activated.
+void tellSizes(QWidget& widget) {
+    const QObjectList parts = widget.children();
+    for (QObject* part : parts)
+        if (part->isWidgetType() && !static_cast<QWidget*>(part)->isWindow())
+            tellSizes(static_cast<QWidget&>(*part));
+    QEvent sizes(QEvent::StyleChange);
+    QCoreApplication::sendEvent(&widget, &sizes);
+    if (widget.layout()) widget.layout()->activate();
 }
 
 /// Lives with the widget whose sizes it sets.
@@ -112,8 +125,7 @@ void QirnKit::applyZoom(double zoom) {
     // Qt sends this one itself only while the event loop runs.
     QEvent font(QEvent::ApplicationFontChange);
     for (QWidget* window : QApplication::topLevelWidgets()) QCoreApplication::sendEvent(window, &font);
-    QEvent sizes(QEvent::StyleChange);
-    for (QWidget* widget : QApplication::allWidgets()) QCoreApplication::sendEvent(widget, &sizes);
+    for (QWidget* window : QApplication::topLevelWidgets()) tellSizes(*window);
 }
 
 void QirnKit::followMetrics(QWidget* widget, std::function<void(const Metrics&)> apply) {
