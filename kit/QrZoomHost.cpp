@@ -3,6 +3,7 @@
 #include "kit/QirnKit.h"
 
 #include <QKeyEvent>
+#include <QLayout>
 #include <QScrollBar>
 #include <QTimer>
 
@@ -24,7 +25,13 @@ QrZoomHost::QrZoomHost(QWidget* content, QSize minSize) : minSize_(minSize) {
 void QrZoomHost::setMinSize(QSize minSize) {
     const Metrics& m = QirnKitHost::metrics();
     minSize_ = minSize;
-    widget()->setMinimumSize(m.px(minSize.width()), m.px(minSize.height()));
+    const QSize words = minSize.isNull() ? QSize() : widget()->layout()->minimumSize();
+    widget()->setMinimumSize(words.expandedTo({m.px(minSize.width()), m.px(minSize.height())}));
+}
+
+bool QrZoomHost::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) setMinSize(minSize_);
+    return QScrollArea::eventFilter(watched, event);
 }
 
 void QrZoomHost::scrollHome() {

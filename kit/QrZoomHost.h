@@ -5,7 +5,7 @@
 namespace qirn {
 
 /// The whole content of a window, laid out at the zoom of the interface and never smaller than its least size at that
-/// zoom: where the window is smaller, the content scrolls and is not cut.
+/// zoom, nor than its layout needs: where the window is smaller, the content scrolls and is not cut.
 class QrZoomHost : public QScrollArea {
     Q_OBJECT
 public:
@@ -13,9 +13,10 @@ public:
     explicit QrZoomHost(QWidget* content, QSize minSize = kMinSize);
 
     static constexpr QSize kMinSize{960, 640};
-    void setMinSize(QSize minSize);
+    void setMinSize(QSize minSize); ///< None at all where it is nothing, whatever the layout needs.
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override; ///< Arrow keys do not scroll: they are for the content.
 
 private:

@@ -21,6 +21,7 @@ constexpr std::chrono::milliseconds kPause(30); // least time between two update
 StatusBar::StatusBar(PaintModel& model, QWidget* parent)
     : ChromePanel(Surface::panel, Qt::TopEdge, parent),
       model_(model) {
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // what has no room gives way
     auto* row = new QHBoxLayout(this);
     QirnKit::followMetrics(this, [this, row](const Metrics& m) {
         setFixedHeight(m.statusHeight);

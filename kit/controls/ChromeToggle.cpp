@@ -27,14 +27,14 @@ ChromeToggle::ChromeToggle(const QString& label, QWidget* parent) : QCheckBox(la
 
 void ChromeToggle::setWraps() {
     wraps_ = true;
-    QSizePolicy policy = sizePolicy();
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
 
 void ChromeToggle::setCompact() {
-    setWraps();
     compact_ = true;
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     QirnKit::followMetrics(this, [this](const Metrics&) { setFont(ChromeFont::small()); });
 }
 
@@ -50,9 +50,10 @@ QSize ChromeToggle::sizeHint() const {
 }
 
 QSize ChromeToggle::minimumSizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
     const QSize whole = sizeHint();
-    const int least = compact_ ? 2 * labelLeft() : QirnKitHost::metrics().controlWidth;
-    return wraps_ ? whole.boundedTo({least, whole.height()}) : whole;
+    if (wraps_) return whole.boundedTo({m.controlWidth, whole.height()});
+    return compact_ ? whole - QSize(m.tightGap, 0) : whole;
 }
 
 int ChromeToggle::heightForWidth(int width) const {

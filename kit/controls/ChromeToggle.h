@@ -11,7 +11,7 @@ public:
     ChromeToggle(const QString& label, QWidget* parent);
 
     void setWraps();   ///< Where it is narrow its label takes more lines, instead of asking for more room.
-    void setCompact(); ///< The same, with small letters close by, for several in the width of a column.
+    void setCompact(); ///< With small letters close by, for several in the width of a column.
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -26,6 +26,11 @@ QSize ScrollColumn::minimumSizeHint() const {
             kLeastRows * QirnKitHost::metrics().rowHeight};
 }
 
+bool ScrollColumn::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::LayoutRequest) updateGeometry(); // the column may need another width
+    return QScrollArea::eventFilter(watched, event);
+}
+
 void ScrollColumn::keyPressEvent(QKeyEvent* event) {
     event->ignore(); // arrow keys are for the control that has the focus, or for the window
 }

@@ -13,6 +13,7 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 };
 

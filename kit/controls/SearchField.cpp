@@ -1,5 +1,7 @@
 #include "kit/controls/SearchField.h"
 
+#include <utility>
+
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -29,9 +31,12 @@ SearchField::SearchField(const QString& accessibleName, QWidget* parent)
 void SearchField::layOut() {
     const Metrics& m = QirnKitHost::metrics();
     clear_->setVisible(!text().isEmpty());
-    setTextMargins(m.smallIcon + m.tightGap, 0, text().isEmpty() ? 0 : m.smallButton, 0);
-    clear_->setGeometry(width() - m.smallButton - m.tightGap, (height() - m.smallButton) / 2, m.smallButton,
-                        m.smallButton);
+    int left = m.smallIcon + m.tightGap, right = text().isEmpty() ? 0 : m.smallButton;
+    if (isRightToLeft()) std::swap(left, right);
+    setTextMargins(left, 0, right, 0);
+    const QRect place(width() - m.smallButton - m.tightGap, (height() - m.smallButton) / 2, m.smallButton,
+                      m.smallButton);
+    clear_->setGeometry(ChromePaint::visual(rect(), place));
 }
 
 void SearchField::resizeEvent(QResizeEvent* event) {
@@ -44,11 +49,18 @@ QSize SearchField::sizeHint() const {
     return {m.controlWidth, m.controlHeight};
 }
 
+QSize SearchField::minimumSizeHint() const {
+    const Metrics& m = QirnKitHost::metrics();
+    const int text = fontMetrics().horizontalAdvance(placeholderText());
+    return {m.smallIcon + m.tightGap + text + 2 * m.gap + m.tightGap, m.controlHeight};
+}
+
 void SearchField::paintEvent(QPaintEvent* event) {
     QLineEdit::paintEvent(event);
     const Metrics& m = QirnKitHost::metrics();
     QPainter painter(this);
-    ChromePaint::icon(painter, QRectF(m.gap, 0, m.smallIcon, height()), Icon::search, m.smallIcon,
+    const QRect icon(m.gap, 0, m.smallIcon, height());
+    ChromePaint::icon(painter, ChromePaint::visual(rect(), icon), Icon::search, m.smallIcon,
                       isEnabled() ? QirnKitHost::colors().dim : QirnKitHost::colors().faint);
 }
 

@@ -12,6 +12,7 @@ public:
     SearchField(const QString& accessibleName, QWidget* parent);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     void leftDownward();

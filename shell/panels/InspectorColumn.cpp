@@ -41,7 +41,7 @@ InspectorColumn::InspectorColumn(PaintModel& model, QWidget* parent)
                            [this](int wanted) {
                                width_ =
                                    std::clamp(wanted / QirnKitHost::metrics().zoom, kLeastWidth, kMostWidth);
-                               setFixedWidth(QirnKitHost::metrics().px(width_));
+                               setFixedWidth(wide());
                            },
                            keeping},
                           this);
@@ -58,17 +58,25 @@ InspectorColumn::InspectorColumn(PaintModel& model, QWidget* parent)
                              this);
     between_->setObjectName(QStringLiteral("inspectorTabsHeight"));
     layers_ = new LayersPanel(model, this);
-    QirnKit::followMetrics(this, [this](const Metrics& m) {
-        setFixedWidth(m.px(width_));
-        updateGeometry();
-        arrange();
-    });
+    QirnKit::followMetrics(this, [this](const Metrics&) { follow(); });
+}
+
+void InspectorColumn::follow() {
+    setFixedWidth(wide());
+    updateGeometry();
+    arrange();
+}
+
+int InspectorColumn::wide() const {
+    const Metrics& m = QirnKitHost::metrics();
+    return std::max({m.px(width_), m.groupGap + tabs_->minimumSizeHint().width(),
+                     m.groupGap + layers_->minimumSizeHint().width() + m.groupGap});
 }
 
 QSize InspectorColumn::minimumSizeHint() const {
     const Metrics& m = QirnKitHost::metrics();
-    return {m.px(width_), tabs_->minimumSizeHint().height() + m.groupGap +
-                              layers_->minimumSizeHint().height() + m.tightGap + m.groupGap};
+    return {wide(), tabs_->minimumSizeHint().height() + m.groupGap + layers_->minimumSizeHint().height() +
+                        m.tightGap + m.groupGap};
 }
 
 int InspectorColumn::tabsHeight() const {
@@ -92,10 +100,7 @@ void InspectorColumn::arrange() {
 }
 
 bool InspectorColumn::event(QEvent* event) {
-    if (event->type() == QEvent::LayoutRequest) { // the layers need more or less room
-        updateGeometry();
-        arrange();
-    }
+    if (event->type() == QEvent::LayoutRequest) follow(); // a part needs more or less room
     return ChromePanel::event(event);
 }
 

@@ -22,6 +22,8 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void follow();          ///< What the parts need now.
+    int wide() const;       ///< As wanted, but no less than the words in the parts need.
     int tabsHeight() const; ///< As wanted, less what the layers need.
     void arrange();
     void keep() const;

@@ -3,18 +3,19 @@
 #include "app/model/Guarded.h"
 #include "app/model/PaintModel.h"
 #include "kit/QirnKit.h"
+#include "kit/controls/ScrollColumn.h"
 #include "shell/panels/brush/BrushPanel.h"
 #include "shell/panels/color/ColorPanel.h"
 #include "shell/panels/palettes/PalettePanel.h"
 
 #include <vector>
 
-#include <QKeyEvent>
-#include <QScrollArea>
+#include <QGuiApplication>
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace qirn {
 
@@ -44,29 +45,31 @@ protected:
     void wheelEvent(QWheelEvent* event) override { event->ignore(); } // which turns no page by chance
 };
 
-/// Holds a panel that follows its width and scrolls upright alone.
-class Page final : public QScrollArea {
+/// From the side of the window, up to which the tabs reach; layouts do not mirror their margins.
+QMargins gapAtTheSide() {
+    const int gap = QirnKitHost::metrics().groupGap;
+    return QGuiApplication::isRightToLeft() ? QMargins(gap, 0, 0, 0) : QMargins(0, 0, gap, 0);
+}
+
+/// Holds a panel, once it is filled.
+class Page final : public ScrollColumn {
 public:
-    explicit Page(QWidget* parent) : QScrollArea(parent) {
-        setWidgetResizable(true);
-        setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus);
-        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    }
-
-    void fill(QWidget* panel) {
-        auto* inset = new QWidget;
-        auto* column = new QVBoxLayout(inset);
-        column->addWidget(panel);
-        setWidget(inset);
-        QirnKit::followMetrics(inset, [column](const Metrics& m) {
-            column->setContentsMargins(0, m.groupGap, m.groupGap, m.tightGap);
+    explicit Page(QWidget* parent) : ScrollColumn(new QWidget, parent), column_(new QVBoxLayout(widget())) {
+        QirnKit::followMetrics(this, [this](const Metrics& m) {
+            column_->setContentsMargins(gapAtTheSide() + QMargins(0, m.groupGap, 0, m.tightGap));
         });
-        inset->show();
     }
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override { event->ignore(); } // arrow keys are for the canvas
+    bool isEmpty() const { return column_->isEmpty(); }
+    void fill(QWidget* panel) {
+        column_->addWidget(panel);
+        panel->show();
+    }
+
+    QSize minimumSizeHint() const override { return {ScrollColumn::minimumSizeHint().width(), 0}; }
+
+private:
+    QVBoxLayout* column_;
 };
 
 /// Puts the controls of a panel right behind a widget in the order of the Tab key, not at the end as new ones are.
@@ -103,7 +106,7 @@ InspectorTabs::InspectorTabs(PaintModel& model, QWidget* parent)
     column->setSpacing(0);
     column->addLayout(head);
     column->addWidget(pages_, 1);
-    QirnKit::followMetrics(this, [head](const Metrics& m) { head->setContentsMargins(0, 0, m.groupGap, 0); });
+    QirnKit::followMetrics(this, [head](const Metrics&) { head->setContentsMargins(gapAtTheSide()); });
     connect(bar_, &QTabBar::currentChanged, this, guarding(model, [this](int index) {
                 model_.setInspectorTab(kTabs[static_cast<std::size_t>(index)].tab);
             }));
@@ -112,7 +115,7 @@ InspectorTabs::InspectorTabs(PaintModel& model, QWidget* parent)
 }
 
 QSize InspectorTabs::minimumSizeHint() const {
-    return {0, bar_->sizeHint().height() + QirnKitHost::metrics().px(96)};
+    return {layout()->minimumSize().width(), bar_->sizeHint().height() + QirnKitHost::metrics().px(96)};
 }
 
 void InspectorTabs::refresh() {
@@ -120,7 +123,7 @@ void InspectorTabs::refresh() {
     for (int i = 0; i < bar_->count(); ++i)
         if (kTabs[static_cast<std::size_t>(i)].tab == model_.inspectorTab()) index = i;
     auto* page = static_cast<Page*>(pages_->widget(index));
-    if (!page->widget()) {
+    if (page->isEmpty()) {
         page->fill(kTabs[static_cast<std::size_t>(index)].make(model_, page));
         followInTabOrder(bar_, page);
     }

@@ -9,6 +9,8 @@
 #include "kit/controls/ChromeSegments.h"
 #include "kit/controls/NumberField.h"
 
+#include <algorithm>
+
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -16,6 +18,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTreeWidget>
 
@@ -32,6 +35,13 @@ NumberFormat formatOf(LengthUnit unit) {
 
 QString presetText(const char* text) {
     return QCoreApplication::translate("qirn::CanvasPresets", text);
+}
+
+/// For all words of a list with two columns.
+int widthOf(const QTreeWidget& list) {
+    const QAbstractItemView& rows = list; // whose hints are public
+    return rows.sizeHintForColumn(0) + rows.sizeHintForColumn(1) +
+           list.verticalScrollBar()->sizeHint().width() + 2 * list.frameWidth();
 }
 
 std::optional<PaintColor> colorOf(NewBackground background, const Colors& colors) {
@@ -74,7 +84,7 @@ NewDocumentSheet::NewDocumentSheet(PaintModel& model, QWidget* parent)
     setLeastWidth(720);
     QirnKit::followMetrics(this, [=, this](const Metrics& m) {
         across->setSpacing(m.margin);
-        presets_->setMinimumHeight(m.px(330));
+        presets_->setMinimumSize(widthOf(*presets_), m.px(330));
         for (int group = 0; group < presets_->topLevelItemCount(); ++group)
             presets_->topLevelItem(group)->setFont(0, ChromeFont::caption());
     });
@@ -138,7 +148,7 @@ QWidget* NewDocumentSheet::customPanel() {
         form->setVerticalSpacing(m.gap);
         // The sheet keeps its size while a remark comes and goes.
         remark_->setFixedHeight(3 * remark_->fontMetrics().lineSpacing());
-        panel->setFixedWidth(m.px(340));
+        panel->setFixedWidth(std::max(m.px(340), background_->sizeHint().width()));
     });
     return panel;
 }

@@ -31,6 +31,7 @@ QString whenOf(const QDateTime& date) {
 QLabel* dimLabel(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
     label->setForegroundRole(QPalette::PlaceholderText);
+    label->setWordWrap(true);
     return label;
 }
 

@@ -20,6 +20,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace qirn {
@@ -36,8 +37,11 @@ RecoverySheet::RecoverySheet(PaintModel& model, QWidget* parent)
     later_->setToolTip(tr("Keeps the copies. Find them again in File → Recover Autosaved Work…"));
     recoverAll_ = addButton(tr("Recover All"), Role::standard);
     connect(recoverAll_, &QPushButton::clicked, this, guarding(model, [this] { recoverAll(); }));
-    QirnKit::followMetrics(this, [this](const Metrics& m) { list_->setMinimumHeight(m.px(280)); });
     reload();
+    QirnKit::followMetrics(this, [this](const Metrics& m) {
+        list_->setMinimumHeight(m.px(280));
+        keepRoom();
+    });
     firstField = items_.empty() ? later_ : recoverAll_;
 }
 
@@ -66,9 +70,15 @@ void RecoverySheet::reload() {
     const bool hadFocus = list_->isAncestorOf(QApplication::focusWidget());
     list_->setWidget(rows);
     rows->show();
+    keepRoom();
     list_->setVisible(!items_.empty());
     recoverAll_->setEnabled(!items_.empty());
     if (hadFocus) (items_.empty() ? later_ : recoverAll_)->setFocus(Qt::OtherFocusReason);
+}
+
+void RecoverySheet::keepRoom() {
+    list_->setMinimumWidth(list_->widget()->minimumSizeHint().width() +
+                           list_->verticalScrollBar()->sizeHint().width() + 2 * list_->frameWidth());
 }
 
 void RecoverySheet::add(const Recovery::Item& item, Read read) {

@@ -25,6 +25,7 @@ public:
 
 private:
     void reload();
+    void keepRoom(); ///< For whole rows, which only scroll up and down.
     /// Runs `body`, unless something is being done here or long work runs: presses that were made before come even then.
     void alone(const std::function<void()>& body);
     std::vector<Recovery::Item> itemsOf(const QUuid& id) const; ///< One, or none where its row is gone.

@@ -44,13 +44,16 @@ Sheet::Sheet(PaintModel& model, const QString& title, const QString& subtitle, Q
         foot_->setSpacing(m.gap);
         column->setSpacing(m.margin);
         column->setContentsMargins(m.margin, m.margin, m.margin, m.margin);
-        setMinimumWidth(m.px(leastWidth_));
     });
 }
 
 void Sheet::setLeastWidth(double width) {
     leastWidth_ = width;
-    setMinimumWidth(QirnKitHost::metrics().px(width));
+    updateGeometry();
+}
+
+QSize Sheet::minimumSizeHint() const {
+    return QWidget::minimumSizeHint().expandedTo({QirnKitHost::metrics().px(leastWidth_), 0});
 }
 
 void Sheet::setSubtitle(const QString& subtitle) {

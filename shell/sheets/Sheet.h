@@ -22,6 +22,8 @@ public:
     QPushButton* defaultButton() const { return default_; } ///< Return presses it; null until there is one.
     QWidget* firstField = nullptr;                          ///< Has the keyboard when the sheet comes up.
 
+    QSize minimumSizeHint() const override; ///< What the words in it need, but no less than its least width.
+
 protected:
     PaintModel& model() const { return model_; }
     QVBoxLayout& fields() const { return *fields_; }

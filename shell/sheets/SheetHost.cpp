@@ -88,7 +88,8 @@ void SheetHost::bringUp(const PaintSheet& which) {
     });
     for (const SheetRow& row : kSheets)
         if (row.kind == which.kind) sheet_ = row.make(model_, which, shade);
-    middle->addWidget(sheet_, 0, 0, Qt::AlignCenter);
+    middle->addWidget(sheet_, 0, 1, Qt::AlignVCenter);
+    for (const int beside : {0, 2}) middle->setColumnStretch(beside, 1); // its height is that of its width
     setWidget(shade);
     shade->setAutoFillBackground(false);
     setGeometry(covered_->geometry());

@@ -16,6 +16,8 @@
 #include "shell/panels/layers/LayersList.h"
 #include "shell/panels/layers/OnionSection.h"
 
+#include <algorithm>
+
 #include <QAbstractItemView>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -148,7 +150,8 @@ void LayersPanel::makeOpacity() {
 }
 
 QSize LayersPanel::minimumSizeHint() const {
-    return {layout()->minimumSize().width(), layout()->minimumHeightForWidth(width())};
+    const QSize least = layout()->minimumSize(); // the onion skin's words can take more lines
+    return {least.width(), std::max(least.height(), layout()->minimumHeightForWidth(width()))};
 }
 
 void LayersPanel::refresh() {
