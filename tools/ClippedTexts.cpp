@@ -9,10 +9,12 @@
 #include <QAbstractScrollArea>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QStyle>
 #include <QStyleOptionComboBox>
 #include <QTabBar>
+#include <QTreeView>
 
 namespace qirn {
 
@@ -67,8 +69,13 @@ QStringList clippedIn(const QWidget& window) {
                          .arg(needed.height());
         if (const auto* tabs = qobject_cast<const QTabBar*>(widget))
             for (int i = 0; i < tabs->count(); ++i)
-                if (advance(*tabs, tabs->tabText(i)) > tabs->tabRect(i).width())
+                if (advance(*tabs, tabs->tabText(i)) > tabs->tabRect(i).width() ||
+                    !tabs->rect().contains(tabs->tabRect(i)))
                     lines << QStringLiteral("%1: the tab \"%2\"").arg(partOf(*widget), tabs->tabText(i));
+        if (const auto* rows = qobject_cast<const QTreeView*>(widget))
+            for (int i = 0; i < rows->header()->count(); ++i)
+                if (static_cast<const QAbstractItemView*>(rows)->sizeHintForColumn(i) > rows->columnWidth(i))
+                    lines << QStringLiteral("%1: column %2").arg(partOf(*widget)).arg(i);
         if (const auto* menu = qobject_cast<const QComboBox*>(widget); menu && !givesWay(*menu)) {
             QStyleOptionComboBox option;
             option.initFrom(menu);

@@ -12,6 +12,7 @@
 #include "app/model/Brushes.h"
 #include "app/model/Colors.h"
 #include "app/model/OpenPictures.h"
+#include "app/model/PendingTransform.h"
 #include "brush/BrushLibrary.h"
 #include "kit/QirnThemes.h"
 #include "kit/QrZoom.h"
@@ -97,7 +98,8 @@ const NamedSheet kSheets[] = {
     {"sheet-recovery", {PaintSheet::Kind::recovery}},
 };
 
-/// Saves pictures into a folder, remembers whether all of them could be, and tells what is clipped in them.
+/// Saves pictures into a folder, remembers whether all of them could be, and tells what is clipped in them. Of those that
+/// are only looked at it saves what has something clipped.
 class Album {
 public:
     explicit Album(const QString& folder) : folder_(folder), isWhole_(folder_.mkpath(QStringLiteral("."))) {}
@@ -106,10 +108,16 @@ public:
         isWhole_ = picture.save(folder_.filePath(name + QStringLiteral(".png"))) && isWhole_;
     }
     void save(const QString& name, QWidget& widget) {
-        QCoreApplication::processEvents();
-        save(name, widget.grab());
-        for (const QString& line : clippedIn(widget)) tell(name, line);
+        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents(); // layouts in layouts ask again
+        const QString zoom = QStringLiteral("%1-%2").arg(name).arg(qRound(QrZoom::value() * 100));
+        const QStringList lines = clippedIn(widget);
+        for (const QString& line : lines) tell(zoom, line);
+        if (!onlyLooks)
+            save(name, widget.grab());
+        else if (!lines.isEmpty())
+            save(zoom, widget.grab());
     }
+    bool onlyLooks = false;
     bool isWhole() const { return isWhole_; }
     void tell(const QString& name, const QString& line) {
         if (told_.contains(line)) return;
@@ -143,6 +151,9 @@ void pictureTheParts(Window& window, Album& album) {
         album.save(QStringLiteral("options-") + QLatin1String(row.id),
                    *window.view.findChild<ToolOptionsBar*>());
     }
+    window.model.transform().beginTransform();
+    album.save("options-transform", *window.view.findChild<ToolOptionsBar*>());
+    window.model.transform().cancelTransform();
     window.model.setTool(Tool::brush);
     for (const char* panel : {"colorPanel", "brushPanel", "palettesPanel"}) {
         window.view.findChild<QAction*>(panel)->trigger();
@@ -150,11 +161,16 @@ void pictureTheParts(Window& window, Album& album) {
         BackgroundQueue::previews().finish();
         album.save(QLatin1String(panel), window.view);
     }
+    window.click("showOnion");
+    album.save("onion", window.view);
+    window.click("showOnion");
+    if (album.onlyLooks) return;
     for (QAction* title : window.view.menuBar()->actions())
         album.save("menu-" + title->menu()->objectName().toLower(), pictureOf(window, *title->menu()));
 }
 
-void pictureSheets(Window& window, Album& album) {
+/// Leaves safety copies of two pictures, the first of which was saved since.
+void loseTwoPictures() {
     for (const char* name : {"Sea at dawn", "A name that is longer than the place for it in the list"}) {
         DocSession lost(std::make_unique<PaintDocument>(1600, 900, 72, PaintColor(0.2, 0.4, 0.6)), name, {},
                         QUuid::createUuid(), DocSession::Dirty::yes);
@@ -164,6 +180,9 @@ void pictureSheets(Window& window, Album& album) {
         if (!file.open(QIODevice::WriteOnly)) return; // it was saved since
         lost.copy.files.reset();
     }
+}
+
+void pictureSheets(Window& window, Album& album) {
     for (const NamedSheet& named : kSheets) {
         window.model.showSheet(named.sheet);
         if (auto* words = window.view.findChild<QPlainTextEdit*>())
@@ -205,16 +224,21 @@ int main(int argc, char** argv) {
     Album album(QString::fromLocal8Bit(argv[1]));
     QirnKit::install("Qirn Paint", PaintHelp::topics());
     Window window;
-    window.set(&PaintPrefs::showPerformance, true);
+    window.canvas().strokeSeed = [] { return uint64_t{1}; };
     window.model.pictures().newDocument(1920, 1080, 72, PaintColor(0.97, 0.955, 0.92), "Ten brushes");
     window.model.pictures().close(*window.model.pictures().sessions().front());
     QCoreApplication::processEvents();
     paintTenPresets(window);
     album.save("studio", window.view);
     pictureThemesAndZooms(window, album);
-    pictureTheParts(window, album);
-    pictureSheets(window, album);
-    pictureOtherWindows(window, album);
+    loseTwoPictures();
+    for (const int level : {100, 85, 150, 200}) {
+        QrZoom::setValue(level / 100.0);
+        album.onlyLooks = level != 100;
+        pictureTheParts(window, album);
+        pictureSheets(window, album);
+        pictureOtherWindows(window, album);
+    }
     if (texts > 0)
         for (const QString& text : pseudo.missingIn(options.value(texts)))
             album.tell(QStringLiteral("lupdate misses"), text);
