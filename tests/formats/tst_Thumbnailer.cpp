@@ -122,7 +122,7 @@ private Q_SLOTS:
                 {"a manifest above 64 MB",
                  withText('{' + QByteArray(R"("x":1,)").repeated(12 << 20) + manifest.mid(1))},
                 {"a word of 40 MB",
-                 withText(R"({"x":")" + QByteArray(40 << 20, 'x') + "\"," + manifest.mid(1))},
+                 withText("{\"x\":\"" + QByteArray(40 << 20, 'x') + "\"," + manifest.mid(1))},
                 {"a number of 40 MB",
                  withText(R"({"x":)" + QByteArray(40 << 20, '1') + ',' + manifest.mid(1))},
                 {"no preview", withManifest(good, [](OrderedJson& m) { m.erase("thumbnail"); })},
