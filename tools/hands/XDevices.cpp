@@ -99,17 +99,9 @@ struct Version {
     Head head;
     uint16_t major = 1, minor = 1;
 };
-struct Empty {
-    Head head;
-};
 struct Motion {
     Head head;
     uint32_t isAbsolute;
-    Values values;
-};
-struct Proximity {
-    Head head;
-    uint32_t isIn;
     Values values;
 };
 struct Button {
@@ -118,17 +110,12 @@ struct Button {
     uint32_t isDown;
     Values values;
 };
-struct Key {
-    Head head;
-    int32_t code;
-    uint32_t isDown;
-};
 struct TouchPoint {
     Head head;
     uint32_t finger, what;
     Values values;
 };
-enum Kind : uint32_t { version, waitForSync, motion, proximityChange, buttonChange, keyChange, touchChange };
+enum Kind : uint32_t { version, motion = 2, buttonChange = 4, touchChange = 6 };
 
 } // namespace
 
@@ -177,9 +164,9 @@ XDevice::XDevice(const QString& folder, const char* name) : isAbsolute_(qstrcmp(
     if (::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         qFatal("No device of the X server at %s", address.sun_path);
     Version ours;
-    ours.head = {sizeof ours, version};
-    write(&ours, sizeof ours);
-    read(&ours, sizeof ours);
+    send(version, ours);
+    if (::recv(socket_, &ours, sizeof ours, MSG_WAITALL) != ssize_t{sizeof ours})
+        qFatal("The X server gave no answer");
 }
 
 XDevice::~XDevice() {
@@ -188,51 +175,21 @@ XDevice::~XDevice() {
 
 template <class Message> void XDevice::send(uint32_t kind, Message message) {
     message.head = {sizeof message, kind};
-    write(&message, sizeof message);
-}
-
-void XDevice::sync() {
-    send(waitForSync, Empty{});
-    Empty answer;
-    read(&answer, sizeof answer);
-}
-
-void XDevice::write(const void* bytes, std::size_t count) {
-    if (::write(socket_, bytes, count) != static_cast<ssize_t>(count)) qFatal("The X server took no event");
-}
-
-void XDevice::read(void* bytes, std::size_t count) {
-    if (::recv(socket_, bytes, count, MSG_WAITALL) != static_cast<ssize_t>(count))
-        qFatal("The X server gave no answer");
-}
-
-void XDevice::moveSoon(const Axes& axes) {
-    send(motion, Motion{{}, isAbsolute_, Values(axes)});
+    if (::write(socket_, &message, sizeof message) != ssize_t{sizeof message})
+        qFatal("The X server took no event");
 }
 
 void XDevice::move(const Axes& axes) {
-    moveSoon(axes);
-    sync();
+    send(motion, Motion{{}, isAbsolute_, Values(axes)});
 }
 
 void XDevice::button(int number, bool down) {
     send(buttonChange, Button{{}, 0, number, down, Values({})});
-    sync();
 }
 
-void XDevice::proximity(bool in) {
-    send(proximityChange, Proximity{{}, in, Values({})});
-    sync();
-}
-
-void XDevice::key(int code, bool down) {
-    send(keyChange, Key{{}, code, down});
-    sync();
-}
-
-void XDevice::touch(Touch what, uint32_t finger, const Axes& axes) {
-    send(touchChange, TouchPoint{{}, finger, static_cast<uint32_t>(what), Values(axes)});
-    sync();
+void XDevice::touch(Devices::Touch what, int finger, const Axes& axes) {
+    send(touchChange,
+         TouchPoint{{}, static_cast<uint32_t>(finger), 18 + static_cast<uint32_t>(what), Values(axes)});
 }
 
 } // namespace qirn::hands

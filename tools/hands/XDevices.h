@@ -1,5 +1,6 @@
 #pragma once
-#include <array>
+#include "Devices.h"
+
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -27,10 +28,10 @@ private:
     QString display_;
 };
 
-/// One of its devices, by the protocol of the server's inputtest driver. Calls return when the server has done all of it.
+/// One of its devices, by the protocol of the server's inputtest driver, which takes one connection in its life.
 class XDevice {
 public:
-    XDevice(const QString& folder, const char* name); ///< "pen", "touch", "mouse" or "keys".
+    XDevice(const QString& folder, const char* name); ///< "pen", "touch" or "mouse".
     ~XDevice();
     XDevice(const XDevice&) = delete;
     XDevice& operator=(const XDevice&) = delete;
@@ -42,18 +43,11 @@ public:
     static constexpr double kMost = 65535;
 
     void move(const Axes& axes);
-    void moveSoon(const Axes& axes); ///< Returns at once.
     void button(int number, bool down);
-    void proximity(bool in);
-    void key(int code, bool down); ///< X11's code.
-    enum class Touch : uint32_t { begin = 18, update = 19, end = 20 };
-    void touch(Touch what, uint32_t finger, const Axes& axes);
+    void touch(Devices::Touch what, int finger, const Axes& axes);
 
 private:
     template <class Message> void send(uint32_t kind, Message message);
-    void sync();
-    void write(const void* bytes, std::size_t count);
-    void read(void* bytes, std::size_t count);
 
     int socket_ = -1;
     bool isAbsolute_;
