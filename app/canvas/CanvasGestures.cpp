@@ -69,8 +69,10 @@ bool CanvasView::eventFilter(QObject* watched, QEvent* event) {
 
 void CanvasView::handleProximity(QEvent* event) {
     if (event->type() == QEvent::TabletEnterProximity) {
+        input_.setPenInReach(true);
         penEndChanged(isEraser(*static_cast<QTabletEvent*>(event)));
     } else if (event->type() == QEvent::TabletLeaveProximity) {
+        input_.setPenInReach(false);
         penLifted(); // out of reach it is up, even when its release was lost
         penEndChanged(false);
     }
@@ -107,7 +109,7 @@ void CanvasView::penMoved(QTabletEvent* event) {
         penLifted(); // its release went to a window or a wait that took the input
     // Each event tells the end of the pen; proximity events exist only with some drivers.
     if (!input_.isPenDown()) penEndChanged(isEraser(*event));
-    if (event->type() == QEvent::TabletPress && tip) input_.setPenDown(true);
+    if (input_.comesDown(*event)) input_.setPenDown(true);
     if (placed && input_.takePress()) {
         press(sample);
     } else if (event->type() == QEvent::TabletPress && placed && event->button() == Qt::RightButton) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -66,6 +67,12 @@ std::optional<PenSample> PenInput::sampleOf(const QMouseEvent& event, QPointF vi
     sample.time = secondsOf(event, now);
     sample.modifiers = event.modifiers();
     return sample;
+}
+
+bool PenInput::comesDown(const QTabletEvent& event) {
+    // Qt, which heard of no release, tells of a move here, and not of a press.
+    const bool returns = std::exchange(returns_, false) && event.buttons().testFlag(Qt::LeftButton);
+    return event.type() == QEvent::TabletPress ? event.button() == Qt::LeftButton : returns;
 }
 
 void PenInput::follow(const QKeyEvent& event) {

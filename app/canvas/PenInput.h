@@ -34,6 +34,12 @@ public:
 
     bool isPenDown() const { return penDown_; }
     void setPenDown(bool down) { penDown_ = pressWaits_ = down; }
+    void setPenInReach(bool in) {
+        returns_ = in && leftDown_;
+        leftDown_ = !in && penDown_;
+    }
+    /// True for a press of its tip, and for the first event of one that left the reach of the tablet down and came back so.
+    bool comesDown(const QTabletEvent& event);
     bool takePress() { return std::exchange(pressWaits_, false); } ///< True once after the pen came down.
     void penHandled(double now) { lastPenTime_ = now; } ///< After a pen event and all that it painted.
     /// Touch is the hand that holds it then, or about to.
@@ -48,6 +54,7 @@ public:
 private:
     bool penDown_ = false;
     bool pressWaits_ = false;
+    bool leftDown_ = false, returns_ = false;
     double lastPenTime_ = -1;
     Qt::KeyboardModifiers keysHeld_; // pen events have no modifiers on some desktops
 };
