@@ -46,7 +46,9 @@ Studio::Studio()
 void showActive(QWidget& window) {
     window.show();
     window.activateWindow();
-    [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(&window);
+    // Qt Test's own wait for this knows no Wayland.
+    [[maybe_unused]] const bool active =
+        QTest::qWaitFor([&] { return window.isActiveWindow() && window.windowHandle()->isExposed(); });
 }
 
 QPointF widgetPoint(const CanvasView& canvas, QPointF canvasPoint) {
