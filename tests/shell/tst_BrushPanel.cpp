@@ -175,7 +175,7 @@ private Q_SLOTS:
             w.click("showPresets");
             QCOMPARE(w.list().isVisible(), open);
         }
-        QWidget& sight = *w.find<ScrollColumn>().viewport();
+        QWidget& sight = *w.find<BrushPanel>().findChild<ScrollColumn*>()->viewport();
         QTRY_VERIFY(sight.rect().contains(w.list().mapTo(&sight, w.placeOf("Pastel Grain"))));
     }
 
