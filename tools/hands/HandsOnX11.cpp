@@ -1,6 +1,7 @@
 // The hands on an X server that is started for them. HandsOnX11 [FOLDER]: with a folder, pictures of the screen are left in it.
 // Ends with 77 where there is no such server.
 #include "Hands.h"
+#include "XDesktop.h"
 #include "XDevices.h"
 
 #include <cstdio>
@@ -69,5 +70,7 @@ int main(int argc, char** argv) {
     const auto app = applicationOn("xcb", argv);
     XHands devices(server.folder());
     Hands hands(devices, QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
-    return QTest::qExec(&hands, QStringList(app->arguments().first()));
+    const QStringList program(app->arguments().first());
+    XDesktop desktop;
+    return QTest::qExec(&hands, program) + QTest::qExec(&desktop, program);
 }
