@@ -125,6 +125,7 @@ private Q_SLOTS:
                  withText("{\"x\":\"" + QByteArray(40 << 20, 'x') + "\"," + manifest.mid(1))},
                 {"a number of 40 MB",
                  withText(R"({"x":)" + QByteArray(40 << 20, '1') + ',' + manifest.mid(1))},
+                {"more behind a gap", withText(manifest + QByteArray(2 << 20, ' ') + '}')},
                 {"no preview", withManifest(good, [](OrderedJson& m) { m.erase("thumbnail"); })},
                 {"an empty manifest", withText("")},
                 {"a list", withText(R"([{"thumbnail":{"i":-1,"o":0,"n":1,"c":2}}])")},
