@@ -1,7 +1,6 @@
 #include "PaintReference.h"
 #include "core/SeededRandom.h"
 #include "operations/Fill.h"
-#include "operations/LayerOperations.h"
 #include "operations/painting/CoveragePainter.h"
 #include "platform/lanes/InstructionSets.h"
 #include "support/Pictures.h"
@@ -87,32 +86,8 @@ private Q_SLOTS:
         QVERIFY(doc->takeDirtyTiles().empty());
         doc->activeLayer().isLocked = false;
         QCOMPARE(doc->fingerprint(), before);
-    }
-
-    void slotsFilledAllOverShareOneTileUntilPaintedOn() {
-        PaintDocument doc(700, 600, 72, {}); // 3 x 3, the last of each row and column cut
-        Layer& layer = doc.activeLayer();
-        paintRect(doc, layer, {0, 0, 700, 600}, {1, 2, 3, 4});
-        fillSelection(doc, kOrange, 1);
-        // Beyond the canvas edge the layer keeps what it had.
-        const uint8_t* edge = layer.tile(2)->pixels();
-        QVERIFY(edge[187 * 4] == 255 && edge[188 * 4] == 0);
-        doc.commit(QStringLiteral("Fill"));
-        QCOMPARE(doc.historyBytes(), int64_t{(1 + 5) * kTileBytes});
-        paintRect(doc, layer, {300, 300, 5, 5}, {9, 9, 9, 9});
-        QCOMPARE(layer.pixel(302, 302), (PixelBytes{9, 9, 9, 9}));
-        QCOMPARE(layer.pixel(46, 46), (PixelBytes{255, 128, 0, 255}));
-    }
-
-    void underLineArtTheFillStaysInsideTheLines() {
-        PaintDocument doc(600, 600, 72, {});
-        paintRect(doc, doc.activeLayer(), {100, 100, 400, 400}, {0, 0, 0, 255});
-        paintRect(doc, doc.activeLayer(), {103, 103, 394, 394}, {0, 0, 0, 0});
-        addLayer(doc);
-        const IRect inside{102, 102, 396, 396}; // one pixel under the line
-        QCOMPARE(bucketFill(doc, 300, 300, kOrange, {.sampleAllLayers = true}, 1), inside);
-        QCOMPARE(*doc.activeLayer().contentBounds(), inside);
-        QCOMPARE(bucketFill(doc, 0, 0, kOrange, {}, 1), doc.grid().bounds());
+        QCOMPARE(fillSelection(*doc, kOrange, 1), doc->grid().bounds());
+        QCOMPARE(doc->activeLayer().pixel(299, 199), (PixelBytes{255, 128, 0, 255}));
     }
 
     void theSelectionLimitsThePaintAndNotTheSearch() {

@@ -49,14 +49,6 @@ IRect fill(PaintDocument& doc, const Drag& drag) {
     return gradientFill(doc, drag.from, drag.to, drag.kind, drag.start, drag.end, drag.opacity);
 }
 
-/// From black to white.
-IRect fill(PaintDocument& doc, const QPointF& from, const QPointF& to, GradientKind kind) {
-    return fill(doc, {from, to, kind, PaintColor::black(), PaintColor::white(), 1});
-}
-
-constexpr auto linear = GradientKind::linear, radial = GradientKind::radial,
-               reflected = GradientKind::reflected;
-
 } // namespace
 
 class tst_Gradient : public QObject {
@@ -70,13 +62,17 @@ private Q_SLOTS:
         const auto before = noise(w, h, 11);
         for (const std::string& name : instructionSets()) {
             useInstructionSet(name);
-            for (int i = 0; i < 48; ++i) {
+            for (int i = 0; i < 54; ++i) {
                 const auto doc = documentOf(*before);
                 doc->activeLayer().alphaLocked = i & 2;
                 if (i & 1) doc->selection = patchySelection(w, h, 2);
-                const Drag drag{{120.3, 250},
-                                {390, 71.75},
-                                kGradientKinds[static_cast<std::size_t>(i / 16)].kind,
+                // The last have no length, and start in a pixel's center, which alone shows the start, or beside one.
+                const QPointF from = i < 48   ? QPointF(120.3, 250)
+                                     : i < 51 ? QPointF(60.5, 40.5)
+                                              : QPointF(60, 40);
+                const Drag drag{from,
+                                i < 48 ? QPointF(390, 71.75) : from,
+                                kGradientKinds[static_cast<std::size_t>(i < 48 ? i / 16 : i % 3)].kind,
                                 PaintColor(0.95, 0.2, 0.61, i & 8 ? 1 : 0.9),
                                 PaintColor(0.1, 0.75, 0.3, i & 4 ? 0 : 1),
                                 i % 3 == 0 ? 1 : 0.43};
@@ -88,34 +84,20 @@ private Q_SLOTS:
         }
     }
 
-    void aDragOfNoLength() {
-        for (const auto& [from, center] : {std::pair{QPointF(60, 40), 255}, {QPointF(60.5, 40.5), 0}}) {
-            PaintDocument doc(100, 80, 72, {});
-            const auto red = [&](int64_t x, int64_t y) { return int(doc.activeLayer().pixel(x, y)[0]); };
-            for (GradientKind kind : {linear, reflected}) {
-                paintRect(doc, doc.activeLayer(), doc.grid().bounds(), {9, 9, 9, 255});
-                fill(doc, from, from, kind);
-                QVERIFY(red(0, 0) == 0 && red(60, 40) == 0 && red(99, 79) == 0);
-            }
-            fill(doc, from, from, radial);
-            QCOMPARE(red(59, 40), 255);
-            QCOMPARE(red(60, 40), center); // the start shows where it is a pixel's center
-        }
-    }
-
     void tilesThatArePaintedNowhereAreNotMade() {
         PaintDocument doc(900, 10, 72, {});
+        const Drag drag{{0, 0}, {900, 0}, GradientKind::linear, PaintColor::black(), PaintColor::white(), 1};
         Layer& layer = doc.activeLayer();
         layer.isLocked = true;
-        QCOMPARE(fill(doc, {0, 0}, {9, 9}, linear), IRect());
+        QCOMPARE(fill(doc, drag), IRect());
         QVERIFY(layer.isEmpty() && doc.takeDirtyTiles().empty());
         layer.isLocked = false;
         layer.alphaLocked = true;
-        fill(doc, {0, 0}, {9, 9}, linear);
+        fill(doc, drag);
         QVERIFY(layer.tiles().holdsNothing()); // nothing there to keep the alpha of
         layer.alphaLocked = false;
         doc.selection = selectionOf(900, 10, [](int64_t x, int64_t y) { return x + y == 0 || x + y == 908; });
-        QCOMPARE(fill(doc, {0, 0}, {900, 0}, linear), doc.grid().bounds());
+        QCOMPARE(fill(doc, drag), doc.grid().bounds());
         QVERIFY(layer.tile(0) && !layer.tile(1) && !layer.tile(2) && layer.tile(3));
     }
 };
