@@ -1,7 +1,5 @@
 #include "support/Studio.h"
-#include "app/model/OpenPictures.h"
 
-#include "app/files/DocSession.h"
 #include "core/selection/Selection.h"
 
 #include <QApplication>
