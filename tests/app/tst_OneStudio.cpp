@@ -1,10 +1,8 @@
-#include "app/model/OpenPictures.h"
 #include "core/PaintEngine.h"
 #include "core/SeededRandom.h"
 #include "program/OneStudio.h"
 #include "program/OpenRequests.h"
 #include "program/arguments/DisplayArguments.h"
-#include "support/Files.h"
 #include "support/Studio.h"
 
 #include <QDialog>
@@ -148,33 +146,18 @@ private Q_SLOTS:
 
     void onlyAFolderOfOnesOwnIsUsed() {
         const QString deep = folder_->filePath(QString(200, u'd'));
-        const struct {
-            const char* what;
-            std::function<QString()> make;
-            bool isUsed;
-        } cases[] = {{"missing", [&] { return folder_->filePath("none"); }, false},
-                     {"readable by others",
-                      [&] {
-                          chmod(QFile::encodeName(folder_->path()).constData(), 0755);
-                          return folder_->path();
-                      },
-                      false},
-                     {"a link",
-                      [&] {
-                          chmod(QFile::encodeName(folder_->path()).constData(), 0700);
-                          QFile::link(folder_->path(), folder_->filePath("link"));
-                          return folder_->filePath("link");
-                      },
-                      false},
-                     {"relative", [] { return QString("."); }, false},
-                     {"longer than the address of a socket",
-                      [&] {
-                          mkdir(QFile::encodeName(deep).constData(), 0700);
-                          return deep;
-                      },
-                      true}};
-        for (const auto& [what, make, isUsed] : cases) {
-            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(make()));
+        mkdir(QFile::encodeName(deep).constData(), 0700);
+        const QString own = folder_->path(), link = folder_->filePath("link");
+        QVERIFY(QFile::link(own, link));
+        const std::tuple<const char*, QString, mode_t, bool> cases[] = {
+            {"missing", folder_->filePath("none"), 0700, false},
+            {"readable by others", own, 0755, false},
+            {"a link", link, 0700, false},
+            {"relative", ".", 0700, false},
+            {"longer than the address of a socket", deep, 0700, true}};
+        for (const auto& [what, path, mode, isUsed] : cases) {
+            chmod(QFile::encodeName(own).constData(), mode);
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(path));
             OneStudio first = studio(), second = studio();
             QElapsedTimer clock;
             clock.start();

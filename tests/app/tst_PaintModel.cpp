@@ -1,20 +1,8 @@
-#include "app/desktop/BackgroundQueue.h"
 #include "app/desktop/RecentFiles.h"
-#include "app/edits/CanvasEdits.h"
-#include "app/edits/LayerEdits.h"
-#include "app/files/DocSession.h"
-#include "app/files/Recovery.h"
-#include "app/model/Brushes.h"
 #include "app/model/CanvasStatus.h"
 #include "app/model/Clipboard.h"
-#include "app/model/Colors.h"
-#include "app/model/Messages.h"
 #include "app/model/OpacityPreview.h"
-#include "app/model/OpenPictures.h"
 #include "app/model/Palettes.h"
-#include "app/model/PendingTransform.h"
-#include "app/model/PictureFiles.h"
-#include "app/model/Safety.h"
 #include "brush/BrushFile.h"
 #include "brush/BrushLibrary.h"
 #include "formats/native/PaintFile.h"
@@ -93,6 +81,9 @@ private Q_SLOTS:
         QCOMPARE(again.prefs().undoSteps, int64_t{50});
         QCOMPARE(again.brushes().userBrushes(), std::vector{brush});
         const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.store);
+        Store file(AppFolders::storeFile()); // is written when the program is made to end
+        PaintModel(PaintModel::LoadStores::no, studio.desktop, file).safety().keepWork();
+        QVERIFY(Store(AppFolders::storeFile()).json("qirn.pt.colors"));
         QVERIFY(fresh.tool() == Tool::brush && fresh.brushes().userBrushes().empty());
         again.brushes().choose(brush);
         for (const bool keeps : {true, false}) {
@@ -121,28 +112,6 @@ private Q_SLOTS:
         QCOMPARE(model.options().fill, (FillOptions{255, false, true, 0}));
         // What could not be read is still there.
         QCOMPARE(studio.store.text("qirn.pt.toolBrushes"), "{\"brush\":[[[");
-    }
-
-    void aFileThatCannotBeReadIsMovedAside() {
-        Studio studio;
-        const QByteArray damaged("[{\"name\": 5}]");
-        for (const QString& file : {AppFolders::brushesFile(), AppFolders::palettesFile()})
-            writeFile(file, damaged);
-        PaintModel model(PaintModel::LoadStores::yes, studio.desktop, studio.store);
-        QVERIFY(model.brushes().userBrushes().empty() && model.palettes().userPalettes().empty());
-        QCOMPARE(bytesAt(AppFolders::palettesFile()), damaged); // until something is written
-        for (const char* name : {"New", "Another"}) {
-            model.brushes().saveBrushAsNew(name);
-            model.palettes().newPalette(name, Palettes::FromRecent::no);
-        }
-        model.flushState();
-        const PaintModel again(PaintModel::LoadStores::yes, studio.desktop, studio.store);
-        QCOMPARE(again.brushes().userBrushes(), model.brushes().userBrushes());
-        QVERIFY(again.brushes().userBrushes().size() == 2 && again.palettes().userPalettes().size() == 2);
-        const QDir folder(AppFolders::base());
-        const QStringList kept = folder.entryList({"My * (unreadable*).json"});
-        QCOMPARE(kept.size(), 2);
-        for (const QString& name : kept) QCOMPARE(bytesAt(folder.filePath(name)), damaged);
     }
 
     // Pictures
@@ -181,33 +150,6 @@ private Q_SLOTS:
         QCOMPARE(studio.model.status().view().rotation, 20.0);
     }
 
-    void aPictureIsSavedClosedAndOpenedAgain() {
-        Studio studio;
-        studio.penStroke({{30, 30}, {200, 150}, {90, 220}}, 0.7);
-        LayerEdits::addLayer(studio.model);
-        LayerEdits::setLayer(studio.model, 2, "Rename Layer",
-                             [](Layer& layer) { layer.name = "Ébauche ✏️"; });
-        const uint64_t print = studio.doc().fingerprint();
-        studio.desktop.savePaths = {studio.path("Bild ä.qirnpaint")};
-        QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
-        QCOMPARE(studio.desktop.proposedNames.front(), "Test.qirnpaint");
-        QVERIFY(!studio.session().isDirty());
-        QCOMPARE(studio.session().name, "Bild ä");
-        QCOMPARE(studio.model.messages().hud(), "Saved Bild ä.qirnpaint");
-        studio.model.pictures().closeCurrent(); // the last: a fresh one comes in its place
-        QCOMPARE(studio.session().name, "Untitled");
-        QCOMPARE(studio.canvas.session(), &studio.session());
-        studio.model.files().open(studio.path("Bild ä.qirnpaint"));
-        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
-        QCOMPARE(studio.doc().fingerprint(), print);
-        QVERIFY(!studio.session().isDirty());
-        // And on it goes, without another question.
-        studio.penStroke({{10, 10}});
-        QVERIFY(studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
-        QVERIFY(studio.desktop.asked.empty());
-        QCOMPARE(studio.desktop.recentFiles.size(), 3);
-    }
-
     void aNameThatIsNoTextIsKept() {
         for (const char* bytes :
              {"caf\xe9.qirnpaint", "\x93\xfa\x96\x7b \xe6\x97\xa5.qirnpaint", "\xed\xb3\xa9.qirnpaint"}) {
@@ -229,47 +171,6 @@ private Q_SLOTS:
             const std::filesystem::directory_iterator names(folder.toStdString());
             QCOMPARE(std::distance(begin(names), end(names)), std::ptrdiff_t{1}); // and no other
             std::filesystem::remove_all(folder.toStdString());                    // which the toolkit cannot
-        }
-    }
-
-    void aFailedSaveLosesNothingAndADamagedFileIsToldInWords() {
-        Studio studio;
-        studio.fill(kDot);
-        const uint64_t print = studio.doc().fingerprint();
-        studio.desktop.savePaths = {studio.path("no such folder/a.qirnpaint")};
-        QVERIFY(!studio.model.files().save(nullptr, PictureFiles::SaveAs::no));
-        QCOMPARE(studio.desktop.asked.back().title, "Couldn't save");
-        QVERIFY(studio.desktop.asked.back().text.endsWith("\n\nYour work is still open."));
-        QVERIFY(studio.session().isDirty() && studio.session().fileURL.isEmpty());
-        writeFile(studio.path("text.qirnpaint"), "not a paint file");
-        const QByteArray whole = PaintFile::encode(studio.doc());
-        writeFile(studio.path("half.qirnpaint"),
-                  whole.first(PaintFile::manifestOf(bytesOf(whole)).blobOffset + 10));
-        writeFile(studio.path("text.png"), "not a picture");
-        for (const char* name : {"text.qirnpaint", "half.qirnpaint", "missing.qirnpaint", "text.png"}) {
-            studio.model.files().open(studio.path(name));
-            QCOMPARE(studio.desktop.asked.back().title, QString("Couldn't open ") + name);
-            const QString& text = studio.desktop.asked.back().text;
-            QVERIFY2(!text.isEmpty() && !text.contains("macOS"), qPrintable(text));
-        }
-        QCOMPARE(studio.model.pictures().sessions().size(), std::size_t{1});
-        QCOMPARE(studio.doc().fingerprint(), print);
-    }
-
-    void closingAsksAboutUnsavedWork() {
-        enum Answer { save, cancel, dontSave };
-        for (const Answer answer : {save, cancel, dontSave}) {
-            Studio studio;
-            studio.fill(kDot);
-            const QUuid id = studio.session().id;
-            studio.desktop.answers = {answer};
-            studio.desktop.savePaths = {studio.path("kept.qirnpaint")};
-            studio.model.pictures().closeCurrent();
-            QCOMPARE(studio.desktop.asked.front().title, "Save changes to \"Test\"?");
-            QCOMPARE(studio.desktop.asked.front().buttons, QStringList({"Save…", "Cancel", "Don't Save"}));
-            QCOMPARE(studio.session().id != id, answer != cancel);
-            QCOMPARE(QFile::exists(studio.path("kept.qirnpaint")), answer == save);
-            QVERIFY(!QFile::exists(Recovery::fileURL(id)));
         }
     }
 
@@ -475,16 +376,9 @@ private Q_SLOTS:
         studio.model.undo();
         QVERIFY(studio.desktop.beeps == 1 && !studio.model.messages().hud());
         LayerEdits::setActiveLayer(studio.model, 0);
-        studio.doc().layer(1).isVisible = false;
-        LayerEdits::mergeVisible(studio.model);
         LayerEdits::mergeDown(studio.model);
         QCOMPARE(studio.model.messages().hud(), "There is no layer below to merge into");
-        LayerEdits::moveLayerDown(studio.model);
         LayerEdits::setActiveLayer(studio.model, 1);
-        LayerEdits::moveLayerUp(studio.model);
-        CanvasEdits::invertSelection(studio.model);
-        CanvasEdits::deselect(studio.model);
-        QCOMPARE(studio.doc().undoDepth(), int64_t{0});
         studio.fill(kDot);
         studio.desktop.answers = {1};
         LayerEdits::deleteLayer(studio.model);

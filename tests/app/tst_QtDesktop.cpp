@@ -27,69 +27,28 @@ class tst_QtDesktop : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    /// The panel asks about a name as it was typed; the ending is ours, and so is the question about the file that it
-    /// leads to.
-    void aFileThatTheEndingLeadsToIsNotReplacedUnasked() {
-        for (const bool replaces : {false, true}) {
-            QTemporaryDir folder;
-            writeFile(folder.filePath("a.b.png"), "there already");
-            int asked = 0, shown = 0;
-            QTimer person; // does the next thing whenever a window waits for it
-            connect(&person, &QTimer::timeout, this, [&] {
-                QWidget* const window = QApplication::activeModalWidget();
-                if (auto* box = qobject_cast<MessageBox*>(window)) {
-                    ++asked;
-                    box->buttons()[replaces ? 0 : 1]->click();
-                } else if (auto* panel = qobject_cast<QDialog*>(window)) {
-                    if (++shown > 1) return panel->reject();
-                    panel->findChild<QLineEdit*>()->setText(folder.filePath("a.b"));
-                    static_cast<QDialog*>(panel)->accept();
-                }
-            });
-            person.start(1);
-            const FileType png{"PNG", {"png"}};
-            const auto place = QtDesktop().saveFile({"Export", "x", {png}});
-            QCOMPARE(asked, 1);
-            QCOMPARE(place.has_value(), replaces);
-            if (replaces) QCOMPARE(place->path, folder.filePath("a.b.png"));
-        }
-    }
-
-    void aNameOfAnotherKindOfPictureIsAskedAbout() {
+    /// The panel asks about a name as it was typed; the ending is ours, and so are the questions about another kind of
+    /// picture and about the file that the ending leads to.
+    void whatANameLeadsToIsAskedAbout() {
         QTemporaryDir folder;
+        writeFile(folder.filePath("there.b.png"), "already");
+        const SaveQuestion save{"Save", "x", {FileTypes::native()}, "Words", true},
+            png{"Export", "x", {FileTypes::exported(ExportFormat::png)}};
+        const QStringList native{"Save as foo.qirnpaint", "Export…", "Cancel"}, replaces{"Replace", "Cancel"};
+        const auto at = [&](const char* name) { return SavePlace{folder.filePath(name)}; };
         const struct {
             const char* typed;
             SaveQuestion question;
             int button;
             QStringList buttons;
             std::optional<SavePlace> place;
-        } cases[] = {
-            {"foo.png",
-             {"Save", "x", {FileTypes::native()}, "Words", true},
-             0,
-             {"Save as foo.qirnpaint", "Export…", "Cancel"},
-             SavePlace{folder.filePath("foo.qirnpaint")}},
-            {"foo.PSD",
-             {"Save", "x", {FileTypes::native()}, "Words", true},
-             1,
-             {"Save as foo.qirnpaint", "Export…", "Cancel"},
-             SavePlace{{}, true}},
-            {"pic.v1.jpg",
-             {"Export", "x", {FileTypes::exported(ExportFormat::png)}},
-             0,
-             {"Save as pic.v1.png", "Cancel"},
-             SavePlace{folder.filePath("pic.v1.png")}},
-            {"pic.qirnpaint",
-             {"Export", "x", {FileTypes::exported(ExportFormat::png)}},
-             1,
-             {"Save as pic.png", "Cancel"},
-             std::nullopt},
-            {"pic.txt",
-             {"Export", "x", {FileTypes::exported(ExportFormat::png)}},
-             0,
-             {},
-             SavePlace{folder.filePath("pic.txt.png")}},
-        };
+        } cases[] = {{"foo.png", save, 0, native, at("foo.qirnpaint")},
+                     {"foo.PSD", save, 1, native, SavePlace{{}, true}},
+                     {"pic.v1.jpg", png, 0, {"Save as pic.v1.png", "Cancel"}, at("pic.v1.png")},
+                     {"pic.qirnpaint", png, 1, {"Save as pic.png", "Cancel"}, std::nullopt},
+                     {"pic.txt", png, 0, {}, at("pic.txt.png")},
+                     {"there.b", png, 0, replaces, at("there.b.png")},
+                     {"there.b", png, 1, replaces, std::nullopt}};
         for (const auto& [typed, question, button, buttons, place] : cases) {
             QSet<QString> seen;
             int shown = 0;

@@ -118,12 +118,17 @@ private Q_SLOTS:
                 writeFile(path, "[{");
             else
                 QVERIFY(QFile::remove(path));
+            UserPaletteFile another(path);
+            another.load();
+            QVERIFY(another->empty());
+            if (isBroken) QCOMPARE(bytesAt(path), QByteArray("[{")); // until something is written
             file.edit().push_back({QUuid::createUuid(), "Two", {}, false});
             file.flush();
             QCOMPARE(*UserPaletteFormat::decode(bytesOf(bytesAt(path))), *file);
         }
         QCOMPARE(file->size(), std::size_t{4});
-        QCOMPARE(QDir(folder.path()).entryList({"list (unreadable, *).json"}).size(), 1);
+        const QStringList kept = QDir(folder.path()).entryList({"list (unreadable, *).json"});
+        QVERIFY(kept.size() == 1 && bytesAt(folder.filePath(kept[0])) == "[{");
     }
 };
 

@@ -1,16 +1,11 @@
 #include "app/desktop/Trash.h"
-#include "app/files/DocSession.h"
-#include "app/model/OpenPictures.h"
-#include "app/model/PictureFiles.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FileCalls.h"
 #include "platform/files/FilePath.h"
-#include "support/Files.h"
+#include "support/FileFaults.h"
 #include "support/Studio.h"
-
-#include <cerrno>
 
 #include <QDateTime>
 #include <QDir>
@@ -122,23 +117,17 @@ private Q_SLOTS:
     }
 
     void whatFailsLeavesTheFile() {
-        for (const QString& call : QStringList{"stat", "lstat", "mkdir", "open", "write", "rename"}) {
+        for (const char* call : {"stat", "lstat", "mkdir", "open", "write", "rename"}) {
             init();
-            FileCalls calls = FileCalls::ofSystem();
             int failures = 0;
-            const auto fail = [&failures](auto...) {
-                ++failures;
-                errno = EACCES;
-                return -1;
-            };
-            if (call == "stat") calls.stat = fail;
-            if (call == "lstat") calls.lstat = fail;
-            if (call == "mkdir") calls.mkdir = fail;
-            if (call == "open") calls.open = fail;
-            if (call == "write") calls.write = fail;
-            if (call == "rename") calls.rename = fail;
-            QCOMPARE(errorOf(calls), EACCES);
-            QCOMPARE(failures, call == "rename" ? 2 : 1); // only this, and no other name is tried
+            QCOMPARE(errorOf(withEachCall(FileCalls::ofSystem(),
+                                          [&](const char* name) {
+                                              const bool fails = qstrcmp(name, call) == 0;
+                                              failures += fails;
+                                              return fails ? EACCES : 0;
+                                          })),
+                     EACCES);
+            QCOMPARE(failures, qstrcmp(call, "rename") == 0 ? 2 : 1); // only this, and no other name is tried
             QVERIFY(QFile::exists(at("disk/copy")));
             QVERIFY(namesIn(at("data/Trash/info")).isEmpty() && namesIn(at("data/Trash/files")).isEmpty());
             QCOMPARE(errorOf(FileCalls::ofSystem()), 0);

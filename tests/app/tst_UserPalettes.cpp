@@ -1,5 +1,3 @@
-#include "app/model/Colors.h"
-#include "app/model/Messages.h"
 #include "app/model/Palettes.h"
 #include "formats/palettes/PaletteLibrary.h"
 #include "platform/Bytes.h"
@@ -62,17 +60,6 @@ private Q_SLOTS:
             QCOMPARE(studio.model.palettes().currentPalette().colors.size(), colors + 2);
             QCOMPARE(stored(studio), studio.model.palettes().userPalettes());
         }
-    }
-
-    void aMovedColorStandsAtItsNewPlace() {
-        Studio studio;
-        auto expected = studio.model.palettes().currentPalette().colors;
-        studio.model.palettes().moveInPalette(2, 5);
-        std::rotate(expected.begin() + 2, expected.begin() + 3, expected.begin() + 6);
-        QCOMPARE(studio.model.palettes().currentPalette().colors, expected);
-        studio.model.palettes().moveInPalette(5, 0);
-        std::rotate(expected.begin(), expected.begin() + 5, expected.begin() + 6);
-        QCOMPARE(studio.model.palettes().currentPalette().colors, expected);
     }
 
     void newPalettesHoldWhatIsInHand() {

@@ -1,4 +1,3 @@
-#include "app/canvas/PenInput.h"
 #include "app/desktop/HostWords.h"
 #include "app/files/ViewTransform.h"
 #include "support/TestMain.h"
@@ -82,18 +81,6 @@ private Q_SLOTS:
                                              {1.005, false, 0.667},
                                              {0.02, false, 0.05}}) // one within a hundredth is skipped
             QCOMPARE(nextZoomStop(zoom, in), next);
-    }
-
-    void speedAndCurveShapeThePressure() {
-        SpeedPressure speed;
-        speed.follow(1.0, {0, 0});
-        QCOMPARE(speed.next(1.1, {100, 0}), 1.2 - 1000 / 2500.0);
-        QCOMPARE(speed.next(1.2, {101, 0}), 1.0);  // slow
-        QCOMPARE(speed.next(1.2, {400, 0}), 0.15); // no time passed: a thousandth of a second counts
-        QCOMPARE(shapedPressure(0.25, 0.5), 0.5);
-        QCOMPARE(shapedPressure(0.5, 2), 0.25);
-        QCOMPARE(shapedPressure(1.7, 1), 1.0);
-        QCOMPARE(shapedPressure(-1, 2), 0.0);
     }
 
     void keysReadAsTheHostNamesThem() {

@@ -1,10 +1,5 @@
 #pragma once
 #include "app/desktop/Trash.h"
-#include "app/files/DocSession.h"
-#include "app/files/Recovery.h"
-#include "app/model/Messages.h"
-#include "app/model/OpenPictures.h"
-#include "app/model/PictureFiles.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
 #include "platform/files/FileCalls.h"
@@ -81,8 +76,11 @@ struct Place : OwnWorld {
         return true;
     }
     struct stat facts() const {
+        return facts(file);
+    }
+    struct stat facts(const QString& of) const {
         struct stat found {};
-        ::stat(name(), &found);
+        ::stat(name(of), &found);
         return found;
     }
 
@@ -111,9 +109,10 @@ inline QString saveTo(Place& place, PictureFiles::SaveAs as) {
     place.fill({50, 50, 20, static_cast<int64_t>(++place.changes)}, {0, 0, 255, 255});
     const QByteArray before = contentOf(place.file);
     const QStringList names = namesIn(place.folder);
+    const QUrl url = place.session().fileURL;
     place.desktop.savePaths = {place.file};
     if (!place.model.files().save(nullptr, as)) {
-        if (!place.session().isDirty()) return "LOST: counts as saved";
+        if (!place.session().isDirty() || place.session().fileURL != url) return "LOST: counts as saved";
         if (!before.isEmpty() && !QFileInfo::exists(place.folder))
             QDir().rename(place.path("moved"), place.folder);
         if (contentOf(place.file) != before) return "LOST: the old file";
@@ -170,20 +169,8 @@ inline QString copied(Place& place) {
     const auto copy = PaintFile::decode(bytesOf(readFile(Recovery::fileURL(place.session().id))));
     return copy->fingerprint() == place.doc().fingerprint() ? "copied" : "LOST: not as it is";
 }
-inline QString recovered(Place& place) {
-    const auto items = Recovery::pending(place.model.pictures().ids());
-    if (items.empty()) return "nothing is offered";
-    const QString offered = items[0].info.name + ", ";
-    try {
-        const SessionRef session = Recovery::restore(items[0]);
-        return offered + (session->doc().fingerprint() == place.doc().fingerprint() ? "recovered" : "LOST");
-    } catch (const DescribedError& error) {
-        if (!QFile::exists(items[0].file)) return offered + "LOST";
-        return offered + error.description();
-    }
-}
 inline QString stored(Place& place) {
-    const QByteArray before = contentOf(AppFolders::storeFile());
+    const ino_t before = place.facts(AppFolders::storeFile()).st_ino;
     double was = 0;
     {
         Store store(AppFolders::storeFile());
@@ -193,7 +180,8 @@ inline QString stored(Place& place) {
     const bool isKept = Store(AppFolders::storeFile()).number("b") == 2.0;
     bool isAside = false;
     for (const QString& name : namesIn(AppFolders::base()))
-        isAside |= name.contains("unreadable") && contentOf(AppFolders::base() + '/' + name) == before;
+        isAside |=
+            name.contains("unreadable") && place.facts(AppFolders::base() + '/' + name).st_ino == before;
     place.desktop.asked.clear();
     return QString(was == 1  ? "read"
                    : isAside ? "set aside"
@@ -206,18 +194,6 @@ inline QString stored(Place& place) {
 inline bool saved(Place& place) { // first of all
     return save(place) == "saved";
 }
-inline QString copyFile(const Place&, const char* ending) {
-    return AppFolders::autosave() + "/11111111-2222-4333-8444-555555555555." + ending;
-}
-inline bool leaveCopy(Place& place, const QByteArray& record, double part = 1) {
-    const QByteArray copy = PaintFile::encode(place.doc());
-    writeFile(copyFile(place, "qirnpaint"),
-              copy.first(static_cast<qsizetype>(part * static_cast<double>(copy.size()))));
-    if (!record.isNull()) writeFile(copyFile(place, "json"), record);
-    return true;
-}
-constexpr const char* kRecord =
-    R"({"name":"Sea","date":"2999-01-01T00:00:00Z","width":300,"height":200,"layers":2})";
 inline bool fillUp(const Place& place) { // the disk
     QFile more(place.folder + "/more");
     if (!more.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return false;
@@ -251,18 +227,11 @@ template <class Call, class... Arguments> void fails(std::function<Call(Argument
     };
 }
 
-inline void failsLast(FileCalls& calls) { // the flush of the folder, once the new name is in it
-    calls.fsync = [](int file) {
+inline void failsLast(FileCalls& calls, int error) { // the flush of the folder, once the new name is in it
+    calls.fsync = [error](int file) {
         struct stat found {};
         ::fstat(file, &found);
         if (!S_ISDIR(found.st_mode)) return ::fsync(file);
-        errno = EIO;
-        return -1;
-    };
-}
-inline void failsOn(std::function<int(const char*, int, mode_t)>& call, std::string_view ending, int error) {
-    call = [ending, error, made = call](const char* path, int flags, mode_t mode) {
-        if (!std::string_view(path).ends_with(ending)) return made(path, flags, mode);
         errno = error;
         return -1;
     };

@@ -1,13 +1,7 @@
 #include "durability/RandomHand.h"
 
 #include "app/commands/CommandRows.h"
-#include "app/edits/LayerEdits.h"
-#include "app/model/Colors.h"
 #include "app/model/OpacityPreview.h"
-#include "app/model/OpenPictures.h"
-#include "app/model/PendingTransform.h"
-#include "app/model/PictureFiles.h"
-#include "app/model/Safety.h"
 #include "brush/BrushLibrary.h"
 #include "operations/ShapePath.h"
 

@@ -1,7 +1,5 @@
 #include "durability/RandomHand.h"
 
-#include "app/edits/LayerEdits.h"
-#include "app/model/OpenPictures.h"
 #include "core/selection/Selection.h"
 
 #include <QAbstractSlider>

@@ -35,7 +35,7 @@ struct Reference {
     int64_t calls = 0;
 };
 
-/// A system as it is, and one without files that have no name.
+/// A system as it is, and one without files that have no name, which writes large pieces in part.
 enum class System { usual, withoutUnnamed };
 inline constexpr System kSystems[] = {System::usual, System::withoutUnnamed};
 FileCalls callsOf(System system); ///< Which flush nothing, so that they are fast.

@@ -1,8 +1,6 @@
 #include "durability/Row.h"
 #include "durability/Writers.h"
 
-#include <cerrno>
-
 #include <unistd.h>
 
 using namespace qirn;
@@ -137,23 +135,6 @@ private Q_SLOTS:
                 "0 false successes; the old content, or the new one told as such; pictures still changed"),
             isLongForm() ? QStringLiteral("two calls that fail for different reasons")
                          : QStringLiteral("15 of 16 of them, in turn"));
-    }
-
-    void shortWritesAreContinued() {
-        for (const Writer& writer : kWriters) {
-            const Reference reference = referenceOf(writer, System::usual);
-            WritingWorld world;
-            writer.prepare(world);
-            finishWriting();
-            FileCalls calls = callsOf(System::usual);
-            calls.write = [](int file, const void* bytes, std::size_t count) {
-                return ::write(file, bytes, std::min<std::size_t>(count, 777));
-            };
-            const FileCallsInstead slow(calls);
-            writer.write(world);
-            finishWriting();
-            QCOMPARE(writer.content(world.folder.path()), reference.after);
-        }
     }
 };
 

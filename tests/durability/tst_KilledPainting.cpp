@@ -1,9 +1,4 @@
 #include "app/desktop/SuddenEnd.h"
-#include "app/files/DocSession.h"
-#include "app/files/Recovery.h"
-#include "app/model/OpenPictures.h"
-#include "app/model/PictureFiles.h"
-#include "app/model/Safety.h"
 #include "core/SeededRandom.h"
 #include "durability/Row.h"
 #include "support/Studio.h"
@@ -39,8 +34,8 @@ void tell(const char* what, int64_t picture, double time, uint64_t value = 0) {
 
 /// Paints in the pictures of a studio, a point each turn of the main loop, and tells of each stroke, copy and save.
 struct Painter {
-    explicit Painter(uint64_t seed) : random(seed) {
-        studio.set(&PaintPrefs::autosaveSeconds, kInterval);
+    Painter(uint64_t seed, double interval) : random(seed) {
+        studio.set(&PaintPrefs::autosaveSeconds, interval);
         for (int i = 0; i < kPictures; ++i)
             studio.model.pictures().newDocument(600, 400, 72, PaintColor::white(), QString::number(i));
         std::printf("%s\n", qPrintable(studio.folder.path()));
@@ -101,7 +96,7 @@ struct Painter {
 };
 
 int paintsUntilKilled(const QStringList& arguments) {
-    Painter painter(arguments[0].toULongLong());
+    Painter painter(arguments[0].toULongLong(), arguments[1].toDouble());
     Safety& safety = painter.studio.model.safety();
     safety.startAutosave(kTick);
     for (const int number : {SIGTERM, SIGHUP, SIGINT}) std::signal(number, SIG_DFL);
@@ -111,8 +106,12 @@ int paintsUntilKilled(const QStringList& arguments) {
     QObject::connect(&told, &QSocketNotifier::activated, [] {
         char way = 0;
         if (::read(0, &way, 1) == 1 && way == 'X') std::exit(1);
-        qWarning("The Wayland connection broke. Did the Wayland compositor die?");
-        _exit(1);
+        const auto leave = [] {
+            qWarning("The Wayland connection broke. Did the Wayland compositor die?");
+            _exit(1);
+        };
+        QThread::create(leave)->start(); // either may be the first
+        leave();
     });
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] { painter.turn(); });
@@ -157,7 +156,9 @@ private Q_SLOTS:
             for (int64_t i = first; i < first + count; ++i) {
                 processes.push_back(std::make_unique<QProcess>());
                 startHelper(*processes.back(), QStringLiteral("paintsUntilKilled"),
-                            {QString::number(firstSeed() + static_cast<uint64_t>(i))}, folder.path());
+                            {QString::number(firstSeed() + static_cast<uint64_t>(i)),
+                             QString::number(i % 4 == 1 ? 0 : kInterval)}, // or without copies meanwhile
+                            folder.path());
             }
             for (const auto& process : processes) {
                 const auto line = nextLine(*process);
@@ -175,6 +176,7 @@ private Q_SLOTS:
                 else
                     process.write(ways[way], 1);
                 QVERIFY2(process.waitForFinished(60'000), ways[way]);
+                QCOMPARE(process.exitCode(), numbers[way] != 0 ? numbers[way] : 1);
                 AppFolders::setBaseOverride(QString::fromUtf8(folders[i]));
                 check(process.readAllStandardOutput(), ways[way], end, ages, dirty, strokes);
                 AppFolders::setBaseOverride({});

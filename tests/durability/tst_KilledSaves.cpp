@@ -1,6 +1,3 @@
-#include "app/files/DocSession.h"
-#include "app/model/OpenPictures.h"
-#include "app/model/PictureFiles.h"
 #include "core/SeededRandom.h"
 #include "durability/Row.h"
 #include "formats/native/PaintFile.h"

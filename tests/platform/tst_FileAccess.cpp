@@ -132,7 +132,9 @@ private Q_SLOTS:
                 return refused.contains(name) ? EPERM : 0;
             });
             calls.open = [&, open = calls.open](const char* file, int flags, mode_t mode) {
-                const int result = open(file, flags, mode);
+                const bool isRefused =
+                    round % 3 == 0 && (flags & O_TMPFILE) == O_TMPFILE; // no files without a name
+                const int result = isRefused ? (errno = EOPNOTSUPP, -1) : open(file, flags, mode);
                 if ((flags & O_CREAT) || (flags & O_TMPFILE) == O_TMPFILE) made = result;
                 return result;
             };

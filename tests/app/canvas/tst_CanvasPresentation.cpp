@@ -1,6 +1,3 @@
-#include "app/edits/LayerEdits.h"
-#include "app/model/Brushes.h"
-#include "app/model/OpenPictures.h"
 #include "compositing/CompositeInputs.h"
 #include "core/SeededRandom.h"
 #include "support/Strokes.h"

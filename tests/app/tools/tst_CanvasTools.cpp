@@ -1,15 +1,5 @@
 #include "app/canvas/FloatingImage.h"
-#include "app/desktop/BackgroundQueue.h"
-#include "app/edits/CanvasEdits.h"
-#include "app/edits/LayerEdits.h"
-#include "app/files/DocSession.h"
-#include "app/files/Recovery.h"
 #include "app/model/Clipboard.h"
-#include "app/model/Colors.h"
-#include "app/model/Messages.h"
-#include "app/model/PendingTransform.h"
-#include "app/model/PictureFiles.h"
-#include "app/model/Safety.h"
 #include "app/text/TextSpec.h"
 #include "formats/native/PaintFile.h"
 #include "platform/Bytes.h"
@@ -19,14 +9,9 @@
 #include <cmath>
 
 #include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDoubleSpinBox>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPlainTextEdit>
-#include <QSignalSpy>
 
 using namespace qirn;
 using namespace qirn::test;
