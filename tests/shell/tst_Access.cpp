@@ -1,7 +1,5 @@
 // The studio as a screen reader sees it.
 #include "app/commands/CommandRows.h"
-#include "app/edits/LayerEdits.h"
-#include "app/model/Messages.h"
 #include "shell/HudBubble.h"
 #include "support/Window.h"
 

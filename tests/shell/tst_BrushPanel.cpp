@@ -1,6 +1,4 @@
-#include "app/desktop/BackgroundQueue.h"
 #include "app/files/BrushPreviewCache.h"
-#include "app/model/Brushes.h"
 #include "brush/BrushLibrary.h"
 #include "brush/BrushPreview.h"
 #include "kit/controls/ChromeSlider.h"

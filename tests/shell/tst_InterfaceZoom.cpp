@@ -1,6 +1,4 @@
 #include "app/model/CanvasStatus.h"
-#include "app/model/Messages.h"
-#include "app/model/PendingTransform.h"
 #include "kit/QirnThemes.h"
 #include "kit/QrZoom.h"
 #include "shell/ColorWells.h"

@@ -1,12 +1,9 @@
 #include "app/files/LongTask.h"
 #include "app/model/Guarded.h"
-#include "app/model/Messages.h"
-#include "app/model/Safety.h"
 #include "operations/Reshape.h"
 #include "shell/sheets/WorkCover.h"
 #include "support/Window.h"
 
-#include <atomic>
 #include <chrono>
 #include <new>
 #include <thread>

@@ -1,4 +1,3 @@
-#include "app/model/Colors.h"
 #include "app/model/Palettes.h"
 #include "kit/controls/ChromeSlider.h"
 #include "shell/ColorWells.h"

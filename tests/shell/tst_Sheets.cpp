@@ -1,11 +1,4 @@
-#include "app/canvas/CanvasView.h"
 #include "app/commands/CommandRows.h"
-#include "app/desktop/BackgroundQueue.h"
-#include "app/desktop/Store.h"
-#include "app/edits/CanvasEdits.h"
-#include "app/edits/LayerEdits.h"
-#include "app/model/Colors.h"
-#include "app/model/Messages.h"
 #include "app/text/TextRenderer.h"
 #include "compositing/CompositeInputs.h"
 #include "formats/ImageExport.h"
@@ -26,7 +19,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -232,29 +224,22 @@ private Q_SLOTS:
         SheetWindow w;
         w.fill({0, 0, 200, 10});
         const struct {
-            const char* anchor;
-            const char* width;
+            const char *anchor, *side, *typed;
             IRect content;
-        } cases[] = {{"Center", "403", {2, 0, 200, 10}},
-                     {"Right", "500", {100, 0, 200, 10}},
-                     {"Bottom left", "100", {0, 0, 100, 10}}};
-        for (const auto& [anchor, width, content] : cases) {
+        } cases[] = {{"Center", "Width", "403", {2, 0, 200, 10}},
+                     {"Right", "Width", "500", {100, 0, 200, 10}},
+                     {"Bottom left", "Width", "100", {0, 0, 100, 10}},
+                     {"Bottom", "Height", "400", {0, 100, 200, 10}},
+                     {"Right", "Width", "30001", {}}};
+        for (const auto& [anchor, side, typed, content] : cases) {
             w.find<QAction>("canvasSize").trigger();
             w.press(anchor);
-            w.type("Width", width);
+            w.type(side, typed);
             w.answer(Qt::Key_Return);
+            if (content.isEmpty()) break;
             QVERIFY2(w.lastStep() == "2 Canvas Size" && w.layer().contentBounds() == content, anchor);
             w.model.undo();
         }
-        w.find<QAction>("canvasSize").trigger();
-        w.press("Bottom");
-        w.type("Height", "400");
-        w.answer(Qt::Key_Return);
-        QCOMPARE(w.layer().contentBounds(), std::optional(IRect{0, 100, 200, 10}));
-        w.model.undo();
-        w.find<QAction>("canvasSize").trigger();
-        w.type("Width", "30001");
-        w.answer(Qt::Key_Return);
         QCOMPARE(w.model.messages().hud(), "Size must be 1 to 30,000 pixels");
         QCOMPARE(w.lastStep(), "1 Dot");
     }

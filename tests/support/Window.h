@@ -1,6 +1,4 @@
 #pragma once
-#include "app/files/DocSession.h"
-#include "app/model/OpenPictures.h"
 #include "kit/QirnKit.h"
 #include "shell/MainView.h"
 #include "support/Studio.h"
