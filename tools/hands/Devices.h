@@ -21,9 +21,8 @@ public:
     };
     virtual int mostTilt() const = 0; ///< 0 where the pen feels none.
     virtual void movePen(const Pen& pen) = 0;
-    virtual void
-    pressPen(bool down,
-             Qt::MouseButton = Qt::LeftButton) = 0; ///< The tip, or with Qt::RightButton its side button.
+    /// Its tip is the left button, its upper side button the right one.
+    virtual void pressPen(bool down, Qt::MouseButton button) = 0;
 
     enum class Touch { begin, update, end };
     virtual void touch(Touch what, int finger, QPointF place) = 0;

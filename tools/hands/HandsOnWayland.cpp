@@ -187,9 +187,11 @@ private Q_SLOTS:
         Studio studio(devices_);
         studio.moveMouse({200, 150});
         const QPointF before = studio.onScreen({200, 150});
-        for (int i = 0; i < 4; ++i) studio.hear(QEvent::Wheel, [this] { devices_.scrollTouchpad({7, -3}); });
+        // As far as whole notches of a wheel.
+        for (int i = 0; i < 4; ++i)
+            studio.hear(QEvent::Wheel, [this] { devices_.scrollTouchpad({10, -20}); });
         studio.hear(QEvent::Wheel, [this] { devices_.scrollTouchpad({}); });
-        QCOMPARE(studio.onScreen({200, 150}) - before, QPointF(-28, 12));
+        QCOMPARE(studio.onScreen({200, 150}) - before, QPointF(-40, 80));
         QCOMPARE(studio.shown().zoom, 1.0);
     }
 
