@@ -1,5 +1,6 @@
 #include "app/desktop/HostWords.h"
 
+#include <QGuiApplication>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QStringList>
@@ -54,13 +55,20 @@ QString hostWords(const QString& text) {
         for (const QString& name : held) {
             if (!name.isEmpty()) names << name;
         }
-        result += names.join(u'+');
-        if (end < source.size() && !source[end].isSpace() && source[end] != u',') result += u'+';
+        QString keys = names.join(u'+');
+        if (end < source.size() && !source[end].isSpace() && source[end] != u',')
+            keys += QStringLiteral("+") + source[end++];
+        result += leftToRight(keys);
         i = end;
     }
     return result;
 }
 #endif
+
+QString leftToRight(const QString& keys) {
+    const bool isAsRead = keys.isEmpty() || !QGuiApplication::isRightToLeft();
+    return isAsRead ? keys : QChar(0x2066) + keys + QChar(0x2069); // an isolate: nothing round it turns it
+}
 
 QString plainTip(const QString& text) {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;

@@ -10,6 +10,9 @@ namespace qirn {
 /// and layers are put into them, which stay as they are.
 QString hostWords(const QString& text);
 
+/// Names of keys for a text: they read from left to right in every language, so that "Ctrl++" does not become "++Ctrl".
+QString leftToRight(const QString& keys);
+
 /// A text that may hold names, for a tip: none of its signs is markup.
 QString plainTip(const QString& text);
 

@@ -1,10 +1,15 @@
+#include "app/desktop/HostWords.h"
 #include "app/model/CanvasStatus.h"
+#include "app/model/choices/KeyChoices.h"
 #include "kit/QirnThemes.h"
 #include "kit/QrZoom.h"
 #include "shell/ColorWells.h"
 #include "shell/StatusItems.h"
+#include "shell/panels/InspectorColumn.h"
 #include "shell/panels/InspectorTabs.h"
 #include "support/Window.h"
+#include "tools/ClippedTexts.h"
+#include "tools/PseudoTexts.h"
 
 #include <map>
 
@@ -152,6 +157,7 @@ private Q_SLOTS:
     void cleanup() {
         QrZoom::setValue(1);
         QirnThemes::setCurrentID(QirnThemes::kDefaultID);
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
     }
 
     void everySizeFollowsTheZoomAndEveryColorTheTheme() {
@@ -203,6 +209,46 @@ private Q_SLOTS:
         w.view.resize(1480, 920); // smaller than the content at twice its size: it scrolls
         QCoreApplication::processEvents();
         QCOMPARE(static_cast<QScrollArea&>(*w.view.centralWidget()).widget()->size(), QSize(1920, 1280));
+    }
+
+    void wordsOfOtherLanguagesHaveTheirRoomFromEitherSide() {
+        PseudoTexts longer;
+        QCoreApplication::installTranslator(&longer);
+        for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+            QGuiApplication::setLayoutDirection(direction);
+            Window w;
+            const auto clipped = [&w] {
+                for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+                return clippedIn(w.view);
+            };
+            for (const InspectorTab tab :
+                 {InspectorTab::brush, InspectorTab::palettes, InspectorTab::color}) {
+                w.model.setInspectorTab(tab);
+                QCOMPARE(clipped(), QStringList());
+            }
+            w.click("showOnion");
+            for (const ToolRow& row : kTools) {
+                w.model.setTool(row.tool);
+                QCOMPARE(clipped(), QStringList());
+            }
+            for (int sheet = 0; sheet <= static_cast<int>(PaintSheet::Kind::recovery); ++sheet) {
+                w.model.showSheet({static_cast<PaintSheet::Kind>(sheet)});
+                QCOMPARE(clipped(), QStringList());
+                w.model.closeSheet();
+            }
+            const int plus =
+                QKeyCombination(Qt::CTRL, Qt::Key_Plus).toCombined(); // "Ctrl++" and not "++Ctrl"
+            for (const QString& keys : {keyText(plus), hostWords("⌘+")})
+                QCOMPARE(keys.startsWith(QChar(0x2066)), direction == Qt::RightToLeft);
+            // The panels' edge follows the pointer.
+            auto& column = w.find<InspectorColumn>();
+            auto& edge = w.find<QWidget>("inspectorWidth");
+            const int wide = column.width(), outward = direction == Qt::LeftToRight ? -30 : 30;
+            sendMouse(edge, QEvent::MouseButtonPress, {1, 1});
+            sendMouse(edge, QEvent::MouseMove, {1.0 + outward, 1});
+            sendMouse(edge, QEvent::MouseButtonRelease, {1, 1});
+            QCOMPARE(column.width(), wide + 30);
+        }
     }
 };
 

@@ -131,7 +131,7 @@ bool isPlainKey(int key) {
 }
 
 QString keyText(int key) {
-    return key == 0 ? QString() : QKeySequence(key).toString(QKeySequence::NativeText);
+    return key == 0 ? QString() : leftToRight(QKeySequence(key).toString(QKeySequence::NativeText));
 }
 
 QString withKey(const QString& words, int key) {

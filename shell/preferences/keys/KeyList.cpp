@@ -1,5 +1,6 @@
 #include "shell/preferences/keys/KeyList.h"
 
+#include "app/desktop/HostWords.h"
 #include "app/desktop/keys/TypedKeys.h"
 #include "kit/ChromeFont.h"
 #include "kit/QirnKit.h"
@@ -226,7 +227,7 @@ void KeyList::stopAsking() {
 
 void KeyList::showHeld(Qt::KeyboardModifiers held) {
     held &= ~Qt::KeypadModifier;
-    const QString keys = QKeySequence(static_cast<int>(held)).toString(QKeySequence::NativeText);
+    const QString keys = leftToRight(QKeySequence(static_cast<int>(held)).toString(QKeySequence::NativeText));
     askingItem_->setText(kKeys, keys.isEmpty() ? tr("Type a key…") : tr("%1…").arg(keys));
 }
 
