@@ -82,7 +82,8 @@ private Q_SLOTS:
         QCOMPARE(again.brushes().userBrushes(), std::vector{brush});
         const PaintModel fresh(PaintModel::LoadStores::no, studio.desktop, studio.store);
         Store file(AppFolders::storeFile()); // is written when the program is made to end
-        PaintModel(PaintModel::LoadStores::no, studio.desktop, file).safety().keepWork();
+        PaintModel ended(PaintModel::LoadStores::no, studio.desktop, file);
+        ended.safety().keepWork();
         QVERIFY(Store(AppFolders::storeFile()).json("qirn.pt.colors"));
         QVERIFY(fresh.tool() == Tool::brush && fresh.brushes().userBrushes().empty());
         again.brushes().choose(brush);
