@@ -197,7 +197,7 @@ FileCalls callsOf(System system) {
             return (flags & O_TMPFILE) == O_TMPFILE ? -1 : ::open(path, flags, mode);
         };
         calls.write = [](int file, const void* bytes, std::size_t count) { // part of it, to be continued
-            return ::write(file, bytes, std::min<std::size_t>(count, 50'000));
+            return ::write(file, bytes, std::min<std::size_t>(count, 20'000));
         };
     }
     return calls;
