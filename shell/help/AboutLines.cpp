@@ -20,6 +20,7 @@ constexpr Ingredient kIngredients[] = {
     {"giflib", "MIT"},
     {"libwebp, with libwebpdemux and libwebpmux", "BSD-3-Clause"},
     {"libzip", "BSD-3-Clause"},
+    {"libxcb", "MIT"},
     {"Little CMS", "MIT"},
     {"zlib", "Zlib"},
     {"Highway", "Apache-2.0"},
