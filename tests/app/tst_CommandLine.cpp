@@ -14,6 +14,7 @@
 #include "support/Pictures.h"
 #include "support/TestMain.h"
 
+#include <array>
 #include <csignal>
 
 #include <QMimeDatabase>
@@ -31,30 +32,33 @@ volatile std::sig_atomic_t theSignals = 0;
 
 constexpr int kColumns = 32;
 
-/// Standard error is a terminal as long as it lives.
+/// Standard error is a terminal as long as it lives; a pipe where the machine has none.
 class Terminal {
 public:
     Terminal() {
         const winsize size{24, kColumns, 0, 0};
-        if (::openpty(&screen_, &errors_, nullptr, nullptr, &size) < 0) qFatal("There is no terminal.");
-        ::dup2(errors_, STDERR_FILENO);
+        if (::openpty(&ends_[0], &ends_[1], nullptr, nullptr, &size) < 0 && ::pipe(ends_.data()) < 0)
+            qFatal("There is neither a terminal nor a pipe.");
+        ::dup2(ends_[1], STDERR_FILENO);
     }
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
     ~Terminal() {
         ::dup2(before_, STDERR_FILENO);
-        for (const int file : {before_, screen_, errors_}) ::close(file);
+        for (const int file : {before_, ends_[0], ends_[1]}) ::close(file);
     }
+    bool isOne() const { return ::isatty(ends_[1]) == 1; }
     QByteArray told() const {
         QByteArray all;
         std::array<char, 4096> piece{};
-        for (pollfd ready{screen_, POLLIN, 0}; ::poll(&ready, 1, 0) > 0;)
-            all.append(piece.data(), std::max<ssize_t>(0, ::read(screen_, piece.data(), piece.size())));
+        for (pollfd ready{ends_[0], POLLIN, 0}; ::poll(&ready, 1, 0) > 0;)
+            all.append(piece.data(), std::max<ssize_t>(0, ::read(ends_[0], piece.data(), piece.size())));
         return all;
     }
 
 private:
-    int before_ = ::dup(STDERR_FILENO), screen_ = -1, errors_ = -1;
+    int before_ = ::dup(STDERR_FILENO);
+    std::array<int, 2> ends_{}; // what is told comes out of the first
 };
 
 } // namespace
@@ -97,7 +101,7 @@ private Q_SLOTS:
             QVERIFY2(told.contains(("Couldn't open " + at(name) + ": ").toUtf8()), told.constData());
         for (const QByteArray& shown : told.split('\x1b'))
             if (shown.contains('%')) QVERIFY(QString::fromUtf8(shown.mid(2).trimmed()).size() < kColumns);
-        QVERIFY2(told.contains("Exporting a …"), told.constData());
+        QVERIFY2(!terminal.isOne() || told.contains("Exporting a …"), told.constData());
         QVERIFY(QFile::remove(at("out/a name of more than one line.jpg")));
         QCOMPARE(QDir(at("out")).entryList(QDir::Files), QStringList({"a.jpg", "b.jpg"}));
         const PaintColor red(1, 0, 0);
